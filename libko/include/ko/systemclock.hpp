@@ -1,0 +1,87 @@
+#pragma once
+
+#include <ko/api.hpp>
+
+#include <boost/chrono/duration.hpp>
+#include <boost/chrono/time_point.hpp>
+
+#include <atomic>
+#include <cstdint>
+
+namespace ko
+{
+
+/// The clock of the middleware: a Boost.Chrono clock over signed 64-bit nanoseconds since the Unix epoch.
+///
+/// Every age in the system is "now minus a time stamp" on this clock. Without a ScopedClockSource on the calling
+/// thread it is the machine's wall clock, which may be stepped or slewed by the system.
+class KO_API SystemClock
+{
+public:
+  using duration = boost::chrono::nanoseconds;
+  using rep = duration::rep;
+  using period = duration::period;
+  using time_point = boost::chrono::time_point<SystemClock, duration>;
+  static constexpr bool is_steady = false;
+
+  /// Returns the time of the innermost ScopedClockSource of this thread, or the wall clock if there is none.
+  ///
+  /// \throws whatever the clock source throws; the wall clock throws nothing.
+  /// \par Thread safety
+  ///   Safe from any thread; takes no lock.
+  static time_point now();
+};
+
+/// Where SystemClock::now() may take the time from, see ScopedClockSource.
+class KO_API ClockSource
+{
+public:
+  ClockSource() = default;
+  ClockSource(const ClockSource&) = delete;
+  ClockSource& operator=(const ClockSource&) = delete;
+  virtual ~ClockSource();
+
+  /// Returns the current time of this source.
+  virtual SystemClock::time_point now() = 0;
+};
+
+/// A clock that stands still until it is told to move: for replays and tests.
+///
+/// \par Thread safety
+///   All operations may be called from several threads at once.
+class KO_API ManualClock : public ClockSource
+{
+public:
+  /// Makes a clock that shows `start`.
+  explicit ManualClock(SystemClock::time_point start);
+
+  /// Returns the time last set.
+  SystemClock::time_point now() override;
+
+  /// Moves the clock to `time`, forwards or backwards.
+  void set(SystemClock::time_point time);
+
+  /// Moves the clock on by `step` (backwards if negative).
+  void advance(boost::chrono::nanoseconds step);
+
+private:
+  std::atomic<std::int64_t> _ticks;  // nanoseconds since the Unix epoch
+};
+
+/// While it lives, SystemClock::now() on the thread that made it reads the given source; other threads are unaffected.
+///
+/// Scopes nest: the innermost one counts, and its end brings the one around it back. Destroy a scope on the thread that
+/// made it, in reverse order of making. The source must outlive the scope.
+class KO_API ScopedClockSource
+{
+public:
+  explicit ScopedClockSource(ClockSource& source);
+  ~ScopedClockSource();
+  ScopedClockSource(const ScopedClockSource&) = delete;
+  ScopedClockSource& operator=(const ScopedClockSource&) = delete;
+
+private:
+  ClockSource* _outer;  // what this thread read before, null for the wall clock
+};
+
+}  // namespace ko
