@@ -1,0 +1,56 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/valueconfidence.hpp>
+
+#include <array>
+#include <utility>
+
+namespace KV
+{
+
+/// The twelve facial points by number: what each one means belongs to the face analyser.
+enum PointDescription : int
+{
+  FacialPoint0 = 0,
+  FacialPoint1,
+  FacialPoint2,
+  FacialPoint3,
+  FacialPoint4,
+  FacialPoint5,
+  FacialPoint6,
+  FacialPoint7,
+  FacialPoint8,
+  FacialPoint9,
+  FacialPoint10,
+  FacialPoint11
+};
+
+/// Twelve landmarks of one face: position in the image (x then y, [px]) with a confidence each.
+class SKEIGIOT_API FacialPoints
+{
+public:
+  using Point = ValueConfidence<std::pair<float, float>>;
+
+  /// Makes all points (0, 0) with confidence 0.
+  FacialPoints() = default;
+
+  /// Stores `point` as it is given.
+  ///
+  /// \throws std::invalid_argument "Error while getting point <d>, wrong argument.\n" if `d` is not 0 to 11; nothing is
+  ///   stored then. Deliberate: the setter uses the getter's wording.
+  void setFacialPoint(PointDescription d, Point point);
+
+  /// Returns a copy of the point.
+  ///
+  /// \throws std::invalid_argument "Error while getting point <d>, wrong argument.\n" if `d` is not 0 to 11.
+  Point facialPoint(PointDescription d) const;
+
+  /// Returns the mean of the twelve confidences; a point that was never set counts as 0.
+  float globalConfidence() const;
+
+private:
+  std::array<Point, 12> _slots;  // in the order of layout, which is not the order of the numbers
+};
+
+}  // namespace KV

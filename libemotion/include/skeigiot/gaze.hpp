@@ -1,0 +1,18 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+namespace KV
+{
+
+/// Direction of a person's gaze. Stores what it is given.
+struct SKEIGIOT_API Gaze
+{
+  Gaze() = default;
+  Gaze(float yaw_, float pitch_) : yaw(yaw_), pitch(pitch_) {}
+
+  float yaw = 0.f;    ///< [deg], positive is to the person's own left (the opposite sign of a head yaw)
+  float pitch = 0.f;  ///< [deg], positive is up
+};
+
+}  // namespace KV

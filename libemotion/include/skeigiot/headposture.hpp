@@ -1,0 +1,50 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+#include <iosfwd>
+
+namespace KV
+{
+
+/// Orientation of a person's head. Stores what it is given.
+///
+/// A NaN angle answers false to every direction test. A posture can be both up and left; it is never both up and down.
+class SKEIGIOT_API HeadPosture
+{
+public:
+  static constexpr float upBoundary = 6.f;     ///< [deg] a pitch from here on is "up"
+  static constexpr float downBoundary = -6.f;  ///< [deg] a pitch from here downwards is "down"
+  static constexpr float leftBoundary = -6.f;  ///< [deg] a yaw from here downwards is "left"
+  static constexpr float rightBoundary = 6.f;  ///< [deg] a yaw from here on is "right"
+
+  /// Makes a head that is straight: all angles 0.
+  HeadPosture() = default;
+  HeadPosture(float yaw, float pitch, float roll) : _yaw(yaw), _pitch(pitch), _roll(roll) {}
+
+  float yaw() const { return _yaw; }      ///< [deg], positive is turned to the person's own right
+  float pitch() const { return _pitch; }  ///< [deg], positive is up
+  float roll() const { return _roll; }    ///< [deg], positive is tilted to the person's own right shoulder
+
+  void setYaw(float yaw) { _yaw = yaw; }
+  void setPitch(float pitch) { _pitch = pitch; }
+  void setRoll(float roll) { _roll = roll; }
+  void setHeadPosture(float yaw, float pitch, float roll);
+
+  bool isUp() const { return _pitch >= upBoundary; }
+  bool isDown() const { return _pitch <= downBoundary; }
+  bool isLeft() const { return _yaw <= leftBoundary; }
+  bool isRight() const { return _yaw >= rightBoundary; }
+
+private:
+  float _yaw = 0.f;
+  float _pitch = 0.f;
+  float _roll = 0.f;
+};
+
+/// Writes the three angles and a word for pitch and yaw, without a line end.
+///
+/// Deliberate: fixed notation and precision 1 stay set on the stream.
+SKEIGIOT_API std::ostream& operator<<(std::ostream& stream, const HeadPosture& posture);
+
+}  // namespace KV

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+#include <boost/smart_ptr/shared_ptr.hpp>
+
+namespace KV
+{
+
+struct PersonMemoryPrivate;
+struct PersonObservation;
+
+/// The short-term memories of one person, one for each kind of reading.
+///
+/// A handle: copies share the record.
+class SKEIGIOT_API PersonMemory
+{
+public:
+  /// Makes a record of its own with every memory empty.
+  PersonMemory();
+  PersonMemory(const PersonMemory&) = default;
+  PersonMemory& operator=(const PersonMemory&) = default;
+  ~PersonMemory();
+
+  /// Files each reading of the observation into its memory, under the reading's own time.
+  ///
+  /// `headHeight` and `voiceEmotion` are not remembered. A reading that is absent leaves its memory untouched.
+  ///
+  /// \par Thread safety
+  ///   Takes the mutex of one memory at a time, never two at once; another thread may see the observation half filed.
+  void add(const PersonObservation& observation);
+
+  boost::shared_ptr<PersonMemoryPrivate> _p;  ///< the shared record, for the library's own components
+};
+
+}  // namespace KV

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+namespace KV
+{
+
+/// Orientation of the robot's own head. Stores what it is given.
+struct SKEIGIOT_API RobotHeadPosture
+{
+  RobotHeadPosture() = default;
+  RobotHeadPosture(float yaw_, float pitch_) : yaw(yaw_), pitch(pitch_) {}
+
+  float yaw = 0.f;    ///< [deg]; only its changes are read
+  float pitch = 0.f;  ///< [deg]; only its changes are read
+};
+
+}  // namespace KV

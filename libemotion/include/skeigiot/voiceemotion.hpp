@@ -1,0 +1,34 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/expressions.hpp>
+
+#include <iosfwd>
+
+namespace KV
+{
+
+/// Emotional scores of a person's voice. Stores what it is given; default all 0.
+///
+/// The getters hide the members of the same names, which stay reachable through Expressions. A voice analyser has no
+/// score for surprise: that member is inherited, stays 0, and has no getter.
+struct SKEIGIOT_API VoiceEmotion : Expressions
+{
+  VoiceEmotion() = default;
+  VoiceEmotion(ValueConfidence<float> calm, ValueConfidence<float> anger, ValueConfidence<float> joy,
+               ValueConfidence<float> sorrow, ValueConfidence<float> laughter, ValueConfidence<float> excitement);
+
+  ValueConfidence<float> calm() const { return Expressions::calm; }
+  ValueConfidence<float> anger() const { return Expressions::anger; }
+  ValueConfidence<float> joy() const { return Expressions::joy; }
+  ValueConfidence<float> sorrow() const { return Expressions::sorrow; }
+  ValueConfidence<float> laughter() const { return Expressions::laughter; }
+  ValueConfidence<float> excitement() const { return Expressions::excitement; }
+};
+
+/// Writes "Calm : " and nothing else.
+///
+/// Deliberate: this terse form is the defined output, without a score and without a line end.
+SKEIGIOT_API std::ostream& operator<<(std::ostream& stream, const VoiceEmotion& emotion);
+
+}  // namespace KV

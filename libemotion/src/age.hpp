@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ko/systemclock.hpp>
+
+#include <cstdint>
+#include <limits>
+
+namespace KV
+{
+
+/// Returns how long ago `time` was in whole milliseconds, truncated towards zero; negative for the future.
+///
+/// Reads the clock once. An age beyond 64 bits of nanoseconds is held at their end.
+inline std::int64_t ageInMs(ko::SystemClock::time_point time)
+{
+  constexpr std::int64_t nanosecondsPerMillisecond = 1000000;
+  const std::int64_t now = ko::SystemClock::now().time_since_epoch().count();
+  std::int64_t age = 0;
+  if (__builtin_sub_overflow(now, time.time_since_epoch().count(), &age))
+    age = now < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+  return age / nanosecondsPerMillisecond;
+}
+
+/// Returns the age as the weights want it, in seconds; reads the clock once.
+inline float ageInSeconds(ko::SystemClock::time_point time)
+{
+  return static_cast<float>(ageInMs(time)) * 0.001f;
+}
+
+}  // namespace KV

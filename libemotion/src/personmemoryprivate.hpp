@@ -1,0 +1,50 @@
+#pragma once
+
+#include <skeigiot/personobservation.hpp>
+#include <skeigiot/shorttermmemory.hpp>
+
+#include "diagnostictext.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <cstdint>
+
+namespace KV
+{
+
+/// How long a reading is remembered, and, because it outlasts the moment, a context emotion.
+constexpr boost::chrono::milliseconds readingHorizon(7000);
+constexpr boost::chrono::milliseconds contextHorizon(20000);
+
+/// The record behind PersonMemory: one memory for each kind of reading.
+struct PersonMemoryPrivate
+{
+  /// Files each reading of the observation into its memory.
+  ///
+  /// Composes a report of what the memories then hold and drops it; see DiagnosticText.
+  ///
+  /// \par Thread safety
+  ///   Takes the mutex of one memory at a time, never two at once.
+  void add(const PersonObservation& observation);
+
+  /// As above, and appends the report to `report`.
+  void add(const PersonObservation& observation, DiagnosticText& report);
+
+  ShortTermMemory<HeadPosture> headPostureMemory{readingHorizon};
+  ShortTermMemory<float> distanceMemory{readingHorizon};
+  ShortTermMemory<bool> lookingAtRobotMemory{readingHorizon};
+  ShortTermMemory<Smile> smileMemory{readingHorizon};
+  ShortTermMemory<Gaze> gazeMemory{readingHorizon};
+  ShortTermMemory<Expressions> expressionsMemory{readingHorizon};
+  ShortTermMemory<ValueConfidence<bool>> genderMemory{readingHorizon};
+  ShortTermMemory<ValueConfidence<unsigned int>> ageMemory{readingHorizon};
+  ShortTermMemory<bool> faceDetectedMemory{readingHorizon};
+  ShortTermMemory<FacialPoints> facialPointsMemory{readingHorizon};
+  ShortTermMemory<std::int32_t> touchEmotionMemory{readingHorizon};
+  ShortTermMemory<float> asrEmotionMemory{readingHorizon};
+  ShortTermMemory<ContextEmotion> contextEmotionMemory{contextHorizon};
+  ShortTermMemory<bool> speakingMemory{readingHorizon};
+  ShortTermMemory<RobotHeadPosture> robotHeadPostureMemory{readingHorizon};
+};
+
+}  // namespace KV
