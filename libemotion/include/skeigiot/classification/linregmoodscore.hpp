@@ -1,0 +1,42 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/classification/coefficient.hpp>
+#include <skeigiot/classification/moodscore.hpp>
+
+#include <vector>
+
+namespace KV::classification
+{
+
+/// A linear regression score, as a mean per feature.
+class SKEIGIOT_API LinregMoodScore final : public MoodScore
+{
+public:
+  /// Makes a score with `n` weights of 1.
+  ///
+  /// \throws std::length_error if `n` is negative.
+  LinregMoodScore(int n, float intercept);
+  explicit LinregMoodScore(const Coefficient& coefficient);
+
+  /// Returns (sum of weight x feature + intercept) / number of features; the class is not read.
+  ///
+  /// The sum is in float, in index order. Without weights and features the result is the intercept over 0.
+  ///
+  /// \throws std::runtime_error "Z vector size does not match the feature size" if there is not one feature per weight.
+  float calculateScore(const MoodClass& moodClass, const std::vector<float>& features) const override;
+
+  /// \name Built-in sets for the five valence features: smile, calm, joy, anger, sorrow
+  /// Built on the first call (thread-safe), destroyed at the end of the process.
+  /// @{
+  static const Coefficient& COEFFICIENT_POS();
+  static const Coefficient& COEFFICIENT_NEU();
+  static const Coefficient& COEFFICIENT_NEG();
+  /// @}
+
+private:
+  std::vector<float> _weights;
+  float _intercept;
+};
+
+}  // namespace KV::classification
