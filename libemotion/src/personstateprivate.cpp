@@ -1,0 +1,218 @@
+#include "personstateprivate.hpp"
+
+#include "age.hpp"
+#include "clamp.hpp"
+#include "emotionalstatelog.hpp"
+
+#include <ko/log.hpp>
+
+#include <boost/math/policies/policy.hpp>
+#include <boost/math/special_functions/erf.hpp>
+#include <boost/thread/lock_guard.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <limits>
+#include <locale>
+#include <sstream>
+
+namespace KV
+{
+
+namespace
+{
+
+constexpr ko::SystemClock::time_point neverSeen{boost::chrono::nanoseconds(-1000000)};
+
+constexpr float oldObservationInSeconds = 3.f;
+
+/// The cycle of a person who is not seen.
+constexpr float notSeenWeight = 0.26f;
+constexpr float notSeenConfidenceWeight = 0.7f;
+constexpr const char* notSeenSource = "Not visible";
+
+float moved(float from, float target, float weight)
+{
+  return from + weight * (target - from);
+}
+
+/// The error function in 53 bits, narrowed.
+float errorFunction(float x)
+{
+  using boost::math::policies::policy;
+  using boost::math::policies::promote_double;
+  return static_cast<float>(boost::math::erf(static_cast<double>(x), policy<promote_double<false>>()));
+}
+
+}  // namespace
+
+PersonStatePrivate::PersonStatePrivate()
+  : attentionAngles(initialAttentionAngles()), attentionEstimates(initialAttentionEstimates())
+{
+  lastObservationTimes.fill(neverSeen);
+}
+
+PersonStatePrivate::PersonStatePrivate(const PersonStatePrivate& other)
+  : bodyLanguageState(other.bodyLanguageState),
+    valence(other.valence),
+    attention(other.attention),
+    attentionZone(other.attentionZone),
+    smile(other.smile),
+    gaze(other.gaze),
+    expressions(other.expressions),
+    headHeight(other.headHeight),
+    headAngles(other.headAngles),
+    frequencyGaze(other.frequencyGaze),
+    frequencyFace(other.frequencyFace),
+    lastObservationTimes()
+{}
+
+std::vector<float> PersonStatePrivate::initialAttentionAngles()
+{
+  return std::vector<float>(AttentionChannelCount, -10.f);
+}
+
+std::vector<float> PersonStatePrivate::initialAttentionEstimates()
+{
+  return std::vector<float>(AttentionChannelCount, 0.f);
+}
+
+void PersonStatePrivate::_setValence(float value)
+{
+  valence.value = clampValence(value);
+}
+
+void PersonStatePrivate::_setValenceConfidence(float value)
+{
+  valence.confidence = clampConfidence(value);
+}
+
+void PersonStatePrivate::_setAttention(float value)
+{
+  attention.value = clampAttention(value);
+}
+
+void PersonStatePrivate::_setAttentionConfidence(float value)
+{
+  attention.confidence = clampConfidence(value);
+}
+
+void PersonStatePrivate::_setUnsmoothedValence(float value)
+{
+  unsmoothedValence.value = clampValence(value);
+}
+
+void PersonStatePrivate::_setUnsmoothedValenceConfidence(float value)
+{
+  unsmoothedValence.confidence = clampConfidence(value);
+}
+
+void PersonStatePrivate::_describeForce(DiagnosticText& text, std::string_view quantity, float target, float weight,
+                                        std::string_view source)
+{
+  text << "Applying " << quantity << " force " << 100.f * weight << " towards " << target;
+  if (!source.empty())
+    text << " (" << source << ")";
+}
+
+void PersonStatePrivate::_applyForceValence(float target, float weight, std::string_view source)
+{
+  DiagnosticText text;
+  _describeForce(text, "valence", target, weight, source);
+  const boost::lock_guard<boost::mutex> lock(valenceMutex);
+  _setValence(moved(valence.value, target, weight));
+  _setUnsmoothedValence(moved(unsmoothedValence.value, target, weight));
+}
+
+void PersonStatePrivate::_applyForceValenceConfidence(float target, float weight, std::string_view source)
+{
+  DiagnosticText text;
+  _describeForce(text, "valence confidence", target, weight, source);
+  const boost::lock_guard<boost::mutex> lock(valenceConfidenceMutex);
+  _setValenceConfidence(moved(valence.confidence, target, weight));
+  _setUnsmoothedValenceConfidence(moved(unsmoothedValence.confidence, target, weight));
+}
+
+void PersonStatePrivate::_applyForceAttention(float target, float weight, std::string_view source)
+{
+  DiagnosticText text;
+  _describeForce(text, "attention", target, weight, source);
+  const boost::lock_guard<boost::mutex> lock(attentionMutex);
+  _setAttention(moved(attention.value, target, weight));
+}
+
+void PersonStatePrivate::_applyForceAttentionConfidence(float target, float weight, std::string_view source)
+{
+  DiagnosticText text;
+  _describeForce(text, "attention confidence", target, weight, source);
+  const boost::lock_guard<boost::mutex> lock(attentionConfidenceMutex);
+  _setAttentionConfidence(moved(attention.confidence, target, weight));
+}
+
+float PersonStatePrivate::_computeWeight(float x, float reference)
+{
+  constexpr float gentlest = 0.001f;
+  constexpr float steepest = 2.f;
+  constexpr float floor = 0.01f;
+
+  const float steepness = minimum(steepest, maximum(gentlest, 2.f / reference));
+  const float argument = steepness * (reference - x);
+  if (std::isnan(argument))
+    return floor;
+  return maximum((errorFunction(argument) + 1.f) * 0.5f, floor);
+}
+
+float PersonStatePrivate::_computeWeightSmoothed(float x, float reference)
+{
+  return 0.5f * ((_computeWeight(x, reference) - (x - reference) / (2.f * reference)) + 0.5f);
+}
+
+float PersonStatePrivate::_computeDampingFactor(float weight, float count)
+{
+  return weight / std::pow(count, 0.7f);
+}
+
+void PersonStatePrivate::_warnIfObservationOld(std::int64_t ageInMs, std::string_view source)
+{
+  // The product is formed in double, so that 3000 ms are exactly 3 s.
+  const auto seconds = static_cast<float>(static_cast<double>(ageInMs) * 0.001);
+  if (!(seconds > oldObservationInSeconds))
+    return;
+
+  std::ostringstream message;
+  message.imbue(std::locale::classic());
+  message << "Processing old observation from " << seconds << " s ago";
+  if (!source.empty())
+    message << " of " << source;
+  ko::log::log(ko::log::Level::Warning, emotionalStateCategory, message.str(), emotionalStateSourceFile, __func__,
+               __LINE__);
+}
+
+std::int64_t PersonStatePrivate::_lastTimeStampedObservationValence() const
+{
+  return _youngestAgeInMs({SmileChannel, ExpressionsChannel, VoiceChannel, AsrChannel, TouchChannel});
+}
+
+std::int64_t PersonStatePrivate::_lastTimeStampedObservationAttention() const
+{
+  return _youngestAgeInMs({HeadPostureChannel, GazeChannel});
+}
+
+std::int64_t PersonStatePrivate::_youngestAgeInMs(std::initializer_list<ObservationChannel> channels) const
+{
+  std::int64_t youngest = std::numeric_limits<std::int64_t>::max();
+  for (const ObservationChannel channel : channels)
+    youngest = std::min(youngest, ageInMs(lastObservationTimes[channel]));
+  return youngest;
+}
+
+void PersonStatePrivate::_decreaseSinceNotSeen()
+{
+  _applyForceValence(0.f, notSeenWeight, notSeenSource);
+  _applyForceValenceConfidence(0.f, notSeenConfidenceWeight, notSeenSource);
+  _applyForceAttention(0.f, notSeenWeight, notSeenSource);
+  _applyForceAttentionConfidence(0.f, notSeenConfidenceWeight, notSeenSource);
+}
+
+}  // namespace KV

@@ -1,0 +1,597 @@
+#include "personstateprivate.hpp"
+
+#include "age.hpp"
+#include "clamp.hpp"
+#include "initialisedearly.hpp"
+#include "personmemoryprivate.hpp"
+
+#include <skeigiot/classification/argmaxclassifiertype.hpp>
+#include <skeigiot/classification/moodclass.hpp>
+#include <skeigiot/classification/moodclassifier.hpp>
+#include <skeigiot/personmemory.hpp>
+#include <skeigiot/personobservation.hpp>
+
+#include <boost/optional/optional.hpp>
+#include <boost/thread/lock_guard.hpp>
+
+#include <cmath>
+#include <cstdint>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+namespace KV
+{
+
+using classification::ArgmaxClassifierType;
+using classification::LogregMoodScore;
+using classification::MoodClass;
+using classification::MoodClassifier;
+using ko::human::AttentionState;
+
+SKEIGIOT_INITIALISED_EARLY const LogregMoodScore PersonStatePrivate::_reg_pos(LogregMoodScore::COEFFICIENT_POS());
+SKEIGIOT_INITIALISED_EARLY const LogregMoodScore PersonStatePrivate::_reg_neu(LogregMoodScore::COEFFICIENT_NEU());
+SKEIGIOT_INITIALISED_EARLY const LogregMoodScore PersonStatePrivate::_reg_neg(LogregMoodScore::COEFFICIENT_NEG());
+
+namespace
+{
+
+/// How hard the sources pull: what their weights are multiplied by.
+namespace gain
+{
+constexpr float emotion = 0.65f;  // every source of valence but body language, and the attention
+constexpr float confidence = 0.7f;
+constexpr float bodyLanguage = 0.065f;
+constexpr float voiceScore = 0.7f;
+constexpr float speaking = 0.5f;
+constexpr float noWinner = 0.5f;
+}  // namespace gain
+
+/// At which age [s] a reading's weight has fallen to one half.
+namespace halfLife
+{
+constexpr float facialPoints = 3.f;
+constexpr float speaking = 2.f;
+constexpr float angles = 1.f;
+constexpr float asr = 4.f;
+constexpr float touch = 4.f;
+constexpr float anySource = 2.5f;
+}  // namespace halfLife
+
+/// From which age [s] on a reading does not count at all.
+namespace lifetime
+{
+constexpr float speaking = 4.f;
+constexpr float angles = 1.f;
+constexpr float robotHead = 1.f;
+}  // namespace lifetime
+
+/// What the angles of head and gaze mean [deg].
+namespace angle
+{
+constexpr float frontalFace = 20.f;  // the expressions of a face turned this far are half trusted
+constexpr float attentiveHead = 15.f;
+constexpr float attentiveGaze = 20.f;
+constexpr float deadBand = 0.3f;     // an attention estimate stays while its angle moves by less
+constexpr float gazeOnlyYaw = 10.f;  // below this head yaw the gaze alone decides
+constexpr float evenYaw = 30.f;      // here head and gaze count alike
+constexpr float headOnlyYaw = 35.f;  // above this head yaw the head alone decides
+constexpr float lostYaw = 40.f;      // beyond these head angles there is no zone
+constexpr float lostPitch = 30.f;
+constexpr float headZoneYaw = 15.f;
+constexpr float gazeZoneYaw = 12.f;
+constexpr float zonePitch = 10.f;
+constexpr float robotYawStep = 7.f;  // a robot head that turned this far is half trusted
+constexpr float robotPitchStep = 3.5f;
+}  // namespace angle
+
+constexpr float robotAtRest = 0.95f;  // weights from here on say that the robot's head did not move; they do not count
+constexpr float robotShare = 0.2f;    // of the attention confidence; the rest is the sensor's
+constexpr float sensorShare = 0.8f;
+constexpr float attendingTarget = 0.9f;   // an attention target from here on is the robot's own zone
+constexpr float headDecidesZone = 0.35f;  // a head's share from here on makes its yaw decide the zone
+
+constexpr float touchTarget(std::int32_t touch)
+{
+  return touch > 0 ? 1.f : -1.f;  // Deliberate: 0 is unpleasant.
+}
+
+constexpr float asrTarget(float asr)
+{
+  return asr < 0.f ? -1.f : 1.f;
+}
+
+/// How far a head is turned off, its yaw counting by two thirds and its pitch by one third.
+float headMagnitude(float yaw, float pitch)
+{
+  const double x = 2.0 * static_cast<double>(yaw) / 3.0;
+  const double y = static_cast<double>(pitch) / 3.0;
+  return static_cast<float>(std::sqrt(x * x + y * y));
+}
+
+float gazeMagnitude(float yaw, float pitch)
+{
+  const auto x = static_cast<double>(yaw);
+  const auto y = static_cast<double>(pitch);
+  return static_cast<float>(std::sqrt(x * x + y * y));
+}
+
+/// The head's share in the attention, the gaze having the rest, by the head's mean yaw: 0 below 10 deg, 1 above 35 deg.
+///
+/// Deliberate: it jumps at both ends. A NaN yaw leaves the gaze alone.
+float headShare(float meanYaw)
+{
+  const float yaw = std::fabs(meanYaw);
+  if (yaw > angle::headOnlyYaw)
+    return 1.f;
+  if (yaw >= angle::gazeOnlyYaw)
+    return 1.f - PersonStatePrivate::_computeWeightSmoothed(yaw, angle::evenYaw);
+  return 0.f;
+}
+
+/// A mean of angles, weighted by their ages.
+class MeanAngles
+{
+public:
+  void add(float yaw, float pitch, float weight)
+  {
+    _yawSum += weight * yaw;
+    _pitchSum += weight * pitch;
+    _weightSum += weight;
+  }
+
+  float yaw() const { return _yawSum / _weightSum; }
+  float pitch() const { return _pitchSum / _weightSum; }
+
+private:
+  float _yawSum = 0.f;
+  float _pitchSum = 0.f;
+  float _weightSum = 0.f;
+};
+
+/// One update of one state: run() has the order of the sources, each of which acts on what those before it left.
+class StateUpdate
+{
+public:
+  StateUpdate(PersonStatePrivate& state, const PersonObservation& observation, PersonMemoryPrivate& memory,
+              DiagnosticText& trace)
+    : _state(state), _observation(observation), _memory(memory), _trace(trace)
+  {}
+
+  void run()
+  {
+    _trace << "State updated with:\n";
+    _weighFacialPoints();
+    _weighSpeaking();
+    _takeOverReadings();
+    _trustFrontalFaces();
+    _pullByFaceCharacteristics();
+    _pullBySmile();
+    _followHead();
+    _followGaze();
+    _pullByVoice();
+    _pullByRememberedEmotions();
+
+    if (_valenceObserved)
+      _limitValenceConfidence();
+    else
+      _decayValence();
+
+    if (_attentionObserved)
+      _pullAttention();
+    else
+      _decayAttention();
+
+    _report();
+  }
+
+private:
+  /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex.
+  template <typename T, typename Read>
+  static void _readPruned(ShortTermMemory<T>& memory, Read read)
+  {
+    const boost::lock_guard<boost::mutex> lock(memory.mutex());
+    memory._forgetOld();
+    read(memory.records());
+  }
+
+  static float _weight(float x, float reference) { return PersonStatePrivate::_computeWeight(x, reference); }
+
+  // Sources of the valence confidence
+
+  /// Well seen facial points raise the valence confidence towards their own.
+  void _weighFacialPoints()
+  {
+    _readPruned(_memory.facialPointsMemory, [this](const auto& records) {
+      if (records.empty())
+      {
+        _trace << "\t - NO FACIAL POINTS IN MEMORY\n";
+        return;
+      }
+      float confidenceSum = 0.f;
+      float weightSum = 0.f;
+      for (const Timestamped<FacialPoints>& record : records)
+      {
+        const float weight = _weight(ageInSeconds(record.time), halfLife::facialPoints);
+        confidenceSum += weight * record.value.globalConfidence();
+        weightSum += weight;
+      }
+      const float confidence = maximum(0.f, confidenceSum / weightSum);
+      const float youngestWeight = _weight(ageInSeconds(records.begin()->time), halfLife::facialPoints);
+      _trace << "\t - Confidence: " << confidence << " with weight " << youngestWeight << '\n';
+      _state._applyForceValenceConfidence(confidence * youngestWeight, gain::confidence, "Points confidence");
+    });
+  }
+
+  /// A mouth that speaks tells less of the mood.
+  void _weighSpeaking()
+  {
+    _readPruned(_memory.speakingMemory, [this](const auto& records) {
+      for (const Timestamped<bool>& record : records)
+      {
+        if (!record.value)
+          continue;
+        const float age = ageInSeconds(record.time);
+        if (!(age < lifetime::speaking))
+          continue;
+        _state._applyForceValenceConfidence(0.f, gain::speaking * _weight(age, halfLife::speaking), "User is speaking");
+        _speaking = true;
+        return;
+      }
+    });
+  }
+
+  // What the observation itself brings
+
+  void _takeOverReadings()
+  {
+    _newSmile = _takeOverIfNew(_observation.smile, SmileChannel, _state.smile);
+    _newExpressions = _takeOverIfNew(_observation.expressions, ExpressionsChannel, _state.expressions);
+    if (_observation.gaze)
+      _state.gaze = _observation.gaze->value;
+    if (_observation.headPosture)
+      _state.headAngles = _observation.headPosture->value;
+  }
+
+  /// Keeps the reading and its time if it is there and its time differs from the kept one; tells whether it did.
+  template <typename T>
+  bool _takeOverIfNew(const PersonObservation::Reading<T>& reading, ObservationChannel channel, T& kept)
+  {
+    if (!_isNew(reading, channel))
+      return false;
+    kept = reading->value;
+    return true;
+  }
+
+  /// Tells whether the reading is there and was not seen before, and keeps its time.
+  template <typename T>
+  bool _isNew(const PersonObservation::Reading<T>& reading, ObservationChannel channel)
+  {
+    if (!reading || reading->time == _state.lastObservationTimes[channel])
+      return false;
+    _state.lastObservationTimes[channel] = reading->time;
+    return true;
+  }
+
+  /// A face that is turned away lowers the trust in its expressions.
+  void _trustFrontalFaces()
+  {
+    _readPruned(_memory.headPostureMemory, [this](const auto& records) {
+      if (records.empty())
+        return;
+      const HeadPosture& youngest = records.begin()->value;
+      const float trust = _weight(headMagnitude(youngest.yaw(), youngest.pitch()), angle::frontalFace);
+      Expressions& kept = _state.expressions;
+      for (ValueConfidence<float>* score : {&kept.calm, &kept.anger, &kept.joy, &kept.sorrow, &kept.surprise})
+        score->confidence = trust;
+    });
+  }
+
+  // Sources of the valence
+
+  /// New expressions of a silent face pull the valence to the mood class that wins, if one does.
+  void _pullByFaceCharacteristics()
+  {
+    if (_speaking || !_newExpressions)
+      return;
+
+    std::vector<MoodClass> classes = {MoodClass("positive", 1, PersonStatePrivate::_reg_pos),
+                                      MoodClass("neutral", 0, PersonStatePrivate::_reg_neu),
+                                      MoodClass("negative", -1, PersonStatePrivate::_reg_neg)};
+    const Expressions& kept = _state.expressions;
+    const std::vector<float> features = {_state.smile.value * _state.smile.confidence, kept.calm.value, kept.joy.value,
+                                         kept.anger.value, kept.sorrow.value};
+    for (MoodClass& moodClass : classes)
+      moodClass.calculateScore(features);
+
+    if (const boost::optional<std::int32_t> winner = _winnerOf(classes))
+      _pullValence(static_cast<float>(*winner), gain::emotion, "Face characteristics");
+    else
+      _state._applyForceValenceConfidence(0.f, gain::noWinner, "Winner unknown");
+  }
+
+  /// Returns the value of the winning class, or nothing if there is no clear winner.
+  static boost::optional<std::int32_t> _winnerOf(std::vector<MoodClass>& classes)
+  {
+    static const ArgmaxClassifierType argMax(0.f);
+    try
+    {
+      return MoodClassifier(argMax).classify(classes).value;
+    }
+    catch (const std::runtime_error&)
+    {
+      return boost::none;
+    }
+  }
+
+  /// While the person speaks, a new smile stands in for the expressions.
+  ///
+  /// Deliberate: a new smile of a silent person moves nothing by itself.
+  void _pullBySmile()
+  {
+    if (_newSmile && _speaking)
+      _pullValence(_state.smile.value, _state.smile.confidence * gain::emotion, "Smile");
+  }
+
+  void _pullByVoice()
+  {
+    if (!_isNew(_observation.voiceEmotion, VoiceChannel))
+      return;
+    PersonStatePrivate::_warnIfObservationOld(ageInMs(_observation.voiceEmotion->time), "Voice Emotion");
+
+    const VoiceEmotion& voice = _observation.voiceEmotion->value;
+    _pullByVoiceScore(voice.calm(), 0.f);
+    _pullByVoiceScore(voice.anger(), -1.f);
+    _pullByVoiceScore(voice.joy(), 1.f);
+    _pullByVoiceScore(voice.sorrow(), -0.5f);
+  }
+
+  void _pullByVoiceScore(const ValueConfidence<float>& score, float target)
+  {
+    _pullValence(target, (score.value * gain::voiceScore) * gain::emotion, "Voice emotion");
+  }
+
+  /// Every remembered speech, touch and context emotion pulls in every cycle, newest first.
+  void _pullByRememberedEmotions()
+  {
+    const boost::lock_guard<boost::mutex> lock(_state.observationsMutex);
+    _pullByMemory(_memory.asrEmotionMemory, AsrChannel, [this](float asr, float age) {
+      _pullValence(asrTarget(asr), _weight(age, halfLife::asr) * gain::emotion, "Asr emotion");
+    });
+    _pullByMemory(_memory.touchEmotionMemory, TouchChannel, [this](std::int32_t touch, float age) {
+      _pullValence(touchTarget(touch), _weight(age, halfLife::touch) * gain::emotion, "Touch emotion");
+    });
+    _pullByMemory(_memory.contextEmotionMemory, ContextChannel, [this](const ContextEmotion& context, float age) {
+      const float weight = _weight(age, context.lifetime);
+      _pullValence(static_cast<float>(context.valence), weight * gain::emotion, "Context emotion");
+    });
+  }
+
+  /// Keeps the time of the youngest record, and calls `pull` with each record's value and age [s].
+  template <typename T, typename Pull>
+  void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel, Pull pull)
+  {
+    _readPruned(memory, [&](const auto& records) {
+      if (records.empty())
+        return;
+      _state.lastObservationTimes[channel] = records.begin()->time;
+      for (const Timestamped<T>& record : records)
+        pull(record.value, ageInSeconds(record.time));
+    });
+  }
+
+  void _pullValence(float target, float weight, std::string_view source)
+  {
+    _state._applyForceValence(target, weight, source);
+    _valenceObserved = true;
+  }
+
+  // Head and gaze
+
+  /// A head seen lately pulls the valence by its body language and says how much attention it pays.
+  void _followHead()
+  {
+    _readPruned(_memory.headPostureMemory, [this](const auto& records) {
+      if (records.empty())
+        return;
+      _state.lastObservationTimes[HeadPostureChannel] = records.begin()->time;
+      if (!(ageInSeconds(records.begin()->time) < lifetime::angles))
+        return;
+
+      const BodyLanguageEase ease = _state.bodyLanguageState.bodyLanguageState(BodyLanguageEaseDescription);
+      _state._applyForceValence(ease.level, gain::bodyLanguage, "Body Language");
+
+      MeanAngles mean;
+      for (const Timestamped<HeadPosture>& record : records)
+        mean.add(record.value.yaw(), record.value.pitch(), _weight(ageInSeconds(record.time), halfLife::angles));
+      _meanHeadYaw = mean.yaw();
+      _meanHeadPitch = mean.pitch();
+      _headShare = headShare(_meanHeadYaw);
+      _estimateAttention(HeadAttention, headMagnitude(_meanHeadYaw, _meanHeadPitch), angle::attentiveHead);
+      _reportAttention("head", _meanHeadYaw, _meanHeadPitch, HeadAttention);
+    });
+  }
+
+  /// A gaze seen lately says how much attention it pays.
+  void _followGaze()
+  {
+    _readPruned(_memory.gazeMemory, [this](const auto& records) {
+      if (records.empty() || !(ageInSeconds(records.begin()->time) < lifetime::angles))
+        return;
+      _state.lastObservationTimes[GazeChannel] = records.begin()->time;
+
+      MeanAngles mean;
+      for (const Timestamped<Gaze>& record : records)
+        mean.add(record.value.yaw, record.value.pitch, _weight(ageInSeconds(record.time), halfLife::angles));
+      _meanGazeYaw = mean.yaw();
+      _meanGazePitch = mean.pitch();
+      _estimateAttention(GazeAttention, gazeMagnitude(_meanGazeYaw, _meanGazePitch), angle::attentiveGaze);
+      _reportAttention("gaze", _meanGazeYaw, _meanGazePitch, GazeAttention);
+    });
+  }
+
+  /// Estimates the channel's attention anew, unless its angle has hardly moved since the previous cycle.
+  ///
+  /// Deliberate: a slow drift, or a NaN difference, never renews the estimate, since the angle is kept in any case.
+  void _estimateAttention(AttentionChannel channel, float magnitude, float reference)
+  {
+    if (std::fabs(magnitude - _state.attentionAngles[channel]) >= angle::deadBand)
+      _state.attentionEstimates[channel] = PersonStatePrivate::_computeWeightSmoothed(magnitude, reference);
+    _state.attentionAngles[channel] = magnitude;
+    _attentionObserved = true;
+  }
+
+  void _reportAttention(const char* what, float yaw, float pitch, AttentionChannel channel)
+  {
+    _trace << "Final value of " << what << ": " << yaw << " | " << pitch << " | " << _state.attentionEstimates[channel]
+           << '\n';
+  }
+
+  // Without a source, and with one
+
+  /// How much the last reading of a group of sources still counts, whose age is `ageInMs`.
+  static float _silenceWeight(std::int64_t ageInMs)
+  {
+    return ageInMs < 1 ? 0.f : _weight(static_cast<float>(ageInMs) * 0.001f, halfLife::anySource);
+  }
+
+  /// Without any source the valence drifts to neutral, the faster the longer all have been silent.
+  void _decayValence()
+  {
+    const float weight = _silenceWeight(_state._lastTimeStampedObservationValence());
+    _trace << "No valence observations\nforce: " << weight << '\n';
+    _state._applyForceValence(0.f, (1.f - weight) * gain::emotion, "No observation");
+    _state._applyForceValenceConfidence(0.f, gain::confidence, "No observation");
+  }
+
+  void _limitValenceConfidence()
+  {
+    _keepHeadHeight();
+    _state._handleOkaoValenceLimitations(_distance(), _state.headHeight);
+  }
+
+  void _decayAttention()
+  {
+    const float weight = _silenceWeight(_state._lastTimeStampedObservationAttention());
+    _trace << "No attention observations\n";
+    _state._applyForceAttention(0.f, (1.f - weight) * gain::emotion, "No observation");
+    _state._applyForceAttentionConfidence(0.f, gain::confidence, "No observation");
+    _state._setAttentionZone(AttentionState::Unknown);
+  }
+
+  void _pullAttention()
+  {
+    _keepHeadHeight();
+    const float ceiling = _state._handleOkaoAttentionLimitations(_distance(), _state.headHeight);
+    const float confidence = sensorShare * ceiling + robotShare * _robotMovementFactor();
+    _state._applyForceAttentionConfidence(confidence, gain::confidence, "Okao and robot movement limits");
+
+    const float byHead = _state.attentionEstimates[HeadAttention];
+    const float byGaze = _state.attentionEstimates[GazeAttention];
+    const float target = _headShare * byHead + (1.f - _headShare) * byGaze;
+    _state._applyForceAttention(target, gain::emotion, "Gaze and head based attention");
+    _state._setAttentionZone(_zone(target));
+  }
+
+  /// 1 for a robot head at rest, less the more it moved lately: its images are blurred, and its angles late.
+  float _robotMovementFactor()
+  {
+    float sum = 0.f;
+    float count = 0.f;
+    const auto countIfMoved = [&](float weight) {
+      if (!(weight < robotAtRest))
+        return;
+      sum += weight;
+      count += 1.f;
+    };
+    _readPruned(_memory.robotHeadPostureMemory, [&](const auto& records) {
+      const RobotHeadPosture* newer = nullptr;
+      for (const Timestamped<RobotHeadPosture>& record : records)
+      {
+        if (!(ageInSeconds(record.time) < lifetime::robotHead))
+          continue;
+        const RobotHeadPosture& current = record.value;
+        const RobotHeadPosture& before = newer ? *newer : current;
+        countIfMoved(_weight(std::fabs(before.yaw - current.yaw), angle::robotYawStep));
+        countIfMoved(_weight(std::fabs(before.pitch - current.pitch), angle::robotPitchStep));
+        newer = &current;
+      }
+    });
+    return count > 0.f ? sum / count : 1.f;
+  }
+
+  /// The zone that the person attends to.
+  ///
+  /// Deliberate: the row comes from the gaze alone; the head's pitch only says whether there is a zone at all.
+  AttentionState _zone(float attentionTarget) const
+  {
+    if (std::fabs(_meanHeadPitch) > angle::lostPitch || std::fabs(_meanHeadYaw) > angle::lostYaw)
+      return AttentionState::Unknown;
+    if (attentionTarget >= attendingTarget)
+      return AttentionState::LookingAtRobot;
+    if (_headShare >= headDecidesZone)
+      return PersonStatePrivate::_computeAttentionZone(_meanHeadYaw, _meanGazePitch, angle::headZoneYaw,
+                                                       angle::zonePitch, "head");
+    return PersonStatePrivate::_computeAttentionZone(_meanGazeYaw, _meanGazePitch, angle::gazeZoneYaw, angle::zonePitch,
+                                                     "gaze");
+  }
+
+  void _keepHeadHeight()
+  {
+    if (!_observation.headHeight)
+      return;
+    const boost::lock_guard<boost::mutex> lock(_state.headHeightMutex);
+    _state.headHeight = _observation.headHeight->value;
+  }
+
+  float _distance() const { return _observation.distance ? _observation.distance->value : 0.f; }
+
+  void _report()
+  {
+    _trace << "Computed states:\n";
+    _reportQuantity("Valence: ", _state.valence);
+    _reportQuantity("Attention: ", _state.attention);
+  }
+
+  void _reportQuantity(const char* title, const ValueConfidence<float>& quantity)
+  {
+    _trace << title << "\n\t - Value: \t" << quantity.value << "\n\t - Confidence: \t" << quantity.confidence << '\n';
+  }
+
+  PersonStatePrivate& _state;
+  const PersonObservation& _observation;
+  PersonMemoryPrivate& _memory;
+  DiagnosticText& _trace;
+
+  bool _valenceObserved = false;
+  bool _attentionObserved = false;
+  bool _speaking = false;
+  bool _newSmile = false;
+  bool _newExpressions = false;
+
+  float _headShare = 0.f;
+  float _meanHeadYaw = 0.f;  // all four [deg], 0 when the reading is missing or too old
+  float _meanHeadPitch = 0.f;
+  float _meanGazeYaw = 0.f;
+  float _meanGazePitch = 0.f;
+};
+
+}  // namespace
+
+void PersonStatePrivate::__update(const PersonObservation& observation, const PersonMemory& memory)
+{
+  DiagnosticText trace;
+  __update(observation, memory, trace);
+}
+
+void PersonStatePrivate::__update(const PersonObservation& observation, const PersonMemory& memory,
+                                  DiagnosticText& trace)
+{
+  if (attentionAngles.empty())
+    attentionAngles = initialAttentionAngles();
+  if (attentionEstimates.empty())
+    attentionEstimates = initialAttentionEstimates();
+  StateUpdate(*this, observation, *memory._p, trace).run();
+}
+
+}  // namespace KV
