@@ -1,0 +1,61 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/personmemory.hpp>
+#include <skeigiot/personobservation.hpp>
+#include <skeigiot/personstate.hpp>
+
+#include <cstdint>
+#include <iosfwd>
+#include <utility>
+
+namespace KV
+{
+
+/// One tracked person: an identifier, the estimated state, and the memories that it is estimated from.
+///
+/// State and memory are handles, so copies of a person share both records.
+///
+/// \par Thread safety
+///   Not synchronised: update one person, through whichever copy, from one thread at a time. SocialGraph does.
+class SKEIGIOT_API Person
+{
+public:
+  /// Makes person 0 with a new state and new memories.
+  Person();
+  /// Makes person `id` with a new state and new memories.
+  explicit Person(std::int32_t id);
+
+  /// Takes one perception cycle in: files the observation into the memories, then estimates body language and state.
+  ///
+  /// Equivalent to updateMemory() followed by _updateOnlineModels(). An exception of a step passes to the caller; what
+  /// the steps before it did stays done.
+  void update(const PersonObservation& observation);
+
+  /// Files the observation into the memories, and estimates nothing.
+  void updateMemory(const PersonObservation& observation);
+
+  /// Estimates body language and state, without filing the observation.
+  void _updateOnlineModels(const PersonObservation& observation);
+
+  /// Ages the state by one cycle in which the person was not seen, see PersonState::decreaseSinceNotSeen().
+  void decreaseSinceNotSeen();
+
+  /// Changes the identifier and nothing else; a social graph goes on finding the person under its former one.
+  void setUserSessionID(std::int32_t id);
+
+  void setFrequencyGaze(float hz);
+  void setFrequencyFace(float hz);
+
+  /// Returns the pleasure state and the attention zone.
+  std::pair<PleasureState, ko::human::AttentionState> personDescriptor() const;
+
+  std::int32_t personID = 0;  ///< identifier of the person in the robot's user session
+  PersonState personState;
+  PersonMemory personMemory;
+};
+
+/// Writes "Person (US#<id>) ", without a line end.
+SKEIGIOT_API std::ostream& operator<<(std::ostream& stream, const Person& person);
+
+}  // namespace KV
