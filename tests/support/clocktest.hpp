@@ -1,0 +1,48 @@
+#pragma once
+
+#include <ko/systemclock.hpp>
+
+#include <boost/chrono/duration.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+/// \file
+/// Time for tests: a fixed start and a clock that moves only when it is told to.
+
+namespace support
+{
+
+using boost::chrono::hours;
+using boost::chrono::microseconds;
+using boost::chrono::milliseconds;
+using boost::chrono::nanoseconds;
+using boost::chrono::seconds;
+
+/// Where test time starts: 2020-01-01T00:00:00Z, late enough that "never seen" is old.
+inline const ko::SystemClock::time_point start{seconds(1577836800)};
+
+/// The time point with this count of nanoseconds since the Unix epoch.
+inline ko::SystemClock::time_point atNanoseconds(std::int64_t ticks)
+{
+  return ko::SystemClock::time_point(nanoseconds(ticks));
+}
+
+/// A manual clock, and the scope that makes it the clock of the thread for as long as the test runs.
+struct TestClock
+{
+  ko::ManualClock clock{start};
+  ko::ScopedClockSource scope{clock};
+};
+
+/// A fixture whose `clock` stands at `start` and is what SystemClock::now() reads on the test's thread.
+class ClockTest : public ::testing::Test, protected TestClock
+{};
+
+/// As ClockTest, for tables of cases.
+template <typename Case>
+class ClockTestWithParam : public ::testing::TestWithParam<Case>, protected TestClock
+{};
+
+}  // namespace support
