@@ -49,9 +49,10 @@ using Thresholds = std::array<float, zonesPerSide>;
 /// Counts the ascending thresholds up to the first that is strictly greater than the angle; a NaN passes them all.
 std::size_t countReached(const Thresholds& thresholds, float angle)
 {
-  const auto greater = [angle](float threshold) { return threshold > angle; };
-  const auto end = std::find_if(thresholds.begin(), thresholds.end(), greater);
-  return static_cast<std::size_t>(end - thresholds.begin());
+  std::size_t count = 0;
+  while (count < thresholds.size() && !(thresholds[count] > angle))
+    ++count;
+  return count;
 }
 
 /// As above, held inside the table for angles past the last threshold.
