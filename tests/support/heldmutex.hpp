@@ -1,0 +1,48 @@
+#pragma once
+
+#include <boost/thread/lock_types.hpp>
+#include <boost/thread/mutex.hpp>
+
+#include <chrono>
+#include <future>
+#include <vector>
+
+namespace support
+{
+
+/// Tells whether `action` waits for `mutex`: on another thread, it ends only after the mutex was let go.
+///
+/// An operation that takes no mutex could pass for one that waits only if its thread did not get to run for a moment;
+/// one that does wait is never blamed.
+template <typename Action>
+bool waitsFor(boost::mutex& mutex, Action action)
+{
+  boost::unique_lock<boost::mutex> lock(mutex);
+  std::future<void> done = std::async(std::launch::async, action);
+  const bool waited = done.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout;
+  lock.unlock();
+  done.get();
+  return waited;
+}
+
+/// Tells whether `action`, on another thread, ends while all of these mutexes are held.
+template <typename Action>
+bool endsDespite(const std::vector<boost::mutex*>& mutexes, Action action)
+{
+  std::vector<boost::unique_lock<boost::mutex>> locks;
+  for (boost::mutex* mutex : mutexes)
+    locks.emplace_back(*mutex);
+  std::future<void> done = std::async(std::launch::async, action);
+  const bool ended = done.wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+  locks.clear();
+  done.get();
+  return ended;
+}
+
+/// Tells whether nobody holds the mutex.
+inline bool isFree(boost::mutex& mutex)
+{
+  return boost::unique_lock<boost::mutex>(mutex, boost::try_to_lock).owns_lock();
+}
+
+}  // namespace support
