@@ -1,2 +1,2 @@
 # Tests of the person state, its update, persons, the social graph and the recorder.
-set(STATE_TESTS)
+set(STATE_TESTS personstate_test.cpp personstateprivate_test.cpp sensorlimits_test.cpp tunable_test.cpp)
