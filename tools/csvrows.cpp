@@ -1,0 +1,95 @@
+#include "csvrows.hpp"
+
+#include "recording.hpp"
+
+#include <csv.h>
+
+#include <new>
+
+namespace tools
+{
+namespace
+{
+int isBlank(unsigned char character)
+{
+  return character == ' ' || character == '\t' ? 1 : 0;
+}
+
+// Lines were split before, so no character ends a row.
+int endsRow(unsigned char)
+{
+  return 0;
+}
+
+}  // namespace
+
+// The parser of libcsv, and the fields of one line one behind the other.
+class CsvRows::Parser
+{
+public:
+  Parser() { _init(); }
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
+  ~Parser() { csv_free(&_parser); }
+
+  // Splits the line into `fields`, valid until the next call; false if a quote is not closed.
+  bool split(std::string_view line, std::vector<std::string_view>& fields)
+  {
+    _text.clear();
+    _ends.clear();
+    fields.clear();
+    csv_parse(&_parser, line.data(), line.size(), _addField, nullptr, this);
+    if (csv_fini(&_parser, _addField, nullptr, this) != 0)
+    {
+      csv_free(&_parser);
+      _init();
+      return false;
+    }
+
+    std::size_t begin = 0;
+    for (const std::size_t end : _ends)
+    {
+      fields.emplace_back(_text.data() + begin, end - begin);
+      begin = end;
+    }
+    return true;
+  }
+
+private:
+  void _init()
+  {
+    if (csv_init(&_parser, CSV_STRICT_FINI) != 0)
+      throw std::bad_alloc();
+    csv_set_space_func(&_parser, isBlank);
+    csv_set_term_func(&_parser, endsRow);
+  }
+
+  static void _addField(void* field, std::size_t length, void* self)
+  {
+    auto& parser = *static_cast<Parser*>(self);
+    parser._text.append(static_cast<const char*>(field), length);
+    parser._ends.push_back(parser._text.size());
+  }
+
+  csv_parser _parser{};
+  std::string _text;
+  std::vector<std::size_t> _ends;
+};
+
+CsvRows::CsvRows(const std::string& path) : _file(path), _parser(std::make_unique<Parser>()) {}
+
+CsvRows::~CsvRows() = default;
+
+bool CsvRows::next()
+{
+  while (_file.readLine(_line))
+  {
+    if (!_parser->split(_line, _fields))
+      throw BadLine({_file.path(), _file.lineNumber(), {}}, "a quote is opened and not closed");
+    if (!_fields.empty())
+      return true;
+  }
+  return false;
+}
+
+}  // namespace tools

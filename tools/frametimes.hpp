@@ -1,0 +1,69 @@
+#pragma once
+
+#include <ko/systemclock.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// One frame of a video as its file counts it.
+struct Frame
+{
+  std::int64_t number = 0;
+  std::optional<double> timestamp;  ///< [s]
+
+  bool operator==(const Frame& other) const { return number == other.number && timestamp == other.timestamp; }
+  bool operator!=(const Frame& other) const { return !(*this == other); }
+};
+
+/// Tells when the frames of a video were taken: by the rate that the user gives, else by the file's time stamps, else
+/// by an assumed rate.
+///
+/// Time stamps that count from the start of the video count from 2020-01-01T00:00:00Z on instead, since a clock that
+/// shows 1970 makes what was never seen look young.
+class FrameTimes
+{
+public:
+  /// Decides by the first frames of the file, of which there must be one at least.
+  FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames);
+
+  /// Returns the time of the frame; nothing if it counts by time stamps and the frame has none, or if it lies beyond
+  /// what the clock can show.
+  std::optional<ko::SystemClock::time_point> timeOf(const Frame& frame) const;
+
+  /// Returns how many frames there would usually be between these two.
+  ///
+  /// That is 0 where the numbers jump and the times do not.
+  std::int64_t missingBetween(const Frame& earlier, const Frame& later) const;
+
+  /// Says what rate there is and where the times come from.
+  const std::string& description() const { return _description; }
+
+  /// Returns a warning if the times are doubtful, else an empty text.
+  const std::string& warning() const { return _warning; }
+
+private:
+  enum class Source
+  {
+    GivenRate,
+    Timestamps,
+    AssumedRate
+  };
+
+  std::optional<double> _secondsOf(const Frame& frame) const;
+  void _describe();
+
+  Source _source;
+  double _framesPerSecond = 0.0;  // of frame numbers; 0 if unknown
+  std::int64_t _usualStep = 1;    // between the numbers of frames that follow each other
+  std::int64_t _firstNumber = 0;  // for the rates
+  double _timestampOrigin = 0.0;  // [s] since 1970
+  std::string _description;
+  std::string _warning;
+};
+
+}  // namespace tools

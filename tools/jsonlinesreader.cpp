@@ -1,0 +1,60 @@
+#include "jsonlinesreader.hpp"
+
+#include "observationjson.hpp"
+
+#include <string_view>
+
+namespace tools
+{
+namespace
+{
+constexpr std::string_view blanks = " \t\r\n";
+
+bool isBlank(std::string_view line)
+{
+  return line.find_first_not_of(blanks) == std::string_view::npos;
+}
+
+}  // namespace
+
+bool looksLikeJsonLines(const std::string& head)
+{
+  const std::size_t begin = head.find_first_not_of(blanks);
+  return begin != std::string::npos && head[begin] == '{';
+}
+
+JsonLinesReader::JsonLinesReader(const std::string& path) : _file(path) {}
+
+boost::optional<RecordingEntry> JsonLinesReader::next()
+{
+  std::string_view line;
+  do
+  {
+    if (!_file.readLine(line))
+      return {};
+  } while (isBlank(line));
+
+  try
+  {
+    RecordingEntry entry = entryFromJson(line);
+    if (_anyRead && entry.time < _time)
+      throw MemberError("time", "time runs backwards, expected the lines in the order of their times");
+    _anyRead = true;
+    _time = entry.time;
+    return entry;
+  }
+  catch (const MemberError& error)
+  {
+    const bool mayBeCut = !_file.lineEnded() && error.isSyntax();
+    throw BadLine({_file.path(), _file.lineNumber(), error.member()},
+                  std::string(error.what()) + (mayBeCut ? "; the last line is not complete: the file may be cut" : ""));
+  }
+}
+
+std::vector<std::string> JsonLinesReader::describe() const
+{
+  return {"JSON Lines: angles in degrees, head yaw to the own right, gaze yaw to the own left, pitch up, as they are",
+          "times in nanoseconds since 1970 by the lines, persons by their member person; missing: nothing"};
+}
+
+}  // namespace tools

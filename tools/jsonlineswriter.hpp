@@ -1,0 +1,25 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <iosfwd>
+
+namespace tools
+{
+
+/// Writes a recording in the project's own format, one line for each step; JsonLinesReader reads the same back, to the
+/// last bit of every number (of NaN, only that it is none).
+class JsonLinesWriter
+{
+public:
+  /// Writes to `stream`, which must outlive the writer.
+  explicit JsonLinesWriter(std::ostream& stream) : _stream(stream) {}
+
+  /// Writes one line; whether that worked is told by the state of the stream.
+  void write(const RecordingEntry& entry);
+
+private:
+  std::ostream& _stream;
+};
+
+}  // namespace tools

@@ -1,0 +1,599 @@
+#include "observationjson.hpp"
+
+#include "quote.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace tools
+{
+namespace
+{
+// Numbers with a fraction are single precision from text to text: by way of double some would be rounded twice.
+using Json =
+    nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
+
+using TimePoint = ko::SystemClock::time_point;
+
+constexpr int deepestNesting = 16;
+constexpr std::size_t mostParts = 10000;
+
+// The form of every record, for reading and writing alike: a Visitor has
+//   required(name, field)           a member that is always there
+//   optional(name, field, isVoid)   a member that is left out if `isVoid`
+
+struct Ambiance
+{
+  int movements = 0;
+  boost::optional<float> activity;
+};
+
+template <typename Visitor, typename T>
+void visit(Visitor& members, KV::ValueConfidence<T>& value)
+{
+  members.required("value", value.value);
+  members.required("confidence", value.confidence);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::Gaze& gaze)
+{
+  members.required("yaw", gaze.yaw);
+  members.required("pitch", gaze.pitch);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::RobotHeadPosture& posture)
+{
+  members.required("yaw", posture.yaw);
+  members.required("pitch", posture.pitch);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::HeadPosture& posture)
+{
+  float yaw = posture.yaw();
+  float pitch = posture.pitch();
+  float roll = posture.roll();
+  members.required("yaw", yaw);
+  members.required("pitch", pitch);
+  members.required("roll", roll);
+  posture.setHeadPosture(yaw, pitch, roll);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::Smile& smile)
+{
+  members.required("value", smile.value);
+  members.required("confidence", smile.confidence);
+}
+
+// A score that was not measured has confidence 0.
+template <typename Visitor>
+void visitScore(Visitor& members, const char* name, KV::ValueConfidence<float>& score)
+{
+  const bool isDefault =
+      score.value == 0.f && !std::signbit(score.value) && score.confidence == 0.f && !std::signbit(score.confidence);
+  members.optional(name, score, isDefault);
+}
+
+template <typename Visitor>
+void visitScoresOfVoice(Visitor& members, KV::Expressions& expressions)
+{
+  visitScore(members, "calm", expressions.calm);
+  visitScore(members, "anger", expressions.anger);
+  visitScore(members, "joy", expressions.joy);
+  visitScore(members, "sorrow", expressions.sorrow);
+  visitScore(members, "laughter", expressions.laughter);
+  visitScore(members, "excitement", expressions.excitement);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::Expressions& expressions)
+{
+  visitScoresOfVoice(members, expressions);
+  visitScore(members, "surprise", expressions.surprise);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::VoiceEmotion& emotion)
+{
+  visitScoresOfVoice(members, emotion);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::ContextEmotion& emotion)
+{
+  members.required("valence", emotion.valence);
+  members.required("lifetime", emotion.lifetime);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::FacialPoints& facialPoints)
+{
+  constexpr std::size_t count = 12;
+  std::array<std::array<float, 3>, count> points{};
+  const auto description = [](std::size_t i) { return static_cast<KV::PointDescription>(i); };
+  for (std::size_t i = 0; i < count; ++i)
+  {
+    const auto point = facialPoints.facialPoint(description(i));
+    points.at(i) = {point.value.first, point.value.second, point.confidence};
+  }
+  members.required("points", points);
+  for (std::size_t i = 0; i < count; ++i)
+  {
+    const auto& [x, y, confidence] = points.at(i);
+    facialPoints.setFacialPoint(description(i), {{x, y}, confidence});
+  }
+}
+
+// A reading that is one number or truth.
+template <typename Visitor, typename T>
+void visit(Visitor& members, T& value)
+{
+  members.required("value", value);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, KV::PersonObservation& observation)
+{
+  const auto reading = [&members](const char* name, auto& field) { members.optional(name, field, !field); };
+  reading("lookingAtRobot", observation.lookingAtRobot);
+  reading("headHeight", observation.headHeight);
+  reading("distance", observation.distance);
+  reading("gaze", observation.gaze);
+  reading("smile", observation.smile);
+  reading("expressions", observation.expressions);
+  reading("headPosture", observation.headPosture);
+  reading("gender", observation.gender);
+  reading("age", observation.age);
+  reading("faceDetected", observation.faceDetected);
+  reading("facialPoints", observation.facialPoints);
+  reading("voiceEmotion", observation.voiceEmotion);
+  reading("asrEmotion", observation.asrEmotion);
+  reading("touchEmotion", observation.touchEmotion);
+  reading("contextEmotion", observation.contextEmotion);
+  reading("speaking", observation.speaking);
+  reading("robotHeadPosture", observation.robotHeadPosture);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, Ambiance& ambiance)
+{
+  members.optional("activity", ambiance.activity, !ambiance.activity);
+  members.optional("movements", ambiance.movements, ambiance.movements == 0);
+}
+
+template <typename Visitor>
+void visit(Visitor& members, ScopeStart& start)
+{
+  members.required("scope", start.name);
+  members.optional("samples", start.samples, start.samples == ScopeStart().samples);
+}
+
+bool isEmpty(const KV::PersonObservation& observation);
+
+// The step without its time, which the readings refer to.
+template <typename Visitor>
+void visit(Visitor& members, RecordingEntry& entry)
+{
+  Ambiance ambiance{entry.movements, entry.ambianceActivity};
+  members.optional("start", entry.scopeStarts, entry.scopeStarts.empty());
+  members.optional("ambiance", ambiance, ambiance.movements == 0 && !ambiance.activity);
+  members.optional("person", entry.person, !entry.person);
+  members.optional("seen", entry.seen, entry.seen);
+  members.optional("observation", entry.observation, isEmpty(entry.observation));
+  members.optional("stop", entry.scopeStops, entry.scopeStops.empty());
+  entry.movements = ambiance.movements;
+  entry.ambianceActivity = ambiance.activity;
+}
+
+// Counts the readings.
+struct ReadingCounter
+{
+  template <typename Field>
+  void optional(const char*, Field&, bool isVoid)
+  {
+    count += isVoid ? 0 : 1;
+  }
+
+  int count = 0;
+};
+
+bool isEmpty(const KV::PersonObservation& observation)
+{
+  KV::PersonObservation copy = observation;
+  ReadingCounter counter;
+  visit(counter, copy);
+  return counter.count == 0;
+}
+
+std::int64_t nanosecondsOf(TimePoint time)
+{
+  return time.time_since_epoch().count();
+}
+
+TimePoint timeOf(std::int64_t nanoseconds)
+{
+  return TimePoint(boost::chrono::nanoseconds(nanoseconds));
+}
+
+// Writes the members of one record into a JSON object.
+class ObjectWriter
+{
+public:
+  ObjectWriter(Json& object, TimePoint stepTime) : _object(object), _stepTime(stepTime) {}
+
+  template <typename Field>
+  void required(const char* name, Field& field)
+  {
+    _object[name] = _written(field);
+  }
+
+  template <typename Field>
+  void optional(const char* name, Field& field, bool isVoid)
+  {
+    if (!isVoid)
+      required(name, field);
+  }
+
+private:
+  static Json _written(bool value) { return value; }
+  static Json _written(std::int32_t value) { return value; }
+  static Json _written(std::uint32_t value) { return value; }
+  static Json _written(std::int64_t value) { return value; }
+  static Json _written(const std::string& value) { return value; }
+
+  static Json _written(float value)
+  {
+    if (std::isnan(value))
+      return "NaN";
+    if (std::isinf(value))
+      return value > 0.f ? "Infinity" : "-Infinity";
+    return value;
+  }
+
+  template <typename T>
+  Json _writtenAll(T& values) const
+  {
+    Json array = Json::array();
+    for (auto& value : values)
+      array.push_back(_written(value));
+    return array;
+  }
+
+  template <typename T, std::size_t Count>
+  Json _written(std::array<T, Count>& values) const
+  {
+    return _writtenAll(values);
+  }
+
+  template <typename T>
+  Json _written(std::vector<T>& values) const
+  {
+    return _writtenAll(values);
+  }
+
+  template <typename T>
+  Json _written(boost::optional<T>& value) const
+  {
+    return _written(*value);
+  }
+
+  template <typename T>
+  Json _written(KV::Timestamped<T>& reading) const
+  {
+    Json object = Json::object();
+    if (reading.time != _stepTime)
+      object["time"] = nanosecondsOf(reading.time);
+    ObjectWriter members(object, _stepTime);
+    visit(members, reading.value);
+    return object;
+  }
+
+  template <typename T>
+  Json _written(T& record) const
+  {
+    Json object = Json::object();
+    ObjectWriter members(object, _stepTime);
+    visit(members, record);
+    return object;
+  }
+
+  Json& _object;
+  TimePoint _stepTime;
+};
+
+// Where in the text a value stands.
+struct Path
+{
+  const Path* parent = nullptr;
+  std::string_view name;  // of a member
+  std::size_t index = 0;  // of an element, if there is no name
+
+  std::string text() const
+  {
+    const std::string before = parent != nullptr ? parent->text() : std::string();
+    if (name.empty())
+      return parent != nullptr ? before + "[" + std::to_string(index) + "]" : before;
+    return before + (before.empty() ? "" : ".") + std::string(name);
+  }
+};
+
+[[noreturn]] void refuse(const Json& value, const Path& path, const std::string& expected)
+{
+  throw MemberError(path.text(), "expected " + expected + ", found " + quote(value.dump()));
+}
+
+// Reads the members of one record from a JSON object.
+class ObjectReader
+{
+public:
+  ObjectReader(const Json& object, const Path& path, TimePoint stepTime)
+    : _object(object), _path(path), _stepTime(stepTime)
+  {
+    if (!object.is_object())
+      refuse(object, path, "an object");
+  }
+
+  template <typename Field>
+  void required(const char* name, Field& field)
+  {
+    const Path path{&_path, name};
+    const auto found = _find(name);
+    if (found == _object.end())
+      throw MemberError(path.text(), "is missing");
+    _read(*found, path, field);
+  }
+
+  template <typename Field>
+  void optional(const char* name, Field& field, bool)
+  {
+    const auto found = _find(name);
+    if (found != _object.end())
+      _read(*found, Path{&_path, name}, field);
+  }
+
+  // Refuses members that nobody asked for.
+  void finish() const
+  {
+    for (const auto& [name, value] : _object.items())
+      if (std::find(_known.begin(), _known.end(), name) == _known.end())
+        throw MemberError(Path{&_path, name}.text(), "there is no such member" + _expectedMembers());
+  }
+
+private:
+  Json::const_iterator _find(const char* name)
+  {
+    _known.emplace_back(name);
+    return _object.find(name);
+  }
+
+  std::string _expectedMembers() const
+  {
+    std::string text;
+    for (const std::string_view name : _known)
+      text += (text.empty() ? "; expected " : ", ") + std::string(name);
+    return text;
+  }
+
+  static void _read(const Json& value, const Path& path, bool& field)
+  {
+    if (!value.is_boolean())
+      refuse(value, path, "true or false");
+    field = value.get<bool>();
+  }
+
+  static void _read(const Json& value, const Path& path, std::string& field)
+  {
+    if (!value.is_string())
+      refuse(value, path, "a text");
+    field = value.get<std::string>();
+  }
+
+  static void _read(const Json& value, const Path& path, float& field)
+  {
+    if (value.is_number())
+      field = value.get<float>();
+    else if (value == "NaN")
+      field = std::numeric_limits<float>::quiet_NaN();
+    else if (value == "Infinity")
+      field = std::numeric_limits<float>::infinity();
+    else if (value == "-Infinity")
+      field = -std::numeric_limits<float>::infinity();
+    else
+      refuse(value, path, R"(a number, "NaN", "Infinity" or "-Infinity")");
+  }
+
+  template <typename Integer>
+  static void _readInteger(const Json& value, const Path& path, Integer& field)
+  {
+    using Limits = std::numeric_limits<Integer>;
+    // JSON for Modern C++ keeps what is not negative as an unsigned number.
+    const bool fits = value.is_number_unsigned()
+                          ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(Limits::max())
+                          : value.is_number_integer() && Limits::is_signed &&
+                                value.get<std::int64_t>() >= static_cast<std::int64_t>(Limits::min());
+    if (!fits)
+      refuse(value, path,
+             "a whole number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max()));
+    field = value.get<Integer>();
+  }
+
+  static void _read(const Json& value, const Path& path, std::int32_t& field) { _readInteger(value, path, field); }
+  static void _read(const Json& value, const Path& path, std::uint32_t& field) { _readInteger(value, path, field); }
+  static void _read(const Json& value, const Path& path, std::int64_t& field) { _readInteger(value, path, field); }
+
+  template <typename T, std::size_t Count>
+  void _read(const Json& value, const Path& path, std::array<T, Count>& fields) const
+  {
+    if (!value.is_array() || value.size() != Count)
+      refuse(value, path, "an array of " + std::to_string(Count) + " elements");
+    for (std::size_t i = 0; i < Count; ++i)
+      _read(value[i], Path{&path, {}, i}, fields.at(i));
+  }
+
+  template <typename T>
+  void _read(const Json& value, const Path& path, std::vector<T>& fields) const
+  {
+    if (!value.is_array())
+      refuse(value, path, "an array");
+    fields.resize(value.size());
+    for (std::size_t i = 0; i < fields.size(); ++i)
+      _read(value[i], Path{&path, {}, i}, fields[i]);
+  }
+
+  template <typename T>
+  void _read(const Json& value, const Path& path, boost::optional<T>& field) const
+  {
+    T content{};
+    _read(value, path, content);
+    field = content;
+  }
+
+  template <typename T>
+  void _read(const Json& value, const Path& path, KV::PersonObservation::Reading<T>& field) const
+  {
+    ObjectReader members(value, path, _stepTime);
+    std::int64_t time = nanosecondsOf(_stepTime);
+    members.optional("time", time, false);
+    T content = _blank<T>();
+    visit(members, content);
+    members.finish();
+    field.emplace(timeOf(time), content);
+  }
+
+  template <typename T>
+  void _read(const Json& value, const Path& path, T& record) const
+  {
+    ObjectReader members(value, path, _stepTime);
+    visit(members, record);
+    members.finish();
+  }
+
+  template <typename T>
+  static T _blank()
+  {
+    if constexpr (std::is_same_v<T, KV::ContextEmotion>)
+      return T(0, 0.f);
+    else
+      return T();
+  }
+
+  const Json& _object;
+  const Path& _path;
+  TimePoint _stepTime;
+  std::vector<std::string_view> _known;
+};
+
+// Watches over the parsing: names that are doubled, and what is too much for one step.
+class Guard
+{
+public:
+  bool operator()(int depth, Json::parse_event_t event, const Json& parsed)
+  {
+    if (depth > deepestNesting || ++_parts > mostParts)
+      throw MemberError("", "is nested too deep, or has too many parts, for one step");
+    if (event == Json::parse_event_t::object_start)
+      _namesAt(depth + 1).clear();
+    else if (event == Json::parse_event_t::key)
+      _add(parsed.get_ref<const std::string&>(), _namesAt(depth));
+    return true;
+  }
+
+private:
+  std::vector<std::string>& _namesAt(int depth) { return _names.at(static_cast<std::size_t>(depth)); }
+
+  static void _add(const std::string& name, std::vector<std::string>& names)
+  {
+    if (std::find(names.begin(), names.end(), name) != names.end())
+      throw MemberError(name, "this member is there twice");
+    names.push_back(name);
+  }
+
+  std::array<std::vector<std::string>, deepestNesting + 2> _names;  // so far, by depth
+  std::size_t _parts = 0;
+};
+
+// "[json.exception...] parse error at line 1, column 9: what": the text is one line.
+std::string shortened(const std::string& parserMessage)
+{
+  constexpr std::size_t longest = 200;
+  const std::size_t begin = parserMessage.find("column ");
+  return parserMessage.substr(begin == std::string::npos ? 0 : begin, longest);
+}
+
+Json parsed(std::string_view text)
+{
+  Guard guard;
+  try
+  {
+    return Json::parse(text.begin(), text.end(), std::ref(guard));
+  }
+  catch (const Json::parse_error& error)
+  {
+    throw MemberError("", "expected a JSON object on one line, but " + shortened(error.what()));
+  }
+  catch (const Json::out_of_range& error)
+  {
+    throw MemberError("", "a number is too large for single precision: " + shortened(error.what()));
+  }
+}
+
+void refuseContradictions(const RecordingEntry& entry)
+{
+  if (entry.movements < 0)
+    throw MemberError("ambiance.movements", "expected no negative number, found " + std::to_string(entry.movements));
+  if (!entry.person && !isEmpty(entry.observation))
+    throw MemberError("person", "is missing: whose observation is it?");
+  if (!entry.person && !entry.seen)
+    throw MemberError("person", "is missing: who was not seen?");
+  if (!entry.seen && !isEmpty(entry.observation))
+    throw MemberError("observation", "there is none of a person who was not seen");
+}
+
+}  // namespace
+
+std::string entryToJson(const RecordingEntry& entry)
+{
+  RecordingEntry copy = entry;
+  Json object = {{"time", nanosecondsOf(entry.time)}};
+  ObjectWriter members(object, entry.time);
+  visit(members, copy);
+  return object.dump();
+}
+
+RecordingEntry entryFromJson(std::string_view text)
+{
+  const Json object = parsed(text);
+  if (!object.is_object())
+    throw MemberError("", "expected a JSON object on one line, found " + quote(text));
+
+  const Path root;
+  std::int64_t time = 0;
+  ObjectReader timeOnly(object, root, TimePoint());
+  timeOnly.required("time", time);
+
+  RecordingEntry entry;
+  entry.time = timeOf(time);
+  ObjectReader members(object, root, entry.time);
+  members.optional("time", time, false);
+  visit(members, entry);
+  members.finish();
+  refuseContradictions(entry);
+  return entry;
+}
+
+}  // namespace tools

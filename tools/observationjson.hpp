@@ -1,0 +1,39 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace tools
+{
+
+/// Text that is not the JSON of a step of a recording.
+class MemberError : public std::runtime_error
+{
+public:
+  /// `member` is the path of the member that the message is about; empty if the text is no JSON object at all.
+  MemberError(const std::string& member, const std::string& message) : std::runtime_error(message), _member(member) {}
+
+  const std::string& member() const { return _member; }
+  bool isSyntax() const { return _member.empty(); }
+
+private:
+  std::string _member;
+};
+
+/// Returns the step as a JSON object on one line, without a line end.
+///
+/// Numbers read back to the same bits; members that say nothing (a default, a reading's time that is the step's) are
+/// left out. A NaN is written as "NaN" whatever its bits.
+std::string entryToJson(const RecordingEntry& entry);
+
+/// Reads what entryToJson() writes.
+///
+/// \throws MemberError if the text is no JSON object, or has an unknown or doubled member, a wrong type, a number out
+/// of
+///   range, or lacks a member.
+RecordingEntry entryFromJson(std::string_view text);
+
+}  // namespace tools

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "frametimes.hpp"
+#include "openfacefile.hpp"
+#include "personsinview.hpp"
+#include "recording.hpp"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Reads a CSV file of OpenFace 2, or of an older version.
+///
+/// The rows of one frame are one cycle. Whoever was seen before and is not tracked in a cycle gets an entry that says
+/// so, after the entries of those who are. Where frames are missing in the file, nobody was seen in them. Either ends
+/// after PersonsInView::longestAbsence cycles.
+class OpenFaceReader : public RecordingReader
+{
+public:
+  /// Opens the file and looks at its first rows.
+  ///
+  /// \throws RecordingError if it cannot be read, or has no row.
+  OpenFaceReader(const std::string& path, const ReadingOptions& options);
+
+  boost::optional<RecordingEntry> next() override;
+  std::vector<std::string> describe() const override;
+  std::vector<std::string> takeWarnings() override;
+  double progress() const override { return _file.progress(); }
+
+private:
+  bool _fetchRow();
+  ko::SystemClock::time_point _timeOf(const OpenFaceRow& row) const;
+  bool _opensCycle(const OpenFaceRow& row) const;
+  void _beginCycle();
+  void _endCycle();
+  void _tellMissingFrame();
+  RecordingEntry _tellMissingPerson();
+  boost::optional<RecordingEntry> _tellRow();
+  void _finish();
+
+  [[noreturn]] void _refuse(const OpenFaceRow& row, const std::string& column, const std::string& message) const;
+  std::string _describeReadings() const;
+  std::string _describeTimesAndPersons() const;
+
+  ReadingOptions _options;
+  OpenFaceFile _file;
+  FrameTimes _times;
+  PersonsInView _persons;
+  std::vector<std::string> _warnings;
+  bool _anyTracked = false;
+  bool _finished = false;
+
+  std::optional<OpenFaceRow> _row;  // the next one, and its time
+  ko::SystemClock::time_point _rowTime;
+
+  std::optional<Frame> _frame;  // of the last cycle
+  ko::SystemClock::time_point _frameTime;
+  bool _cycleIsOpen = false;
+
+  std::deque<std::int32_t> _missingPersons;  // still to be told, at _missingTime
+  ko::SystemClock::time_point _missingTime;
+  std::int64_t _missingFrames = 0;  // before the next row
+  std::int64_t _missingFramesTold = 0;
+};
+
+}  // namespace tools

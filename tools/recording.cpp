@@ -1,0 +1,25 @@
+#include "recording.hpp"
+
+namespace tools
+{
+namespace
+{
+std::string composed(const RecordingError::Place& place, const std::string& message)
+{
+  std::string text = place.file;
+  if (place.line > 0)
+    text += ":" + std::to_string(place.line);
+  if (!text.empty())
+    text += ": ";
+  if (!place.field.empty())
+    text += place.field + ": ";
+  return text + message;
+}
+
+}  // namespace
+
+RecordingError::RecordingError(const Place& place, const std::string& message)
+  : std::runtime_error(composed(place, message)), _place(place)
+{}
+
+}  // namespace tools

@@ -1,0 +1,87 @@
+#include "recording.hpp"
+
+#include "inputfile.hpp"
+#include "jsonlinesreader.hpp"
+#include "openfacereader.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace tools
+{
+namespace
+{
+// [bytes] holds the header of thousands of columns
+constexpr std::size_t headSize = std::size_t{64} << 10U;
+
+std::unique_ptr<RecordingReader> openOpenFace(const std::string& path, const ReadingOptions& options)
+{
+  return std::make_unique<OpenFaceReader>(path, options);
+}
+
+std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const ReadingOptions&)
+{
+  return std::make_unique<JsonLinesReader>(path);
+}
+
+std::string names()
+{
+  std::string text;
+  for (const RecordingFormat& format : recordingFormats())
+    text += (text.empty() ? "" : ", ") + format.name + " (" + format.description + ")";
+  return text;
+}
+
+const RecordingFormat& formatNamed(const std::string& name, const std::string& path)
+{
+  const auto& formats = recordingFormats();
+  const auto found = std::find_if(formats.begin(), formats.end(),
+                                  [&name](const RecordingFormat& format) { return format.name == name; });
+  if (found == formats.end())
+    throw RecordingError({path, 0, {}}, "there is no format '" + name + "'; expected one of: " + names());
+  return *found;
+}
+
+// What comes through a pipe cannot be read twice.
+void refuseToLookIntoPipes(const std::string& path)
+{
+  std::error_code error;
+  const auto status = std::filesystem::status(path, error);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+      !std::filesystem::is_directory(status))
+    throw RecordingError({path, 0, {}}, "the format of what is no regular file cannot be detected; expected its name");
+}
+
+const RecordingFormat& formatOf(const std::string& path)
+{
+  refuseToLookIntoPipes(path);
+  const std::string head = InputFile::head(path, headSize);
+  if (head.empty())
+    throw RecordingError({path, 0, {}}, "the file is empty");
+  const auto& formats = recordingFormats();
+  const auto found = std::find_if(formats.begin(), formats.end(),
+                                  [&head](const RecordingFormat& format) { return format.detect(head); });
+  if (found == formats.end())
+    throw RecordingError({path, 0, {}}, "the format is not known; expected one of: " + names());
+  return *found;
+}
+
+}  // namespace
+
+const std::vector<RecordingFormat>& recordingFormats()
+{
+  static const std::vector<RecordingFormat> formats = {
+      {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openOpenFace},
+      {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
+  };
+  return formats;
+}
+
+std::unique_ptr<RecordingReader> openRecording(const std::string& path, const std::string& format,
+                                               const ReadingOptions& options)
+{
+  return (format.empty() ? formatOf(path) : formatNamed(format, path)).open(path, options);
+}
+
+}  // namespace tools

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <skeigiot/gaze.hpp>
+#include <skeigiot/headposture.hpp>
+
+namespace tools
+{
+
+/// Where a face is, seen from the camera, in any unit.
+struct FacePosition
+{
+  double right = 0.0;    ///< in the image
+  double down = 0.0;     ///< in the image
+  double forward = 0.0;  ///< away from the camera
+
+  double distance() const;
+};
+
+/// Direction from the camera to a face.
+struct Bearing
+{
+  double azimuth = 0.0;    ///< [deg], positive is to the right in the image
+  double elevation = 0.0;  ///< [deg], positive is down in the image
+};
+
+/// Returns the direction in which the camera sees the face; both angles are 0 on the optical axis.
+Bearing bearingOf(const FacePosition& position);
+
+/// Turns a head posture that counts from the optical axis into one that counts from the line from the face to the
+/// camera: there 0 / 0 faces the camera, wherever the person stands.
+KV::HeadPosture relativeToLineOfSight(const KV::HeadPosture& posture, const Bearing& bearing);
+
+/// As above, for a gaze.
+KV::Gaze relativeToLineOfSight(const KV::Gaze& gaze, const Bearing& bearing);
+
+/// Turns what was read in a mirror image into what the person did: left and right are exchanged.
+KV::HeadPosture unmirrored(const KV::HeadPosture& posture);
+
+/// As above, for a gaze.
+KV::Gaze unmirrored(const KV::Gaze& gaze);
+
+}  // namespace tools
