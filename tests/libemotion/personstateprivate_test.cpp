@@ -8,6 +8,7 @@
 #include "support/clocktest.hpp"
 #include "support/estimate.hpp"
 #include "support/heldmutex.hpp"
+#include "support/scriptedclock.hpp"
 #include "support/tablename.hpp"
 
 #include <ko/log.hpp>
@@ -703,23 +704,17 @@ TEST_P(PersonStatePrivateAge, IsNotThatOfAnOlderSource)
   EXPECT_EQ(50, state._lastTimeStampedObservationAttention());
 }
 
-/// A clock that moves on by one millisecond with each reading.
-class RunningClock : public ko::ClockSource
+/// The script of a clock that moves on by one millisecond with each reading.
+ko::SystemClock::time_point running(int reading)
 {
-public:
-  ko::SystemClock::time_point now() override { return start + milliseconds(_readings++); }
-
-  int readings() const { return _readings; }
-
-private:
-  int _readings = 0;
-};
+  return start + milliseconds(reading);
+}
 
 TEST_P(PersonStatePrivateAge, IsTakenWithAReadingOfTheClockForEachSourceInOrder)
 {
   state.lastObservationTimes[GetParam().channel] = start;
 
-  RunningClock valenceClock;
+  support::ScriptedClock valenceClock(running);
   const ko::ScopedClockSource valenceScope(valenceClock);
   if (GetParam().placeInValence >= 0)
     EXPECT_EQ(GetParam().placeInValence, state._lastTimeStampedObservationValence());
@@ -727,7 +722,7 @@ TEST_P(PersonStatePrivateAge, IsTakenWithAReadingOfTheClockForEachSourceInOrder)
     state._lastTimeStampedObservationValence();
   EXPECT_EQ(5, valenceClock.readings());
 
-  RunningClock attentionClock;
+  support::ScriptedClock attentionClock(running);
   const ko::ScopedClockSource attentionScope(attentionClock);
   if (GetParam().placeInAttention >= 0)
     EXPECT_EQ(GetParam().placeInAttention, state._lastTimeStampedObservationAttention());
