@@ -1,0 +1,27 @@
+#pragma once
+
+#include "updateexport.hpp"
+
+#include <ostream>
+#include <string>
+
+namespace tools
+{
+
+/// Writes every update as a line of comma-separated values below a header.
+///
+/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1. No field needs quotes.
+class CsvExport : public UpdateExport
+{
+public:
+  /// Writes the header; the stream must outlive the export.
+  explicit CsvExport(std::ostream& stream);
+
+  void personUpdated(const Snapshot& snapshot) override;
+
+private:
+  std::ostream& _stream;
+  std::string _line;  // kept for its memory
+};
+
+}  // namespace tools

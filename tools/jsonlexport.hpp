@@ -1,0 +1,27 @@
+#pragma once
+
+#include "updateexport.hpp"
+
+#include <ostream>
+#include <string>
+
+namespace tools
+{
+
+/// Writes every update as a JSON object on a line of its own.
+///
+/// Floats have the shortest text that reads back as the same number; what is no number becomes null.
+class JsonlExport : public UpdateExport
+{
+public:
+  /// The stream must outlive the export.
+  explicit JsonlExport(std::ostream& stream) : _stream(stream) {}
+
+  void personUpdated(const Snapshot& snapshot) override;
+
+private:
+  std::ostream& _stream;
+  std::string _line;  // kept for its memory
+};
+
+}  // namespace tools

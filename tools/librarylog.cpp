@@ -1,0 +1,35 @@
+#include "librarylog.hpp"
+
+#include "text.hpp"
+
+namespace tools
+{
+
+LibraryLog::LibraryLog() : _handler(ko::log::addHandler([this](const ko::log::Record& record) { _add(record); })) {}
+
+LibraryLog::~LibraryLog()
+{
+  ko::log::removeHandler(_handler);
+}
+
+std::vector<std::string> LibraryLog::take()
+{
+  std::vector<std::string> lines;
+  for (const auto& [place, kind] : _kinds)
+    lines.push_back(kind.firstMessage + (kind.more == 0 ? "" : " (and " + counted(kind.more, "more time") + ")"));
+  _kinds.clear();
+  return lines;
+}
+
+void LibraryLog::_add(const ko::log::Record& record)
+{
+  if (record.level == ko::log::Level::Silent || record.level > ko::log::Level::Warning)
+    return;
+  const auto [kind, isNew] = _kinds.try_emplace(Place(record.file, record.line));
+  if (isNew)
+    kind->second.firstMessage = record.category + ": " + record.message;
+  else
+    ++kind->second.more;
+}
+
+}  // namespace tools

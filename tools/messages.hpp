@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace tools
+{
+
+/// What the command has to say besides its output: errors, and notes that a quiet run leaves out.
+class Messages
+{
+public:
+  Messages(std::ostream& stream, bool quiet) : _stream(stream), _quiet(quiet) {}
+
+  void error(const std::string& text) { _write(text); }
+
+  void note(const std::string& text)
+  {
+    if (!_quiet)
+      _write(text);
+  }
+
+private:
+  void _write(const std::string& text) { _stream << "skeigiot: " << text << std::endl; }
+
+  std::ostream& _stream;
+  bool _quiet;
+};
+
+}  // namespace tools

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <skeigiot/bodylanguageease.hpp>
+#include <skeigiot/personstate.hpp>
+
+#include <ko/human/attentionstate.hpp>
+
+#include <string>
+
+namespace tools
+{
+
+/// Returns the library's name of the zone; "Unknown" if it has none.
+std::string zoneName(ko::human::AttentionState zone);
+
+/// Returns "unknown", "negative", "neutral" or "positive".
+std::string pleasureName(KV::PleasureState pleasure);
+
+/// Returns "uneasy", "neutral" or "at ease", and "-" before the first estimate.
+///
+/// The limits are those of the library's own, longer text.
+std::string easeName(const KV::BodyLanguageEase& ease);
+
+}  // namespace tools

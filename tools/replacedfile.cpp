@@ -1,0 +1,86 @@
+#include "replacedfile.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+namespace tools
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// Follows links, so that a link stays one and its target is replaced; a new file has none to follow.
+std::string withoutLinks(const std::string& path)
+{
+  std::error_code error;
+  const fs::path resolved = fs::weakly_canonical(path, error);
+  return error ? path : resolved.string();
+}
+
+/// The permissions of the file that is replaced, or those that a new file gets.
+mode_t permissionsFor(const std::string& target)
+{
+  struct stat status = {};
+  if (::stat(target.c_str(), &status) == 0)
+    return status.st_mode & 07777U;
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666U & ~mask;
+}
+
+}  // namespace
+
+ReplacedFile::ReplacedFile(const std::string& target) : _name(target), _target(withoutLinks(target))
+{
+  struct stat status = {};
+  const bool exists = ::stat(_target.c_str(), &status) == 0;
+  if (target == "-")
+  {
+    _name = "standard output";
+    _fileDescriptor = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+  }
+  else if (exists && !S_ISREG(status.st_mode))
+    _fileDescriptor = ::open(_target.c_str(), O_WRONLY | O_CLOEXEC);
+  else
+    _openBeside();
+
+  if (_fileDescriptor < 0)
+    throw WriteError(_name, errno);
+  _stream = std::make_unique<OutputStream>(_fileDescriptor, _name);
+}
+
+ReplacedFile::~ReplacedFile()
+{
+  if (_fileDescriptor >= 0)
+    ::close(_fileDescriptor);
+  if (!_temporary.empty())
+    ::unlink(_temporary.c_str());
+}
+
+void ReplacedFile::commit()
+{
+  _stream->flush();
+  if (_temporary.empty())
+    return;
+  if (::fchmod(_fileDescriptor, permissionsFor(_target)) != 0 || ::fsync(_fileDescriptor) != 0 ||
+      std::rename(_temporary.c_str(), _target.c_str()) != 0)
+    throw WriteError(_name, errno);
+  _temporary.clear();
+}
+
+void ReplacedFile::_openBeside()
+{
+  std::string pattern = _target + ".XXXXXX";
+  _fileDescriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
+  if (_fileDescriptor >= 0)
+    _temporary = pattern;
+}
+
+}  // namespace tools

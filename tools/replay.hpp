@@ -1,0 +1,50 @@
+#pragma once
+
+#include "exitstatus.hpp"
+#include "recording.hpp"
+#include "scopespan.hpp"
+#include "terminal.hpp"
+
+#include <boost/optional/optional.hpp>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// What to replay, and how to show it.
+struct ReplayOptions
+{
+  std::vector<std::string> recordings;
+  bool skipBad = false;           ///< go on behind a line that cannot be used
+  std::vector<ScopeSpan> scopes;  ///< besides the whole recording
+  boost::optional<Duration> step;
+  bool quiet = false;
+  std::string csv;      ///< where to export to, "-" for standard output, empty for nowhere
+  std::string jsonl;    ///< likewise
+  std::string toJsonl;  ///< likewise, for the recording itself
+};
+
+/// Where a replay reads from and writes to.
+struct ReplaySurroundings
+{
+  std::function<std::unique_ptr<RecordingReader>(const std::string& path)> open;
+  std::ostream& output;
+  int outputWidth = 100;
+  Style style = Style(false);
+  std::ostream& errors;
+  bool showProgress = false;
+};
+
+/// Replays the recordings one after the other, each in a session of its own, and shows what the library thought.
+///
+/// Bad input is reported and ends its recording, not the others; what came before it is shown and exported.
+///
+/// \throws WriteError if the output or an export cannot be written; exports are then dropped.
+ExitStatus replay(const ReplayOptions& options, ReplaySurroundings& surroundings);
+
+}  // namespace tools

@@ -1,0 +1,271 @@
+#include "replaycommand.hpp"
+
+#include "boundary.hpp"
+#include "outputstream.hpp"
+#include "recording.hpp"
+#include "replay.hpp"
+
+// CLI11 counts on all of its headers being included in order.
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <cmath>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace tools
+{
+
+namespace
+{
+
+constexpr int widestOutput = 100;
+
+const char* const description = "Shows what the library thought of the persons in a recording";
+
+const char* const footer =
+    R"(A recording that starts at 0 is placed at a fixed time of the clock. Several recordings are replayed one after
+the other, each with persons and scopes of its own.
+
+The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
+the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
+right being the person's own, and the state of pleasure. The ease is what the body language said last.
+
+Exports have a line for each update of each person, with these fields:
+  recording                          number of the recording on the command line, from 1
+  person                             identifier
+  time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC
+  seen                               whether the person was observed in this update, or only aged
+  valence, valence_confidence        -1 to 1, 0 to 1
+  valence_binary                     1 above 0.2, -1 from -0.2 downwards, else 0
+  unsmoothed_valence_binary, unsmoothed_valence_confidence
+                                     the same of the valence that follows the observations at once
+  attention, attention_confidence    0 to 1 each
+  zone                               LookingAtRobot, LookingUp, ..., LookingDownRight, or Unknown
+  pleasure                           positive, neutral, negative, or unknown
+  ease, ease_confidence              of the body language: -0.5 to 0.5, 0 to 1
+
+Exit status: 0 if all went well, 2 if a recording or the command line cannot be used (what came before the bad input
+is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
+
+Examples:
+  skeigiot replay face.csv
+  skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
+  skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S)";
+
+/// Everything that the command line can say.
+struct Arguments
+{
+  ReplayOptions replay;
+  ReadingOptions reading;
+  std::string format;
+  ColorChoice color = ColorChoice::Auto;
+};
+
+using Check = std::function<bool(double)>;
+
+/// Adds an option that takes a number which `isGood`; `wanted` says which those are.
+CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
+                       const std::string& wanted, const Check& isGood, const std::function<void(double)>& set)
+{
+  const auto take = [=](const double& number) {
+    if (!isGood(number))
+      throw CLI::ValidationError(name, "must be " + wanted);
+    set(number);
+  };
+  return command.add_option_function<double>(name, take, help)->type_name(unit);
+}
+
+bool isPositive(double number)
+{
+  return std::isfinite(number) && number > 0.;
+}
+
+bool isShare(double number)
+{
+  return number >= 0. && number <= 1.;
+}
+
+bool isFinite(double number)
+{
+  return std::isfinite(number);
+}
+
+std::vector<std::string> formatNames()
+{
+  std::vector<std::string> names;
+  for (const RecordingFormat& format : recordingFormats())
+    names.push_back(format.name);
+  return names;
+}
+
+void addReadingOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "How the recording is read";
+  ReadingOptions& reading = arguments.reading;
+
+  std::string formats = "Format of the recording, found out if not given:";
+  for (const RecordingFormat& format : recordingFormats())
+    formats += "\n" + format.name + ": " + format.description;
+  command.add_option("--format", arguments.format, formats)
+      ->type_name("NAME")
+      ->check(CLI::IsMember(formatNames()))
+      ->group(group);
+  addNumber(command, "--fps", "Frames per second, instead of the time stamps of the file", "HZ", "a number above 0",
+            isPositive, [&reading](double hz) { reading.framesPerSecond = hz; })
+      ->group(group);
+  command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
+      ->group(group);
+  const std::map<std::string, bool> frames{{"line-of-sight", true}, {"camera", false}};
+  command
+      .add_option("--frame", reading.lineOfSight,
+                  "What angles are relative to: the line-of-sight from face to camera\n"
+                  "(default, where the file has a position), or the axis of the camera")
+      ->type_name("FRAME")
+      ->transform(CLI::Transformer(frames).description(""))
+      ->check(CLI::IsMember({"true", "false"}).description(""))
+      ->group(group);
+  addNumber(command, "--camera-height",
+            "Height of the camera above the floor; without it the heights of\n"
+            "heads are unknown",
+            "METRES", "a number", isFinite,
+            [&reading](double metres) { reading.cameraHeight = static_cast<float>(metres); })
+      ->group(group);
+  addNumber(command, "--min-confidence", "Confidence below which a face counts as not seen (0.7)", "SHARE",
+            "from 0 to 1", isShare, [&reading](double share) { reading.minimalConfidence = static_cast<float>(share); })
+      ->group(group);
+  addNumber(command, "--au-full-scale", "Intensity of an action unit that counts as full (5)", "INTENSITY",
+            "a number above 0", isPositive,
+            [&reading](double intensity) { reading.actionUnitFullScale = static_cast<float>(intensity); })
+      ->group(group);
+  command.add_flag("--skip-bad", arguments.replay.skipBad, "Go on behind lines that cannot be used, and count them")
+      ->group(group);
+}
+
+void addShowingOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "What is shown";
+  const auto addScope = [&arguments](const std::vector<std::string>& texts) {
+    try
+    {
+      for (const std::string& text : texts)
+        arguments.replay.scopes.push_back(parseScopeSpan(text));
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError("--scope", error.what());
+    }
+  };
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--scope", addScope,
+          "Judge this span, too, in seconds since the start, both ends included;\n"
+          "either may be left out. May be given several times")
+      ->type_name("NAME=FROM..TO")
+      ->allow_extra_args(false)
+      ->group(group);
+  addNumber(
+      command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
+      "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
+      [&arguments](double seconds) {
+        arguments.replay.step = Duration(static_cast<Duration::rep>(std::llround(seconds * 1e9)));
+      })
+      ->group(group);
+  const std::map<std::string, ColorChoice> choices{
+      {"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}};
+  command
+      .add_option("--color", arguments.color, "auto (default: on a terminal, unless NO_COLOR is set), always, never")
+      ->type_name("WHEN")
+      ->transform(CLI::CheckedTransformer(choices).description(""))
+      ->group(group);
+  command.add_flag("-q,--quiet", arguments.replay.quiet, "Write nothing but errors")->group(group);
+}
+
+void addExportOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "Exports (\"-\" is standard output, which then holds nothing else)";
+  const auto add = [&](const std::string& name, std::string& target, const std::string& help) {
+    command.add_option(name, target, help)->type_name("FILE")->group(group);
+  };
+  add("--csv", arguments.replay.csv, "Write every update as comma-separated values");
+  add("--jsonl", arguments.replay.jsonl, "Write every update as JSON Lines");
+  add("--to-jsonl", arguments.replay.toJsonl, "Write the recording itself in the own format, JSON Lines");
+}
+
+void addBoundaryOptions(CLI::App& command)
+{
+  for (const Boundary& boundary : boundaries())
+  {
+    const auto set = [&boundary](const float& value) {
+      try
+      {
+        setBoundary(boundary, value);
+      }
+      catch (const std::invalid_argument& error)
+      {
+        throw CLI::ValidationError(error.what());
+      }
+    };
+    std::string now = std::to_string(boundary.get());
+    now.erase(now.find_last_not_of('0') + 1);
+    command
+        .add_option_function<float>("--" + boundary.option, set,
+                                    boundary.description + ",\n" + boundary.interval + " (" + now + ")")
+        ->type_name("VALUE")
+        ->group("Boundaries");
+  }
+}
+
+/// \throws CLI::ValidationError for options that do not go together.
+void checkExports(const ReplayOptions& options)
+{
+  if (!options.toJsonl.empty() && options.recordings.size() > 1)
+    throw CLI::ValidationError("--to-jsonl", "takes one recording only: times in a recording never go backwards");
+  std::map<std::string, std::string> optionOfTarget;
+  for (const auto& [option, target] : {std::make_pair("--csv", options.csv), std::make_pair("--jsonl", options.jsonl),
+                                       std::make_pair("--to-jsonl", options.toJsonl)})
+  {
+    if (target.empty())
+      continue;
+    const auto [other, isNew] = optionOfTarget.emplace(target, option);
+    if (!isNew)
+      throw CLI::ValidationError(option, "writes to '" + target + "', as does " + other->second);
+  }
+}
+
+ExitStatus run(const Arguments& arguments)
+{
+  checkExports(arguments.replay);
+  OutputStream output(STDOUT_FILENO, "standard output");
+  const auto open = [&arguments](const std::string& path) {
+    return openRecording(path, arguments.format, arguments.reading);
+  };
+  ReplaySurroundings surroundings{open,
+                                  output,
+                                  terminalWidth(STDOUT_FILENO, widestOutput),
+                                  Style(useColors(arguments.color, STDOUT_FILENO)),
+                                  std::cerr,
+                                  isTerminal(STDERR_FILENO)};
+  return replay(arguments.replay, surroundings);
+}
+
+}  // namespace
+
+void addReplayCommand(CLI::App& app, ExitStatus& status)
+{
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& command = *app.add_subcommand("replay", description);
+  command.add_option("RECORDING", arguments->replay.recordings, "Files to replay")->required()->type_name("");
+  addShowingOptions(command, *arguments);
+  addExportOptions(command, *arguments);
+  addReadingOptions(command, *arguments);
+  addBoundaryOptions(command);
+  command.footer(footer);
+  command.callback([arguments, &status] { status = run(*arguments); });
+}
+
+}  // namespace tools

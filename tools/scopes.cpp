@@ -1,0 +1,110 @@
+#include "scopes.hpp"
+
+#include <algorithm>
+
+namespace tools
+{
+
+ScopeVerdict::OfPerson ScopeVerdict::of(std::int32_t person) const
+{
+  if (end == ScopeEnd::NotOpen)
+    return {"error", 0};
+  const auto found = persons.find(person);
+  return found == persons.end() ? OfPerson{KV::Verdict().word(), 0} : found->second;
+}
+
+Scopes::Scopes(const std::vector<ScopeSpan>& spans)
+{
+  for (const ScopeSpan& span : spans)
+    _spans.push_back({span, boost::none, false});
+}
+
+std::vector<ScopeVerdict> Scopes::advance(Duration now)
+{
+  std::vector<ScopeVerdict> verdicts;
+  for (Span& span : _spans)
+  {
+    if (span.closed)
+      continue;
+    if (span.span.to && *span.span.to < now)
+    {
+      // A span may fall between two steps: it was passed, though no update lies in it.
+      const Open passed{span.span.from, -1, {}};
+      verdicts.push_back(_judge(span.span.name, span.open.value_or(passed), *span.span.to, ScopeEnd::Complete));
+      span.open = boost::none;
+      span.closed = true;
+    }
+    else if (!span.open && span.span.from <= now)
+      span.open = Open{span.span.from, -1, {}};
+  }
+  return verdicts;
+}
+
+void Scopes::start(const std::string& name, std::int32_t samples, Duration now)
+{
+  _started[name] = Open{now, samples, {}};
+}
+
+void Scopes::update(std::int32_t person, const KV::PersonState& state)
+{
+  for (auto& [name, scope] : _started)
+    _add(scope, person, state);
+  for (Span& span : _spans)
+  {
+    if (span.open)
+      _add(*span.open, person, state);
+  }
+}
+
+ScopeVerdict Scopes::stop(const std::string& name, Duration now)
+{
+  const auto found = _started.find(name);
+  if (found == _started.end())
+    return {name, now, now, ScopeEnd::NotOpen, {}};
+  ScopeVerdict verdict = _judge(name, found->second, now, ScopeEnd::Complete);
+  _started.erase(found);
+  return verdict;
+}
+
+std::vector<ScopeVerdict> Scopes::finish(Duration now)
+{
+  std::vector<ScopeVerdict> verdicts;
+  for (const Span& span : _spans)
+  {
+    if (!span.closed)
+      verdicts.push_back(_judgeAtTheEnd(span, now));
+  }
+  for (const auto& [name, scope] : _started)
+    verdicts.push_back(_judge(name, scope, now, ScopeEnd::NotStopped));
+  _spans.clear();
+  _started.clear();
+  return verdicts;
+}
+
+void Scopes::_add(Open& scope, std::int32_t person, const KV::PersonState& state)
+{
+  Tally& tally = scope.tallies[person];
+  const bool full = scope.samples >= 0 && tally.updates >= static_cast<std::size_t>(scope.samples);
+  if (full)
+    return;
+  tally.verdict.add(state);
+  ++tally.updates;
+}
+
+ScopeVerdict Scopes::_judge(const std::string& name, const Open& scope, Duration to, ScopeEnd end)
+{
+  ScopeVerdict verdict{name, scope.from, to, end, {}};
+  for (const auto& [person, tally] : scope.tallies)
+    verdict.persons[person] = {tally.verdict.word(), tally.updates};
+  return verdict;
+}
+
+ScopeVerdict Scopes::_judgeAtTheEnd(const Span& span, Duration now)
+{
+  if (!span.open)
+    return {span.span.name, span.span.from, span.span.to.value_or(span.span.from), ScopeEnd::NotReached, {}};
+  const bool complete = !span.span.to || *span.span.to <= now;
+  return _judge(span.span.name, *span.open, now, complete ? ScopeEnd::Complete : ScopeEnd::CutShort);
+}
+
+}  // namespace tools

@@ -1,0 +1,110 @@
+#include "session.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+namespace tools
+{
+
+namespace
+{
+
+/// Where the count, a float, stops growing by steps of 1: more movements than this change nothing.
+constexpr int largestMovementCount = 1 << std::numeric_limits<float>::digits;
+
+Snapshot snapshotOf(const KV::PersonState& state)
+{
+  Snapshot snapshot;
+  snapshot.valence = state.personValence();
+  snapshot.valenceBinary = state.personValenceBinary();
+  snapshot.unsmoothedValenceBinary = state.personUnsmoothedValenceBinary();
+  snapshot.attention = state.personAttention();
+  snapshot.zone = state.personAttentionState();
+  snapshot.pleasure = state.personPleasureState();
+  snapshot.ease = state.bodyLanguageState().bodyLanguageState(KV::BodyLanguageEaseDescription);
+  return snapshot;
+}
+
+}  // namespace
+
+Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers)
+  : _clock(TimePoint()), _clockOfThisThread(_clock), _scopes(spans), _observers(std::move(observers))
+{}
+
+void Session::play(const RecordingEntry& entry)
+{
+  if (!_start)
+    _start = entry.time;
+  _now = entry.time;
+  _clock.set(_now);
+
+  _report(_scopes.advance(length()));
+  for (const ScopeStart& scope : entry.scopeStarts)
+    _scopes.start(scope.name, scope.samples, length());
+  _updateAmbiance(entry);
+  _updatePerson(entry);
+  for (const std::string& scope : entry.scopeStops)
+    _report(_scopes.stop(scope, length()));
+}
+
+void Session::finish()
+{
+  _report(_scopes.finish(length()));
+}
+
+void Session::_updateAmbiance(const RecordingEntry& entry)
+{
+  for (int movement = 0; movement < std::min(entry.movements, largestMovementCount); ++movement)
+    _ambiance.incrementMovementDetected();
+  if (!entry.ambianceActivity)
+    return;
+  _ambiance.updateAmbiance(*entry.ambianceActivity);
+  const float agitation = _ambiance.ambientActivityLevel(KV::AmbianceActivity);
+  const KV::ExcitationState excitation = _ambiance.excitationState();
+  for (SessionObserver* observer : _observers)
+    observer->ambianceUpdated(agitation, excitation);
+}
+
+void Session::_updatePerson(const RecordingEntry& entry)
+{
+  if (!entry.person)
+    return;
+  if (entry.seen)
+    _graph.updateOrCreate(*entry.person, [&](KV::Person& person) {
+      person.update(entry.observation);
+      _report(person, entry);
+    });
+  else
+    _graph.update(*entry.person, [&](KV::Person& person) {
+      person.decreaseSinceNotSeen();
+      _report(person, entry);
+    });
+}
+
+void Session::_report(const KV::Person& person, const RecordingEntry& entry)
+{
+  _scopes.update(person.personID, person.personState);
+
+  Snapshot snapshot = snapshotOf(person.personState);
+  snapshot.time = _now;
+  snapshot.sinceStart = length();
+  snapshot.person = person.personID;
+  snapshot.seen = entry.seen;
+  for (SessionObserver* observer : _observers)
+    observer->personUpdated(snapshot);
+}
+
+void Session::_report(const ScopeVerdict& verdict)
+{
+  for (SessionObserver* observer : _observers)
+    observer->scopeJudged(verdict);
+}
+
+void Session::_report(const std::vector<ScopeVerdict>& verdicts)
+{
+  for (const ScopeVerdict& verdict : verdicts)
+    _report(verdict);
+}
+
+}  // namespace tools

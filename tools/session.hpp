@@ -1,0 +1,53 @@
+#pragma once
+
+#include "recording.hpp"
+#include "scopes.hpp"
+#include "sessionobserver.hpp"
+
+#include <skeigiot/ambiancestate.hpp>
+#include <skeigiot/socialgraph.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <vector>
+
+namespace tools
+{
+
+/// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
+class Session
+{
+public:
+  /// Makes a session in which nobody is known yet; the observers must outlive it.
+  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers);
+
+  /// Takes one step: scope starts, ambiance, person, scope stops.
+  void play(const RecordingEntry& entry);
+
+  /// Ends the recording, which judges the scopes that are still open.
+  void finish();
+
+  /// Returns how much of the recording was played.
+  Duration length() const { return _now - _start.value_or(_now); }
+
+private:
+  void _updateAmbiance(const RecordingEntry& entry);
+  void _updatePerson(const RecordingEntry& entry);
+  void _report(const KV::Person& person, const RecordingEntry& entry);
+  void _report(const ScopeVerdict& verdict);
+  void _report(const std::vector<ScopeVerdict>& verdicts);
+
+  ko::ManualClock _clock;
+  ko::ScopedClockSource _clockOfThisThread;
+  boost::optional<TimePoint> _start;
+  TimePoint _now;
+
+  KV::SocialGraph _graph;
+  KV::AmbianceState _ambiance;
+  Scopes _scopes;
+  std::vector<SessionObserver*> _observers;
+};
+
+}  // namespace tools

@@ -1,0 +1,102 @@
+#include "timeline.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tools
+{
+
+namespace
+{
+
+constexpr Duration second{1'000'000'000};
+constexpr Duration minute = 60 * second;
+constexpr Duration hour = 60 * minute;
+
+constexpr Duration::rep mostShownRows = 40;
+constexpr Duration::rep mostKeptRows = 240;
+
+/// The steps that rows are shown in; beyond the last they double.
+constexpr std::array shownSteps{second,     2 * second, 5 * second,  10 * second, 15 * second, 30 * second, minute,
+                                2 * minute, 5 * minute, 10 * minute, 15 * minute, 30 * minute, hour};
+
+/// The steps that rows are kept in; beyond the last they double.
+///
+/// Each divides the next, so that whole rows can be merged, and every shown step that a recording of more than
+/// mostKeptRows of the step before can need.
+constexpr std::array keptSteps{second,     5 * second,  10 * second, 30 * second, minute,
+                               5 * minute, 10 * minute, 30 * minute, hour};
+
+/// Returns the shortest of the steps with which the time lies in one of the first `rows` rows.
+template <typename Steps>
+Duration shortestStep(const Steps& steps, Duration time, Duration::rep rows)
+{
+  const auto fits = [=](Duration step) { return time / step < rows; };
+  const auto found = std::find_if(steps.begin(), steps.end(), fits);
+  if (found != steps.end())
+    return *found;
+  Duration step = 2 * steps.back();
+  while (!fits(step))
+    step *= 2;
+  return step;
+}
+
+Duration rowStart(Duration time, Duration step)
+{
+  return time / step * step;
+}
+
+std::vector<TimelineRow> merged(const std::vector<TimelineRow>& rows, Duration step)
+{
+  std::vector<TimelineRow> result;
+  for (const TimelineRow& row : rows)
+  {
+    const Duration from = rowStart(row.from(), step);
+    if (result.empty() || result.back().from() != from)
+      result.emplace_back(from);
+    result.back().add(row);
+  }
+  return result;
+}
+
+}  // namespace
+
+Timeline::Timeline(const boost::optional<Duration>& step) : _givenStep(step), _keptStep(step.value_or(second)) {}
+
+void Timeline::personUpdated(const Snapshot& snapshot)
+{
+  _last = snapshot.sinceStart;
+  if (!_givenStep)
+    _keepWithin(_last);
+
+  Rows& rows = _rows[snapshot.person];
+  const Duration from = rowStart(_last, _keptStep);
+  if (rows.empty() || rows.back().from() != from)
+    rows.emplace_back(from);
+  rows.back().add(snapshot);
+}
+
+Duration Timeline::step() const
+{
+  return _givenStep.value_or(shortestStep(shownSteps, _last, mostShownRows));
+}
+
+std::map<std::int32_t, std::vector<TimelineRow>> Timeline::rows() const
+{
+  std::map<std::int32_t, Rows> result;
+  for (const auto& [person, rows] : _rows)
+    result[person] = merged(rows, step());
+  return result;
+}
+
+void Timeline::_keepWithin(Duration time)
+{
+  const Duration step = shortestStep(keptSteps, time, mostKeptRows);
+  if (step == _keptStep)
+    return;
+  _keptStep = step;
+  for (auto& [person, rows] : _rows)
+    rows = merged(rows, step);
+}
+
+}  // namespace tools

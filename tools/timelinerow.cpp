@@ -1,0 +1,59 @@
+#include "timelinerow.hpp"
+
+#include <algorithm>
+
+namespace tools
+{
+
+namespace
+{
+
+template <typename Counts>
+std::size_t mostFrequent(const Counts& counts)
+{
+  return static_cast<std::size_t>(std::max_element(counts.begin(), counts.end()) - counts.begin());
+}
+
+template <typename Counts>
+void addTo(Counts& sum, const Counts& counts)
+{
+  std::transform(sum.begin(), sum.end(), counts.begin(), sum.begin(), std::plus<>());
+}
+
+}  // namespace
+
+void TimelineRow::add(const Snapshot& snapshot)
+{
+  ++_updates;
+  _seen += snapshot.seen ? 1 : 0;
+  _valence += static_cast<double>(snapshot.valence.value);
+  _valenceConfidence += static_cast<double>(snapshot.valence.confidence);
+  _attention += static_cast<double>(snapshot.attention.value);
+  ++_zones.at(static_cast<std::size_t>(snapshot.zone));
+  ++_pleasures.at(static_cast<std::size_t>(snapshot.pleasure));
+  _ease = snapshot.ease;
+}
+
+void TimelineRow::add(const TimelineRow& later)
+{
+  _updates += later._updates;
+  _seen += later._seen;
+  _valence += later._valence;
+  _valenceConfidence += later._valenceConfidence;
+  _attention += later._attention;
+  addTo(_zones, later._zones);
+  addTo(_pleasures, later._pleasures);
+  _ease = later._ease;
+}
+
+ko::human::AttentionState TimelineRow::zone() const
+{
+  return static_cast<ko::human::AttentionState>(mostFrequent(_zones));
+}
+
+KV::PleasureState TimelineRow::pleasure() const
+{
+  return static_cast<KV::PleasureState>(mostFrequent(_pleasures));
+}
+
+}  // namespace tools

@@ -1,0 +1,158 @@
+#include "timelinetable.hpp"
+
+#include "bar.hpp"
+#include "names.hpp"
+#include "text.hpp"
+
+#include <algorithm>
+
+namespace tools
+{
+
+namespace
+{
+
+constexpr int narrowest = 80;
+constexpr int widest = 100;
+
+// Columns of fixed width
+constexpr int signedNumberWidth = 5;
+constexpr int plainNumberWidth = 4;
+constexpr int confidenceWidth = 4;
+constexpr int zoneWidth = 16;
+constexpr int pleasureWidth = 8;
+constexpr int easeWidth = 7;
+constexpr int timeWidthAtLeast = 6;
+
+const std::string gap = "  ";
+
+/// What adapts to the recording and to the terminal.
+struct Layout
+{
+  int decimals;     ///< of the seconds in the time
+  int time;         ///< width of the time
+  int valenceHalf;  ///< width of the valence bar to each side of its centre line
+  int attention;    ///< width of the attention bar
+};
+
+int decimalsFor(Duration step)
+{
+  if (step.count() % 100'000'000 == 0)
+    return 1;
+  return step.count() % 10'000'000 == 0 ? 2 : 3;
+}
+
+Layout layoutFor(const std::vector<TimelineRow>& rows, Duration step, int width)
+{
+  Layout layout{};
+  layout.decimals = decimalsFor(step);
+  const auto longestTime = static_cast<int>(clockText(rows.back().from(), layout.decimals).size());
+  layout.time = std::max(timeWidthAtLeast, longestTime);
+
+  constexpr int gaps = 6 * 2;
+  constexpr int blanksBeforeBars = 2;
+  const int withoutBars = layout.time + signedNumberWidth + confidenceWidth + plainNumberWidth + zoneWidth +
+                          pleasureWidth + easeWidth + gaps + blanksBeforeBars;
+  const int bars = std::clamp(width, narrowest, widest) - withoutBars;
+  layout.attention = bars * 2 / 5;
+  layout.valenceHalf = (bars - layout.attention - 1) / 2;
+  return layout;
+}
+
+std::string padRight(const std::string& text, int width)
+{
+  return tools::padRight(text, static_cast<std::size_t>(width));
+}
+
+std::string padLeft(const std::string& text, int width)
+{
+  return tools::padLeft(text, static_cast<std::size_t>(width));
+}
+
+/// The name of the valence, with 0 above the centre line of the bars and +1 above their end.
+std::string valenceHeader(const Layout& layout)
+{
+  const std::string upToCentre = padRight("valence", signedNumberWidth + 1 + layout.valenceHalf);
+  return upToCentre + "0" + padLeft("+1", layout.valenceHalf);
+}
+
+/// The name of the attention, with 1 above the end of the bars.
+std::string attentionHeader(const Layout& layout)
+{
+  return padRight("attention", plainNumberWidth + layout.attention) + "1";
+}
+
+std::string header(const Layout& layout)
+{
+  return padLeft("time", layout.time) + gap + valenceHeader(layout) + gap + padRight("conf", confidenceWidth) + gap +
+         attentionHeader(layout) + gap + padRight("zone", zoneWidth) + gap + padRight("pleasure", pleasureWidth) + gap +
+         "ease";
+}
+
+std::string coloredBySign(const std::string& text, double value, const Style& style)
+{
+  if (value > 0.)
+    return style.green(text);
+  return value < 0. ? style.red(text) : text;
+}
+
+std::string coloredByPleasure(const std::string& text, KV::PleasureState pleasure, const Style& style)
+{
+  switch (pleasure)
+  {
+    case KV::PleasureNegative:
+      return style.red(text);
+    case KV::PleasurePositive:
+      return style.green(text);
+    case KV::PleasureUnknown:
+      return style.dim(text);
+    default:
+      return text;
+  }
+}
+
+std::string withoutTrailingBlanks(std::string line)
+{
+  line.erase(line.find_last_not_of(' ') + 1);
+  return line;
+}
+
+std::string line(const TimelineRow& row, const Layout& layout, const Style& style)
+{
+  const std::string time = padLeft(clockText(row.from(), layout.decimals), layout.time);
+  const std::string valence = signedNumber(row.valence()) + " " + centredBar(row.valence(), layout.valenceHalf);
+  const std::string confidence = bar(row.valenceConfidence(), confidenceWidth);
+  const std::string attention = plainNumber(row.attention()) + " " + bar(row.attention(), layout.attention);
+  const std::string zone = padRight(row.seen() ? zoneName(row.zone()) : "not visible", zoneWidth);
+  const std::string pleasure = padRight(pleasureName(row.pleasure()), pleasureWidth);
+  return withoutTrailingBlanks(time + gap + coloredBySign(valence, row.valence(), style) + gap + style.dim(confidence) +
+                               gap + style.cyan(attention) + gap + (row.seen() ? zone : style.yellow(zone)) + gap +
+                               coloredByPleasure(pleasure, row.pleasure(), style) + gap + easeName(row.ease()));
+}
+
+std::string gapLine(Duration from, Duration to, const Layout& layout, const Style& style)
+{
+  const std::string time = padLeft(clockText(from, layout.decimals), layout.time);
+  return time + gap + style.dim("no updates until " + clockText(to, layout.decimals));
+}
+
+}  // namespace
+
+std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style)
+{
+  if (rows.empty())
+    return {};
+  const Layout layout = layoutFor(rows, step, width);
+  std::string table = style.bold(header(layout)) + "\n";
+  Duration next = rows.front().from();
+  for (const TimelineRow& row : rows)
+  {
+    if (row.from() > next)
+      table += gapLine(next, row.from(), layout, style) + "\n";
+    table += line(row, layout, style) + "\n";
+    next = row.from() + step;
+  }
+  return table;
+}
+
+}  // namespace tools
