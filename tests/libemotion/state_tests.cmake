@@ -4,6 +4,10 @@ set(STATE_TESTS
     personstateprivate_test.cpp
     personstateupdate_confidence_test.cpp
     personstateupdate_face_test.cpp
+    personstateupdate_gaze_test.cpp
+    personstateupdate_head_test.cpp
     personstateupdate_intake_test.cpp
+    personstateupdate_remembered_test.cpp
+    personstateupdate_voice_test.cpp
     sensorlimits_test.cpp
     tunable_test.cpp)
