@@ -24,9 +24,9 @@ const std::vector<Boundary>& boundaries()
        PersonState::setBinaryBoundaryNegative, PersonState::getBinaryBoundaryNegative},
       {"boundary-confidence", "confidence below which a mood is unknown", unitInterval,
        PersonState::setBinaryBoundaryConfidence, PersonState::getBinaryBoundaryConfidence},
-      {"boundary-looking-at-robot", "attention from which a person looks at the robot", unitInterval,
+      {"boundary-looking-at-robot", "attention from which a person counts as engaged", unitInterval,
        PersonState::setBinaryBoundaryLookingAtRobot, PersonState::getBinaryBoundaryLookingAtRobot},
-      {"boundary-strictly-looking-at-robot", "the same, strictly", unitInterval,
+      {"boundary-strictly-looking-at-robot", "attention from which a person counts as strictly engaged", unitInterval,
        PersonState::setBinaryBoundaryStrictlyLookingAtRobot, PersonState::getBinaryBoundaryStrictlyLookingAtRobot},
       {"boundary-excited", "agitation from which a room is excited", unitInterval,
        AmbianceState::setBinaryBoundaryExcited, AmbianceState::getBinaryBoundaryExcited}};

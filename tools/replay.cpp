@@ -202,7 +202,7 @@ private:
   void _showDescription(const RecordingReader& reader)
   {
     for (const std::string& line : reader.describe())
-      _show(line + "\n");
+      _show(wrapped(line, static_cast<std::size_t>(_surroundings.outputWidth), 2) + "\n");
   }
 
   void _showWarnings(const FirstFew& warnings)
@@ -221,7 +221,7 @@ private:
     for (const auto& [person, rows] : timeline.rows())
       _show("\n" + style.bold("Person " + std::to_string(person)) + "\n" +
             timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +
-            summary.describe(person, style));
+            summary.describe(person, _surroundings.outputWidth, style));
     const std::string ambiance = summary.describeAmbiance(style);
     if (!ambiance.empty())
       _show("\n" + ambiance);

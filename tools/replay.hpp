@@ -4,6 +4,7 @@
 #include "recording.hpp"
 #include "scopespan.hpp"
 #include "terminal.hpp"
+#include "timelinetable.hpp"
 
 #include <boost/optional/optional.hpp>
 
@@ -34,7 +35,7 @@ struct ReplaySurroundings
 {
   std::function<std::unique_ptr<RecordingReader>(const std::string& path)> open;
   std::ostream& output;
-  int outputWidth = 100;
+  int outputWidth = widestTable;
   Style style = Style(false);
   std::ostream& errors;
   bool showProgress = false;

@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <iostream>
@@ -23,8 +24,6 @@ namespace tools
 namespace
 {
 
-constexpr int widestOutput = 100;
-
 const char* const description = "Shows what the library thought of the persons in a recording";
 
 const char* const footer =
@@ -34,6 +33,9 @@ the other, each with persons and scopes of its own.
 The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
 the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
 right being the person's own, and the state of pleasure. The ease is what the body language said last.
+
+The verdict on a scope weighs each update by its confidence: "unknown" if that is too low on average, else "positive",
+"neutral" or "negative".
 
 Exports have a line for each update of each person, with these fields:
   recording                          number of the recording on the command line, from 1
@@ -246,7 +248,7 @@ ExitStatus run(const Arguments& arguments)
   };
   ReplaySurroundings surroundings{open,
                                   output,
-                                  terminalWidth(STDOUT_FILENO, widestOutput),
+                                  std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),
                                   Style(useColors(arguments.color, STDOUT_FILENO)),
                                   std::cerr,
                                   isTerminal(STDERR_FILENO)};

@@ -9,6 +9,8 @@ ScopeVerdict::OfPerson ScopeVerdict::of(std::int32_t person) const
 {
   if (end == ScopeEnd::NotOpen)
     return {"error", 0};
+  if (end == ScopeEnd::NotReached)
+    return {"-", 0};
   const auto found = persons.find(person);
   return found == persons.end() ? OfPerson{KV::Verdict().word(), 0} : found->second;
 }

@@ -35,8 +35,8 @@ struct ScopeVerdict
     std::size_t updates = 0;  ///< how many updates it stands on
   };
 
-  /// Returns the verdict on `person`: that of a scope without updates if they had none in it, and "error" if the scope
-  /// was not open.
+  /// Returns the verdict on `person`: that of a scope without updates if they had none in it, "error" if the scope was
+  /// not open, and "-" if it was not reached.
   OfPerson of(std::int32_t person) const;
 
   std::string name;

@@ -18,6 +18,7 @@ constexpr double longestHold = 1.;      // [s]
 constexpr double holdOfASingle = 1e-3;  // [s]; any time does where there is no other to weigh it against
 
 constexpr std::size_t labelWidth = 11;
+constexpr std::size_t textColumn = 2 + labelWidth;
 
 double secondsOf(Duration duration)
 {
@@ -64,45 +65,39 @@ Shares pleasureShares(const PersonSummary& summary)
   return shares;
 }
 
-std::string coloredVerdict(const std::string& word, const Style& style)
+std::string coloredVerdict(const std::string& text, const std::string& word, const Style& style)
 {
   if (word == "positive")
-    return style.green(word);
+    return style.green(text);
   if (word == "negative" || word == "error")
-    return style.red(word);
-  return word;
+    return style.red(text);
+  return text;
 }
 
-std::string remark(const ScopeVerdict& verdict)
+/// Where the scope lies, and what there is to say of its end.
+std::string circumstances(const ScopeVerdict& verdict, std::size_t updates)
 {
-  switch (verdict.end)
-  {
-    case ScopeEnd::NotStopped:
-      return ", not stopped before the recording ended";
-    case ScopeEnd::CutShort:
-      return ", the recording ended before it";
-    case ScopeEnd::NotReached:
-      return ", not reached: the recording ended before it began";
-    case ScopeEnd::NotOpen:
-      return ", stopped without having been started";
-    case ScopeEnd::Complete:
-      break;
-  }
-  return "";
-}
-
-std::string span(const ScopeVerdict& verdict)
-{
+  const std::string from = clockText(verdict.from);
+  if (verdict.end == ScopeEnd::NotReached)
+    return "from " + from + ": the recording ended before";
   if (verdict.end == ScopeEnd::NotOpen)
-    return "at " + clockText(verdict.from);
-  return clockText(verdict.from) + " to " + clockText(verdict.to);
+    return "at " + from + ": stopped, but not started";
+
+  std::string text = from + " to " + clockText(verdict.to) + ", " + counted(updates, "update");
+  if (verdict.end == ScopeEnd::NotStopped)
+    text += ", not stopped";
+  if (verdict.end == ScopeEnd::CutShort)
+    text += ", cut short by the end";
+  if (updates == 0)
+    text += ", which counts as neutral";
+  return text;
 }
 
 std::string describe(const ScopeVerdict& verdict, std::int32_t person, const Style& style)
 {
   const ScopeVerdict::OfPerson ofPerson = verdict.of(person);
-  return style.bold(coloredVerdict(padRight(ofPerson.word, 8), style)) + "  " + quote(verdict.name) + " (" +
-         span(verdict) + ", " + counted(ofPerson.updates, "update") + remark(verdict) + ")";
+  return style.bold(coloredVerdict(padRight(ofPerson.word, 8), ofPerson.word, style)) + "  " + quoted(verdict.name) +
+         " (" + circumstances(verdict, ofPerson.updates) + ")";
 }
 
 bool comesFirst(const ScopeVerdict& left, const ScopeVerdict& right)
@@ -153,6 +148,10 @@ void PersonSummary::_countLast(double seconds)
   if (!_last->seen)
     return;
   _seen += held;
+  if (_last->attention.value >= KV::PersonState::getBinaryBoundaryLookingAtRobot())
+    _lookingAtRobot += held;
+  if (_last->attention.value >= KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())
+    _strictlyLookingAtRobot += held;
   _zones.at(static_cast<std::size_t>(_last->zone)) += held;
 }
 
@@ -181,7 +180,7 @@ void Summary::finish()
   std::stable_sort(_verdicts.begin(), _verdicts.end(), comesFirst);
 }
 
-std::string Summary::describe(std::int32_t person, const Style& style) const
+std::string Summary::describe(std::int32_t person, int width, const Style& style) const
 {
   const PersonSummary& summary = _persons.at(person);
   std::string text;
@@ -198,9 +197,16 @@ std::string Summary::describe(std::int32_t person, const Style& style) const
                    " " + plainNumber(summary.attention()) + " on average, with confidence " +
                        plainNumber(summary.attentionConfidence()),
                    style);
+  text +=
+      labelled("engaged",
+               percentage(summary.lookingAtRobotShare()) + " of the time (attention from " +
+                   plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryLookingAtRobot())) +
+                   "), strictly " + percentage(summary.strictlyLookingAtRobotShare()) + " (from " +
+                   plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())) + ")",
+               style);
   Shares zones = zoneShares(summary);
   zones.emplace_back("not visible", 1. - summary.seenShare());
-  text += labelled("zone", listed(zones), style);
+  text += labelled("zone", wrapped(listed(zones), static_cast<std::size_t>(width) - textColumn, textColumn), style);
   text += labelled("pleasure", listed(pleasureShares(summary)), style);
   const char* label = "verdict";
   for (const ScopeVerdict& verdict : _verdicts)

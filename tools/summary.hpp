@@ -42,6 +42,11 @@ public:
   double seenShare() const { return _seen / _time; }
   double share(ko::human::AttentionState zone) const;  ///< seen, and looking there
   double share(KV::PleasureState pleasure) const;
+  double lookingAtRobotShare() const
+  {
+    return _lookingAtRobot / _time;
+  }  ///< seen, and attention at the boundary or above
+  double strictlyLookingAtRobotShare() const { return _strictlyLookingAtRobot / _time; }  ///< likewise
 
 private:
   void _countLast(double seconds);
@@ -58,6 +63,8 @@ private:
   double _valenceConfidence = 0.;
   double _attention = 0.;
   double _attentionConfidence = 0.;
+  double _lookingAtRobot = 0.;
+  double _strictlyLookingAtRobot = 0.;
   std::array<double, 10> _zones{};
   std::array<double, 4> _pleasures{};
 };
@@ -75,8 +82,8 @@ public:
 
   const std::map<std::int32_t, PersonSummary>& persons() const { return _persons; }
 
-  /// Returns the summary of one person as lines for people to read.
-  std::string describe(std::int32_t person, const Style& style) const;
+  /// Returns the summary of one person as lines for people to read, of at most that many columns where that can be.
+  std::string describe(std::int32_t person, int width, const Style& style) const;
 
   /// Returns what was said of the ambiance of the room; nothing if it was not recorded.
   std::string describeAmbiance(const Style& style) const;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <sstream>
 
 namespace tools
 {
@@ -75,6 +76,25 @@ std::string percentage(double share)
 std::string counted(std::size_t count, const std::string& noun)
 {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string wrapped(const std::string& text, std::size_t width, std::size_t indentation)
+{
+  std::istringstream words(text);
+  std::string result;
+  std::string line;
+  for (std::string word; words >> word;)
+  {
+    const bool first = line.empty();
+    if (!first && displayWidth(line) + 1 + displayWidth(word) > width)
+    {
+      result += line + "\n";
+      line = std::string(indentation, ' ') + word;
+    }
+    else
+      line += (first ? "" : " ") + word;
+  }
+  return result + line;
 }
 
 std::size_t displayWidth(const std::string& text)

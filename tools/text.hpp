@@ -23,6 +23,10 @@ std::string percentage(double share);
 /// Returns "1 update", "2 updates": the noun takes an s unless there is exactly one.
 std::string counted(std::size_t count, const std::string& noun);
 
+/// Breaks the text at blanks so that each line takes at most that many columns, lines after the first with their
+/// indentation. A word that is longer stays whole.
+std::string wrapped(const std::string& text, std::size_t width, std::size_t indentation);
+
 /// Returns how many columns the UTF-8 text takes in a terminal, each character being one column wide.
 std::size_t displayWidth(const std::string& text);
 

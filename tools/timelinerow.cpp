@@ -29,6 +29,7 @@ void TimelineRow::add(const Snapshot& snapshot)
   _valence += static_cast<double>(snapshot.valence.value);
   _valenceConfidence += static_cast<double>(snapshot.valence.confidence);
   _attention += static_cast<double>(snapshot.attention.value);
+  _attentionConfidence += static_cast<double>(snapshot.attention.confidence);
   ++_zones.at(static_cast<std::size_t>(snapshot.zone));
   ++_pleasures.at(static_cast<std::size_t>(snapshot.pleasure));
   _ease = snapshot.ease;
@@ -41,6 +42,7 @@ void TimelineRow::add(const TimelineRow& later)
   _valence += later._valence;
   _valenceConfidence += later._valenceConfidence;
   _attention += later._attention;
+  _attentionConfidence += later._attentionConfidence;
   addTo(_zones, later._zones);
   addTo(_pleasures, later._pleasures);
   _ease = later._ease;

@@ -27,6 +27,7 @@ public:
   double valence() const { return _mean(_valence); }
   double valenceConfidence() const { return _mean(_valenceConfidence); }
   double attention() const { return _mean(_attention); }
+  double attentionConfidence() const { return _mean(_attentionConfidence); }
 
   // What held in most updates.
   ko::human::AttentionState zone() const;
@@ -44,6 +45,7 @@ private:
   double _valence = 0.;
   double _valenceConfidence = 0.;
   double _attention = 0.;
+  double _attentionConfidence = 0.;
   std::array<std::size_t, 10> _zones{};
   std::array<std::size_t, 4> _pleasures{};
   KV::BodyLanguageEase _ease;

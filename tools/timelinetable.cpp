@@ -12,9 +12,6 @@ namespace tools
 namespace
 {
 
-constexpr int narrowest = 80;
-constexpr int widest = 100;
-
 // Columns of fixed width
 constexpr int signedNumberWidth = 5;
 constexpr int plainNumberWidth = 4;
@@ -53,7 +50,7 @@ Layout layoutFor(const std::vector<TimelineRow>& rows, Duration step, int width)
   constexpr int blanksBeforeBars = 2;
   const int withoutBars = layout.time + signedNumberWidth + confidenceWidth + plainNumberWidth + zoneWidth +
                           pleasureWidth + easeWidth + gaps + blanksBeforeBars;
-  const int bars = std::clamp(width, narrowest, widest) - withoutBars;
+  const int bars = width - withoutBars;
   layout.attention = bars * 2 / 5;
   layout.valenceHalf = (bars - layout.attention - 1) / 2;
   return layout;
@@ -89,13 +86,6 @@ std::string header(const Layout& layout)
          "ease";
 }
 
-std::string coloredBySign(const std::string& text, double value, const Style& style)
-{
-  if (value > 0.)
-    return style.green(text);
-  return value < 0. ? style.red(text) : text;
-}
-
 std::string coloredByPleasure(const std::string& text, KV::PleasureState pleasure, const Style& style)
 {
   switch (pleasure)
@@ -117,16 +107,35 @@ std::string withoutTrailingBlanks(std::string line)
   return line;
 }
 
+/// Where nothing was ever observed the value is 0 and so is the confidence: that is no estimate to show.
+bool isEstimate(double confidence)
+{
+  return confidence >= 0.005;
+}
+
+std::string valenceCell(const TimelineRow& row, const Layout& layout)
+{
+  const std::string number = isEstimate(row.valenceConfidence()) ? signedNumber(row.valence()) : "-";
+  return padLeft(number, signedNumberWidth) + " " + centredBar(row.valence(), layout.valenceHalf);
+}
+
+std::string attentionCell(const TimelineRow& row, const Layout& layout)
+{
+  const std::string number = isEstimate(row.attentionConfidence()) ? plainNumber(row.attention()) : "-";
+  return padLeft(number, plainNumberWidth) + " " + bar(row.attention(), layout.attention);
+}
+
 std::string line(const TimelineRow& row, const Layout& layout, const Style& style)
 {
   const std::string time = padLeft(clockText(row.from(), layout.decimals), layout.time);
-  const std::string valence = signedNumber(row.valence()) + " " + centredBar(row.valence(), layout.valenceHalf);
+  const std::string valence = valenceCell(row, layout);
   const std::string confidence = bar(row.valenceConfidence(), confidenceWidth);
-  const std::string attention = plainNumber(row.attention()) + " " + bar(row.attention(), layout.attention);
+  const std::string attention = attentionCell(row, layout);
   const std::string zone = padRight(row.seen() ? zoneName(row.zone()) : "not visible", zoneWidth);
   const std::string pleasure = padRight(pleasureName(row.pleasure()), pleasureWidth);
-  return withoutTrailingBlanks(time + gap + coloredBySign(valence, row.valence(), style) + gap + style.dim(confidence) +
-                               gap + style.cyan(attention) + gap + (row.seen() ? zone : style.yellow(zone)) + gap +
+  return withoutTrailingBlanks(time + gap + coloredByPleasure(valence, row.pleasure(), style) + gap +
+                               style.dim(confidence) + gap + attention + gap +
+                               (row.seen() ? zone : style.yellow(zone)) + gap +
                                coloredByPleasure(pleasure, row.pleasure(), style) + gap + easeName(row.ease()));
 }
 

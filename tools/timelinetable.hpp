@@ -10,9 +10,12 @@
 namespace tools
 {
 
-/// Returns the rows of one person as a table with a header, at most `width` columns wide but never under 80.
+constexpr int narrowestTable = 80;  ///< columns; in less, the bars would say nothing
+constexpr int widestTable = 100;    ///< columns; in more, the bars would only be longer
+
+/// Returns the rows of one person as a table with a header, at most `width` columns wide.
 ///
-/// Wider than 100 columns it does not become either: the bars would only grow longer.
+/// \pre `width` is narrowestTable at least.
 std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style);
 
 }  // namespace tools
