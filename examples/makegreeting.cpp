@@ -251,6 +251,11 @@ void writeGreeting(std::ostream& stream)
       if (time >= role.visible.front().from)
         writer.write(stepOf(role, time, now, tremor));
   }
+
+  tools::RecordingEntry ending;
+  ending.time = beginning + duration;
+  ending.scopeStops = {"farewell"};
+  writer.write(ending);
 }
 
 }  // namespace
