@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+
+/// What a document may ask of the reader, JSON and CBOR alike; whatever exceeds it is refused with a TypeError.
+namespace ko::wirelimits
+{
+
+constexpr std::size_t depth = 64;           ///< lists, maps and structs inside each other; for the writer as well
+constexpr std::size_t bytes = 16UL << 20U;  ///< length of a document
+constexpr std::size_t values = 1UL << 20U;  ///< values in a document, keys not counted
+
+}  // namespace ko::wirelimits
