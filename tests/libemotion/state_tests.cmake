@@ -7,7 +7,10 @@ set(STATE_TESTS
     personstateupdate_gaze_test.cpp
     personstateupdate_head_test.cpp
     personstateupdate_intake_test.cpp
+    personstateupdate_limits_test.cpp
     personstateupdate_remembered_test.cpp
+    personstateupdate_silence_test.cpp
     personstateupdate_voice_test.cpp
+    personstateupdate_zone_test.cpp
     sensorlimits_test.cpp
     tunable_test.cpp)

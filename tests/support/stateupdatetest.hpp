@@ -110,6 +110,13 @@ protected:
     return trace.text();
   }
 
+  /// Runs one update on whichever thread calls, by the test's clock.
+  void updateOnThisThread()
+  {
+    const ko::ScopedClockSource here(clock);
+    state.__update(observation, memory);
+  }
+
   Estimate estimate() const { return estimateOf(state); }
 
   KV::PersonMemoryPrivate& memories() { return *memory._p; }
