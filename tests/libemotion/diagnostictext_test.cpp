@@ -1,3 +1,5 @@
+#include "support/tablename.hpp"
+
 #include "diagnostictext.hpp"
 
 #include <gtest/gtest.h>
@@ -79,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(Numbers, DiagnosticTextNumber,
                                            NumberCase{"Infinity", Limits::infinity(), "inf"},
                                            NumberCase{"NegativeInfinity", -Limits::infinity(), "-inf"},
                                            NumberCase{"Nan", Limits::quiet_NaN(), "nan"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         support::RowName());
 
 TEST(DiagnosticText, WritesEveryFloatAsAStreamDoes)
 {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <type_traits>
+
 namespace
 {
 
@@ -19,6 +22,19 @@ TEST(Gaze, KeepsYawThenPitchAsGiven)
 
   EXPECT_EQ(-400.5f, gaze.yaw);
   EXPECT_EQ(12.25f, gaze.pitch);
+}
+
+TEST(Gaze, KeepsANan)
+{
+  const KV::Gaze gaze(std::nanf(""), -std::nanf(""));
+
+  EXPECT_TRUE(std::isnan(gaze.yaw));
+  EXPECT_TRUE(std::isnan(gaze.pitch));
+}
+
+TEST(Gaze, IsAPlainValue)
+{
+  EXPECT_TRUE(std::is_trivially_copyable_v<KV::Gaze>);
 }
 
 }  // namespace
