@@ -21,6 +21,32 @@ int endsRow(unsigned char)
   return 0;
 }
 
+std::string_view trimmed(std::string_view field)
+{
+  while (!field.empty() && isBlank(static_cast<unsigned char>(field.front())) != 0)
+    field.remove_prefix(1);
+  while (!field.empty() && isBlank(static_cast<unsigned char>(field.back())) != 0)
+    field.remove_suffix(1);
+  return field;
+}
+
+// Splits a line without quotes as libcsv does, only three times as fast or more: what analysers write has thousands of
+// columns, and no quotes.
+void splitUnquoted(std::string_view line, std::vector<std::string_view>& fields)
+{
+  fields.clear();
+  if (trimmed(line).empty())
+    return;
+  while (true)
+  {
+    const std::size_t end = line.find(',');
+    fields.push_back(trimmed(line.substr(0, end)));
+    if (end == std::string_view::npos)
+      return;
+    line.remove_prefix(end + 1);
+  }
+}
+
 }  // namespace
 
 // The parser of libcsv, and the fields of one line one behind the other.
@@ -32,14 +58,14 @@ public:
   Parser& operator=(const Parser&) = delete;
   ~Parser() { csv_free(&_parser); }
 
-  // Splits the line into `fields`, valid until the next call; false if a quote is not closed.
+  // Splits the line into `fields`, valid until the next call; false if a quote is out of place or not closed.
   bool split(std::string_view line, std::vector<std::string_view>& fields)
   {
     _text.clear();
     _ends.clear();
     fields.clear();
-    csv_parse(&_parser, line.data(), line.size(), _addField, nullptr, this);
-    if (csv_fini(&_parser, _addField, nullptr, this) != 0)
+    const std::size_t parsed = csv_parse(&_parser, line.data(), line.size(), _addField, nullptr, this);
+    if (parsed != line.size() || csv_fini(&_parser, _addField, nullptr, this) != 0)
     {
       csv_free(&_parser);
       _init();
@@ -58,7 +84,7 @@ public:
 private:
   void _init()
   {
-    if (csv_init(&_parser, CSV_STRICT_FINI) != 0)
+    if (csv_init(&_parser, CSV_STRICT | CSV_STRICT_FINI) != 0)
       throw std::bad_alloc();
     csv_set_space_func(&_parser, isBlank);
     csv_set_term_func(&_parser, endsRow);
@@ -84,8 +110,10 @@ bool CsvRows::next()
 {
   while (_file.readLine(_line))
   {
-    if (!_parser->split(_line, _fields))
-      throw BadLine({_file.path(), _file.lineNumber(), {}}, "a quote is opened and not closed");
+    if (_line.find('"') == std::string_view::npos)
+      splitUnquoted(_line, _fields);
+    else if (!_parser->split(_line, _fields))
+      throw BadLine({_file.path(), _file.lineNumber(), {}}, "a quote is out of place or not closed");
     if (!_fields.empty())
       return true;
   }

@@ -25,8 +25,8 @@ public:
 
   /// Reads the next line that is not empty; returns false at the end of the file.
   ///
-  /// \throws BadLine if its quotes are not closed, or it is too long; the next call goes on behind it.
-  /// \throws RecordingError if the file cannot be read.
+  /// \throws BadLine if a quote is out of place or not closed, or the line is too long; the next call goes on behind
+  /// it. \throws RecordingError if the file cannot be read.
   bool next();
 
   /// Returns the fields of the row without the spaces around them; valid until the next call of next().

@@ -1,0 +1,583 @@
+#include "openfacecolumns.hpp"
+#include "personsinview.hpp"
+#include "support.hpp"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+namespace
+{
+using support::Contents;
+using support::secondsOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr float tolerance = 1e-4f;  // [deg] single precision at some tens of degrees
+
+const std::string full =
+    "frame, face_id, timestamp, confidence, success, gaze_angle_x, gaze_angle_y, pose_Tx, pose_Ty, pose_Tz, pose_Rx, "
+    "pose_Ry, pose_Rz, AU06_r, AU12_r\r\n";
+
+/// One line for each entry: time in ms, person, and "+" for a person who was seen.
+std::vector<std::string> stepsOf(const Contents& contents)
+{
+  std::vector<std::string> steps;
+  for (const auto& entry : contents.entries)
+    steps.push_back(std::to_string(std::lround(secondsOf(entry) * 1000.0)) + " " + std::to_string(*entry.person) +
+                    (entry.seen ? "+" : "-"));
+  return steps;
+}
+
+class OpenFaceReader : public support::RecordingTest
+{
+protected:
+  /// Returns the observation of a recording of one row.
+  KV::PersonObservation observed(const std::string& text, const tools::ReadingOptions& options = {}) const
+  {
+    const Contents contents = read(text, options);
+    EXPECT_EQ("", contents.fatal);
+    EXPECT_THAT(contents.badLines, IsEmpty());
+    EXPECT_EQ(1u, contents.entries.size());
+    return contents.entries.empty() ? KV::PersonObservation() : contents.entries.front().observation;
+  }
+
+  std::vector<std::string> stepsIn(const std::string& text, const tools::ReadingOptions& options = {}) const
+  {
+    const Contents contents = read(text, options);
+    EXPECT_EQ("", contents.fatal);
+    EXPECT_THAT(contents.badLines, IsEmpty());
+    return stepsOf(contents);
+  }
+};
+
+// What a row tells.
+
+TEST_F(OpenFaceReader, GivesAllReadingsOfATrackedRow)
+{
+  const auto contents = read(full + "1, 4, 0.500, 0.98, 1, 0, 0, 0, 0, 800, 0, 0, 0, 1, 2\r\n");
+  ASSERT_EQ(1u, contents.entries.size());
+  const auto& entry = contents.entries.front();
+  EXPECT_EQ(support::recordingEpoch + 500000000, support::nanosecondsOf(entry.time));
+  EXPECT_EQ(4, entry.person.value());
+  EXPECT_TRUE(entry.seen);
+  EXPECT_EQ(0, entry.movements);
+  EXPECT_FALSE(entry.ambianceActivity);
+  EXPECT_TRUE(entry.scopeStarts.empty());
+  EXPECT_TRUE(entry.scopeStops.empty());
+
+  const auto& observation = entry.observation;
+  EXPECT_TRUE(observation.faceDetected.value().value);
+  EXPECT_FLOAT_EQ(0.8f, observation.distance.value().value);
+  EXPECT_FLOAT_EQ(0.4f, observation.smile.value().value.value);
+  EXPECT_FLOAT_EQ(0.98f, observation.smile.value().value.confidence);
+  EXPECT_FLOAT_EQ(0.3f, observation.expressions.value().value.joy.value);
+  EXPECT_FLOAT_EQ(0.98f, observation.expressions.value().value.joy.confidence);
+  for (const auto time :
+       {observation.faceDetected->time, observation.distance->time, observation.smile->time,
+        observation.expressions->time, observation.headPosture.value().time, observation.gaze.value().time})
+    EXPECT_EQ(entry.time, time);
+
+  EXPECT_FALSE(observation.headHeight);
+  EXPECT_FALSE(observation.facialPoints);
+  EXPECT_FALSE(observation.lookingAtRobot);
+  EXPECT_FALSE(observation.gender);
+  EXPECT_FALSE(observation.age);
+  EXPECT_FALSE(observation.voiceEmotion);
+  EXPECT_FALSE(observation.asrEmotion);
+  EXPECT_FALSE(observation.touchEmotion);
+  EXPECT_FALSE(observation.contextEmotion);
+  EXPECT_FALSE(observation.speaking);
+  EXPECT_FALSE(observation.robotHeadPosture);
+}
+
+// 0.1 rad is 5.7296 deg. In OpenFace Rx > 0 is down, Ry > 0 own right, Rz > 0 own left shoulder.
+TEST_F(OpenFaceReader, TurnsRadiansIntoDegreesUpOwnRightOwnRightShoulder)
+{
+  const auto posture = observed("frame,pose_Rx,pose_Ry,pose_Rz\n1,0.1,0.2,0.3\n").headPosture.value().value;
+  EXPECT_NEAR(-5.7296f, posture.pitch(), tolerance);
+  EXPECT_NEAR(11.4592f, posture.yaw(), tolerance);
+  EXPECT_NEAR(-17.1887f, posture.roll(), tolerance);
+}
+
+// In OpenFace x > 0 is to the own left, y > 0 down.
+TEST_F(OpenFaceReader, TurnsTheGazeIntoDegreesOwnLeftAndUp)
+{
+  const auto gaze = observed("frame,gaze_angle_x,gaze_angle_y\n1,0.1,0.2\n").gaze.value().value;
+  EXPECT_NEAR(5.7296f, gaze.yaw, tolerance);
+  EXPECT_NEAR(-11.4592f, gaze.pitch, tolerance);
+}
+
+TEST_F(OpenFaceReader, FormsTheGazeFromTheVectorsOfBothEyesWithoutTheAngles)
+{
+  const auto gaze = observed(
+                        "frame,gaze_0_x,gaze_0_y,gaze_0_z,gaze_1_x,gaze_1_y,gaze_1_z\n"
+                        "1,0.3,0.1,-0.9,0.1,0.3,-0.95\n")
+                        .gaze.value()
+                        .value;
+  EXPECT_NEAR(std::atan2(0.4, 1.85) * 57.29578, static_cast<double>(gaze.yaw), 1e-4);
+  EXPECT_NEAR(-std::atan2(0.4, 1.85) * 57.29578, static_cast<double>(gaze.pitch), 1e-4);
+}
+
+TEST_F(OpenFaceReader, CountsAnglesFromTheLineOfSight)
+{
+  // 45 degrees to the right of the axis, on its height: whoever faces the camera from there has turned 45 to the right.
+  const auto observation = observed(full + "1,0,0,1,1, -0.785398,0, 500,0,500, 0,0.785398,0, 0,0\n");
+  EXPECT_NEAR(0.f, observation.headPosture.value().value.yaw(), tolerance);
+  EXPECT_NEAR(0.f, observation.gaze.value().value.yaw, tolerance);
+  // 45 degrees below the axis: whoever faces the camera from there looks up.
+  const auto below = observed(full + "1,0,0,1,1, 0,-0.785398, 0,500,500, -0.785398,0,0, 0,0\n");
+  EXPECT_NEAR(0.f, below.headPosture.value().value.pitch(), tolerance);
+  EXPECT_NEAR(0.f, below.gaze.value().value.pitch, tolerance);
+}
+
+TEST_F(OpenFaceReader, CountsAnglesFromTheOpticalAxisIfAsked)
+{
+  tools::ReadingOptions options;
+  options.lineOfSight = false;
+  const auto observation = observed(full + "1,0,0,1,1, -0.785398,0, 500,0,500, 0,0.785398,0, 0,0\n", options);
+  EXPECT_NEAR(45.f, observation.headPosture.value().value.yaw(), tolerance);
+  EXPECT_NEAR(-45.f, observation.gaze.value().value.yaw, tolerance);
+  EXPECT_FLOAT_EQ(std::hypot(0.5f, 0.5f), observation.distance.value().value);
+}
+
+TEST_F(OpenFaceReader, ExchangesLeftAndRightOfAMirrorImage)
+{
+  const std::string text = full + "1,0,0,1,1, 0.1,0.2, 200,100,500, 0.1,0.3,0.4, 0,0\n";
+  const auto plain = observed(text);
+  tools::ReadingOptions options;
+  options.mirrored = true;
+  const auto mirrored = observed(text, options);
+  EXPECT_FLOAT_EQ(-plain.headPosture.value().value.yaw(), mirrored.headPosture.value().value.yaw());
+  EXPECT_FLOAT_EQ(plain.headPosture.value().value.pitch(), mirrored.headPosture.value().value.pitch());
+  EXPECT_FLOAT_EQ(-plain.headPosture.value().value.roll(), mirrored.headPosture.value().value.roll());
+  EXPECT_FLOAT_EQ(-plain.gaze.value().value.yaw, mirrored.gaze.value().value.yaw);
+  EXPECT_FLOAT_EQ(plain.gaze.value().value.pitch, mirrored.gaze.value().value.pitch);
+  EXPECT_FLOAT_EQ(plain.distance.value().value, mirrored.distance.value().value);
+}
+
+TEST_F(OpenFaceReader, MeasuresTheHeightFromTheCamera)
+{
+  tools::ReadingOptions options;
+  options.cameraHeight = 1.2f;
+  const auto observation = observed(full + "1,0,0,1,1, 0,0, 200,-300,500, 0,0,0, 0,0\n", options);
+  EXPECT_FLOAT_EQ(1.5f, observation.headHeight.value().value);
+}
+
+TEST_F(OpenFaceReader, TakesActionUnitsAsPartsOfTheFullScale)
+{
+  tools::ReadingOptions options;
+  options.actionUnitFullScale = 3.f;
+  const std::string header = "frame,AU12_r\n";
+  EXPECT_FLOAT_EQ(0.5f, observed(header + "1,1.5\n", options).smile.value().value.value);
+  EXPECT_FLOAT_EQ(1.f, observed(header + "1,3.1\n", options).smile.value().value.value);
+}
+
+TEST_F(OpenFaceReader, TakesTwelveLandmarksAsFacialPoints)
+{
+  std::string header = "frame,confidence,AU12_r";
+  std::string row = "1,0.8,0";
+  for (const std::string axis : {"x", "y"})
+    for (int i = 0; i < 68; ++i)
+    {
+      header += "," + axis + "_" + std::to_string(i);
+      row += "," + std::to_string(i) + (axis == "x" ? ".25" : ".75");
+    }
+  const auto points = observed(header + "\n" + row + "\n").facialPoints.value().value;
+  EXPECT_FLOAT_EQ(0.8f, points.globalConfidence());
+  for (std::size_t i = 0; i < 12; ++i)
+  {
+    const auto point = points.facialPoint(static_cast<KV::PointDescription>(i));
+    EXPECT_FLOAT_EQ(static_cast<float>(tools::facialPointLandmarks.at(i)) + 0.25f, point.value.first);
+    EXPECT_FLOAT_EQ(static_cast<float>(tools::facialPointLandmarks.at(i)) + 0.75f, point.value.second);
+    EXPECT_FLOAT_EQ(0.8f, point.confidence);
+  }
+
+  // In a mirror image OpenFace takes the left corner of the mouth (54) for the right one (48).
+  tools::ReadingOptions options;
+  options.mirrored = true;
+  const auto mirrored = observed(header + "\n" + row + "\n", options).facialPoints.value().value;
+  const auto rightCorner = mirrored.facialPoint(KV::FacialPoint7);
+  EXPECT_EQ(48, tools::facialPointLandmarks.at(7));
+  EXPECT_FLOAT_EQ(54.25f, rightCorner.value.first);
+  EXPECT_FLOAT_EQ(54.75f, rightCorner.value.second);
+}
+
+TEST_F(OpenFaceReader, LeavesAnUnknownLandmarkAtConfidenceZero)
+{
+  std::string header = "frame,AU12_r";
+  std::string row = "1,0";
+  for (const std::string axis : {"x_", "y_"})
+    for (const int landmark : tools::facialPointLandmarks)
+    {
+      header += "," + axis + std::to_string(landmark);
+      row += landmark == 30 ? ",NaN" : ",5";
+    }
+  const auto points = observed(header + "\n" + row + "\n").facialPoints.value().value;
+  EXPECT_FLOAT_EQ(11.f / 12.f, points.globalConfidence());
+  EXPECT_FLOAT_EQ(0.f, points.facialPoint(KV::FacialPoint6).confidence);
+}
+
+// What is missing.
+
+TEST_F(OpenFaceReader, ReadsActionUnitsAlone)
+{
+  const auto observation = observed("frame,timestamp,confidence,success,AU06_r,AU12_r\n1,0.5,1,1,1,2\n");
+  EXPECT_TRUE(observation.smile);
+  EXPECT_FALSE(observation.headPosture);
+  EXPECT_FALSE(observation.gaze);
+  EXPECT_FALSE(observation.distance);
+}
+
+TEST_F(OpenFaceReader, LeavesOutWhatIsNoNumber)
+{
+  for (const std::string missing : {"NaN", "nan", "-nan(ind)", "inf", "", "NA", "None", "1e400", "1e300"})
+  {
+    const auto observation =
+        observed(full + "1,0,0,1,1, " + missing + ",0, 0,0,800, 0," + missing + ",0, 1," + missing + "\n");
+    EXPECT_FALSE(observation.gaze) << missing;
+    EXPECT_FALSE(observation.headPosture) << missing;
+    EXPECT_FALSE(observation.smile) << missing;
+    EXPECT_FALSE(observation.expressions) << missing;
+    EXPECT_TRUE(observation.distance) << missing;
+    EXPECT_TRUE(observation.faceDetected) << missing;
+  }
+}
+
+TEST_F(OpenFaceReader, CountsFromTheOpticalAxisWithoutAPosition)
+{
+  for (const std::string position : {"NaN,0,800", "0,0,0"})
+  {
+    const auto observation = observed(full + "1,0,0,1,1, 0,0, " + position + ", 0,0.1,0, 0,0\n");
+    EXPECT_FALSE(observation.distance) << position;
+    EXPECT_NEAR(5.7296f, observation.headPosture.value().value.yaw(), tolerance) << position;
+  }
+}
+
+TEST_F(OpenFaceReader, KeepsACycleOfATrackedRowWithoutReadings)
+{
+  EXPECT_THAT(stepsIn("frame,confidence,success,AU12_r\n1,1,1,2\n2,1,1,NaN\n"), ElementsAre("0 0+", "33 0+"));
+}
+
+TEST_F(OpenFaceReader, TakesARowWithoutReadingsForALostFaceWhereNothingElseTells)
+{
+  EXPECT_THAT(stepsIn("frame,AU12_r\n1,2\n2,\n3,2\n"), ElementsAre("0 0+", "33 0-", "67 0+"));
+}
+
+TEST_F(OpenFaceReader, TakesConfidenceOneWithoutItsColumn)
+{
+  EXPECT_FLOAT_EQ(1.f, observed("frame,AU12_r\n1,2\n").smile.value().value.confidence);
+}
+
+TEST_F(OpenFaceReader, CapsTheConfidenceAtOne)
+{
+  EXPECT_FLOAT_EQ(1.f, observed("frame,confidence,AU12_r\n1,1.0002,2\n").smile.value().value.confidence);
+}
+
+// How the file is written.
+
+TEST_F(OpenFaceReader, ReadsPlainAndCompressedFilesWithMarkIndexColumnAndOtherPrograms)
+{
+  const std::string text =
+      "\xEF\xBB\xBF,filename, frame,FE1, timestamp, AU12_r\r\n"
+      "0,\"a, b.mp4\", 1.0,x,0.0,+2.5\r\n"
+      "\r\n"
+      "1,\"a, b.mp4\", 2.0,y,0.1,2.5e0\r\n";
+  for (const auto& path : {folder.write("f.csv", text), folder.writeCompressed("f.csv.gz", text)})
+  {
+    const Contents contents = support::contentsOf(path);
+    EXPECT_EQ("", contents.fatal);
+    EXPECT_THAT(contents.badLines, IsEmpty());
+    EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+"));
+    for (const auto& entry : contents.entries)
+      EXPECT_FLOAT_EQ(0.5f, entry.observation.smile.value().value.value);
+  }
+}
+
+TEST_F(OpenFaceReader, ReadsWholeNumbersWrittenWithAFraction)
+{
+  EXPECT_THAT(stepsIn("frame,face_id,success,AU12_r\n25.0,2.0,1.0,1\n26.0,2.0,0.0,1\n"), ElementsAre("0 2+", "33 2-"));
+}
+
+// Who is there.
+
+TEST_F(OpenFaceReader, AgesAFaceThatIsLost)
+{
+  EXPECT_THAT(stepsIn("frame,confidence,success,AU12_r\n"
+                      "1,0.9,1,1\n"
+                      "2,0.9,0,1\n"
+                      "3,0.69,1,1\n"
+                      "4,NaN,1,1\n"
+                      "5,0.9,,1\n"
+                      "6,0.7,1,1\n"),
+              ElementsAre("0 0+", "33 0-", "67 0-", "100 0-", "133 0-", "167 0+"));
+}
+
+TEST_F(OpenFaceReader, DoesNotReadTheGarbageOfALostFace)
+{
+  const auto contents = read(full + "1,0,0.0,1,1, 0,0,0,0,800, 0,0,0, 0,0\n2,x,0.1,0,0, a,b,c,d,e, f,g,h, i,j\n");
+  EXPECT_THAT(contents.badLines, IsEmpty());
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0-"));
+}
+
+TEST_F(OpenFaceReader, SaysNothingOfAFaceThatWasNeverTracked)
+{
+  EXPECT_THAT(stepsIn("frame,success,AU12_r\n1,0,0\n2,0,0\n3,1,1\n"), ElementsAre("67 0+"));
+}
+
+TEST_F(OpenFaceReader, TakesTheMinimalConfidenceFromTheOptions)
+{
+  tools::ReadingOptions options;
+  options.minimalConfidence = 0.2f;
+  EXPECT_THAT(stepsIn("frame,confidence,AU12_r\n1,0.2,1\n2,0.19,1\n", options), ElementsAre("0 0+", "33 0-"));
+}
+
+TEST_F(OpenFaceReader, TellsSeveralPersonsApart)
+{
+  EXPECT_THAT(stepsIn("frame,face_id,timestamp,success,AU12_r\n"
+                      "1,1,0.0,1,1\n"
+                      "1,0,0.0,1,1\n"
+                      "2,0,0.1,1,1\n"
+                      "3,7,0.2,1,1\n"
+                      "4,1,0.3,1,1\n"
+                      "4,0,0.3,0,1\n"),
+              ElementsAre("0 1+", "0 0+",                // in the order of the rows
+                          "100 0+", "100 1-",            // 1 has no row
+                          "200 7+", "200 0-", "200 1-",  // in ascending order
+                          "300 1+", "300 0-", "300 7-"));
+}
+
+TEST_F(OpenFaceReader, TellsFramesByTheirTimesWithoutNumbers)
+{
+  EXPECT_THAT(stepsIn("face_id,timestamp,AU12_r\n0,0.0,1\n1,0.0,1\n0,0.5,1\n"),
+              ElementsAre("0 0+", "0 1+", "500 0+", "500 1-"));
+  EXPECT_THAT(stepsIn("timestamp,AU12_r\n0,1\n0,1\n0,1\n"), ElementsAre("0 0+", "33 0+", "67 0+"));
+}
+
+TEST_F(OpenFaceReader, AgesEverybodyInMissingFrames)
+{
+  EXPECT_THAT(stepsIn("frame,face_id,timestamp,AU12_r\n"
+                      "1,0,0.00,1\n1,1,0.00,1\n"
+                      "2,0,0.10,1\n"
+                      "5,0,0.40,1\n"
+                      "6,0,0.50,1\n"),
+              ElementsAre("0 0+", "0 1+", "100 0+", "100 1-", "200 0-", "200 1-", "300 0-", "300 1-", "400 0+",
+                          "400 1-", "500 0+", "500 1-"));
+}
+
+TEST_F(OpenFaceReader, MissesNoFramesWhereTheTimeDoesNotJump)
+{
+  EXPECT_THAT(stepsIn("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n3,0.2,1\n4,0.3,1\n20,0.4,1\n"),
+              ElementsAre("0 0+", "100 0+", "200 0+", "300 0+", "400 0+"));
+}
+
+TEST_F(OpenFaceReader, AgesNobodyForLongerThanItCanBeSeen)
+{
+  const auto steps = stepsIn("frame,AU12_r\n1,1\n2,1\n3,1\n2000000000,1\n");
+  ASSERT_EQ(3u + tools::PersonsInView::longestAbsence + 1u, steps.size());
+  EXPECT_EQ("67 0+", steps[2]);
+  EXPECT_EQ("100 0-", steps[3]);
+  EXPECT_EQ("10067 0-", steps[302]);
+  EXPECT_EQ("66666666633 0+", steps[303]);
+}
+
+// Times.
+
+TEST_F(OpenFaceReader, BeginsAtAnyFrame)
+{
+  tools::ReadingOptions options;
+  options.framesPerSecond = 10.0;
+  EXPECT_THAT(stepsIn("frame,timestamp,AU12_r\n25,7.0,1\n26,7.001,1\n", options), ElementsAre("0 0+", "100 0+"));
+}
+
+TEST_F(OpenFaceReader, WarnsWhenItAssumesARate)
+{
+  for (const std::string text : {"frame,AU12_r\n1,1\n2,1\n", "frame,timestamp,AU12_r\n1,0,1\n2,0,1\n"})
+  {
+    const auto contents = read(text);
+    EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "33 0+"));
+    EXPECT_THAT(contents.warnings,
+                ElementsAre(HasSubstr("30 frames/s are assumed; give the rate of the video (--fps)")));
+  }
+}
+
+TEST_F(OpenFaceReader, WarnsOfARateThatNoCameraHas)
+{
+  const auto contents = read("frame,timestamp,AU12_r\n1,0.000,1\n2,0.001,1\n");
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "1 0+"));
+  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the time stamps tell of 1000 frames/s")));
+}
+
+TEST_F(OpenFaceReader, RefusesARowWhoseTimeRunsBackwardsAndGoesOn)
+{
+  const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n3,0.05,1\n4,0.2,1\n");
+  EXPECT_THAT(
+      contents.badLines,
+      ElementsAre(HasSubstr(":4: timestamp: time runs backwards, expected the rows in the order of their frames")));
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+", "150 0-", "200 0+"));
+  EXPECT_THAT(read("frame,AU12_r\n5,1\n6,1\n4,1\n").badLines, ElementsAre(HasSubstr(":4: frame: time runs backwards")));
+}
+
+TEST_F(OpenFaceReader, NeverStepsBackInTime)
+{
+  // The frames missing before the third row are told before it, and not after.
+  const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n9,0.8,1\n10,0.9,1\n");
+  for (std::size_t i = 1; i < contents.entries.size(); ++i)
+    EXPECT_LT(contents.entries[i - 1].time, contents.entries[i].time);
+  EXPECT_EQ(10u, contents.entries.size());
+}
+
+// Bad input.
+
+struct BadLineCase
+{
+  const char* name;
+  const char* text;
+  const char* message;
+};
+
+class BadLineOfOpenFace : public OpenFaceReader, public ::testing::WithParamInterface<BadLineCase>
+{};
+
+TEST_P(BadLineOfOpenFace, IsNamed)
+{
+  EXPECT_EQ(GetParam().message, errorOf(GetParam().text));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    With, BadLineOfOpenFace,
+    ::testing::Values(
+        BadLineCase{"NoNumberInAReading", "frame,pose_Rx,pose_Ry,pose_Rz\n1,0,0,0\n2,0,x7,0\n",
+                    "3: pose_Ry: expected a number, found 'x7'"},
+        BadLineCase{"ANumberAndMore", "frame,AU12_r\n1,1.5mm\n", "2: AU12_r: expected a number, found '1.5mm'"},
+        BadLineCase{"ADecimalComma", "frame,AU12_r\n1,\"1,5\"\n", "2: AU12_r: expected a number, found '1,5'"},
+        BadLineCase{"ALongText", "frame,AU12_r\n1,0123456789012345678901234567890123456789x\n",
+                    "2: AU12_r: expected a number, found '0123456789012345678901234567890123456789...'"},
+        BadLineCase{"ABrokenFrame", "frame,AU12_r\n1.5,1\n", "2: frame: expected a whole number, found '1.5'"},
+        BadLineCase{"NoFrame", "frame,AU12_r\n,1\n", "2: frame: expected a whole number, found ''"},
+        BadLineCase{"AHugeFrame", "frame,AU12_r\n1,1\n1e300,1\n", "3: frame: expected a whole number, found '1e300'"},
+        BadLineCase{"AFrameBeyondTheClock", "frame,AU12_r\n1,1\n900000000000,1\n",
+                    "3: frame: is too far from the first one"},
+        BadLineCase{"NoTimestamp", "frame,timestamp,AU12_r\n1,0.5,1\n2,,1\n",
+                    "3: timestamp: expected seconds, found no number"},
+        BadLineCase{"ATextAsTimestamp", "frame,timestamp,AU12_r\n1,0.5,1\n2,00:01,1\n",
+                    "3: timestamp: expected a number, found '00:01'"},
+        BadLineCase{"MillisecondsSince1970", "frame,timestamp,AU12_r\n1,1600000000000,1\n",
+                    "2: timestamp: expected seconds, from the start of the recording or since 1970, found "
+                    "'1600000000000'"},
+        BadLineCase{"ABrokenFace", "frame,face_id,AU12_r\n1,0.5,1\n",
+                    "2: face_id: expected a whole number, found '0.5'"},
+        BadLineCase{"AHugeFace", "frame,face_id,AU12_r\n1,4294967296,1\n",
+                    "2: face_id: expected a whole number, found '4294967296'"},
+        BadLineCase{"NoFace", "frame,face_id,AU12_r\n1,,1\n", "2: face_id: expected a whole number, found ''"},
+        BadLineCase{"ATextAsSuccess", "frame,success,AU12_r\n1,yes,1\n", "2: success: expected a number, found 'yes'"},
+        BadLineCase{"ATextAsConfidence", "frame,confidence,AU12_r\n1,high,1\n",
+                    "2: confidence: expected a number, found 'high'"},
+        BadLineCase{"TooFewFields", "frame,timestamp,AU12_r\n1,0\n2,0.1,1\n",
+                    "2: 2 fields, expected 3 as in the header"},
+        BadLineCase{"TooManyFields", "frame,timestamp,AU12_r\n1,0,1,1", "2: 4 fields, expected 3 as in the header"},
+        BadLineCase{"ACutLastLine", "frame,timestamp,AU12_r\n1,0,1\n2,0.",
+                    "3: 2 fields, expected 3 as in the header; the last line is not complete: the file may be cut"},
+        BadLineCase{"AnOpenQuote", "frame,AU12_r\n1,\"1\n", "2: a quote is out of place or not closed"},
+        BadLineCase{"AFaceTwiceInAFrame", "frame,face_id,AU12_r\n1,3,1\n1,3,1\n",
+                    "3: face_id: face 3 is there twice in frame 1"},
+        BadLineCase{"AFrameTwiceWithoutFaces", "frame,AU12_r\n1,1\n1,1\n",
+                    "3: frame: face 0 is there twice in frame 1"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(OpenFaceReader, GoesOnBehindBadLinesWhereNobodyCountsAsSeen)
+{
+  const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n3,0.2,x\n4,0.3,1\n5,0.4\n6,0.5,1\n7,0.6,1\n");
+  EXPECT_EQ(2u, contents.badLines.size());
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+", "200 0-", "300 0+", "400 0-", "500 0+", "600 0+"));
+}
+
+TEST_F(OpenFaceReader, TellsOfBadLinesWhereTheyStand)
+{
+  const auto reader = tools::openRecording(folder.write("f", "timestamp,AU12_r\n1,1\n2,x\n3,1\n"), "", {});
+  EXPECT_EQ(1.0, secondsOf(reader->next().value()));
+  EXPECT_THROW(reader->next(), tools::BadLine);
+  EXPECT_EQ(3.0, secondsOf(reader->next().value()));
+  EXPECT_FALSE(reader->next());
+  EXPECT_FALSE(reader->next());
+}
+
+TEST_F(OpenFaceReader, GivesWhatStandsBeforeTheCutOfACompressedFile)
+{
+  std::string text = "frame,AU12_r\n";
+  for (int frame = 1; frame < 100000; ++frame)
+    text += std::to_string(frame) + "," + std::to_string(frame * 7919 % 5000) + "\n";
+  const std::string path = folder.writeCompressed("f.gz", text);
+  std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
+
+  const auto reader = tools::openRecording(path, "", {});
+  int entries = 0;
+  try
+  {
+    while (reader->next())
+      ++entries;
+    ADD_FAILURE() << "the cut was not noticed";
+  }
+  catch (const tools::BadLine& error)
+  {
+    ADD_FAILURE() << "one line only: " << error.what();
+  }
+  catch (const tools::RecordingError& error)
+  {
+    EXPECT_THAT(error.what(), HasSubstr("the compressed data end too early: the file was cut"));
+  }
+  EXPECT_GT(entries, 30000);
+  EXPECT_FALSE(reader->next()) << "nothing can be read behind the cut";
+}
+
+TEST_F(OpenFaceReader, WarnsIfNoFaceWasTracked)
+{
+  const auto contents = read("frame,timestamp,success,AU12_r\n1,0.0,0,1\n2,0.1,0,1\n");
+  EXPECT_THAT(contents.entries, IsEmpty());
+  EXPECT_THAT(contents.warnings, ElementsAre("no face was tracked in the whole file"));
+}
+
+// What it says of itself.
+
+TEST_F(OpenFaceReader, DescribesHowItReadsInTwoLines)
+{
+  EXPECT_THAT(
+      read(full + "1,0,0.00,1,1, 0,0,0,0,800, 0,0,0, 0,0\n2,0,0.04,1,1, 0,0,0,0,800, 0,0,0, 0,0\n").description,
+      ElementsAre(
+          "OpenFace: angles in radians, counted from the line of sight to the camera, pose_Rx down, pose_Ry to "
+          "the own right, pose_Rz to the own left shoulder, gaze_angle_x to the own left, y down, pose_T in mm, "
+          "action units of 5, not mirrored",
+          "25 frames/s by the time stamps, persons by face_id, not tracked below confidence 0.7; missing: "
+          "landmarks"));
+}
+
+TEST_F(OpenFaceReader, DescribesWhatTheOptionsChange)
+{
+  tools::ReadingOptions options;
+  options.mirrored = true;
+  options.lineOfSight = false;
+  options.framesPerSecond = 12.5;
+  options.actionUnitFullScale = 3.5f;
+  EXPECT_THAT(
+      read("frame,gaze_0_x,gaze_0_y,gaze_0_z,gaze_1_x,gaze_1_y,gaze_1_z,AU12_r\n1,0,0,-1,0,0,-1,0\n", options)
+          .description,
+      ElementsAre("OpenFace: angles in radians, counted from the optical axis of the camera, gaze vectors x to "
+                  "the own left, y down, action units of 3.5, mirrored",
+                  "12.5 frames/s as given, instead of time stamps, all rows are person 0, since there is no "
+                  "face_id, confidence 1, since there is no such column; missing: head pose, distance, landmarks"));
+}
+
+TEST_F(OpenFaceReader, ReadsToTheEndByItsProgress)
+{
+  std::string text = "frame,AU12_r\n";
+  for (int frame = 1; frame < 200000; ++frame)
+    text += std::to_string(frame) + ",1\n";
+  const auto reader = tools::openRecording(folder.write("f", text), "", {});
+  EXPECT_LT(reader->progress(), 0.5);
+  while (reader->next())
+  {}
+  EXPECT_DOUBLE_EQ(1.0, reader->progress());
+}
+
+}  // namespace

@@ -1,0 +1,62 @@
+#include "support.hpp"
+
+#include <set>
+
+#include <sys/stat.h>
+
+namespace
+{
+using RecordingFormats = support::RecordingTest;
+
+const std::string known = "openface (CSV of OpenFace 2 and older), jsonl (JSON Lines of skeigiot)";
+
+TEST_F(RecordingFormats, HaveNamesAndDescriptions)
+{
+  std::set<std::string> names;
+  for (const auto& format : tools::recordingFormats())
+  {
+    EXPECT_TRUE(names.insert(format.name).second) << format.name;
+    EXPECT_FALSE(format.description.empty());
+  }
+  EXPECT_EQ((std::set<std::string>{"openface", "jsonl"}), names);
+}
+
+TEST_F(RecordingFormats, AreDetectedByTheContents)
+{
+  EXPECT_EQ("OpenFace: ", read("frame,AU12_r\n1,1\n").description.front().substr(0, 10));
+  EXPECT_EQ("JSON Lines: ", read("\n {\"time\":0}\n").description.front().substr(0, 12));
+  EXPECT_EQ("JSON Lines: ", read("\xEF\xBB\xBF{\"time\":0}\n").description.front().substr(0, 12));
+}
+
+TEST_F(RecordingFormats, MayBeNamed)
+{
+  const std::string path = folder.write("f", "frame,AU12_r\n1,1\n");
+  EXPECT_EQ(1u, support::contentsOf(path, "openface").entries.size());
+  EXPECT_EQ(0u, support::contentsOf(path, "jsonl").entries.size());
+  EXPECT_EQ(2u, support::contentsOf(path, "jsonl").badLines.size());
+}
+
+TEST_F(RecordingFormats, AreListedWhereNoneFits)
+{
+  EXPECT_EQ(" the format is not known; expected one of: " + known, errorOf("Timecode,BlendShapeCount\n"));
+  EXPECT_EQ(folder.path("f") + ": there is no format 'xml'; expected one of: " + known,
+            support::contentsOf(folder.write("f", "x"), "xml").fatal);
+}
+
+TEST_F(RecordingFormats, NeedAFile)
+{
+  EXPECT_EQ(folder.path("none") + ": there is no such file", support::contentsOf(folder.path("none")).fatal);
+  EXPECT_EQ(folder.path("none") + ": there is no such file", support::contentsOf(folder.path("none"), "jsonl").fatal);
+  EXPECT_EQ(folder.path() + ": is a folder, expected a file", support::contentsOf(folder.path()).fatal);
+  EXPECT_EQ(" the file is empty", errorOf(""));
+  EXPECT_EQ(folder.path("f") + ": the file is empty", support::contentsOf(folder.writeCompressed("f", "")).fatal);
+}
+
+TEST_F(RecordingFormats, AreNotDetectedInAPipe)
+{
+  ASSERT_EQ(0, mkfifo(folder.path("pipe").c_str(), 0600));
+  EXPECT_EQ(folder.path("pipe") + ": the format of what is no regular file cannot be detected; expected its name",
+            support::contentsOf(folder.path("pipe")).fatal);
+}
+
+}  // namespace

@@ -1,0 +1,146 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+#include <boost/chrono/duration.hpp>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace support
+{
+
+constexpr std::int64_t recordingEpoch = 1577836800000000000;  // [ns] 2020-01-01T00:00:00Z
+
+inline std::int64_t nanosecondsOf(ko::SystemClock::time_point time)
+{
+  return time.time_since_epoch().count();
+}
+
+inline ko::SystemClock::time_point timeOf(std::int64_t nanoseconds)
+{
+  return ko::SystemClock::time_point(boost::chrono::nanoseconds(nanoseconds));
+}
+
+/// [s] since the beginning of a recording whose time stamps count from 0.
+inline double secondsOf(const tools::RecordingEntry& entry)
+{
+  return static_cast<double>(nanosecondsOf(entry.time) - recordingEpoch) * 1e-9;
+}
+
+/// A folder of its own for each test, removed at its end.
+class TemporaryFolder
+{
+public:
+  TemporaryFolder()
+  {
+    std::string pattern = (std::filesystem::temp_directory_path() / "recordings-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+      throw std::runtime_error("no temporary folder");
+    _path = pattern;
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder()
+  {
+    std::error_code ignored;
+    std::filesystem::remove_all(_path, ignored);
+  }
+
+  std::string path() const { return _path.string(); }
+  std::string path(const std::string& name) const { return (_path / name).string(); }
+
+  /// Writes a file and returns its path.
+  std::string write(const std::string& name, const std::string& text) const
+  {
+    std::ofstream(_path / name, std::ios::binary) << text;
+    return path(name);
+  }
+
+  /// Writes a file compressed by gzip and returns its path.
+  std::string writeCompressed(const std::string& name, const std::string& text) const
+  {
+    gzFile file = gzopen(path(name).c_str(), "wb");
+    gzwrite(file, text.data(), static_cast<unsigned int>(text.size()));
+    gzclose(file);
+    return path(name);
+  }
+
+private:
+  std::filesystem::path _path;
+};
+
+/// Everything that a recording gave.
+struct Contents
+{
+  std::vector<tools::RecordingEntry> entries;
+  std::vector<std::string> badLines;  ///< their messages
+  std::string fatal;                  ///< the message of the error that ended it, if one did
+  std::vector<std::string> warnings;
+  std::vector<std::string> description;
+};
+
+/// Reads the recording to its end, over bad lines.
+inline Contents contentsOf(const std::string& path, const std::string& format = "",
+                           const tools::ReadingOptions& options = {})
+{
+  Contents contents;
+  try
+  {
+    const auto reader = tools::openRecording(path, format, options);
+    contents.description = reader->describe();
+    while (true)
+    {
+      try
+      {
+        const auto entry = reader->next();
+        if (!entry)
+          break;
+        contents.entries.push_back(*entry);
+      }
+      catch (const tools::BadLine& error)
+      {
+        contents.badLines.emplace_back(error.what());
+      }
+    }
+    contents.warnings = reader->takeWarnings();
+  }
+  catch (const tools::RecordingError& error)
+  {
+    contents.fatal = error.what();
+  }
+  return contents;
+}
+
+/// A test that reads files which it writes itself.
+class RecordingTest : public ::testing::Test
+{
+protected:
+  Contents read(const std::string& text, const tools::ReadingOptions& options = {}) const
+  {
+    return contentsOf(folder.write("recording", text), "", options);
+  }
+
+  /// Returns how the one error of this recording goes on behind the name of the file.
+  std::string errorOf(const std::string& text, const tools::ReadingOptions& options = {}) const
+  {
+    const Contents contents = read(text, options);
+    const std::string message = !contents.fatal.empty()     ? contents.fatal
+                                : contents.badLines.empty() ? std::string()
+                                                            : contents.badLines.front();
+    const std::string file = folder.path("recording") + ":";
+    return message.compare(0, file.size(), file) == 0 ? message.substr(file.size()) : message;
+  }
+
+  TemporaryFolder folder;
+};
+
+}  // namespace support
