@@ -25,7 +25,7 @@ bool haveTimestamps(const std::vector<Frame>& frames)
                      [](const Frame& frame) { return frame.timestamp && *frame.timestamp != 0.0; });
 }
 
-// The median of the steps between frame numbers; 1 if there are none.
+// The median of the steps between frame numbers, the lower of two; 1 if there are none.
 std::int64_t usualStep(const std::vector<Frame>& frames)
 {
   std::vector<std::int64_t> steps;
@@ -34,7 +34,7 @@ std::int64_t usualStep(const std::vector<Frame>& frames)
       steps.push_back(frames[i].number - frames[i - 1].number);
   if (steps.empty())
     return 1;
-  const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
+  const auto middle = steps.begin() + static_cast<std::ptrdiff_t>((steps.size() - 1) / 2);
   std::nth_element(steps.begin(), middle, steps.end());
   return *middle;
 }
