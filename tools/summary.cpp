@@ -96,7 +96,7 @@ std::string circumstances(const ScopeVerdict& verdict, std::size_t updates)
 std::string describe(const ScopeVerdict& verdict, std::int32_t person, const Style& style)
 {
   const ScopeVerdict::OfPerson ofPerson = verdict.of(person);
-  return style.bold(coloredVerdict(padRight(ofPerson.word, 8), ofPerson.word, style)) + "  " + quoted(verdict.name) +
+  return style.bold(coloredVerdict(padRight(ofPerson.word, 8), ofPerson.word, style)) + "  " + quote(verdict.name) +
          " (" + circumstances(verdict, ofPerson.updates) + ")";
 }
 
