@@ -10,6 +10,7 @@ set(STATE_TESTS
     personstateupdate_limits_test.cpp
     personstateupdate_remembered_test.cpp
     personstateupdate_silence_test.cpp
+    personstateupdate_test.cpp
     personstateupdate_voice_test.cpp
     personstateupdate_zone_test.cpp
     sensorlimits_test.cpp
