@@ -14,4 +14,8 @@ set(STATE_TESTS
     personstateupdate_voice_test.cpp
     personstateupdate_zone_test.cpp
     sensorlimits_test.cpp
-    tunable_test.cpp)
+    tunable_test.cpp
+    person_test.cpp
+    socialgraph_test.cpp
+    emotionrecorder_test.cpp
+    verdict_test.cpp)
