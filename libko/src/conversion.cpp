@@ -24,7 +24,7 @@ public:
   Value convert(const ValueView& source, TypeInterface* type, const Place& place) const;
 
 private:
-  void _fill(const ValueView& target, ValueView source, const Place& place) const;
+  void _fill(const ValueView& target, const ValueView& source, const Place& place) const;
   void _fillBool(const ValueView& target, const ValueView& source, const Place& place) const;
   void _fillInt(const ValueView& target, const ValueView& source, const Place& place) const;
   std::optional<double> _number(const ValueView& source) const;
@@ -69,6 +69,14 @@ ValueView withoutOptional(ValueView view)
   return view;
 }
 
+/// Returns the object without what is around it that a target of this kind does not have.
+ValueView unwrappedFor(TypeKind target, const ValueView& source)
+{
+  if (target == TypeKind::Dynamic)
+    return source;
+  return target == TypeKind::Optional ? held(source) : withoutOptional(held(source));
+}
+
 /// An integer of 64 bits, signed or not.
 struct Integer
 {
@@ -111,17 +119,16 @@ Value Conversion::convert(const ValueView& source, TypeInterface* type, const Pl
 {
   if (!type)
     throw TypeError(place.path(), "the type is not registered");
-  if (source.type == type && !_rules.rebuildSameType)
-    return Value::copyOf(type, source.storage);
+  const ValueView inner = unwrappedFor(type->kind(), source);
+  if (inner.type == type && !_rules.rebuildSameType)
+    return Value::copyOf(type, inner.storage);
   Value target = Value::ofType(type);
-  _fill({type, target.storage()}, held(source), place);
+  _fill({type, target.storage()}, inner, place);
   return target;
 }
 
-void Conversion::_fill(const ValueView& target, ValueView source, const Place& place) const
+void Conversion::_fill(const ValueView& target, const ValueView& source, const Place& place) const
 {
-  if (kindOf(target) != TypeKind::Dynamic && kindOf(target) != TypeKind::Optional)
-    source = withoutOptional(source);
   switch (kindOf(target))
   {
     case TypeKind::Bool:
@@ -329,8 +336,9 @@ void Conversion::_fillStruct(const ValueView& target, const ValueView& source, c
 
 void Conversion::_fillDynamic(const ValueView& target, const ValueView& source, const Place& place) const
 {
-  if (source)
-    target.as<DynamicTypeInterface>().value(target.storage) = convert(source, source.type, place);
+  const ValueView inner = held(source);
+  if (inner)
+    target.as<DynamicTypeInterface>().value(target.storage) = convert(inner, inner.type, place);
 }
 
 }  // namespace

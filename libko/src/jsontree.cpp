@@ -40,13 +40,19 @@ std::string checkedText(const std::string& text, const Place& place)
   return text;
 }
 
+/// Returns the depth inside one more list, map or struct.
+std::size_t inside(std::size_t depth, const Place& place)
+{
+  if (depth == wirelimits::depth)
+    throw TypeError(place.path(), "nested deeper than " + std::to_string(wirelimits::depth) + " levels");
+  return depth + 1;
+}
+
 JsonTree TreeWriter::write(ValueView view, const Place& place, std::size_t depth) const
 {
   view = held(view);
   if (!view)
     return nullptr;
-  if (depth > wirelimits::depth)
-    throw TypeError(place.path(), "nested deeper than " + std::to_string(wirelimits::depth) + " levels");
   switch (kindOf(view))
   {
     case TypeKind::Bool:
@@ -61,11 +67,11 @@ JsonTree TreeWriter::write(ValueView view, const Place& place, std::size_t depth
       return _optional(view, place, depth);
     case TypeKind::List:
     case TypeKind::Tuple:
-      return _list(view, place, depth + 1);
+      return _list(view, place, inside(depth, place));
     case TypeKind::Map:
-      return hasNames(view) ? _object(view, place, depth + 1) : _map(view, place, depth + 1);
+      return hasNames(view) ? _object(view, place, inside(depth, place)) : _map(view, place, inside(depth, place));
     case TypeKind::Struct:
-      return _object(view, place, depth + 1);
+      return _object(view, place, inside(depth, place));
     case TypeKind::Dynamic:
       break;  // held() looks inside
   }
@@ -111,9 +117,10 @@ JsonTree TreeWriter::_map(const ValueView& view, const Place& place, std::size_t
   for (const auto& [key, element] : entries(view, place))
   {
     const Place pairPlace = place.element(list.size());
+    const std::size_t pairDepth = inside(depth, pairPlace);
     JsonTree pair = JsonTree::array();
-    pair.push_back(write(key, pairPlace.element(0), depth + 1));
-    pair.push_back(write(element, pairPlace.element(1), depth + 1));
+    pair.push_back(write(key, pairPlace.element(0), pairDepth));
+    pair.push_back(write(element, pairPlace.element(1), pairDepth));
     list.push_back(std::move(pair));
   }
   return list;

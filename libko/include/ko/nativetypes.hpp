@@ -157,16 +157,15 @@ public:
   std::vector<std::string> elementsName() const override { return {}; }
   std::vector<TypeInterface*> memberTypes() const override { return {typeOf<std::tuple_element_t<I, T>>()...}; }
 
-  void* get(void* storage, std::size_t index) const override
+  void* get([[maybe_unused]] void* storage, std::size_t index) const override
   {
     const std::array<void*, sizeof...(I)> members = {&std::get<I>(this->object(storage))...};
     return index < members.size() ? members[index] : nullptr;
   }
 
-  bool set(void* storage, std::size_t index, void* value) const override
+  bool set([[maybe_unused]] void* storage, std::size_t index, [[maybe_unused]] void* value) const override
   {
-    T& tuple = this->object(storage);
-    return ((I == index && assign(std::get<I>(tuple), value)) || ...);
+    return ((I == index && assign(std::get<I>(this->object(storage)), value)) || ...);
   }
 
 private:
