@@ -114,6 +114,7 @@ private:
     }
     catch (const RecordingError& error)
     {
+      Interruption::check();  // opening may fail for that reason alone
       _messages.error(error.what());
       return BadInput;
     }

@@ -2,6 +2,7 @@
 
 #include "boundary.hpp"
 #include "outputstream.hpp"
+#include "quote.hpp"
 #include "recording.hpp"
 #include "replay.hpp"
 
@@ -11,6 +12,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <functional>
 #include <iostream>
@@ -68,18 +70,51 @@ struct Arguments
   ColorChoice color = ColorChoice::Auto;
 };
 
+template <typename Number>
+Number parseNumber(const std::string& option, const std::string& text)
+{
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || rest != end)
+    throw CLI::ValidationError(option, "expected a number, found " + quote(text));
+  return number;
+}
+
 using Check = std::function<bool(double)>;
 
 /// Adds an option that takes a number which `isGood`; `wanted` says which those are.
 CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
                        const std::string& wanted, const Check& isGood, const std::function<void(double)>& set)
 {
-  const auto take = [=](const double& number) {
+  const auto take = [=](const std::string& text) {
+    const auto number = parseNumber<double>(name, text);
     if (!isGood(number))
-      throw CLI::ValidationError(name, "must be " + wanted);
+      throw CLI::ValidationError(name, "expected " + wanted + ", found " + quote(text));
     set(number);
   };
-  return command.add_option_function<double>(name, take, help)->type_name(unit);
+  return command.add_option_function<std::string>(name, take, help)->type_name(unit);
+}
+
+/// Adds an option that takes one of these words.
+template <typename Value>
+CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                       const std::vector<std::pair<std::string, Value>>& choices, Value& target)
+{
+  const auto take = [=, &target](const std::string& text) {
+    std::string words;
+    for (const auto& [word, value] : choices)
+    {
+      if (word == text)
+      {
+        target = value;
+        return;
+      }
+      words += (words.empty() ? "" : ", ") + word;
+    }
+    throw CLI::ValidationError(name, "expected one of " + words + ", found " + quote(text));
+  };
+  return command.add_option_function<std::string>(name, take, help)->type_name(type);
 }
 
 bool isPositive(double number)
@@ -97,39 +132,28 @@ bool isFinite(double number)
   return std::isfinite(number);
 }
 
-std::vector<std::string> formatNames()
-{
-  std::vector<std::string> names;
-  for (const RecordingFormat& format : recordingFormats())
-    names.push_back(format.name);
-  return names;
-}
-
 void addReadingOptions(CLI::App& command, Arguments& arguments)
 {
   const std::string group = "How the recording is read";
   ReadingOptions& reading = arguments.reading;
 
-  std::string formats = "Format of the recording, found out if not given:";
+  std::string help = "Format of the recording, found out if not given:";
+  std::vector<std::pair<std::string, std::string>> formats;
   for (const RecordingFormat& format : recordingFormats())
-    formats += "\n" + format.name + ": " + format.description;
-  command.add_option("--format", arguments.format, formats)
-      ->type_name("NAME")
-      ->check(CLI::IsMember(formatNames()))
-      ->group(group);
+  {
+    help += "\n" + format.name + ": " + format.description;
+    formats.emplace_back(format.name, format.name);
+  }
+  addChoice(command, "--format", help, "NAME", formats, arguments.format)->group(group);
   addNumber(command, "--fps", "Frames per second, instead of the time stamps of the file", "HZ", "a number above 0",
             isPositive, [&reading](double hz) { reading.framesPerSecond = hz; })
       ->group(group);
   command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
       ->group(group);
-  const std::map<std::string, bool> frames{{"line-of-sight", true}, {"camera", false}};
-  command
-      .add_option("--frame", reading.lineOfSight,
+  addChoice<bool>(command, "--frame",
                   "What angles are relative to: the line-of-sight from face to camera\n"
-                  "(default, where the file has a position), or the axis of the camera")
-      ->type_name("FRAME")
-      ->transform(CLI::Transformer(frames).description(""))
-      ->check(CLI::IsMember({"true", "false"}).description(""))
+                  "(default, where the file has a position), or the axis of the camera",
+                  "FRAME", {{"line-of-sight", true}, {"camera", false}}, reading.lineOfSight)
       ->group(group);
   addNumber(command, "--camera-height",
             "Height of the camera above the floor; without it the heights of\n"
@@ -138,7 +162,8 @@ void addReadingOptions(CLI::App& command, Arguments& arguments)
             [&reading](double metres) { reading.cameraHeight = static_cast<float>(metres); })
       ->group(group);
   addNumber(command, "--min-confidence", "Confidence below which a face counts as not seen (0.7)", "SHARE",
-            "from 0 to 1", isShare, [&reading](double share) { reading.minimalConfidence = static_cast<float>(share); })
+            "a number from 0 to 1", isShare,
+            [&reading](double share) { reading.minimalConfidence = static_cast<float>(share); })
       ->group(group);
   addNumber(command, "--au-full-scale", "Intensity of an action unit that counts as full (5)", "INTENSITY",
             "a number above 0", isPositive,
@@ -177,12 +202,9 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
         arguments.replay.step = Duration(static_cast<Duration::rep>(std::llround(seconds * 1e9)));
       })
       ->group(group);
-  const std::map<std::string, ColorChoice> choices{
-      {"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}};
-  command
-      .add_option("--color", arguments.color, "auto (default: on a terminal, unless NO_COLOR is set), always, never")
-      ->type_name("WHEN")
-      ->transform(CLI::CheckedTransformer(choices).description(""))
+  addChoice<ColorChoice>(
+      command, "--color", "auto (default: on a terminal, unless NO_COLOR is set), always, never", "WHEN",
+      {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}}, arguments.color)
       ->group(group);
   command.add_flag("-q,--quiet", arguments.replay.quiet, "Write nothing but errors")->group(group);
 }
@@ -202,10 +224,11 @@ void addBoundaryOptions(CLI::App& command)
 {
   for (const Boundary& boundary : boundaries())
   {
-    const auto set = [&boundary](const float& value) {
+    const std::string option = "--" + boundary.option;
+    const auto set = [&boundary, option](const std::string& text) {
       try
       {
-        setBoundary(boundary, value);
+        setBoundary(boundary, parseNumber<float>(option, text));
       }
       catch (const std::invalid_argument& error)
       {
@@ -215,8 +238,8 @@ void addBoundaryOptions(CLI::App& command)
     std::string now = std::to_string(boundary.get());
     now.erase(now.find_last_not_of('0') + 1);
     command
-        .add_option_function<float>("--" + boundary.option, set,
-                                    boundary.description + ",\n" + boundary.interval + " (" + now + ")")
+        .add_option_function<std::string>(option, set,
+                                          boundary.description + ",\n" + boundary.interval + " (" + now + ")")
         ->type_name("VALUE")
         ->group("Boundaries");
   }

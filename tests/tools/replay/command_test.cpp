@@ -1,0 +1,376 @@
+#include "command.hpp"
+#include "entries.hpp"
+#include "jsonlineswriter.hpp"
+#include "temporaryfolder.hpp"
+
+#include "support/tablename.hpp"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+/// \file
+/// The built command as a whole.
+
+namespace
+{
+
+using namespace replaytests;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+using Names = std::set<std::string>;
+
+std::string asJsonLines(const std::vector<tools::RecordingEntry>& entries)
+{
+  std::ostringstream file;
+  tools::JsonLinesWriter writer(file);
+  for (const tools::RecordingEntry& entry : entries)
+    writer.write(entry);
+  return file.str();
+}
+
+/// Two persons over some seconds, one of whom goes away; with an ambiance and a scope of its own.
+std::vector<tools::RecordingEntry> meeting()
+{
+  std::vector<tools::RecordingEntry> entries;
+  for (int i = 0; i < 60; ++i)
+  {
+    const double time = 0.1 * i;
+    entries.push_back(seenAt(time, 1, static_cast<float>(i) / 60.f));
+    entries.push_back(i < 30 ? seenAt(time, 2, 0.f) : notSeenAt(time, 2));
+  }
+  entries.front().scopeStarts.push_back({"greeting", -1});
+  entries[40].scopeStops.push_back("greeting");
+  entries[10].ambianceActivity = 0.01f;
+  return entries;
+}
+
+std::size_t linesOf(const std::string& text)
+{
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+class CommandTest : public ::testing::Test
+{
+protected:
+  CommandTest() : recording(folder.write("meeting.jsonl", asJsonLines(meeting()))) {}
+
+  CommandResult replay(std::vector<std::string> arguments) const
+  {
+    arguments.insert(arguments.begin(), "replay");
+    return runCommand(arguments);
+  }
+
+  TemporaryFolder folder;
+  std::string recording;
+};
+
+TEST_F(CommandTest, TellsItsVersion)
+{
+  const CommandResult result = runCommand({"--version"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("skeigiot " SKEIGIOT_VERSION "\n", result.output);
+}
+
+TEST_F(CommandTest, ListsItsCommandsInItsHelp)
+{
+  const CommandResult result = runCommand({"--help"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, HasSubstr("  replay "));
+}
+
+TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
+{
+  const CommandResult result = replay({"--help"});
+  EXPECT_EQ(0, result.status);
+  for (const char* option : {"--scope NAME=FROM..TO",
+                             "--step SECONDS",
+                             "--color WHEN",
+                             "--quiet",
+                             "--csv FILE",
+                             "--jsonl FILE",
+                             "--to-jsonl FILE",
+                             "--format NAME",
+                             "--fps HZ",
+                             "--mirrored",
+                             "--frame FRAME",
+                             "--camera-height METRES",
+                             "--min-confidence SHARE",
+                             "--au-full-scale INTENSITY",
+                             "--skip-bad",
+                             "--boundary-positive",
+                             "--boundary-negative",
+                             "--boundary-confidence",
+                             "--boundary-looking-at-robot",
+                             "--boundary-strictly-looking-at-robot",
+                             "--boundary-excited"})
+    EXPECT_THAT(result.output, HasSubstr(std::string(option) + " "));
+}
+
+TEST_F(CommandTest, ExplainsEveryFieldOfAnExport)
+{
+  const std::string help = replay({"--help"}).output;
+  std::istringstream header(replay({recording, "--csv", "-"}).output);
+  std::string line;
+  std::getline(header, line);
+  std::istringstream fields(line);
+  for (std::string field; std::getline(fields, field, ',');)
+    EXPECT_THAT(help, HasSubstr(field));
+}
+
+TEST_F(CommandTest, ShowsATimelineAndASummaryOfEachPerson)
+{
+  const CommandResult result = replay({recording});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.output, HasSubstr("\nPerson 1\n"));
+  EXPECT_THAT(result.output, HasSubstr("\nPerson 2\n"));
+  EXPECT_THAT(result.output, HasSubstr("not visible 50 %"));
+  EXPECT_THAT(result.output, HasSubstr("'greeting' (0:00.0 to 0:02.0, 21 updates)"));
+  EXPECT_THAT(result.output, HasSubstr("\nRoom\n"));
+}
+
+TEST_F(CommandTest, UsesNoColorsOnAPipe)
+{
+  EXPECT_THAT(replay({recording}).output, Not(HasSubstr("\033")));
+}
+
+TEST_F(CommandTest, UsesColorsOnAPipeIfItIsToldTo)
+{
+  EXPECT_THAT(replay({recording, "--color", "always"}).output, HasSubstr("\033[1m"));
+}
+
+TEST_F(CommandTest, SaysNothingIfItIsQuiet)
+{
+  const CommandResult result = replay({recording, "--quiet"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.output + result.errors);
+}
+
+TEST_F(CommandTest, ExportsTheSameInEveryRun)
+{
+  for (const char* run : {"1", "2"})
+    replay({recording, "-q", "--csv", folder.path(std::string(run) + ".csv"), "--jsonl",
+            folder.path(std::string(run) + ".jsonl")});
+  EXPECT_EQ(121U, linesOf(folder.read("1.csv")));
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
+  EXPECT_EQ(folder.read("1.jsonl"), folder.read("2.jsonl"));
+  EXPECT_EQ((Names{"1.csv", "2.csv", "1.jsonl", "2.jsonl", "meeting.jsonl"}), folder.names());
+}
+
+TEST_F(CommandTest, WritesTheRecordingSuchThatItsReplayIsTheSame)
+{
+  replay({recording, "-q", "--to-jsonl", folder.path("own.jsonl"), "--csv", folder.path("1.csv")});
+  replay({folder.path("own.jsonl"), "-q", "--csv", folder.path("2.csv")});
+  EXPECT_EQ(folder.read("meeting.jsonl"), folder.read("own.jsonl"));
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
+}
+
+TEST_F(CommandTest, ExportsToStandardOutputAndThenWritesNothingElseThere)
+{
+  replay({recording, "-q", "--csv", folder.path("file.csv")});
+  EXPECT_EQ(folder.read("file.csv"), replay({recording, "--csv", "-"}).output);
+}
+
+TEST_F(CommandTest, ReplaysSeveralRecordings)
+{
+  const CommandResult result = replay({recording, recording});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, StartsWith(recording + "\n"));
+  EXPECT_THAT(result.output, HasSubstr("\n\n" + recording + "\n"));
+}
+
+TEST_F(CommandTest, SetsABoundary)
+{
+  EXPECT_THAT(replay({recording, "--boundary-confidence", "0.999999"}).output, Not(HasSubstr("pleasure   positive")));
+  EXPECT_THAT(replay({recording, "--boundary-positive", "-0.9", "--boundary-negative", "-0.95"}).output,
+              HasSubstr("positive  'whole recording'"));
+}
+
+// Bad input
+
+TEST_F(CommandTest, ExportsWhatCameBeforeBadInput)
+{
+  const std::string good = asJsonLines({seenAt(0., 1), seenAt(1., 1)});
+  const std::string file = folder.write("cut.jsonl", good + "{\"time\": oops\n" + asJsonLines({seenAt(2., 1)}));
+  const CommandResult result = replay({file, "--csv", folder.path("export.csv")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ":3: "));
+  EXPECT_EQ(1U, linesOf(result.errors));
+  EXPECT_THAT(result.output, HasSubstr("2 updates"));
+  EXPECT_EQ(3U, linesOf(folder.read("export.csv")));
+}
+
+TEST_F(CommandTest, PassesOverBadLinesAndCountsThem)
+{
+  const std::string file =
+      folder.write("cut.jsonl", asJsonLines({seenAt(0., 1)}) + "oops\n" + asJsonLines({seenAt(2., 1)}));
+  const CommandResult result = replay({file, "--skip-bad"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ": skipped 1 bad line, the first: " + file + ":2: "));
+  EXPECT_THAT(result.output, HasSubstr("2 updates"));
+}
+
+TEST_F(CommandTest, NamesTheColumnOfBadInput)
+{
+  const std::string file = folder.write(
+      "face.csv", "frame,face_id,timestamp,confidence,success,AU12_r\n1,0,0,0.9,1,2\n2,0,0.03,0.9,1,abc\n");
+  const CommandResult result = replay({file});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("skeigiot: " + file + ":3: AU12_r: expected a number, found 'abc'\n", result.errors);
+}
+
+struct BadFileCase
+{
+  const char* name;
+  const char* file;
+};
+
+class BadFile : public CommandTest, public ::testing::WithParamInterface<BadFileCase>
+{};
+
+TEST_P(BadFile, IsReportedWithItsNameAndLeavesExportsAlone)
+{
+  folder.write("empty.csv", "");
+  std::filesystem::create_directory(folder.path("folder.csv"));
+  folder.write("export.csv", "old");
+  const Names before = folder.names();
+  const std::string file = folder.path(GetParam().file);
+
+  const CommandResult result = replay({file, "--csv", folder.path("export.csv")});
+
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ": "));
+  EXPECT_EQ(1U, linesOf(result.errors));
+  EXPECT_EQ("old", folder.read("export.csv"));
+  EXPECT_EQ(before, folder.names());
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, BadFile,
+                         ::testing::Values(BadFileCase{"Missing", "missing.csv"}, BadFileCase{"Empty", "empty.csv"},
+                                           BadFileCase{"AFolder", "folder.csv"}),
+                         support::RowName());
+
+struct UsageCase
+{
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* message;
+};
+
+class WrongUsage : public CommandTest, public ::testing::WithParamInterface<UsageCase>
+{};
+
+TEST_P(WrongUsage, IsRefusedWithTheReason)
+{
+  std::vector<std::string> arguments{recording};
+  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+  const CommandResult result = replay(arguments);
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("", result.output);
+  EXPECT_EQ(std::string("skeigiot: ") + GetParam().message + "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'.\n",
+            result.errors);
+  EXPECT_EQ((Names{"meeting.jsonl"}), folder.names());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Options, WrongUsage,
+    ::testing::Values(
+        UsageCase{"ABoundaryOutOfItsInterval",
+                  {"--boundary-positive", "1.5"},
+                  "--boundary-positive: 1.5 does not lie strictly between -1 and 1"},
+        UsageCase{"ABoundaryThatRoundsToItsEnd",
+                  {"--boundary-excited", "0.99999999999"},
+                  "--boundary-excited: 1 does not lie strictly between 0 and 1"},
+        UsageCase{
+            "ABoundaryInWords", {"--boundary-excited", "high"}, "--boundary-excited: expected a number, found 'high'"},
+        UsageCase{"NoFrames", {"--fps", "0"}, "--fps: expected a number above 0, found '0'"},
+        UsageCase{"AConfidenceAboveAll",
+                  {"--min-confidence", "2"},
+                  "--min-confidence: expected a number from 0 to 1, found '2'"},
+        UsageCase{"ATooShortStep", {"--step", "1e-9"}, "--step: expected a number from 0.001 on, found '1e-9'"},
+        UsageCase{
+            "AnUnknownFrame", {"--frame", "robot"}, "--frame: expected one of line-of-sight, camera, found 'robot'"},
+        UsageCase{"AnUnknownChoiceOfColor",
+                  {"--color", "blue"},
+                  "--color: expected one of auto, always, never, found 'blue'"},
+        UsageCase{
+            "AScopeWithoutTimes", {"--scope", "greeting"}, "--scope: 'greeting' is not NAME=FROM..TO: '=' is missing"},
+        UsageCase{"TwoExportsToOneFile", {"--csv", "-", "--jsonl", "-"}, "--jsonl: writes to '-', as does --csv"},
+        UsageCase{"SeveralRecordingsIntoOne",
+                  {"another.csv", "--to-jsonl", "-"},
+                  "--to-jsonl: takes one recording only: times in a recording never go backwards"},
+        UsageCase{"AnUnknownOption", {"--speed"}, "The following argument was not expected: --speed"}),
+    support::RowName());
+
+TEST_F(CommandTest, WantsACommandAndARecording)
+{
+  EXPECT_EQ(2, runCommand({}).status);
+  EXPECT_EQ(2, runCommand({"nonsense"}).status);
+  EXPECT_EQ(2, replay({}).status);
+}
+
+// Outputs that do not take what is written
+
+TEST_F(CommandTest, ReportsAnExportThatCannotBeMade)
+{
+  const std::string target = folder.path("missing/export.csv");
+  const CommandResult result = replay({recording, "--csv", target});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("skeigiot: " + target + ": No such file or directory\n", result.errors);
+}
+
+TEST_F(CommandTest, ReportsAFullDisk)
+{
+  const CommandResult ofExport = replay({recording, "--csv", "/dev/full"});
+  EXPECT_EQ(1, ofExport.status);
+  EXPECT_EQ("skeigiot: /dev/full: No space left on device\n", ofExport.errors);
+
+  const CommandResult ofOutput = runShell("$skeigiot replay \"$1\" > /dev/full", {recording});
+  EXPECT_EQ(1, ofOutput.status);
+  EXPECT_EQ("skeigiot: standard output: No space left on device\n", ofOutput.errors);
+}
+
+TEST_F(CommandTest, EndsQuietlyWhenItsReaderHasGoneAway)
+{
+  const CommandResult ofText = runCommandIntoClosedPipe({"replay", recording});
+  EXPECT_EQ(1, ofText.status);
+  EXPECT_EQ("", ofText.errors);
+
+  const CommandResult ofExport = runCommandIntoClosedPipe({"replay", recording, "--csv", "-"});
+  EXPECT_EQ(1, ofExport.status);
+  EXPECT_EQ("", ofExport.errors);
+}
+
+TEST_F(CommandTest, ExportsThoughTheReaderOfItsTextHasGoneAway)
+{
+  runCommandIntoClosedPipe({"replay", recording, "--csv", folder.path("1.csv")});
+  replay({recording, "--quiet", "--csv", folder.path("2.csv")});
+  EXPECT_FALSE(folder.read("1.csv").empty());
+  EXPECT_EQ(folder.read("2.csv"), folder.read("1.csv"));
+}
+
+TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
+{
+  // The recording is a pipe that never ends, so the command is in the middle of it when the signal comes.
+  const CommandResult result = runShell(
+      "mkfifo \"$1/pipe.jsonl\"\n"
+      "$skeigiot replay --format jsonl \"$1/pipe.jsonl\" --csv \"$1/export.csv\" &\n"
+      "command=$!\n"
+      "exec 3>\"$1/pipe.jsonl\"\n"
+      "cat \"$2\" >&3\n"
+      "while [ -z \"$(ls \"$1\" | grep export)\" ]; do :; done\n"
+      "kill -TERM $command\n"
+      "wait $command\n",
+      {folder.path(""), recording});
+  EXPECT_EQ(128 + SIGTERM, result.status);
+  EXPECT_EQ((Names{"meeting.jsonl", "pipe.jsonl"}), folder.names());
+}
+
+}  // namespace

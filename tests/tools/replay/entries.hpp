@@ -1,0 +1,66 @@
+#pragma once
+
+#include "recording.hpp"
+#include "snapshot.hpp"
+
+#include "support/clocktest.hpp"
+
+#include <cmath>
+#include <cstdint>
+
+/// \file
+/// Recordings and snapshots for tests, made by hand. All times are in seconds since the start of the recording.
+
+namespace replaytests
+{
+
+using namespace support;
+
+inline tools::Duration inNanoseconds(double sinceStart)
+{
+  return tools::Duration(std::llround(sinceStart * 1e9));
+}
+
+inline tools::RecordingEntry entryAt(double sinceStart)
+{
+  tools::RecordingEntry entry;
+  entry.time = start + inNanoseconds(sinceStart);
+  return entry;
+}
+
+/// A person who faces the robot and smiles that much; 0 is a calm face.
+inline tools::RecordingEntry seenAt(double sinceStart, std::int32_t person, float smile = 1.f)
+{
+  tools::RecordingEntry entry = entryAt(sinceStart);
+  entry.person = person;
+  KV::Expressions expressions;
+  expressions.joy = {smile, 1.f};
+  expressions.calm = {1.f - smile, 1.f};
+  entry.observation.headPosture.emplace(entry.time, KV::HeadPosture(0.f, 0.f, 0.f));
+  entry.observation.gaze.emplace(entry.time, KV::Gaze(0.f, 0.f));
+  entry.observation.smile.emplace(entry.time, KV::Smile(smile, 1.f));
+  entry.observation.expressions.emplace(entry.time, expressions);
+  return entry;
+}
+
+inline tools::RecordingEntry notSeenAt(double sinceStart, std::int32_t person)
+{
+  tools::RecordingEntry entry = entryAt(sinceStart);
+  entry.person = person;
+  entry.seen = false;
+  return entry;
+}
+
+/// A snapshot of person 0, seen, with this valence and attention, both of full confidence.
+inline tools::Snapshot snapshotAt(double sinceStart, float valence = 0.f, float attention = 0.f)
+{
+  tools::Snapshot snapshot;
+  snapshot.time = start + inNanoseconds(sinceStart);
+  snapshot.sinceStart = inNanoseconds(sinceStart);
+  snapshot.valence = {valence, 1.f};
+  snapshot.attention = {attention, 1.f};
+  snapshot.pleasure = KV::PleasureNeutral;
+  return snapshot;
+}
+
+}  // namespace replaytests

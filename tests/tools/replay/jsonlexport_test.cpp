@@ -1,0 +1,44 @@
+#include "jsonlexport.hpp"
+
+#include "entries.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <limits>
+#include <sstream>
+
+namespace
+{
+
+using namespace replaytests;
+
+TEST(JsonlExport, HasAnObjectForEachUpdate)
+{
+  std::ostringstream file;
+  tools::JsonlExport jsonl(file);
+  tools::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
+  snapshot.seen = false;
+  snapshot.zone = ko::human::AttentionState::LookingAtRobot;
+  jsonl.personUpdated(snapshot);
+  EXPECT_EQ(
+      "{\"recording\":1,\"person\":0,\"time\":1.25,\"clock\":1577836801.25,\"seen\":false,\"valence\":0.1,"
+      "\"valence_confidence\":1,\"valence_binary\":0,\"unsmoothed_valence_binary\":0,"
+      "\"unsmoothed_valence_confidence\":0,\"attention\":0.7,\"attention_confidence\":1,\"zone\":\"LookingAtRobot\","
+      "\"pleasure\":\"neutral\",\"ease\":0,\"ease_confidence\":0}\n",
+      file.str());
+}
+
+TEST(JsonlExport, IsJsonEvenForWhatIsNoNumber)
+{
+  std::ostringstream file;
+  tools::JsonlExport jsonl(file);
+  jsonl.beginRecording(3);
+  jsonl.personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN(), -std::numeric_limits<float>::infinity()));
+  const nlohmann::json object = nlohmann::json::parse(file.str());
+  EXPECT_TRUE(object.at("valence").is_null());
+  EXPECT_TRUE(object.at("attention").is_null());
+  EXPECT_EQ(3, object.at("recording"));
+}
+
+}  // namespace

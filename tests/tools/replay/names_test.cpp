@@ -1,0 +1,62 @@
+#include "names.hpp"
+
+#include "support/tablename.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+
+using ko::human::AttentionState;
+
+TEST(Names, OfAZoneIsTheNameThatTheLibraryGivesIt)
+{
+  EXPECT_EQ("LookingAtRobot", tools::zoneName(AttentionState::LookingAtRobot));
+  EXPECT_EQ("LookingDownRight", tools::zoneName(AttentionState::LookingDownRight));
+}
+
+TEST(Names, OfNoZoneIsTheSameAsForAPersonWithoutOne)
+{
+  EXPECT_EQ(KV::PersonState().personAttentionZone(), tools::zoneName(AttentionState::Unknown));
+}
+
+TEST(Names, TellTheFourPleasureStatesApart)
+{
+  EXPECT_EQ("unknown", tools::pleasureName(KV::PleasureUnknown));
+  EXPECT_EQ("negative", tools::pleasureName(KV::PleasureNegative));
+  EXPECT_EQ("neutral", tools::pleasureName(KV::PleasureNeutral));
+  EXPECT_EQ("positive", tools::pleasureName(KV::PleasurePositive));
+}
+
+struct EaseCase
+{
+  const char* name;
+  float level;
+  const char* word;
+};
+
+class EaseName : public ::testing::TestWithParam<EaseCase>
+{};
+
+TEST_P(EaseName, FollowsTheLevel)
+{
+  EXPECT_EQ(GetParam().word, tools::easeName({GetParam().level, 0.5f}));
+}
+
+INSTANTIATE_TEST_SUITE_P(AtTheLimits, EaseName,
+                         ::testing::Values(EaseCase{"AllDiscomfort", -0.5f, "uneasy"},
+                                           EaseCase{"JustBelowTheLowerLimit", std::nextafter(-0.25f, -1.f), "uneasy"},
+                                           EaseCase{"AtTheLowerLimit", -0.25f, "neutral"},
+                                           EaseCase{"JustBelowTheUpperLimit", std::nextafter(0.25f, 0.f), "neutral"},
+                                           EaseCase{"AtTheUpperLimit", 0.25f, "at ease"},
+                                           EaseCase{"AllEase", 0.5f, "at ease"}),
+                         support::RowName());
+
+TEST(EaseNames, IsADashBeforeTheFirstEstimate)
+{
+  EXPECT_EQ("-", tools::easeName(KV::BodyLanguageEase()));
+}
+
+}  // namespace

@@ -1,0 +1,255 @@
+#include "replay.hpp"
+
+#include "outputstream.hpp"
+
+#include "entries.hpp"
+#include "scriptedreader.hpp"
+#include "temporaryfolder.hpp"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace replaytests;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Step = ScriptedReader::Step;
+using Names = std::set<std::string>;
+
+/// Replays scripted recordings, named "face.csv", "second.csv" and so on; one that is not scripted is missing.
+class ReplayTest : public ::testing::Test
+{
+protected:
+  tools::ExitStatus replay()
+  {
+    tools::ReplaySurroundings surroundings{
+        [this](const std::string& path) { return open(path); }, output, 100, tools::Style(false), errors, false};
+    for (const auto& [path, steps] : scripts)
+      options.recordings.push_back(path);
+    return tools::replay(options, surroundings);
+  }
+
+  std::unique_ptr<tools::RecordingReader> open(const std::string& path)
+  {
+    const std::vector<Step>& steps = scripts.at(path);
+    if (steps.empty())
+      throw tools::RecordingError({path, 0, ""}, "cannot be opened");
+    return std::make_unique<ScriptedReader>(steps, warnings);
+  }
+
+  static Step seen(double sinceStart, std::int32_t person = 0)
+  {
+    return ScriptedReader::entry(seenAt(sinceStart, person));
+  }
+
+  static std::size_t linesOf(const std::string& text)
+  {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  }
+
+  TemporaryFolder folder;
+  tools::ReplayOptions options;
+  std::map<std::string, std::vector<Step>> scripts;
+  std::vector<std::string> warnings;
+  std::ostringstream output;
+  std::ostringstream errors;
+};
+
+TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
+{
+  scripts["face.csv"] = {seen(0., 2), seen(0.5, 7), seen(1., 2)};
+  EXPECT_EQ(tools::Success, replay());
+  const std::string text = output.str();
+  EXPECT_EQ(0U, text.find("face.csv\nsigns as scripted\nrate as scripted\n\nPerson 2\n"));
+  EXPECT_THAT(text, HasSubstr("  span       0:00.0 to 0:01.0, 2 updates"));
+  EXPECT_THAT(text, HasSubstr("\nPerson 7\n"));
+  EXPECT_THAT(text, HasSubstr("'whole recording' (0:00.0 to 0:01.0, 1 update)"));
+  EXPECT_EQ("", errors.str());
+}
+
+TEST_F(ReplayTest, SaysIfNobodyWasSeen)
+{
+  scripts["face.csv"] = {ScriptedReader::entry(notSeenAt(0., 1))};
+  EXPECT_EQ(tools::Success, replay());
+  EXPECT_THAT(output.str(), HasSubstr("Nobody was seen in this recording.\n"));
+}
+
+TEST_F(ReplayTest, ShowsWarningsOfTheReader)
+{
+  scripts["face.csv"] = {seen(0.)};
+  warnings = {"the rate is odd"};
+  replay();
+  EXPECT_THAT(output.str(), HasSubstr("\nwarning: the rate is odd\n"));
+}
+
+TEST_F(ReplayTest, CountsWarningsBeyondTheFirstTen)
+{
+  scripts["face.csv"] = {seen(0.)};
+  warnings.assign(25, "the rate is odd");
+  replay();
+  EXPECT_THAT(output.str(), HasSubstr("\nwarning: 15 more warnings\n"));
+}
+
+TEST_F(ReplayTest, ShowsTheAmbianceIfItWasRecorded)
+{
+  tools::RecordingEntry entry = seenAt(0., 1);
+  entry.ambianceActivity = 0.05f;
+  scripts["face.csv"] = {ScriptedReader::entry(entry)};
+  replay();
+  EXPECT_THAT(output.str(), HasSubstr("\nRoom\n  ambiance   agitation 0.10"));
+}
+
+TEST_F(ReplayTest, JudgesTheScopesGivenAndTheWholeRecording)
+{
+  scripts["face.csv"] = {seen(0.), seen(1.), seen(2.)};
+  options.scopes.push_back({"middle", inNanoseconds(1.), inNanoseconds(1.)});
+  replay();
+  EXPECT_THAT(output.str(), HasSubstr("'whole recording' (0:00.0 to 0:02.0, 3 updates)"));
+  EXPECT_THAT(output.str(), HasSubstr("'middle' (0:01.0 to 0:01.0, 1 update)"));
+}
+
+TEST_F(ReplayTest, StartsAFreshSessionForEachRecording)
+{
+  scripts["face.csv"] = {seen(100.), seen(101.)};
+  scripts["second.csv"] = {seen(0.)};
+  EXPECT_EQ(tools::Success, replay());
+  EXPECT_THAT(output.str(), HasSubstr("\n\nsecond.csv\n"));
+  EXPECT_THAT(output.str(), HasSubstr("  span       0:00.0 to 0:00.0, 1 update,"));
+}
+
+TEST_F(ReplayTest, NumbersTheRecordingsInAnExport)
+{
+  scripts["face.csv"] = {seen(0.)};
+  scripts["second.csv"] = {seen(0.)};
+  options.csv = folder.path("export.csv");
+  replay();
+  const std::string csv = folder.read("export.csv");
+  EXPECT_EQ(3U, linesOf(csv));
+  EXPECT_THAT(csv, HasSubstr("\n1,0,0,"));
+  EXPECT_THAT(csv, HasSubstr("\n2,0,0,"));
+}
+
+TEST_F(ReplayTest, ShowsAndExportsWhatCameBeforeABadLine)
+{
+  scripts["face.csv"] = {seen(0.), seen(1.), ScriptedReader::badLine(4), seen(2.)};
+  options.csv = folder.path("export.csv");
+  options.jsonl = folder.path("export.jsonl");
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("skeigiot: face.csv:4: pose_Rx: expected a number, found 'abc'\n", errors.str());
+  EXPECT_THAT(output.str(), HasSubstr("0:00.0 to 0:01.0, 2 updates"));
+  EXPECT_EQ(3U, linesOf(folder.read("export.csv")));
+  EXPECT_EQ(2U, linesOf(folder.read("export.jsonl")));
+  EXPECT_EQ((Names{"export.csv", "export.jsonl"}), folder.names());
+}
+
+TEST_F(ReplayTest, GoesOnWithTheNextRecordingAfterABadOne)
+{
+  scripts["face.csv"] = {};
+  scripts["second.csv"] = {seen(0.)};
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("skeigiot: face.csv: cannot be opened\n", errors.str());
+  EXPECT_THAT(output.str(), HasSubstr("Person 0"));
+}
+
+TEST_F(ReplayTest, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
+{
+  folder.write("export.csv", "old");
+  scripts["face.csv"] = {};
+  options.csv = folder.path("export.csv");
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("old", folder.read("export.csv"));
+  EXPECT_EQ((Names{"export.csv"}), folder.names());
+}
+
+TEST_F(ReplayTest, PassesOverBadLinesIfItMayAndCountsThem)
+{
+  scripts["face.csv"] = {ScriptedReader::badLine(2), seen(0.), ScriptedReader::badLine(4), seen(1.)};
+  options.skipBad = true;
+  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(
+      "skeigiot: face.csv: skipped 2 bad lines, the first: "
+      "face.csv:2: pose_Rx: expected a number, found 'abc'\n",
+      errors.str());
+  EXPECT_THAT(output.str(), HasSubstr("2 updates"));
+}
+
+TEST_F(ReplayTest, DoesNotPassOverDamage)
+{
+  scripts["face.csv"] = {seen(0.), ScriptedReader::damage(3), seen(1.)};
+  options.skipBad = true;
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("skeigiot: face.csv:3: damaged\n", errors.str());
+  EXPECT_THAT(output.str(), HasSubstr("1 update,"));
+}
+
+TEST_F(ReplayTest, TellsWarningsOfTheLibraryOnce)
+{
+  const auto withOldVoice = [](double sinceStart) {
+    tools::RecordingEntry entry = seenAt(sinceStart, 0);
+    entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
+    return ScriptedReader::entry(entry);
+  };
+  scripts["face.csv"] = {withOldVoice(0.), withOldVoice(1.), withOldVoice(2.)};
+  EXPECT_EQ(tools::Success, replay());
+  EXPECT_THAT(errors.str(), HasSubstr("skeigiot: face.csv: kvmood.emotionalstate: "));
+  EXPECT_THAT(errors.str(), HasSubstr(" (and 2 more times)\n"));
+  EXPECT_EQ(1U, linesOf(errors.str()));
+}
+
+TEST_F(ReplayTest, WritesNothingButErrorsIfItIsQuiet)
+{
+  scripts["face.csv"] = {ScriptedReader::badLine(2), seen(0.), ScriptedReader::damage(4)};
+  warnings = {"the rate is odd"};
+  options.skipBad = true;
+  options.quiet = true;
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("", output.str());
+  EXPECT_EQ("skeigiot: face.csv:4: damaged\n", errors.str());
+}
+
+TEST_F(ReplayTest, WritesTheRecordingItself)
+{
+  scripts["face.csv"] = {seen(0.), seen(1.)};
+  options.toJsonl = folder.path("own.jsonl");
+  replay();
+  const auto reader = tools::openRecording(folder.path("own.jsonl"), "jsonl", {});
+  EXPECT_EQ(start, reader->next().value().time);
+  EXPECT_EQ(start + seconds(1), reader->next().value().time);
+  EXPECT_FALSE(reader->next());
+}
+
+/// An output whose reader has gone away.
+class ClosedPipe : public std::streambuf
+{
+  int_type overflow(int_type) override { throw tools::WriteError("standard output", EPIPE); }
+};
+
+TEST_F(ReplayTest, ExportsToTheEndThoughNobodyReadsItsOutput)
+{
+  scripts["face.csv"] = {seen(0.), seen(1.)};
+  scripts["second.csv"] = {seen(0.)};
+  options.csv = folder.path("export.csv");
+  options.recordings = {"face.csv", "second.csv"};
+  ClosedPipe pipe;
+  std::ostream closed(&pipe);
+  closed.exceptions(std::ios::badbit);
+  tools::ReplaySurroundings surroundings{
+      [this](const std::string& path) { return open(path); }, closed, 100, tools::Style(false), errors, false};
+
+  EXPECT_EQ(tools::Failure, tools::replay(options, surroundings));
+
+  EXPECT_EQ("", errors.str());
+  EXPECT_EQ(4U, linesOf(folder.read("export.csv")));
+}
+
+}  // namespace

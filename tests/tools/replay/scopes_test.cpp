@@ -1,0 +1,229 @@
+#include "scopes.hpp"
+
+#include "entries.hpp"
+
+#include <skeigiot/emotionrecorder.hpp>
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using replaytests::inNanoseconds;
+using tools::ScopeEnd;
+using tools::Scopes;
+using tools::ScopeSpan;
+using tools::ScopeVerdict;
+
+const KV::PersonState positive(1.f, 1.f, 0.f, 0.f);
+const KV::PersonState negative(-1.f, 1.f, 0.f, 0.f);
+
+TEST(Scopes, JudgeEachPersonByTheirOwnStates)
+{
+  Scopes scopes({});
+  scopes.start("a", -1, inNanoseconds(0.));
+  scopes.update(1, positive);
+  scopes.update(2, negative);
+  scopes.update(2, negative);
+
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
+
+  EXPECT_EQ("positive", verdict.of(1).word);
+  EXPECT_EQ(1U, verdict.of(1).updates);
+  EXPECT_EQ("negative", verdict.of(2).word);
+  EXPECT_EQ(2U, verdict.of(2).updates);
+  EXPECT_EQ(ScopeEnd::Complete, verdict.end);
+}
+
+TEST(Scopes, SayWhenTheyBeganAndEnded)
+{
+  Scopes scopes({});
+  scopes.start("a", -1, inNanoseconds(2.));
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(5.));
+  EXPECT_EQ(inNanoseconds(2.), verdict.from);
+  EXPECT_EQ(inNanoseconds(5.), verdict.to);
+}
+
+TEST(Scopes, TakeAsManyUpdatesOfEachPersonAsTheyWereStartedFor)
+{
+  Scopes scopes({});
+  scopes.start("a", 2, inNanoseconds(0.));
+  for (int i = 0; i < 3; ++i)
+    scopes.update(1, negative);
+  scopes.update(2, positive);
+
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
+
+  EXPECT_EQ(2U, verdict.of(1).updates);
+  EXPECT_EQ(1U, verdict.of(2).updates);
+}
+
+TEST(Scopes, StartedForNoUpdateTakeNone)
+{
+  Scopes scopes({});
+  scopes.start("a", 0, inNanoseconds(0.));
+  scopes.update(1, negative);
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
+  EXPECT_EQ(0U, verdict.of(1).updates);
+  EXPECT_EQ("neutral", verdict.of(1).word);
+}
+
+TEST(Scopes, StartedAgainForgetWhatTheyTookBefore)
+{
+  Scopes scopes({});
+  scopes.start("a", -1, inNanoseconds(0.));
+  scopes.update(1, negative);
+  scopes.start("a", -1, inNanoseconds(1.));
+  scopes.update(1, positive);
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(2.));
+  EXPECT_EQ("positive", verdict.of(1).word);
+  EXPECT_EQ(inNanoseconds(1.), verdict.from);
+}
+
+TEST(Scopes, StoppedWithoutHavingBeenStartedAreAnError)
+{
+  Scopes scopes({});
+  const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(3.));
+  EXPECT_EQ(ScopeEnd::NotOpen, verdict.end);
+  EXPECT_EQ("error", verdict.of(1).word);
+}
+
+TEST(Scopes, StoppedTwiceAreAnErrorTheSecondTime)
+{
+  Scopes scopes({});
+  scopes.start("a", -1, inNanoseconds(0.));
+  scopes.stop("a", inNanoseconds(1.));
+  EXPECT_EQ(ScopeEnd::NotOpen, scopes.stop("a", inNanoseconds(1.)).end);
+}
+
+TEST(Scopes, NeverStoppedAreJudgedAtTheEnd)
+{
+  Scopes scopes({});
+  scopes.start("a", -1, inNanoseconds(0.));
+  scopes.update(1, positive);
+  const std::vector<ScopeVerdict> verdicts = scopes.finish(inNanoseconds(9.));
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::NotStopped, verdicts[0].end);
+  EXPECT_EQ("positive", verdicts[0].of(1).word);
+  EXPECT_EQ(inNanoseconds(9.), verdicts[0].to);
+}
+
+/// Updates a person once a second, from second 0 to `last`, and returns all verdicts on the span.
+std::vector<ScopeVerdict> judged(const ScopeSpan& span, int last)
+{
+  Scopes scopes({span});
+  std::vector<ScopeVerdict> verdicts;
+  for (int second = 0; second <= last; ++second)
+  {
+    for (const ScopeVerdict& verdict : scopes.advance(inNanoseconds(second)))
+      verdicts.push_back(verdict);
+    scopes.update(1, positive);
+  }
+  for (const ScopeVerdict& verdict : scopes.finish(inNanoseconds(last)))
+    verdicts.push_back(verdict);
+  return verdicts;
+}
+
+TEST(ScopesOfASpan, TakeTheUpdatesAtBothOfItsEnds)
+{
+  const auto verdicts = judged({"a", inNanoseconds(2.), inNanoseconds(4.)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(3U, verdicts[0].of(1).updates);
+  EXPECT_EQ(ScopeEnd::Complete, verdicts[0].end);
+}
+
+TEST(ScopesOfASpan, LeaveOutUpdatesJustOutside)
+{
+  const auto verdicts = judged({"a", inNanoseconds(2.000000001), inNanoseconds(3.999999999)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(1U, verdicts[0].of(1).updates);
+}
+
+TEST(ScopesOfASpan, AreCompleteIfTheRecordingEndsExactlyWithThem)
+{
+  const auto verdicts = judged({"a", inNanoseconds(2.), inNanoseconds(9.)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::Complete, verdicts[0].end);
+}
+
+TEST(ScopesOfASpan, AreCutShortByTheEndOfTheRecording)
+{
+  const auto verdicts = judged({"a", inNanoseconds(8.), inNanoseconds(10.)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::CutShort, verdicts[0].end);
+  EXPECT_EQ(2U, verdicts[0].of(1).updates);
+  EXPECT_EQ(inNanoseconds(9.), verdicts[0].to);
+}
+
+TEST(ScopesOfASpan, ReachToTheEndOfTheRecordingIfTheyHaveNoEnd)
+{
+  const auto verdicts = judged({"a", inNanoseconds(8.), boost::none}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::Complete, verdicts[0].end);
+  EXPECT_EQ(inNanoseconds(9.), verdicts[0].to);
+}
+
+TEST(ScopesOfASpan, AreToldIfTheyAreNeverReached)
+{
+  const auto verdicts = judged({"a", inNanoseconds(20.), inNanoseconds(30.)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::NotReached, verdicts[0].end);
+  EXPECT_EQ("-", verdicts[0].of(1).word);
+}
+
+TEST(ScopesOfASpan, BetweenTwoUpdatesAreEmptyAndNeutral)
+{
+  const auto verdicts = judged({"a", inNanoseconds(2.1), inNanoseconds(2.9)}, 9);
+  ASSERT_EQ(1U, verdicts.size());
+  EXPECT_EQ(ScopeEnd::Complete, verdicts[0].end);
+  EXPECT_EQ(0U, verdicts[0].of(1).updates);
+  EXPECT_EQ("neutral", verdicts[0].of(1).word);
+}
+
+TEST(ScopesOfASpan, DoNotMixWithOnesOfTheSameNameThatTheRecordingStarts)
+{
+  Scopes scopes({{"a", inNanoseconds(0.), boost::none}});
+  scopes.advance(inNanoseconds(0.));
+  EXPECT_EQ(ScopeEnd::NotOpen, scopes.stop("a", inNanoseconds(0.)).end);
+}
+
+TEST(Scopes, JudgeAsTheRecorderDoes)
+{
+  constexpr std::mt19937::result_type seed = 5;
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<float> valence(-0.6f, 0.6f);
+  std::uniform_real_distribution<float> confidence(0.2f, 0.7f);
+  std::uniform_int_distribution<int> limit(-1, 8);
+  std::uniform_int_distribution<int> length(0, 12);
+  std::set<std::string> words;
+
+  for (int round = 0; round < 500; ++round)
+  {
+    KV::KVEmotionRecorder recorder;
+    Scopes scopes({});
+    const int samples = limit(random);
+    recorder.startRecording("a", samples);
+    scopes.start("a", samples, inNanoseconds(0.));
+    for (int i = length(random); i > 0; --i)
+    {
+      const KV::PersonState state(valence(random), confidence(random), 0.f, 0.f);
+      recorder.update_notMutexed(state);
+      scopes.update(7, state);
+    }
+
+    const auto recorded = recorder.stopRecording("a");
+    const ScopeVerdict::OfPerson judgement = scopes.stop("a", inNanoseconds(1.)).of(7);
+    ASSERT_EQ(recorded.first, judgement.word) << "round " << round;
+    ASSERT_EQ(recorded.second.size(), judgement.updates) << "round " << round;
+    words.insert(judgement.word);
+  }
+  EXPECT_EQ((std::set<std::string>{"negative", "neutral", "positive", "unknown"}), words);
+}
+
+}  // namespace

@@ -1,0 +1,194 @@
+#include "session.hpp"
+
+#include "entries.hpp"
+
+#include <skeigiot/person.hpp>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::Session;
+using tools::Snapshot;
+
+/// Keeps all that a session reports.
+struct Log : tools::SessionObserver
+{
+  void personUpdated(const Snapshot& snapshot) override { snapshots.push_back(snapshot); }
+  void ambianceUpdated(float agitation, KV::ExcitationState) override { agitations.push_back(agitation); }
+  void scopeJudged(const tools::ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
+
+  std::vector<Snapshot> snapshots;
+  std::vector<float> agitations;
+  std::vector<tools::ScopeVerdict> verdicts;
+};
+
+class SessionTest : public ::testing::Test
+{
+protected:
+  Log log;
+};
+
+TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
+{
+  Session session({}, {&log});
+  KV::Person person(4);
+  for (int i = 0; i < 20; ++i)
+  {
+    const tools::RecordingEntry entry = seenAt(0.1 * i, 4, 0.05f * static_cast<float>(i));
+    session.play(entry);
+    person.update(entry.observation);  // the session's clock is that of the thread
+
+    const Snapshot& snapshot = log.snapshots.back();
+    const KV::PersonState& state = person.personState;
+    EXPECT_EQ(entry.time, snapshot.time);
+    EXPECT_EQ(inNanoseconds(0.1 * i), snapshot.sinceStart);
+    EXPECT_EQ(4, snapshot.person);
+    EXPECT_TRUE(snapshot.seen);
+    EXPECT_EQ(state.personValence().value, snapshot.valence.value);
+    EXPECT_EQ(state.personValence().confidence, snapshot.valence.confidence);
+    EXPECT_EQ(state.personAttention().value, snapshot.attention.value);
+    EXPECT_EQ(state.personAttention().confidence, snapshot.attention.confidence);
+    EXPECT_EQ(state.personAttentionState(), snapshot.zone);
+    EXPECT_EQ(state.personPleasureState(), snapshot.pleasure);
+    EXPECT_EQ(state.personValenceBinary().value, snapshot.valenceBinary.value);
+    EXPECT_EQ(state.personUnsmoothedValenceBinary().confidence, snapshot.unsmoothedValenceBinary.confidence);
+    EXPECT_EQ(state.bodyLanguageState().bodyLanguageState(KV::BodyLanguageEaseDescription).confidence,
+              snapshot.ease.confidence);
+  }
+  EXPECT_GT(log.snapshots.back().valence.value, 0.2f) << "the smile had no effect: the comparison shows nothing";
+}
+
+TEST_F(SessionTest, SetsTheClockToTheTimeOfTheEntry)
+{
+  Session session({}, {&log});
+  session.play(entryAt(3.));
+  EXPECT_EQ(start + seconds(3), ko::SystemClock::now());
+}
+
+TEST_F(SessionTest, GivesTheClockBackWhenItIsOver)
+{
+  ko::ManualClock clock(start - seconds(77));
+  const ko::ScopedClockSource scope(clock);
+  {
+    Session session({}, {&log});
+    session.play(entryAt(3.));
+  }
+  EXPECT_EQ(start - seconds(77), ko::SystemClock::now());
+}
+
+TEST_F(SessionTest, CountsTimeFromItsFirstEntry)
+{
+  Session session({}, {&log});
+  session.play(seenAt(5., 1));
+  session.play(seenAt(7.5, 1));
+  EXPECT_EQ(inNanoseconds(0.), log.snapshots[0].sinceStart);
+  EXPECT_EQ(inNanoseconds(2.5), log.snapshots[1].sinceStart);
+  EXPECT_EQ(inNanoseconds(2.5), session.length());
+}
+
+TEST_F(SessionTest, AgesAPersonWhoWasNotSeen)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 1));
+  session.play(notSeenAt(0.1, 1));
+  ASSERT_EQ(2U, log.snapshots.size());
+  EXPECT_FALSE(log.snapshots[1].seen);
+  const float confidence = log.snapshots[0].valence.confidence;
+  EXPECT_FLOAT_EQ(confidence * 0.3f, log.snapshots[1].valence.confidence);
+}
+
+TEST_F(SessionTest, DoesNotKnowAPersonWhoWasNeverSeen)
+{
+  Session session({}, {&log});
+  session.play(notSeenAt(0., 1));
+  EXPECT_TRUE(log.snapshots.empty());
+}
+
+TEST_F(SessionTest, KeepsPersonsApart)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 1, 1.f));
+  session.play(seenAt(0., 2, 0.f));
+  EXPECT_NE(log.snapshots[0].valence.value, log.snapshots[1].valence.value);
+}
+
+TEST_F(SessionTest, CountsMovementsBeforeItUpdatesTheAmbiance)
+{
+  Session session({}, {&log});
+  tools::RecordingEntry entry = entryAt(0.);
+  entry.movements = 3;
+  entry.ambianceActivity = 0.f;
+  session.play(entry);
+  ASSERT_EQ(1U, log.agitations.size());
+  EXPECT_FLOAT_EQ(0.12f, log.agitations[0]);  // 3 / 5 * 0.2
+}
+
+TEST_F(SessionTest, KeepsMovementsForTheNextUpdateOfTheAmbiance)
+{
+  Session session({}, {&log});
+  tools::RecordingEntry movements = entryAt(0.);
+  movements.movements = 2;
+  session.play(movements);
+  EXPECT_TRUE(log.agitations.empty());
+
+  tools::RecordingEntry activity = entryAt(1.);
+  activity.ambianceActivity = 0.05f;
+  session.play(activity);
+  ASSERT_EQ(1U, log.agitations.size());
+  EXPECT_FLOAT_EQ(0.18f, log.agitations[0]);  // 10 * 0.05 * 0.2 + 2 / 5 * 0.2
+}
+
+TEST_F(SessionTest, TakesAnAbsurdCountOfMovementsWithoutWaitingForIt)
+{
+  Session session({}, {&log});
+  tools::RecordingEntry entry = entryAt(0.);
+  entry.movements = std::numeric_limits<int>::max();
+  entry.ambianceActivity = 0.f;
+  session.play(entry);
+  EXPECT_EQ(1.f, log.agitations.at(0));
+}
+
+TEST_F(SessionTest, StartsScopesBeforeTheUpdateAndStopsThemAfterIt)
+{
+  Session session({}, {&log});
+  tools::RecordingEntry entry = seenAt(0., 1);
+  entry.scopeStarts.push_back({"a", -1});
+  entry.scopeStops.push_back("a");
+  session.play(entry);
+  ASSERT_EQ(1U, log.verdicts.size());
+  EXPECT_EQ("a", log.verdicts[0].name);
+  EXPECT_EQ(1U, log.verdicts[0].of(1).updates);
+}
+
+TEST_F(SessionTest, JudgesEachScopeOnce)
+{
+  Session session({{"all", inNanoseconds(0.), boost::none}, {"early", inNanoseconds(0.), inNanoseconds(1.)}}, {&log});
+  tools::RecordingEntry first = seenAt(0., 1);
+  first.scopeStarts.push_back({"open", -1});
+  session.play(first);
+  session.play(seenAt(2., 1));
+  session.finish();
+
+  ASSERT_EQ(3U, log.verdicts.size());
+  EXPECT_EQ("early", log.verdicts[0].name);
+  EXPECT_EQ(1U, log.verdicts[0].of(1).updates);
+  EXPECT_EQ("all", log.verdicts[1].name);
+  EXPECT_EQ(2U, log.verdicts[1].of(1).updates);
+  EXPECT_EQ("open", log.verdicts[2].name);
+  EXPECT_EQ(tools::ScopeEnd::NotStopped, log.verdicts[2].end);
+}
+
+TEST_F(SessionTest, WithoutAnEntryHasNoLength)
+{
+  Session session({{"all", inNanoseconds(0.), boost::none}}, {&log});
+  session.finish();
+  EXPECT_EQ(inNanoseconds(0.), session.length());
+  EXPECT_TRUE(log.snapshots.empty());
+}
+
+}  // namespace

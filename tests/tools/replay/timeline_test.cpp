@@ -1,0 +1,163 @@
+#include "timeline.hpp"
+
+#include "entries.hpp"
+
+#include "support/tablename.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::Duration;
+using tools::Timeline;
+using tools::TimelineRow;
+
+struct StepCase
+{
+  const char* name;
+  double length;
+  double step;
+};
+
+class TimelineStep : public ::testing::TestWithParam<StepCase>
+{};
+
+TEST_P(TimelineStep, FitsTheLengthOfTheRecording)
+{
+  Timeline timeline(boost::none);
+  timeline.personUpdated(snapshotAt(0.));
+  timeline.personUpdated(snapshotAt(GetParam().length));
+  EXPECT_EQ(inNanoseconds(GetParam().step), timeline.step());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, TimelineStep,
+                         ::testing::Values(StepCase{"OneMoment", 0., 1.},
+                                           StepCase{"LastMomentOfFortyRows", 39.999999999, 1.},
+                                           StepCase{"FirstMomentOfAFortyFirst", 40., 2.}, StepCase{"AMinute", 60., 2.},
+                                           StepCase{"FiveMinutes", 300., 10.}, StepCase{"AQuarterOfAnHour", 900., 30.},
+                                           StepCase{"AnHour", 3600., 120.}, StepCase{"ADay", 86400., 3600.},
+                                           StepCase{"AMonth", 30. * 86400., 32. * 3600.}),
+                         support::RowName());
+
+TEST(Timeline, MergesRowsIntoTheSameAsIfItHadKnownTheLengthBefore)
+{
+  constexpr std::mt19937::result_type seed = 3;
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> lengthExponent(0., 6.);
+  std::uniform_real_distribution<double> share(0., 1.);
+
+  for (int round = 0; round < 200; ++round)
+  {
+    const double length = std::pow(10., lengthExponent(random));
+    std::vector<double> times{0., length};
+    for (int i = 0; i < 300; ++i)
+      times.push_back(length * share(random));
+    std::sort(times.begin(), times.end());
+
+    Timeline learning(boost::none);
+    for (const double time : times)
+      learning.personUpdated(snapshotAt(time, static_cast<float>(time / length)));
+    Timeline knowing(learning.step());
+    for (const double time : times)
+      knowing.personUpdated(snapshotAt(time, static_cast<float>(time / length)));
+
+    const std::vector<TimelineRow> learned = learning.rows().at(0);
+    const std::vector<TimelineRow> known = knowing.rows().at(0);
+    ASSERT_EQ(known.size(), learned.size()) << "length " << length;
+    ASSERT_LE(learned.size(), 40U) << "length " << length;
+    for (std::size_t i = 0; i < known.size(); ++i)
+    {
+      ASSERT_EQ(known[i].from(), learned[i].from()) << "length " << length;
+      ASSERT_NEAR(known[i].valence(), learned[i].valence(), 1e-12) << "sums in another order, double precision";
+    }
+  }
+}
+
+TEST(Timeline, TakesTheLongestTimesThatAClockCanTell)
+{
+  Timeline timeline(boost::none);
+  timeline.personUpdated(snapshotAt(0.));
+  tools::Snapshot last = snapshotAt(0.);
+  last.sinceStart = Duration(std::numeric_limits<Duration::rep>::max());
+  timeline.personUpdated(last);
+  EXPECT_LE(timeline.rows().at(0).size(), 40U);
+  EXPECT_LT(last.sinceStart / timeline.step(), 40);
+}
+
+TEST(Timeline, KeepsAStepThatWasGiven)
+{
+  Timeline timeline(inNanoseconds(0.5));
+  for (int i = 0; i < 100; ++i)
+    timeline.personUpdated(snapshotAt(0.5 * i));
+  EXPECT_EQ(inNanoseconds(0.5), timeline.step());
+  EXPECT_EQ(100U, timeline.rows().at(0).size());
+}
+
+TEST(Timeline, HasNoRowsWherePersonsWereNotUpdated)
+{
+  Timeline timeline(boost::none);
+  timeline.personUpdated(snapshotAt(0.));
+  timeline.personUpdated(snapshotAt(5.));
+  const std::vector<TimelineRow> rows = timeline.rows().at(0);
+  ASSERT_EQ(2U, rows.size());
+  EXPECT_EQ(inNanoseconds(5.), rows[1].from());
+}
+
+TEST(Timeline, HasRowsOfTheSameLengthForAllPersons)
+{
+  Timeline timeline(boost::none);
+  timeline.personUpdated(snapshotAt(0.));
+  tools::Snapshot other = snapshotAt(1.5);
+  other.person = 8;
+  timeline.personUpdated(other);
+  timeline.personUpdated(snapshotAt(300.));
+  EXPECT_EQ(inNanoseconds(0.), timeline.rows().at(8).at(0).from());
+  EXPECT_EQ(inNanoseconds(300.), timeline.rows().at(0).at(1).from());
+}
+
+TEST(TimelineRow, HasTheMeansOfItsUpdates)
+{
+  TimelineRow row(Duration(0));
+  row.add(snapshotAt(0., 1.f, 0.5f));
+  row.add(snapshotAt(0., 0.f, 1.f));
+  EXPECT_DOUBLE_EQ(0.5, row.valence());
+  EXPECT_DOUBLE_EQ(0.75, row.attention());
+  EXPECT_DOUBLE_EQ(1., row.valenceConfidence());
+}
+
+TEST(TimelineRow, HasTheZoneAndTheStateOfPleasureOfMostUpdates)
+{
+  TimelineRow row(Duration(0));
+  tools::Snapshot snapshot = snapshotAt(0.);
+  snapshot.zone = ko::human::AttentionState::LookingDown;
+  snapshot.pleasure = KV::PleasurePositive;
+  row.add(snapshot);
+  row.add(snapshot);
+  row.add(snapshotAt(0.));
+  EXPECT_EQ(ko::human::AttentionState::LookingDown, row.zone());
+  EXPECT_EQ(KV::PleasurePositive, row.pleasure());
+}
+
+TEST(TimelineRow, IsSeenIfThePersonWasInHalfOfItsUpdates)
+{
+  tools::Snapshot unseen = snapshotAt(0.);
+  unseen.seen = false;
+  TimelineRow row(Duration(0));
+  row.add(unseen);
+  EXPECT_FALSE(row.seen());
+  row.add(snapshotAt(0.));
+  EXPECT_TRUE(row.seen());
+  row.add(unseen);
+  EXPECT_FALSE(row.seen());
+}
+
+}  // namespace

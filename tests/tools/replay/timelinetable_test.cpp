@@ -1,0 +1,134 @@
+#include "timelinetable.hpp"
+
+#include "entries.hpp"
+#include "text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::Style;
+using tools::TimelineRow;
+using tools::timelineTable;
+
+TimelineRow rowOf(const tools::Snapshot& snapshot)
+{
+  TimelineRow row(snapshot.sinceStart);
+  row.add(snapshot);
+  return row;
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);)
+    lines.push_back(line);
+  return lines;
+}
+
+tools::Snapshot longestWords(double sinceStart)
+{
+  tools::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 1.f);
+  snapshot.zone = ko::human::AttentionState::LookingDownRight;
+  snapshot.pleasure = KV::PleasurePositive;
+  snapshot.ease = {0.5f, 0.5f};
+  return snapshot;
+}
+
+TEST(TimelineTable, ShowsARowForPeopleToRead)
+{
+  tools::Snapshot snapshot = snapshotAt(62., 0.5f, 0.25f);
+  snapshot.zone = ko::human::AttentionState::LookingAtRobot;
+  snapshot.pleasure = KV::PleasurePositive;
+  const auto lines = linesOf(timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false)));
+  ASSERT_EQ(2U, lines.size());
+  EXPECT_EQ("  time  valence   0  +1  conf  attention 1  zone              pleasure  ease", lines[0]);
+  EXPECT_EQ("1:02.0  +0.50 ····│██··  ████  0.25 █▌····  LookingAtRobot    positive  -", lines[1]);
+}
+
+TEST(TimelineTable, NeverGetsWiderThanItMay)
+{
+  for (const double sinceStart : {0., 3600., 360000.})
+  {
+    for (const int width : {80, 90, 100})
+    {
+      const auto lines =
+          linesOf(timelineTable({rowOf(longestWords(sinceStart))}, inNanoseconds(0.001), width, Style(false)));
+      for (const std::string& line : lines)
+        EXPECT_LE(tools::displayWidth(line), static_cast<std::size_t>(width)) << line;
+    }
+  }
+}
+
+TEST(TimelineTable, UsesTheWidthThatItMay)
+{
+  const auto lines = linesOf(timelineTable({rowOf(longestWords(0.))}, inNanoseconds(1.), 100, Style(false)));
+  EXPECT_GE(tools::displayWidth(lines.at(1)), 98U);
+}
+
+TEST(TimelineTable, AlignsTheColumnsOfAllRows)
+{
+  const auto lines = linesOf(
+      timelineTable({rowOf(snapshotAt(0., 0.f, 0.f)), rowOf(longestWords(1.))}, inNanoseconds(1.), 100, Style(false)));
+  const auto columnOf = [&lines](std::size_t line, const std::string& text) {
+    return tools::displayWidth(lines.at(line).substr(0, lines.at(line).find(text)));
+  };
+  EXPECT_EQ(columnOf(0, "zone"), columnOf(1, "Unknown"));
+  EXPECT_EQ(columnOf(0, "zone"), columnOf(2, "LookingDownRight"));
+  EXPECT_EQ(columnOf(0, "pleasure"), columnOf(1, "neutral"));
+  EXPECT_EQ(columnOf(0, "pleasure"), columnOf(2, "positive"));
+  EXPECT_EQ(columnOf(0, "0"), columnOf(1, "│"));
+}
+
+TEST(TimelineTable, SaysThatAPersonWasNotVisible)
+{
+  tools::Snapshot snapshot = longestWords(0.);
+  snapshot.seen = false;
+  const std::string table = timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false));
+  EXPECT_NE(std::string::npos, table.find("not visible"));
+  EXPECT_EQ(std::string::npos, table.find("LookingDownRight"));
+}
+
+TEST(TimelineTable, ShowsADashWhereThereIsNoEstimate)
+{
+  tools::Snapshot snapshot = snapshotAt(0.);
+  snapshot.valence.confidence = 0.f;
+  snapshot.attention.confidence = 0.f;
+  const auto lines = linesOf(timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false)));
+  EXPECT_EQ("0:00.0      - ····│····  ····     - ······  Unknown           neutral   -", lines.at(1));
+}
+
+TEST(TimelineTable, SaysWhereThereAreNoUpdates)
+{
+  const auto lines =
+      linesOf(timelineTable({rowOf(snapshotAt(0.)), rowOf(snapshotAt(5.))}, inNanoseconds(1.), 80, Style(false)));
+  ASSERT_EQ(4U, lines.size());
+  EXPECT_EQ("0:01.0  no updates until 0:05.0", lines[2]);
+}
+
+TEST(TimelineTable, ShowsAsManyDecimalsAsTheStepNeeds)
+{
+  const auto lines = linesOf(timelineTable({rowOf(snapshotAt(0.25))}, inNanoseconds(0.25), 80, Style(false)));
+  EXPECT_EQ("0:00.25", lines.at(1).substr(0, 7));
+}
+
+TEST(TimelineTable, HasNoMarksWithoutColors)
+{
+  const std::vector<TimelineRow> rows{rowOf(longestWords(0.))};
+  EXPECT_EQ(std::string::npos, timelineTable(rows, inNanoseconds(1.), 80, Style(false)).find('\033'));
+  EXPECT_NE(std::string::npos, timelineTable(rows, inNanoseconds(1.), 80, Style(true)).find("\033[32m"));
+}
+
+TEST(TimelineTable, OfNothingIsNothing)
+{
+  EXPECT_EQ("", timelineTable({}, inNanoseconds(1.), 80, Style(false)));
+}
+
+}  // namespace
