@@ -435,7 +435,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(AmbianceStateThreads, CountEveryMovement)
 {
   constexpr int threadCount = 4;
-  constexpr int movementCount = 1000;
+  constexpr int movementCount = 20000;  // enough for the threads to meet
   AmbianceState state;
 
   std::vector<std::thread> threads;
@@ -456,10 +456,15 @@ TEST(AmbianceStateThreads, UpdateAndAskWhileMovementsAreCounted)
   AmbianceState state;
   const AmbianceState source = stateOf(0.5f, 0.5f, 0.f);
   int excited = 0;
+  int answers = 0;
 
   std::thread counting([&state] {
     for (int i = 0; i < roundCount; ++i)
       state.incrementMovementDetected();
+  });
+  std::thread asking([&] {
+    for (int i = 0; i < roundCount; ++i)
+      answers += state.excitationState() == KV::ExcitationUnknown ? 0 : 1;
   });
   std::thread updating([&] {
     for (int i = 0; i < roundCount; ++i)
@@ -471,8 +476,10 @@ TEST(AmbianceStateThreads, UpdateAndAskWhileMovementsAreCounted)
     }
   });
   counting.join();
+  asking.join();
   updating.join();
 
+  EXPECT_EQ(roundCount, answers);
   EXPECT_EQ(roundCount, excited);
   EXPECT_EQ(1.f, state.agitationLevel);
   EXPECT_EQ(0.f, state.calmLevel);

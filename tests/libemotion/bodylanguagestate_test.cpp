@@ -196,6 +196,25 @@ TEST_F(BodyLanguageEstimate, ReleasesTheMutexOfTheMemory)
   memory.mutex().unlock();
 }
 
+TEST_F(BodyLanguageEstimate, ForgetsUnderTheMutexOfTheMemory)
+{
+  remember({up, down});
+  bool everFree = false;
+  support::ScriptedClock watching([&](int) {
+    const bool isFree = memory.mutex().try_lock();
+    if (isFree)
+      memory.mutex().unlock();
+    everFree = everFree || isFree;
+    return start;
+  });
+  const ko::ScopedClockSource watchingScope(watching);
+
+  state._update(memory);
+
+  EXPECT_EQ(4, watching.readings());
+  EXPECT_FALSE(everFree);
+}
+
 /// Two forgetting passes over two postures read the clock four times; from reading `turn` on it shows `late`.
 support::ScriptedClock::Script turningLateAt(int turn, ko::SystemClock::time_point late)
 {

@@ -29,4 +29,5 @@ set(OBSERVATION_TESTS
     bodylanguagestate_test.cpp
     ramp_test.cpp
     # shared helpers
+    age_test.cpp
     diagnostictext_test.cpp)
