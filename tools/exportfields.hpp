@@ -8,7 +8,7 @@ namespace tools
 
 /// Hands every exported field of a snapshot to `field(name, value)`, in the order of the columns.
 ///
-/// The one place that says what an export holds; docs/replay.md explains the fields.
+/// The one place that says what an export holds; the help of the command explains the fields.
 template <typename Field>
 void forEachExportedField(int recording, const Snapshot& snapshot, Field&& field)
 {

@@ -230,8 +230,9 @@ private:
 
   void _noteLibraryWarnings(const std::string& path, LibraryLog& log)
   {
+    const std::string prefix = path + ": ";
     for (const std::string& line : log.take())
-      _messages.note(path + ": " + line);
+      _messages.note(prefix + line);
   }
 
   ExitStatus _reportBadInput(const std::string& path, const Played& played)

@@ -16,16 +16,16 @@ namespace
   throw std::invalid_argument("'" + text + "' is not NAME=FROM..TO: " + why);
 }
 
-Duration parseSeconds(const std::string& text, const std::string& whole)
+Duration parseSeconds(const std::string& seconds, const std::string& span)
 {
-  double seconds = 0.;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, seconds);
-  if (error != std::errc() || rest != end || !std::isfinite(seconds) || seconds < 0.)
-    refuse(whole, "'" + text + "' is no time in seconds");
-  const double nanoseconds = std::round(seconds * 1e9);
+  double number = 0.;
+  const char* const end = seconds.data() + seconds.size();
+  const auto [rest, error] = std::from_chars(seconds.data(), end, number);
+  if (error != std::errc() || rest != end || !std::isfinite(number) || number < 0.)
+    refuse(span, "'" + seconds + "' is no time in seconds");
+  const double nanoseconds = std::round(number * 1e9);
   if (nanoseconds >= static_cast<double>(std::numeric_limits<Duration::rep>::max()))
-    refuse(whole, "'" + text + "' is too far away");
+    refuse(span, "'" + seconds + "' is too far away");
   return Duration(static_cast<Duration::rep>(nanoseconds));
 }
 
