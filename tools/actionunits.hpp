@@ -28,7 +28,7 @@ public:
   float mean(const std::vector<int>& units) const;
 
 private:
-  std::array<float, usedActionUnits.size()> _intensities;  // NaN is unknown
+  std::array<float, usedActionUnits.size()> _intensities{};  // NaN is unknown
 };
 
 /// Returns the smile (action unit 12) with this confidence, or nothing if it is unknown.

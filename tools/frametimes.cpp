@@ -93,7 +93,7 @@ FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>
 std::optional<ko::SystemClock::time_point> FrameTimes::timeOf(const Frame& frame) const
 {
   const auto seconds = _secondsOf(frame);
-  if (!seconds || std::abs(_timestampOrigin + *seconds) > greatestSecond)
+  if (!seconds || !(std::abs(_timestampOrigin + *seconds) <= greatestSecond))
     return {};
   return timePoint(_timestampOrigin, *seconds);
 }

@@ -57,10 +57,10 @@ boost::optional<RecordingEntry> OpenFaceReader::next()
 
     if (_missingFramesTold < _missingFrames)
       _tellMissingFrame();
-    else if (!_row && !_fetchRow())
-      _cycleIsOpen ? _endCycle() : _finish();
-    else if (_cycleIsOpen && _opensCycle(*_row))
+    else if (const bool hasRow = _row || _fetchRow(); _cycleIsOpen && (!hasRow || _opensCycle(*_row)))
       _endCycle();
+    else if (!hasRow)
+      _finish();
     else if (auto entry = _tellRow())
       return entry;
   }

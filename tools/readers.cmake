@@ -1,7 +1,8 @@
 # The readers and the writer of recordings: the library `skeigiot-recordings`, for the command and its tests.
 
-find_package(nlohmann_json 3.11 REQUIRED)
-find_package(ZLIB REQUIRED)
+# Global: whatever links the library links these as well, in other folders too.
+find_package(nlohmann_json 3.11 REQUIRED GLOBAL)
+find_package(ZLIB REQUIRED GLOBAL)
 find_path(LIBCSV_INCLUDE_DIR csv.h REQUIRED)
 find_library(LIBCSV_LIBRARY csv REQUIRED)
 mark_as_advanced(LIBCSV_INCLUDE_DIR LIBCSV_LIBRARY)

@@ -12,9 +12,9 @@ constexpr std::int64_t second = 1000000000;  // [ns]
 // Numbers from `first` on, `step` apart, with time stamps of this rate.
 std::vector<Frame> framesAt(double rate, std::int64_t first = 1, std::int64_t step = 1)
 {
-  std::vector<Frame> frames;
-  for (int i = 0; i < 50; ++i)
-    frames.push_back({first + i * step, i / rate});
+  std::vector<Frame> frames(50);
+  for (std::size_t i = 0; i < frames.size(); ++i)
+    frames[i] = {first + static_cast<std::int64_t>(i) * step, static_cast<double>(i) / rate};
   return frames;
 }
 

@@ -234,8 +234,10 @@ TEST_F(OpenFaceReader, LeavesOutWhatIsNoNumber)
 {
   for (const std::string missing : {"NaN", "nan", "-nan(ind)", "inf", "", "NA", "None", "1e400", "1e300"})
   {
-    const auto observation =
-        observed(full + "1,0,0,1,1, " + missing + ",0, 0,0,800, 0," + missing + ",0, 1," + missing + "\n");
+    std::string row = "1,0,0,1,1, GAZE,0, 0,0,800, 0,POSE,0, 1,UNIT\n";
+    for (const std::string field : {"GAZE", "POSE", "UNIT"})
+      row.replace(row.find(field), field.size(), missing);
+    const auto observation = observed(full + row);
     EXPECT_FALSE(observation.gaze) << missing;
     EXPECT_FALSE(observation.headPosture) << missing;
     EXPECT_FALSE(observation.smile) << missing;
@@ -247,11 +249,11 @@ TEST_F(OpenFaceReader, LeavesOutWhatIsNoNumber)
 
 TEST_F(OpenFaceReader, CountsFromTheOpticalAxisWithoutAPosition)
 {
-  for (const std::string position : {"NaN,0,800", "0,0,0"})
+  for (const std::string row : {"1,0,0,1,1, 0,0, NaN,0,800, 0,0.1,0, 0,0\n", "1,0,0,1,1, 0,0, 0,0,0, 0,0.1,0, 0,0\n"})
   {
-    const auto observation = observed(full + "1,0,0,1,1, 0,0, " + position + ", 0,0.1,0, 0,0\n");
-    EXPECT_FALSE(observation.distance) << position;
-    EXPECT_NEAR(5.7296f, observation.headPosture.value().value.yaw(), tolerance) << position;
+    const auto observation = observed(full + row);
+    EXPECT_FALSE(observation.distance) << row;
+    EXPECT_NEAR(5.7296f, observation.headPosture.value().value.yaw(), tolerance) << row;
   }
 }
 
