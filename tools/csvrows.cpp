@@ -108,11 +108,12 @@ CsvRows::~CsvRows() = default;
 
 bool CsvRows::next()
 {
-  while (_file.readLine(_line))
+  std::string_view line;
+  while (_file.readLine(line))
   {
-    if (_line.find('"') == std::string_view::npos)
-      splitUnquoted(_line, _fields);
-    else if (!_parser->split(_line, _fields))
+    if (line.find('"') == std::string_view::npos)
+      splitUnquoted(line, _fields);
+    else if (!_parser->split(line, _fields))
       throw BadLine({_file.path(), _file.lineNumber(), {}}, "a quote is out of place or not closed");
     if (!_fields.empty())
       return true;

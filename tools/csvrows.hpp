@@ -32,9 +32,6 @@ public:
   /// Returns the fields of the row without the spaces around them; valid until the next call of next().
   const std::vector<std::string_view>& fields() const { return _fields; }
 
-  /// Returns the row as it stands in the file; valid until the next call of next().
-  std::string_view text() const { return _line; }
-
   const InputFile& file() const { return _file; }
 
 private:
@@ -42,7 +39,6 @@ private:
 
   InputFile _file;
   std::unique_ptr<Parser> _parser;
-  std::string_view _line;
   std::vector<std::string_view> _fields;
 };
 

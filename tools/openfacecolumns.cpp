@@ -1,6 +1,5 @@
 #include "openfacecolumns.hpp"
 
-#include "quote.hpp"
 #include "recording.hpp"
 
 #include <algorithm>

@@ -36,7 +36,6 @@ private:
   bool _fetchRow();
   ko::SystemClock::time_point _timeOf(const OpenFaceRow& row) const;
   bool _opensCycle(const OpenFaceRow& row) const;
-  void _beginCycle();
   void _endCycle();
   void _tellMissingFrame();
   RecordingEntry _tellMissingPerson();
