@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <ostream>
 
 namespace
 {
@@ -68,6 +69,11 @@ struct ExpressionCase
   std::map<int, double> units;
   float strength;
 };
+
+void PrintTo(const ExpressionCase& row, std::ostream* stream)
+{
+  *stream << row.name;
+}
 
 class Expression : public ::testing::TestWithParam<ExpressionCase>
 {};

@@ -2,6 +2,8 @@
 
 #include "support.hpp"
 
+#include <ostream>
+
 namespace
 {
 using Row = std::vector<std::string>;
@@ -71,6 +73,11 @@ struct LineCase
   const char* name;
   const char* line;
 };
+
+void PrintTo(const LineCase& row, std::ostream* stream)
+{
+  *stream << row.name;
+}
 
 class LineWithoutQuotes : public CsvRows, public ::testing::WithParamInterface<LineCase>
 {};

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <ostream>
 #include <sstream>
 
 namespace
@@ -162,6 +163,11 @@ struct BadLineCase
   const char* line;
   const char* message;
 };
+
+void PrintTo(const BadLineCase& row, std::ostream* stream)
+{
+  *stream << row.name;
+}
 
 class BadJsonLine : public JsonLines, public ::testing::WithParamInterface<BadLineCase>
 {};

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <ostream>
 
 namespace
 {
@@ -438,6 +439,11 @@ struct BadLineCase
   const char* text;
   const char* message;
 };
+
+void PrintTo(const BadLineCase& row, std::ostream* stream)
+{
+  *stream << row.name;
+}
 
 class BadLineOfOpenFace : public OpenFaceReader, public ::testing::WithParamInterface<BadLineCase>
 {};
