@@ -11,11 +11,11 @@
 #include <skeigiot/personmemory.hpp>
 #include <skeigiot/personobservation.hpp>
 
-#include <boost/optional/optional.hpp>
 #include <boost/thread/lock_guard.hpp>
 
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
@@ -304,14 +304,14 @@ private:
     for (MoodClass& moodClass : classes)
       moodClass.calculateScore(features);
 
-    if (const boost::optional<std::int32_t> winner = _winnerOf(classes))
+    if (const std::optional<std::int32_t> winner = _winnerOf(classes))
       _pullValence(static_cast<float>(*winner), gain::emotion, "Face characteristics");
     else
       _state._applyForceValenceConfidence(0.f, gain::noWinner, "Winner unknown");
   }
 
   /// Returns the value of the winning class, or nothing if there is no clear winner.
-  static boost::optional<std::int32_t> _winnerOf(std::vector<MoodClass>& classes)
+  static std::optional<std::int32_t> _winnerOf(std::vector<MoodClass>& classes)
   {
     static const ArgmaxClassifierType argMax(0.f);
     try
@@ -320,7 +320,7 @@ private:
     }
     catch (const std::runtime_error&)
     {
-      return boost::none;
+      return std::nullopt;
     }
   }
 
