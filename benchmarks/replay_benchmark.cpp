@@ -1,0 +1,99 @@
+#include "recording.hpp"
+#include "session.hpp"
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace
+{
+
+constexpr int rowsPerSecond = 30;
+constexpr int rows = 30 * rowsPerSecond;
+
+/// An OpenFace file of thirty seconds of one face, with the columns that are read and as many others as make the 538 of
+/// a full export; removed at the end.
+class FaceFile
+{
+public:
+  FaceFile() : _path(std::filesystem::temp_directory_path() / "skeigiot_replay_benchmark.csv")
+  {
+    std::ofstream file(_path);
+    file << "frame,face_id,timestamp,confidence,success,gaze_angle_x,gaze_angle_y,"
+            "pose_Tx,pose_Ty,pose_Tz,pose_Rx,pose_Ry,pose_Rz";
+    for (const char* unit : {"01", "02", "04", "05", "06", "07", "12", "15", "23", "25", "26"})
+      file << ",AU" << unit << "_r";
+    for (const char* axis : {"x", "y"})
+      for (int point = 0; point < 68; ++point)
+        file << ',' << axis << '_' << point;
+    for (int other = 0; other < otherColumns; ++other)
+      file << ",p_" << other;
+    file << '\n';
+    for (int row = 0; row < rows; ++row)
+      _writeRow(file, row);
+  }
+  FaceFile(const FaceFile&) = delete;
+  FaceFile& operator=(const FaceFile&) = delete;
+  ~FaceFile() { std::filesystem::remove(_path); }
+
+  std::string path() const { return _path.string(); }
+
+private:
+  static constexpr int otherColumns = 538 - 13 - 11 - 136;
+
+  static void _writeRow(std::ofstream& file, int row)
+  {
+    const double wobble = row % 7 / 50.;
+    file << row + 1 << ",0," << row / static_cast<double>(rowsPerSecond) << ",0.98,1," << wobble << ",0.02,"
+         << "20.5,-30.2,900.7,0.05," << wobble << ",0.01";
+    for (int unit = 0; unit < 11; ++unit)
+      file << ",0.7" << unit;
+    for (int point = 0; point < 136 + otherColumns; ++point)
+      file << ',' << 300 + point << ".25";
+    file << '\n';
+  }
+
+  std::filesystem::path _path;
+};
+
+/// Reads the file step by step, and hands each step to `use`.
+template <typename Use>
+void readAll(const FaceFile& file, Use use)
+{
+  const auto reader = tools::openRecording(file.path(), "", tools::ReadingOptions());
+  while (const auto entry = reader->next())
+    use(*entry);
+}
+
+void countTime(benchmark::State& state)
+{
+  const double secondsOfFace = static_cast<double>(rows) / rowsPerSecond;
+  state.counters["times_real_time"] = benchmark::Counter(secondsOfFace, benchmark::Counter::kIsIterationInvariantRate);
+  state.SetItemsProcessed(state.iterations() * rows);
+}
+
+void BM_ReplayReadingAlone(benchmark::State& state)
+{
+  const FaceFile file;
+  for (auto _ : state)
+    readAll(file, [](const tools::RecordingEntry& entry) { benchmark::DoNotOptimize(entry.time); });
+  countTime(state);
+}
+BENCHMARK(BM_ReplayReadingAlone)->Unit(benchmark::kMillisecond);
+
+void BM_ReplayEndToEnd(benchmark::State& state)
+{
+  const FaceFile file;
+  for (auto _ : state)
+  {
+    tools::Session session({}, {});
+    readAll(file, [&session](const tools::RecordingEntry& entry) { session.play(entry); });
+    session.finish();
+  }
+  countTime(state);
+}
+BENCHMARK(BM_ReplayEndToEnd)->Unit(benchmark::kMillisecond);
+
+}  // namespace
