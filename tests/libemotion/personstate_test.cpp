@@ -6,6 +6,7 @@
 
 #include "support/clocktest.hpp"
 #include "support/estimate.hpp"
+#include "support/groupinglocale.hpp"
 #include "support/restoredboundaries.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
@@ -514,6 +515,12 @@ TEST(PersonState, CallsEngagedByFixedLimits)
   PersonState::setBinaryBoundaryLookingAtRobot(0.9f);
 
   EXPECT_THAT(PersonState(1.f, 0.f, 0.7f, 0.f).emotionLogMessage(), ::testing::HasSubstr("totally engaged"));
+}
+
+TEST(PersonState, SaysTheMoodInTheSameDigitsEverywhere)
+{
+  const support::GroupingLocale german;
+  EXPECT_EQ(negativeMood("37.5") + absent, PersonState(-0.375f, 0.f, 0.f, 0.f).emotionLogMessage());
 }
 
 TEST(PersonState, WritesNineLinesOfPercentages)

@@ -7,6 +7,7 @@
 #include "support/capturedstream.hpp"
 #include "support/clocktest.hpp"
 #include "support/estimate.hpp"
+#include "support/groupinglocale.hpp"
 #include "support/heldmutex.hpp"
 #include "support/scriptedclock.hpp"
 #include "support/tablename.hpp"
@@ -664,6 +665,13 @@ TEST_F(PersonStatePrivateWarning, WritesSixSignificantDigits)
 {
   PersonStatePrivate::_warnIfObservationOld(12345678, "Voice Emotion");
   EXPECT_THAT(log.messages(), ::testing::ElementsAre("Processing old observation from 12345.7 s ago of Voice Emotion"));
+}
+
+TEST_F(PersonStatePrivateWarning, IsWrittenInTheSameDigitsEverywhere)
+{
+  const support::GroupingLocale german;
+  PersonStatePrivate::_warnIfObservationOld(12345678, "");
+  EXPECT_THAT(log.messages(), ::testing::ElementsAre("Processing old observation from 12345.7 s ago"));
 }
 
 // Ages

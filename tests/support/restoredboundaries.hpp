@@ -5,20 +5,28 @@
 namespace support
 {
 
-/// Sets the process-wide boundaries of the person state back to what they are at load, when a test is over.
-struct RestoredBoundaries
+/// Sets the process-wide boundaries of the person state back to what they were, when a test is over.
+class RestoredBoundaries
 {
+public:
   RestoredBoundaries() = default;
   RestoredBoundaries(const RestoredBoundaries&) = delete;
   RestoredBoundaries& operator=(const RestoredBoundaries&) = delete;
   ~RestoredBoundaries()
   {
-    KV::PersonState::setBinaryBoundaryPositive(0.2f);
-    KV::PersonState::setBinaryBoundaryNegative(-0.2f);
-    KV::PersonState::setBinaryBoundaryLookingAtRobot(0.6f);
-    KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot(0.9f);
-    KV::PersonState::setBinaryBoundaryConfidence(0.4f);
+    KV::PersonState::setBinaryBoundaryPositive(_positive);
+    KV::PersonState::setBinaryBoundaryNegative(_negative);
+    KV::PersonState::setBinaryBoundaryLookingAtRobot(_lookingAtRobot);
+    KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot(_strictlyLookingAtRobot);
+    KV::PersonState::setBinaryBoundaryConfidence(_confidence);
   }
+
+private:
+  const float _positive = KV::PersonState::getBinaryBoundaryPositive();
+  const float _negative = KV::PersonState::getBinaryBoundaryNegative();
+  const float _lookingAtRobot = KV::PersonState::getBinaryBoundaryLookingAtRobot();
+  const float _strictlyLookingAtRobot = KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot();
+  const float _confidence = KV::PersonState::getBinaryBoundaryConfidence();
 };
 
 }  // namespace support
