@@ -120,12 +120,18 @@ TEST(LogCategory, IsOneForAllThreadsThatRegisterIt)
       for (int i = 0; i < nameCount; ++i)
         names.push_back(&ko::log::addCategory("test.shared." + std::to_string(i)).name());
     });
+  std::size_t listed = 0;
+  threads.emplace_back([&listed] {
+    for (int i = 0; i < nameCount; ++i)
+      listed = ko::log::categories().size();
+  });
   for (std::thread& thread : threads)
     thread.join();
 
   for (const std::vector<const std::string*>& names : seen)
     EXPECT_EQ(seen.front(), names);
   EXPECT_EQ("test.shared.49", *seen.front().back());
+  EXPECT_LE(listed, ko::log::categories().size());
 }
 
 class Log : public support::ClockTest
