@@ -74,10 +74,10 @@ struct ReadingOptions
 {
   boost::optional<double> framesPerSecond;  ///< instead of the file's own time stamps
   bool mirrored = false;                    ///< the video is a mirror image: left and right are exchanged
-  bool lineOfSight = true;                  ///< angles relative to the line from face to camera, where a position is known
-  boost::optional<float> cameraHeight;      ///< [m] above the floor; without it head heights are unknown
-  float minimalConfidence = 0.7f;           ///< below this a face counts as not tracked
-  float actionUnitFullScale = 5.f;          ///< action-unit intensity that counts as 1
+  bool lineOfSight = true;              ///< angles relative to the line from face to camera, where a position is known
+  boost::optional<float> cameraHeight;  ///< [m] above the floor; without it head heights are unknown
+  float minimalConfidence = 0.7f;       ///< below this a face counts as not tracked
+  float actionUnitFullScale = 5.f;      ///< action-unit intensity that counts as 1
 };
 
 /// Reads one recording, step by step and in constant memory.

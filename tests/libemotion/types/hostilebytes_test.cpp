@@ -53,7 +53,7 @@ void mutate(Bytes& bytes, std::mt19937& random)
         break;
       default:  // a part repeated elsewhere
       {
-        const auto [from, to] = std::minmax(position(), position());
+        const auto [from, to] = std::minmax({position(), position()});
         const Bytes part(bytes.begin() + from, bytes.begin() + to);
         bytes.insert(bytes.begin() + position(), part.begin(), part.end());
       }
