@@ -4,6 +4,8 @@
 
 #include <boost/thread/lock_guard.hpp>
 
+#include <stdexcept>
+
 namespace KV
 {
 
@@ -43,7 +45,14 @@ void fileAndReport(const PersonObservation::Reading<T>& reading, ShortTermMemory
   if (!hasRecords(memory))
     return;
   report << label;
-  write(report, memory);
+  try
+  {
+    write(report, memory);
+  }
+  catch (const std::range_error&)
+  {
+    // The last record has passed its horizon since it was counted: there is nothing to write.
+  }
   report << '\n';
 }
 

@@ -319,4 +319,16 @@ TEST_F(PersonMemoryReport, LeavesOutAReadingThatExpiresOnceItIsRecorded)
   EXPECT_TRUE(memory.distanceMemory.records().empty());
 }
 
+TEST_F(PersonMemoryReport, FilesTheRestWhenARecordExpiresBetweenCountAndLine)
+{
+  observation.distance = Timestamped<float>(start, 1.f);
+  observation.speaking = Timestamped<bool>(start + milliseconds(7001), true);
+  support::ScriptedClock jumping([](int number) { return start + milliseconds(number < 2 ? 7000 : 7001); });
+  const ko::ScopedClockSource jumpingScope(jumping);
+
+  EXPECT_EQ(header + "\t Distance : \n\t Speaking Memory : 1\n", reportOf(memory, observation));
+  EXPECT_TRUE(memory.distanceMemory.records().empty());
+  EXPECT_EQ(1U, memory.speakingMemory.records().size());
+}
+
 }  // namespace
