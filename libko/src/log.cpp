@@ -18,7 +18,7 @@ namespace
 {
 
 using Handler = boost::function<void(const Record&)>;
-using Handlers = std::map<HandlerId, Handler>;  // ids ascend, so map order is the order of adding
+using Handlers = std::map<HandlerId, std::shared_ptr<const Handler>>;  // ids ascend: in the order of adding
 
 /// Categories and handlers of the process.
 struct Registry
@@ -44,6 +44,20 @@ std::shared_ptr<const Handlers> currentHandlers()
   Registry& shared = registry();
   const boost::lock_guard<boost::mutex> lock(shared.mutex);
   return shared.handlers;
+}
+
+/// Puts a copy of the handlers, as `change` leaves it, in their place.
+///
+/// A handler that is dropped thereby dies after the lock is released: its destructor may log.
+template <typename Change>
+void replaceHandlers(Change change)
+{
+  std::shared_ptr<const Handlers> former;
+  Registry& shared = registry();
+  const boost::lock_guard<boost::mutex> lock(shared.mutex);
+  auto handlers = std::make_shared<Handlers>(*shared.handlers);
+  change(*handlers, shared.lastId);
+  former = std::exchange(shared.handlers, std::move(handlers));
 }
 
 const char* levelName(Level level)
@@ -124,30 +138,25 @@ void log(Level level, const std::string& category, const std::string& message, c
   if (handlers->empty())
     return writeToStandardError(record);
   for (const auto& [id, handler] : *handlers)
-    handOut(handler, record);
+    handOut(*handler, record);
 }
 
 HandlerId addHandler(Handler handler)
 {
   if (handler.empty())
     boost::throw_exception(boost::bad_function_call());
-  Registry& shared = registry();
-  const boost::lock_guard<boost::mutex> lock(shared.mutex);
-  auto handlers = std::make_shared<Handlers>(*shared.handlers);
-  const HandlerId id = ++shared.lastId;
-  handlers->emplace(id, std::move(handler));
-  shared.handlers = std::move(handlers);
+  const auto added = std::make_shared<const Handler>(std::move(handler));
+  HandlerId id = 0;
+  replaceHandlers([&](Handlers& handlers, HandlerId& lastId) {
+    id = ++lastId;
+    handlers.emplace(id, added);
+  });
   return id;
 }
 
 void removeHandler(HandlerId id)
 {
-  std::shared_ptr<const Handlers> former;  // handlers die after the lock: their destructors may log
-  Registry& shared = registry();
-  const boost::lock_guard<boost::mutex> lock(shared.mutex);
-  auto handlers = std::make_shared<Handlers>(*shared.handlers);
-  handlers->erase(id);
-  former = std::exchange(shared.handlers, std::move(handlers));
+  replaceHandlers([id](Handlers& handlers, HandlerId&) { handlers.erase(id); });
 }
 
 }  // namespace ko::log

@@ -15,6 +15,7 @@
 #include <atomic>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -301,6 +302,29 @@ TEST_F(Log, LetsAHandlerRemoveItself)
 
   EXPECT_EQ(1, calls);
   EXPECT_THAT(log.messages(), ElementsAre("first", "second"));
+}
+
+/// Logs when the last copy of it dies.
+class LogsAtItsEnd
+{
+public:
+  void operator()(const Record&) const {}
+
+private:
+  std::shared_ptr<int> _end = std::shared_ptr<int>(new int(0), [](const int* number) {
+    delete number;
+    warn("last words");
+  });
+};
+
+TEST_F(Log, LetsTheEndOfAHandlerLog)
+{
+  const support::CapturedLog log;
+  const ko::log::HandlerId id = ko::log::addHandler(LogsAtItsEnd());
+
+  ko::log::removeHandler(id);
+
+  EXPECT_THAT(log.messages(), ElementsAre("last words"));
 }
 
 TEST_F(Log, LetsAHandlerAddAnother)
