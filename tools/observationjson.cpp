@@ -585,6 +585,8 @@ RecordingEntry entryFromJson(std::string_view text)
   std::int64_t time = 0;
   ObjectReader timeOnly(object, root, TimePoint());
   timeOnly.required("time", time);
+  if (time < 0)
+    throw MemberError("time", "is before 1970, which the library takes for never");
 
   RecordingEntry entry;
   entry.time = timeOf(time);

@@ -205,6 +205,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLineCase{"ATimeThatIsTooLarge", R"({"time":9223372036854775808})",
                     "time: expected a whole number from -9223372036854775808 to 9223372036854775807, found "
                     "'9223372036854775808'"},
+        BadLineCase{"ATimeBefore1970", R"({"time":-1})", "time: is before 1970, which the library takes for never"},
         BadLineCase{"ATimeThatRunsBackwards", R"({"time":0})",
                     "time: time runs backwards, expected the lines in the order of their times"},
         BadLineCase{"AMissingMember", R"({"time":2,"person":1,"observation":{"smile":{"value":1}}})",
