@@ -174,7 +174,7 @@ bool registerHandle(const std::string& className, Pointer Handle::*pointer)
       className, pointer, *static_cast<const StructTypeInterface*>(recordType));
   if (!registerType(typeid(Handle), type.get()))
     return false;
-  type.release();  // owned by the registry from now on
+  static_cast<void>(type.release());  // owned by the registry from now on
   return true;
 }
 

@@ -56,7 +56,7 @@ KO_API TypeInterface* typeOf()
   {
     std::unique_ptr<TypeInterface> made = detail::NativeType<T>::make();
     if (registerType(typeid(T), made.get()))
-      made.release();  // owned by the registry from now on
+      static_cast<void>(made.release());  // owned by the registry from now on
     type = getType(typeid(T));
   }
   known.store(type, std::memory_order_release);
