@@ -53,8 +53,8 @@ boost::optional<RecordingEntry> JsonLinesReader::next()
 
 std::vector<std::string> JsonLinesReader::describe() const
 {
-  return {"JSON Lines: angles in degrees, head yaw to the own right, gaze yaw to the own left, pitch up, as they are",
-          "times in nanoseconds since 1970 by the lines, persons by their member person; missing: nothing"};
+  return {"JSON Lines: angles in degrees; head yaw to the own right, gaze yaw to the own left, pitch up",
+          "times in nanoseconds since 1970, as the lines say; persons by their member person"};
 }
 
 }  // namespace tools
