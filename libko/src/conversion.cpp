@@ -8,7 +8,6 @@
 #include <cmath>
 #include <iterator>
 #include <optional>
-#include <set>
 
 namespace ko
 {
@@ -291,11 +290,12 @@ void Conversion::_fillTuple(const ValueView& target, const ValueView& source, co
     type.set(target.storage, i, convert(members[i], types[i], place.element(i)).storage());
 }
 
-std::vector<std::string> without(const std::vector<std::string>& names, const std::set<std::string>& others)
+/// Returns the names that are not among the others; one side is a struct's, and so is short.
+std::vector<std::string> without(const std::vector<std::string>& names, const std::vector<std::string>& others)
 {
   std::vector<std::string> rest;
   std::copy_if(names.begin(), names.end(), std::back_inserter(rest),
-               [&](const std::string& name) { return others.count(name) == 0; });
+               [&](const std::string& name) { return std::find(others.begin(), others.end(), name) == others.end(); });
   return rest;
 }
 
@@ -305,8 +305,7 @@ void requireSameMembers(const ValueView& target, const ValueView& source, const 
   const auto& type = target.as<StructTypeInterface>();
   const std::vector<std::string> own = type.elementsName();
   const std::vector<std::string> other = names(source);
-  const MemberDifference difference{without(other, {own.begin(), own.end()}),
-                                    without(own, {other.begin(), other.end()})};
+  const MemberDifference difference{without(other, own), without(own, other)};
   if (type.convertFrom(difference))
     return;
   if (kindOf(source) == TypeKind::Struct && source.as<StructTypeInterface>().convertTo(difference))

@@ -34,18 +34,31 @@ struct PointWithHeight
   float z = 0.f;
 };
 
-/// A point that takes and gives other versions of itself.
-struct LenientPoint
+/// A point that is made from other versions of itself, but makes none.
+struct TakingPoint
 {
   int x = 0;
   float w = 1.f;
 };
 
-class LenientPointType : public ko::detail::RecordType<LenientPoint>
+class TakingPointType : public ko::detail::RecordType<TakingPoint>
 {
 public:
-  LenientPointType() : RecordType("LenientPoint", {{"x", &LenientPoint::x}, {"w", &LenientPoint::w}}) {}
+  TakingPointType() : RecordType("TakingPoint", {{"x", &TakingPoint::x}, {"w", &TakingPoint::w}}) {}
   bool convertFrom(const ko::MemberDifference&) const override { return true; }
+};
+
+/// A point that makes other versions of itself, but is made from none.
+struct GivingPoint
+{
+  int x = 0;
+  float w = 1.f;
+};
+
+class GivingPointType : public ko::detail::RecordType<GivingPoint>
+{
+public:
+  GivingPointType() : RecordType("GivingPoint", {{"x", &GivingPoint::x}, {"w", &GivingPoint::w}}) {}
   bool convertTo(const ko::MemberDifference&) const override { return true; }
 };
 
@@ -53,7 +66,8 @@ public:
     ko::registerRecord<PointInDouble>("PointInDouble", {{"y", &PointInDouble::y}, {"x", &PointInDouble::x}}) &&
     ko::registerRecord<PointWithHeight>(
         "PointWithHeight", {{"x", &PointWithHeight::x}, {"y", &PointWithHeight::y}, {"z", &PointWithHeight::z}}) &&
-    ko::registerType(typeid(LenientPoint), new LenientPointType);
+    ko::registerType(typeid(TakingPoint), new TakingPointType) &&
+    ko::registerType(typeid(GivingPoint), new GivingPointType);
 
 template <typename T>
 std::string misfit(const Value& value)
@@ -256,16 +270,19 @@ TEST(Conversion, RefusesOtherMembersWithBothLists)
 
 TEST(Conversion, AsksTheTargetWhetherItTakesOtherMembers)
 {
-  const auto point = Value::from(PointWithHeight{3, 1.f, 2.f}).to<LenientPoint>();
+  const auto point = Value::from(PointWithHeight{3, 1.f, 2.f}).to<TakingPoint>();
   EXPECT_EQ(3, point.x);
   EXPECT_EQ(1.f, point.w);
+  EXPECT_EQ("::shapes::Point has the members (x, y), the other side has (x, w)",
+            misfit<Point>(Value::from(TakingPoint())));
 }
 
 TEST(Conversion, AsksTheSourceWhetherItGivesOtherMembers)
 {
-  const auto point = Value::from(LenientPoint{3, 5.f}).to<Point>();
+  const auto point = Value::from(GivingPoint{3, 5.f}).to<Point>();
   EXPECT_EQ(3, point.x);
   EXPECT_EQ(0.f, point.y);
+  EXPECT_EQ("GivingPoint has the members (x, w), the other side has (x, y)", misfit<GivingPoint>(Value::from(Point())));
 }
 
 TEST(Conversion, NamesThePathOfTheMemberThatDoesNotFit)

@@ -88,6 +88,14 @@ INSTANTIATE_TEST_SUITE_P(
                  "[null,true,\"x\"]"}),
     support::RowName());
 
+TEST(Json, KeepsTheFloatWhoseOwnDigitsAreANeighboursInDouble)
+{
+  constexpr float number = 7.038531e-26f;
+  ASSERT_NE(number, static_cast<float>(7.038531e-26));
+  EXPECT_EQ("7.038530691851209e-26", ko::json::encode(Value::from(number)));
+  EXPECT_EQ(number, ko::json::decode<float>(ko::json::encode(Value::from(number))));
+}
+
 TEST(Json, IsIndentedOnDemand)
 {
   EXPECT_EQ("{\n  \"x\": 1,\n  \"y\": 0.0\n}", ko::json::encode(Value::from(Point{1, 0.f}), 2));
