@@ -290,12 +290,13 @@ void Conversion::_fillTuple(const ValueView& target, const ValueView& source, co
     type.set(target.storage, i, convert(members[i], types[i], place.element(i)).storage());
 }
 
-/// Returns the names that are not among the others; one side is a struct's, and so is short.
-std::vector<std::string> without(const std::vector<std::string>& names, const std::vector<std::string>& others)
+/// Returns the names that are not among the excluded; one side is a struct's, and so is short.
+std::vector<std::string> without(const std::vector<std::string>& all, const std::vector<std::string>& excluded)
 {
   std::vector<std::string> rest;
-  std::copy_if(names.begin(), names.end(), std::back_inserter(rest),
-               [&](const std::string& name) { return std::find(others.begin(), others.end(), name) == others.end(); });
+  std::copy_if(all.begin(), all.end(), std::back_inserter(rest), [&](const std::string& name) {
+    return std::find(excluded.begin(), excluded.end(), name) == excluded.end();
+  });
   return rest;
 }
 
@@ -304,14 +305,14 @@ void requireSameMembers(const ValueView& target, const ValueView& source, const 
 {
   const auto& type = target.as<StructTypeInterface>();
   const std::vector<std::string> own = type.elementsName();
-  const std::vector<std::string> other = names(source);
-  const MemberDifference difference{without(other, own), without(own, other)};
+  const std::vector<std::string> theirs = names(source);
+  const MemberDifference difference{without(theirs, own), without(own, theirs)};
   if (type.convertFrom(difference))
     return;
   if (kindOf(source) == TypeKind::Struct && source.as<StructTypeInterface>().convertTo(difference))
     return;
   throw TypeError(place.path(),
-                  type.className() + " has the members " + listed(own) + ", the other side has " + listed(other));
+                  type.className() + " has the members " + listed(own) + ", the other side has " + listed(theirs));
 }
 
 void Conversion::_fillStruct(const ValueView& target, const ValueView& source, const Place& place) const
@@ -323,11 +324,11 @@ void Conversion::_fillStruct(const ValueView& target, const ValueView& source, c
   const auto& type = target.as<StructTypeInterface>();
   const std::vector<std::string> own = type.elementsName();
   const std::vector<TypeInterface*> types = type.memberTypes();
-  const std::vector<std::string> other = names(source);
+  const std::vector<std::string> theirs = names(source);
   const std::vector<ValueView> parts = namedParts(source, place);
   for (std::size_t i = 0; i < own.size(); ++i)
   {
-    const auto found = static_cast<std::size_t>(std::find(other.begin(), other.end(), own[i]) - other.begin());
+    const auto found = static_cast<std::size_t>(std::find(theirs.begin(), theirs.end(), own[i]) - theirs.begin());
     if (found < parts.size())
       type.set(target.storage, i, convert(parts[found], types[i], place.member(own[i])).storage());
   }
