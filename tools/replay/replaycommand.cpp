@@ -1,20 +1,16 @@
 #include "replaycommand.hpp"
 
+#include "argumentparsing.hpp"
 #include "boundary.hpp"
 #include "outputstream.hpp"
-#include "quote.hpp"
+#include "readingarguments.hpp"
 #include "recording.hpp"
 #include "replay.hpp"
-
-// CLI11 counts on all of its headers being included in order.
-#include <CLI/CLI.hpp>
 
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -65,113 +61,9 @@ Examples:
 struct Arguments
 {
   ReplayOptions replay;
-  ReadingOptions reading;
-  std::string format;
+  ReadingArguments reading;
   ColorChoice color = ColorChoice::Auto;
 };
-
-template <typename Number>
-Number parseNumber(const std::string& option, const std::string& text)
-{
-  Number number{};
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || rest != end)
-    throw CLI::ValidationError(option, "expected a number, found " + quote(text));
-  return number;
-}
-
-using Check = std::function<bool(double)>;
-
-/// Adds an option that takes a number which `isGood`; `wanted` says which those are.
-CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
-                       const std::string& wanted, const Check& isGood, const std::function<void(double)>& set)
-{
-  const auto take = [=](const std::string& text) {
-    const auto number = parseNumber<double>(name, text);
-    if (!isGood(number))
-      throw CLI::ValidationError(name, "expected " + wanted + ", found " + quote(text));
-    set(number);
-  };
-  return command.add_option_function<std::string>(name, take, help)->type_name(unit);
-}
-
-/// Adds an option that takes one of these words.
-template <typename Value>
-CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
-                       const std::vector<std::pair<std::string, Value>>& choices, Value& target)
-{
-  const auto take = [=, &target](const std::string& text) {
-    std::string words;
-    for (const auto& [word, value] : choices)
-    {
-      if (word == text)
-      {
-        target = value;
-        return;
-      }
-      words += (words.empty() ? "" : ", ") + word;
-    }
-    throw CLI::ValidationError(name, "expected one of " + words + ", found " + quote(text));
-  };
-  return command.add_option_function<std::string>(name, take, help)->type_name(type);
-}
-
-bool isPositive(double number)
-{
-  return std::isfinite(number) && number > 0.;
-}
-
-bool isShare(double number)
-{
-  return number >= 0. && number <= 1.;
-}
-
-bool isFinite(double number)
-{
-  return std::isfinite(number);
-}
-
-void addReadingOptions(CLI::App& command, Arguments& arguments)
-{
-  const std::string group = "How the recording is read";
-  ReadingOptions& reading = arguments.reading;
-
-  std::string help = "Format of the recording, found out if not given:";
-  std::vector<std::pair<std::string, std::string>> formats;
-  for (const RecordingFormat& format : recordingFormats())
-  {
-    help += "\n" + format.name + ": " + format.description;
-    formats.emplace_back(format.name, format.name);
-  }
-  addChoice(command, "--format", help, "NAME", formats, arguments.format)->group(group);
-  addNumber(command, "--fps", "Frames per second, instead of the time stamps of the file", "HZ", "a number above 0",
-            isPositive, [&reading](double hz) { reading.framesPerSecond = hz; })
-      ->group(group);
-  command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
-      ->group(group);
-  addChoice<bool>(command, "--frame",
-                  "What angles are relative to: the line-of-sight from face to camera\n"
-                  "(default, where the file has a position), or the axis of the camera",
-                  "FRAME", {{"line-of-sight", true}, {"camera", false}}, reading.lineOfSight)
-      ->group(group);
-  addNumber(command, "--camera-height",
-            "Height of the camera above the floor; without it the heights of\n"
-            "heads are unknown",
-            "METRES", "a number", isFinite,
-            [&reading](double metres) { reading.cameraHeight = static_cast<float>(metres); })
-      ->group(group);
-  addNumber(command, "--min-confidence", "Confidence below which a face counts as not seen (0.7)", "SHARE",
-            "a number from 0 to 1", isShare,
-            [&reading](double share) { reading.minimalConfidence = static_cast<float>(share); })
-      ->group(group);
-  addNumber(command, "--au-full-scale", "Intensity of an action unit that counts as full (5)", "INTENSITY",
-            "a number above 0", isPositive,
-            [&reading](double intensity) { reading.actionUnitFullScale = static_cast<float>(intensity); })
-      ->group(group);
-  command.add_flag("--skip-bad", arguments.replay.skipBad, "Go on behind lines that cannot be used, and count them")
-      ->group(group);
-}
 
 void addShowingOptions(CLI::App& command, Arguments& arguments)
 {
@@ -267,7 +159,7 @@ ExitStatus run(const Arguments& arguments)
   checkExports(arguments.replay);
   OutputStream output(STDOUT_FILENO, "standard output");
   const auto open = [&arguments](const std::string& path) {
-    return openRecording(path, arguments.format, arguments.reading);
+    return openRecording(path, arguments.reading.format, arguments.reading.options);
   };
   ReplaySurroundings surroundings{open,
                                   output,
@@ -287,10 +179,13 @@ void addReplayCommand(CLI::App& app, ExitStatus& status)
   command.add_option("RECORDING", arguments->replay.recordings, "Files to replay")->required()->type_name("");
   addShowingOptions(command, *arguments);
   addExportOptions(command, *arguments);
-  addReadingOptions(command, *arguments);
+  addReadingOptions(command, arguments->reading);
   addBoundaryOptions(command);
   command.footer(footer);
-  command.callback([arguments, &status] { status = run(*arguments); });
+  command.callback([arguments, &status] {
+    arguments->replay.skipBad = arguments->reading.skipBad;
+    status = run(*arguments);
+  });
 }
 
 }  // namespace tools

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "quote.hpp"
+
+// CLI11 counts on all of its headers being included in order.
+#include <CLI/CLI.hpp>
+
+#include <charconv>
+#include <functional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace tools
+{
+
+/// Reads all of the text as a number, whatever the locale.
+///
+/// \throws CLI::ValidationError which names the option.
+template <typename Number>
+Number parseNumber(const std::string& option, const std::string& text)
+{
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || rest != end)
+    throw CLI::ValidationError(option, "expected a number, found " + quote(text));
+  return number;
+}
+
+bool isPositive(double number);  ///< and finite
+bool isShare(double number);     ///< from 0 to 1
+bool isFinite(double number);
+
+/// Adds an option that takes a number which `isGood`; `wanted` says which those are.
+CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
+                       const std::string& wanted, const std::function<bool(double)>& isGood,
+                       const std::function<void(double)>& set);
+
+/// Adds an option that takes one of these words, and sets the target, which must outlive the command, to its value.
+template <typename Value>
+CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                       const std::vector<std::pair<std::string, Value>>& choices, Value& target)
+{
+  const auto take = [=, &target](const std::string& text) {
+    std::string words;
+    for (const auto& [word, value] : choices)
+    {
+      if (word == text)
+      {
+        target = value;
+        return;
+      }
+      words += (words.empty() ? "" : ", ") + word;
+    }
+    throw CLI::ValidationError(name, "expected one of " + words + ", found " + quote(text));
+  };
+  return command.add_option_function<std::string>(name, take, help)->type_name(type);
+}
+
+}  // namespace tools

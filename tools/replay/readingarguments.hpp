@@ -1,0 +1,23 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <CLI/App.hpp>
+
+#include <string>
+
+namespace tools
+{
+
+/// What the command line says of how recordings are read.
+struct ReadingArguments
+{
+  ReadingOptions options;
+  std::string format;    ///< name of the format; empty: found out
+  bool skipBad = false;  ///< go on behind lines that cannot be used
+};
+
+/// Adds the options that fill in the arguments, which must outlive the command.
+void addReadingOptions(CLI::App& command, ReadingArguments& arguments);
+
+}  // namespace tools
