@@ -1,0 +1,21 @@
+#include "recordingclock.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <cmath>
+#include <cstdint>
+
+namespace tools
+{
+
+// Whole seconds and the rest apart: a double does not hold the nanoseconds since 1970.
+ko::SystemClock::time_point timeAfter(double origin, double seconds)
+{
+  constexpr double nanosecondsPerSecond = 1e9;
+  const double whole = std::floor(seconds);
+  const auto nanoseconds = static_cast<std::int64_t>(std::llround((seconds - whole) * nanosecondsPerSecond));
+  return ko::SystemClock::time_point(boost::chrono::seconds(static_cast<std::int64_t>(origin + whole)) +
+                                     boost::chrono::nanoseconds(nanoseconds));
+}
+
+}  // namespace tools

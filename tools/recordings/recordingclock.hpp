@@ -1,0 +1,22 @@
+#pragma once
+
+#include <ko/systemclock.hpp>
+
+namespace tools
+{
+
+/// [s] since 1970: where a recording is placed whose times count from its start (2020-01-01T00:00:00Z). A clock that
+/// shows 1970 makes what was never seen look young.
+constexpr double recordingEpoch = 1577836800.0;
+
+/// [s] A first time that is greater than this counts since 1970.
+constexpr double earliestEpochTimestamp = 1e9;
+
+/// [s] before and after 1970 that nanoseconds in 64 bits can count.
+constexpr double greatestSecond = 9.2e9;
+
+/// Returns the time so many seconds after `origin`, itself in whole seconds since 1970; both together must not be
+/// beyond greatestSecond.
+ko::SystemClock::time_point timeAfter(double origin, double seconds);
+
+}  // namespace tools
