@@ -2,6 +2,7 @@
 #include "interruption.hpp"
 #include "outputstream.hpp"
 #include "replaycommand.hpp"
+#include "streamcommand.hpp"
 #include "typescommand.hpp"
 
 #include <CLI/CLI.hpp>
@@ -23,6 +24,7 @@ tools::ExitStatus run(int argc, char** argv)
   app.get_formatter()->column_width(optionColumnWidth);
   app.require_subcommand(1);
   tools::addReplayCommand(app, status);
+  tools::addStreamCommand(app, status);
   tools::addTypesCommand(app, status);
   try
   {

@@ -200,6 +200,27 @@ void visit(Visitor& members, RecordingEntry& entry)
   entry.ambianceActivity = ambiance.activity;
 }
 
+template <typename Visitor>
+void visit(Visitor& members, BoundarySettings& boundaries)
+{
+  const auto boundary = [&members](const char* name, auto& field) { members.optional(name, field, !field); };
+  boundary("positive", boundaries.positive);
+  boundary("negative", boundaries.negative);
+  boundary("confidence", boundaries.confidence);
+  boundary("lookingAtRobot", boundaries.lookingAtRobot);
+  boundary("strictlyLookingAtRobot", boundaries.strictlyLookingAtRobot);
+  boundary("excited", boundaries.excited);
+}
+
+// The line without its time.
+template <typename Visitor>
+void visit(Visitor& members, StreamLine& line)
+{
+  members.optional("boundaries", line.boundaries, false);
+  members.optional("leave", line.leaving, line.leaving.empty());
+  visit(members, line.entry);
+}
+
 // Counts the readings.
 struct ReadingCounter
 {
@@ -564,6 +585,37 @@ void refuseContradictions(const RecordingEntry& entry)
     throw MemberError("observation", "there is none of a person who was not seen");
 }
 
+TimePoint timeOfLine(const Json& object, const boost::optional<TimePoint>& otherwise)
+{
+  std::int64_t time = nanosecondsOf(otherwise.value_or(TimePoint()));
+  const Path root;
+  ObjectReader members(object, root, TimePoint());
+  if (otherwise)
+    members.optional("time", time, false);
+  else
+    members.required("time", time);
+  if (time < 0)
+    throw MemberError("time", "is before 1970, which the library takes for never");
+  return timeOf(time);
+}
+
+// Reads the members of `line`, readings without a time having that of the line, which is `time`.
+template <typename Line>
+void readLine(std::string_view text, const boost::optional<TimePoint>& otherwise, TimePoint& time, Line& line)
+{
+  const Json object = parsed(text);
+  if (!object.is_object())
+    throw MemberError("", "expected a JSON object on one line, found " + quote(text));
+  time = timeOfLine(object, otherwise);
+
+  const Path root;
+  ObjectReader members(object, root, time);
+  std::int64_t known = 0;
+  members.optional("time", known, false);
+  visit(members, line);
+  members.finish();
+}
+
 }  // namespace
 
 std::string entryToJson(const RecordingEntry& entry)
@@ -577,25 +629,18 @@ std::string entryToJson(const RecordingEntry& entry)
 
 RecordingEntry entryFromJson(std::string_view text)
 {
-  const Json object = parsed(text);
-  if (!object.is_object())
-    throw MemberError("", "expected a JSON object on one line, found " + quote(text));
-
-  const Path root;
-  std::int64_t time = 0;
-  ObjectReader timeOnly(object, root, TimePoint());
-  timeOnly.required("time", time);
-  if (time < 0)
-    throw MemberError("time", "is before 1970, which the library takes for never");
-
   RecordingEntry entry;
-  entry.time = timeOf(time);
-  ObjectReader members(object, root, entry.time);
-  members.optional("time", time, false);
-  visit(members, entry);
-  members.finish();
+  readLine(text, {}, entry.time, entry);
   refuseContradictions(entry);
   return entry;
+}
+
+StreamLine streamLineFromJson(std::string_view text, boost::optional<ko::SystemClock::time_point> arrival)
+{
+  StreamLine line;
+  readLine(text, arrival, line.entry.time, line);
+  refuseContradictions(line.entry);
+  return line;
 }
 
 }  // namespace tools

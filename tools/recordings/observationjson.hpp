@@ -2,9 +2,13 @@
 
 #include "recording.hpp"
 
+#include <boost/optional/optional.hpp>
+
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tools
 {
@@ -35,5 +39,30 @@ std::string entryToJson(const RecordingEntry& entry);
 /// of
 ///   range, or lacks a member.
 RecordingEntry entryFromJson(std::string_view text);
+
+/// The boundaries of the library that a line of a live stream sets.
+struct BoundarySettings
+{
+  boost::optional<float> positive;
+  boost::optional<float> negative;
+  boost::optional<float> confidence;
+  boost::optional<float> lookingAtRobot;
+  boost::optional<float> strictlyLookingAtRobot;
+  boost::optional<float> excited;
+};
+
+/// A line of a live stream: a step of a recording, and what is asked besides.
+struct StreamLine
+{
+  BoundarySettings boundaries;
+  std::vector<std::int32_t> leaving;  ///< persons to forget
+  RecordingEntry entry;
+};
+
+/// Reads a line of a live stream, which may have the members "boundaries" and "leave" besides those of a step.
+///
+/// \param arrival stands in for a time that is left out; without it, none may be.
+/// \throws MemberError as entryFromJson() does.
+StreamLine streamLineFromJson(std::string_view text, boost::optional<ko::SystemClock::time_point> arrival);
 
 }  // namespace tools

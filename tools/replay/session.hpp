@@ -11,6 +11,7 @@
 
 #include <boost/optional/optional.hpp>
 
+#include <cstdint>
 #include <vector>
 
 namespace tools
@@ -25,6 +26,9 @@ public:
 
   /// Takes one step: scope starts, ambiance, person, scope stops.
   void play(const RecordingEntry& entry);
+
+  /// Forgets a person: who comes back under that number is somebody new.
+  void forget(std::int32_t person) { _graph.remove(person); }
 
   /// Ends the recording, which judges the scopes that are still open.
   void finish();

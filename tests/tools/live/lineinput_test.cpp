@@ -1,0 +1,117 @@
+#include "lineinput.hpp"
+
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <system_error>
+#include <vector>
+
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using tools::LineInput;
+
+class LineInputTest : public ::testing::Test
+{
+protected:
+  /// Takes all lines that are there; one that was too long is shown as "...".
+  std::vector<std::string> taken()
+  {
+    std::vector<std::string> lines;
+    std::string_view line;
+    for (auto kind = input.take(line); kind != LineInput::Line::NotYetHere; kind = input.take(line))
+      lines.push_back(kind == LineInput::Line::TooLong ? "..." : std::string(line));
+    return lines;
+  }
+
+  LineInput input{5};
+};
+
+TEST_F(LineInputTest, CutsAPieceIntoLines)
+{
+  input.add("one\ntwo\r\n\nthree\n");
+  EXPECT_THAT(taken(), ElementsAre("one", "two", "", "three"));
+}
+
+TEST_F(LineInputTest, HoldsALineBackUntilItIsComplete)
+{
+  input.add("o");
+  EXPECT_THAT(taken(), IsEmpty());
+  input.add("ne");
+  EXPECT_THAT(taken(), IsEmpty());
+  input.add("\ntw");
+  EXPECT_THAT(taken(), ElementsAre("one"));
+  input.add("o\n");
+  EXPECT_THAT(taken(), ElementsAre("two"));
+}
+
+TEST_F(LineInputTest, TakesAnEndWithoutALineEndForOne)
+{
+  input.add("one\ntwo");
+  input.end();
+  EXPECT_THAT(taken(), ElementsAre("one", "two"));
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(LineInputTest, SeesNoLineBehindTheLastLineEnd)
+{
+  input.add("one\n");
+  input.end();
+  EXPECT_THAT(taken(), ElementsAre("one"));
+}
+
+TEST_F(LineInputTest, TakesALineOfTheGreatestLength)
+{
+  input.add("12345\n");
+  EXPECT_THAT(taken(), ElementsAre("12345"));
+}
+
+TEST_F(LineInputTest, TellsOnceOfALineThatIsTooLong)
+{
+  input.add("123456\nnext\n");
+  EXPECT_THAT(taken(), ElementsAre("...", "next"));
+}
+
+TEST_F(LineInputTest, TellsOfALongLineInPiecesWhenItEnds)
+{
+  for (int i = 0; i < 1000; ++i)
+  {
+    input.add("12345678");
+    EXPECT_THAT(taken(), IsEmpty());
+  }
+  input.add("9\nnext\n");
+  EXPECT_THAT(taken(), ElementsAre("...", "next"));
+}
+
+TEST_F(LineInputTest, TellsOfALongLineThatTheInputEndsIn)
+{
+  input.add("1234567");
+  EXPECT_THAT(taken(), IsEmpty());
+  input.end();
+  EXPECT_THAT(taken(), ElementsAre("..."));
+  EXPECT_THAT(taken(), IsEmpty());
+}
+
+TEST_F(LineInputTest, ReadsFromAPipeToItsEnd)
+{
+  int ends[2];
+  ASSERT_EQ(0, pipe2(ends, O_CLOEXEC));
+  ASSERT_EQ(6, write(ends[1], "one\ntw", 6));
+  EXPECT_TRUE(input.readFrom(ends[0]));
+  EXPECT_THAT(taken(), ElementsAre("one"));
+  close(ends[1]);
+  EXPECT_FALSE(input.readFrom(ends[0]));
+  EXPECT_THAT(taken(), ElementsAre("tw"));
+  close(ends[0]);
+}
+
+TEST_F(LineInputTest, ThrowsIfItCannotRead)
+{
+  EXPECT_THROW(input.readFrom(-1), std::system_error);
+}
+
+}  // namespace

@@ -1,0 +1,180 @@
+#include "livesession.hpp"
+
+#include "entries.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::LiveSession;
+using tools::MemberError;
+using tools::Snapshot;
+using tools::StreamTimes;
+
+struct Log : tools::SessionObserver
+{
+  void personUpdated(const Snapshot& snapshot) override { snapshots.push_back(snapshot); }
+  std::vector<Snapshot> snapshots;
+};
+
+class LiveSessionTest : public ::testing::Test
+{
+protected:
+  LiveSession session(StreamTimes times)
+  {
+    return LiveSession(times, [this] { return wallClock; }, {&log});
+  }
+
+  /// Returns the member that the line is refused for, "-" if it is taken.
+  static std::string refusedFor(LiveSession& session, const std::string& line)
+  {
+    try
+    {
+      session.take(line);
+    }
+    catch (const MemberError& error)
+    {
+      return error.member();
+    }
+    return "-";
+  }
+
+  static std::string timed(double sinceStart, const std::string& rest)
+  {
+    return "{\"time\":" + std::to_string((start + inNanoseconds(sinceStart)).time_since_epoch().count()) + "," + rest +
+           "}";
+  }
+
+  ko::SystemClock::time_point wallClock = start;
+  Log log;
+};
+
+const std::string looksAtRobot =
+    R"("person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"headPosture":{"yaw":0,"pitch":0,"roll":0}})";
+
+TEST_F(LiveSessionTest, ShowsTheTimeOfArrival)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  live.take("{" + looksAtRobot + "}");
+  EXPECT_EQ(start, live.now());
+  wallClock += milliseconds(40);
+  live.take("{" + looksAtRobot + "}");
+  EXPECT_EQ(start + milliseconds(40), live.now());
+  EXPECT_EQ(start + milliseconds(40), log.snapshots.back().time);
+}
+
+TEST_F(LiveSessionTest, StandsStillWhenTheWallClockIsSetBack)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  live.take("{" + looksAtRobot + "}");
+  wallClock -= seconds(60);
+  live.take("{" + looksAtRobot + "}");
+  EXPECT_EQ(start, live.now());
+}
+
+TEST_F(LiveSessionTest, TakesTheTimeOfALineForThatOfItsReadingsOnArrival)
+{
+  LiveSession late = session(StreamTimes::Arrival);
+  late.take(timed(-2.5, looksAtRobot));
+  EXPECT_EQ(start, late.now());
+  const float old = log.snapshots.back().attention.confidence;
+
+  LiveSession fresh = session(StreamTimes::Arrival);
+  fresh.take("{" + looksAtRobot + "}");
+  EXPECT_LT(old, log.snapshots.back().attention.confidence);
+}
+
+TEST_F(LiveSessionTest, RefusesTimesOfTheFuture)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  EXPECT_EQ("-", refusedFor(live, timed(1., looksAtRobot)));
+  EXPECT_EQ("time", refusedFor(live, timed(1.001, looksAtRobot)));
+}
+
+TEST_F(LiveSessionTest, ShowsTheTimeOfTheLines)
+{
+  LiveSession live = session(StreamTimes::Lines);
+  live.take(timed(5., looksAtRobot));
+  EXPECT_EQ(start + seconds(5), live.now());
+}
+
+TEST_F(LiveSessionTest, NeedsTimesThatDoNotRunBackInTheLines)
+{
+  LiveSession live = session(StreamTimes::Lines);
+  EXPECT_EQ("time", refusedFor(live, "{" + looksAtRobot + "}"));
+  EXPECT_EQ("-", refusedFor(live, timed(5., looksAtRobot)));
+  EXPECT_EQ("-", refusedFor(live, timed(5., looksAtRobot)));
+  EXPECT_EQ("time", refusedFor(live, timed(4.999, looksAtRobot)));
+  EXPECT_EQ(start + seconds(5), live.now());
+}
+
+TEST_F(LiveSessionTest, ForgetsWhoLeaves)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  for (int i = 0; i < 10; ++i, wallClock += milliseconds(100))
+    live.take("{" + looksAtRobot + "}");
+  const float known = log.snapshots.back().attention.value;
+
+  live.take(R"({"leave":[1,7]})");
+  live.take(R"({"person":1,"seen":false})");
+  EXPECT_EQ(10u, log.snapshots.size()) << "who has left does not age";
+  live.take("{" + looksAtRobot + "}");
+  EXPECT_LT(log.snapshots.back().attention.value, known) << "who comes back is somebody new";
+}
+
+TEST_F(LiveSessionTest, TakesNothingFromABlankLine)
+{
+  LiveSession live = session(StreamTimes::Lines);
+  live.take("");
+  live.take(" \t");
+  EXPECT_TRUE(log.snapshots.empty());
+}
+
+class LiveBoundaries : public LiveSessionTest
+{
+protected:
+  ~LiveBoundaries() override
+  {
+    KV::PersonState::setBinaryBoundaryPositive(0.2f);
+    KV::PersonState::setBinaryBoundaryNegative(-0.2f);
+    KV::PersonState::setBinaryBoundaryConfidence(0.4f);
+    KV::PersonState::setBinaryBoundaryLookingAtRobot(0.6f);
+    KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot(0.9f);
+    KV::AmbianceState::setBinaryBoundaryExcited(0.4f);
+  }
+
+  LiveSession live = session(StreamTimes::Arrival);
+};
+
+TEST_F(LiveBoundaries, AreSetByTheirNames)
+{
+  live.take(R"({"boundaries":{"positive":0.25,"negative":-0.3,"confidence":0.5,"lookingAtRobot":0.55,)"
+            R"("strictlyLookingAtRobot":0.8,"excited":0.45}})");
+  EXPECT_EQ(0.25f, KV::PersonState::getBinaryBoundaryPositive());
+  EXPECT_EQ(-0.3f, KV::PersonState::getBinaryBoundaryNegative());
+  EXPECT_EQ(0.5f, KV::PersonState::getBinaryBoundaryConfidence());
+  EXPECT_EQ(0.55f, KV::PersonState::getBinaryBoundaryLookingAtRobot());
+  EXPECT_EQ(0.8f, KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot());
+  EXPECT_EQ(0.45f, KV::AmbianceState::getBinaryBoundaryExcited());
+}
+
+TEST_F(LiveBoundaries, StayIfOneOfThemIsRejected)
+{
+  EXPECT_EQ("boundaries.excited", refusedFor(live, R"({"boundaries":{"positive":0.25,"excited":1}})"));
+  EXPECT_EQ(0.2f, KV::PersonState::getBinaryBoundaryPositive());
+  EXPECT_EQ(0.4f, KV::AmbianceState::getBinaryBoundaryExcited());
+}
+
+TEST_F(LiveBoundaries, MustBeKnown)
+{
+  EXPECT_EQ("boundaries.engaged", refusedFor(live, R"({"boundaries":{"engaged":0.5}})"));
+  EXPECT_EQ("boundaries.positive", refusedFor(live, R"({"boundaries":{"positive":"high"}})"));
+  EXPECT_EQ("boundaries", refusedFor(live, R"({"boundaries":0.5})"));
+}
+
+}  // namespace

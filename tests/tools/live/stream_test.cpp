@@ -1,0 +1,158 @@
+#include "stream.hpp"
+
+#include "entries.hpp"
+#include "jsonlexport.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+namespace
+{
+
+using namespace replaytests;
+using nlohmann::json;
+using testing::HasSubstr;
+using tools::Stream;
+using tools::StreamTimes;
+
+class StreamTest : public ::testing::Test
+{
+protected:
+  json answer(const std::string& line)
+  {
+    const std::string text = stream.answer(line);
+    EXPECT_EQ(text.size() - 1, text.find('\n')) << "an answer is one line: " << text;
+    return json::parse(text);
+  }
+
+  Stream stream{StreamTimes::Lines, [] { return start; }};
+};
+
+std::string lineOf(const tools::RecordingEntry& entry)
+{
+  return tools::entryToJson(entry);
+}
+
+TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
+{
+  const auto entry = [](int i) {
+    return i % 10 == 9 ? notSeenAt(0.1 * i, 3) : seenAt(0.1 * i, 3, 0.02f * static_cast<float>(i));
+  };
+  std::stringstream exported;
+  {
+    tools::JsonlExport replayed(exported);
+    tools::Session session({}, {&replayed});
+    for (int i = 0; i < 50; ++i)
+      session.play(entry(i));
+  }
+  for (int i = 0; i < 50; ++i)
+  {
+    std::string line;
+    ASSERT_TRUE(std::getline(exported, line));
+    json expected = json::parse(line);
+    json found = answer(lineOf(entry(i)));
+    EXPECT_EQ(i + 1, found["line"]);
+    for (const char* const name : {"recording", "time", "clock"})
+      expected.erase(name);
+    for (const char* const name : {"line", "time"})
+      found.erase(name);
+    EXPECT_EQ(expected, found);
+  }
+}
+
+TEST_F(StreamTest, TellsTheTimeInNanoseconds)
+{
+  EXPECT_EQ(1577836802500000000, answer(lineOf(entryAt(2.5)))["time"]);
+}
+
+TEST_F(StreamTest, SaysNothingOfPersonsInALineAboutNobody)
+{
+  EXPECT_FALSE(answer(lineOf(entryAt(1.))).contains("person"));
+  EXPECT_FALSE(answer(lineOf(notSeenAt(2., 4))).contains("person")) << "who was never seen is nobody";
+}
+
+TEST_F(StreamTest, TellsOfTheRoom)
+{
+  tools::RecordingEntry entry = entryAt(1.);
+  entry.ambianceActivity = 0.9f;
+  const json found = answer(lineOf(entry));
+  EXPECT_GT(found["agitation"], 0.);
+  EXPECT_EQ(true, found["excited"]);
+  EXPECT_FALSE(answer(lineOf(entryAt(2.))).contains("agitation"));
+}
+
+TEST_F(StreamTest, TellsTheVerdictsOfStoppedScopes)
+{
+  tools::RecordingEntry first = seenAt(0., 3);
+  first.scopeStarts = {{"greeting", -1}, {"short", 1}};
+  answer(lineOf(first));
+  answer(lineOf(seenAt(0.1, 5)));
+  tools::RecordingEntry last = seenAt(0.2, 3);
+  last.scopeStops = {"short", "greeting", "other"};
+
+  const json verdicts = answer(lineOf(last))["verdicts"];
+  ASSERT_EQ(3u, verdicts.size());
+  EXPECT_EQ("short", verdicts[0]["scope"]);
+  EXPECT_EQ(1, verdicts[0]["persons"][0]["updates"]);
+  EXPECT_EQ("greeting", verdicts[1]["scope"]);
+  EXPECT_EQ(3, verdicts[1]["persons"][0]["person"]);
+  EXPECT_EQ(2, verdicts[1]["persons"][0]["updates"]);
+  EXPECT_THAT(verdicts[1]["persons"][0]["verdict"], testing::AnyOf("positive", "unknown", "neutral"));
+  EXPECT_EQ(5, verdicts[1]["persons"][1]["person"]);
+  EXPECT_EQ("error", verdicts[2]["verdict"]);
+  EXPECT_FALSE(answer(lineOf(entryAt(0.3))).contains("verdicts")) << "a verdict is told once";
+}
+
+TEST_F(StreamTest, PassesTheWarningsOfTheLibraryOn)
+{
+  tools::RecordingEntry old = entryAt(4.);
+  old.person = 3;
+  old.observation.voiceEmotion.emplace(start, KV::VoiceEmotion());
+  const json found = answer(lineOf(old));
+  ASSERT_TRUE(found.contains("warnings")) << found;
+  EXPECT_THAT(found["warnings"][0], HasSubstr("old observation from 4 s ago of Voice Emotion"));
+  EXPECT_FALSE(answer(lineOf(seenAt(4.1, 3))).contains("warnings"));
+}
+
+TEST_F(StreamTest, GoesOnBehindABadLine)
+{
+  answer(lineOf(seenAt(0., 3)));
+  const json bad = answer(R"({"time":1577836801000000000,"person":3,"observation":{"smile":{"value":"wide"}}})");
+  EXPECT_EQ(2, bad["line"]);
+  EXPECT_EQ("observation.smile.value", bad["error"]["field"]);
+  EXPECT_THAT(bad["error"]["message"], HasSubstr("expected a number"));
+  EXPECT_EQ(2u, bad.size());
+  EXPECT_EQ(3, answer(lineOf(seenAt(0.5, 3)))["line"]);
+}
+
+TEST_F(StreamTest, TellsOfWhatIsNoJsonWithoutAField)
+{
+  for (const char* const text : {"x", "[1,2]", "{\"time\":1", "\xff\xfe", "{\"\xc3\x28\":1}", "{\"time\":1e999}"})
+  {
+    const json bad = answer(text);
+    EXPECT_FALSE(bad["error"].contains("field")) << text;
+    EXPECT_FALSE(bad["error"]["message"].get<std::string>().empty()) << text;
+  }
+}
+
+TEST_F(StreamTest, RefusesALineThatIsTooLong)
+{
+  answer(lineOf(entryAt(0.)));
+  const json bad = json::parse(stream.answerToLongLine(1000));
+  EXPECT_EQ(2, bad["line"]);
+  EXPECT_EQ("is longer than 1000 bytes", bad["error"]["message"]);
+}
+
+TEST_F(StreamTest, ChangesNothingByALineThatItRefuses)
+{
+  const json bad = answer(R"({"time":1577836801000000000,"start":[{"scope":"s"}],"stop":["s",1]})");
+  EXPECT_TRUE(bad.contains("error"));
+  tools::RecordingEntry stop = entryAt(2.);
+  stop.scopeStops = {"s"};
+  EXPECT_EQ("error", answer(lineOf(stop))["verdicts"][0]["verdict"]);
+}
+
+}  // namespace

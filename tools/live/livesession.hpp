@@ -1,0 +1,50 @@
+#pragma once
+
+#include "observationjson.hpp"
+#include "session.hpp"
+#include "sessionobserver.hpp"
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace tools
+{
+
+/// What the clock of a live session shows during a step.
+enum class StreamTimes
+{
+  Arrival,  ///< the time at which the line came in
+  Lines     ///< the time that the line tells
+};
+
+/// Takes the lines of a live stream into one session.
+///
+/// A line takes effect as a whole or, if it is refused, not at all.
+class LiveSession
+{
+public:
+  /// Makes a session in which nobody is known; the observers must outlive it.
+  ///
+  /// It sets the clock of its thread, so `wallClock`, which tells when a line came in, must not read that.
+  LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers);
+
+  /// Takes one line; an empty one says nothing.
+  ///
+  /// \throws MemberError if the line is refused.
+  void take(std::string_view line);
+
+  /// Returns the time of the last step.
+  TimePoint now() const { return _now; }
+
+private:
+  StreamLine _readAtArrival(std::string_view text) const;
+  StreamLine _readAtItsTime(std::string_view text) const;
+
+  StreamTimes _times;
+  std::function<TimePoint()> _wallClock;
+  Session _session;
+  TimePoint _now;
+};
+
+}  // namespace tools

@@ -1,0 +1,118 @@
+#include "streamcommand.hpp"
+
+#include "inputfile.hpp"
+#include "interruption.hpp"
+#include "lineinput.hpp"
+#include "livearguments.hpp"
+#include "outputstream.hpp"
+#include "stream.hpp"
+#include "waiting.hpp"
+
+// CLI11 counts on all of its headers being included in order.
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <memory>
+#include <string_view>
+
+namespace tools
+{
+
+namespace
+{
+
+const char* const description = "Answers observations as they come with what the library thinks of the persons";
+
+const char* const footer =
+    R"(Reads JSON Lines, each a step as in a recording, from standard input, and answers each with a line of JSON on
+standard output, at once. In a line the time may be left out, and these members are known besides those of a recording:
+  boundaries  boundaries of the library to set, such as {"positive":0.3,"lookingAtRobot":0.7}
+  leave       list of the numbers of persons to forget
+
+An answer has these members:
+  line, time                         number of the line that it answers, and nanoseconds since 1970
+  person, seen, valence, ...         of the person whom the line is about: as 'skeigiot replay --jsonl'
+  agitation, excited                 of the room, if the line tells its activity
+  verdicts                           on the scopes that the line stops
+  warnings                           of the library
+  error                              instead of all but line: the line was refused, and changed nothing
+
+It ends at the end of the input, when it is interrupted or terminated, and when nobody reads the answers any more.
+
+Example:
+  echo '{"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}}' | skeigiot stream)";
+
+constexpr std::size_t longestLine = InputFile::longestLine;
+
+void waitUntilWritable(int fileDescriptor)
+{
+  std::vector<pollfd> descriptors{{fileDescriptor, POLLOUT, 0}};
+  while (!waitFor(descriptors))
+  {}
+}
+
+void waitUntilReadable(int fileDescriptor)
+{
+  std::vector<pollfd> descriptors{{fileDescriptor, POLLIN, 0}};
+  while (!waitFor(descriptors))
+  {}
+}
+
+void answerWhatIsThere(LineInput& input, Stream& stream, OutputStream& output)
+{
+  std::string_view line;
+  for (;;)
+  {
+    const LineInput::Line kind = input.take(line);
+    if (kind == LineInput::Line::NotYetHere)
+      return;
+    output << (kind == LineInput::Line::TooLong ? stream.answerToLongLine(longestLine) : stream.answer(line));
+    waitUntilWritable(STDOUT_FILENO);
+    output.flush();
+  }
+}
+
+void answerAll(StreamTimes times)
+{
+  OutputStream output(STDOUT_FILENO, "standard output");
+  Stream stream(times, wallClock);
+  LineInput input(longestLine);
+  bool more = true;
+  while (more)
+  {
+    waitUntilReadable(STDIN_FILENO);
+    more = input.readFrom(STDIN_FILENO);
+    answerWhatIsThere(input, stream, output);
+  }
+}
+
+/// Whoever feeds it ends it, or whoever reads from it: neither is a failure.
+ExitStatus run(StreamTimes times)
+{
+  try
+  {
+    answerAll(times);
+  }
+  catch (const Interrupted&)
+  {}
+  catch (const WriteError& error)
+  {
+    if (!error.pipeClosed())
+      throw;
+  }
+  return Success;
+}
+
+}  // namespace
+
+void addStreamCommand(CLI::App& app, ExitStatus& status)
+{
+  const auto times = std::make_shared<StreamTimes>(StreamTimes::Arrival);
+  CLI::App& command = *app.add_subcommand("stream", description);
+  addTimesOption(command, *times);
+  command.footer(footer);
+  command.callback([times, &status] { status = run(*times); });
+}
+
+}  // namespace tools

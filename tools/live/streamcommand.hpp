@@ -1,0 +1,13 @@
+#pragma once
+
+#include "exitstatus.hpp"
+
+#include <CLI/App.hpp>
+
+namespace tools
+{
+
+/// Adds the subcommand "stream"; when it is parsed it runs, and leaves its status.
+void addStreamCommand(CLI::App& app, ExitStatus& status);
+
+}  // namespace tools
