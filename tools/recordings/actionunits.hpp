@@ -1,41 +1,19 @@
 #pragma once
 
-#include <skeigiot/expressions.hpp>
-#include <skeigiot/smile.hpp>
+#include "scoretable.hpp"
 
-#include <array>
-#include <cstddef>
-#include <optional>
-#include <vector>
+#include <string>
 
 namespace tools
 {
 
-/// The action units of the Facial Action Coding System that the readings below are made of.
-constexpr std::array<int, 11> usedActionUnits = {1, 2, 4, 5, 6, 7, 12, 15, 23, 25, 26};
+/// Returns which action units make which readings; the scores are named AU01, AU02, and so on.
+const ScoreTable& actionUnitTable();
 
-/// Intensities of the used action units of one face, each in [0, 1] or unknown.
-class ActionUnits
-{
-public:
-  ActionUnits();
+/// Tells whether this is the name of an action unit as the table has it.
+bool isActionUnitName(const std::string& name);
 
-  /// Sets the intensity of the action unit usedActionUnits[index]: `intensity` of `fullScale`, no more than 1 and no
-  /// less than 0; NaN is unknown.
-  void set(std::size_t index, double intensity, float fullScale);
-
-  /// Returns the mean intensity of these action units; NaN if one of them is unknown.
-  float mean(const std::vector<int>& units) const;
-
-private:
-  std::array<float, usedActionUnits.size()> _intensities{};  // NaN is unknown
-};
-
-/// Returns the smile (action unit 12) with this confidence, or nothing if it is unknown.
-std::optional<KV::Smile> smileOf(const ActionUnits& units, float confidence);
-
-/// Returns the expressions with this confidence each, and confidence 0 where an action unit is unknown; nothing if all
-/// are unknown.
-std::optional<KV::Expressions> expressionsOf(const ActionUnits& units, float confidence);
+/// Returns an intensity as part of the full scale, no more than 1 and no less than 0; NaN stays NaN.
+float actionUnitScore(double intensity, float fullScale);
 
 }  // namespace tools

@@ -1,6 +1,6 @@
 #include "frametimes.hpp"
 
-#include <boost/chrono/duration.hpp>
+#include "recordingclock.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -12,12 +12,8 @@ namespace tools
 {
 namespace
 {
-constexpr double recordingEpoch = 1577836800.0;  // [s] 2020-01-01T00:00:00Z
-constexpr double earliestEpochTimestamp = 1e9;   // [s] what is later than this counts since 1970
-constexpr double assumedRate = 30.0;             // [frames/s]
-constexpr double greatestUsualRate = 120.0;      // [frames/s]
-constexpr double nanosecondsPerSecond = 1e9;
-constexpr double greatestSecond = 9.2e9;  // [s] before and after 1970 that nanoseconds in 64 bits can count
+constexpr double leastUsualRate = 0.1;       // [frames/s]
+constexpr double greatestUsualRate = 120.0;  // [frames/s]
 
 bool haveTimestamps(const std::vector<Frame>& frames)
 {
@@ -57,18 +53,10 @@ std::string rounded(double rate)
   return text.str();
 }
 
-// Whole seconds and the rest apart: a double does not hold the nanoseconds since 1970.
-ko::SystemClock::time_point timePoint(double origin, double seconds)
-{
-  const double whole = std::floor(seconds);
-  const auto nanoseconds = static_cast<std::int64_t>(std::llround((seconds - whole) * nanosecondsPerSecond));
-  return ko::SystemClock::time_point(boost::chrono::seconds(static_cast<std::int64_t>(origin + whole)) +
-                                     boost::chrono::nanoseconds(nanoseconds));
-}
-
 }  // namespace
 
-FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames)
+FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames,
+                       const AssumedRate& assumedRate)
   : _source(givenRate                     ? Source::GivenRate
             : haveTimestamps(firstFrames) ? Source::Timestamps
                                           : Source::AssumedRate),
@@ -84,10 +72,10 @@ FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>
   }
   else
   {
-    _framesPerSecond = givenRate.value_or(assumedRate);
+    _framesPerSecond = givenRate.value_or(assumedRate.framesPerSecond);
     _timestampOrigin = recordingEpoch;
   }
-  _describe();
+  _describe(assumedRate);
 }
 
 std::optional<ko::SystemClock::time_point> FrameTimes::timeOf(const Frame& frame) const
@@ -95,7 +83,7 @@ std::optional<ko::SystemClock::time_point> FrameTimes::timeOf(const Frame& frame
   const auto seconds = _secondsOf(frame);
   if (!seconds || !(std::abs(_timestampOrigin + *seconds) <= greatestSecond))
     return {};
-  return timePoint(_timestampOrigin, *seconds);
+  return timeAfter(_timestampOrigin, *seconds);
 }
 
 std::int64_t FrameTimes::missingBetween(const Frame& earlier, const Frame& later) const
@@ -117,7 +105,7 @@ std::optional<double> FrameTimes::_secondsOf(const Frame& frame) const
   return static_cast<double>(frame.number - _firstNumber) / _framesPerSecond;
 }
 
-void FrameTimes::_describe()
+void FrameTimes::_describe(const AssumedRate& assumedRate)
 {
   const std::string step = _usualStep > 1 ? " (every frame number counts " + std::to_string(_usualStep) + ")" : "";
   const double cyclesPerSecond = _framesPerSecond / static_cast<double>(_usualStep);
@@ -129,14 +117,13 @@ void FrameTimes::_describe()
       break;
     case Source::Timestamps:
       _description = rate + " by the time stamps";
-      if (cyclesPerSecond > greatestUsualRate)
+      if (_framesPerSecond > 0.0 && (cyclesPerSecond > greatestUsualRate || cyclesPerSecond < leastUsualRate))
         _warning = "the time stamps tell of " + rate +
                    ", and are used as they are; give the rate of the video (--fps) " + "if it was another";
       break;
     case Source::AssumedRate:
-      _description = rounded(_framesPerSecond) + " frames/s assumed, since there are no time stamps";
-      _warning = "there are no time stamps: " + rounded(_framesPerSecond) + " frames/s are assumed; give the rate of " +
-                 "the video (--fps) if it was another";
+      _description = rounded(_framesPerSecond) + " frames/s assumed, " + assumedRate.reason;
+      _warning = assumedRate.warning;
       break;
   }
 }

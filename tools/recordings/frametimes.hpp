@@ -20,6 +20,16 @@ struct Frame
   bool operator!=(const Frame& other) const { return !(*this == other); }
 };
 
+/// What to assume of a video of which neither the user nor a time stamp tells the rate.
+struct AssumedRate
+{
+  double framesPerSecond = 30.0;
+  std::string reason = "since there are no time stamps";
+  std::string warning =
+      "there are no time stamps: 30 frames/s are assumed; give the rate of the video (--fps) if it "
+      "was another";  ///< empty if the rate is not doubtful
+};
+
 /// Tells when the frames of a video were taken: by the rate that the user gives, else by the file's time stamps, else
 /// by an assumed rate.
 ///
@@ -29,7 +39,8 @@ class FrameTimes
 {
 public:
   /// Decides by the first frames of the file, of which there must be one at least.
-  FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames);
+  FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames,
+             const AssumedRate& assumedRate = {});
 
   /// Returns the time of the frame; nothing if it counts by time stamps and the frame has none, or if it lies beyond
   /// what the clock can show.
@@ -55,7 +66,7 @@ private:
   };
 
   std::optional<double> _secondsOf(const Frame& frame) const;
-  void _describe();
+  void _describe(const AssumedRate& assumedRate);
 
   Source _source;
   double _framesPerSecond = 0.0;  // of frame numbers; 0 if unknown

@@ -1,11 +1,10 @@
 #include "openfacecolumns.hpp"
 
+#include "actionunits.hpp"
+#include "description.hpp"
 #include "recording.hpp"
 
 #include <algorithm>
-#include <cctype>
-#include <map>
-#include <numeric>
 
 namespace tools
 {
@@ -28,122 +27,16 @@ bool isOneOf(const std::vector<std::string>& names, const std::string& name)
 // AU06_r or AU06_c, as only OpenFace writes it.
 bool isActionUnit(const std::string& name)
 {
-  const auto isDigit = [](char character) { return std::isdigit(static_cast<unsigned char>(character)) != 0; };
-  return name.size() == 6 && name.compare(0, 2, "AU") == 0 && isDigit(name[2]) && isDigit(name[3]) && name[4] == '_' &&
+  return name.size() == 6 && isActionUnitName(name.substr(0, 4)) && name[4] == '_' &&
          (name[5] == 'r' || name[5] == 'c');
 }
 
-bool isOfOpenFace(const std::string& name)
-{
-  static const std::vector<std::string> others = {"frame", "face_id", "timestamp", "confidence", "success"};
-  return isOneOf(others, name) || isOneOf(positionNames, name) || isOneOf(rotationNames, name) ||
-         isOneOf(gazeAngleNames, name) || isOneOf(gazeVectorNames, name) || isActionUnit(name);
-}
-
-std::string_view trimmed(std::string_view text)
-{
-  constexpr std::string_view around = " \t\r\"";
-  const std::size_t begin = text.find_first_not_of(around);
-  if (begin == std::string_view::npos)
-    return {};
-  return text.substr(begin, text.find_last_not_of(around) + 1 - begin);
-}
-
-// How many names of OpenFace there are between these delimiters.
-std::ptrdiff_t namesOfOpenFace(std::string_view header, std::string_view delimiters)
-{
-  std::ptrdiff_t count = 0;
-  while (true)
-  {
-    const std::size_t end = header.find_first_of(delimiters);
-    count += isOfOpenFace(std::string(trimmed(header.substr(0, end)))) ? 1 : 0;
-    if (end == std::string_view::npos)
-      return count;
-    header.remove_prefix(end + 1);
-  }
-}
-
-std::string actionUnitName(int unit)
-{
-  return std::string(unit < 10 ? "AU0" : "AU") + std::to_string(unit) + "_r";
-}
-
-std::vector<std::string> landmarkNames()
-{
-  std::vector<std::string> names;
-  for (const char* const axis : {"x_", "y_"})
-    for (const int landmark : facialPointLandmarks)
-      names.push_back(axis + std::to_string(landmark));
-  return names;
-}
-
-std::string list(const std::vector<std::string>& names)
-{
-  return std::accumulate(std::next(names.begin()), names.end(), names.front(),
-                         [](std::string text, const std::string& name) { return std::move(text) + ", " + name; });
-}
-
-// The header as an index of its names.
-class Header
-{
-public:
-  Header(const std::vector<std::string_view>& fields, const RecordingError::Place& place)
-  {
-    for (std::size_t i = 0; i < fields.size(); ++i)
-    {
-      const std::string name(trimmed(fields[i]));
-      if (!_indices.emplace(name, i).second && isOfOpenFace(name))
-        throw RecordingError({place.file, place.line, name}, "this column is there twice");
-    }
-  }
-
-  bool has(const std::string& name) const { return _indices.count(name) > 0; }
-
-  std::optional<std::size_t> find(const std::string& name) const
-  {
-    const auto found = _indices.find(name);
-    return found == _indices.end() ? std::nullopt : std::make_optional(found->second);
-  }
-
-  template <std::size_t Count>
-  OpenFaceColumns::Group<Count> find(const std::vector<std::string>& names, OpenFaceColumns::Group<Count>) const
-  {
-    std::array<std::size_t, Count> indices{};
-    for (std::size_t i = 0; i < Count; ++i)
-    {
-      const auto index = find(names.at(i));
-      if (!index)
-        return {};
-      indices.at(i) = *index;
-    }
-    return indices;
-  }
-
-private:
-  std::map<std::string, std::size_t> _indices;
-};
-
-void refuseOtherDelimiters(const std::vector<std::string_view>& header, const RecordingError::Place& place)
-{
-  if (header.size() != 1)
-    return;
-  const struct
-  {
-    const char* delimiter;
-    const char* name;
-  } others[] = {{";", "semicolons"}, {"\t", "tabs"}, {"|", "bars"}};
-  for (const auto& other : others)
-    if (namesOfOpenFace(header.front(), other.delimiter) >= tellingNames)
-      throw RecordingError(place, std::string("the columns are separated by ") + other.name +
-                                      "; expected commas, and numbers with a decimal point");
-}
-
 // OpenFace 3 counts its action units through and calls them AU01_r to AU08_r: AU02_r is action unit 6 there.
-void refuseOpenFace3(const Header& header, const RecordingError::Place& place)
+void refuseOpenFace3(const CsvHeader& header)
 {
   if (header.has("AU03_r"))
     throw RecordingError(
-        {place.file, place.line, "AU03_r"},
+        {header.place().file, header.place().line, "AU03_r"},
         "OpenFace 2 has no such action unit: this is the layout of OpenFace 3, whose columns AU01_r to "
         "AU08_r hold other action units than their names say; expected a file of OpenFace 2");
 }
@@ -153,8 +46,8 @@ void refuseWhatTellsNothing(const OpenFaceColumns& columns, const RecordingError
   if (!columns.frame && !columns.timestamp)
     throw RecordingError(place, "there is no column frame and none timestamp; expected one of them at least");
   if (!columns.rotation && !columns.hasGaze() && !columns.hasActionUnits())
-    throw RecordingError(place, "there is nothing to read; expected head pose (" + list(rotationNames) + "), gaze (" +
-                                    list(gazeAngleNames) + "; or " + list(gazeVectorNames) +
+    throw RecordingError(place, "there is nothing to read; expected head pose (" + listed(rotationNames) + "), gaze (" +
+                                    listed(gazeAngleNames) + "; or " + listed(gazeVectorNames) +
                                     ") or action units (such as AU06_r, AU12_r)");
 }
 
@@ -165,37 +58,37 @@ bool OpenFaceColumns::hasActionUnits() const
   return std::any_of(actionUnits.begin(), actionUnits.end(), [](const auto& column) { return column.has_value(); });
 }
 
-bool looksLikeOpenFace(const std::string& head)
+bool isOfOpenFace(const std::string& name)
 {
-  const std::size_t begin = std::min(head.find_first_not_of("\r\n"), head.size());
-  const auto header = std::string_view(head).substr(begin, head.find('\n', begin) - begin);
-  return namesOfOpenFace(header, ",;\t|") >= tellingNames;
+  static const std::vector<std::string> others = {"frame", "face_id", "timestamp", "confidence", "success"};
+  return isOneOf(others, name) || isOneOf(positionNames, name) || isOneOf(rotationNames, name) ||
+         isOneOf(gazeAngleNames, name) || isOneOf(gazeVectorNames, name) || isActionUnit(name);
 }
 
-OpenFaceColumns findOpenFaceColumns(const std::vector<std::string_view>& header, const std::string& file,
-                                    std::size_t line)
+bool looksLikeOpenFace(const std::string& head)
 {
-  const RecordingError::Place place{file, line, {}};
-  refuseOtherDelimiters(header, place);
-  const Header index(header, place);
-  refuseOpenFace3(index, place);
+  const auto names = namesIn(headerLineOf(head), ",;\t|");
+  return std::count_if(names.begin(), names.end(), isOfOpenFace) >= tellingNames;
+}
+
+OpenFaceColumns findOpenFaceColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits)
+{
+  refuseOpenFace3(header);
 
   OpenFaceColumns columns;
-  columns.names.assign(header.begin(), header.end());
-  columns.frame = index.find("frame");
-  columns.timestamp = index.find("timestamp");
-  columns.faceId = index.find("face_id");
-  columns.confidence = index.find("confidence");
-  columns.success = index.find("success");
-  columns.position = index.find(positionNames, columns.position);
-  columns.rotation = index.find(rotationNames, columns.rotation);
-  columns.gazeAngle = index.find(gazeAngleNames, columns.gazeAngle);
-  columns.gazeVectors = index.find(gazeVectorNames, columns.gazeVectors);
-  columns.landmarks = index.find(landmarkNames(), columns.landmarks);
-  for (std::size_t i = 0; i < usedActionUnits.size(); ++i)
-    columns.actionUnits.at(i) = index.find(actionUnitName(usedActionUnits.at(i)));
+  columns.frame = header.find("frame");
+  columns.timestamp = header.find("timestamp");
+  columns.confidence = header.find("confidence");
+  columns.success = header.find("success");
+  columns.position = header.findAll<3>(positionNames);
+  columns.rotation = header.findAll<3>(rotationNames);
+  columns.gazeAngle = header.findAll<2>(gazeAngleNames);
+  columns.gazeVectors = header.findAll<6>(gazeVectorNames);
+  columns.landmarks = findLandmarks(header);
+  for (const std::string& unit : actionUnits)
+    columns.actionUnits.push_back(header.find(unit + "_r"));
 
-  refuseWhatTellsNothing(columns, place);
+  refuseWhatTellsNothing(columns, header.place());
   return columns;
 }
 

@@ -78,6 +78,8 @@ struct ReadingOptions
   boost::optional<float> cameraHeight;  ///< [m] above the floor; without it head heights are unknown
   float minimalConfidence = 0.7f;       ///< below this a face counts as not tracked
   float actionUnitFullScale = 5.f;      ///< action-unit intensity that counts as 1
+  std::string mapping;                  ///< file that says how scores become readings; empty is the built-in tables
+  std::string personColumn;             ///< column of a CSV file that names the person; empty is the format's own
 };
 
 /// Reads one recording, step by step and in constant memory.

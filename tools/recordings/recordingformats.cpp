@@ -1,8 +1,10 @@
 #include "recording.hpp"
 
+#include "facereader.hpp"
 #include "inputfile.hpp"
 #include "jsonlinesreader.hpp"
-#include "openfacereader.hpp"
+#include "openfacecolumns.hpp"
+#include "openfacerows.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -15,9 +17,10 @@ namespace
 // [bytes] holds the header of thousands of columns
 constexpr std::size_t headSize = std::size_t{64} << 10U;
 
-std::unique_ptr<RecordingReader> openOpenFace(const std::string& path, const ReadingOptions& options)
+template <typename Rows>
+std::unique_ptr<RecordingReader> openFaces(const std::string& path, const ReadingOptions& options)
 {
-  return std::make_unique<OpenFaceReader>(path, options);
+  return std::make_unique<FaceReader>(std::make_unique<Rows>(path, options), options);
 }
 
 std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const ReadingOptions&)
@@ -72,7 +75,7 @@ const RecordingFormat& formatOf(const std::string& path)
 const std::vector<RecordingFormat>& recordingFormats()
 {
   static const std::vector<RecordingFormat> formats = {
-      {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openOpenFace},
+      {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openFaces<OpenFaceRows>},
       {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
   };
   return formats;

@@ -2,71 +2,86 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
 #include <ostream>
+#include <string>
+#include <vector>
 
 namespace
 {
 constexpr float fullScale = 5.f;
 constexpr float confidence = 0.9f;
+constexpr float unknown = std::numeric_limits<float>::quiet_NaN();
 
-// All used action units, 0 but for these.
-tools::ActionUnits faceWith(const std::map<int, double>& intensities)
+const tools::ScoreReadings& readings()
 {
-  tools::ActionUnits units;
-  for (std::size_t i = 0; i < tools::usedActionUnits.size(); ++i)
-  {
-    const auto found = intensities.find(tools::usedActionUnits.at(i));
-    units.set(i, found == intensities.end() ? 0.0 : found->second, fullScale);
-  }
-  return units;
+  static const tools::ScoreReadings readings(tools::actionUnitTable());
+  return readings;
 }
 
-KV::Expressions expressionsWith(const std::map<int, double>& intensities)
+// The action units of the table, `others` but for these.
+std::vector<float> faceWith(const std::map<std::string, double>& intensities, float others = 0.f)
 {
-  return tools::expressionsOf(faceWith(intensities), confidence).value();
+  std::vector<float> scores;
+  for (const std::string& unit : readings().names())
+  {
+    const auto found = intensities.find(unit);
+    scores.push_back(found == intensities.end() ? others : tools::actionUnitScore(found->second, fullScale));
+  }
+  return scores;
+}
+
+KV::Expressions expressionsWith(const std::map<std::string, double>& intensities)
+{
+  return readings().expressions(faceWith(intensities), confidence).value();
 }
 
 TEST(ActionUnits, ArePartsOfTheFullScale)
 {
-  EXPECT_FLOAT_EQ(0.5f, faceWith({{12, 2.5}}).mean({12}));
-  EXPECT_FLOAT_EQ(1.f, faceWith({{12, 5.0}}).mean({12}));
+  EXPECT_FLOAT_EQ(0.5f, tools::actionUnitScore(2.5, 5.f));
+  EXPECT_FLOAT_EQ(1.f, tools::actionUnitScore(5.0, 5.f));
+  EXPECT_FLOAT_EQ(0.8f, tools::actionUnitScore(2.4, 3.f));
 }
 
 TEST(ActionUnits, StayWithinZeroAndOne)
 {
-  EXPECT_FLOAT_EQ(1.f, faceWith({{12, 5.5}}).mean({12}));
-  EXPECT_FLOAT_EQ(0.f, faceWith({{12, -0.1}}).mean({12}));
+  EXPECT_FLOAT_EQ(1.f, tools::actionUnitScore(5.5, 5.f));
+  EXPECT_FLOAT_EQ(0.f, tools::actionUnitScore(-0.1, 5.f));
+}
+
+TEST(ActionUnits, AreUnknownIfTheIntensityIs)
+{
+  EXPECT_TRUE(std::isnan(tools::actionUnitScore(std::nan(""), 5.f)));
+}
+
+TEST(ActionUnits, AreNamedWithTwoDigits)
+{
+  EXPECT_TRUE(tools::isActionUnitName("AU06"));
+  for (const char* const other : {"AU6", "AU006", "au06", "AU0x", "AU06_r", ""})
+    EXPECT_FALSE(tools::isActionUnitName(other)) << other;
 }
 
 TEST(ActionUnits, AreCappedOneByOneBeforeTheMean)
 {
-  EXPECT_FLOAT_EQ(0.75f, faceWith({{6, 2.5}, {12, 50.0}}).mean({6, 12}));
-}
-
-TEST(ActionUnits, OfWhichOneIsUnknownHaveNoMean)
-{
-  EXPECT_TRUE(std::isnan(tools::ActionUnits().mean({12})));
-  EXPECT_TRUE(std::isnan(faceWith({{6, std::numeric_limits<double>::quiet_NaN()}}).mean({6, 12})));
+  EXPECT_FLOAT_EQ(0.75f, expressionsWith({{"AU06", 2.5}, {"AU12", 50.0}}).joy.value);
 }
 
 TEST(ActionUnits, TellASmileByTheLipCorners)
 {
-  const auto smile = tools::smileOf(faceWith({{12, 2.0}}), confidence);
+  const auto smile = readings().smile(faceWith({{"AU12", 2.0}}), confidence);
   ASSERT_TRUE(smile);
   EXPECT_FLOAT_EQ(0.4f, smile->value);
   EXPECT_FLOAT_EQ(confidence, smile->confidence);
-  EXPECT_FALSE(tools::smileOf(tools::ActionUnits(), confidence));
+  EXPECT_FALSE(readings().smile(faceWith({}, unknown), confidence));
 }
 
 struct ExpressionCase
 {
   const char* name;
   KV::ValueConfidence<float> KV::Expressions::*expression;
-  std::map<int, double> units;
+  std::map<std::string, double> units;
   float strength;
 };
 
@@ -88,58 +103,59 @@ TEST_P(Expression, IsTheMeanOfItsActionUnits)
 INSTANTIATE_TEST_SUITE_P(
     Of, Expression,
     ::testing::Values(
-        ExpressionCase{"Joy", &KV::Expressions::joy, {{6, 2.0}, {12, 3.0}}, 0.5f},
-        ExpressionCase{"Sorrow", &KV::Expressions::sorrow, {{1, 1.0}, {4, 2.0}, {15, 3.0}}, 0.4f},
-        ExpressionCase{"Surprise", &KV::Expressions::surprise, {{1, 1.0}, {2, 2.0}, {5, 3.0}, {26, 4.0}}, 0.5f},
-        ExpressionCase{"Anger", &KV::Expressions::anger, {{4, 1.0}, {5, 2.0}, {7, 3.0}, {23, 4.0}}, 0.5f},
-        ExpressionCase{"Laughter", &KV::Expressions::laughter, {{6, 5.0}, {12, 5.0}, {25, 3.0}, {26, 2.0}}, 0.5f}),
+        ExpressionCase{"Joy", &KV::Expressions::joy, {{"AU06", 2.0}, {"AU12", 3.0}}, 0.5f},
+        ExpressionCase{"Sorrow", &KV::Expressions::sorrow, {{"AU01", 1.0}, {"AU04", 2.0}, {"AU15", 3.0}}, 0.4f},
+        ExpressionCase{
+            "Surprise", &KV::Expressions::surprise, {{"AU01", 1.0}, {"AU02", 2.0}, {"AU05", 3.0}, {"AU26", 4.0}}, 0.5f},
+        ExpressionCase{
+            "Anger", &KV::Expressions::anger, {{"AU04", 1.0}, {"AU05", 2.0}, {"AU07", 3.0}, {"AU23", 4.0}}, 0.5f},
+        ExpressionCase{"Laughter",
+                       &KV::Expressions::laughter,
+                       {{"AU06", 5.0}, {"AU12", 5.0}, {"AU25", 3.0}, {"AU26", 2.0}},
+                       0.5f}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Expressions, CallASmileWithAClosedMouthNoLaughter)
 {
-  EXPECT_FLOAT_EQ(0.f, expressionsWith({{6, 5.0}, {12, 5.0}}).laughter.value);
+  EXPECT_FLOAT_EQ(0.f, expressionsWith({{"AU06", 5.0}, {"AU12", 5.0}}).laughter.value);
 }
 
 TEST(Expressions, CallAnOpenMouthWithoutASmileNoLaughter)
 {
-  EXPECT_FLOAT_EQ(0.f, expressionsWith({{25, 5.0}, {26, 5.0}}).laughter.value);
+  EXPECT_FLOAT_EQ(0.f, expressionsWith({{"AU25", 5.0}, {"AU26", 5.0}}).laughter.value);
 }
 
 TEST(Expressions, AreCalmAsFarAsNoOtherShows)
 {
   EXPECT_FLOAT_EQ(1.f, expressionsWith({}).calm.value);
   EXPECT_FLOAT_EQ(confidence, expressionsWith({}).calm.confidence);
-  EXPECT_FLOAT_EQ(0.5f, expressionsWith({{6, 2.0}, {12, 3.0}}).calm.value);
+  EXPECT_FLOAT_EQ(0.5f, expressionsWith({{"AU06", 2.0}, {"AU12", 3.0}}).calm.value);
 }
 
 TEST(Expressions, SayNothingOfExcitement)
 {
-  const auto excitement = expressionsWith({{6, 5.0}, {12, 5.0}, {1, 5.0}, {2, 5.0}}).excitement;
+  const auto excitement = expressionsWith({{"AU06", 5.0}, {"AU12", 5.0}, {"AU01", 5.0}, {"AU02", 5.0}}).excitement;
   EXPECT_FLOAT_EQ(0.f, excitement.value);
   EXPECT_FLOAT_EQ(0.f, excitement.confidence);
 }
 
 TEST(Expressions, OfWhichAnActionUnitIsUnknownHaveConfidenceZero)
 {
-  tools::ActionUnits units;
-  for (std::size_t i = 0; i < tools::usedActionUnits.size(); ++i)
-    if (tools::usedActionUnits.at(i) == 6 || tools::usedActionUnits.at(i) == 12)
-      units.set(i, 5.0, fullScale);
-  const auto expressions = tools::expressionsOf(units, confidence);
+  const auto expressions = readings().expressions(faceWith({{"AU06", 5.0}, {"AU12", 5.0}}, unknown), confidence);
   ASSERT_TRUE(expressions);
   EXPECT_FLOAT_EQ(1.f, expressions->joy.value);
   EXPECT_FLOAT_EQ(confidence, expressions->joy.confidence);
-  for (const auto& unknown :
+  for (const auto& other :
        {expressions->sorrow, expressions->surprise, expressions->anger, expressions->laughter, expressions->calm})
   {
-    EXPECT_FLOAT_EQ(0.f, unknown.value);
-    EXPECT_FLOAT_EQ(0.f, unknown.confidence);
+    EXPECT_FLOAT_EQ(0.f, other.value);
+    EXPECT_FLOAT_EQ(0.f, other.confidence);
   }
 }
 
 TEST(Expressions, AreMissingIfNoneIsKnown)
 {
-  EXPECT_FALSE(tools::expressionsOf(tools::ActionUnits(), confidence));
+  EXPECT_FALSE(readings().expressions(faceWith({}, unknown), confidence));
 }
 
 }  // namespace

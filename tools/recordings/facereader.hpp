@@ -1,12 +1,14 @@
 #pragma once
 
+#include "facerows.hpp"
 #include "frametimes.hpp"
-#include "openfacefile.hpp"
+#include "lookahead.hpp"
 #include "personsinview.hpp"
 #include "recording.hpp"
 
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,47 +16,46 @@
 namespace tools
 {
 
-/// Reads a CSV file of OpenFace 2, or of an older version.
+/// Reads the file of a face analyser.
 ///
 /// The rows of one frame are one cycle. Whoever was seen before and is not tracked in a cycle gets an entry that says
 /// so, after the entries of those who are. Where frames are missing in the file, nobody was seen in them. Either ends
 /// after PersonsInView::longestAbsence cycles.
-class OpenFaceReader : public RecordingReader
+class FaceReader : public RecordingReader
 {
 public:
-  /// Opens the file and looks at its first rows.
+  /// Looks at the first rows of the file.
   ///
-  /// \throws RecordingError if it cannot be read, or has no row.
-  OpenFaceReader(const std::string& path, const ReadingOptions& options);
+  /// \throws RecordingError if there is no row.
+  FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& options);
 
   boost::optional<RecordingEntry> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
-  double progress() const override { return _file.progress(); }
+  double progress() const override { return _rows->progress(); }
 
 private:
+  std::vector<Frame> _lookAhead();
   bool _fetchRow();
-  ko::SystemClock::time_point _timeOf(const OpenFaceRow& row) const;
-  bool _opensCycle(const OpenFaceRow& row) const;
+  ko::SystemClock::time_point _timeOf(const FaceRow& row) const;
+  bool _opensCycle(const FaceRow& row) const;
   void _endCycle();
   void _tellMissingFrame();
   RecordingEntry _tellMissingPerson();
   boost::optional<RecordingEntry> _tellRow();
   void _finish();
 
-  [[noreturn]] void _refuse(const OpenFaceRow& row, const std::string& column, const std::string& message) const;
-  std::string _describeReadings() const;
-  std::string _describeTimesAndPersons() const;
+  [[noreturn]] void _refuse(const FaceRow& row, const std::string& column, const std::string& message) const;
 
-  ReadingOptions _options;
-  OpenFaceFile _file;
+  std::unique_ptr<FaceRows> _rows;
+  LookAhead<FaceRow> _ahead;
   FrameTimes _times;
   PersonsInView _persons;
   std::vector<std::string> _warnings;
   bool _anyTracked = false;
   bool _finished = false;
 
-  std::optional<OpenFaceRow> _row;  // the next one, and its time
+  std::optional<FaceRow> _row;  // the next one, and its time
   ko::SystemClock::time_point _rowTime;
 
   std::optional<Frame> _frame;  // of the last cycle

@@ -1,0 +1,30 @@
+#include "csvfacefile.hpp"
+
+#include "recording.hpp"
+
+namespace tools
+{
+
+CsvFaceFile::CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name))
+  : _rows(path), _header(_readHeader(isRead))
+{}
+
+CsvHeader CsvFaceFile::_readHeader(bool (*isRead)(const std::string& name))
+{
+  if (!_rows.next())
+    throw RecordingError({path(), 0, {}}, "the file is empty");
+  refuseOtherDelimiters(_rows.fields(), place(), isRead);
+  return {_rows.fields(), place(), isRead};
+}
+
+void FrameCounter::count(Frame& frame, bool facesAreToldApart)
+{
+  if (_last)
+  {
+    const bool isSameFrame = facesAreToldApart && frame.timestamp == _last->timestamp;
+    frame.number = _last->number + (isSameFrame ? 0 : 1);
+  }
+  _last = frame;
+}
+
+}  // namespace tools

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "csvheader.hpp"
+#include "csvnumbers.hpp"
+#include "csvrows.hpp"
+#include "frametimes.hpp"
+
+#include <cstddef>
+#include <string>
+
+namespace tools
+{
+
+/// A file of comma-separated values with a header, below which each row is about a face.
+class CsvFaceFile
+{
+public:
+  /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
+  ///
+  /// \throws RecordingError if it cannot be read, is empty, or its columns cannot be told apart.
+  CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name));
+
+  const CsvHeader& header() const { return _header; }
+  const std::string& path() const { return _rows.file().path(); }
+  std::size_t lineNumber() const { return _rows.file().lineNumber(); }
+  double progress() const { return _rows.file().progress(); }
+
+  /// Returns where the row stands.
+  RecordingError::Place place() const { return {path(), lineNumber(), {}}; }
+
+  /// Reads the next row; returns false at the end.
+  ///
+  /// \throws as CsvRows::next().
+  bool next() { return _rows.next(); }
+
+  std::size_t fieldCount() const { return _rows.fields().size(); }
+
+  /// Returns the fields of the row, valid until the next call of next().
+  CsvNumbers numbers() const { return {_rows, _header.names()}; }
+
+private:
+  CsvHeader _readHeader(bool (*isRead)(const std::string& name));
+
+  CsvRows _rows;
+  CsvHeader _header;
+};
+
+/// Numbers the frames of a file that does not.
+class FrameCounter
+{
+public:
+  /// Sets the number of the frame of the next row: rows of several faces with one time stamp are one frame; without
+  /// `facesAreToldApart` every row is a frame.
+  void count(Frame& frame, bool facesAreToldApart);
+
+private:
+  std::optional<Frame> _last;
+};
+
+}  // namespace tools

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tools
+{
+
+/// Columns that are there only if all of them are.
+template <std::size_t Count>
+using ColumnGroup = std::optional<std::array<std::size_t, Count>>;
+
+/// The names of the columns of a file of comma-separated values.
+class CsvHeader
+{
+public:
+  /// Takes the first row of the file.
+  ///
+  /// \throws RecordingError if a column for which `isRead` says true is there twice.
+  CsvHeader(const std::vector<std::string_view>& fields, const RecordingError::Place& place,
+            bool (*isRead)(const std::string& name));
+
+  const std::vector<std::string>& names() const { return _names; }
+  const RecordingError::Place& place() const { return _place; }
+
+  bool has(const std::string& name) const { return _indices.count(name) > 0; }
+  std::optional<std::size_t> find(const std::string& name) const;
+
+  /// Returns the columns with these names.
+  std::vector<std::optional<std::size_t>> find(const std::vector<std::string>& names) const;
+
+  /// Returns the columns with these names, `Count` of them, if all are there.
+  template <std::size_t Count>
+  ColumnGroup<Count> findAll(const std::vector<std::string>& names) const
+  {
+    std::array<std::size_t, Count> indices{};
+    for (std::size_t i = 0; i < Count; ++i)
+    {
+      const auto index = find(names.at(i));
+      if (!index)
+        return {};
+      indices.at(i) = *index;
+    }
+    return indices;
+  }
+
+private:
+  RecordingError::Place _place;
+  std::vector<std::string> _names;
+  std::map<std::string, std::size_t> _indices;
+};
+
+/// Returns the first line of a file that is not empty, from its first bytes.
+std::string_view headerLineOf(const std::string& head);
+
+/// Returns the names in a line between any of these delimiters, without quotes and spaces around them.
+std::vector<std::string> namesIn(std::string_view line, std::string_view delimiters);
+
+/// Refuses a header of one column that other delimiters than commas would split into several that `isRead` knows.
+///
+/// \throws RecordingError that names the delimiter.
+void refuseOtherDelimiters(const std::vector<std::string_view>& header, const RecordingError::Place& place,
+                           bool (*isRead)(const std::string& name));
+
+}  // namespace tools

@@ -1,0 +1,89 @@
+#include "csvnumbers.hpp"
+
+#include "quote.hpp"
+#include "recording.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace tools
+{
+namespace
+{
+constexpr double greatestFrame = 1e15;  // up to here a double holds every whole number
+
+// Seconds that fit a clock in nanoseconds, whether they count from the start of the recording or since 1970.
+constexpr double earliestTimestamp = -1.5e9;
+constexpr double latestTimestamp = 9.2e9;
+
+// Beyond it a number is none that was measured, and its square might not fit a float.
+constexpr double greatestMeasurement = 1e15;
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+bool isMissing(std::string_view field)
+{
+  return field.empty() || field == "NA" || field == "None" || field == "null";
+}
+
+}  // namespace
+
+double CsvNumbers::number(std::size_t column) const
+{
+  std::string_view field = text(column);
+  if (isMissing(field))
+    return notANumber;
+  if (field.front() == '+')
+    field.remove_prefix(1);
+  double value = notANumber;
+  const char* const end = field.data() + field.size();
+  const auto result = std::from_chars(field.data(), end, value);
+  if (result.ptr != end || result.ec == std::errc::invalid_argument)
+    refuse(column, "a number");
+  return std::abs(value) <= greatestMeasurement ? value : notANumber;
+}
+
+std::int64_t CsvNumbers::wholeNumber(std::size_t column, double least, double greatest) const
+{
+  const double value = number(column);
+  if (!(value >= least && value <= greatest) || value != std::floor(value))
+    refuse(column, "a whole number");
+  return static_cast<std::int64_t>(value);
+}
+
+std::int64_t CsvNumbers::frameNumber(std::size_t column) const
+{
+  return wholeNumber(column, -greatestFrame, greatestFrame);
+}
+
+std::optional<double> CsvNumbers::timestamp(std::size_t column) const
+{
+  const double timestamp = number(column);
+  if (!std::isfinite(timestamp))
+    return {};
+  if (timestamp < earliestTimestamp || timestamp > latestTimestamp)
+    refuse(column, "seconds, from the start of the recording or since 1970");
+  return timestamp;
+}
+
+void CsvNumbers::refuse(std::size_t column, const std::string& expected) const
+{
+  throw BadLine({_rows.file().path(), _rows.file().lineNumber(), _names[column]},
+                "expected " + expected + ", found " + quote(text(column)));
+}
+
+void CsvNumbers::refuseOtherFieldCounts() const
+{
+  const std::size_t found = _rows.fields().size();
+  const std::size_t expected = _names.size();
+  if (found == expected)
+    return;
+  std::string message = std::to_string(found) + " fields, expected " + std::to_string(expected) + " as in the header";
+  if (found < expected && !_rows.file().lineEnded())
+    message += "; the last line is not complete: the file may be cut";
+  throw BadLine({_rows.file().path(), _rows.file().lineNumber(), {}}, message);
+}
+
+}  // namespace tools

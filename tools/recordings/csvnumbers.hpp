@@ -1,0 +1,55 @@
+#pragma once
+
+#include "csvrows.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// The fields of the row that a file stands on, as numbers.
+class CsvNumbers
+{
+public:
+  /// `names` are those of the columns, for messages.
+  CsvNumbers(const CsvRows& rows, const std::vector<std::string>& names) : _rows(rows), _names(names) {}
+
+  /// Returns the number in this column; NaN if the field is empty, says that there is none, or holds what nobody
+  /// measured.
+  ///
+  /// \throws BadLine if the field holds something else.
+  double number(std::size_t column) const;
+
+  /// Returns the whole number in this column, which may be written with a fraction of 0.
+  ///
+  /// \throws BadLine if there is none, or it is out of the range.
+  std::int64_t wholeNumber(std::size_t column, double least, double greatest) const;
+
+  /// Returns the number of a frame.
+  ///
+  /// \throws BadLine if there is none.
+  std::int64_t frameNumber(std::size_t column) const;
+
+  /// Returns the seconds in this column, or nothing if there is no number.
+  ///
+  /// \throws BadLine if they are beyond what a clock can show.
+  std::optional<double> timestamp(std::size_t column) const;
+
+  std::string_view text(std::size_t column) const { return _rows.fields()[column]; }
+
+  /// \throws BadLine always: says what was expected in this column, and what is there.
+  [[noreturn]] void refuse(std::size_t column, const std::string& expected) const;
+
+  /// \throws BadLine if the row has another number of fields than the header.
+  void refuseOtherFieldCounts() const;
+
+private:
+  const CsvRows& _rows;
+  const std::vector<std::string>& _names;
+};
+
+}  // namespace tools

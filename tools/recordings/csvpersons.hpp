@@ -1,0 +1,48 @@
+#pragma once
+
+#include "csvheader.hpp"
+#include "csvnumbers.hpp"
+#include "personnames.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Whom the rows of a file are about: as the column says that the user chose, else the format's own, else all are
+/// person 0.
+class CsvPersons
+{
+public:
+  /// `chosenColumn` is empty if the user chose none; the format's own holds whole numbers only.
+  ///
+  /// \throws RecordingError if the chosen column is not there.
+  CsvPersons(const CsvHeader& header, const std::string& chosenColumn, const std::string& ownColumn);
+
+  /// Returns the person of the row.
+  ///
+  /// \throws BadLine if the field names none.
+  std::int32_t personOf(const CsvNumbers& numbers, const RecordingError::Place& row);
+
+  bool haveColumn() const { return _column.has_value(); }
+
+  /// Returns the name of the column; empty if there is none.
+  std::string column() const { return _column ? _name : std::string(); }
+
+  /// Says how persons are told apart.
+  std::string description() const;
+
+  std::vector<std::string> takeWarnings() { return _names.takeWarnings(); }
+
+private:
+  bool _isChosen;
+  std::string _name;
+  std::optional<std::size_t> _column;
+  PersonNames _names;
+};
+
+}  // namespace tools

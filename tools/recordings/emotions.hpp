@@ -1,0 +1,17 @@
+#pragma once
+
+#include "scoretable.hpp"
+
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Returns the names of the emotions that analysers give scores for.
+const std::vector<std::string>& emotionNames();
+
+/// Returns which emotions make which readings.
+const ScoreTable& emotionTable();
+
+}  // namespace tools

@@ -1,0 +1,176 @@
+#include "facereader.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+std::optional<double> asStandard(const boost::optional<double>& value)
+{
+  return value ? std::make_optional(*value) : std::nullopt;
+}
+
+// The first of two names that there is.
+std::string nameOf(const std::string& first, const std::string& second)
+{
+  return first.empty() ? second : first;
+}
+
+RecordingEntry entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
+{
+  RecordingEntry entry;
+  entry.time = time;
+  entry.person = person;
+  entry.seen = seen;
+  return entry;
+}
+
+}  // namespace
+
+FaceReader::FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& options)
+  : _rows(std::move(rows)),
+    _ahead([this] { return _rows->next(); }),
+    _times(asStandard(options.framesPerSecond), _lookAhead(), _rows->assumedRate())
+{
+  if (!_times.warning().empty())
+    _warnings.push_back(_times.warning());
+}
+
+boost::optional<RecordingEntry> FaceReader::next()
+{
+  while (!_finished)
+  {
+    if (!_missingPersons.empty())
+      return _tellMissingPerson();
+
+    if (_missingFramesTold < _missingFrames)
+      _tellMissingFrame();
+    else if (const bool hasRow = _row || _fetchRow(); _cycleIsOpen && (!hasRow || _opensCycle(*_row)))
+      _endCycle();
+    else if (!hasRow)
+      _finish();
+    else if (auto entry = _tellRow())
+      return entry;
+  }
+  return {};
+}
+
+std::vector<std::string> FaceReader::describe() const
+{
+  return {_rows->describeReadings(), _times.description() + ", " + _rows->describePersons()};
+}
+
+std::vector<std::string> FaceReader::takeWarnings()
+{
+  auto warnings = std::exchange(_warnings, {});
+  const auto ofRows = _rows->takeWarnings();
+  warnings.insert(warnings.end(), ofRows.begin(), ofRows.end());
+  return warnings;
+}
+
+// Returns the frames of the first rows; at least one.
+std::vector<Frame> FaceReader::_lookAhead()
+{
+  _ahead.fetch(rowsAhead);
+  if (_ahead.empty())
+    throw RecordingError({_rows->path(), _rows->lineNumber(), {}}, _rows->nothingToRead());
+  std::vector<Frame> frames;
+  _ahead.forEach([&frames](const FaceRow& row) { frames.push_back(row.frame); });
+  if (frames.empty())
+    frames.emplace_back();
+  return frames;
+}
+
+// Reads the next row, and refuses it if it cannot follow the last cycle; false at the end.
+bool FaceReader::_fetchRow()
+{
+  auto row = _ahead.next();
+  if (!row)
+    return false;
+  _rowTime = _timeOf(*row);
+  if (_frame && _rowTime < _frameTime)
+    _refuse(*row, nameOf(_rows->fields().timestamp, _rows->fields().frame),
+            "time runs backwards, expected the rows in the order of their frames");
+  _row = std::move(row);
+  return true;
+}
+
+ko::SystemClock::time_point FaceReader::_timeOf(const FaceRow& row) const
+{
+  if (const auto time = _times.timeOf(row.frame))
+    return *time;
+  const FaceRows::Fields fields = _rows->fields();
+  if (!fields.timestamp.empty() && !row.frame.timestamp)
+    _refuse(row, fields.timestamp, "expected seconds, found no number");
+  _refuse(row, nameOf(fields.frame, fields.timestamp), "is too far from the first one");
+}
+
+bool FaceReader::_opensCycle(const FaceRow& row) const
+{
+  return !_frame || row.frame != *_frame;
+}
+
+// Everyone missed in this cycle is to be told; and so are the frames missing up to the next row.
+void FaceReader::_endCycle()
+{
+  const auto missing = _persons.endCycle();
+  _missingPersons.assign(missing.begin(), missing.end());
+  _missingTime = _frameTime;
+  _cycleIsOpen = false;
+
+  _missingFrames = _row ? _times.missingBetween(*_frame, _row->frame) : 0;
+  _missingFramesTold = 0;
+}
+
+void FaceReader::_tellMissingFrame()
+{
+  const auto missing = _persons.endCycle();
+  _missingPersons.assign(missing.begin(), missing.end());
+  ++_missingFramesTold;
+  _missingTime = _frameTime + (_rowTime - _frameTime) / (_missingFrames + 1) * _missingFramesTold;
+  if (_persons.empty())
+    _missingFramesTold = _missingFrames;
+}
+
+RecordingEntry FaceReader::_tellMissingPerson()
+{
+  const std::int32_t person = _missingPersons.front();
+  _missingPersons.pop_front();
+  return entryOf(_missingTime, person, false);
+}
+
+// Takes the row into its cycle; there is nothing to tell of a face that is not tracked.
+boost::optional<RecordingEntry> FaceReader::_tellRow()
+{
+  const FaceRow row = *std::exchange(_row, std::nullopt);
+  _frame = row.frame;
+  _frameTime = _rowTime;
+  _cycleIsOpen = true;
+  if (!row.tracked)
+    return {};
+
+  if (!_persons.see(row.face))
+    _refuse(row, nameOf(_rows->fields().face, _rows->fields().frame),
+            "face " + std::to_string(row.face) + " is there twice in frame " + std::to_string(row.frame.number));
+  _anyTracked = true;
+  RecordingEntry entry = entryOf(_frameTime, row.face, true);
+  entry.observation = row.readings.observedAt(_frameTime);
+  return entry;
+}
+
+void FaceReader::_finish()
+{
+  _finished = true;
+  if (!_anyTracked)
+    _warnings.emplace_back("no face was tracked in the whole file");
+}
+
+void FaceReader::_refuse(const FaceRow& row, const std::string& column, const std::string& message) const
+{
+  throw BadLine({_rows->path(), row.line, column}, message);
+}
+
+}  // namespace tools

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "facereadings.hpp"
+#include "frametimes.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// What a file tells of one face in one frame, or that there was none.
+struct FaceRow
+{
+  std::size_t line = 0;
+  Frame frame;
+  bool tracked = false;   ///< the face was found, and so surely that its readings count
+  std::int32_t face = 0;  ///< whose; read only of a tracked face
+  FaceReadings readings;  ///< empty unless tracked
+};
+
+/// The rows of a file of a face analyser: what differs from format to format.
+class FaceRows
+{
+public:
+  /// Names of columns or members, for messages; empty where there is none.
+  struct Fields
+  {
+    std::string frame;
+    std::string timestamp;
+    std::string face;
+  };
+
+  virtual ~FaceRows() = default;
+
+  /// Returns the next row, or nothing at the end.
+  ///
+  /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
+  /// \throws RecordingError where the rest of the file cannot be read.
+  virtual std::optional<FaceRow> next() = 0;
+
+  virtual const std::string& path() const = 0;
+  virtual std::size_t lineNumber() const = 0;
+  virtual double progress() const = 0;
+  virtual Fields fields() const = 0;
+
+  /// Says what it means if there is not one row.
+  virtual std::string nothingToRead() const { return "there is no row below the header"; }
+
+  /// Returns the rate that is assumed if nobody gives one and there are no time stamps.
+  virtual AssumedRate assumedRate() const { return {}; }
+
+  /// Says in a line how signs and units are read.
+  virtual std::string describeReadings() const = 0;
+
+  /// Says who the persons are, when a face is tracked, and what the file does not tell.
+  virtual std::string describePersons() const = 0;
+
+  virtual std::vector<std::string> takeWarnings() { return {}; }
+};
+
+/// How many rows are looked at before the first is handed out: enough to tell the rate, and what time stamps are worth.
+constexpr std::size_t rowsAhead = 300;
+
+}  // namespace tools

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "csvheader.hpp"
+#include "csvnumbers.hpp"
+
+#include <skeigiot/facialpoints.hpp>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace tools
+{
+
+/// The landmarks, of the usual 68 of a face, that are the facial points, in the order of KV::PointDescription.
+///
+/// They lie on the parts of a face that move or are hidden most: a person's right and left eye (outer and inner corner
+/// each), the middle of both brows, tip of the nose, both corners of the mouth, middle of the upper and of the lower
+/// lip, chin.
+constexpr std::array<int, 12> facialPointLandmarks = {36, 39, 42, 45, 19, 24, 30, 48, 54, 51, 57, 8};
+
+/// Columns of the landmarks above: x of all points, then y of all points.
+using LandmarkColumns = ColumnGroup<2 * facialPointLandmarks.size()>;
+
+/// Finds the columns x_0 to y_67 of the facial points.
+LandmarkColumns findLandmarks(const CsvHeader& header);
+
+/// Tells whether this is the name of a column of findLandmarks().
+bool isLandmark(const std::string& name);
+
+/// Reads the facial points, with this confidence each; a point that is unknown stays at (0, 0) with confidence 0, and
+/// if all are there is nothing.
+///
+/// In a mirror image the points of the right and left half change places; their positions stay those of the image.
+///
+/// \throws BadLine if a field holds no number.
+std::optional<KV::FacialPoints> readFacialPoints(const CsvNumbers& numbers, const LandmarkColumns& columns,
+                                                 float confidence, bool mirrored);
+
+}  // namespace tools

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <cstddef>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <variant>
+
+namespace tools
+{
+
+/// Rows of a file, of which the first can be looked at before they are handed out.
+template <typename Row>
+class LookAhead
+{
+public:
+  /// Reads a row, or nothing at the end; may throw as next() does.
+  using Read = std::function<std::optional<Row>()>;
+
+  explicit LookAhead(Read read) : _read(std::move(read)) {}
+
+  /// Reads up to this many rows ahead; what cannot be read takes its place among them.
+  void fetch(std::size_t count)
+  {
+    while (!_ended && _ahead.size() < count)
+    {
+      try
+      {
+        if (auto row = _readNext())
+          _ahead.emplace_back(std::move(*row));
+      }
+      catch (const RecordingError&)
+      {
+        _ahead.emplace_back(std::current_exception());
+      }
+    }
+  }
+
+  /// Tells whether nothing was read ahead, neither a row nor an error.
+  bool empty() const { return _ahead.empty(); }
+
+  /// Calls `look` with each row that was read ahead.
+  template <typename Look>
+  void forEach(Look look) const
+  {
+    for (const auto& element : _ahead)
+      if (const auto* const row = std::get_if<Row>(&element))
+        look(*row);
+  }
+
+  /// Returns the next row, or nothing at the end.
+  ///
+  /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
+  /// \throws RecordingError where the rest of the file cannot be read; there is no row after it.
+  std::optional<Row> next()
+  {
+    if (_ahead.empty())
+      return _readNext();
+    auto first = std::move(_ahead.front());
+    _ahead.pop_front();
+    if (const auto* const error = std::get_if<std::exception_ptr>(&first))
+      std::rethrow_exception(*error);
+    return std::get<Row>(std::move(first));
+  }
+
+private:
+  std::optional<Row> _readNext()
+  {
+    if (_ended)
+      return {};
+    try
+    {
+      auto row = _read();
+      _ended = !row;
+      return row;
+    }
+    catch (const BadLine&)
+    {
+      throw;
+    }
+    catch (const RecordingError&)
+    {
+      _ended = true;
+      throw;
+    }
+  }
+
+  Read _read;
+  std::deque<std::variant<Row, std::exception_ptr>> _ahead;
+  bool _ended = false;
+};
+
+}  // namespace tools

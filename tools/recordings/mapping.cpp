@@ -1,0 +1,222 @@
+#include "mapping.hpp"
+
+#include "actionunits.hpp"
+#include "emotions.hpp"
+#include "inputfile.hpp"
+#include "quote.hpp"
+#include "recording.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace tools
+{
+namespace
+{
+using Json = nlohmann::json;
+
+constexpr std::size_t largestFile = std::size_t{1} << 20U;  // [bytes]
+
+/// A value of the file, and where it stands.
+struct Value
+{
+  const Json& json;
+  const std::string& file;
+  std::string path;
+
+  [[noreturn]] void refuse(const std::string& expected) const
+  {
+    throw RecordingError({file, 0, path}, "expected " + expected + ", found " + quote(json.dump()));
+  }
+
+  [[noreturn]] void refuseMember(const std::string& name, const std::string& expected) const
+  {
+    throw RecordingError({file, 0, memberPath(name)}, "there is no such member; expected " + expected);
+  }
+
+  std::string memberPath(const std::string& name) const { return path.empty() ? name : path + "." + name; }
+
+  Value element(std::size_t index) const { return {json[index], file, path + "[" + std::to_string(index) + "]"}; }
+};
+
+struct Member
+{
+  const char* name;
+  std::function<void(const Value&)> read;
+};
+
+// Reads the members that are there, and refuses others.
+void readObject(const Value& object, const std::vector<Member>& members)
+{
+  std::string names;
+  for (const Member& member : members)
+    names += (names.empty() ? "" : ", ") + std::string(member.name);
+  if (!object.json.is_object())
+    object.refuse("an object with members of " + names);
+  for (const auto& [name, json] : object.json.items())
+  {
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&name = name](const Member& member) { return name == member.name; });
+    if (found == members.end())
+      object.refuseMember(name, names);
+    found->read({json, object.file, object.memberPath(name)});
+  }
+}
+
+float readNumber(const Value& value)
+{
+  const double number = value.json.is_number() ? value.json.get<double>() : std::numeric_limits<double>::quiet_NaN();
+  if (!(std::abs(number) <= 1e6))
+    value.refuse("a number of no more than a million");
+  return static_cast<float>(number);
+}
+
+// One of two words.
+bool readWord(const Value& value, const std::string& yes, const std::string& no)
+{
+  if (value.json == yes)
+    return true;
+  if (value.json != no)
+    value.refuse("\"" + yes + "\" or \"" + no + "\"");
+  return false;
+}
+
+/// The scores that a table can be made of.
+struct ScoreNames
+{
+  bool (*isOne)(const std::string& name);
+  const char* expected;
+};
+
+std::vector<std::string> readNames(const Value& value, const ScoreNames& names)
+{
+  if (!value.json.is_array() || value.json.empty())
+    value.refuse("a list of " + std::string(names.expected));
+  std::vector<std::string> result;
+  for (std::size_t i = 0; i < value.json.size(); ++i)
+  {
+    const Value element = value.element(i);
+    if (!element.json.is_string() || !names.isOne(element.json.get<std::string>()))
+      element.refuse(names.expected);
+    result.push_back(element.json.get<std::string>());
+  }
+  return result;
+}
+
+std::vector<ScoreTerm> readTerms(const Value& value, const ScoreNames& names)
+{
+  if (!value.json.is_array())
+    value.refuse("a list of terms");
+  std::vector<ScoreTerm> terms;
+  for (std::size_t i = 0; i < value.json.size(); ++i)
+  {
+    const Value element = value.element(i);
+    ScoreTerm term;
+    readObject(element, {{"of", [&](const Value& of) { term.of = readNames(of, names); }},
+                         {"weight", [&](const Value& weight) { term.weight = readNumber(weight); }}});
+    if (term.of.empty())
+      element.refuse("a term with a member of");
+    terms.push_back(std::move(term));
+  }
+  return terms;
+}
+
+// null: not told.
+Composition readComposition(const Value& value, const ScoreNames& names)
+{
+  Composition composition;
+  if (value.json.is_null())
+    return composition;
+  readObject(value, {{"sum", [&](const Value& sum) { composition.sum = readTerms(sum, names); }},
+                     {"limit", [&](const Value& limit) { composition.limit = readTerms(limit, names); }}});
+  if (composition.sum.empty())
+    value.refuse("null, or an object with a member sum that is not empty");
+  return composition;
+}
+
+// Adds a member for each reading that the table tells.
+std::vector<Member> membersOf(ScoreTable& table, const ScoreNames& names)
+{
+  std::vector<Member> members;
+  for (const ScoreTableMember& member : scoreTableMembers())
+    members.push_back({member.name, [&table, member, names](const Value& value) {
+                         table.*member.composition = readComposition(value, names);
+                       }});
+  return members;
+}
+
+void readTable(const Value& value, ScoreTable& table, const ScoreNames& names)
+{
+  readObject(value, membersOf(table, names));
+}
+
+void readBlendshapes(const Value& value, Mapping& mapping)
+{
+  auto members = membersOf(mapping.blendshapes, {isBlendshape, "the name of a blendshape, such as jawOpen"});
+  members.push_back({"eyes", [&mapping](const Value& eyes) {
+                       readObject(eyes,
+                                  {{"yaw", [&](const Value& yaw) { mapping.eyes.yaw = readNumber(yaw); }},
+                                   {"pitch", [&](const Value& pitch) { mapping.eyes.pitch = readNumber(pitch); }}});
+                     }});
+  readObject(value, members);
+}
+
+void readPyFeat(const Value& value, PyFeatConventions& conventions)
+{
+  readObject(value,
+             {{"angles", [&](const Value& unit) { conventions.degrees = readWord(unit, "degrees", "radians"); }},
+              {"pitch", [&](const Value& sign) { conventions.pitchIsUp = readWord(sign, "up", "down"); }},
+              {"gazeYaw", [&](const Value& sign) { conventions.gazeYawIsLeft = readWord(sign, "left", "right"); }},
+              {"gazePitch", [&](const Value& sign) { conventions.gazePitchIsUp = readWord(sign, "up", "down"); }}});
+}
+
+bool isEmotion(const std::string& name)
+{
+  return std::find(emotionNames().begin(), emotionNames().end(), name) != emotionNames().end();
+}
+
+Json parsed(const std::string& file)
+{
+  const std::string text = InputFile::head(file, largestFile + 1);
+  if (text.size() > largestFile)
+    throw RecordingError({file, 0, {}}, "is larger than 1 MiB: this is no mapping");
+  try
+  {
+    return Json::parse(text);
+  }
+  catch (const Json::exception& error)
+  {
+    // "[json.exception...] what"
+    const std::string what = error.what();
+    const std::size_t begin = what.find("] ");
+    throw RecordingError({file, 0, {}},
+                         "expected a JSON object, but " + what.substr(begin == std::string::npos ? 0 : begin + 2));
+  }
+}
+
+}  // namespace
+
+Mapping readMapping(const std::string& file)
+{
+  Mapping mapping{actionUnitTable(), blendshapeTable(), EyeScale(), emotionTable(), PyFeatConventions()};
+  if (file.empty())
+    return mapping;
+
+  const ScoreNames actionUnits{isActionUnitName, "the name of an action unit, such as AU06"};
+  const ScoreNames emotions{isEmotion, "one of neutral, happy, sad, surprise, fear, disgust, anger"};
+  const Json json = parsed(file);
+  readObject({json, file, {}},
+             {{"actionUnits", [&](const Value& value) { readTable(value, mapping.actionUnits, actionUnits); }},
+              {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
+              {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
+              {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
+  return mapping;
+}
+
+}  // namespace tools

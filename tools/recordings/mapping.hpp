@@ -1,0 +1,36 @@
+#pragma once
+
+#include "blendshapes.hpp"
+#include "scoretable.hpp"
+
+#include <optional>
+#include <string>
+
+namespace tools
+{
+
+/// How the columns of py-feat count where its versions differ.
+struct PyFeatConventions
+{
+  std::optional<bool> degrees;    ///< of Pitch, Roll, Yaw; without it, found out
+  std::optional<bool> pitchIsUp;  ///< Pitch > 0 is up; without it, found out
+  bool gazeYawIsLeft = true;      ///< gaze_yaw > 0 is to the own left
+  bool gazePitchIsUp = true;      ///< gaze_pitch > 0 is up
+};
+
+/// All that is a judgement in reading what front ends write, and no fact: a user may see it otherwise.
+struct Mapping
+{
+  ScoreTable actionUnits;
+  ScoreTable blendshapes;
+  EyeScale eyes;
+  ScoreTable emotions;
+  PyFeatConventions pyFeat;
+};
+
+/// Returns the built-in mapping, with what this JSON file replaces; the name of the file may be empty.
+///
+/// \throws RecordingError if the file cannot be read or used: names the member, and what was expected.
+Mapping readMapping(const std::string& file);
+
+}  // namespace tools

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "recording.hpp"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tools
+{
+
+/// Numbers the persons that a file names: whole numbers stay as they are, other texts are counted in the order in which
+/// they appear.
+class PersonNames
+{
+public:
+  /// There is no file of one session with more names than that.
+  static constexpr std::size_t mostNames = 10000;
+
+  /// Returns the number of the person with this name.
+  ///
+  /// \throws BadLine at this place if there is no name, or if names and numbers are mixed: they might collide.
+  /// \throws RecordingError if there are too many names.
+  std::int32_t numberOf(std::string_view name, const RecordingError::Place& place);
+
+  /// Returns which name became which number, of those that appeared since the last call.
+  std::vector<std::string> takeWarnings();
+
+private:
+  std::int32_t _countedNumberOf(std::string_view name, const RecordingError::Place& place);
+
+  std::optional<bool> _areNumbers;
+  std::map<std::string, std::int32_t, std::less<>> _numbers;
+  std::vector<std::string> _warnings;
+};
+
+}  // namespace tools

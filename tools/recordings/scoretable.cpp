@@ -1,0 +1,132 @@
+#include "scoretable.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace tools
+{
+namespace
+{
+struct ExpressionMember
+{
+  KV::ValueConfidence<float> KV::Expressions::*expression;
+  Composition ScoreTable::*composition;
+};
+
+constexpr std::array<ExpressionMember, 7> expressionMembers = {{
+    {&KV::Expressions::joy, &ScoreTable::joy},
+    {&KV::Expressions::sorrow, &ScoreTable::sorrow},
+    {&KV::Expressions::surprise, &ScoreTable::surprise},
+    {&KV::Expressions::anger, &ScoreTable::anger},
+    {&KV::Expressions::laughter, &ScoreTable::laughter},
+    {&KV::Expressions::excitement, &ScoreTable::excitement},
+    {&KV::Expressions::calm, &ScoreTable::calm},
+}};
+
+}  // namespace
+
+const std::array<ScoreTableMember, 8>& scoreTableMembers()
+{
+  static const std::array<ScoreTableMember, 8> members = {{
+      {"smile", &ScoreTable::smile},
+      {"joy", &ScoreTable::joy},
+      {"sorrow", &ScoreTable::sorrow},
+      {"surprise", &ScoreTable::surprise},
+      {"anger", &ScoreTable::anger},
+      {"laughter", &ScoreTable::laughter},
+      {"excitement", &ScoreTable::excitement},
+      {"calm", &ScoreTable::calm},
+  }};
+  return members;
+}
+
+ScoreReadings::ScoreReadings(const ScoreTable& table)
+  : _smile(_indexed(nullptr, table.smile)), _calmIsTheRest(table.calm.sum.empty())
+{
+  for (const ExpressionMember& member : expressionMembers)
+    if (const Composition& composition = table.*member.composition; !composition.sum.empty())
+      _expressions.push_back(_indexed(member.expression, composition));
+}
+
+std::optional<KV::Smile> ScoreReadings::smile(const std::vector<float>& scores, float confidence) const
+{
+  if (_smile.sum.empty())
+    return {};
+  const float degree = _strengthOf(_smile, scores);
+  if (std::isnan(degree))
+    return {};
+  return KV::Smile(degree, confidence);
+}
+
+std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<float>& scores, float confidence) const
+{
+  KV::Expressions expressions;
+  float strongest = 0.f;
+  std::size_t known = 0;
+  for (const Formula& formula : _expressions)
+  {
+    const float strength = _strengthOf(formula, scores);
+    if (std::isnan(strength))
+      continue;
+    expressions.*formula.expression = {strength, confidence};
+    strongest = std::max(strongest, strength);
+    ++known;
+  }
+
+  if (known == 0)
+    return {};
+  // A face is calm as far as no expression shows: that takes all of them.
+  if (_calmIsTheRest && known == _expressions.size())
+    expressions.calm = {1.f - strongest, confidence};
+  return expressions;
+}
+
+ScoreReadings::Sum ScoreReadings::_indexed(const std::vector<ScoreTerm>& terms)
+{
+  Sum sum;
+  for (const ScoreTerm& term : terms)
+  {
+    sum.push_back({term.weight, {}});
+    for (const std::string& name : term.of)
+    {
+      const auto found = std::find(_names.begin(), _names.end(), name);
+      sum.back().scores.push_back(static_cast<std::size_t>(std::distance(_names.begin(), found)));
+      if (found == _names.end())
+        _names.push_back(name);
+    }
+  }
+  return sum;
+}
+
+ScoreReadings::Formula ScoreReadings::_indexed(Expression expression, const Composition& composition)
+{
+  return {expression, _indexed(composition.sum), _indexed(composition.limit)};
+}
+
+// NaN if a score is unknown.
+float ScoreReadings::_sumOf(const Sum& sum, const std::vector<float>& scores)
+{
+  float total = 0.f;
+  for (const Term& term : sum)
+  {
+    float termTotal = 0.f;
+    for (const std::size_t score : term.scores)
+      termTotal += scores.at(score);
+    total += term.weight * (termTotal / static_cast<float>(term.scores.size()));
+  }
+  return total;
+}
+
+float ScoreReadings::_strengthOf(const Formula& formula, const std::vector<float>& scores)
+{
+  float strength = _sumOf(formula.sum, scores);
+  if (!formula.limit.empty())
+  {
+    const float limit = _sumOf(formula.limit, scores);
+    strength = std::isnan(limit) ? limit : std::min(strength, limit);
+  }
+  return std::clamp(strength, 0.f, 1.f);  // leaves a NaN as it is
+}
+
+}  // namespace tools

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <skeigiot/expressions.hpp>
+#include <skeigiot/smile.hpp>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// A weight, and the scores whose mean it weighs.
+struct ScoreTerm
+{
+  float weight = 1.f;
+  std::vector<std::string> of;  ///< names of scores
+};
+
+/// A reading as the sum of its terms, capped at 1, and, if a limit is given, no greater than the sum of that.
+struct Composition
+{
+  std::vector<ScoreTerm> sum;  ///< empty: the reading is not told
+  std::vector<ScoreTerm> limit;
+};
+
+/// Which scores of a front end make which readings of a face: a judgement, and so a table.
+struct ScoreTable
+{
+  Composition smile;
+  Composition joy;
+  Composition sorrow;
+  Composition surprise;
+  Composition anger;
+  Composition laughter;
+  Composition excitement;
+  Composition calm;  ///< not told: 1 less the greatest of the other expressions, if all that are told are known
+};
+
+/// A column of the table, by its name.
+struct ScoreTableMember
+{
+  const char* name;
+  Composition ScoreTable::*composition;
+};
+
+/// Returns all members of a table.
+const std::array<ScoreTableMember, 8>& scoreTableMembers();
+
+/// Forms the readings of a face from its scores, by a table.
+class ScoreReadings
+{
+public:
+  explicit ScoreReadings(const ScoreTable& table);
+
+  /// Returns the names of the scores that the table needs, each once.
+  const std::vector<std::string>& names() const { return _names; }
+
+  /// Returns the smile with this confidence, or nothing if it is unknown.
+  ///
+  /// `scores` are in the order of names(), each in [0, 1], or NaN if it is unknown.
+  std::optional<KV::Smile> smile(const std::vector<float>& scores, float confidence) const;
+
+  /// Returns the expressions with this confidence each, and confidence 0 where a score is unknown or the table does
+  /// not tell the expression; nothing if all are unknown.
+  std::optional<KV::Expressions> expressions(const std::vector<float>& scores, float confidence) const;
+
+private:
+  using Expression = KV::ValueConfidence<float> KV::Expressions::*;
+
+  struct Term
+  {
+    float weight;
+    std::vector<std::size_t> scores;
+  };
+  using Sum = std::vector<Term>;
+
+  struct Formula
+  {
+    Expression expression;
+    Sum sum;
+    Sum limit;
+  };
+
+  Sum _indexed(const std::vector<ScoreTerm>& terms);
+  Formula _indexed(Expression expression, const Composition& composition);
+  static float _sumOf(const Sum& sum, const std::vector<float>& scores);
+  static float _strengthOf(const Formula& formula, const std::vector<float>& scores);
+
+  std::vector<std::string> _names;
+  Formula _smile;
+  std::vector<Formula> _expressions;  // those that the table tells
+  bool _calmIsTheRest = true;
+};
+
+}  // namespace tools
