@@ -45,6 +45,18 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
             "a number above 0", isPositive,
             [&reading](double intensity) { reading.actionUnitFullScale = static_cast<float>(intensity); })
       ->group(group);
+  command
+      .add_option("--mapping", reading.mapping,
+                  "JSON file that says how action units, blendshapes and emotions\nbecome readings, instead of the "
+                  "built-in tables")
+      ->type_name("FILE")
+      ->group(group);
+  command
+      .add_option("--person-from", reading.personColumn,
+                  "Column of a CSV file that names the person; names that are no\nnumbers are counted in the order in "
+                  "which they appear")
+      ->type_name("COLUMN")
+      ->group(group);
   command.add_flag("--skip-bad", arguments.skipBad, "Go on behind lines that cannot be used, and count them")
       ->group(group);
 }
