@@ -5,6 +5,7 @@
 #include "jsonlinesreader.hpp"
 #include "openfacecolumns.hpp"
 #include "openfacerows.hpp"
+#include "tidycsvreader.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -26,6 +27,11 @@ std::unique_ptr<RecordingReader> openFaces(const std::string& path, const Readin
 std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const ReadingOptions&)
 {
   return std::make_unique<JsonLinesReader>(path);
+}
+
+std::unique_ptr<RecordingReader> openTidyCsv(const std::string& path, const ReadingOptions&)
+{
+  return std::make_unique<TidyCsvReader>(path);
 }
 
 std::string names()
@@ -76,6 +82,7 @@ const std::vector<RecordingFormat>& recordingFormats()
 {
   static const std::vector<RecordingFormat> formats = {
       {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openFaces<OpenFaceRows>},
+      {"tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv, openTidyCsv},
       {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
   };
   return formats;

@@ -8,7 +8,13 @@ namespace
 {
 using RecordingFormats = support::RecordingTest;
 
-const std::string known = "openface (CSV of OpenFace 2 and older), jsonl (JSON Lines of skeigiot)";
+std::string known()
+{
+  std::string text;
+  for (const auto& format : tools::recordingFormats())
+    text += (text.empty() ? "" : ", ") + format.name + " (" + format.description + ")";
+  return text;
+}
 
 TEST_F(RecordingFormats, HaveNamesAndDescriptions)
 {
@@ -18,12 +24,13 @@ TEST_F(RecordingFormats, HaveNamesAndDescriptions)
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_FALSE(format.description.empty());
   }
-  EXPECT_EQ((std::set<std::string>{"openface", "jsonl"}), names);
+  EXPECT_EQ((std::set<std::string>{"openface", "tidy", "jsonl"}), names);
 }
 
 TEST_F(RecordingFormats, AreDetectedByTheContents)
 {
   EXPECT_EQ("OpenFace: ", read("frame,AU12_r\n1,1\n").description.front().substr(0, 10));
+  EXPECT_EQ("Tidy CSV: ", read("time,reading,value\n0,smile,1\n").description.front().substr(0, 10));
   EXPECT_EQ("JSON Lines: ", read("\n {\"time\":0}\n").description.front().substr(0, 12));
   EXPECT_EQ("JSON Lines: ", read("\xEF\xBB\xBF{\"time\":0}\n").description.front().substr(0, 12));
 }
@@ -38,8 +45,8 @@ TEST_F(RecordingFormats, MayBeNamed)
 
 TEST_F(RecordingFormats, AreListedWhereNoneFits)
 {
-  EXPECT_EQ(" the format is not known; expected one of: " + known, errorOf("Timecode,BlendShapeCount\n"));
-  EXPECT_EQ(folder.path("f") + ": there is no format 'xml'; expected one of: " + known,
+  EXPECT_EQ(" the format is not known; expected one of: " + known(), errorOf("Timecode,BlendShapeCount\n"));
+  EXPECT_EQ(folder.path("f") + ": there is no format 'xml'; expected one of: " + known(),
             support::contentsOf(folder.write("f", "x"), "xml").fatal);
 }
 

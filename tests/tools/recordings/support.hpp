@@ -89,19 +89,17 @@ struct Contents
 };
 
 /// Reads the recording to its end, over bad lines.
-inline Contents contentsOf(const std::string& path, const std::string& format = "",
-                           const tools::ReadingOptions& options = {})
+inline Contents contentsOf(tools::RecordingReader& reader)
 {
   Contents contents;
+  contents.description = reader.describe();
   try
   {
-    const auto reader = tools::openRecording(path, format, options);
-    contents.description = reader->describe();
     while (true)
     {
       try
       {
-        const auto entry = reader->next();
+        const auto entry = reader.next();
         if (!entry)
           break;
         contents.entries.push_back(*entry);
@@ -111,13 +109,29 @@ inline Contents contentsOf(const std::string& path, const std::string& format = 
         contents.badLines.emplace_back(error.what());
       }
     }
-    contents.warnings = reader->takeWarnings();
   }
   catch (const tools::RecordingError& error)
   {
     contents.fatal = error.what();
   }
+  contents.warnings = reader.takeWarnings();
   return contents;
+}
+
+/// Opens the recording and reads it to its end, over bad lines.
+inline Contents contentsOf(const std::string& path, const std::string& format = "",
+                           const tools::ReadingOptions& options = {})
+{
+  try
+  {
+    return contentsOf(*tools::openRecording(path, format, options));
+  }
+  catch (const tools::RecordingError& error)
+  {
+    Contents contents;
+    contents.fatal = error.what();
+    return contents;
+  }
 }
 
 /// A test that reads files which it writes itself.

@@ -1,0 +1,278 @@
+#include "mergedrecording.hpp"
+
+#include "readings.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+using Duration = ko::SystemClock::duration;
+using TimePoint = ko::SystemClock::time_point;
+
+// Readings may have any time; the ends of what can be counted are not passed.
+TimePoint shifted(TimePoint time, Duration offset)
+{
+  Duration::rep sum = 0;
+  if (__builtin_add_overflow(time.time_since_epoch().count(), offset.count(), &sum))
+    sum = offset.count() > 0 ? std::numeric_limits<Duration::rep>::max() : std::numeric_limits<Duration::rep>::min();
+  return TimePoint(Duration(sum));
+}
+
+void shift(RecordingEntry& entry, Duration offset)
+{
+  entry.time = shifted(entry.time, offset);
+  forEachReading([&](const char*, auto member) {
+    auto& reading = entry.observation.*member;
+    if (reading)
+      reading->time = shifted(reading->time, offset);
+  });
+}
+
+// Nothing but what was observed of a person.
+bool isObservation(const RecordingEntry& entry)
+{
+  return entry.person && entry.scopeStarts.empty() && entry.scopeStops.empty() && !entry.ambianceActivity &&
+         entry.movements == 0;
+}
+
+bool collide(const KV::PersonObservation& left, const KV::PersonObservation& right)
+{
+  bool result = false;
+  forEachReading([&](const char*, auto member) { result = result || (left.*member && right.*member); });
+  return result;
+}
+
+// Whoever is observed by one input is observed, though others do not see them.
+bool takeIn(RecordingEntry& target, const RecordingEntry& other)
+{
+  if (collide(target.observation, other.observation))
+    return false;
+  target.seen = target.seen || other.seen;
+  forEachReading([&](const char*, auto member) {
+    if (other.observation.*member)
+      target.observation.*member = other.observation.*member;
+  });
+  return true;
+}
+
+std::string dateOf(TimePoint time)
+{
+  const auto seconds = static_cast<std::time_t>(time.time_since_epoch().count() / 1'000'000'000);
+  std::tm parts = {};
+  std::array<char, 64> text{};
+  if (gmtime_r(&seconds, &parts) == nullptr ||
+      std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S UTC", &parts) == 0)
+    return "an unknown date";
+  return text.data();
+}
+
+std::string secondsOf(Duration duration)
+{
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%.3f", static_cast<double>(duration.count()) * 1e-9);
+  return text.data();
+}
+
+}  // namespace
+
+MergedRecording::MergedRecording(std::vector<RecordingInput> inputs)
+{
+  for (RecordingInput& input : inputs)
+    _inputs.emplace_back().from = std::move(input);
+}
+
+boost::optional<RecordingEntry> MergedRecording::next()
+{
+  if (!_begun)
+    _fetchFirst();
+  while (!_read.empty() || _readOne())
+  {
+    Item item = std::move(_read.front());
+    _read.pop_front();
+    if (item.error)
+      std::rethrow_exception(item.error);
+    if (item.input == 0)
+      _takeInSimultaneous(item.entry);
+    else if (_isTakenInLater(item))
+      continue;
+    return std::move(item.entry);
+  }
+  _warnOfLonelyPersons();
+  return {};
+}
+
+std::vector<std::string> MergedRecording::describe() const
+{
+  std::vector<std::string> lines = {"One session of " + std::to_string(_inputs.size()) +
+                                    " inputs, merged by time; the first sets the cycles in which persons are updated"};
+  for (const Input& input : _inputs)
+  {
+    const bool isMoved = input.from.offset != Duration(0);
+    const std::string name =
+        input.from.path + (isMoved ? " (moved by " + secondsOf(input.from.offset) + " s)" : "") + ": ";
+    for (const std::string& line : input.from.reader->describe())
+      lines.push_back(name + line);
+  }
+  return lines;
+}
+
+std::vector<std::string> MergedRecording::takeWarnings()
+{
+  std::vector<std::string> warnings;
+  for (Input& input : _inputs)
+    for (const std::string& warning : input.from.reader->takeWarnings())
+      warnings.push_back(input.from.path + ": " + warning);
+  warnings.insert(warnings.end(), _warnings.begin(), _warnings.end());
+  _warnings.clear();
+  return warnings;
+}
+
+double MergedRecording::progress() const
+{
+  const double sum = std::accumulate(_inputs.begin(), _inputs.end(), 0., [](double sumSoFar, const Input& input) {
+    return sumSoFar + input.from.reader->progress();
+  });
+  return sum / static_cast<double>(_inputs.size());
+}
+
+// What is wrong stands where the input had come to.
+void MergedRecording::_fetch(std::size_t number)
+{
+  Input& input = _inputs[number];
+  try
+  {
+    auto entry = input.from.reader->next();
+    input.ended = !entry;
+    if (!entry)
+      return;
+    shift(*entry, input.from.offset);
+    if (entry->time < TimePoint())
+      throw RecordingError({input.from.path, 0, {}}, "the offset moves it to before 1970");
+    if (entry->person)
+      input.persons.insert(*entry->person);
+    input.last = entry->time;
+    input.ahead = Item{entry->time, number, std::move(*entry), nullptr};
+    return;
+  }
+  catch (const BadLine&)
+  {
+    input.ahead = Item{input.last, number, {}, std::current_exception()};
+  }
+  catch (const RecordingError&)
+  {
+    input.ahead = Item{input.last, number, {}, std::current_exception()};
+    input.ended = true;
+  }
+}
+
+void MergedRecording::_fetchFirst()
+{
+  _begun = true;
+  const Input* earliest = nullptr;
+  const Input* latest = nullptr;
+  for (std::size_t i = 0; i < _inputs.size(); ++i)
+  {
+    _fetch(i);
+    const Input& input = _inputs[i];
+    if (!input.ahead || input.ahead->error)
+      continue;
+    if (earliest == nullptr || input.last < earliest->last)
+      earliest = &input;
+    if (latest == nullptr || input.last > latest->last)
+      latest = &input;
+  }
+  if (earliest == nullptr || latest->last - earliest->last <= greatestDistance)
+    return;
+  throw RecordingError(
+      {latest->from.path, 0, {}},
+      "begins at " + dateOf(latest->last) + ", but " + earliest->from.path + " at " + dateOf(earliest->last) +
+          ": one counts from its start (which is placed at 2020), the other since 1970, or they are no inputs of one "
+          "session; --offset " +
+          earliest->from.path + "=" + secondsOf(latest->last - earliest->last + earliest->from.offset) +
+          " would let them begin together, --separately replays each for itself");
+}
+
+// Reads one more step, the next of all inputs; false at the end of all.
+bool MergedRecording::_readOne()
+{
+  Input* next = nullptr;
+  for (std::size_t i = 0; i < _inputs.size(); ++i)
+  {
+    Input& input = _inputs[i];
+    if (!input.ahead && !input.ended)
+      _fetch(i);
+    if (input.ahead && (next == nullptr || input.ahead->time < next->ahead->time))
+      next = &input;
+  }
+  if (next == nullptr)
+    return false;
+  _reached = std::max(_reached, next->ahead->time);
+  _read.push_back(std::move(*next->ahead));
+  next->ahead.reset();
+  return true;
+}
+
+void MergedRecording::_readUntil(TimePoint time)
+{
+  while (_reached <= time && _readOne())
+  {}
+}
+
+// Takes in what other inputs tell of the same person at the same time.
+void MergedRecording::_takeInSimultaneous(RecordingEntry& entry)
+{
+  if (!entry.person)
+    return;
+  _readUntil(entry.time);
+  for (auto item = _read.begin(); item != _read.end() && item->time == entry.time;)
+  {
+    const bool isTaken =
+        item->input != 0 && item->isOf(entry.person) && isObservation(item->entry) && takeIn(entry, item->entry);
+    item = isTaken ? _read.erase(item) : std::next(item);
+  }
+}
+
+// Puts the step into the next one of the first input about that person, or into one of the same time.
+bool MergedRecording::_isTakenInLater(const Item& item)
+{
+  if (!isObservation(item.entry))
+    return false;
+  _readUntil(shifted(item.time, longestWait));
+  for (Item& later : _read)
+  {
+    if (later.time > shifted(item.time, longestWait))
+      return false;
+    if (!later.isOf(item.entry.person))
+      continue;
+    if (later.input == 0 || (later.time == item.time && later.input != item.input))
+      return takeIn(later.entry, item.entry);
+    if (later.input == item.input && collide(later.entry.observation, item.entry.observation))
+      return false;  // the later one is to be taken in: readings of one kind stay in their order
+  }
+  return false;
+}
+
+// Persons of different inputs belong together by their numbers alone.
+void MergedRecording::_warnOfLonelyPersons()
+{
+  const std::set<std::int32_t>& known = _inputs.front().persons;
+  for (std::size_t i = 1; i < _inputs.size(); ++i)
+  {
+    const std::set<std::int32_t>& persons = _inputs[i].persons;
+    const auto isKnown = [&known](std::int32_t person) { return known.count(person) > 0; };
+    if (!known.empty() && !persons.empty() && std::none_of(persons.begin(), persons.end(), isKnown))
+      _warnings.push_back(_inputs[i].from.path + " tells of person " + std::to_string(*persons.begin()) + ", " +
+                          _inputs.front().from.path + " of person " + std::to_string(*known.begin()) +
+                          ", and of none do both: give the same person the same number");
+  }
+}
+
+}  // namespace tools

@@ -1,0 +1,169 @@
+#include "tidycsvreader.hpp"
+
+#include "description.hpp"
+#include "recordingclock.hpp"
+
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+// Of scopes there may be several at one time, of all else one.
+std::string keyOf(const std::string& reading, const RecordingEntry& entry)
+{
+  if (reading == "start")
+    return "start " + entry.scopeStarts.back().name;
+  if (reading == "stop")
+    return "stop " + entry.scopeStops.back();
+  return reading;
+}
+
+}  // namespace
+
+TidyCsvReader::TidyCsvReader(const std::string& path) : _rows(path)
+{
+  _readHeader();
+  try
+  {
+    _fetchRow();  // tells from where the times count
+  }
+  catch (const BadLine&)
+  {
+    _firstError = std::current_exception();
+  }
+  if (_ended)
+    throw RecordingError({path, _rows.file().lineNumber(), {}}, "there is no row below the header");
+}
+
+boost::optional<RecordingEntry> TidyCsvReader::next()
+{
+  if (const auto error = std::exchange(_firstError, nullptr))
+    std::rethrow_exception(error);
+  while (_ready.empty())
+  {
+    if (!_row && !_ended)
+      _fetchRow();
+    if (_row && (!_anyTime || _rowTime == _time))
+      _takeRow();
+    else if (_anyTime)
+      _endTime();
+    else
+      return {};
+  }
+  RecordingEntry entry = std::move(_ready.front());
+  _ready.pop_front();
+  return entry;
+}
+
+std::vector<std::string> TidyCsvReader::describe() const
+{
+  const std::string times = _origin.value_or(recordingEpoch) > 0. ? "from the start" : "since 1970";
+  const std::string persons = _columns[TidyColumn::Person] ? "persons by the column person"
+                                                           : "all rows are person 0, since there is no column person";
+  return {"Tidy CSV: angles in degrees; head yaw to the own right, gaze yaw to the own left, pitch up",
+          "times in seconds " + times + "; " + persons + "; confidence 1 where none is given"};
+}
+
+std::vector<std::string> TidyCsvReader::takeWarnings()
+{
+  return std::exchange(_warnings, {});
+}
+
+void TidyCsvReader::_readHeader()
+{
+  const std::string& path = _rows.file().path();
+  if (!_rows.next())
+    throw RecordingError({path, 0, {}}, "the file is empty");
+  _columns = findTidyColumns(_rows.fields(), path, _rows.file().lineNumber());
+  for (const std::string& name : _columns.names)
+    if (!name.empty() && !isTidyColumn(name))
+      _ignoredColumns.push_back(name);
+  if (!_ignoredColumns.empty())
+    _warnings.push_back("columns that are not read: " + listed(_ignoredColumns));
+}
+
+// Stands on the next row then, or at the end.
+void TidyCsvReader::_fetchRow()
+{
+  if (!_rows.next())
+  {
+    _ended = true;
+    return;
+  }
+  TidyRow row = readTidyRow(_rows, _columns);
+  const auto time = _timeOf(row.seconds);
+  if (time < _time)
+    _refuse(TidyColumn::Time, "time runs backwards, expected the rows in the order of their times");
+  _row = std::move(row);
+  _rowTime = time;
+}
+
+ko::SystemClock::time_point TidyCsvReader::_timeOf(double seconds)
+{
+  const double origin = seconds > earliestEpochTimestamp ? 0. : recordingEpoch;
+  if (_origin && origin != *_origin)
+    _refuse(TidyColumn::Time, "some rows count from the start of the recording, others since 1970");
+  if (origin + seconds > greatestSecond || origin + seconds < 0.)
+    _refuse(TidyColumn::Time, "is too far from the start of the recording");
+  _origin = origin;
+  return timeAfter(origin, seconds);
+}
+
+// Adds the row to its step, which stays as it was if the row is bad or says nothing.
+void TidyCsvReader::_takeRow()
+{
+  const TidyRow row = *std::exchange(_row, std::nullopt);
+  _time = _rowTime;
+  _anyTime = true;
+
+  Step step = _stepOf(row.person);
+  if (!addTidyReading(_rows, _columns, row.reading, step.entry))
+    return;
+  if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
+    _refuse(TidyColumn::Reading, row.reading + " is there twice at this time");
+  if (!step.entry.seen && step.readings.size() > 1)
+    _refuse(TidyColumn::Reading,
+            "person " + std::to_string(*row.person) + " is not seen at this time, and yet observed");
+  (row.person ? _steps[*row.person] : _room) = std::move(step);
+}
+
+TidyCsvReader::Step TidyCsvReader::_stepOf(const std::optional<std::int32_t>& person) const
+{
+  if (!person)
+    return _room;
+  const auto found = _steps.find(*person);
+  if (found != _steps.end())
+    return found->second;
+  Step step;
+  step.entry.time = _time;
+  step.entry.person = *person;
+  return step;
+}
+
+// Tells all steps of one time, the scopes and the room with the first and the last of them.
+void TidyCsvReader::_endTime()
+{
+  for (auto& [person, step] : _steps)
+    _ready.push_back(std::move(step.entry));
+  RecordingEntry& room = _room.entry;
+  if (_ready.empty() && !_room.readings.empty())
+    _ready.emplace_back().time = _time;
+  if (!_ready.empty())
+  {
+    _ready.front().scopeStarts = std::move(room.scopeStarts);
+    _ready.front().ambianceActivity = room.ambianceActivity;
+    _ready.front().movements = room.movements;
+    _ready.back().scopeStops = std::move(room.scopeStops);
+  }
+  _steps.clear();
+  _room = Step();
+  _anyTime = false;
+}
+
+void TidyCsvReader::_refuse(TidyColumn column, const std::string& message) const
+{
+  throw BadLine({_rows.file().path(), _rows.file().lineNumber(), nameOf(column)}, message);
+}
+
+}  // namespace tools

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "csvrows.hpp"
+#include "recording.hpp"
+#include "tidycsvrow.hpp"
+
+#include <ko/systemclock.hpp>
+
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Reads a CSV file with one reading in each row, see docs/recording-format.md.
+///
+/// The rows of one time and person are one step; scopes start before the first step of a time and stop after the last.
+class TidyCsvReader : public RecordingReader
+{
+public:
+  /// Opens the file and reads its header.
+  ///
+  /// \throws RecordingError if it cannot be read, or has no row.
+  explicit TidyCsvReader(const std::string& path);
+
+  boost::optional<RecordingEntry> next() override;
+  std::vector<std::string> describe() const override;
+  std::vector<std::string> takeWarnings() override;
+  double progress() const override { return _rows.file().progress(); }
+
+private:
+  /// What the rows of one time and person tell.
+  struct Step
+  {
+    RecordingEntry entry;
+    std::set<std::string> readings;
+  };
+
+  void _readHeader();
+  void _fetchRow();
+  ko::SystemClock::time_point _timeOf(double seconds);
+  void _takeRow();
+  Step _stepOf(const std::optional<std::int32_t>& person) const;
+  void _endTime();
+  [[noreturn]] void _refuse(TidyColumn column, const std::string& message) const;
+
+  CsvRows _rows;
+  TidyColumns _columns;
+  std::optional<double> _origin;  // [s] since 1970, to which the times are added; decided by the first row
+  std::optional<TidyRow> _row;    // read, and not taken yet
+  ko::SystemClock::time_point _rowTime;
+  ko::SystemClock::time_point _time;    // of the steps below, and the latest so far
+  bool _anyTime = false;                // there are rows of that time
+  Step _room;                           // what is about no person
+  std::map<std::int32_t, Step> _steps;  // by person
+  std::deque<RecordingEntry> _ready;
+  std::exception_ptr _firstError;  // of the first row
+  bool _ended = false;
+  std::vector<std::string> _ignoredColumns;
+  std::vector<std::string> _warnings;
+};
+
+}  // namespace tools
