@@ -1,28 +1,19 @@
 #include <ko/systemclock.hpp>
 
-#include <chrono>
+#include "wallclock.hpp"
+
+#include <typeinfo>
 
 namespace ko
 {
 
-namespace
+__thread detail::ThreadClock detail::threadClock = {};
+
+SystemClock::time_point SystemClock::_nowElsewhere()
 {
-
-/// What SystemClock::now() reads on this thread; null stands for the wall clock.
-thread_local ClockSource* currentSource = nullptr;
-
-SystemClock::time_point wallClockNow()
-{
-  const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
-  const std::int64_t ticks = std::chrono::duration_cast<std::chrono::nanoseconds>(sinceEpoch).count();
-  return SystemClock::time_point(boost::chrono::nanoseconds(ticks));
-}
-
-}  // namespace
-
-SystemClock::time_point SystemClock::now()
-{
-  return currentSource ? currentSource->now() : wallClockNow();
+  if (ClockSource* const source = detail::threadClock.source)
+    return source->now();
+  return time_point(duration(wallClockNow()));
 }
 
 ClockSource::~ClockSource() = default;
@@ -44,14 +35,16 @@ void ManualClock::advance(boost::chrono::nanoseconds step)
   _ticks.fetch_add(step.count(), std::memory_order_acq_rel);
 }
 
-ScopedClockSource::ScopedClockSource(ClockSource& source) : _outer(currentSource)
+ScopedClockSource::ScopedClockSource(ClockSource& source) : _outer(detail::threadClock)
 {
-  currentSource = &source;
+  // A class that is derived from ManualClock may show another time than the one that was set.
+  const bool isManual = typeid(source) == typeid(ManualClock);
+  detail::threadClock = {isManual ? &static_cast<ManualClock&>(source)._ticks : nullptr, &source};
 }
 
 ScopedClockSource::~ScopedClockSource()
 {
-  currentSource = _outer;
+  detail::threadClock = _outer;
 }
 
 }  // namespace ko

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+namespace ko
+{
+
+/// Returns the time of the machine's wall clock in nanoseconds since the Unix epoch.
+///
+/// Counts on from the system's clock with the processor's counter where that can be relied on; see
+/// extrapolatedclock.hpp.
+std::int64_t wallClockNow();
+
+/// Tells whether wallClockNow() uses the processor's counter on this machine.
+bool wallClockUsesCounter();
+
+}  // namespace ko
