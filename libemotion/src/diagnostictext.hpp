@@ -1,10 +1,11 @@
 #pragma once
 
-#include <boost/container/small_vector.hpp>
+#include "sixdigits.hpp"
 
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -22,35 +23,64 @@ namespace KV
 class DiagnosticText
 {
 public:
+  DiagnosticText() = default;
+  DiagnosticText(const DiagnosticText&) = delete;
+  DiagnosticText& operator=(const DiagnosticText&) = delete;
+
+  /// Makes the compiler compose the text even where it sees that nobody reads it.
+  ~DiagnosticText() { asm volatile("" : : "r"(_short.data()) : "memory"); }
+
   DiagnosticText& operator<<(std::string_view item)
   {
-    _characters.insert(_characters.end(), item.begin(), item.end());
+    std::memcpy(_room(item.size()), item.data(), item.size());
+    _size += item.size();
     return *this;
   }
 
   DiagnosticText& operator<<(char item) { return *this << std::string_view(&item, 1); }
 
-  /// Flags as 1 or 0, floating-point numbers in general notation with six significant digits.
+  /// Flags as 1 or 0, floats in general notation with six significant digits.
   template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
   DiagnosticText& operator<<(Number item)
   {
-    std::array<char, 32> digits;  // NOLINT(cppcoreguidelines-pro-type-member-init): written before it is read
-    char* const first = digits.data();
-    char* const last = first + digits.size();
-    std::to_chars_result end{};
-    if constexpr (std::is_same_v<Number, bool>)
-      end = std::to_chars(first, last, static_cast<int>(item));
-    else if constexpr (std::is_floating_point_v<Number>)
-      end = std::to_chars(first, last, item, std::chars_format::general, 6);
+    constexpr std::size_t longestNumber = 24;
+    char* const first = _room(longestNumber);
+    char* end = first;
+    if constexpr (std::is_same_v<Number, float>)
+      end = writeSixDigits(first, item);
+    else if constexpr (std::is_same_v<Number, bool>)
+      *end++ = item ? '1' : '0';
     else
-      end = std::to_chars(first, last, item);
-    return *this << std::string_view(first, static_cast<std::size_t>(end.ptr - first));
+      end = std::to_chars(first, first + longestNumber, item).ptr;
+    _size += static_cast<std::size_t>(end - first);
+    return *this;
   }
 
-  std::string text() const { return {_characters.begin(), _characters.end()}; }
+  std::string text() const { return {_first, _size}; }
 
 private:
-  boost::container::small_vector<char, 256> _characters;  // without an allocation for any text about a single force
+  /// Returns where the text goes on, with room for `size` more characters.
+  char* _room(std::size_t size)
+  {
+    if (size > _capacity - _size)
+      _grow(size);
+    return _first + _size;
+  }
+
+  void _grow(std::size_t size)
+  {
+    std::string longer(2 * (_capacity + size), '\0');
+    std::memcpy(longer.data(), _first, _size);
+    _long.swap(longer);
+    _first = _long.data();
+    _capacity = _long.size();
+  }
+
+  std::array<char, 1000> _short;  // holds every text of an ordinary update, so that none allocates
+  std::string _long;              // holds a text that has outgrown it
+  char* _first = _short.data();
+  std::size_t _size = 0;
+  std::size_t _capacity = _short.size();
 };
 
 }  // namespace KV

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -88,12 +90,38 @@ TEST(DiagnosticText, WritesEveryFloatAsAStreamDoes)
   constexpr std::uint32_t seed = 4711;
   SCOPED_TRACE(testing::Message() << "seed " << seed);
   std::mt19937 random(seed);
-  for (int i = 0; i < 20000; ++i)
+  for (int i = 0; i < 200000; ++i)
   {
     const auto bits = static_cast<std::uint32_t>(random());
     float number = 0.f;
     std::memcpy(&number, &bits, sizeof number);
     ASSERT_EQ(asAStreamWritesIt(number), asATextWritesIt(number)) << "bits " << bits;
+  }
+}
+
+// Where the number of places changes, where six digits are rounded, and where a half goes to the even digit.
+TEST(DiagnosticText, WritesFloatsNextToEveryPowerOfTenAsAStreamDoes)
+{
+  for (int exponent = -6; exponent <= 7; ++exponent)
+    for (const double factor : {1., 0.9999995, 9.999995, 1.0000005, 1.5, 1.234565, 1.0000015, 2.5})
+    {
+      const auto middle = static_cast<float>(factor * std::pow(10., exponent));
+      for (const float magnitude : {std::nextafter(middle, 0.f), middle, std::nextafter(middle, 1e9f)})
+        for (const float number : {magnitude, -magnitude})
+          ASSERT_EQ(asAStreamWritesIt(number), asATextWritesIt(number)) << std::hexfloat << number;
+    }
+  for (const float half : {0.5f, 100000.5f, 100001.5f, 999998.5f, 999999.5f, 12345.25f, 12345.75f, 1234.125f})
+    ASSERT_EQ(asAStreamWritesIt(half), asATextWritesIt(half)) << half;
+}
+
+TEST(DiagnosticText, WritesNumbersWhateverRoundingTheProcessorIsSetTo)
+{
+  for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO})
+  {
+    std::fesetround(rounding);
+    const std::string written = asATextWritesIt(0.1234565f) + " " + asATextWritesIt(2.f / 3.f);
+    std::fesetround(FE_TONEAREST);
+    EXPECT_EQ("0.123457 0.666667", written) << rounding;
   }
 }
 
