@@ -52,6 +52,7 @@ protected:
 
     const std::int64_t observations = observationsInAllTests() * percent / 100;
     Nanoseconds now = start;
+    const model::Clock modelClock = [&now] { return now; };
     for (std::int64_t observed = 0, step = 0; observed < observations; ++step)
     {
       now += life.step();
@@ -70,7 +71,7 @@ protected:
       {
         const model::Observation observation = life.next(now);
         library.update(model::toLibrary(observation));
-        person.update(observation, now);
+        person.update(observation, modelClock);
         ++observed;
       }
       const std::string difference = model::firstDifference(library, person);
@@ -127,6 +128,54 @@ TEST_F(LibraryAgainstModel, AgreesOnTiedScores)
 TEST_F(LibraryAgainstModel, AgreesOnBrokenNumbers)
 {
   expectAgreement<model::BrokenNumbers>(12);
+}
+
+/// A clock that has moved on whenever it is read, now by little, now by much, and at times back.
+class RestlessClock : public ko::ClockSource
+{
+public:
+  RestlessClock() : _random(seed) {}
+
+  Nanoseconds read()
+  {
+    ++_readings;
+    _now += _random.chance(0.01) ? _random.between(-200 * model::millisecond, 400 * model::millisecond)
+                                 : _random.between(0, 20000);
+    return _now;
+  }
+
+  ko::SystemClock::time_point now() override { return model::toTimePoint(read()); }
+  Nanoseconds shown() const { return _now; }
+  std::int64_t readings() const { return _readings; }
+
+private:
+  model::Random _random;
+  Nanoseconds _now = start;
+  std::int64_t _readings = 0;
+};
+
+// Whoever reads the clock once too often, once too rarely or in another order has another age from there on.
+TEST_F(LibraryAgainstModel, AgreesOnEveryReadingOfTheClock)
+{
+  model::AllSensors all(seed);
+  model::SparseReadings sparse(seed);
+  RestlessClock libraryClock;
+  RestlessClock modelClock;
+  const ko::ScopedClockSource scope(libraryClock);
+  KV::Person library;
+  model::Person person;
+
+  const std::int64_t observations = observationsInAllTests() / 200;
+  for (std::int64_t observed = 0; observed < observations; ++observed)
+  {
+    const bool isFull = observed / 100 % 2 == 0;
+    const Nanoseconds now = modelClock.shown();
+    const model::Observation observation = isFull ? all.next(now) : sparse.next(now);
+    library.update(model::toLibrary(observation));
+    person.update(observation, [&modelClock] { return modelClock.read(); });
+    ASSERT_EQ(modelClock.readings(), libraryClock.readings()) << "observation " << observed;
+    ASSERT_EQ("", model::firstDifference(library, person)) << "seed " << seed << ", observation " << observed;
+  }
 }
 
 TEST_F(LibraryAgainstModel, AgreesOnCyclesWithoutThePerson)

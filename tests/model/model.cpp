@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
+#include <sstream>
 
 namespace model
 {
@@ -27,37 +29,81 @@ float inSeconds(std::int64_t milliseconds)
   return static_cast<float>(milliseconds) * 0.001f;
 }
 
-float ageInSeconds(Nanoseconds time, Nanoseconds now)
+float ageInSeconds(Nanoseconds time, const Clock& clock)
 {
-  return inSeconds(ageInMs(time, now));
+  return inSeconds(ageInMs(time, clock));
 }
 
 template <typename T>
-void recordIfPresent(Memory<T>& memory, const std::optional<Reading<T>>& reading, Nanoseconds now)
+void recordIfPresent(Memory<T>& memory, const std::optional<Reading<T>>& reading, const Clock& clock)
 {
   if (reading)
-    memory.record(*reading, now);
+    memory.record(*reading, clock);
+}
+
+/// Records the reading, and unless the memory is empty then, writes a line about its youngest. `write` asks for that as
+/// often as it writes a part of it.
+template <typename T, typename Write>
+void recordAndReport(std::ostream& report, const char* label, Memory<T>& memory,
+                     const std::optional<Reading<T>>& reading, const Clock& clock, const Write& write)
+{
+  if (!reading)
+    return;
+  memory.record(*reading, clock);
+  memory.forgetOld(clock);
+  if (memory.readings.empty())
+    return;
+  report << label;
+  write([&]() -> const T& { return memory.youngest(clock).value; });
+  report << std::endl;
 }
 
 }  // namespace
 
-void Memories::record(const Observation& observation, Nanoseconds now)
+Work& work()
 {
-  recordIfPresent(headPosture, observation.headPosture, now);
-  recordIfPresent(distance, observation.distance, now);
-  recordIfPresent(lookingAtRobot, observation.lookingAtRobot, now);
-  recordIfPresent(smile, observation.smile, now);
-  recordIfPresent(gaze, observation.gaze, now);
-  recordIfPresent(expressions, observation.expressions, now);
-  recordIfPresent(gender, observation.gender, now);
-  recordIfPresent(age, observation.age, now);
-  recordIfPresent(faceDetected, observation.faceDetected, now);
-  recordIfPresent(facialPoints, observation.facialPoints, now);
-  recordIfPresent(touchEmotion, observation.touchEmotion, now);
-  recordIfPresent(asrEmotion, observation.asrEmotion, now);
-  recordIfPresent(contextEmotion, observation.contextEmotion, now);
-  recordIfPresent(speaking, observation.speaking, now);
-  recordIfPresent(robotHeadPosture, observation.robotHeadPosture, now);
+  static thread_local Work work;
+  return work;
+}
+
+void Memories::record(const Observation& seen, const Clock& clock)
+{
+  std::ostringstream report;
+  const auto plain = [&](const auto& youngest) { report << youngest(); };
+  const auto angles = [&](const auto& youngest) {
+    const auto& is = youngest();
+    report << is.yaw << " | " << is.pitch;
+  };
+
+  report << "Person updated with observations :\n";
+  recordAndReport(report, "\t Age : ", age, seen.age, clock, plain);
+  recordAndReport(report, "\t Face detected : ", faceDetected, seen.faceDetected, clock, plain);
+  recordAndReport(report, "\t Distance : ", distance, seen.distance, clock, plain);
+  recordAndReport(report, "\t Expressions : ", expressions, seen.expressions, clock, [&](const auto& youngest) {
+    report << youngest().calm.value << " | ";
+    report << youngest().joy.value << " | ";
+    report << youngest().surprise.value << " | ";
+    report << youngest().anger.value << " | ";
+    report << youngest().sorrow.value;
+  });
+  recordAndReport(report, "\t Gaze Direction : ", gaze, seen.gaze, clock, angles);
+  recordAndReport(report, "\t Gender : ", gender, seen.gender, clock, plain);
+  recordAndReport(report, "\t Head Posture : ", headPosture, seen.headPosture, clock, [&](const auto& youngest) {
+    const auto& is = youngest();
+    report << is.yaw << " | " << is.pitch << " | " << is.roll;
+  });
+  recordAndReport(report, "\t Smile from youngest: ", smile, seen.smile, clock, [&](const auto& youngest) {
+    const auto& is = youngest();
+    report << is.value << " | " << is.confidence;
+  });
+  recordAndReport(report, "\t Looking At Robot : ", lookingAtRobot, seen.lookingAtRobot, clock, plain);
+  recordAndReport(report, "\t Facial Points : ", facialPoints, seen.facialPoints, clock,
+                  [&](const auto& youngest) { report << globalConfidence(youngest()); });
+  recordAndReport(report, "\t Touch Emotion : ", touchEmotion, seen.touchEmotion, clock, plain);
+  recordIfPresent(asrEmotion, seen.asrEmotion, clock);
+  recordIfPresent(contextEmotion, seen.contextEmotion, clock);
+  recordAndReport(report, "\t Speaking Memory : ", speaking, seen.speaking, clock, plain);
+  recordAndReport(report, "\t Robot Head Posture : ", robotHeadPosture, seen.robotHeadPosture, clock, angles);
 }
 
 // Arithmetic.
@@ -89,7 +135,8 @@ float weight(float x, float reference)
   const float argument = steepness * (reference - x);
   if (std::isnan(argument))
     return floor;
-  const float step = boost::math::erf(argument);  // evaluated in double, narrowed to float
+  ++work().errorFunctions;
+  const auto step = static_cast<float>(boost::math::erf(static_cast<double>(argument)));
   return greaterOf((step + 1.f) * 0.5f, floor);
 }
 
@@ -207,27 +254,40 @@ std::string zoneName(int zone)
 namespace
 {
 
-// Forces: every estimate moves by a share of its way to a target.
+// Forces: every estimate moves by a share of its way to a target, and says so to nobody.
 
-void pullValence(State& state, float target, float weight)
+void tell(const char* quantity, float target, float weight, const std::string& source)
 {
+  ++work().forces;
+  std::ostringstream text;
+  text << "Applying " << quantity << " force " << 100.f * weight << " towards " << target;
+  if (!source.empty())
+    text << " (" << source << ")";
+}
+
+void pullValence(State& state, float target, float weight, const std::string& source)
+{
+  tell("valence", target, weight, source);
   state.valence.value = clampedValence(moved(state.valence.value, target, weight));
   state.unsmoothedValence.value = clampedValence(moved(state.unsmoothedValence.value, target, weight));
 }
 
-void pullValenceConfidence(State& state, float target, float weight)
+void pullValenceConfidence(State& state, float target, float weight, const std::string& source)
 {
+  tell("valence confidence", target, weight, source);
   state.valence.confidence = clampedConfidence(moved(state.valence.confidence, target, weight));
   state.unsmoothedValence.confidence = clampedConfidence(moved(state.unsmoothedValence.confidence, target, weight));
 }
 
-void pullAttention(State& state, float target, float weight)
+void pullAttention(State& state, float target, float weight, const std::string& source)
 {
+  tell("attention", target, weight, source);
   state.attention.value = clampedAttention(moved(state.attention.value, target, weight));
 }
 
-void pullAttentionConfidence(State& state, float target, float weight)
+void pullAttentionConfidence(State& state, float target, float weight, const std::string& source)
 {
+  tell("attention confidence", target, weight, source);
   state.attention.confidence = clampedConfidence(moved(state.attention.confidence, target, weight));
 }
 
@@ -244,15 +304,19 @@ float easeOf(const HeadPosture& posture)
   return posture.yaw >= 6.f ? 0.5f : 0.f;
 }
 
-void updateEase(State& state, Memory<HeadPosture>& postures, Nanoseconds now)
+void updateEase(State& state, Memory<HeadPosture>& postures, const Clock& clock)
 {
-  postures.forgetOld(now);
+  postures.forgetOld(clock);
   if (postures.readings.empty())
     return;
   float sum = 0.f;
   for (const auto& posture : postures.readings)
     sum += easeOf(posture.value);
-  state.ease = {sum / static_cast<float>(postures.readings.size()), 0.5f};
+
+  postures.forgetOld(clock);
+  const std::size_t count = postures.readings.size();
+  if (count > 0)
+    state.ease = {sum / static_cast<float>(count), 0.5f};
 }
 
 // One cycle: every source of force is a function, and update() calls them in the order in which they act.
@@ -261,8 +325,9 @@ struct Cycle
 {
   const Observation& observation;
   Memories& memories;
-  Nanoseconds now = 0;
+  const Clock& clock;
   State& state;
+  std::ostringstream trace;  // written and thrown away
 
   bool speaking = false;
   bool newSmile = false;
@@ -293,15 +358,17 @@ struct Cycle
   void limitAttentionConfidence();
   void followAttention();
 
-  float ageOf(Nanoseconds time) const { return ageInSeconds(time, now); }
+  float ageOf(Nanoseconds time) const { return ageInSeconds(time, clock); }
   float distance() const { return observation.distance ? observation.distance->value : 0.f; }
   float robotStillness();
   void keepHeadHeight();
   int zoneFor(float attentionTarget) const;
+  void traceQuantity(const char* title, const Scored& quantity);
 };
 
 void Cycle::update()
 {
+  trace << "State updated with:" << std::endl;
   trustFacialPoints();
   distrustWhileSpeaking();
   takeOverReadings();
@@ -327,14 +394,27 @@ void Cycle::update()
   }
   else
     forgetAttention();
+
+  trace << "Computed states:" << std::endl;
+  traceQuantity("Valence: ", state.valence);
+  traceQuantity("Attention: ", state.attention);
+}
+
+void Cycle::traceQuantity(const char* title, const Scored& quantity)
+{
+  trace << title << std::endl << "\t - Value: \t" << quantity.value << std::endl;
+  trace << "\t - Confidence: \t" << quantity.confidence << std::endl;
 }
 
 void Cycle::trustFacialPoints()
 {
   auto& memory = memories.facialPoints;
-  memory.forgetOld(now);
+  memory.forgetOld(clock);
   if (memory.readings.empty())
+  {
+    trace << "\t - NO FACIAL POINTS IN MEMORY" << std::endl;
     return;
+  }
   float sum = 0.f, weights = 0.f;
   for (const auto& points : memory.readings)
   {
@@ -344,18 +424,21 @@ void Cycle::trustFacialPoints()
   }
   const float confidence = greaterOf(0.f, sum / weights);
   const float weightOfYoungest = weight(ageOf(memory.readings.front().time), 3.f);
-  pullValenceConfidence(state, confidence * weightOfYoungest, 0.7f);
+  trace << "\t - Confidence: " << confidence << " with weight " << weightOfYoungest << std::endl;
+  pullValenceConfidence(state, confidence * weightOfYoungest, 0.7f, "Points confidence");
 }
 
 void Cycle::distrustWhileSpeaking()
 {
-  memories.speaking.forgetOld(now);
+  memories.speaking.forgetOld(clock);
   for (const auto& flag : memories.speaking.readings)
   {
+    if (!flag.value)
+      continue;
     const float age = ageOf(flag.time);
-    if (flag.value && age < 4.f)
+    if (age < 4.f)
     {
-      pullValenceConfidence(state, 0.f, 0.5f * weight(age, 2.f));
+      pullValenceConfidence(state, 0.f, 0.5f * weight(age, 2.f), "User is speaking");
       speaking = true;
       return;
     }
@@ -399,7 +482,7 @@ float gazeMagnitudeOf(float yaw, float pitch)
 
 void Cycle::distrustTurnedFace()
 {
-  memories.headPosture.forgetOld(now);
+  memories.headPosture.forgetOld(clock);
   if (memories.headPosture.readings.empty())
     return;
   const HeadPosture& head = memories.headPosture.readings.front().value;
@@ -427,29 +510,29 @@ void Cycle::followFaceCharacteristics()
                             {-1, logisticScore(negative, -0.50614434f, features)}});
   if (mood)
   {
-    pullValence(state, static_cast<float>(*mood), 0.65f);
+    pullValence(state, static_cast<float>(*mood), 0.65f, "Face characteristics");
     valenceObserved = true;
   }
   else
-    pullValenceConfidence(state, 0.f, 0.5f);
+    pullValenceConfidence(state, 0.f, 0.5f, "Winner unknown");
 }
 
 void Cycle::followSmile()
 {
   if (!speaking || !newSmile)
     return;
-  pullValence(state, state.smile.value, state.smile.confidence * 0.65f);
+  pullValence(state, state.smile.value, state.smile.confidence * 0.65f, "Smile");
   valenceObserved = true;
 }
 
 /// The mean of yaw and pitch, the younger readings counting more.
 template <typename T>
-Gaze weightedMean(const std::vector<Reading<T>>& readings, Nanoseconds now)
+Gaze weightedMean(const std::vector<Reading<T>>& readings, const Clock& clock)
 {
   float yaw = 0.f, pitch = 0.f, weights = 0.f;
   for (const auto& reading : readings)
   {
-    const float w = weight(ageInSeconds(reading.time, now), 1.f);
+    const float w = weight(ageInSeconds(reading.time, clock), 1.f);
     yaw += w * reading.value.yaw;
     pitch += w * reading.value.pitch;
     weights += w;
@@ -467,31 +550,35 @@ void followMagnitude(float magnitude, float reference, float& lastMagnitude, flo
 
 void Cycle::followHeadPosture()
 {
-  memories.headPosture.forgetOld(now);
+  memories.headPosture.forgetOld(clock);
   const auto& postures = memories.headPosture.readings;
   if (postures.empty())
     return;
   state.lastHeadPosture = postures.front().time;
   if (ageOf(postures.front().time) >= 1.f)
     return;
-  pullValence(state, state.ease.value, 0.065f);
+  pullValence(state, state.ease.value, 0.065f, "Body Language");
 
-  meanHead = weightedMean(postures, now);
+  meanHead = weightedMean(postures, clock);
   headShare = headFactor(meanHead.yaw);
   followMagnitude(headMagnitudeOf(meanHead.yaw, meanHead.pitch), 15.f, state.headMagnitude, state.headAttention);
+  trace << "Final value of head: " << meanHead.yaw << " | " << meanHead.pitch << " | " << state.headAttention
+        << std::endl;
   attentionObserved = true;
 }
 
 void Cycle::followGaze()
 {
-  memories.gaze.forgetOld(now);
+  memories.gaze.forgetOld(clock);
   const auto& gazes = memories.gaze.readings;
   if (gazes.empty() || ageOf(gazes.front().time) >= 1.f)
     return;
   state.lastGaze = gazes.front().time;
 
-  meanGaze = weightedMean(gazes, now);
+  meanGaze = weightedMean(gazes, clock);
   followMagnitude(gazeMagnitudeOf(meanGaze.yaw, meanGaze.pitch), 20.f, state.gazeMagnitude, state.gazeAttention);
+  trace << "Final value of gaze: " << meanGaze.yaw << " | " << meanGaze.pitch << " | " << state.gazeAttention
+        << std::endl;
   attentionObserved = true;
 }
 
@@ -501,21 +588,25 @@ void Cycle::followVoiceEmotion()
     return;
   state.lastVoiceEmotion = observation.voiceEmotion->time;
 
+  const float age = static_cast<float>(static_cast<double>(ageInMs(observation.voiceEmotion->time, clock)) * 0.001);
+  if (age > 3.f)
+    clock();  // a warning is logged, with the time
+
   const Expressions& voice = observation.voiceEmotion->value;
-  pullValence(state, 0.f, voice.calm.value * 0.7f * 0.65f);
-  pullValence(state, -1.f, voice.anger.value * 0.7f * 0.65f);
-  pullValence(state, 1.f, voice.joy.value * 0.7f * 0.65f);
-  pullValence(state, -0.5f, voice.sorrow.value * 0.7f * 0.65f);
+  pullValence(state, 0.f, voice.calm.value * 0.7f * 0.65f, "Voice emotion");
+  pullValence(state, -1.f, voice.anger.value * 0.7f * 0.65f, "Voice emotion");
+  pullValence(state, 1.f, voice.joy.value * 0.7f * 0.65f, "Voice emotion");
+  pullValence(state, -0.5f, voice.sorrow.value * 0.7f * 0.65f, "Voice emotion");
   valenceObserved = true;
 }
 
 void Cycle::followAsrEmotion()
 {
-  memories.asrEmotion.forgetOld(now);
+  memories.asrEmotion.forgetOld(clock);
   for (const auto& emotion : memories.asrEmotion.readings)
   {
     const float target = emotion.value < 0.f ? -1.f : 1.f;
-    pullValence(state, target, weight(ageOf(emotion.time), 4.f) * 0.65f);
+    pullValence(state, target, weight(ageOf(emotion.time), 4.f) * 0.65f, "Asr emotion");
     valenceObserved = true;
   }
   if (!memories.asrEmotion.readings.empty())
@@ -524,11 +615,11 @@ void Cycle::followAsrEmotion()
 
 void Cycle::followTouchEmotion()
 {
-  memories.touchEmotion.forgetOld(now);
+  memories.touchEmotion.forgetOld(clock);
   for (const auto& emotion : memories.touchEmotion.readings)
   {
     const float target = emotion.value > 0 ? 1.f : -1.f;
-    pullValence(state, target, weight(ageOf(emotion.time), 4.f) * 0.65f);
+    pullValence(state, target, weight(ageOf(emotion.time), 4.f) * 0.65f, "Touch emotion");
     valenceObserved = true;
   }
   if (!memories.touchEmotion.readings.empty())
@@ -537,11 +628,11 @@ void Cycle::followTouchEmotion()
 
 void Cycle::followContextEmotion()
 {
-  memories.contextEmotion.forgetOld(now);
+  memories.contextEmotion.forgetOld(clock);
   for (const auto& emotion : memories.contextEmotion.readings)
   {
     const auto target = static_cast<float>(emotion.value.valence);
-    pullValence(state, target, weight(ageOf(emotion.time), emotion.value.lifetime) * 0.65f);
+    pullValence(state, target, weight(ageOf(emotion.time), emotion.value.lifetime) * 0.65f, "Context emotion");
     valenceObserved = true;
   }
   if (!memories.contextEmotion.readings.empty())
@@ -549,19 +640,23 @@ void Cycle::followContextEmotion()
 }
 
 /// How much the last observation still holds, by the age of the youngest source.
-float hold(std::initializer_list<Nanoseconds> sources, Nanoseconds now)
+float hold(std::initializer_list<Nanoseconds> sources, const Clock& clock)
 {
-  const std::int64_t age = ageInMs(std::max(sources), now);
-  return age < 1 ? 0.f : weight(inSeconds(age), 2.5f);
+  std::vector<std::int64_t> ages;
+  for (const Nanoseconds source : sources)
+    ages.push_back(ageInMs(source, clock));
+  const std::int64_t youngest = *std::min_element(ages.begin(), ages.end());
+  return youngest < 1 ? 0.f : weight(inSeconds(youngest), 2.5f);
 }
 
 void Cycle::forgetValence()
 {
   const float s = hold(
       {state.lastSmile, state.lastExpressions, state.lastVoiceEmotion, state.lastAsrEmotion, state.lastTouchEmotion},
-      now);
-  pullValence(state, 0.f, (1.f - s) * 0.65f);
-  pullValenceConfidence(state, 0.f, 0.7f);
+      clock);
+  trace << "No valence observations" << std::endl << "force: " << s << std::endl;
+  pullValence(state, 0.f, (1.f - s) * 0.65f, "No observation");
+  pullValenceConfidence(state, 0.f, 0.7f, "No observation");
 }
 
 void Cycle::keepHeadHeight()
@@ -573,15 +668,16 @@ void Cycle::keepHeadHeight()
 void Cycle::limitValenceConfidence()
 {
   keepHeadHeight();
-  pullValenceConfidence(state, distanceRamp(distance()), 0.175f);
-  pullValenceConfidence(state, heightRamp(state.headHeight), 0.175f);
+  pullValenceConfidence(state, distanceRamp(distance()), 0.175f, "Distance limitation");
+  pullValenceConfidence(state, heightRamp(state.headHeight), 0.175f, "Height limitation");
 }
 
 void Cycle::forgetAttention()
 {
-  const float s = hold({state.lastHeadPosture, state.lastGaze}, now);
-  pullAttention(state, 0.f, (1.f - s) * 0.65f);
-  pullAttentionConfidence(state, 0.f, 0.7f);
+  const float s = hold({state.lastHeadPosture, state.lastGaze}, clock);
+  trace << "No attention observations" << std::endl;
+  pullAttention(state, 0.f, (1.f - s) * 0.65f, "No observation");
+  pullAttentionConfidence(state, 0.f, 0.7f, "No observation");
   state.attentionZone = 0;
 }
 
@@ -589,7 +685,7 @@ void Cycle::forgetAttention()
 float Cycle::robotStillness()
 {
   auto& memory = memories.robotHeadPosture;
-  memory.forgetOld(now);
+  memory.forgetOld(clock);
   float sum = 0.f, counted = 0.f;
   const auto count = [&](float change, float reference) {
     const float w = weight(change, reference);
@@ -617,13 +713,13 @@ void Cycle::limitAttentionConfidence()
 {
   keepHeadHeight();
   const float target = 0.8f * attentionCeiling(distance(), state.headHeight) + 0.2f * robotStillness();
-  pullAttentionConfidence(state, target, 0.7f);
+  pullAttentionConfidence(state, target, 0.7f, "Okao and robot movement limits");
 }
 
 void Cycle::followAttention()
 {
   const float target = headShare * state.headAttention + (1.f - headShare) * state.gazeAttention;
-  pullAttention(state, target, 0.65f);
+  pullAttention(state, target, 0.65f, "Gaze and head based attention");
   state.attentionZone = zoneFor(target);
 }
 
@@ -641,19 +737,19 @@ int Cycle::zoneFor(float attentionTarget) const
 
 }  // namespace
 
-void Person::update(const Observation& observation, Nanoseconds now)
+void Person::update(const Observation& observation, const Clock& clock)
 {
-  memories.record(observation, now);
-  updateEase(state, memories.headPosture, now);
-  Cycle{observation, memories, now, state}.update();
+  memories.record(observation, clock);
+  updateEase(state, memories.headPosture, clock);
+  Cycle{observation, memories, clock, state, {}}.update();
 }
 
 void Person::decreaseSinceNotSeen()
 {
-  pullValence(state, 0.f, 0.26f);
-  pullValenceConfidence(state, 0.f, 0.7f);
-  pullAttention(state, 0.f, 0.26f);
-  pullAttentionConfidence(state, 0.f, 0.7f);
+  pullValence(state, 0.f, 0.26f, "Not visible");
+  pullValenceConfidence(state, 0.f, 0.7f, "Not visible");
+  pullAttention(state, 0.f, 0.26f, "Not visible");
+  pullAttentionConfidence(state, 0.f, 0.7f, "Not visible");
 }
 
 }  // namespace model

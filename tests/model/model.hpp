@@ -3,19 +3,23 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 /// A plain second telling of how the estimate of one person moves, against which the library is compared.
 ///
-/// It shares no code with the library: no handle, lock, log or clock, only values and the rules. The time is a count of
-/// nanoseconds that the caller hands in. Where the library is built for use, this is built to be read: if the two ever
-/// differ in a single bit, the shorter text here is the easier one to check by hand.
+/// It shares no code with the library: no handle, lock or log, only values and the rules, told in standard streams and
+/// vectors. Where the library is built for use, this is built to be read: if the two ever differ in a single bit, the
+/// shorter text here is the easier one to check by hand. And it is what the library's speed is measured against.
 namespace model
 {
 
 using Nanoseconds = std::int64_t;
+
+/// Tells the time, each time anew: the rules say how often it is asked for.
+using Clock = std::function<Nanoseconds()>;
 
 // What is seen and heard of a person. Angles are in degrees.
 
@@ -91,9 +95,9 @@ struct Observation
 // What is remembered of a person.
 
 /// The age in whole milliseconds, cut off towards zero; negative for a time that is still to come.
-inline std::int64_t ageInMs(Nanoseconds time, Nanoseconds now)
+inline std::int64_t ageInMs(Nanoseconds time, const Clock& clock)
 {
-  return (now - time) / 1000000;
+  return (clock() - time) / 1000000;
 }
 
 /// The readings of one kind, the newest first and no two of the same time.
@@ -104,19 +108,26 @@ struct Memory
   std::vector<Reading<T>> readings;
 
   /// Keeps the reading unless one of its time is there already, then forgets what is too old.
-  void record(const Reading<T>& reading, Nanoseconds now)
+  void record(const Reading<T>& reading, const Clock& clock)
   {
     const auto place = std::find_if(readings.begin(), readings.end(),
                                     [&](const Reading<T>& present) { return present.time <= reading.time; });
     if (place == readings.end() || place->time != reading.time)
       readings.insert(place, reading);
-    forgetOld(now);
+    forgetOld(clock);
   }
 
-  void forgetOld(Nanoseconds now)
+  void forgetOld(const Clock& clock)
   {
-    const auto isTooOld = [&](const Reading<T>& reading) { return ageInMs(reading.time, now) > horizonInMs; };
+    const auto isTooOld = [&](const Reading<T>& reading) { return ageInMs(reading.time, clock) > horizonInMs; };
     readings.erase(std::remove_if(readings.begin(), readings.end(), isTooOld), readings.end());
+  }
+
+  /// The newest reading, after a look for those that are too old.
+  const Reading<T>& youngest(const Clock& clock)
+  {
+    forgetOld(clock);
+    return readings.front();
   }
 };
 
@@ -138,9 +149,18 @@ struct Memories
   Memory<bool> speaking;
   Memory<RobotHeadPosture> robotHeadPosture;
 
-  /// Records every reading that is there; the memories of the others are not touched.
-  void record(const Observation& observation, Nanoseconds now);
+  /// Records every reading that is there, and reports what is then youngest; the memories of the others are not
+  /// touched. The report is written and thrown away.
+  void record(const Observation& observation, const Clock& clock);
 };
+
+/// What was done since somebody last set it to zero, on this thread; for whoever wants to know what it costs.
+struct Work
+{
+  long errorFunctions = 0;
+  long forces = 0;  // each composes a text with two numbers
+};
+Work& work();
 
 // What is thought of a person.
 
@@ -196,7 +216,7 @@ struct Person
   Memories memories;
 
   /// One cycle in which the person was observed.
-  void update(const Observation& observation, Nanoseconds now);
+  void update(const Observation& observation, const Clock& clock);
   /// One cycle in which the person was not.
   void decreaseSinceNotSeen();
 };

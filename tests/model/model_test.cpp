@@ -22,6 +22,12 @@ constexpr float threeDigits = 5e-4f;  // to three
 constexpr float rounding = 1e-6f;     // single precision, a few operations
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
+/// A clock that stands still.
+model::Clock at(Nanoseconds time)
+{
+  return [time] { return time; };
+}
+
 Observation withHead(float yaw, float pitch, Nanoseconds time)
 {
   Observation observation;
@@ -32,8 +38,8 @@ Observation withHead(float yaw, float pitch, Nanoseconds time)
 TEST(ModelMemory, KeepsTheFirstOfTwoReadingsOfTheSameTime)
 {
   model::Memory<float> memory;
-  memory.record({start, 1.f}, start);
-  memory.record({start, 2.f}, start);
+  memory.record({start, 1.f}, at(start));
+  memory.record({start, 2.f}, at(start));
 
   ASSERT_EQ(1u, memory.readings.size());
   EXPECT_EQ(1.f, memory.readings.front().value);
@@ -42,23 +48,23 @@ TEST(ModelMemory, KeepsTheFirstOfTwoReadingsOfTheSameTime)
 TEST(ModelMemory, ForgetsAtOnceWhatIsOlderThanItsHorizon)
 {
   model::Memory<float> memory;
-  memory.record({start - 7001 * millisecond, 1.f}, start);
+  memory.record({start - 7001 * millisecond, 1.f}, at(start));
   EXPECT_TRUE(memory.readings.empty());
 }
 
 TEST(ModelMemory, KeepsAReadingLessThanAMillisecondPastItsHorizon)
 {
   model::Memory<float> memory;
-  memory.record({start - 7001 * millisecond + 1, 1.f}, start);
+  memory.record({start - 7001 * millisecond + 1, 1.f}, at(start));
   EXPECT_EQ(1u, memory.readings.size());
 }
 
 TEST(ModelMemory, SortsReadingsThatArriveOutOfOrder)
 {
   model::Memory<float> memory;
-  memory.record({start + 1, 1.f}, start);
-  memory.record({start + 3, 3.f}, start);
-  memory.record({start + 2, 2.f}, start);
+  memory.record({start + 1, 1.f}, at(start));
+  memory.record({start + 3, 3.f}, at(start));
+  memory.record({start + 2, 2.f}, at(start));
 
   ASSERT_EQ(3u, memory.readings.size());
   EXPECT_EQ(3.f, memory.readings[0].value);
@@ -71,11 +77,11 @@ TEST(ModelMemory, OfTheContextEmotionLastsTwentySeconds)
   Observation observation;
   observation.contextEmotion = {start, {1, 1.f}};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
 
-  person.update({}, start + 20000 * millisecond);
+  person.update({}, at(start + 20000 * millisecond));
   EXPECT_EQ(1u, person.memories.contextEmotion.readings.size());
-  person.update({}, start + 20001 * millisecond);
+  person.update({}, at(start + 20001 * millisecond));
   EXPECT_EQ(0u, person.memories.contextEmotion.readings.size());
 }
 
@@ -230,14 +236,14 @@ TEST(ModelPerson, IsAtFirstNeutralAndUnknown)
 TEST(ModelPerson, FeelsUneasyWithTheHeadUp)
 {
   Person person;
-  person.update(withHead(0.f, 6.f, start), start);
+  person.update(withHead(0.f, 6.f, start), at(start));
   EXPECT_EQ(-0.5f, person.state.ease.value);
   EXPECT_EQ(0.5f, person.state.ease.confidence);
 
-  person.update(withHead(0.f, 0.f, start + millisecond), start + millisecond);
+  person.update(withHead(0.f, 0.f, start + millisecond), at(start + millisecond));
   EXPECT_EQ(-0.25f, person.state.ease.value);
 
-  person.update({}, start + 8000 * millisecond);  // all postures are forgotten
+  person.update({}, at(start + 8000 * millisecond));  // all postures are forgotten
   EXPECT_EQ(-0.25f, person.state.ease.value);
 }
 
@@ -247,7 +253,7 @@ TEST(ModelPerson, DriftsToNeutralWhenNothingWasEverObserved)
   person.state.valence = {1.f, 1.f};
   person.state.attention = {1.f, 1.f};
 
-  person.update({}, start);
+  person.update({}, at(start));
 
   EXPECT_NEAR(0.3565f, person.state.valence.value, rounding);
   EXPECT_NEAR(0.3f, person.state.valence.confidence, rounding);
@@ -264,7 +270,7 @@ TEST(ModelPerson, IsTrustedLessWhileSpeaking)
   Person person;
   person.state.valence.confidence = 1.f;
 
-  person.update(observation, start);
+  person.update(observation, at(start));
 
   const float speaking = 1.f - 0.5f * model::weight(0.5f, 2.f);
   const float distance = speaking + 0.175f * (0.5f - speaking);
@@ -278,7 +284,7 @@ TEST(ModelPerson, IsNoLongerSpeakingAfterFourSeconds)
   observation.speaking = {start - 5000 * millisecond, true};
   observation.smile = {start, {1.f, 1.f}};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_EQ(0.f, person.state.valence.value);
 }
 
@@ -287,12 +293,12 @@ TEST(ModelPerson, IsMovedByASmileOnlyWhileSpeaking)
   Observation observation;
   observation.smile = {start, {1.f, 1.f}};
   Person silent;
-  silent.update(observation, start);
+  silent.update(observation, at(start));
   EXPECT_EQ(0.f, silent.state.valence.value);
 
   observation.speaking = {start, true};
   Person speaking;
-  speaking.update(observation, start);
+  speaking.update(observation, at(start));
   EXPECT_NEAR(0.65f, speaking.state.valence.value, rounding);
 }
 
@@ -302,10 +308,10 @@ TEST(ModelPerson, HasTheSameExpressionsClassifiedOnce)
   observation.expressions = {start, {}};
   observation.expressions->value.joy.value = 1.f;
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_NEAR(0.65f, person.state.valence.value, rounding);
 
-  person.update(observation, start + millisecond);  // no valence source: s = W(0.001, 2.5)
+  person.update(observation, at(start + millisecond));  // no valence source: s = W(0.001, 2.5)
   const float s = model::weight(0.001f, 2.5f);
   EXPECT_NEAR(0.65f * (1.f - (1.f - s) * 0.65f), person.state.valence.value, rounding);
 }
@@ -316,7 +322,7 @@ TEST(ModelPerson, IsCheeredByAJoyfulVoice)
   observation.voiceEmotion = {start, {}};
   observation.voiceEmotion->value.joy = {1.f, 0.f};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_NEAR(0.455f, person.state.valence.value, rounding);
 }
 
@@ -325,32 +331,32 @@ TEST(ModelPerson, IsDisplacedByATouchOfZero)
   Observation observation;
   observation.touchEmotion = {start, 0};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_NEAR(-0.65f * model::weight(0.f, 4.f), person.state.valence.value, rounding);
 }
 
 TEST(ModelPerson, LooksNowhereWithTheHeadTurnedPastFortyDegrees)
 {
   Person person;
-  person.update(withHead(40.f, 0.f, start), start);
+  person.update(withHead(40.f, 0.f, start), at(start));
   EXPECT_EQ("LookingRight", model::zoneName(person.state.attentionZone));
 
   Person other;
-  other.update(withHead(41.f, 0.f, start), start);
+  other.update(withHead(41.f, 0.f, start), at(start));
   EXPECT_EQ("Unknown", model::zoneName(other.state.attentionZone));
 }
 
 TEST(ModelPerson, KeepsTheAttentionOfASlowlyTurningHead)
 {
   Person person;
-  person.update(withHead(0.f, 0.f, start), start);
+  person.update(withHead(0.f, 0.f, start), at(start));
   const float attention = person.state.headAttention;
   EXPECT_NEAR(model::smoothedWeight(0.f, 15.f), attention, rounding);
 
   for (int cycle = 1; cycle <= 10; ++cycle)
   {
     const Nanoseconds now = start + 7001 * millisecond * cycle;  // every posture alone in the memory
-    person.update(withHead(0.f, 3.f * 0.29f * static_cast<float>(cycle), now), now);
+    person.update(withHead(0.f, 3.f * 0.29f * static_cast<float>(cycle), now), at(now));
   }
   EXPECT_EQ(attention, person.state.headAttention);
   EXPECT_NEAR(2.9f, person.state.headMagnitude, rounding);
@@ -362,7 +368,7 @@ TEST(ModelPerson, HasFullConfidenceUnderARobotThatKeepsItsHeadStill)
   observation.distance = {start, 1.4f};
   observation.robotHeadPosture = {start, {5.f, 5.f}};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_NEAR(0.7f * (0.8f * 0.5f + 0.2f), person.state.attention.confidence, rounding);
 }
 
@@ -371,11 +377,11 @@ TEST(ModelPerson, LosesConfidenceUnderARobotThatTurnsItsHead)
   Observation observation = withHead(0.f, 0.f, start);
   observation.robotHeadPosture = {start - 100 * millisecond, {0.f, 0.f}};
   Person person;
-  person.update(observation, start);
+  person.update(observation, at(start));
 
   observation.robotHeadPosture = {start, {7.f, 3.5f}};  // both changes weigh 0.5
   person.state.attention.confidence = 0.f;
-  person.update(observation, start);
+  person.update(observation, at(start));
   EXPECT_NEAR(0.7f * (0.8f * 1.f + 0.2f * 0.5f), person.state.attention.confidence, rounding);
 }
 
