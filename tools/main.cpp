@@ -4,6 +4,7 @@
 #include "replaycommand.hpp"
 #include "streamcommand.hpp"
 #include "typescommand.hpp"
+#include "watchcommand.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -26,6 +27,7 @@ tools::ExitStatus run(int argc, char** argv)
   tools::addReplayCommand(app, status);
   tools::addStreamCommand(app, status);
   tools::addTypesCommand(app, status);
+  tools::addWatchCommand(app, status);
   try
   {
     app.parse(argc, argv);

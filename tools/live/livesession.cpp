@@ -83,10 +83,10 @@ LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock
   : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers))
 {}
 
-void LiveSession::take(std::string_view line)
+std::vector<std::int32_t> LiveSession::take(std::string_view line)
 {
   if (isBlank(line))
-    return;
+    return {};
   StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
 
   BoundaryChange change;
@@ -96,13 +96,19 @@ void LiveSession::take(std::string_view line)
     _session.forget(person);
   _now = read.entry.time;
   _session.play(read.entry);
+  return read.leaving;
 }
 
-// The time of the line, if it has one, is that of its readings. The wall clock may be set back; the session's stands
-// still then.
+// The wall clock may be set back; that of the session stands still then.
+TimePoint LiveSession::present() const
+{
+  return _times == StreamTimes::Arrival ? std::max(_now, _wallClock()) : _now;
+}
+
+// The time of the line, if it has one, is that of its readings.
 StreamLine LiveSession::_readAtArrival(std::string_view text) const
 {
-  const TimePoint arrival = std::max(_now, _wallClock());
+  const TimePoint arrival = present();
   StreamLine line = streamLineFromJson(text, arrival);
   if (line.entry.time > arrival + furthestAhead)
     throw MemberError("time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");

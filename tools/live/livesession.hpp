@@ -4,6 +4,7 @@
 #include "session.hpp"
 #include "sessionobserver.hpp"
 
+#include <cstdint>
 #include <functional>
 #include <string_view>
 #include <vector>
@@ -29,13 +30,16 @@ public:
   /// It sets the clock of its thread, so `wallClock`, which tells when a line came in, must not read that.
   LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers);
 
-  /// Takes one line; an empty one says nothing.
+  /// Takes one line, and returns who leaves; an empty one says nothing.
   ///
   /// \throws MemberError if the line is refused.
-  void take(std::string_view line);
+  std::vector<std::int32_t> take(std::string_view line);
 
   /// Returns the time of the last step.
   TimePoint now() const { return _now; }
+
+  /// Returns what a step would be given as its time that came in now.
+  TimePoint present() const;
 
 private:
   StreamLine _readAtArrival(std::string_view text) const;

@@ -1,0 +1,170 @@
+#include "watchcommand.hpp"
+
+#include "inputfile.hpp"
+#include "librarylog.hpp"
+#include "lineinput.hpp"
+#include "livearguments.hpp"
+#include "livesession.hpp"
+#include "messages.hpp"
+#include "persontable.hpp"
+#include "screen.hpp"
+#include "terminal.hpp"
+#include "waiting.hpp"
+#include "watchpage.hpp"
+
+// CLI11 counts on all of its headers being included in order.
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tools
+{
+
+namespace
+{
+
+const char* const description = "Shows a live table of the persons whose observations come in";
+
+const char* const footer =
+    R"(Reads the same lines from standard input as 'skeigiot stream', and shows on the terminal, for each person: the
+valence from -1 to 1 and the attention from 0 to 1, now and over the last minute, the zone that the person looks at
+(left and right being the person's own), and the state of pleasure with what else is known. Whoever was not seen for a
+minute is left out. q quits; the table stays when the input has ended.
+
+Examples:
+  robot-perception | skeigiot watch
+  robot-perception | tee session.jsonl | skeigiot watch)";
+
+constexpr std::chrono::milliseconds shortestPause(100);  // between two pages
+constexpr std::chrono::milliseconds longestPause(1000);  // ages are shown in seconds
+
+using SteadyClock = std::chrono::steady_clock;
+
+class Watch
+{
+public:
+  explicit Watch(StreamTimes times)
+    : _session(times, wallClock, {&_table}), _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
+  {}
+
+  void run()
+  {
+    _show();
+    while (!_wantsToQuit)
+    {
+      _waitForSomething();
+      if (SteadyClock::now() >= _nextPage)
+        _show();
+    }
+  }
+
+private:
+  void _waitForSomething()
+  {
+    std::vector<pollfd> descriptors{{_screen.fileDescriptor(), POLLIN, 0}};
+    if (!_status.ended)
+      descriptors.push_back({STDIN_FILENO, POLLIN, 0});
+    const auto pause = std::chrono::ceil<std::chrono::milliseconds>(_nextPage - SteadyClock::now());
+    waitFor(descriptors, std::max(0, static_cast<int>(pause.count())));
+
+    if (!_status.ended && descriptors.back().revents != 0)
+      _takeInput();
+    _takeKeys((descriptors.front().revents & (POLLHUP | POLLERR)) != 0);
+  }
+
+  void _takeKeys(bool terminalIsGone)
+  {
+    _wantsToQuit = terminalIsGone;
+    for (int key = _screen.key(); key != 0; key = _screen.key())
+    {
+      _wantsToQuit = _wantsToQuit || key == 'q' || key == 'Q';
+      _nextPage = SteadyClock::now();  // the key may be a new size
+    }
+  }
+
+  void _takeInput()
+  {
+    _status.ended = !_input.readFrom(STDIN_FILENO);
+    std::string_view line;
+    for (auto kind = _input.take(line); kind != LineInput::Line::NotYetHere; kind = _input.take(line))
+    {
+      ++_status.lines;
+      if (kind == LineInput::Line::TooLong)
+        _refuse("is too long");
+      else
+        _take(line);
+    }
+    _nextPage = std::min(_nextPage, _lastPage + shortestPause);
+  }
+
+  void _take(std::string_view line)
+  {
+    try
+    {
+      for (const std::int32_t person : _session.take(line))
+        _table.remove(person);
+    }
+    catch (const MemberError& error)
+    {
+      _refuse((error.member().empty() ? "" : error.member() + ": ") + error.what());
+    }
+  }
+
+  void _refuse(const std::string& message)
+  {
+    ++_status.refused;
+    _status.lastError = "line " + std::to_string(_status.lines) + ": " + message;
+  }
+
+  void _show()
+  {
+    const TimePoint now = _session.present();
+    _table.removeOld(now);
+    _screen.show(watchPage(_table, _status, now, _screen.width(), _screen.height()));
+    _lastPage = SteadyClock::now();
+    _nextPage = _lastPage + longestPause;
+  }
+
+  PersonTable _table;
+  LiveSession _session;
+  LibraryLog _log;  // nothing else may write on the terminal
+  LineInput _input{InputFile::longestLine};
+  InputStatus _status;
+  Screen _screen;
+  SteadyClock::time_point _lastPage;
+  SteadyClock::time_point _nextPage;
+  bool _wantsToQuit = false;
+};
+
+ExitStatus run(StreamTimes times)
+{
+  if (isTerminal(STDIN_FILENO))
+  {
+    Messages(std::cerr, false).error("expected observations on standard input; try 'skeigiot watch --help'");
+    return BadInput;
+  }
+  Watch(times).run();
+  return Success;
+}
+
+}  // namespace
+
+void addWatchCommand(CLI::App& app, ExitStatus& status)
+{
+  const auto times = std::make_shared<StreamTimes>(StreamTimes::Arrival);
+  CLI::App& command = *app.add_subcommand("watch", description);
+  addTimesOption(command, *times);
+  command.footer(footer);
+  command.callback([times, &status] { status = run(*times); });
+}
+
+}  // namespace tools

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "exitstatus.hpp"
+
+#include <CLI/App.hpp>
+
+namespace tools
+{
+
+/// Adds the subcommand "watch"; when it is parsed it runs, and leaves its status.
+void addWatchCommand(CLI::App& app, ExitStatus& status);
+
+}  // namespace tools
