@@ -6,8 +6,10 @@ namespace tools
 {
 
 CsvPersons::CsvPersons(const CsvHeader& header, const std::string& chosenColumn, const std::string& ownColumn)
-  : _isChosen(!chosenColumn.empty()), _name(_isChosen ? chosenColumn : ownColumn), _column(header.find(_name))
+  : _isChosen(!chosenColumn.empty()), _name(_isChosen ? chosenColumn : ownColumn)
 {
+  if (!_name.empty())
+    _column = header.find(_name);
   if (_isChosen && !_column)
     throw RecordingError({header.place().file, header.place().line, chosenColumn},
                          "there is no such column to take persons from");
@@ -26,7 +28,7 @@ std::int32_t CsvPersons::personOf(const CsvNumbers& numbers, const RecordingErro
 std::string CsvPersons::description() const
 {
   if (!_column)
-    return "all rows are person 0, since there is no " + _name;
+    return "all rows are person 0" + (_name.empty() ? std::string() : ", since there is no " + _name);
   return "persons by " + _name;
 }
 

@@ -18,7 +18,8 @@ namespace tools
 class CsvPersons
 {
 public:
-  /// `chosenColumn` is empty if the user chose none; the format's own holds whole numbers only.
+  /// `chosenColumn` is empty if the user chose none, `ownColumn` if the format has none; the format's own holds whole
+  /// numbers only.
   ///
   /// \throws RecordingError if the chosen column is not there.
   CsvPersons(const CsvHeader& header, const std::string& chosenColumn, const std::string& ownColumn);

@@ -87,6 +87,15 @@ bool InputFile::readLine(std::string_view& line)
   return true;
 }
 
+bool InputFile::readBlock(std::string_view& block)
+{
+  if (_unread().empty() && !_readMore())
+    return false;
+  block = _unread();
+  _begin = _end;
+  return true;
+}
+
 double InputFile::progress() const
 {
   if (_atEnd && _unread().empty())

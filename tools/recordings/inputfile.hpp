@@ -30,6 +30,14 @@ public:
   /// \throws RecordingError if the file cannot be read, or its compressed data are damaged or cut.
   bool readLine(std::string_view& line);
 
+  /// Hands out what stands behind what was read so far, as much as there is at once; returns false at the end of the
+  /// file. Lines are not counted.
+  ///
+  /// The view is valid until the next call.
+  ///
+  /// \throws RecordingError if the file cannot be read, or its compressed data are damaged or cut.
+  bool readBlock(std::string_view& block);
+
   /// Returns the number of the line read last, from 1.
   std::size_t lineNumber() const { return _lineNumber; }
 

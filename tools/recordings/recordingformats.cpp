@@ -1,10 +1,14 @@
 #include "recording.hpp"
 
+#include "blendshapecsvrows.hpp"
+#include "facelandmarkerrows.hpp"
 #include "facereader.hpp"
 #include "inputfile.hpp"
 #include "jsonlinesreader.hpp"
+#include "livelinkrows.hpp"
 #include "openfacecolumns.hpp"
 #include "openfacerows.hpp"
+#include "pyfeatrows.hpp"
 #include "tidycsvreader.hpp"
 
 #include <algorithm>
@@ -81,8 +85,12 @@ const RecordingFormat& formatOf(const std::string& path)
 const std::vector<RecordingFormat>& recordingFormats()
 {
   static const std::vector<RecordingFormat> formats = {
+      {"livelink", "CSV of Live Link Face", looksLikeLiveLink, openFaces<LiveLinkRows>},
+      {"pyfeat", "CSV of py-feat", looksLikePyFeat, openFaces<PyFeatRows>},
+      {"blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv, openFaces<BlendshapeCsvRows>},
       {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openFaces<OpenFaceRows>},
       {"tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv, openTidyCsv},
+      {"mediapipe", "JSON of MediaPipe FaceLandmarker results", looksLikeFaceLandmarker, openFaces<FaceLandmarkerRows>},
       {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
   };
   return formats;

@@ -1,0 +1,187 @@
+#include "blendshapecsvrows.hpp"
+
+#include "blendshapes.hpp"
+#include "description.hpp"
+#include "mapping.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace tools
+{
+namespace
+{
+constexpr std::size_t matrixSize = 16;
+constexpr double millisecondsPerSecond = 1000.0;
+
+// So many blendshapes are no chance.
+constexpr std::ptrdiff_t tellingNames = 4;
+
+// As people write the 16 numbers that the API has without names: number 0 to 15.
+const std::array<const char*, 4> matrixPrefixes = {"matrix_", "facialTransformationMatrix_",
+                                                   "facial_transformation_matrix_", "transformation_"};
+
+// As it is called by whoever numbers the faces of a frame.
+std::string faceColumnOf(const CsvHeader& header)
+{
+  for (const char* const name : {"face_id", "face_index", "faceIndex", "face"})
+    if (header.has(name))
+      return name;
+  return "face_id";
+}
+
+}  // namespace
+
+bool looksLikeBlendshapeCsv(const std::string& head)
+{
+  const auto names = namesIn(headerLineOf(head), ",;\t|");
+  return std::count_if(names.begin(), names.end(), isBlendshape) >= tellingNames;
+}
+
+BlendshapeCsvRows::BlendshapeCsvRows(const std::string& path, const ReadingOptions& options)
+  : _options(options),
+    _blendshapes(readMapping(options.mapping)),
+    _file(path, isBlendshape),
+    _frame(_file.header().find("frame")),
+    _time(_findTime(_file.header())),
+    _confidence(_file.header().find("confidence")),
+    _scores(_file.header().find(_blendshapes.names())),
+    _matrix(_findMatrix(_file.header())),
+    _persons(_file.header(), options.personColumn, faceColumnOf(_file.header()))
+{}
+
+std::optional<BlendshapeCsvRows::TimeColumn> BlendshapeCsvRows::_findTime(const CsvHeader& header)
+{
+  for (const char* const name : {"timestamp_ms", "timestampMs"})
+    if (const auto column = header.find(name))
+      return TimeColumn{name, *column, true};
+  for (const char* const name : {"timestamp", "time"})
+    if (const auto column = header.find(name))
+      return TimeColumn{name, *column, false};
+  return {};
+}
+
+ColumnGroup<matrixSize> BlendshapeCsvRows::_findMatrix(const CsvHeader& header)
+{
+  for (const char* const prefix : matrixPrefixes)
+  {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < matrixSize; ++i)
+      names.push_back(prefix + std::to_string(i));
+    if (const auto columns = header.findAll<matrixSize>(names))
+      return columns;
+  }
+  return {};
+}
+
+std::optional<FaceRow> BlendshapeCsvRows::next()
+{
+  if (!_file.next())
+    return {};
+  return _readRow();
+}
+
+// A row of a frame without a face has nothing in the columns that are read.
+FaceRow BlendshapeCsvRows::_readRow()
+{
+  const CsvNumbers numbers = _file.numbers();
+  numbers.refuseOtherFieldCounts();
+
+  FaceRow row;
+  row.line = _file.lineNumber();
+  row.frame = _readFrame(numbers);
+  const double confidence = _confidence ? numbers.number(*_confidence) : 1.0;
+  row.tracked = static_cast<float>(confidence) >= _options.minimalConfidence;
+  if (!row.tracked)
+    return row;
+
+  const auto scores = _readScores(numbers);
+  const auto pose = _readPose(numbers);
+  row.tracked = pose || !areUnknown(scores);
+  if (!row.tracked)
+    return row;
+
+  row.face = _persons.personOf(numbers, _file.place());
+  _blendshapes.setExpressions(row.readings, scores, std::min(static_cast<float>(confidence), 1.f));
+  FacePose whole = pose.value_or(FacePose());
+  if (const auto eyes = _blendshapes.eyes(scores))
+    whole.gaze = gazeOf(*eyes, whole.headPosture);
+  setPose(row.readings, whole, _options);
+  return row;
+}
+
+Frame BlendshapeCsvRows::_readFrame(const CsvNumbers& numbers)
+{
+  Frame frame;
+  if (_time && _time->isMilliseconds)
+  {
+    const double milliseconds = numbers.number(_time->column);
+    if (std::isfinite(milliseconds))
+      frame.timestamp = milliseconds / millisecondsPerSecond;
+  }
+  else if (_time)
+  {
+    frame.timestamp = numbers.timestamp(_time->column);
+  }
+  if (_frame)
+    frame.number = numbers.frameNumber(*_frame);
+  else
+    _frames.count(frame, _persons.haveColumn());
+  return frame;
+}
+
+std::vector<float> BlendshapeCsvRows::_readScores(const CsvNumbers& numbers) const
+{
+  std::vector<float> scores;
+  scores.reserve(_scores.size());
+  for (const auto& column : _scores)
+    scores.push_back(column ? blendshapeScore(numbers.number(*column)) : std::numeric_limits<float>::quiet_NaN());
+  return scores;
+}
+
+std::optional<FacePose> BlendshapeCsvRows::_readPose(const CsvNumbers& numbers) const
+{
+  if (!_matrix)
+    return {};
+  FaceMatrix matrix{};
+  for (std::size_t i = 0; i < matrix.size(); ++i)
+    matrix.at(i) = numbers.number((*_matrix)[i]);
+  const bool isKnown = std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); });
+  const auto pose = poseOf(matrix);
+  if (isKnown && !pose)
+    numbers.refuse(_matrix->back(), "a transformation, of which the last row is 0, 0, 0, 1");
+  return pose;
+}
+
+FaceRows::Fields BlendshapeCsvRows::fields() const
+{
+  return {_frame ? "frame" : "", _time ? _time->name : "", _persons.column()};
+}
+
+std::string BlendshapeCsvRows::describeReadings() const
+{
+  std::vector<std::string> parts;
+  if (_matrix)
+  {
+    parts.emplace_back("head pose from the matrices, in cm");
+    parts.emplace_back(_options.lineOfSight ? "counted from the line of sight to the camera"
+                                            : "counted from the optical axis of the camera");
+  }
+  parts.emplace_back(std::string("gaze roughly from eyeLook scores") +
+                     (_matrix ? " and the head" : ", relative to the head"));
+  parts.emplace_back("expressions by blendshapes");
+  parts.emplace_back(_options.mirrored ? "mirrored" : "not mirrored");
+  return "Blendshapes: " + listed(parts);
+}
+
+std::string BlendshapeCsvRows::describePersons() const
+{
+  const std::string confidence = _confidence ? "not tracked below confidence " + shortNumber(_options.minimalConfidence)
+                                             : "confidence 1, since there is no such column";
+  return _persons.description() + ", " + confidence + "; " +
+         describeMissing({{_matrix.has_value(), "head pose and distance"}});
+}
+
+}  // namespace tools

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "blendshapereadings.hpp"
+#include "csvfacefile.hpp"
+#include "csvpersons.hpp"
+#include "facerows.hpp"
+#include "facetransformation.hpp"
+#include "recording.hpp"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Tells from the first bytes of a file whether it is a table with a column for each blendshape.
+bool looksLikeBlendshapeCsv(const std::string& head);
+
+/// The rows of a CSV file with a column for each blendshape of the MediaPipe FaceLandmarker, by its name, and perhaps
+/// 16 for the transformation matrix.
+class BlendshapeCsvRows : public FaceRows
+{
+public:
+  /// Opens the file and reads its header.
+  ///
+  /// \throws RecordingError if it cannot be read.
+  BlendshapeCsvRows(const std::string& path, const ReadingOptions& options);
+
+  std::optional<FaceRow> next() override;
+  const std::string& path() const override { return _file.path(); }
+  std::size_t lineNumber() const override { return _file.lineNumber(); }
+  double progress() const override { return _file.progress(); }
+  Fields fields() const override;
+  std::string describeReadings() const override;
+  std::string describePersons() const override;
+  std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+
+private:
+  // Seconds in a column, or milliseconds.
+  struct TimeColumn
+  {
+    std::string name;
+    std::size_t column;
+    bool isMilliseconds;
+  };
+
+  static std::optional<TimeColumn> _findTime(const CsvHeader& header);
+  static ColumnGroup<16> _findMatrix(const CsvHeader& header);
+  FaceRow _readRow();
+  Frame _readFrame(const CsvNumbers& numbers);
+  std::vector<float> _readScores(const CsvNumbers& numbers) const;
+  std::optional<FacePose> _readPose(const CsvNumbers& numbers) const;
+
+  ReadingOptions _options;
+  BlendshapeReadings _blendshapes;
+  CsvFaceFile _file;
+  std::optional<std::size_t> _frame;
+  std::optional<TimeColumn> _time;
+  std::optional<std::size_t> _confidence;
+  std::vector<std::optional<std::size_t>> _scores;
+  ColumnGroup<16> _matrix;
+  CsvPersons _persons;
+  FrameCounter _frames;
+};
+
+}  // namespace tools

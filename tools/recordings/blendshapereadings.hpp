@@ -1,0 +1,39 @@
+#pragma once
+
+#include "facereadings.hpp"
+#include "mapping.hpp"
+#include "scoretable.hpp"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Forms the readings of a face from its blendshapes.
+class BlendshapeReadings
+{
+public:
+  explicit BlendshapeReadings(const Mapping& mapping);
+
+  /// Returns the names of the blendshapes that are needed.
+  const std::vector<std::string>& names() const { return _names; }
+
+  /// Sets smile and expressions, with this confidence; `scores` are in the order of names(), NaN is unknown.
+  void setExpressions(FaceReadings& readings, const std::vector<float>& scores, float confidence) const;
+
+  /// Returns where the eyes look, relative to the head; nothing if that is unknown.
+  std::optional<KV::Gaze> eyes(const std::vector<float>& scores) const;
+
+private:
+  ScoreReadings _table;
+  EyeScale _eyes;
+  std::vector<std::string> _names;  // of the table, then of the eyes
+};
+
+/// Tells whether none of the scores is known.
+bool areUnknown(const std::vector<float>& scores);
+
+}  // namespace tools

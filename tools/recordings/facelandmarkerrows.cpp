@@ -1,0 +1,124 @@
+#include "facelandmarkerrows.hpp"
+
+#include "description.hpp"
+#include "mapping.hpp"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+constexpr float confidence = 1.f;  // the results have none
+
+}  // namespace
+
+bool looksLikeFaceLandmarker(const std::string& head)
+{
+  const std::size_t begin = head.find_first_not_of(" \t\r\n");
+  if (begin == std::string::npos || (head[begin] != '{' && head[begin] != '['))
+    return false;
+  constexpr std::array<const char*, 6> names = {
+      "\"faceBlendshapes\"",  "\"facialTransformationMatrixes\"",   "\"faceLandmarks\"",
+      "\"face_blendshapes\"", "\"facial_transformation_matrixes\"", "\"face_landmarks\""};
+  return std::any_of(names.begin(), names.end(),
+                     [&head](const char* name) { return head.find(name) != std::string::npos; });
+}
+
+FaceLandmarkerRows::FaceLandmarkerRows(const std::string& path, const ReadingOptions& options)
+  : _options(options), _blendshapes(readMapping(options.mapping)), _pieces(path)
+{}
+
+std::optional<FaceRow> FaceLandmarkerRows::next()
+{
+  if (_rows.empty() && !_readResult())
+    return {};
+  FaceRow row = std::move(_rows.front());
+  _rows.pop_front();
+  return row;
+}
+
+// Fills the rows; false at the end.
+bool FaceLandmarkerRows::_readResult()
+{
+  if (!_pieces.next(_piece))
+    return false;
+  const std::int64_t index = _results++;
+  try
+  {
+    const auto result = readFaceLandmarkerResult(_piece, _blendshapes.names());
+    FaceRow row;
+    row.line = _pieces.lineNumber();
+    row.frame = {result.frame.value_or(index), result.timestamp};
+    _haveFrames = _haveFrames || result.frame;
+    _haveTimes = _haveTimes || result.timestamp;
+    if (result.faces.empty())
+      _rows.push_back(row);
+    if (result.faces.size() > 1 && !std::exchange(_warnedOfSeveral, true))
+      _warnings.emplace_back(
+          "there are several faces in a result: they are counted in its order, which does not stay with one person");
+    for (const FaceLandmarkerFace& face : result.faces)
+    {
+      row.tracked = true;
+      row.readings = _readingsOf(face);
+      _haveScores = _haveScores || !areUnknown(face.scores);
+      _haveMatrices = _haveMatrices || face.pose;
+      _rows.push_back(row);
+      ++row.face;
+    }
+  }
+  catch (const FaceLandmarkerError& error)
+  {
+    throw BadLine({path(), _pieces.lineNumber(), error.member()}, error.what());
+  }
+  return true;
+}
+
+FaceReadings FaceLandmarkerRows::_readingsOf(const FaceLandmarkerFace& face) const
+{
+  FaceReadings readings;
+  _blendshapes.setExpressions(readings, face.scores, confidence);
+  FacePose pose = face.pose.value_or(FacePose());
+  if (const auto eyes = _blendshapes.eyes(face.scores))
+    pose.gaze = gazeOf(*eyes, pose.headPosture);
+  setPose(readings, pose, _options);
+  return readings;
+}
+
+FaceRows::Fields FaceLandmarkerRows::fields() const
+{
+  return {_haveFrames ? "frame" : "", _haveTimes ? "timestamp" : "", ""};
+}
+
+std::string FaceLandmarkerRows::describeReadings() const
+{
+  std::vector<std::string> parts;
+  if (_haveMatrices)
+  {
+    parts.emplace_back("head pose from the matrices, in cm");
+    parts.emplace_back(_options.lineOfSight ? "counted from the line of sight to the camera"
+                                            : "counted from the optical axis of the camera");
+  }
+  if (_haveScores)
+    parts.emplace_back(std::string("gaze roughly from eyeLook scores") +
+                       (_haveMatrices ? " and the head" : ", relative to the head"));
+  if (_haveScores)
+    parts.emplace_back("expressions by blendshapes");
+  parts.emplace_back(_options.mirrored ? "mirrored" : "not mirrored");
+  return "MediaPipe FaceLandmarker: " + listed(parts);
+}
+
+std::string FaceLandmarkerRows::describePersons() const
+{
+  return "persons in the order of the result, confidence 1, since there is none; " +
+         describeMissing({{_haveMatrices, "head pose and distance"}, {_haveScores, "blendshapes"}});
+}
+
+std::vector<std::string> FaceLandmarkerRows::takeWarnings()
+{
+  return std::exchange(_warnings, {});
+}
+
+}  // namespace tools

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "blendshapereadings.hpp"
+#include "facelandmarkerresult.hpp"
+#include "facerows.hpp"
+#include "jsonpieces.hpp"
+#include "recording.hpp"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Tells from the first bytes of a file whether it holds results of the MediaPipe FaceLandmarker as JSON.
+bool looksLikeFaceLandmarker(const std::string& head);
+
+/// Results of the MediaPipe FaceLandmarker, dumped as JSON objects: a row for each face, or one without a face.
+class FaceLandmarkerRows : public FaceRows
+{
+public:
+  /// Opens the file.
+  ///
+  /// \throws RecordingError if it cannot be read.
+  FaceLandmarkerRows(const std::string& path, const ReadingOptions& options);
+
+  std::optional<FaceRow> next() override;
+  const std::string& path() const override { return _pieces.file().path(); }
+  std::size_t lineNumber() const override { return _pieces.lineNumber(); }
+  double progress() const override { return _pieces.file().progress(); }
+  Fields fields() const override;
+  std::string nothingToRead() const override { return "there is no result"; }
+  std::string describeReadings() const override;
+  std::string describePersons() const override;
+  std::vector<std::string> takeWarnings() override;
+
+private:
+  bool _readResult();
+  FaceReadings _readingsOf(const FaceLandmarkerFace& face) const;
+
+  ReadingOptions _options;
+  BlendshapeReadings _blendshapes;
+  JsonPieces _pieces;
+  std::string _piece;
+  std::int64_t _results = 0;  // so far, whether they could be used or not
+  std::deque<FaceRow> _rows;  // of the last result
+  bool _haveFrames = false;
+  bool _haveTimes = false;
+  bool _haveScores = false;
+  bool _haveMatrices = false;
+  bool _warnedOfSeveral = false;
+  std::vector<std::string> _warnings;
+};
+
+}  // namespace tools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "facereadings.hpp"
+
+#include <array>
+#include <optional>
+
+namespace tools
+{
+
+/// The 4x4 matrix by which MediaPipe turns and moves a face from its own coordinates into those of the camera: X to the
+/// right in the image, Y up, Z towards the camera, in centimetres.
+using FaceMatrix = std::array<double, 16>;
+
+/// Returns head posture and position; nothing if this is no such matrix.
+///
+/// Column by column, as MediaPipe writes it, and row by row are told apart by where 0, 0, 0, 1 stand.
+std::optional<FacePose> poseOf(const FaceMatrix& matrix);
+
+}  // namespace tools

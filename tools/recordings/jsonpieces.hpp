@@ -1,0 +1,61 @@
+#pragma once
+
+#include "inputfile.hpp"
+#include "recording.hpp"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace tools
+{
+
+/// Splits a file into the JSON objects that stand in it one behind the other, on a line each or not, or in one array,
+/// however large that is.
+class JsonPieces
+{
+public:
+  static constexpr std::size_t longestPiece = std::size_t{16} << 20U;  ///< [bytes]
+  static constexpr int deepestNesting = 16;
+
+  /// Opens the file.
+  ///
+  /// \throws RecordingError if it cannot be opened.
+  explicit JsonPieces(const std::string& path) : _file(path) {}
+
+  /// Reads the next object into `piece`; returns false at the end of the file.
+  ///
+  /// \throws BadLine if an object is not complete, or nested too deep, or something else stands between objects; the
+  ///   next call goes on behind it.
+  /// \throws RecordingError if the file cannot be read, or an object is too long.
+  bool next(std::string& piece);
+
+  /// Returns in which line the object begins that was read last, from 1.
+  std::size_t lineNumber() const { return _pieceLine; }
+
+  const InputFile& file() const { return _file; }
+
+private:
+  bool _peek(char& character);
+  void _consume();
+  bool _findBegin();
+  void _skipLine();
+  bool _takeIn(char character);
+  [[noreturn]] void _refuse(const std::string& message) const;
+
+  InputFile _file;
+  std::string_view _block;  // what is not consumed yet
+  std::size_t _line = 1;
+  bool _atLineStart = true;
+  bool _anySeen = false;
+  bool _inArray = false;
+
+  std::string _piece;
+  std::size_t _pieceLine = 0;
+  int _depth = 0;
+  bool _tooDeep = false;
+  bool _inString = false;
+  bool _isEscaped = false;
+};
+
+}  // namespace tools

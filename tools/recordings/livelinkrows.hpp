@@ -1,0 +1,61 @@
+#pragma once
+
+#include "blendshapereadings.hpp"
+#include "csvfacefile.hpp"
+#include "csvpersons.hpp"
+#include "facerows.hpp"
+#include "recording.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Tells from the first bytes of a file whether it is a table of Live Link Face.
+bool looksLikeLiveLink(const std::string& head);
+
+/// The rows of a CSV file of Live Link Face: the blendshapes of ARKit, and the angles of head and eyes.
+class LiveLinkRows : public FaceRows
+{
+public:
+  /// Opens the file and reads its header.
+  ///
+  /// \throws RecordingError if it cannot be read.
+  LiveLinkRows(const std::string& path, const ReadingOptions& options);
+
+  std::optional<FaceRow> next() override;
+  const std::string& path() const override { return _file.path(); }
+  std::size_t lineNumber() const override { return _file.lineNumber(); }
+  double progress() const override { return _file.progress(); }
+  Fields fields() const override;
+  std::string describeReadings() const override;
+  std::string describePersons() const override;
+  std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+
+private:
+  FaceRow _readRow();
+  Frame _readFrame(const CsvNumbers& numbers);
+  FaceReadings _readReadings(const CsvNumbers& numbers) const;
+  std::optional<KV::HeadPosture> _readHead(const CsvNumbers& numbers) const;
+  std::optional<KV::Gaze> _readEyes(const CsvNumbers& numbers) const;
+
+  ReadingOptions _options;
+  BlendshapeReadings _blendshapes;
+  CsvFaceFile _file;
+  std::size_t _timecode;
+  std::size_t _count;
+  std::vector<std::optional<std::size_t>> _scores;
+  ColumnGroup<3> _head;  // HeadYaw, HeadPitch, HeadRoll
+  ColumnGroup<4> _eyes;  // LeftEyeYaw, RightEyeYaw, LeftEyePitch, RightEyePitch
+  CsvPersons _persons;
+  std::int64_t _row = -1;            // of those so far
+  double _midnights = 0.0;           // [s] of the days that went by
+  std::optional<double> _begin;      // [s] of day of the first row
+  std::optional<double> _timeOfDay;  // [s] of the row before
+};
+
+}  // namespace tools

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "mapping.hpp"
+
+#include <skeigiot/gaze.hpp>
+#include <skeigiot/headposture.hpp>
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Angles as a table of py-feat has them; NaN is unknown.
+struct PyFeatAngles
+{
+  std::array<double, 3> rotation{};  ///< Pitch, Roll, Yaw
+  std::array<double, 2> gaze{};      ///< gaze_pitch, gaze_yaw
+  double nod = 0.0;                  ///< how far the ears are below the eyes, as part of the width of the eyes
+};
+
+/// Finds out how a table of py-feat counts its angles, from its first rows, and reads them so.
+///
+/// An angle beyond 3.2 shows that they are in degrees, else they are in radians. Whoever looks up lowers the ears
+/// against the eyes: by that the landmarks show whether a pitch above 0 is up.
+class PyFeatConvention
+{
+public:
+  explicit PyFeatConvention(const PyFeatConventions& given) : _given(given) {}
+
+  /// Takes in the angles of one of the first rows, of this person.
+  void learn(const std::string& person, const PyFeatAngles& angles);
+
+  /// Decides by what was learnt.
+  void decide();
+
+  /// Returns the head posture; nothing if an angle is unknown.
+  std::optional<KV::HeadPosture> headPosture(const PyFeatAngles& angles) const;
+
+  /// Returns the gaze; nothing if an angle is unknown.
+  std::optional<KV::Gaze> gaze(const PyFeatAngles& angles) const;
+
+  /// Tells whether these angles contradict radians, if those were decided for.
+  bool isContradictedBy(const PyFeatAngles& angles) const;
+
+  std::string describeRotation() const;
+  std::string describeGaze() const;
+
+  /// Returns a warning if the sign of the pitch is a guess, else an empty text.
+  const std::string& warning() const { return _warning; }
+
+private:
+  // Sums over the rows of one person, for a correlation.
+  struct Sums
+  {
+    double count = 0.0;
+    double pitch = 0.0;
+    double nod = 0.0;
+    double pitchSquared = 0.0;
+    double nodSquared = 0.0;
+    double product = 0.0;
+  };
+
+  double _correlation() const;
+  void _decidePitch();
+
+  PyFeatConventions _given;
+  double _greatestRotation = 0.0;
+  double _greatestGaze = 0.0;
+  std::map<std::string, Sums> _sums;
+  bool _anyRotation = false;
+
+  bool _rotationInDegrees = false;
+  bool _gazeInDegrees = false;
+  bool _pitchIsUp = true;
+  std::string _pitchReason;
+  std::string _warning;
+};
+
+}  // namespace tools

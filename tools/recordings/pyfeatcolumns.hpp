@@ -1,0 +1,51 @@
+#pragma once
+
+#include "csvheader.hpp"
+#include "landmarks.hpp"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// The landmarks, of the usual 68, by whose heights a nod is seen: both ends of the jaw, at the ears, and the outer and
+/// inner corners of both eyes.
+constexpr std::array<int, 6> nodLandmarks = {0, 16, 36, 39, 42, 45};
+
+/// Where a table of py-feat has the columns that are read; a group is there only if all of its columns are.
+struct PyFeatColumns
+{
+  std::optional<std::size_t> frame;
+  std::optional<std::size_t> approximateTime;
+  std::optional<std::size_t> identity;
+  std::optional<std::size_t> faceScore;
+
+  ColumnGroup<3> rotation;  ///< Pitch, Roll, Yaw
+  ColumnGroup<2> gaze;      ///< gaze_pitch, gaze_yaw
+
+  std::vector<std::optional<std::size_t>> actionUnits;  ///< in the order of the names that are asked for
+  std::vector<std::optional<std::size_t>> emotions;     ///< likewise, by their new or old names
+  LandmarkColumns landmarks;
+  ColumnGroup<2 * nodLandmarks.size()> nod;  ///< x of all nodLandmarks, then y of all
+
+  bool hasActionUnits() const;
+  bool hasEmotions() const;
+};
+
+/// Tells from the first bytes of a file whether it is a table of py-feat, even if it is one that cannot be read.
+bool looksLikePyFeat(const std::string& head);
+
+/// Tells whether this is the name of a column of py-feat that is read.
+bool isOfPyFeat(const std::string& name);
+
+/// Finds the columns in the header of a file.
+///
+/// \throws RecordingError if there is nothing to read.
+PyFeatColumns findPyFeatColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits,
+                                const std::vector<std::string>& emotions);
+
+}  // namespace tools

@@ -1,0 +1,247 @@
+#include "pyfeatrows.hpp"
+
+#include "actionunits.hpp"
+#include "approximaterate.hpp"
+#include "description.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr float unitFullScale = 1.f;  // py-feat gives shares
+
+// "MM:SS" or "HH:MM:SS"; nothing if it is something else.
+std::optional<std::int64_t> readSeconds(std::string_view text)
+{
+  std::int64_t seconds = 0;
+  std::size_t parts = 0;
+  while (parts < 3)
+  {
+    const std::size_t end = std::min(text.find(':'), text.size());
+    std::int32_t part = 0;
+    const auto [rest, error] = std::from_chars(text.data(), text.data() + end, part);
+    if (error != std::errc() || rest != text.data() + end || part < 0)
+      return {};
+    seconds = 60 * seconds + part;
+    ++parts;
+    if (end == text.size())
+      return parts > 1 ? std::make_optional(seconds) : std::nullopt;
+    text.remove_prefix(end + 1);
+  }
+  return {};
+}
+
+std::vector<float> readScores(const CsvNumbers& numbers, const std::vector<std::optional<std::size_t>>& columns)
+{
+  std::vector<float> scores;
+  scores.reserve(columns.size());
+  for (const auto& column : columns)
+    scores.push_back(actionUnitScore(column ? numbers.number(*column) : notANumber, unitFullScale));
+  return scores;
+}
+
+// The middle of the first two nodLandmarks, at the ears, against that of the others, at the eyes: y counts down.
+double nodOf(const CsvNumbers& numbers, const PyFeatColumns& columns)
+{
+  if (!columns.nod)
+    return notANumber;
+  constexpr std::size_t count = nodLandmarks.size();
+  const auto x = [&](std::size_t i) { return numbers.number((*columns.nod)[i]); };
+  const auto y = [&](std::size_t i) { return numbers.number((*columns.nod)[count + i]); };
+  const double ears = (y(0) + y(1)) / 2.0;
+  const double eyes = (y(2) + y(3) + y(4) + y(5)) / 4.0;
+  const double width = std::hypot(x(5) - x(2), y(5) - y(2));
+  return width > 0.0 ? (ears - eyes) / width : notANumber;
+}
+
+}  // namespace
+
+PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options)
+  : PyFeatRows(path, options, readMapping(options.mapping))
+{}
+
+PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options, const Mapping& mapping)
+  : _options(options),
+    _units(mapping.actionUnits),
+    _emotions(mapping.emotions),
+    _file(path, isOfPyFeat),
+    _columns(findPyFeatColumns(_file.header(), _units.names(), _emotions.names())),
+    _chosenPersons(_file.header(), options.personColumn, "Identity"),
+    _convention(mapping.pyFeat),
+    _ahead([this] { return _readRaw(); })
+{
+  _learnFromFirstRows();
+}
+
+std::optional<FaceRow> PyFeatRows::next()
+{
+  auto raw = _ahead.next();
+  if (!raw)
+    return {};
+  FaceRow& row = raw->row;
+  if (_frame != row.frame.number)
+    _facesInFrame = 0;
+  _frame = row.frame.number;
+  if (!row.tracked)
+    return row;
+
+  if (_convention.isContradictedBy(raw->angles))
+    throw BadLine(_placeOf(*raw, "Pitch, Roll, Yaw"),
+                  "an angle is beyond 3.2, and so in degrees, while the first rows were taken for radians; give the "
+                  "unit by pyFeat.angles in a mapping (--mapping)");
+  row.face = _personOf(*raw);
+  FacePose pose;
+  pose.headPosture = _convention.headPosture(raw->angles);
+  pose.gaze = _convention.gaze(raw->angles);
+  setPose(row.readings, pose, _options);
+  // Where no column tells whether a face was found, the readings do.
+  if (!_columns.faceScore)
+    row.tracked = !row.readings.empty();
+  return row;
+}
+
+std::optional<PyFeatRows::Raw> PyFeatRows::_readRaw()
+{
+  if (!_file.next())
+    return {};
+  const CsvNumbers numbers = _file.numbers();
+  numbers.refuseOtherFieldCounts();
+
+  Raw raw;
+  raw.row.line = _file.lineNumber();
+  if (_columns.frame)
+    raw.row.frame.number = numbers.frameNumber(*_columns.frame);
+  else
+    _frames.count(raw.row.frame, false);
+  if (_columns.approximateTime)
+    raw.second = readSeconds(numbers.text(*_columns.approximateTime));
+
+  const double score = _columns.faceScore ? numbers.number(*_columns.faceScore) : 1.0;
+  raw.row.tracked = static_cast<float>(score) >= _options.minimalConfidence;
+  if (raw.row.tracked)
+    _readFace(numbers, raw);
+  return raw;
+}
+
+void PyFeatRows::_readFace(const CsvNumbers& numbers, Raw& raw)
+{
+  const double score = _columns.faceScore ? numbers.number(*_columns.faceScore) : 1.0;
+  const float confidence = std::min(static_cast<float>(score), 1.f);
+  FaceReadings& readings = raw.row.readings;
+  const auto units = readScores(numbers, _columns.actionUnits);
+  readings.smile = _units.smile(units, confidence);
+  readings.expressions = _columns.hasEmotions()
+                             ? _emotions.expressions(readScores(numbers, _columns.emotions), confidence)
+                             : _units.expressions(units, confidence);
+  readings.facialPoints = readFacialPoints(numbers, _columns.landmarks, confidence, _options.mirrored);
+  raw.angles = _readAngles(numbers);
+  if (!_options.personColumn.empty())
+    raw.row.face = _chosenPersons.personOf(numbers, _file.place());
+  else if (_columns.identity)
+    raw.identity = numbers.text(*_columns.identity);
+}
+
+PyFeatAngles PyFeatRows::_readAngles(const CsvNumbers& numbers) const
+{
+  PyFeatAngles angles;
+  for (std::size_t i = 0; i < angles.rotation.size(); ++i)
+    angles.rotation.at(i) = _columns.rotation ? numbers.number((*_columns.rotation)[i]) : notANumber;
+  for (std::size_t i = 0; i < angles.gaze.size(); ++i)
+    angles.gaze.at(i) = _columns.gaze ? numbers.number((*_columns.gaze)[i]) : notANumber;
+  angles.nod = nodOf(numbers, _columns);
+  return angles;
+}
+
+void PyFeatRows::_learnFromFirstRows()
+{
+  _ahead.fetch(rowsAhead);
+  ApproximateRate rate;
+  _ahead.forEach([&](const Raw& raw) {
+    if (raw.second)
+      rate.add(raw.row.frame.number, *raw.second);
+    if (!raw.row.tracked)
+      return;
+    _areIdentified = _areIdentified || !raw.identity.empty();
+    _convention.learn(raw.identity, raw.angles);
+  });
+  _convention.decide();
+  if (!_convention.warning().empty())
+    _warnings.push_back(_convention.warning());
+  _assumedRate = rate.rate().value_or(AssumedRate());
+}
+
+// Where nobody is identified, the faces of a frame are counted.
+std::int32_t PyFeatRows::_personOf(const Raw& raw)
+{
+  if (!_options.personColumn.empty())
+    return raw.row.face;
+  if (_areIdentified)
+    return _identities.numberOf(raw.identity, _placeOf(raw, "Identity"));
+  if (_facesInFrame > 0 && !std::exchange(_warnedOfSeveral, true))
+    _warnings.emplace_back(
+        "there are several faces in a frame and no Identity: they are counted in the order of their rows, which does "
+        "not stay with one person");
+  return _facesInFrame++;
+}
+
+RecordingError::Place PyFeatRows::_placeOf(const Raw& raw, const std::string& field) const
+{
+  return {path(), raw.row.line, field};
+}
+
+FaceRows::Fields PyFeatRows::fields() const
+{
+  return {_columns.frame ? "frame" : "", "", _areIdentified ? "Identity" : _options.personColumn};
+}
+
+std::string PyFeatRows::describeReadings() const
+{
+  std::vector<std::string> parts;
+  if (_columns.rotation)
+    parts.push_back(_convention.describeRotation());
+  if (_columns.gaze)
+    parts.push_back(_convention.describeGaze());
+  parts.emplace_back("counted from the optical axis of the camera");
+  if (_columns.hasEmotions())
+    parts.emplace_back("expressions by emotions");
+  else if (_columns.hasActionUnits())
+    parts.emplace_back("expressions by action units");
+  parts.emplace_back(_options.mirrored ? "mirrored" : "not mirrored");
+  return "py-feat: " + listed(parts);
+}
+
+std::string PyFeatRows::describePersons() const
+{
+  const std::string persons = !_options.personColumn.empty() ? _chosenPersons.description()
+                              : _areIdentified               ? "persons by Identity"
+                                                             : "persons in the order of their rows, without Identity";
+  const std::string confidence = _columns.faceScore
+                                     ? "not tracked below FaceScore " + shortNumber(_options.minimalConfidence)
+                                     : "confidence 1, since there is no FaceScore";
+  return persons + ", " + confidence + "; " +
+         describeMissing({{_columns.rotation.has_value(), "head pose"},
+                          {_columns.gaze.has_value(), "gaze"},
+                          {false, "distance"},
+                          {_columns.hasActionUnits(), "action units"},
+                          {_columns.hasEmotions(), "emotions"},
+                          {_columns.landmarks.has_value(), "landmarks"}});
+}
+
+std::vector<std::string> PyFeatRows::takeWarnings()
+{
+  auto warnings = std::exchange(_warnings, {});
+  for (std::string& warning : _identities.takeWarnings())
+    warnings.push_back(std::move(warning));
+  for (std::string& warning : _chosenPersons.takeWarnings())
+    warnings.push_back(std::move(warning));
+  return warnings;
+}
+
+}  // namespace tools

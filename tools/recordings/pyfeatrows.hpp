@@ -1,0 +1,83 @@
+#pragma once
+
+#include "csvfacefile.hpp"
+#include "csvpersons.hpp"
+#include "facerows.hpp"
+#include "lookahead.hpp"
+#include "mapping.hpp"
+#include "pyfeatangles.hpp"
+#include "pyfeatcolumns.hpp"
+#include "recording.hpp"
+#include "scoretable.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// The rows of a table of py-feat (Fex, as CSV).
+///
+/// Its versions differ in units and signs, and it may name no persons: so the first rows are looked at before any is
+/// read for good.
+class PyFeatRows : public FaceRows
+{
+public:
+  /// Opens the file, and looks at its header and first rows.
+  ///
+  /// \throws RecordingError if it cannot be read.
+  PyFeatRows(const std::string& path, const ReadingOptions& options);
+
+  std::optional<FaceRow> next() override;
+  const std::string& path() const override { return _file.path(); }
+  std::size_t lineNumber() const override { return _file.lineNumber(); }
+  double progress() const override { return _file.progress(); }
+  Fields fields() const override;
+  AssumedRate assumedRate() const override { return _assumedRate; }
+  std::string describeReadings() const override;
+  std::string describePersons() const override;
+  std::vector<std::string> takeWarnings() override;
+
+private:
+  // A row whose angles and person are not settled yet.
+  struct Raw
+  {
+    FaceRow row;
+    PyFeatAngles angles;
+    std::string identity;
+    std::optional<std::int64_t> second;
+  };
+
+  PyFeatRows(const std::string& path, const ReadingOptions& options, const Mapping& mapping);
+
+  std::optional<Raw> _readRaw();
+  void _readFace(const CsvNumbers& numbers, Raw& raw);
+  PyFeatAngles _readAngles(const CsvNumbers& numbers) const;
+  void _learnFromFirstRows();
+  std::int32_t _personOf(const Raw& raw);
+  RecordingError::Place _placeOf(const Raw& raw, const std::string& field) const;
+
+  ReadingOptions _options;
+  ScoreReadings _units;
+  ScoreReadings _emotions;
+  CsvFaceFile _file;
+  PyFeatColumns _columns;
+  CsvPersons _chosenPersons;
+  FrameCounter _frames;
+
+  PyFeatConvention _convention;
+  AssumedRate _assumedRate;
+  bool _areIdentified = false;
+  PersonNames _identities;
+  std::optional<std::int64_t> _frame;  // of the row before
+  std::int32_t _facesInFrame = 0;      // so far
+  bool _warnedOfSeveral = false;
+  std::vector<std::string> _warnings;
+
+  LookAhead<Raw> _ahead;
+};
+
+}  // namespace tools

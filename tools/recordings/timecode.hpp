@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace tools
+{
+
+/// [frames/s] that a time code of Live Link Face counts.
+constexpr double timecodeRate = 60.0;
+
+/// Returns the seconds since midnight of a time code HH:MM:SS:FF.frac; nothing if it is none.
+std::optional<double> secondsOfTimecode(std::string_view text);
+
+}  // namespace tools
