@@ -1,3 +1,5 @@
+#include "fullobservation.hpp"
+
 #include "recording.hpp"
 #include "session.hpp"
 
@@ -6,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -95,5 +98,28 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   countTime(state);
 }
 BENCHMARK(BM_ReplayEndToEnd)->Unit(benchmark::kMillisecond);
+
+/// What is left where nothing is read: the steps are in memory, and in each of them all thirteen sensors report.
+void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
+{
+  std::vector<tools::RecordingEntry> entries(rows);
+  for (int row = 0; row < rows; ++row)
+  {
+    tools::RecordingEntry& entry = entries[static_cast<std::size_t>(row)];
+    entry.time = benchmarks::epoch + row * boost::chrono::nanoseconds(1000000000 / rowsPerSecond);
+    entry.person = 1;
+    entry.observation = benchmarks::fullObservation(entry.time);
+  }
+
+  for (auto _ : state)
+  {
+    tools::Session session({}, {});
+    for (const tools::RecordingEntry& entry : entries)
+      session.play(entry);
+    session.finish();
+  }
+  countTime(state);
+}
+BENCHMARK(BM_ReplayAllSensorsFromMemory)->Unit(benchmark::kMillisecond);
 
 }  // namespace
