@@ -43,9 +43,9 @@ std::optional<FaceRow> FaceLandmarkerRows::next()
 // Fills the rows; false at the end.
 bool FaceLandmarkerRows::_readResult()
 {
+  const std::int64_t index = _results++;
   if (!_pieces.next(_piece))
     return false;
-  const std::int64_t index = _results++;
   try
   {
     const auto result = readFaceLandmarkerResult(_piece, _blendshapes.names());

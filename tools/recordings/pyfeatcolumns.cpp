@@ -42,14 +42,15 @@ bool isEmotion(const std::string& name)
 }
 
 // Only py-feat calls them so.
-bool isTelling(const std::string& name)
+const std::vector<std::string> faceNames = {"FaceScore", "FaceRectX", "FaceRectY", "FaceRectWidth", "FaceRectHeight"};
+
+bool isScore(const std::string& name)
 {
-  return isOneOf(rotationNames, name) || isOneOf({"FaceScore", "FaceRectX", "FaceRectY", "FaceRectWidth"}, name) ||
-         isActionUnitName(name) || isEmotion(name);
+  return isActionUnitName(name) || isEmotion(name);
 }
 
-// So many names of py-feat are no chance.
-constexpr std::ptrdiff_t tellingNames = 3;
+// So many bare names of action units and emotions are no chance.
+constexpr std::ptrdiff_t tellingScores = 3;
 
 bool hasAny(const std::vector<std::optional<std::size_t>>& columns)
 {
@@ -78,12 +79,15 @@ bool PyFeatColumns::hasEmotions() const
 bool looksLikePyFeat(const std::string& head)
 {
   const auto names = namesIn(headerLineOf(head), ",;\t|");
-  return std::count_if(names.begin(), names.end(), isTelling) >= tellingNames;
+  const auto isOfFace = [](const std::string& name) { return isOneOf(faceNames, name); };
+  return std::any_of(names.begin(), names.end(), isOfFace) ||
+         std::count_if(names.begin(), names.end(), isScore) >= tellingScores;
 }
 
 bool isOfPyFeat(const std::string& name)
 {
-  return isTelling(name) || isOneOf(gazeNames, name) || isOneOf({"frame", "approx_time", "Identity"}, name);
+  return isOneOf(faceNames, name) || isScore(name) || isOneOf(rotationNames, name) || isOneOf(gazeNames, name) ||
+         isOneOf({"frame", "approx_time", "Identity"}, name);
 }
 
 PyFeatColumns findPyFeatColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits,

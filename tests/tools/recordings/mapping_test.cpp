@@ -1,0 +1,114 @@
+#include "mapping.hpp"
+
+#include "support.hpp"
+
+#include <gmock/gmock.h>
+
+#include <ostream>
+
+namespace
+{
+using ::testing::ElementsAre;
+
+class Mapping : public ::testing::Test
+{
+protected:
+  tools::Mapping read(const std::string& json) const { return tools::readMapping(folder.write("m.json", json)); }
+
+  /// Returns the message behind the name of the file; empty if there is no error.
+  std::string errorOf(const std::string& json) const
+  {
+    try
+    {
+      read(json);
+      return {};
+    }
+    catch (const tools::RecordingError& error)
+    {
+      return std::string(error.what()).substr(folder.path("m.json").size() + 2);
+    }
+  }
+
+  support::TemporaryFolder folder;
+};
+
+TEST_F(Mapping, ReplacesWhatItNamesAndNothingElse)
+{
+  const auto mapping = read(R"({"blendshapes": {"joy": {"sum": [{"of": ["mouthSmileLeft", "jawOpen"], "weight": 0.5}],
+                                                        "limit": [{"of": ["jawOpen"]}]}}})");
+  ASSERT_EQ(1u, mapping.blendshapes.joy.sum.size());
+  EXPECT_FLOAT_EQ(0.5f, mapping.blendshapes.joy.sum.front().weight);
+  EXPECT_THAT(mapping.blendshapes.joy.sum.front().of, ElementsAre("mouthSmileLeft", "jawOpen"));
+  EXPECT_FLOAT_EQ(1.f, mapping.blendshapes.joy.limit.front().weight);
+  EXPECT_THAT(mapping.blendshapes.smile.sum.front().of, ElementsAre("mouthSmileLeft", "mouthSmileRight"));
+  EXPECT_THAT(mapping.actionUnits.joy.sum.front().of, ElementsAre("AU06", "AU12"));
+  EXPECT_FALSE(mapping.pyFeat.degrees);
+}
+
+TEST_F(Mapping, IsTheBuiltInOneWithoutAFile)
+{
+  EXPECT_THAT(tools::readMapping("").emotions.sorrow.sum.front().of, ElementsAre("sad"));
+  EXPECT_FLOAT_EQ(30.f, tools::readMapping("").eyes.yaw);
+}
+
+TEST_F(Mapping, NeedsAFileThatIsThere)
+{
+  EXPECT_THROW(tools::readMapping(folder.path("none.json")), tools::RecordingError);
+}
+
+struct BadMappingCase
+{
+  const char* name;
+  const char* json;
+  const char* message;
+};
+
+void PrintTo(const BadMappingCase& row, std::ostream* stream)
+{
+  *stream << row.name;
+}
+
+class BadMapping : public Mapping, public ::testing::WithParamInterface<BadMappingCase>
+{};
+
+TEST_P(BadMapping, IsNamed)
+{
+  EXPECT_EQ(GetParam().message, errorOf(GetParam().json));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    With, BadMapping,
+    ::testing::Values(
+        BadMappingCase{"AnUnknownTable", R"({"actionunits": {}})",
+                       "actionunits: there is no such member; expected actionUnits, blendshapes, emotions, pyFeat"},
+        BadMappingCase{"NoObject", "[]",
+                       "expected an object with members of actionUnits, blendshapes, emotions, pyFeat, found '[]'"},
+        BadMappingCase{"AnUnknownReading", R"({"emotions": {"happy": null}})",
+                       "emotions.happy: there is no such member; expected smile, joy, sorrow, surprise, anger, "
+                       "laughter, excitement, calm"},
+        BadMappingCase{"AnUnknownScore", R"({"actionUnits": {"joy": {"sum": [{"of": ["AU06", "AU6"]}]}}})",
+                       "actionUnits.joy.sum[0].of[1]: expected the name of an action unit, such as AU06, found "
+                       "'\"AU6\"'"},
+        BadMappingCase{"NoScore", R"({"blendshapes": {"joy": {"sum": [{"of": []}]}}})",
+                       "blendshapes.joy.sum[0].of: expected a list of the name of a blendshape, such as jawOpen, found "
+                       "'[]'"},
+        BadMappingCase{"NoSum", R"({"blendshapes": {"joy": {"limit": []}}})",
+                       "blendshapes.joy: expected null, or an object with a member sum that is not empty, found "
+                       "'{\"limit\":[]}'"},
+        BadMappingCase{"ATextAsWeight", R"({"blendshapes": {"joy": {"sum": [{"of": ["jawOpen"], "weight": "2"}]}}})",
+                       "blendshapes.joy.sum[0].weight: expected a number of no more than a million, found '\"2\"'"},
+        BadMappingCase{"ATermWithoutScores", R"({"emotions": {"joy": {"sum": [{"weight": 1}]}}})",
+                       "emotions.joy.sum[0]: expected a term with a member of, found '{\"weight\":1}'"},
+        BadMappingCase{"AnUnknownUnit", R"({"pyFeat": {"angles": "gon"}})",
+                       "pyFeat.angles: expected \"degrees\" or \"radians\", found '\"gon\"'"},
+        BadMappingCase{"AnUnknownEye", R"({"blendshapes": {"eyes": {"left": 3}}})",
+                       "blendshapes.eyes.left: there is no such member; expected yaw, pitch"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(Mapping, MustBeJson)
+{
+  EXPECT_THAT(errorOf("{\"emotions\": "), ::testing::HasSubstr("expected a JSON object, but "));
+  EXPECT_EQ("is larger than 1 MiB: this is no mapping", errorOf(std::string((std::size_t{1} << 20U) + 1, ' ')));
+}
+
+}  // namespace
