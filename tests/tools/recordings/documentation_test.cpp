@@ -1,3 +1,4 @@
+#include "mapping.hpp"
 #include "support.hpp"
 
 #include <gmock/gmock.h>
@@ -8,8 +9,8 @@ namespace
 {
 using ::testing::IsEmpty;
 
-// The lines of the page between "```json" and "```".
-std::string examplesOf(const std::string& page)
+// The lines of the page between the fence and "```".
+std::string examplesOf(const std::string& page, const std::string& fence = "```json")
 {
   std::ifstream file(page);
   std::string examples;
@@ -17,7 +18,7 @@ std::string examplesOf(const std::string& page)
   for (std::string line; std::getline(file, line);)
   {
     if (line.rfind("```", 0) == 0)
-      isExample = line == "```json";
+      isExample = line == fence;
     else if (isExample)
       examples += line + "\n";
   }
@@ -36,6 +37,19 @@ TEST_F(RecordingPage, ShowsExamplesThatCanBeReadInTheirOrder)
   EXPECT_TRUE(all.lookingAtRobot && all.headHeight && all.distance && all.gaze && all.smile && all.expressions &&
               all.headPosture && all.gender && all.age && all.faceDetected && all.facialPoints && all.voiceEmotion &&
               all.asrEmotion && all.touchEmotion && all.contextEmotion && all.speaking && all.robotHeadPosture);
+}
+
+TEST_F(RecordingPage, ShowsAMappingThatCanBeRead)
+{
+  const auto mapping =
+      tools::readMapping(folder.write("mapping.json", examplesOf(SKEIGIOT_RECORDING_PAGE, "```json mapping")));
+  EXPECT_FLOAT_EQ(1.5f, mapping.actionUnits.laughter.limit.at(0).weight);
+  EXPECT_TRUE(mapping.actionUnits.sorrow.sum.empty());
+  EXPECT_EQ(2u, mapping.blendshapes.joy.sum.size());
+  EXPECT_FLOAT_EQ(35.f, mapping.eyes.yaw);
+  EXPECT_EQ(2u, mapping.emotions.sorrow.sum.at(0).of.size());
+  EXPECT_TRUE(mapping.pyFeat.degrees.value());
+  EXPECT_TRUE(mapping.pyFeat.pitchIsUp.value());
 }
 
 }  // namespace
