@@ -8,17 +8,24 @@
 namespace KV
 {
 
-/// Returns how long ago `time` was in whole milliseconds, truncated towards zero; negative for the future.
+constexpr std::int64_t nanosecondsPerMillisecond = 1000000;
+
+/// Returns how long before `now` the time was in whole milliseconds, truncated towards zero; negative for the future.
 ///
-/// Reads the clock once. An age beyond 64 bits of nanoseconds is held at their end.
+/// An age beyond 64 bits of nanoseconds is held at their end.
+inline std::int64_t ageInMs(ko::SystemClock::time_point time, ko::SystemClock::time_point now)
+{
+  const std::int64_t nowTicks = now.time_since_epoch().count();
+  std::int64_t age = 0;
+  if (__builtin_sub_overflow(nowTicks, time.time_since_epoch().count(), &age))
+    age = nowTicks < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+  return age / nanosecondsPerMillisecond;
+}
+
+/// Returns how long ago `time` was; reads the clock once.
 inline std::int64_t ageInMs(ko::SystemClock::time_point time)
 {
-  constexpr std::int64_t nanosecondsPerMillisecond = 1000000;
-  const std::int64_t now = ko::SystemClock::now().time_since_epoch().count();
-  std::int64_t age = 0;
-  if (__builtin_sub_overflow(now, time.time_since_epoch().count(), &age))
-    age = now < 0 ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
-  return age / nanosecondsPerMillisecond;
+  return ageInMs(time, ko::SystemClock::now());
 }
 
 /// Returns the age as the weights want it, in seconds; reads the clock once.

@@ -6,12 +6,20 @@
 #include <charconv>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
 namespace KV
 {
+
+/// Writes the words and returns their end.
+inline char* put(char* end, std::string_view words)
+{
+  std::memcpy(end, words.data(), words.size());
+  return end + words.size();
+}
 
 /// A text that an operation composes while it works, and drops when it returns.
 ///
@@ -32,8 +40,7 @@ public:
 
   DiagnosticText& operator<<(std::string_view item)
   {
-    std::memcpy(_room(item.size()), item.data(), item.size());
-    _size += item.size();
+    append(item.size(), [item](char* end) { return put(end, item); });
     return *this;
   }
 
@@ -43,17 +50,26 @@ public:
   template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
   DiagnosticText& operator<<(Number item)
   {
-    constexpr std::size_t longestNumber = 24;
-    char* const first = _room(longestNumber);
-    char* end = first;
-    if constexpr (std::is_same_v<Number, float>)
-      end = writeSixDigits(first, item);
-    else if constexpr (std::is_same_v<Number, bool>)
-      *end++ = item ? '1' : '0';
-    else
-      end = std::to_chars(first, first + longestNumber, item).ptr;
-    _size += static_cast<std::size_t>(end - first);
+    constexpr std::size_t longestNumber = 24;  // of 64 bits; a float needs sixDigitsSize
+    append(longestNumber, [item](char* end) {
+      if constexpr (std::is_same_v<Number, float>)
+        return writeSixDigits(end, item);
+      else if constexpr (std::is_same_v<Number, bool>)
+        return put(end, item ? "1" : "0");
+      else
+        return std::to_chars(end, end + longestNumber, item).ptr;
+    });
     return *this;
+  }
+
+  /// Appends what `write` writes from the place that it receives, and whose end it returns: for texts of many parts.
+  ///
+  /// \pre It writes no more than `size` characters.
+  template <typename Write>
+  void append(std::size_t size, Write write)
+  {
+    char* const first = _room(size);
+    _size += static_cast<std::size_t>(write(first) - first);
   }
 
   std::string text() const { return {_first, _size}; }
@@ -69,15 +85,16 @@ private:
 
   void _grow(std::size_t size)
   {
-    std::string longer(2 * (_capacity + size), '\0');
-    std::memcpy(longer.data(), _first, _size);
+    const std::size_t capacity = 2 * (_capacity + size);
+    std::unique_ptr<char[]> longer(new char[capacity]);  // NOLINT(modernize-avoid-c-arrays): of variable size
+    std::memcpy(longer.get(), _first, _size);
     _long.swap(longer);
-    _first = _long.data();
-    _capacity = _long.size();
+    _capacity = capacity;
+    _first = _long.get();
   }
 
   std::array<char, 1000> _short;  // holds every text of an ordinary update, so that none allocates
-  std::string _long;              // holds a text that has outgrown it
+  std::unique_ptr<char[]> _long;  // NOLINT(modernize-avoid-c-arrays): holds a text that has outgrown it
   char* _first = _short.data();
   std::size_t _size = 0;
   std::size_t _capacity = _short.size();

@@ -3,11 +3,11 @@
 #include "age.hpp"
 #include "clamp.hpp"
 #include "emotionalstatelog.hpp"
+#include "forcetext.hpp"
+#include "softstep.hpp"
 
 #include <ko/log.hpp>
 
-#include <boost/math/policies/policy.hpp>
-#include <boost/math/special_functions/erf.hpp>
 #include <boost/thread/lock_guard.hpp>
 
 #include <algorithm>
@@ -35,14 +35,6 @@ constexpr const char* notSeenSource = "Not visible";
 float moved(float from, float target, float weight)
 {
   return from + weight * (target - from);
-}
-
-/// The error function in 53 bits, narrowed.
-float errorFunction(float x)
-{
-  using boost::math::policies::policy;
-  using boost::math::policies::promote_double;
-  return static_cast<float>(boost::math::erf(static_cast<double>(x), policy<promote_double<false>>()));
 }
 
 }  // namespace
@@ -108,18 +100,10 @@ void PersonStatePrivate::_setUnsmoothedValenceConfidence(float value)
   unsmoothedValence.confidence = clampConfidence(value);
 }
 
-void PersonStatePrivate::_describeForce(DiagnosticText& text, std::string_view quantity, float target, float weight,
-                                        std::string_view source)
-{
-  text << "Applying " << quantity << " force " << 100.f * weight << " towards " << target;
-  if (!source.empty())
-    text << " (" << source << ")";
-}
-
 void PersonStatePrivate::_applyForceValence(float target, float weight, std::string_view source)
 {
   DiagnosticText text;
-  _describeForce(text, "valence", target, weight, source);
+  describeForce(text, "valence", target, weight, source);
   const boost::lock_guard<boost::mutex> lock(valenceMutex);
   _setValence(moved(valence.value, target, weight));
   _setUnsmoothedValence(moved(unsmoothedValence.value, target, weight));
@@ -128,7 +112,7 @@ void PersonStatePrivate::_applyForceValence(float target, float weight, std::str
 void PersonStatePrivate::_applyForceValenceConfidence(float target, float weight, std::string_view source)
 {
   DiagnosticText text;
-  _describeForce(text, "valence confidence", target, weight, source);
+  describeForce(text, "valence confidence", target, weight, source);
   const boost::lock_guard<boost::mutex> lock(valenceConfidenceMutex);
   _setValenceConfidence(moved(valence.confidence, target, weight));
   _setUnsmoothedValenceConfidence(moved(unsmoothedValence.confidence, target, weight));
@@ -137,7 +121,7 @@ void PersonStatePrivate::_applyForceValenceConfidence(float target, float weight
 void PersonStatePrivate::_applyForceAttention(float target, float weight, std::string_view source)
 {
   DiagnosticText text;
-  _describeForce(text, "attention", target, weight, source);
+  describeForce(text, "attention", target, weight, source);
   const boost::lock_guard<boost::mutex> lock(attentionMutex);
   _setAttention(moved(attention.value, target, weight));
 }
@@ -145,22 +129,14 @@ void PersonStatePrivate::_applyForceAttention(float target, float weight, std::s
 void PersonStatePrivate::_applyForceAttentionConfidence(float target, float weight, std::string_view source)
 {
   DiagnosticText text;
-  _describeForce(text, "attention confidence", target, weight, source);
+  describeForce(text, "attention confidence", target, weight, source);
   const boost::lock_guard<boost::mutex> lock(attentionConfidenceMutex);
   _setAttentionConfidence(moved(attention.confidence, target, weight));
 }
 
 float PersonStatePrivate::_computeWeight(float x, float reference)
 {
-  constexpr float gentlest = 0.001f;
-  constexpr float steepest = 2.f;
-  constexpr float floor = 0.01f;
-
-  const float steepness = minimum(steepest, maximum(gentlest, 2.f / reference));
-  const float argument = steepness * (reference - x);
-  if (std::isnan(argument))
-    return floor;
-  return maximum((errorFunction(argument) + 1.f) * 0.5f, floor);
+  return softStep(x, reference);
 }
 
 float PersonStatePrivate::_computeWeightSmoothed(float x, float reference)

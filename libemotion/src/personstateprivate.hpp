@@ -92,15 +92,7 @@ struct PersonStatePrivate
   void _applyForceAttentionConfidence(float target, float weight, std::string_view source);
   /// @}
 
-  /// Appends what a force says of itself, with the weight in percent; an empty source is left out.
-  static void _describeForce(DiagnosticText& text, std::string_view quantity, float target, float weight,
-                             std::string_view source);
-
-  /// Returns a soft step over `x`, in [0.01, 1]: near 1 below the reference, 0.5 at it, 0.01 far above it.
-  ///
-  ///     k = min(2, max(0.001, 2 / reference)),  w = max((erf(k (reference - x)) + 1) / 2, 0.01)
-  ///
-  /// The error function is evaluated in double precision. NaN gives 0.01.
+  /// Returns a soft step over `x`, in [0.01, 1]; see softstep.hpp.
   static float _computeWeight(float x, float reference);
 
   /// Returns the same step with a linear term, so that it keeps falling beyond the step: 0.5 at the reference, about

@@ -4,6 +4,7 @@
 #include "clamp.hpp"
 #include "initialisedearly.hpp"
 #include "personmemoryprivate.hpp"
+#include "softstep.hpp"
 
 #include <skeigiot/classification/argmaxclassifiertype.hpp>
 #include <skeigiot/classification/moodclass.hpp>
@@ -195,8 +196,6 @@ private:
     read(memory.records());
   }
 
-  static float _weight(float x, float reference) { return PersonStatePrivate::_computeWeight(x, reference); }
-
   // Sources of the valence confidence
 
   /// Well seen facial points raise the valence confidence towards their own.
@@ -212,12 +211,12 @@ private:
       float weightSum = 0.f;
       for (const Timestamped<FacialPoints>& record : records)
       {
-        const float weight = _weight(ageInSeconds(record.time), halfLife::facialPoints);
+        const float weight = softStep(ageInSeconds(record.time), halfLife::facialPoints);
         confidenceSum += weight * record.value.globalConfidence();
         weightSum += weight;
       }
       const float confidence = maximum(0.f, confidenceSum / weightSum);
-      const float youngestWeight = _weight(ageInSeconds(records.begin()->time), halfLife::facialPoints);
+      const float youngestWeight = softStep(ageInSeconds(records.begin()->time), halfLife::facialPoints);
       _trace << "\t - Confidence: " << confidence << " with weight " << youngestWeight << '\n';
       _state._applyForceValenceConfidence(confidence * youngestWeight, gain::confidence, "Points confidence");
     });
@@ -234,7 +233,8 @@ private:
         const float age = ageInSeconds(record.time);
         if (!(age < lifetime::speaking))
           continue;
-        _state._applyForceValenceConfidence(0.f, gain::speaking * _weight(age, halfLife::speaking), "User is speaking");
+        _state._applyForceValenceConfidence(0.f, gain::speaking * softStep(age, halfLife::speaking),
+                                            "User is speaking");
         _speaking = true;
         return;
       }
@@ -280,7 +280,7 @@ private:
       if (records.empty())
         return;
       const HeadPosture& youngest = records.begin()->value;
-      const float trust = _weight(headMagnitude(youngest.yaw(), youngest.pitch()), angle::frontalFace);
+      const float trust = softStep(headMagnitude(youngest.yaw(), youngest.pitch()), angle::frontalFace);
       Expressions& kept = _state.expressions;
       for (ValueConfidence<float>* score : {&kept.calm, &kept.anger, &kept.joy, &kept.sorrow, &kept.surprise})
         score->confidence = trust;
@@ -356,13 +356,13 @@ private:
   {
     const boost::lock_guard<boost::mutex> lock(_state.observationsMutex);
     _pullByMemory(_memory.asrEmotionMemory, AsrChannel, [this](float asr, float age) {
-      _pullValence(asrTarget(asr), _weight(age, halfLife::asr) * gain::emotion, "Asr emotion");
+      _pullValence(asrTarget(asr), softStep(age, halfLife::asr) * gain::emotion, "Asr emotion");
     });
     _pullByMemory(_memory.touchEmotionMemory, TouchChannel, [this](std::int32_t touch, float age) {
-      _pullValence(touchTarget(touch), _weight(age, halfLife::touch) * gain::emotion, "Touch emotion");
+      _pullValence(touchTarget(touch), softStep(age, halfLife::touch) * gain::emotion, "Touch emotion");
     });
     _pullByMemory(_memory.contextEmotionMemory, ContextChannel, [this](const ContextEmotion& context, float age) {
-      const float weight = _weight(age, context.lifetime);
+      const float weight = softStep(age, context.lifetime);
       _pullValence(static_cast<float>(context.valence), weight * gain::emotion, "Context emotion");
     });
   }
@@ -403,7 +403,7 @@ private:
 
       MeanAngles mean;
       for (const Timestamped<HeadPosture>& record : records)
-        mean.add(record.value.yaw(), record.value.pitch(), _weight(ageInSeconds(record.time), halfLife::angles));
+        mean.add(record.value.yaw(), record.value.pitch(), softStep(ageInSeconds(record.time), halfLife::angles));
       _meanHeadYaw = mean.yaw();
       _meanHeadPitch = mean.pitch();
       _headShare = headShare(_meanHeadYaw);
@@ -422,7 +422,7 @@ private:
 
       MeanAngles mean;
       for (const Timestamped<Gaze>& record : records)
-        mean.add(record.value.yaw, record.value.pitch, _weight(ageInSeconds(record.time), halfLife::angles));
+        mean.add(record.value.yaw, record.value.pitch, softStep(ageInSeconds(record.time), halfLife::angles));
       _meanGazeYaw = mean.yaw();
       _meanGazePitch = mean.pitch();
       _estimateAttention(GazeAttention, gazeMagnitude(_meanGazeYaw, _meanGazePitch), angle::attentiveGaze);
@@ -452,7 +452,7 @@ private:
   /// How much the last reading of a group of sources still counts, whose age is `ageInMs`.
   static float _silenceWeight(std::int64_t ageInMs)
   {
-    return ageInMs < 1 ? 0.f : _weight(static_cast<float>(ageInMs) * 0.001f, halfLife::anySource);
+    return ageInMs < 1 ? 0.f : softStep(static_cast<float>(ageInMs) * 0.001f, halfLife::anySource);
   }
 
   /// Without any source the valence drifts to neutral, the faster the longer all have been silent.
@@ -512,8 +512,8 @@ private:
           continue;
         const RobotHeadPosture& current = record.value;
         const RobotHeadPosture& before = newer ? *newer : current;
-        countIfMoved(_weight(std::fabs(before.yaw - current.yaw), angle::robotYawStep));
-        countIfMoved(_weight(std::fabs(before.pitch - current.pitch), angle::robotPitchStep));
+        countIfMoved(softStep(std::fabs(before.yaw - current.yaw), angle::robotYawStep));
+        countIfMoved(softStep(std::fabs(before.pitch - current.pitch), angle::robotPitchStep));
         newer = &current;
       }
     });

@@ -5,9 +5,11 @@
 #include <boost/thread/lock_guard.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <iterator>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -17,6 +19,39 @@ namespace KV
 namespace
 {
 
+/// Tells whether records are too old, each with a clock reading of its own.
+class TooOld
+{
+public:
+  explicit TooOld(boost::chrono::milliseconds horizon) : _horizon(horizon.count()), _surelyYoung(ticksOf(_horizon)) {}
+
+  bool operator()(ko::SystemClock::time_point time) const
+  {
+    const ko::SystemClock::time_point now = _clock.now();
+    // Nearly all are younger than the horizon, which shows without a division. A time in the future wraps around.
+    if (ticksOf(now) - ticksOf(time) < _surelyYoung)
+      return false;
+    return ageInMs(time, now) > _horizon;
+  }
+
+private:
+  static std::uint64_t ticksOf(ko::SystemClock::time_point time)
+  {
+    return static_cast<std::uint64_t>(time.time_since_epoch().count());
+  }
+
+  /// 0 where 64 bits cannot hold them.
+  static std::uint64_t ticksOf(std::int64_t ms)
+  {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() / nanosecondsPerMillisecond;
+    return ms > 0 && ms <= most ? static_cast<std::uint64_t>(ms * nanosecondsPerMillisecond) : 0;
+  }
+
+  const ko::ClockReader _clock;
+  const std::int64_t _horizon;       // [ms]
+  const std::uint64_t _surelyYoung;  // [ns] an age below this is not too old
+};
+
 /// Brings the records for which `isTooOld` is false to the front, in their order, and returns where they end.
 ///
 /// Swaps rather than moves, so that no record is lost or doubled if `isTooOld` throws on the way; while records only
@@ -24,15 +59,12 @@ namespace
 template <typename Iterator, typename Predicate>
 Iterator keepYoung(Iterator first, Iterator last, Predicate isTooOld)
 {
-  Iterator kept = first;
-  for (Iterator it = first; it != last; ++it)
-  {
-    if (isTooOld(*it))
-      continue;
-    if (kept != it)
-      std::swap(*kept, *it);
-    ++kept;
-  }
+  Iterator kept = std::find_if(first, last, isTooOld);
+  if (kept == last)
+    return last;
+  for (Iterator it = std::next(kept); it != last; ++it)
+    if (!isTooOld(*it))
+      std::swap(*kept++, *it);
   return kept;
 }
 
@@ -65,7 +97,8 @@ void ShortTermMemory<T>::_forgetOld()
 {
   try
   {
-    const auto tooOld = [this](const Timestamped<T>& reading) { return _isTooOld(reading); };
+    const TooOld isTooOld(_horizon);
+    const auto tooOld = [&isTooOld](const Timestamped<T>& reading) { return isTooOld(reading.time); };
     _records.erase(keepYoung(_records.begin(), _records.end(), tooOld), _records.end());
   }
   catch (const std::exception& error)
@@ -78,7 +111,7 @@ void ShortTermMemory<T>::_forgetOld()
 template <typename T>
 bool ShortTermMemory<T>::_isTooOld(const Timestamped<T>& reading) const
 {
-  return ageInMs(reading.time) > _horizon.count();
+  return TooOld(_horizon)(reading.time);
 }
 
 template class ShortTermMemory<HeadPosture>;

@@ -19,6 +19,8 @@ constexpr std::uint32_t million = 1000000;
 constexpr double smallestFixed = 1e-4;
 constexpr double smallestMillion = 999999.5;
 
+constexpr std::array<double, 10> powerOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+
 /// Returns how many decimal places show six digits of a magnitude: 0 from 100000 on, 9 below 0.001.
 ///
 /// No float lies between a power of ten and the double that stands for it here.
@@ -29,13 +31,15 @@ std::size_t placesOf(double magnitude)
   return magnitude >= 1e-1 ? 6 : magnitude >= 1e-2 ? 7 : magnitude >= 1e-3 ? 8 : 9;
 }
 
-/// Rounds to the nearest whole number, halves to the even one, whatever rounding the processor is set to.
+/// Rounds to the nearest whole number, halves to the even one, whatever rounding the processor is set to. Without a
+/// branch, since none could be foreseen.
 std::uint32_t rounded(double number)
 {
   const auto whole = static_cast<std::uint32_t>(number);
   const double rest = number - whole;
-  const bool up = rest > 0.5 || (rest == 0.5 && whole % 2 == 1);
-  return whole + (up ? 1 : 0);
+  const auto isMore = static_cast<std::uint32_t>(rest > 0.5);
+  const auto isHalf = static_cast<std::uint32_t>(rest == 0.5);
+  return whole + (isMore | (isHalf & whole & 1U));
 }
 
 /// Up to eight characters, the first in the lowest byte: moved about in a register, and stored as they are.
@@ -85,7 +89,6 @@ char* writeSixDigits(char* first, float number)
     return std::to_chars(first, first + sixDigitsSize, number, std::chars_format::general, digitCount).ptr;
 
   // The product is exact: a float has 24 bits, and the odd part of 10^9 has 21.
-  constexpr std::array<double, 10> powerOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
   std::size_t places = placesOf(magnitude);
   std::uint32_t sixDigits = rounded(magnitude * powerOfTen[places]);
   if (sixDigits == million)

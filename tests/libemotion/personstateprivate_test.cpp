@@ -1,4 +1,5 @@
 #include "personstateprivate.hpp"
+#include "forcetext.hpp"
 
 #include "bodylanguagestateprivate.hpp"
 #include "diagnostictext.hpp"
@@ -461,14 +462,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(PersonStatePrivate, DescribesAForceWithItsSource)
 {
   KV::DiagnosticText text;
-  PersonStatePrivate::_describeForce(text, "valence", -0.5f, 0.455f, "Voice emotion");
+  KV::describeForce(text, "valence", -0.5f, 0.455f, "Voice emotion");
   EXPECT_EQ("Applying valence force 45.5 towards -0.5 (Voice emotion)", text.text());
 }
 
 TEST(PersonStatePrivate, DescribesAForceWithoutASource)
 {
   KV::DiagnosticText text;
-  PersonStatePrivate::_describeForce(text, "attention confidence", 1.f, 0.012345678f, "");
+  KV::describeForce(text, "attention confidence", 1.f, 0.012345678f, "");
   EXPECT_EQ("Applying attention confidence force 1.23457 towards 1", text.text());
 }
 

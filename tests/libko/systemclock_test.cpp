@@ -259,4 +259,45 @@ TEST(ScopedClockSource, ShowsOneClockToSeveralThreads)
   EXPECT_EQ(start + seconds(9), ko::SystemClock::now());
 }
 
+TEST(ClockReader, ReadsWhatTheSystemClockReads)
+{
+  EXPECT_NEAR(static_cast<double>(systemClockNanoseconds()),
+              static_cast<double>(ko::ClockReader().now().time_since_epoch().count()), 1e9);
+
+  ko::ManualClock clock(start);
+  const ko::ScopedClockSource scope(clock);
+  const ko::ClockReader reader;
+  EXPECT_EQ(start, reader.now());
+  clock.advance(milliseconds(7));
+  EXPECT_EQ(start + milliseconds(7), reader.now());
+}
+
+TEST(ClockReader, ReadsASourceOncePerReading)
+{
+  support::ScriptedClock clock([](int reading) { return atNanoseconds(reading); });
+  const ko::ScopedClockSource scope(clock);
+  const ko::ClockReader reader;
+
+  EXPECT_EQ(atNanoseconds(0), reader.now());
+  EXPECT_EQ(atNanoseconds(1), reader.now());
+  EXPECT_EQ(2, clock.readings());
+}
+
+/// Runs ahead of the time that it is set to.
+class HastyClock : public ko::ManualClock
+{
+public:
+  using ko::ManualClock::ManualClock;
+  ko::SystemClock::time_point now() override { return ko::ManualClock::now() + seconds(1); }
+};
+
+TEST(ManualClock, IsReadThroughItsOwnOperationWhereAClassIsDerivedFromIt)
+{
+  HastyClock clock(start);
+  const ko::ScopedClockSource scope(clock);
+
+  EXPECT_EQ(start + seconds(1), ko::SystemClock::now());
+  EXPECT_EQ(start + seconds(1), ko::ClockReader().now());
+}
+
 }  // namespace

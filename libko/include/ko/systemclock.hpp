@@ -97,6 +97,22 @@ private:
   std::atomic<std::int64_t> _ticks;  // nanoseconds since the Unix epoch
 };
 
+/// Reads the clock of the thread that made it, again and again: what SystemClock::now() gives, with the look at what is
+/// to be read taken once. To be dropped before a ScopedClockSource begins or ends on the thread.
+class ClockReader
+{
+public:
+  SystemClock::time_point now() const
+  {
+    if (_ticks)
+      return SystemClock::time_point(SystemClock::duration(_ticks->load(std::memory_order_acquire)));
+    return SystemClock::now();
+  }
+
+private:
+  const std::atomic<std::int64_t>* const _ticks = detail::threadClock.ticks;
+};
+
 /// While it lives, SystemClock::now() on the thread that made it reads the given source; other threads are unaffected.
 ///
 /// Scopes nest: the innermost one counts, and its end brings the one around it back. Destroy a scope on the thread that
