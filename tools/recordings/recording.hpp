@@ -122,6 +122,9 @@ struct RecordingFormat
 /// Returns all formats; detection asks them in this order.
 const std::vector<RecordingFormat>& recordingFormats();
 
+/// Tells whether a file is of one of the formats; one that cannot be read counts as one, so that it is not lost.
+bool isRecording(const std::string& path);
+
 /// Opens a recording of the format with this name, or, if the name is empty, of the first format that detects it.
 ///
 /// \throws RecordingError if the file cannot be read or no format fits.

@@ -66,18 +66,25 @@ void refuseToLookIntoPipes(const std::string& path)
     throw RecordingError({path, 0, {}}, "the format of what is no regular file cannot be detected; expected its name");
 }
 
+// The format of a file that begins with `head`; none if that is not known.
+const RecordingFormat* formatDetectedIn(const std::string& head)
+{
+  const auto& formats = recordingFormats();
+  const auto found = std::find_if(formats.begin(), formats.end(),
+                                  [&head](const RecordingFormat& format) { return format.detect(head); });
+  return found == formats.end() ? nullptr : &*found;
+}
+
 const RecordingFormat& formatOf(const std::string& path)
 {
   refuseToLookIntoPipes(path);
   const std::string head = InputFile::head(path, headSize);
   if (head.empty())
     throw RecordingError({path, 0, {}}, "the file is empty");
-  const auto& formats = recordingFormats();
-  const auto found = std::find_if(formats.begin(), formats.end(),
-                                  [&head](const RecordingFormat& format) { return format.detect(head); });
-  if (found == formats.end())
+  const RecordingFormat* const format = formatDetectedIn(head);
+  if (format == nullptr)
     throw RecordingError({path, 0, {}}, "the format is not known; expected one of: " + names());
-  return *found;
+  return *format;
 }
 
 }  // namespace
@@ -94,6 +101,18 @@ const std::vector<RecordingFormat>& recordingFormats()
       {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
   };
   return formats;
+}
+
+bool isRecording(const std::string& path)
+{
+  try
+  {
+    return formatDetectedIn(InputFile::head(path, headSize)) != nullptr;
+  }
+  catch (const RecordingError&)
+  {
+    return true;
+  }
 }
 
 std::unique_ptr<RecordingReader> openRecording(const std::string& path, const std::string& format,

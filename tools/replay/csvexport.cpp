@@ -35,13 +35,13 @@ private:
 
 }  // namespace
 
-CsvExport::CsvExport(std::ostream& stream) : _stream(stream)
+void CsvExport::writeHeader(std::ostream& stream)
 {
   std::string header;
   forEachExportedField(1, Snapshot(), [&header](const char* name, const auto&) {
     header += (header.empty() ? "" : ",") + std::string(name);
   });
-  _stream << header << '\n';
+  stream << header << '\n';
 }
 
 void CsvExport::personUpdated(const Snapshot& snapshot)

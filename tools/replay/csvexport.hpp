@@ -8,14 +8,17 @@
 namespace tools
 {
 
-/// Writes every update as a line of comma-separated values below a header.
+/// Writes every update as a line of comma-separated values.
 ///
 /// Floats have the shortest text that reads back as the same number; truth values are 0 and 1. No field needs quotes.
 class CsvExport : public UpdateExport
 {
 public:
-  /// Writes the header; the stream must outlive the export.
-  explicit CsvExport(std::ostream& stream);
+  /// Writes the header of such a file.
+  static void writeHeader(std::ostream& stream);
+
+  /// The stream must outlive the export.
+  explicit CsvExport(std::ostream& stream) : _stream(stream) {}
 
   void personUpdated(const Snapshot& snapshot) override;
 

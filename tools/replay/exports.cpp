@@ -1,56 +1,71 @@
 #include "exports.hpp"
 
-#include "csvexport.hpp"
-#include "jsonlexport.hpp"
+#include <cstddef>
+#include <filesystem>
+#include <system_error>
 
 namespace tools
 {
 
-void Exports::addCsv(const std::string& target)
+namespace
 {
-  _updates.push_back(std::make_unique<CsvExport>(_open(target)));
+
+namespace fs = std::filesystem;
+
+/// Where temporary files for the target go: to the disk that has to take all of it anyway, if it is a file.
+std::string folderFor(const std::string& target)
+{
+  std::error_code error;
+  const bool isFile = target != "-" && (!fs::exists(target, error) || fs::is_regular_file(target, error));
+  if (!isFile)
+    return fs::temp_directory_path().string();
+  const fs::path folder = fs::weakly_canonical(target, error).parent_path();
+  return error || folder.empty() ? "." : folder.string();
 }
 
-void Exports::addJsonl(const std::string& target)
+}  // namespace
+
+std::unique_ptr<SpilledExports> Exports::spill(int number) const
 {
-  _updates.push_back(std::make_unique<JsonlExport>(_open(target)));
+  auto spilled = std::make_unique<SpilledExports>();
+  for (const File& file : _files)
+  {
+    spilled->_files.push_back(std::make_unique<SpillFile>(file.folder));
+    _addWriter(spilled->_writers, file.form, spilled->_files.back()->stream(), ExportWriters::Header::LeftOut);
+  }
+  spilled->_writers.beginRecording(number);
+  return spilled;
 }
 
-void Exports::addRecording(const std::string& target)
+void Exports::append(SpilledExports& spilled)
 {
-  _recordings.push_back(std::make_unique<JsonLinesWriter>(_open(target)));
-}
-
-void Exports::beginRecording(int number)
-{
-  for (const auto& updates : _updates)
-    updates->beginRecording(number);
-}
-
-void Exports::write(const RecordingEntry& entry)
-{
-  for (const auto& recording : _recordings)
-    recording->write(entry);
-}
-
-std::vector<SessionObserver*> Exports::observers() const
-{
-  std::vector<SessionObserver*> observers;
-  for (const auto& updates : _updates)
-    observers.push_back(updates.get());
-  return observers;
+  for (std::size_t i = 0; i < _files.size(); ++i)
+    spilled._files[i]->copyTo(_files[i].file->stream());
 }
 
 void Exports::commit()
 {
-  for (const auto& file : _files)
-    file->commit();
+  for (const File& file : _files)
+    file.file->commit();
 }
 
-std::ostream& Exports::_open(const std::string& target)
+void Exports::_add(Form form, const std::string& target)
 {
-  _files.push_back(std::make_unique<ReplacedFile>(target));
-  return _files.back()->stream();
+  _files.push_back({form, folderFor(target), std::make_unique<ReplacedFile>(target)});
+  _addWriter(_writers, form, _files.back().file->stream(), ExportWriters::Header::Written);
+}
+
+void Exports::_addWriter(ExportWriters& writers, Form form, std::ostream& stream, ExportWriters::Header header)
+{
+  switch (form)
+  {
+    case Form::Csv:
+      return writers.addCsv(stream, header);
+    case Form::Jsonl:
+      return writers.addJsonl(stream);
+    case Form::Recording:
+      return writers.addRecording(stream);
+  }
 }
 
 }  // namespace tools

@@ -1,45 +1,77 @@
 #pragma once
 
-#include "jsonlineswriter.hpp"
-#include "recording.hpp"
+#include "exportwriters.hpp"
 #include "replacedfile.hpp"
-#include "updateexport.hpp"
+#include "spillfile.hpp"
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
 namespace tools
 {
 
+/// What one session exports while others that stand before it are not written yet.
+class SpilledExports
+{
+public:
+  ExportWriters& writers() { return _writers; }
+
+private:
+  friend class Exports;
+
+  std::vector<std::unique_ptr<SpillFile>> _files;  // as those of Exports
+  ExportWriters _writers;
+};
+
 /// The files that a replay writes, none of which is in its place before commit().
 class Exports
 {
 public:
   /// Exports every update to a file of comma-separated values.
-  void addCsv(const std::string& target);
+  void addCsv(const std::string& target) { _add(Form::Csv, target); }
   /// Exports every update to a file of JSON Lines.
-  void addJsonl(const std::string& target);
+  void addJsonl(const std::string& target) { _add(Form::Jsonl, target); }
   /// Writes the recording itself, in the own format.
-  void addRecording(const std::string& target);
+  void addRecording(const std::string& target) { _add(Form::Recording, target); }
 
   bool empty() const { return _files.empty(); }
 
-  void beginRecording(int number);
-  void write(const RecordingEntry& entry);
+  /// Returns what writes to the files directly.
+  ExportWriters& writers() { return _writers; }
 
-  /// Returns what is to watch the sessions.
-  std::vector<SessionObserver*> observers() const;
+  /// Returns what writes the session with this number to temporary files; may be called from several threads.
+  ///
+  /// \throws WriteError if there can be no such files.
+  std::unique_ptr<SpilledExports> spill(int number) const;
+
+  /// Writes to the files what a session spilled.
+  void append(SpilledExports& spilled);
 
   /// Puts all files in their places.
   void commit();
 
 private:
-  std::ostream& _open(const std::string& target);
+  enum class Form
+  {
+    Csv,
+    Jsonl,
+    Recording
+  };
 
-  std::vector<std::unique_ptr<ReplacedFile>> _files;
-  std::vector<std::unique_ptr<UpdateExport>> _updates;
-  std::vector<std::unique_ptr<JsonLinesWriter>> _recordings;
+  struct File
+  {
+    Form form;
+    std::string folder;  // for temporary files
+    std::unique_ptr<ReplacedFile> file;
+  };
+
+  void _add(Form form, const std::string& target);
+  static void _addWriter(ExportWriters& writers, Form form, std::ostream& stream, ExportWriters::Header header);
+
+  std::vector<File> _files;
+  ExportWriters _writers;
 };
 
 }  // namespace tools

@@ -1,6 +1,9 @@
 #include "interruption.hpp"
 
+#include <unistd.h>
+
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstddef>
 
@@ -10,14 +13,18 @@ namespace tools
 namespace
 {
 
-constexpr std::array signals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array signals{SIGINT, SIGTERM, SIGHUP, SIGALRM};
 
-volatile std::sig_atomic_t noted = 0;
+std::atomic<int> noted = 0;  // set by a handler, read by any thread
+static_assert(std::atomic<int>::is_always_lock_free);
 std::array<struct sigaction, signals.size()> before;
 
+// A signal may come just before a read that waits for input, which would then not end: an alarm each second ends it.
 void note(int signal)
 {
-  noted = signal;
+  if (signal != SIGALRM)
+    noted = signal;
+  alarm(1);
 }
 
 }  // namespace
@@ -37,14 +44,16 @@ Interruption::Interruption()
 
 Interruption::~Interruption()
 {
+  alarm(0);
   for (std::size_t i = 0; i < signals.size(); ++i)
     sigaction(signals[i], &before[i], nullptr);
 }
 
 void Interruption::check()
 {
-  if (noted != 0)
-    throw Interrupted{noted};
+  const int signal = noted;
+  if (signal != 0)
+    throw Interrupted{signal};
 }
 
 }  // namespace tools

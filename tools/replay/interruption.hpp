@@ -21,6 +21,8 @@ public:
   Interruption(const Interruption&) = delete;
   Interruption& operator=(const Interruption&) = delete;
 
+  /// May be called from any thread.
+  ///
   /// \throws Interrupted if a signal came.
   static void check();
 };

@@ -2,10 +2,18 @@
 
 #include "text.hpp"
 
+#include <thread>
+
 namespace tools
 {
 
-LibraryLog::LibraryLog() : _handler(ko::log::addHandler([this](const ko::log::Record& record) { _add(record); })) {}
+// Another thread that hands out a record just now may call the handler when the log is gone: it must not touch it.
+LibraryLog::LibraryLog()
+  : _handler(ko::log::addHandler([this, thread = std::this_thread::get_id()](const ko::log::Record& record) {
+      if (std::this_thread::get_id() == thread)
+        _add(record);
+    }))
+{}
 
 LibraryLog::~LibraryLog()
 {

@@ -11,7 +11,8 @@
 namespace tools
 {
 
-/// Collects the warnings of the library while it lives, instead of letting each of them through.
+/// Collects the warnings of the library on the thread that made it while it lives, instead of letting each of them
+/// through.
 ///
 /// Warnings that come from the same place in the library are alike: of these the first is kept, and the others are
 /// counted. So the memory is bounded.

@@ -12,10 +12,20 @@ ProgressLine::ProgressLine(std::ostream& stream, bool shown, Clock::duration int
 
 void ProgressLine::show(double share, Duration reached)
 {
+  _show(share, clockText(reached, 0) + " of the recording");
+}
+
+void ProgressLine::showCount(std::size_t done, std::size_t all)
+{
+  _show(static_cast<double>(done) / static_cast<double>(all),
+        std::to_string(done) + " of " + counted(all, "recording"));
+}
+
+void ProgressLine::_show(double share, const std::string& text)
+{
   constexpr int barWidth = 24;
   erase();
-  _stream << bar(share, barWidth) << ' ' << padLeft(percentage(share), 5) << ", " << clockText(reached, 0)
-          << " of the recording" << std::flush;
+  _stream << bar(share, barWidth) << ' ' << padLeft(percentage(share), 5) << ", " << text << std::flush;
   _onScreen = true;
   _next = Clock::now() + _interval;
 }

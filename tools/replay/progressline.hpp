@@ -3,12 +3,14 @@
 #include "snapshot.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <ostream>
+#include <string>
 
 namespace tools
 {
 
-/// One line in a terminal that says how far a file was read, and is erased at the end.
+/// One line in a terminal that says how far the replay is, and is erased at the end.
 class ProgressLine
 {
 public:
@@ -31,10 +33,15 @@ public:
   /// Shows a share in [0, 1], and the time reached in the recording.
   void show(double share, Duration reached);
 
+  /// Shows how many of several recordings are done.
+  void showCount(std::size_t done, std::size_t all);
+
   /// Takes the line away, so that something else can be written.
   void erase();
 
 private:
+  void _show(double share, const std::string& text);
+
   std::ostream& _stream;
   bool _shown;
   Clock::duration _interval;

@@ -2,15 +2,11 @@
 
 #include "exports.hpp"
 #include "interruption.hpp"
-#include "librarylog.hpp"
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "progressline.hpp"
-#include "session.hpp"
-#include "summary.hpp"
-#include "text.hpp"
-#include "timeline.hpp"
-#include "timelinetable.hpp"
+#include "orderedjobs.hpp"
+#include "sessionreplay.hpp"
+
+#include <cstddef>
+#include <sstream>
 
 namespace tools
 {
@@ -20,79 +16,29 @@ namespace
 
 const std::string standardOutput = "-";
 
-/// Keeps the first few of many texts, and counts the rest.
-class FirstFew
+/// The replay of a session was stopped, as nobody wants its result any more.
+struct Cancelled
+{};
+
+/// A session that was replayed while those before it were not shown yet.
+struct Buffered
 {
-public:
-  void add(const std::string& text)
-  {
-    if (_texts.size() < most)
-      _texts.push_back(text);
-    ++_count;
-  }
-
-  void add(const std::vector<std::string>& texts)
-  {
-    for (const std::string& text : texts)
-      add(text);
-  }
-
-  const std::vector<std::string>& texts() const { return _texts; }
-  std::size_t more() const { return _count - _texts.size(); }
-
-private:
-  static constexpr std::size_t most = 10;
-
-  std::vector<std::string> _texts;
-  std::size_t _count = 0;
-};
-
-/// Bad lines that were passed over.
-struct SkippedLines
-{
-  std::size_t count = 0;
-  std::string first;
-};
-
-/// What is known of one recording when it was read to its end, or to where it turned bad.
-struct Played
-{
-  FirstFew warnings;
-  SkippedLines skipped;
-  std::string error;  ///< empty: read to its end
+  SessionOutcome outcome;
+  std::string output;
+  std::string errors;
+  std::unique_ptr<SpilledExports> exports;
 };
 
 class Replay
 {
 public:
-  Replay(const ReplayOptions& options, ReplaySurroundings& surroundings)
-    : _options(options), _surroundings(surroundings), _messages(surroundings.errors, options.quiet)
-  {
-    const bool outputIsTaken =
-        options.csv == standardOutput || options.jsonl == standardOutput || options.toJsonl == standardOutput;
-    _shows = !options.quiet && !outputIsTaken;
-    _spans.push_back({"whole recording", Duration(0), boost::none});
-    _spans.insert(_spans.end(), options.scopes.begin(), options.scopes.end());
-    _openExports();
-  }
-
-  ExitStatus all()
-  {
-    ExitStatus status = Success;
-    int number = 0;
-    for (const std::string& path : _options.recordings)
-    {
-      status = graver(status, _one(path, ++number));
-      if (_outputClosed && _exports.empty())
-        break;
-    }
-    if (_anyOpened)
-      _exports.commit();
-    return _outputClosed ? Failure : status;
-  }
-
-private:
-  void _openExports()
+  Replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
+    : _options(options),
+      _surroundings(surroundings),
+      _display(surroundings.output, !options.quiet && options.csv != standardOutput &&
+                                        options.jsonl != standardOutput && options.toJsonl != standardOutput),
+      _messages(surroundings.errors, options.quiet),
+      _progress(surroundings.errors, surroundings.showProgress && !options.quiet)
   {
     if (!_options.csv.empty())
       _exports.addCsv(_options.csv);
@@ -102,180 +48,105 @@ private:
       _exports.addRecording(_options.toJsonl);
   }
 
-  ExitStatus _one(const std::string& path, int number)
+  ExitStatus all()
   {
-    _show((number > 1 ? "\n" : "") + _surroundings.style.bold(path) + "\n");
-    try
+    if (_options.jobs > 1 && _options.sessions.size() > 1)
+      _inParallel();
+    else
+      _oneByOne();
+    if (_anyOpened)
+      _exports.commit();
+    return _display.closed() ? Failure : _status;
+  }
+
+private:
+  void _oneByOne()
+  {
+    const SessionOutlets outlets{_display, _messages, _exports.writers(), _progress, Interruption::check};
+    for (std::size_t i = 0; i < _options.sessions.size() && !_isInVain(); ++i)
     {
-      const std::unique_ptr<RecordingReader> reader = _surroundings.open(path);
-      _anyOpened = true;
-      _exports.beginRecording(number);
-      return _replay(path, *reader);
-    }
-    catch (const RecordingError& error)
-    {
-      Interruption::check();  // opening may fail for that reason alone
-      _messages.error(error.what());
-      return BadInput;
+      _separate(i);
+      _exports.writers().beginRecording(numberOf(i));
+      _add(replaySession(_options.sessions[i], _options, _surroundings, outlets));
     }
   }
 
-  ExitStatus _replay(const std::string& path, RecordingReader& reader)
+  void _inParallel()
   {
-    Timeline timeline(_options.step);
-    Summary summary;
-    std::vector<SessionObserver*> observers = _exports.observers();
-    observers.push_back(&timeline);
-    observers.push_back(&summary);
-    Session session(_spans, observers);
-    LibraryLog log;
-
-    const Played played = _play(reader, session);
-    session.finish();
-    summary.finish();
-
-    _showWarnings(played.warnings);
-    _showPersons(timeline, summary);
-    _noteLibraryWarnings(path, log);
-    return _reportBadInput(path, played);
+    const std::size_t count = _options.sessions.size();
+    OrderedJobs<Buffered> jobs(count, _options.jobs, [this](std::size_t i, const std::atomic<bool>& cancelled) {
+      return _buffered(i, cancelled);
+    });
+    for (std::size_t i = 0; i < count && !_isInVain(); ++i)
+    {
+      const Buffered session = jobs.take([this, i, count] { _wait(i, count); });
+      _progress.erase();
+      _separate(i);
+      _display.show(session.output);
+      _surroundings.errors << session.errors << std::flush;
+      _exports.append(*session.exports);
+      _add(session.outcome);
+    }
   }
 
-  Played _play(RecordingReader& reader, Session& session)
+  /// Replays a session on a thread of its own; only what is constant is shared.
+  Buffered _buffered(std::size_t i, const std::atomic<bool>& cancelled) const
   {
-    ProgressLine progress(_surroundings.errors, _surroundings.showProgress && !_options.quiet);
-    Played played;
-    boost::optional<RecordingEntry> entry;
-    bool described = false;
-    for (;;)
-    {
-      const Step step = _next(reader, entry, played);
+    std::ostringstream output;
+    std::ostringstream errors;
+    Buffered session;
+    session.exports = _exports.spill(numberOf(i));
+    Display display(output, _display.shows());
+    Messages messages(errors, _options.quiet);
+    ProgressLine progress(errors, false);
+    const auto check = [&cancelled] {
       Interruption::check();
-      if (!described)
-        _showDescription(reader);  // what was found out with the first step is in it
-      described = true;
-
-      if (step == Step::End)
-        return played;
-      if (step == Step::Taken)
-      {
-        _exports.write(*entry);
-        session.play(*entry);
-      }
-      if (progress.isDue())
-        progress.show(reader.progress(), session.length());
-    }
+      if (cancelled)
+        throw Cancelled();
+    };
+    const SessionOutlets outlets{display, messages, session.exports->writers(), progress, check};
+    session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+    session.output = output.str();
+    session.errors = errors.str();
+    return session;
   }
 
-  enum class Step
+  void _wait(std::size_t done, std::size_t all)
   {
-    Taken,
-    Skipped,
-    End
-  };
-
-  /// Reads the next entry, and notes in `played` what there was to say of it.
-  Step _next(RecordingReader& reader, boost::optional<RecordingEntry>& entry, Played& played)
-  {
-    Step step = Step::End;
-    try
-    {
-      entry = reader.next();
-      if (entry)
-        step = Step::Taken;
-    }
-    catch (const BadLine& error)
-    {
-      if (_options.skipBad)
-        step = Step::Skipped;
-      if (step != Step::Skipped)
-        played.error = error.what();
-      else if (++played.skipped.count == 1)
-        played.skipped.first = error.what();
-    }
-    catch (const RecordingError& error)
-    {
-      played.error = error.what();
-    }
-    played.warnings.add(reader.takeWarnings());
-    return step;
+    Interruption::check();
+    if (_progress.isDue())
+      _progress.showCount(done, all);
   }
 
-  void _showDescription(const RecordingReader& reader)
+  void _separate(std::size_t i)
   {
-    for (const std::string& line : reader.describe())
-      _show(wrapped(line, static_cast<std::size_t>(_surroundings.outputWidth), 2) + "\n");
+    if (i > 0)
+      _display.show("\n");
   }
 
-  void _showWarnings(const FirstFew& warnings)
+  void _add(const SessionOutcome& outcome)
   {
-    for (const std::string& text : warnings.texts())
-      _show(_surroundings.style.yellow("warning: " + text) + "\n");
-    if (warnings.more() > 0)
-      _show(_surroundings.style.yellow("warning: " + counted(warnings.more(), "more warning")) + "\n");
+    _status = graver(_status, outcome.status);
+    _anyOpened = _anyOpened || outcome.opened;
   }
 
-  void _showPersons(const Timeline& timeline, const Summary& summary)
-  {
-    const Style& style = _surroundings.style;
-    if (summary.persons().empty())
-      _show("\nNobody was seen in this recording.\n");
-    for (const auto& [person, rows] : timeline.rows())
-      _show("\n" + style.bold("Person " + std::to_string(person)) + "\n" +
-            timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +
-            summary.describe(person, _surroundings.outputWidth, style));
-    const std::string ambiance = summary.describeAmbiance(style);
-    if (!ambiance.empty())
-      _show("\n" + ambiance);
-  }
+  bool _isInVain() const { return _display.closed() && _exports.empty(); }
 
-  void _noteLibraryWarnings(const std::string& path, LibraryLog& log)
-  {
-    const std::string prefix = path + ": ";
-    for (const std::string& line : log.take())
-      _messages.note(prefix + line);
-  }
-
-  ExitStatus _reportBadInput(const std::string& path, const Played& played)
-  {
-    if (played.skipped.count > 0)
-      _messages.note(path + ": skipped " + counted(played.skipped.count, "bad line") +
-                     ", the first: " + played.skipped.first);
-    if (played.error.empty())
-      return Success;
-    _messages.error(played.error);
-    return BadInput;
-  }
-
-  /// Writes for people; when they have gone away, nothing is written any more, but exports go on.
-  void _show(const std::string& text)
-  {
-    if (!_shows || _outputClosed)
-      return;
-    try
-    {
-      _surroundings.output << text << std::flush;
-    }
-    catch (const WriteError& error)
-    {
-      if (!error.pipeClosed())
-        throw;
-      _outputClosed = true;
-    }
-  }
+  static int numberOf(std::size_t i) { return static_cast<int>(i) + 1; }
 
   const ReplayOptions& _options;
-  ReplaySurroundings& _surroundings;
+  const ReplaySurroundings& _surroundings;
+  Display _display;
   Messages _messages;
+  ProgressLine _progress;
   Exports _exports;
-  std::vector<ScopeSpan> _spans;
-  bool _shows = true;
-  bool _outputClosed = false;
+  ExitStatus _status = Success;
   bool _anyOpened = false;
 };
 
 }  // namespace
 
-ExitStatus replay(const ReplayOptions& options, ReplaySurroundings& surroundings)
+ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
 {
   return Replay(options, surroundings).all();
 }

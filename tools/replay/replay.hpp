@@ -3,11 +3,13 @@
 #include "exitstatus.hpp"
 #include "recording.hpp"
 #include "scopespan.hpp"
+#include "sessionplan.hpp"
 #include "terminal.hpp"
 #include "timelinetable.hpp"
 
 #include <boost/optional/optional.hpp>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -20,7 +22,8 @@ namespace tools
 /// What to replay, and how to show it.
 struct ReplayOptions
 {
-  std::vector<std::string> recordings;
+  std::vector<SessionInputs> sessions;
+  std::size_t jobs = 1;           ///< how many sessions are replayed at a time
   bool skipBad = false;           ///< go on behind a line that cannot be used
   std::vector<ScopeSpan> scopes;  ///< besides the whole recording
   boost::optional<Duration> step;
@@ -33,7 +36,7 @@ struct ReplayOptions
 /// Where a replay reads from and writes to.
 struct ReplaySurroundings
 {
-  std::function<std::unique_ptr<RecordingReader>(const std::string& path)> open;
+  std::function<std::unique_ptr<RecordingReader>(const std::string& path)> open;  ///< from several threads, if jobs > 1
   std::ostream& output;
   int outputWidth = widestTable;
   Style style = Style(false);
@@ -41,11 +44,13 @@ struct ReplaySurroundings
   bool showProgress = false;
 };
 
-/// Replays the recordings one after the other, each in a session of its own, and shows what the library thought.
+/// Replays the sessions, each with persons and scopes of its own, and shows what the library thought.
 ///
-/// Bad input is reported and ends its recording, not the others; what came before it is shown and exported.
+/// Bad input is reported and ends its session, not the others; what came before it is shown and exported. What is
+/// written, and in which order, does not depend on the number of jobs: sessions that are done before their turn wait,
+/// their exports in temporary files.
 ///
 /// \throws WriteError if the output or an export cannot be written; exports are then dropped.
-ExitStatus replay(const ReplayOptions& options, ReplaySurroundings& surroundings);
+ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings);
 
 }  // namespace tools

@@ -2,19 +2,28 @@
 
 #include "argumentparsing.hpp"
 #include "boundary.hpp"
+#include "messages.hpp"
 #include "outputstream.hpp"
 #include "readingarguments.hpp"
 #include "recording.hpp"
 #include "replay.hpp"
+#include "sessionplan.hpp"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace tools
 {
@@ -25,8 +34,11 @@ namespace
 const char* const description = "Shows what the library thought of the persons in a recording";
 
 const char* const footer =
-    R"(A recording that starts at 0 is placed at a fixed time of the clock. Several recordings are replayed one after
-the other, each with persons and scopes of its own.
+    R"(Files named together are inputs of one session, merged by time: what several of them tell of a person in one cycle
+is one update. The first input, best the face, sets the cycles; what others tell waits for its next step about the
+same person, for 0.2 s at most. Times that count from 0 are aligned at their zeros, and placed at a fixed time of the
+clock; times since 1970 stay. A folder stands for every recording in it, each in a session of its own, with persons
+and scopes of its own.
 
 The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
 the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
@@ -36,7 +48,7 @@ The verdict on a scope weighs each update by its confidence: "unknown" if that i
 "neutral" or "negative".
 
 Exports have a line for each update of each person, with these fields:
-  recording                          number of the recording on the command line, from 1
+  recording                          number of the session, from 1
   person                             identifier
   time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC
   seen                               whether the person was observed in this update, or only aged
@@ -55,37 +67,68 @@ is shown and exported all the same), 1 if something else went wrong, such as an 
 Examples:
   skeigiot replay face.csv
   skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
+  skeigiot replay face.csv voice.csv touch.csv --offset voice.csv=0.25
+  skeigiot replay recordings/ --csv states.csv
   skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S)";
 
 /// Everything that the command line can say.
 struct Arguments
 {
   ReplayOptions replay;
+  SessionArguments sessions;
   ReadingArguments reading;
   ColorChoice color = ColorChoice::Auto;
 };
 
-void addShowingOptions(CLI::App& command, Arguments& arguments)
+/// Adds an option that may be given several times; what `parse` throws refuses it.
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                      const std::function<void(const std::string&)>& parse)
 {
-  const std::string group = "What is shown";
-  const auto addScope = [&arguments](const std::vector<std::string>& texts) {
+  const auto take = [=](const std::vector<std::string>& texts) {
     try
     {
-      for (const std::string& text : texts)
-        arguments.replay.scopes.push_back(parseScopeSpan(text));
+      std::for_each(texts.begin(), texts.end(), parse);
     }
     catch (const std::invalid_argument& error)
     {
-      throw CLI::ValidationError("--scope", error.what());
+      throw CLI::ValidationError(name, error.what());
     }
   };
+  return command.add_option_function<std::vector<std::string>>(name, take, help)
+      ->type_name(type)
+      ->allow_extra_args(false);
+}
+
+void addSessionOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "Sessions";
+  command.add_option("RECORDING", arguments.sessions.paths, "Files to replay, or folders of them")
+      ->required()
+      ->type_name("");
+  addTexts(command, "--offset", "Add so many seconds to all times of an input. May be given several\ntimes",
+           "FILE=SECONDS", [&arguments](const std::string& text) { parseOffset(text, arguments.sessions.offsets); })
+      ->group(group);
   command
-      .add_option_function<std::vector<std::string>>(
-          "--scope", addScope,
-          "Judge this span, too, in seconds since the start, both ends included;\n"
-          "either may be left out. May be given several times")
-      ->type_name("NAME=FROM..TO")
-      ->allow_extra_args(false)
+      .add_flag("--separately", arguments.sessions.separately,
+                "Replay each file in a session of its own, instead of all as inputs of\none")
+      ->group(group);
+  addNumber(
+      command, "--jobs",
+      "How many sessions are replayed at a time; the output is the same\n(default: one for each core)", "NUMBER",
+      "a whole number from 1 to 1024",
+      [](double number) { return number >= 1. && number <= 1024. && number == std::floor(number); },
+      [&arguments](double number) { arguments.replay.jobs = static_cast<std::size_t>(number); })
+      ->group(group);
+}
+
+void addShowingOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "What is shown";
+  addTexts(command, "--scope",
+           "Judge this span, too, in seconds since the start, both ends included;\n"
+           "either may be left out. May be given several times",
+           "NAME=FROM..TO",
+           [&arguments](const std::string& text) { arguments.replay.scopes.push_back(parseScopeSpan(text)); })
       ->group(group);
   addNumber(
       command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
@@ -137,11 +180,23 @@ void addBoundaryOptions(CLI::App& command)
   }
 }
 
+/// Tells whether there is none among them that has to be waited for, such as a pipe: a thread that waits cannot be
+/// interrupted.
+bool areFiles(const std::vector<std::string>& paths)
+{
+  return std::none_of(paths.begin(), paths.end(), [](const std::string& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+           !std::filesystem::is_directory(status);
+  });
+}
+
 /// \throws CLI::ValidationError for options that do not go together.
 void checkExports(const ReplayOptions& options)
 {
-  if (!options.toJsonl.empty() && options.recordings.size() > 1)
-    throw CLI::ValidationError("--to-jsonl", "takes one recording only: times in a recording never go backwards");
+  if (!options.toJsonl.empty() && options.sessions.size() > 1)
+    throw CLI::ValidationError("--to-jsonl", "takes one session only: times in a recording never go backwards");
   std::map<std::string, std::string> optionOfTarget;
   for (const auto& [option, target] : {std::make_pair("--csv", options.csv), std::make_pair("--jsonl", options.jsonl),
                                        std::make_pair("--to-jsonl", options.toJsonl)})
@@ -154,9 +209,40 @@ void checkExports(const ReplayOptions& options)
   }
 }
 
-ExitStatus run(const Arguments& arguments)
+/// Fills in the sessions, and which of their options follow from them.
+///
+/// \throws RecordingError, CLI::ValidationError if there can be no such sessions.
+void plan(Arguments& arguments, Messages& messages)
 {
+  arguments.sessions.format = arguments.reading.format;
+  try
+  {
+    SessionPlan plan = planSessions(arguments.sessions);
+    arguments.replay.sessions = std::move(plan.sessions);
+    for (const std::string& note : plan.notes)
+      messages.note(note);
+  }
+  catch (const std::invalid_argument& error)
+  {
+    throw CLI::ValidationError(error.what());
+  }
+  if (!areFiles(arguments.sessions.paths))
+    arguments.replay.jobs = 1;
   checkExports(arguments.replay);
+}
+
+ExitStatus run(Arguments& arguments)
+{
+  Messages messages(std::cerr, arguments.replay.quiet);
+  try
+  {
+    plan(arguments, messages);
+  }
+  catch (const RecordingError& error)
+  {
+    messages.error(error.what());
+    return BadInput;
+  }
   OutputStream output(STDOUT_FILENO, "standard output");
   const auto open = [&arguments](const std::string& path) {
     return openRecording(path, arguments.reading.format, arguments.reading.options);
@@ -176,7 +262,8 @@ void addReplayCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("replay", description);
-  command.add_option("RECORDING", arguments->replay.recordings, "Files to replay")->required()->type_name("");
+  arguments->replay.jobs = std::max(1U, std::thread::hardware_concurrency());
+  addSessionOptions(command, *arguments);
   addShowingOptions(command, *arguments);
   addExportOptions(command, *arguments);
   addReadingOptions(command, arguments->reading);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string>
@@ -90,6 +91,9 @@ TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
   const CommandResult result = replay({"--help"});
   EXPECT_EQ(0, result.status);
   for (const char* option : {"--scope NAME=FROM..TO",
+                             "--offset FILE=SECONDS",
+                             "--separately",
+                             "--jobs NUMBER",
                              "--step SECONDS",
                              "--color WHEN",
                              "--quiet",
@@ -178,12 +182,54 @@ TEST_F(CommandTest, ExportsToStandardOutputAndThenWritesNothingElseThere)
   EXPECT_EQ(folder.read("file.csv"), replay({recording, "--csv", "-"}).output);
 }
 
-TEST_F(CommandTest, ReplaysSeveralRecordings)
+TEST_F(CommandTest, ReplaysSeveralRecordingsInSessionsOfTheirOwn)
 {
-  const CommandResult result = replay({recording, recording});
+  const CommandResult result = replay({recording, recording, "--separately"});
   EXPECT_EQ(0, result.status);
   EXPECT_THAT(result.output, StartsWith(recording + "\n"));
   EXPECT_THAT(result.output, HasSubstr("\n\n" + recording + "\n"));
+}
+
+TEST_F(CommandTest, MergesFilesNamedTogetherAndGivesTheSameFromTheOwnFormat)
+{
+  const std::string voice = folder.write("voice.csv",
+                                         "time,person,reading,value,confidence\n"
+                                         "0.25,1,voiceEmotion.anger,0.9,0.8\n"
+                                         "0.25,1,voiceEmotion.joy,0.1,0.8\n"
+                                         "2,2,asrEmotion,-1,\n"
+                                         "9,,start,afterwards,\n");
+  const CommandResult result = replay(
+      {recording, voice, "--offset", voice + "=0.5", "--csv", folder.path("1.csv"), "--to-jsonl", folder.path("own")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.output, StartsWith(recording + " + " + voice + "\n"));
+  EXPECT_EQ(121U, linesOf(folder.read("1.csv"))) << "updates are those of the cycles of the first input";
+  EXPECT_NE(replay({recording, "--csv", "-"}).output, folder.read("1.csv")) << "the voice has its effect";
+
+  replay({folder.path("own"), "-q", "--csv", folder.path("2.csv")});
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
+}
+
+TEST_F(CommandTest, ReplaysAFolderOfRecordingsWithTheSameResultWhateverTheNumberOfJobs)
+{
+  std::filesystem::create_directory(folder.path("recordings"));
+  for (const char* name : {"recordings/a.jsonl", "recordings/b.jsonl", "recordings/c.jsonl"})
+    folder.write(name, asJsonLines(meeting()));
+  folder.write("recordings/b.jsonl", asJsonLines(meeting()) + "oops\n");
+  folder.write("recordings/notes.txt", "engaged\n");
+  const auto run = [this](const std::string& jobs) {
+    return replay({folder.path("recordings"), "--jobs", jobs, "--csv", folder.path(jobs + ".csv")});
+  };
+  const CommandResult one = run("1");
+  const CommandResult four = run("4");
+  EXPECT_EQ(2, one.status);
+  EXPECT_EQ(one.status, four.status);
+  EXPECT_EQ(one.output, four.output);
+  EXPECT_EQ(one.errors, four.errors);
+  EXPECT_EQ(folder.read("1.csv"), folder.read("4.csv"));
+  EXPECT_EQ(361U, linesOf(folder.read("4.csv")));
+  EXPECT_THAT(four.errors, HasSubstr("passed over 1 file of no known format: notes.txt\n"));
+  EXPECT_THAT(four.errors, HasSubstr("recordings/b.jsonl:121: "));
 }
 
 TEST_F(CommandTest, SetsABoundary)
@@ -304,8 +350,13 @@ INSTANTIATE_TEST_SUITE_P(
             "AScopeWithoutTimes", {"--scope", "greeting"}, "--scope: 'greeting' is not NAME=FROM..TO: '=' is missing"},
         UsageCase{"TwoExportsToOneFile", {"--csv", "-", "--jsonl", "-"}, "--jsonl: writes to '-', as does --csv"},
         UsageCase{"SeveralRecordingsIntoOne",
-                  {"another.csv", "--to-jsonl", "-"},
-                  "--to-jsonl: takes one recording only: times in a recording never go backwards"},
+                  {"another.csv", "--separately", "--to-jsonl", "-"},
+                  "--to-jsonl: takes one session only: times in a recording never go backwards"},
+        UsageCase{"NoJobs", {"--jobs", "0"}, "--jobs: expected a whole number from 1 to 1024, found '0'"},
+        UsageCase{"HalfAJob", {"--jobs", "1.5"}, "--jobs: expected a whole number from 1 to 1024, found '1.5'"},
+        UsageCase{"OffsetWithoutFile", {"--offset", "0.25"}, "--offset: '0.25' is not FILE=SECONDS"},
+        UsageCase{
+            "OffsetOfNoInput", {"another.csv", "--offset", "voice.csv=1"}, "--offset: there is no input 'voice.csv'"},
         UsageCase{"AnUnknownOption", {"--speed"}, "The following argument was not expected: --speed"}),
     support::RowName());
 

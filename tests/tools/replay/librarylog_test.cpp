@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <thread>
+
 namespace
 {
 
@@ -59,6 +61,19 @@ TEST(LibraryLog, LetsWarningsThroughWhenItIsOver)
   const support::CapturedStandardError errors;
   write(Level::Warning, "too old");
   EXPECT_NE("", errors.text());
+}
+
+TEST(LibraryLog, KeepsTheWarningsOfItsOwnThread)
+{
+  LibraryLog log;
+  std::thread other([] {
+    LibraryLog logOfOther;
+    write(Level::Warning, "of the other", 7);
+    EXPECT_THAT(logOfOther.take(), ElementsAre("category: of the other"));
+  });
+  other.join();
+  write(Level::Warning, "of this");
+  EXPECT_THAT(log.take(), ElementsAre("category: of this"));
 }
 
 }  // namespace

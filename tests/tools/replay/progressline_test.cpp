@@ -22,6 +22,14 @@ TEST(ProgressLine, ShowsHowFarTheFileWasRead)
   EXPECT_EQ("██████··················  25 %, 1:15 of the recording", terminal.str());
 }
 
+TEST(ProgressLine, ShowsHowManyRecordingsAreDone)
+{
+  std::ostringstream terminal;
+  ProgressLine line(terminal, true, std::chrono::seconds(0));
+  line.showCount(3, 4);
+  EXPECT_EQ("██████████████████······  75 %, 3 of 4 recordings", terminal.str());
+}
+
 TEST(ProgressLine, IsErasedBeforeItIsShownAnewAndAtTheEnd)
 {
   std::ostringstream terminal;

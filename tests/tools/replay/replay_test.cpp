@@ -30,12 +30,18 @@ using Names = std::set<std::string>;
 class ReplayTest : public ::testing::Test
 {
 protected:
+  /// Replays each script in a session of its own.
   tools::ExitStatus replay()
   {
-    tools::ReplaySurroundings surroundings{
-        [this](const std::string& path) { return open(path); }, output, 100, tools::Style(false), errors, false};
     for (const auto& [path, steps] : scripts)
-      options.recordings.push_back(path);
+      options.sessions.push_back({{{path, {}}}});
+    return replayAsPlanned();
+  }
+
+  tools::ExitStatus replayAsPlanned()
+  {
+    const tools::ReplaySurroundings surroundings{
+        [this](const std::string& path) { return open(path); }, output, 100, tools::Style(false), errors, false};
     return tools::replay(options, surroundings);
   }
 
@@ -228,6 +234,97 @@ TEST_F(ReplayTest, WritesTheRecordingItself)
   EXPECT_FALSE(reader->next());
 }
 
+// Several sessions at a time
+
+class ParallelReplay : public ReplayTest
+{
+protected:
+  /// Nine sessions of different lengths: one cannot be opened, some go bad, all have a warning of the library.
+  void scriptSessions()
+  {
+    options.skipBad = false;
+    for (int i = 0; i < 9; ++i)
+    {
+      std::vector<Step>& steps = scripts["session" + std::to_string(i)];
+      for (int step = 0; i != 3 && step < 40 * (9 - i); ++step)
+        steps.push_back(seen(0.1 * step, i));
+      if (i == 5 || i == 6)
+        steps.push_back(ScriptedReader::badLine(99));
+      if (i == 3)
+        continue;
+      tools::RecordingEntry entry = seenAt(100., i);
+      entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
+      steps.insert(steps.begin(), ScriptedReader::entry(entryAt(0.)));
+      steps.push_back(ScriptedReader::entry(entry));
+    }
+  }
+
+  /// Everything that a replay with that many jobs writes, standard output and standard error apart.
+  std::vector<std::string> writtenWith(std::size_t jobs)
+  {
+    output.str("");
+    errors.str("");
+    options.jobs = jobs;
+    options.sessions.clear();
+    options.csv = folder.path("export.csv");
+    options.jsonl = folder.path("export.jsonl");
+    EXPECT_EQ(tools::BadInput, replay());
+    return {output.str(), errors.str(), folder.read("export.csv"), folder.read("export.jsonl")};
+  }
+};
+
+TEST_F(ParallelReplay, WritesTheSameBytesWhateverTheNumberOfJobs)
+{
+  scriptSessions();
+  const std::vector<std::string> expected = writtenWith(1);
+  EXPECT_THAT(expected[1], HasSubstr("skeigiot: session3: cannot be opened\n"));
+  EXPECT_THAT(expected[1], HasSubstr("skeigiot: session4: kvmood.emotionalstate: "));
+  EXPECT_THAT(expected[2], HasSubstr("\n9,8,"));
+  for (const std::size_t jobs : {2, 3, 8, 100})
+    EXPECT_EQ(expected, writtenWith(jobs)) << jobs << " jobs";
+  EXPECT_EQ((Names{"export.csv", "export.jsonl"}), folder.names());
+}
+
+TEST_F(ParallelReplay, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
+{
+  folder.write("export.csv", "old");
+  scripts["a"] = {};
+  scripts["b"] = {};
+  options.jobs = 2;
+  options.csv = folder.path("export.csv");
+  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ("old", folder.read("export.csv"));
+  EXPECT_EQ("skeigiot: a: cannot be opened\nskeigiot: b: cannot be opened\n", errors.str());
+}
+
+// Several inputs of one session
+
+TEST_F(ReplayTest, MergesTheInputsOfASession)
+{
+  scripts["face.csv"] = {seen(0., 1), seen(1., 1)};
+  scripts["voice.csv"] = {seen(0.5, 2)};
+  options.sessions = {{{{"face.csv", {}}, {"voice.csv", inNanoseconds(0.25)}}}};
+  options.toJsonl = folder.path("own.jsonl");
+  EXPECT_EQ(tools::Success, replayAsPlanned());
+  EXPECT_THAT(output.str(), HasSubstr("face.csv + voice.csv\nOne session of 2 inputs"));
+  EXPECT_THAT(output.str(), HasSubstr("\nPerson 1\n"));
+  EXPECT_THAT(output.str(), HasSubstr("\nPerson 2\n"));
+  const auto reader = tools::openRecording(folder.path("own.jsonl"), "jsonl", {});
+  EXPECT_EQ(start, reader->next().value().time);
+  EXPECT_EQ(start + milliseconds(750), reader->next().value().time);
+  EXPECT_EQ(start + seconds(1), reader->next().value().time);
+}
+
+TEST_F(ReplayTest, ReplaysNothingOfASessionOfWhichAnInputIsMissing)
+{
+  scripts["face.csv"] = {seen(0., 1)};
+  scripts["voice.csv"] = {};
+  options.sessions = {{{{"face.csv", {}}, {"voice.csv", {}}}}};
+  EXPECT_EQ(tools::BadInput, replayAsPlanned());
+  EXPECT_EQ("skeigiot: voice.csv: cannot be opened\n", errors.str());
+  EXPECT_THAT(output.str(), Not(HasSubstr("Person")));
+}
+
 /// An output whose reader has gone away.
 class ClosedPipe : public std::streambuf
 {
@@ -239,7 +336,7 @@ TEST_F(ReplayTest, ExportsToTheEndThoughNobodyReadsItsOutput)
   scripts["face.csv"] = {seen(0.), seen(1.)};
   scripts["second.csv"] = {seen(0.)};
   options.csv = folder.path("export.csv");
-  options.recordings = {"face.csv", "second.csv"};
+  options.sessions = {{{{"face.csv", {}}}}, {{{"second.csv", {}}}}};
   ClosedPipe pipe;
   std::ostream closed(&pipe);
   closed.exceptions(std::ios::badbit);

@@ -1,0 +1,214 @@
+#include "sessionplan.hpp"
+
+#include "temporaryfolder.hpp"
+
+#include "support/tablename.hpp"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace replaytests;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Duration = ko::SystemClock::duration;
+
+const char* const tidy = "time,reading,value\n0,smile,1\n";
+
+class SessionPlanTest : public ::testing::Test
+{
+protected:
+  /// Returns the names of the sessions, the folder of the test left out.
+  std::vector<std::string> planned() const
+  {
+    std::vector<std::string> names;
+    for (const tools::SessionInputs& session : tools::planSessions(arguments).sessions)
+    {
+      std::string name = session.name();
+      for (std::size_t at = name.find(folder.path("")); at != std::string::npos; at = name.find(folder.path("")))
+        name.erase(at, folder.path("").size());
+      names.push_back(name);
+    }
+    return names;
+  }
+
+  std::string refusal() const
+  {
+    try
+    {
+      tools::planSessions(arguments);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      return error.what();
+    }
+    catch (const tools::RecordingError& error)
+    {
+      return error.what();
+    }
+    return "nothing was refused";
+  }
+
+  TemporaryFolder folder;
+  tools::SessionArguments arguments;
+};
+
+TEST_F(SessionPlanTest, TakesFilesNamedTogetherForInputsOfOneSession)
+{
+  arguments.paths = {"face.csv", "voice.csv"};
+  EXPECT_THAT(planned(), ElementsAre("face.csv + voice.csv"));
+}
+
+TEST_F(SessionPlanTest, GivesEachFileASessionOfItsOwnIfItIsToldTo)
+{
+  arguments.paths = {"face.csv", "voice.csv", "face.csv"};
+  arguments.separately = true;
+  EXPECT_THAT(planned(), ElementsAre("face.csv", "voice.csv", "face.csv"));
+}
+
+TEST_F(SessionPlanTest, MovesTheInputsThatHaveAnOffset)
+{
+  arguments.paths = {"face.csv", "voice.csv"};
+  tools::parseOffset("voice.csv=-0.25", arguments.offsets);
+  const auto inputs = tools::planSessions(arguments).sessions.front().inputs;
+  EXPECT_EQ(Duration(0), inputs[0].offset);
+  EXPECT_EQ(Duration(-250'000'000), inputs[1].offset);
+}
+
+TEST_F(SessionPlanTest, GivesEachRecordingOfAFolderASessionInTheOrderOfTheirNames)
+{
+  for (const char* name : {"b.csv", "c.csv", "a.csv"})
+    folder.write(name, tidy);
+  arguments.paths = {folder.path(".")};
+  EXPECT_THAT(planned(), ElementsAre("./a.csv", "./b.csv", "./c.csv"));
+}
+
+TEST_F(SessionPlanTest, PassesOverWhatIsNoRecordingAndSaysSo)
+{
+  folder.write("a.csv", tidy);
+  folder.write("labels.txt", "engaged\n");
+  folder.write(".hidden", "secret\n");
+  std::filesystem::create_directory(folder.path("deeper"));
+  arguments.paths = {folder.path(".")};
+  EXPECT_THAT(planned(), ElementsAre("./a.csv"));
+  EXPECT_THAT(tools::planSessions(arguments).notes,
+              ElementsAre(folder.path(".") + ": passed over 1 file of no known format: labels.txt"));
+}
+
+TEST_F(SessionPlanTest, TakesEveryFileOfAFolderWhoseFormatIsGiven)
+{
+  folder.write("a.csv", tidy);
+  folder.write("odd", "Zeit;Lesung\n");
+  arguments.paths = {folder.path(".")};
+  arguments.format = "tidy";
+  EXPECT_THAT(planned(), ElementsAre("./a.csv", "./odd"));
+  EXPECT_THAT(tools::planSessions(arguments).notes, IsEmpty());
+}
+
+TEST_F(SessionPlanTest, TakesABagForOneRecording)
+{
+  std::filesystem::create_directory(folder.path("bag"));
+  folder.write("bag/metadata.yaml", "rosbag2_bagfile_information:\n");
+  arguments.paths = {folder.path("bag")};
+  EXPECT_THAT(planned(), ElementsAre("bag"));
+  arguments.paths = {folder.path(".")};
+  arguments.format = "tidy";
+  EXPECT_THAT(planned(), ElementsAre("./bag"));
+}
+
+TEST_F(SessionPlanTest, RefusesAFolderWithoutARecording)
+{
+  folder.write("labels.txt", "engaged\n");
+  arguments.paths = {folder.path(".")};
+  EXPECT_EQ(folder.path(".") + ": there is no recording in this folder", refusal());
+}
+
+TEST_F(SessionPlanTest, RefusesFilesBesideFoldersUnlessTheyAreSeparate)
+{
+  folder.write("a.csv", tidy);
+  arguments.paths = {folder.path("."), "b.csv"};
+  EXPECT_EQ(
+      "files named together are inputs of one session, recordings in a folder are sessions of their own: give "
+      "--separately to replay all of them one by one",
+      refusal());
+  arguments.separately = true;
+  EXPECT_THAT(planned(), ElementsAre("./a.csv", "b.csv"));
+}
+
+TEST_F(SessionPlanTest, RefusesOffsetsOfWhatIsNoInput)
+{
+  arguments.paths = {"face.csv", "voice.csv"};
+  arguments.offsets["touch.csv"] = Duration(1);
+  EXPECT_EQ("--offset: there is no input 'touch.csv'", refusal());
+}
+
+TEST_F(SessionPlanTest, RefusesOffsetsWhereThereIsNothingToMoveAgainst)
+{
+  const std::string expected = "--offset: there is no other input of the same session to be moved against";
+  arguments.offsets["face.csv"] = Duration(1);
+  arguments.paths = {"face.csv"};
+  EXPECT_EQ(expected, refusal());
+  arguments.paths = {"face.csv", "voice.csv"};
+  arguments.separately = true;
+  EXPECT_EQ(expected, refusal());
+}
+
+TEST_F(SessionPlanTest, RefusesAnInputTwiceInOneSession)
+{
+  arguments.paths = {"face.csv", "face.csv"};
+  EXPECT_EQ("one input is named twice: give --separately to replay it twice", refusal());
+}
+
+struct OffsetCase
+{
+  const char* name;
+  const char* text;
+  const char* path;
+  std::int64_t nanoseconds;
+};
+
+class Offset : public ::testing::TestWithParam<OffsetCase>
+{};
+
+TEST_P(Offset, HasAFileAndSeconds)
+{
+  std::map<std::string, Duration> offsets;
+  tools::parseOffset(GetParam().text, offsets);
+  EXPECT_EQ((std::map<std::string, Duration>{{GetParam().path, Duration(GetParam().nanoseconds)}}), offsets);
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, Offset,
+                         ::testing::Values(OffsetCase{"Fraction", "voice.csv=0.25", "voice.csv", 250'000'000},
+                                           OffsetCase{"Negative", "voice.csv=-2", "voice.csv", -2'000'000'000},
+                                           OffsetCase{"Plus", "voice.csv=+2", "voice.csv", 2'000'000'000},
+                                           OffsetCase{"EqualsInPath", "a=b.csv=1", "a=b.csv", 1'000'000'000}),
+                         support::RowName());
+
+class BadOffset : public ::testing::TestWithParam<const char*>
+{};
+
+TEST_P(BadOffset, IsRefused)
+{
+  std::map<std::string, Duration> offsets;
+  EXPECT_THROW(tools::parseOffset(GetParam(), offsets), std::invalid_argument);
+  EXPECT_THAT(offsets, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, BadOffset,
+                         ::testing::Values("", "voice.csv", "=1", "voice.csv=", "voice.csv=soon", "voice.csv=1s",
+                                           "voice.csv=nan", "voice.csv=1e300"));
+
+TEST(Offsets, AreGivenOnceForEachFile)
+{
+  std::map<std::string, Duration> offsets;
+  tools::parseOffset("a=1", offsets);
+  EXPECT_THROW(tools::parseOffset("a=2", offsets), std::invalid_argument);
+}
+
+}  // namespace

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "outputstream.hpp"
+
+#include <ostream>
+#include <string>
+
+namespace tools
+{
+
+/// What is shown to people; when they have gone away, nothing is written any more.
+class Display
+{
+public:
+  Display(std::ostream& stream, bool shows) : _stream(stream), _shows(shows) {}
+
+  void show(const std::string& text)
+  {
+    if (!_shows || _closed)
+      return;
+    try
+    {
+      _stream << text << std::flush;
+    }
+    catch (const WriteError& error)
+    {
+      if (!error.pipeClosed())
+        throw;
+      _closed = true;
+    }
+  }
+
+  bool shows() const { return _shows; }
+
+  /// Tells whether people have gone away.
+  bool closed() const { return _closed; }
+
+private:
+  std::ostream& _stream;
+  bool _shows;
+  bool _closed = false;
+};
+
+}  // namespace tools

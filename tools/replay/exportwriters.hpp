@@ -1,0 +1,44 @@
+#pragma once
+
+#include "jsonlineswriter.hpp"
+#include "recording.hpp"
+#include "updateexport.hpp"
+
+#include <memory>
+#include <ostream>
+#include <vector>
+
+namespace tools
+{
+
+/// What a replay exports, on streams that must outlive it.
+class ExportWriters
+{
+public:
+  enum class Header
+  {
+    Written,
+    LeftOut
+  };
+
+  /// Exports every update as comma-separated values.
+  void addCsv(std::ostream& stream, Header header);
+  /// Exports every update as JSON Lines.
+  void addJsonl(std::ostream& stream);
+  /// Writes the recording itself, in the own format.
+  void addRecording(std::ostream& stream);
+
+  bool empty() const { return _updates.empty() && _recordings.empty(); }
+
+  void beginRecording(int number);
+  void write(const RecordingEntry& entry);
+
+  /// Returns what is to watch the sessions.
+  std::vector<SessionObserver*> observers() const;
+
+private:
+  std::vector<std::unique_ptr<UpdateExport>> _updates;
+  std::vector<std::unique_ptr<JsonLinesWriter>> _recordings;
+};
+
+}  // namespace tools

@@ -1,0 +1,165 @@
+#include "sessionplan.hpp"
+
+#include "mergedrecording.hpp"
+#include "text.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace tools
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+using Duration = ko::SystemClock::duration;
+
+constexpr double greatestOffset = 4e9;  // [s] either way: more than a century
+
+/// A folder that is one recording: a bag.
+bool isRecordingFolder(const fs::path& path)
+{
+  return fs::exists(path / "metadata.yaml");
+}
+
+bool isFolderOfRecordings(const std::string& path)
+{
+  std::error_code error;
+  return fs::is_directory(path, error) && !isRecordingFolder(path);
+}
+
+std::vector<fs::path> sortedContents(const std::string& folder)
+{
+  std::error_code error;
+  std::vector<fs::path> paths;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+  {
+    const bool isHidden = entry->path().filename().string().front() == '.';
+    if (!isHidden && (entry->is_regular_file() || (entry->is_directory() && isRecordingFolder(entry->path()))))
+      paths.push_back(entry->path());
+  }
+  if (error)
+    throw RecordingError({folder, 0, {}}, "cannot be read: " + error.message());
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+std::string noteOn(const std::string& folder, const std::vector<std::string>& passedOver)
+{
+  constexpr std::size_t mostNamed = 3;
+  std::string text = folder + ": passed over " + counted(passedOver.size(), "file") + " of no known format: ";
+  for (std::size_t i = 0; i < std::min(mostNamed, passedOver.size()); ++i)
+    text += (i > 0 ? ", " : "") + passedOver[i];
+  return text + (passedOver.size() > mostNamed ? ", ..." : "");
+}
+
+void addContents(const std::string& folder, const std::string& format, SessionPlan& plan)
+{
+  std::vector<std::string> passedOver;
+  const std::size_t before = plan.sessions.size();
+  for (const fs::path& path : sortedContents(folder))
+  {
+    if (!format.empty() || isRecording(path.string()))
+      plan.sessions.push_back({{{path.string(), Duration(0)}}});
+    else
+      passedOver.push_back(path.filename().string());
+  }
+  if (plan.sessions.size() == before)
+    throw RecordingError({folder, 0, {}}, "there is no recording in this folder");
+  if (!passedOver.empty())
+    plan.notes.push_back(noteOn(folder, passedOver));
+}
+
+void refuseContradictions(const SessionArguments& arguments, std::size_t folders)
+{
+  const std::size_t files = arguments.paths.size() - folders;
+  if (folders > 0 && files > 0 && !arguments.separately)
+    throw std::invalid_argument(
+        "files named together are inputs of one session, recordings in a folder are sessions of their own: give "
+        "--separately to replay all of them one by one");
+  if (!arguments.offsets.empty() && (arguments.separately || folders > 0 || files < 2))
+    throw std::invalid_argument("--offset: there is no other input of the same session to be moved against");
+
+  const std::set<std::string> paths(arguments.paths.begin(), arguments.paths.end());
+  for (const auto& [path, offset] : arguments.offsets)
+    if (paths.count(path) == 0)
+      throw std::invalid_argument("--offset: there is no input '" + path + "'");
+  if (paths.size() < arguments.paths.size() && folders == 0 && !arguments.separately)
+    throw std::invalid_argument("one input is named twice: give --separately to replay it twice");
+}
+
+}  // namespace
+
+std::string SessionInputs::name() const
+{
+  std::string text;
+  for (const Input& input : inputs)
+    text += (text.empty() ? "" : " + ") + input.path;
+  return text;
+}
+
+SessionPlan planSessions(const SessionArguments& arguments)
+{
+  const auto& paths = arguments.paths;
+  const auto folders = static_cast<std::size_t>(std::count_if(paths.begin(), paths.end(), isFolderOfRecordings));
+  refuseContradictions(arguments, folders);
+
+  SessionPlan plan;
+  SessionInputs together;
+  for (const std::string& path : paths)
+  {
+    const auto offset = arguments.offsets.find(path);
+    if (isFolderOfRecordings(path))
+      addContents(path, arguments.format, plan);
+    else if (arguments.separately)
+      plan.sessions.push_back({{{path, Duration(0)}}});
+    else
+      together.inputs.push_back({path, offset == arguments.offsets.end() ? Duration(0) : offset->second});
+  }
+  if (!together.inputs.empty())
+    plan.sessions.push_back(std::move(together));
+  return plan;
+}
+
+void parseOffset(const std::string& text, std::map<std::string, ko::SystemClock::duration>& offsets)
+{
+  const std::size_t equals = text.rfind('=');  // a path may contain one, a number may not
+  const std::string wanted = "'" + text + "' is not FILE=SECONDS";
+  if (equals == std::string::npos || equals == 0)
+    throw std::invalid_argument(wanted);
+
+  double seconds = 0.;
+  const char* begin = text.data() + equals + 1;
+  const char* const end = text.data() + text.size();
+  begin += begin != end && *begin == '+' ? 1 : 0;
+  const auto [rest, error] = std::from_chars(begin, end, seconds);
+  if (error != std::errc() || rest != end || !(std::abs(seconds) <= greatestOffset))
+    throw std::invalid_argument(wanted);
+  const auto nanoseconds = static_cast<Duration::rep>(std::llround(seconds * 1e9));
+  if (!offsets.emplace(text.substr(0, equals), Duration(nanoseconds)).second)
+    throw std::invalid_argument("'" + text.substr(0, equals) + "' is moved twice");
+}
+
+std::unique_ptr<RecordingReader> openSession(
+    const SessionInputs& session, const std::function<std::unique_ptr<RecordingReader>(const std::string& path)>& open)
+{
+  if (session.inputs.size() == 1)
+    return open(session.inputs.front().path);
+  std::vector<RecordingInput> inputs;
+  for (const SessionInputs::Input& input : session.inputs)
+    inputs.push_back({input.path, open(input.path), input.offset});
+  return std::make_unique<MergedRecording>(std::move(inputs));
+}
+
+}  // namespace tools
