@@ -30,6 +30,7 @@ std::string columnOf(std::string blendshape)
 std::vector<std::optional<std::size_t>> findScores(const CsvHeader& header, const std::vector<std::string>& names)
 {
   std::vector<std::optional<std::size_t>> columns;
+  columns.reserve(names.size());
   for (const std::string& name : names)
     columns.push_back(header.find(columnOf(name)));
   return columns;
@@ -130,6 +131,7 @@ Frame LiveLinkRows::_readFrame(const CsvNumbers& numbers)
 FaceReadings LiveLinkRows::_readReadings(const CsvNumbers& numbers) const
 {
   std::vector<float> scores;
+  scores.reserve(_scores.size());
   for (const auto& column : _scores)
     scores.push_back(column ? blendshapeScore(numbers.number(*column)) : std::numeric_limits<float>::quiet_NaN());
 
