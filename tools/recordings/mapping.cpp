@@ -22,6 +22,7 @@ namespace
 using Json = nlohmann::json;
 
 constexpr std::size_t largestFile = std::size_t{1} << 20U;  // [bytes]
+constexpr int deepestNesting = 16;
 
 /// A value of the file, and where it stands.
 struct Value
@@ -186,9 +187,14 @@ Json parsed(const std::string& file)
   const std::string text = InputFile::head(file, largestFile + 1);
   if (text.size() > largestFile)
     throw RecordingError({file, 0, {}}, "is larger than 1 MiB: this is no mapping");
+  const auto guard = [&file](int depth, Json::parse_event_t, const Json&) {
+    if (depth > deepestNesting)
+      throw RecordingError({file, 0, {}}, "is nested too deep: this is no mapping");
+    return true;
+  };
   try
   {
-    return Json::parse(text);
+    return Json::parse(text, guard);
   }
   catch (const Json::exception& error)
   {

@@ -1,0 +1,67 @@
+#include "personnames.hpp"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const tools::RecordingError::Place place{"file", 3, "who"};
+
+TEST(PersonNames, KeepWholeNumbers)
+{
+  tools::PersonNames names;
+  EXPECT_EQ(7, names.numberOf("7", place));
+  EXPECT_EQ(-2, names.numberOf("-2", place));
+  EXPECT_EQ(3, names.numberOf("3.0", place));
+  EXPECT_EQ(2147483647, names.numberOf("2147483647", place));
+  EXPECT_THAT(names.takeWarnings(), IsEmpty());
+}
+
+TEST(PersonNames, CountOtherNamesAsTheyAppear)
+{
+  tools::PersonNames names;
+  EXPECT_EQ(0, names.numberOf("ben", place));
+  EXPECT_EQ(1, names.numberOf("anna", place));
+  EXPECT_EQ(0, names.numberOf("ben", place));
+  EXPECT_THAT(names.takeWarnings(), ElementsAre("who 'ben' is person 0", "who 'anna' is person 1"));
+  EXPECT_THAT(names.takeWarnings(), IsEmpty());
+}
+
+TEST(PersonNames, TakeForANameWhatIsNoNumberOfAPerson)
+{
+  for (const char* const name : {"2147483648", "1.5", "nan", "1e99", "0x1", "1 2"})
+  {
+    tools::PersonNames names;
+    EXPECT_EQ(0, names.numberOf(name, place)) << name;
+    EXPECT_EQ(1u, names.takeWarnings().size()) << name;
+  }
+}
+
+TEST(PersonNames, MayNotBeMixedWithNumbers)
+{
+  tools::PersonNames names;
+  names.numberOf("4", place);
+  EXPECT_THROW(names.numberOf("anna", place), tools::BadLine);
+  EXPECT_EQ(5, names.numberOf("5", place));
+}
+
+TEST(PersonNames, AreLimited)
+{
+  tools::PersonNames names;
+  for (std::size_t i = 0; i < tools::PersonNames::mostNames; ++i)
+    names.numberOf("p" + std::to_string(i), place);
+  try
+  {
+    names.numberOf("one more", place);
+    ADD_FAILURE() << "there was no limit";
+  }
+  catch (const tools::RecordingError& error)
+  {
+    EXPECT_STREQ("file:3: who: there are more than 10000 names of persons: this column does not name persons",
+                 error.what());
+  }
+}
+
+}  // namespace
