@@ -4,6 +4,7 @@
 #include "clamp.hpp"
 #include "emotionalstatelog.hpp"
 #include "forcetext.hpp"
+#include "forcewatch.hpp"
 #include "softstep.hpp"
 
 #include <ko/log.hpp>
@@ -11,6 +12,7 @@
 #include <boost/thread/lock_guard.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <initializer_list>
 #include <limits>
@@ -32,9 +34,48 @@ constexpr float notSeenWeight = 0.26f;
 constexpr float notSeenConfidenceWeight = 0.7f;
 constexpr const char* notSeenSource = "Not visible";
 
-float moved(float from, float target, float weight)
+/// A quantity that a force pulls at; `clamp` holds it in its range.
+template <float (*clamp)(float)>
+struct Pulled
 {
-  return from + weight * (target - from);
+  Quantity quantity;
+  float& value;
+
+  void move(float target, float weight) const { value = clamp(value + weight * (target - value)); }
+};
+
+/// Moves the quantities under their mutex, and then shows the force to whoever watches.
+template <typename... Quantities>
+__attribute__((noinline)) void moveWatched(float target, float weight, std::string_view source, boost::mutex& mutex,
+                                           Quantities... pulled)
+{
+  std::array<float, sizeof...(pulled)> before{};
+  std::array<float, sizeof...(pulled)> after{};
+  {
+    const boost::lock_guard<boost::mutex> lock(mutex);
+    before = {pulled.value...};
+    (pulled.move(target, weight), ...);
+    after = {pulled.value...};
+  }
+  std::size_t i = 0;
+  for (const Quantity quantity : {pulled.quantity...})
+  {
+    ForceWatch::show(quantity, target, weight, before.at(i), after.at(i), source);
+    ++i;
+  }
+}
+
+/// Composes the text of the force, and moves the quantities under their mutex.
+template <typename... Quantities>
+void applyForce(std::string_view words, float target, float weight, std::string_view source, boost::mutex& mutex,
+                Quantities... pulled)
+{
+  DiagnosticText text;
+  describeForce(text, words, target, weight, source);
+  if (ForceWatch::isOn())
+    return moveWatched(target, weight, source, mutex, pulled...);
+  const boost::lock_guard<boost::mutex> lock(mutex);
+  (pulled.move(target, weight), ...);
 }
 
 }  // namespace
@@ -102,36 +143,28 @@ void PersonStatePrivate::_setUnsmoothedValenceConfidence(float value)
 
 void PersonStatePrivate::_applyForceValence(float target, float weight, std::string_view source)
 {
-  DiagnosticText text;
-  describeForce(text, "valence", target, weight, source);
-  const boost::lock_guard<boost::mutex> lock(valenceMutex);
-  _setValence(moved(valence.value, target, weight));
-  _setUnsmoothedValence(moved(unsmoothedValence.value, target, weight));
+  applyForce("valence", target, weight, source, valenceMutex,  //
+             Pulled<clampValence>{ValenceQuantity, valence.value},
+             Pulled<clampValence>{UnsmoothedValenceQuantity, unsmoothedValence.value});
 }
 
 void PersonStatePrivate::_applyForceValenceConfidence(float target, float weight, std::string_view source)
 {
-  DiagnosticText text;
-  describeForce(text, "valence confidence", target, weight, source);
-  const boost::lock_guard<boost::mutex> lock(valenceConfidenceMutex);
-  _setValenceConfidence(moved(valence.confidence, target, weight));
-  _setUnsmoothedValenceConfidence(moved(unsmoothedValence.confidence, target, weight));
+  applyForce("valence confidence", target, weight, source, valenceConfidenceMutex,
+             Pulled<clampConfidence>{ValenceConfidenceQuantity, valence.confidence},
+             Pulled<clampConfidence>{UnsmoothedValenceConfidenceQuantity, unsmoothedValence.confidence});
 }
 
 void PersonStatePrivate::_applyForceAttention(float target, float weight, std::string_view source)
 {
-  DiagnosticText text;
-  describeForce(text, "attention", target, weight, source);
-  const boost::lock_guard<boost::mutex> lock(attentionMutex);
-  _setAttention(moved(attention.value, target, weight));
+  applyForce("attention", target, weight, source, attentionMutex,
+             Pulled<clampAttention>{AttentionQuantity, attention.value});
 }
 
 void PersonStatePrivate::_applyForceAttentionConfidence(float target, float weight, std::string_view source)
 {
-  DiagnosticText text;
-  describeForce(text, "attention confidence", target, weight, source);
-  const boost::lock_guard<boost::mutex> lock(attentionConfidenceMutex);
-  _setAttentionConfidence(moved(attention.confidence, target, weight));
+  applyForce("attention confidence", target, weight, source, attentionConfidenceMutex,
+             Pulled<clampConfidence>{AttentionConfidenceQuantity, attention.confidence});
 }
 
 float PersonStatePrivate::_computeWeight(float x, float reference)

@@ -3,6 +3,7 @@
 #include <skeigiot/bodylanguagestate.hpp>
 #include <skeigiot/classification/logregmoodscore.hpp>
 #include <skeigiot/expressions.hpp>
+#include <skeigiot/forceobserver.hpp>
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
 #include <skeigiot/smile.hpp>
@@ -132,8 +133,8 @@ struct PersonStatePrivate
   static ko::human::AttentionState _computeAttentionZone(float yaw, float pitch, float yawThreshold,
                                                          float pitchThreshold, std::string_view method);
 
-  /// Stores the zone under the attention mutex.
-  void _setAttentionZone(ko::human::AttentionState zone);
+  /// Stores the zone under the attention mutex; `evidence` is what an observer is told of a change.
+  void _setAttentionZone(ko::human::AttentionState zone, ZoneEvidence evidence = NoAttentionEvidence);
 
   // NOLINTBEGIN(bugprone-reserved-identifier): the update keeps its name with two underscores.
   /// Fuses what the memory holds and what the observation brings; see personstateupdate.cpp for the order of sources.

@@ -476,7 +476,7 @@ private:
     _trace << "No attention observations\n";
     _state._applyForceAttention(0.f, (1.f - weight) * gain::emotion, "No observation");
     _state._applyForceAttentionConfidence(0.f, gain::confidence, "No observation");
-    _state._setAttentionZone(AttentionState::Unknown);
+    _state._setAttentionZone(AttentionState::Unknown, NoAttentionEvidence);
   }
 
   void _pullAttention()
@@ -490,7 +490,7 @@ private:
     const float byGaze = _state.attentionEstimates[GazeAttention];
     const float target = _headShare * byHead + (1.f - _headShare) * byGaze;
     _state._applyForceAttention(target, gain::emotion, "Gaze and head based attention");
-    _state._setAttentionZone(_zone(target));
+    _decideZone(target);
   }
 
   /// 1 for a robot head at rest, less the more it moved lately: its images are blurred, and its angles late.
@@ -520,20 +520,24 @@ private:
     return count > 0.f ? sum / count : 1.f;
   }
 
-  /// The zone that the person attends to.
+  /// Decides on the zone that the person attends to.
   ///
   /// Deliberate: the row comes from the gaze alone; the head's pitch only says whether there is a zone at all.
-  AttentionState _zone(float attentionTarget) const
+  void _decideZone(float attentionTarget)
   {
     if (std::fabs(_meanHeadPitch) > angle::lostPitch || std::fabs(_meanHeadYaw) > angle::lostYaw)
-      return AttentionState::Unknown;
-    if (attentionTarget >= attendingTarget)
-      return AttentionState::LookingAtRobot;
-    if (_headShare >= headDecidesZone)
-      return PersonStatePrivate::_computeAttentionZone(_meanHeadYaw, _meanGazePitch, angle::headZoneYaw,
-                                                       angle::zonePitch, "head");
-    return PersonStatePrivate::_computeAttentionZone(_meanGazeYaw, _meanGazePitch, angle::gazeZoneYaw, angle::zonePitch,
-                                                     "gaze");
+      _state._setAttentionZone(AttentionState::Unknown, HeadTurnedAwayEvidence);
+    else if (attentionTarget >= attendingTarget)
+      _state._setAttentionZone(AttentionState::LookingAtRobot, AttentionEvidence);
+    else if (_headShare >= headDecidesZone)
+      _state._setAttentionZone(_zone(_meanHeadYaw, angle::headZoneYaw, "head"), HeadEvidence);
+    else
+      _state._setAttentionZone(_zone(_meanGazeYaw, angle::gazeZoneYaw, "gaze"), GazeEvidence);
+  }
+
+  AttentionState _zone(float yaw, float yawThreshold, std::string_view method) const
+  {
+    return PersonStatePrivate::_computeAttentionZone(yaw, _meanGazePitch, yawThreshold, angle::zonePitch, method);
   }
 
   void _keepHeadHeight()

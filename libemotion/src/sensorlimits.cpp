@@ -1,5 +1,7 @@
 #include "personstateprivate.hpp"
 
+#include "forcewatch.hpp"
+
 #include <skeigiot/ramp.hpp>
 
 #include <boost/thread/lock_guard.hpp>
@@ -93,10 +95,16 @@ AttentionState PersonStatePrivate::_computeAttentionZone(float yaw, float pitch,
   return attentionZones[row * zonesPerSide + column];
 }
 
-void PersonStatePrivate::_setAttentionZone(AttentionState zone)
+void PersonStatePrivate::_setAttentionZone(AttentionState zone, ZoneEvidence evidence)
 {
-  const boost::lock_guard<boost::mutex> lock(attentionMutex);
-  attentionZone = zone;
+  AttentionState before{};
+  {
+    const boost::lock_guard<boost::mutex> lock(attentionMutex);
+    before = attentionZone;
+    attentionZone = zone;
+  }
+  if (before != zone && ForceWatch::isOn())
+    ForceWatch::show(before, zone, evidence);
 }
 
 }  // namespace KV

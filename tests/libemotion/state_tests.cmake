@@ -1,5 +1,6 @@
 # Tests of the person state, its update, persons, the social graph and the recorder.
 set(STATE_TESTS
+    forceobserver_test.cpp
     personstate_test.cpp
     personstateprivate_test.cpp
     personstateupdate_confidence_test.cpp

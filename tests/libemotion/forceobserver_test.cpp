@@ -1,0 +1,258 @@
+#include <skeigiot/forceobserver.hpp>
+
+#include "personmemoryprivate.hpp"
+#include "personstateprivate.hpp"
+
+#include "support/clocktest.hpp"
+#include "support/heldmutex.hpp"
+#include "support/thrown.hpp"
+
+#include <skeigiot/person.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <tuple>
+#include <vector>
+
+namespace
+{
+
+using ko::human::AttentionState;
+using support::milliseconds;
+using support::start;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A force as it was seen, with a source of its own.
+struct SeenForce
+{
+  explicit SeenForce(const KV::Force& seen) : force(seen), source(seen.source) {}
+
+  KV::Force force;
+  std::string source;
+};
+
+struct SeenZoneChange
+{
+  AttentionState from;
+  AttentionState to;
+  KV::ZoneEvidence evidence;
+
+  bool operator==(const SeenZoneChange& other) const
+  {
+    return std::tie(from, to, evidence) == std::tie(other.from, other.to, other.evidence);
+  }
+};
+
+class ForceObserver : public support::ClockTest
+{
+protected:
+  template <typename T>
+  KV::Timestamped<T> now(const T& value) const
+  {
+    return {ko::SystemClock::now(), value};
+  }
+
+  KV::ScopedForceObserver::OnForce remember()
+  {
+    return [this](const KV::Force& force) { forces.emplace_back(force); };
+  }
+
+  KV::ScopedForceObserver::OnZoneChange rememberZone()
+  {
+    return [this](const KV::ZoneChange& change) { zoneChanges.push_back({change.from, change.to, change.evidence}); };
+  }
+
+  std::vector<std::string> sources() const
+  {
+    std::vector<std::string> names;
+    for (const SeenForce& seen : forces)
+      names.push_back(seen.source);
+    return names;
+  }
+
+  /// Lets a head and a gaze be seen with these angles, one millisecond later.
+  void look(float headYaw, float headPitch, float gazeYaw, float gazePitch)
+  {
+    clock.advance(support::seconds(10));
+    KV::PersonObservation observation;
+    observation.headPosture = now(KV::HeadPosture(headYaw, headPitch, 0.f));
+    observation.gaze = now(KV::Gaze(gazeYaw, gazePitch));
+    person.update(observation);
+  }
+
+  KV::Person person;
+  std::vector<SeenForce> forces;
+  std::vector<SeenZoneChange> zoneChanges;
+};
+
+TEST_F(ForceObserver, SeesTheForcesOfAnUpdateInTheirOrder)
+{
+  KV::PersonObservation observation;
+  observation.touchEmotion = now<std::int32_t>(1);
+  observation.asrEmotion = now(0.5f);
+  observation.headPosture = now(KV::HeadPosture(1.f, 2.f, 0.f));
+  observation.speaking = now(true);
+  observation.distance = now(1.f);
+
+  const KV::ScopedForceObserver observer(remember());
+  person.update(observation);
+
+  EXPECT_THAT(sources(), ElementsAre("User is speaking", "User is speaking",        //
+                                     "Body Language", "Body Language",              //
+                                     "Asr emotion", "Asr emotion",                  //
+                                     "Touch emotion", "Touch emotion",              //
+                                     "Distance limitation", "Distance limitation",  //
+                                     "Height limitation", "Height limitation",      //
+                                     "Okao and robot movement limits",              //
+                                     "Gaze and head based attention"));
+}
+
+TEST_F(ForceObserver, TellsOfAForceAllThatThereIsToTell)
+{
+  person.personState._p->_setValence(0.5f);
+  person.personState._p->_setUnsmoothedValence(-0.5f);
+  clock.advance(milliseconds(5));
+
+  const KV::ScopedForceObserver observer(remember());
+  person.personState._p->_applyForceValence(1.5f, 0.6f, "Test");
+
+  ASSERT_EQ(2u, forces.size());
+  const KV::Force& smoothed = forces[0].force;
+  EXPECT_EQ(KV::ValenceQuantity, smoothed.quantity);
+  EXPECT_EQ(1.5f, smoothed.target);
+  EXPECT_EQ(0.6f, smoothed.weight);
+  EXPECT_EQ(0.5f, smoothed.before);
+  EXPECT_EQ(1.f, smoothed.after);
+  EXPECT_EQ("Test", forces[0].source);
+  EXPECT_EQ(start + milliseconds(5), smoothed.time);
+  const KV::Force& unsmoothed = forces[1].force;
+  EXPECT_EQ(KV::UnsmoothedValenceQuantity, unsmoothed.quantity);
+  EXPECT_EQ(-0.5f, unsmoothed.before);
+  EXPECT_EQ(-0.5f + 0.6f * 2.f, unsmoothed.after);
+}
+
+TEST_F(ForceObserver, SeesAllQuantitiesOfAPersonWhoIsNotSeen)
+{
+  const KV::ScopedForceObserver observer(remember());
+  person.decreaseSinceNotSeen();
+
+  std::vector<KV::Quantity> quantities;
+  for (const SeenForce& seen : forces)
+  {
+    quantities.push_back(seen.force.quantity);
+    EXPECT_EQ("Not visible", seen.source);
+  }
+  EXPECT_THAT(quantities, ElementsAre(KV::ValenceQuantity, KV::UnsmoothedValenceQuantity, KV::ValenceConfidenceQuantity,
+                                      KV::UnsmoothedValenceConfidenceQuantity, KV::AttentionQuantity,
+                                      KV::AttentionConfidenceQuantity));
+}
+
+TEST_F(ForceObserver, LeavesNothingBehindWhenItEnds)
+{
+  {
+    const KV::ScopedForceObserver observer(remember());
+  }
+  person.decreaseSinceNotSeen();
+
+  EXPECT_THAT(forces, IsEmpty());
+}
+
+TEST_F(ForceObserver, IsCoveredByAnInnerOneAndComesBack)
+{
+  int inner = 0;
+  const KV::ScopedForceObserver outerObserver(remember());
+  {
+    const KV::ScopedForceObserver innerObserver([&inner](const KV::Force&) { ++inner; });
+    person.decreaseSinceNotSeen();
+  }
+  EXPECT_EQ(6, inner);
+  EXPECT_THAT(forces, IsEmpty());
+
+  person.decreaseSinceNotSeen();
+  EXPECT_EQ(6, inner);
+  EXPECT_EQ(6u, forces.size());
+}
+
+TEST_F(ForceObserver, SeesNothingOfOtherThreads)
+{
+  const KV::ScopedForceObserver observer(remember());
+  std::thread([this] { person.decreaseSinceNotSeen(); }).join();
+
+  EXPECT_THAT(forces, IsEmpty());
+}
+
+TEST_F(ForceObserver, MayLookAtNothing)
+{
+  const KV::ScopedForceObserver observer({});
+  look(0.f, 0.f, 0.f, 0.f);
+
+  EXPECT_EQ(AttentionState::LookingAtRobot, person.personState.personAttentionState());
+}
+
+TEST_F(ForceObserver, SeesWhatDecidedOnTheZoneWheneverThatChanges)
+{
+  const KV::ScopedForceObserver observer({}, rememberZone());
+
+  look(0.f, 0.f, 0.f, 0.f);
+  look(0.f, 0.f, 0.f, 0.f);  // no change
+  look(0.f, 0.f, 30.f, 0.f);
+  look(39.f, 0.f, 0.f, 0.f);
+  look(45.f, 0.f, 0.f, 0.f);
+  look(0.f, 0.f, 0.f, 0.f);
+  clock.advance(support::seconds(5));
+  person.update({});
+
+  EXPECT_THAT(
+      zoneChanges,
+      ElementsAre(SeenZoneChange{AttentionState::Unknown, AttentionState::LookingAtRobot, KV::AttentionEvidence},
+                  SeenZoneChange{AttentionState::LookingAtRobot, AttentionState::LookingLeft, KV::GazeEvidence},
+                  SeenZoneChange{AttentionState::LookingLeft, AttentionState::LookingRight, KV::HeadEvidence},
+                  SeenZoneChange{AttentionState::LookingRight, AttentionState::Unknown, KV::HeadTurnedAwayEvidence},
+                  SeenZoneChange{AttentionState::Unknown, AttentionState::LookingAtRobot, KV::AttentionEvidence},
+                  SeenZoneChange{AttentionState::LookingAtRobot, AttentionState::Unknown, KV::NoAttentionEvidence}));
+}
+
+TEST_F(ForceObserver, MayReadTheStateFromItsCallback)
+{
+  std::vector<float> valences;
+  const KV::ScopedForceObserver observer([&](const KV::Force& force) {
+    if (force.quantity == KV::ValenceQuantity)
+      valences.push_back(person.personState.personValence().value - force.after);
+  });
+  person.decreaseSinceNotSeen();
+
+  EXPECT_THAT(valences, ElementsAre(0.f));
+}
+
+// Speech pulls while the mutexes of its memory and of the remembered emotions are held.
+TEST_F(ForceObserver, LetsAnErrorOfItsCallbackThroughAndNoMutexLocked)
+{
+  KV::PersonObservation observation;
+  observation.asrEmotion = now(1.f);
+  observation.speaking = now(true);
+
+  const std::string error = support::textThrownBy<std::runtime_error>([&] {
+    const KV::ScopedForceObserver observer([](const KV::Force& force) {
+      if (force.source == "Asr emotion")
+        throw std::runtime_error("enough");
+    });
+    person.update(observation);
+  });
+
+  EXPECT_EQ("enough", error);
+  KV::PersonStatePrivate& state = *person.personState._p;
+  for (boost::mutex* mutex : {&state.valenceMutex, &state.attentionMutex, &state.valenceConfidenceMutex,
+                              &state.attentionConfidenceMutex, &state.headHeightMutex, &state.observationsMutex})
+    EXPECT_TRUE(support::isFree(*mutex));
+  EXPECT_TRUE(support::isFree(person.personMemory._p->asrEmotionMemory.mutex()));
+  EXPECT_GT(person.personState.personValence().value, 0.f) << "the force had acted before it was shown";
+
+  person.update(observation);  // does not wait for any of them
+}
+
+}  // namespace
