@@ -9,6 +9,7 @@
 #include "openfacecolumns.hpp"
 #include "openfacerows.hpp"
 #include "pyfeatrows.hpp"
+#include "rosbagreader.hpp"
 #include "tidycsvreader.hpp"
 
 #include <algorithm>
@@ -36,6 +37,11 @@ std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const Re
 std::unique_ptr<RecordingReader> openTidyCsv(const std::string& path, const ReadingOptions&)
 {
   return std::make_unique<TidyCsvReader>(path);
+}
+
+std::unique_ptr<RecordingReader> openRosbag(const std::string& path, const ReadingOptions& options)
+{
+  return std::make_unique<RosbagReader>(path, options);
 }
 
 std::string names()
@@ -78,6 +84,8 @@ const RecordingFormat* formatDetectedIn(const std::string& head)
 const RecordingFormat& formatOf(const std::string& path)
 {
   refuseToLookIntoPipes(path);
+  if (isRosbagFolder(path))
+    return formatNamed("rosbag2", path);
   const std::string head = InputFile::head(path, headSize);
   if (head.empty())
     throw RecordingError({path, 0, {}}, "the file is empty");
@@ -98,6 +106,7 @@ const std::vector<RecordingFormat>& recordingFormats()
       {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openFaces<OpenFaceRows>},
       {"tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv, openTidyCsv},
       {"mediapipe", "JSON of MediaPipe FaceLandmarker results", looksLikeFaceLandmarker, openFaces<FaceLandmarkerRows>},
+      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag},
       {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
   };
   return formats;

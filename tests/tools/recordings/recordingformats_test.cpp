@@ -24,8 +24,9 @@ TEST_F(RecordingFormats, HaveNamesAndDescriptions)
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_FALSE(format.description.empty());
   }
-  EXPECT_EQ((std::set<std::string>{"livelink", "pyfeat", "blendshapes", "openface", "mediapipe", "tidy", "jsonl"}),
-            names);
+  EXPECT_EQ(
+      (std::set<std::string>{"livelink", "pyfeat", "blendshapes", "openface", "mediapipe", "tidy", "rosbag2", "jsonl"}),
+      names);
 }
 
 TEST_F(RecordingFormats, AreDetectedByTheContents)

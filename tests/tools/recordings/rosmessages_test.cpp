@@ -1,0 +1,179 @@
+#include "rosmessages.hpp"
+
+#include "bagwriter.hpp"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+namespace
+{
+using support::CdrWriter;
+using testing::ElementsAre;
+using tools::RosData;
+using tools::RosMessageError;
+
+RosData dataOf(const std::string& bytes)
+{
+  return {bytes.begin(), bytes.end()};
+}
+
+std::string actionUnitsMessage()
+{
+  CdrWriter writer;
+  writer.header("camera");
+  for (int i = 0; i < 2 * 99; ++i)
+    writer << static_cast<float>(i);
+  return writer.bytes();
+}
+
+std::string landmarksMessage()
+{
+  CdrWriter writer;
+  writer.header("");
+  for (int i = 0; i < 3 * 70; ++i)
+    writer << static_cast<float>(i);
+  writer << std::uint32_t{480} << std::uint32_t{640};
+  return writer.bytes();
+}
+
+TEST(RosMessages, TellFrames)
+{
+  for (const bool bigEndian : {false, true})
+  {
+    RosData data = dataOf(
+        support::tfMessage({{"map", "base", {1., 2., 3.}, {0., 0., 0.6, 0.8}}, {"base", "x", {}, {}}}, bigEndian));
+    const auto transforms = tools::readTransforms(data);
+    ASSERT_EQ(2u, transforms.size());
+    EXPECT_EQ("map", transforms[0].parent);
+    EXPECT_EQ("base", transforms[0].child);
+    EXPECT_THAT(transforms[0].translation, ElementsAre(1., 2., 3.));
+    EXPECT_THAT(transforms[0].rotation, ElementsAre(0., 0., 0.6, 0.8));
+    EXPECT_EQ("x", transforms[1].child);
+  }
+}
+
+TEST(RosMessages, TellIds)
+{
+  RosData data = dataOf(support::idsMessage({"23ed9", "", "f00000"}, "camera"));
+  const auto list = tools::readIdsList(data);
+  EXPECT_EQ("camera", list.header.frame);
+  EXPECT_THAT(list.ids, ElementsAre("23ed9", "", "f00000"));
+}
+
+TEST(RosMessages, TellExpressions)
+{
+  RosData data = dataOf(support::expressionMessage("happy", 0.5f, 0.75f));
+  const auto expression = tools::readExpression(data);
+  EXPECT_EQ("happy", expression.expression);
+  EXPECT_EQ(0.5f, expression.valence);
+  EXPECT_EQ(0.75f, expression.confidence);
+}
+
+TEST(RosMessages, TellActionUnits)
+{
+  RosData data = dataOf(actionUnitsMessage());
+  const auto units = tools::readActionUnits(data);
+  EXPECT_EQ(12.f, units.intensity[12]);
+  EXPECT_EQ(99.f + 12.f, units.confidence[12]);
+}
+
+TEST(RosMessages, TellLandmarks)
+{
+  RosData data = dataOf(landmarksMessage());
+  const auto landmarks = tools::readLandmarks(data);
+  EXPECT_EQ(3.f, landmarks.points[1].x);
+  EXPECT_EQ(4.f, landmarks.points[1].y);
+  EXPECT_EQ(5.f, landmarks.points[1].confidence);
+  EXPECT_EQ(480u, landmarks.height);
+  EXPECT_EQ(640u, landmarks.width);
+}
+
+TEST(RosMessages, TellTextsAndTruths)
+{
+  RosData text = dataOf(support::stringMessage("rorql"));
+  EXPECT_EQ("rorql", tools::readString(text));
+  RosData truth = dataOf(support::boolMessage(true));
+  EXPECT_TRUE(tools::readBool(truth));
+  RosData speech = dataOf(support::speechMessage("hel", "hello"));
+  EXPECT_EQ("hello", tools::readSpeech(speech).final);
+}
+
+struct MessageCase
+{
+  const char* name;
+  std::string bytes;
+  std::function<void(RosData&)> read;
+};
+
+class CutRosMessage : public ::testing::TestWithParam<MessageCase>
+{};
+
+TEST_P(CutRosMessage, IsRefusedWhereverItIsCut)
+{
+  RosData whole = dataOf(GetParam().bytes);
+  EXPECT_NO_THROW(GetParam().read(whole));
+  for (std::size_t size = 0; size < GetParam().bytes.size(); ++size)
+  {
+    RosData data = dataOf(GetParam().bytes.substr(0, size));
+    EXPECT_THROW(GetParam().read(data), RosMessageError) << size << " of " << GetParam().bytes.size() << " bytes";
+  }
+}
+
+TEST_P(CutRosMessage, WithTurnedBytesIsReadOrRefused)
+{
+  for (std::size_t place = 0; place < GetParam().bytes.size(); ++place)
+  {
+    std::string bytes = GetParam().bytes;
+    bytes[place] = static_cast<char>(~static_cast<unsigned char>(bytes[place]));
+    RosData data = dataOf(bytes);
+    try
+    {
+      GetParam().read(data);
+    }
+    catch (const RosMessageError& error)
+    {
+      EXPECT_STRNE("", error.what());
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfEachType, CutRosMessage,
+    ::testing::Values(MessageCase{"Frames", support::tfMessage({{"map", "base", {}, {}}}),
+                                  [](RosData& d) { tools::readTransforms(d); }},
+                      MessageCase{"Ids", support::idsMessage({"a", "b"}), [](RosData& d) { tools::readIdsList(d); }},
+                      MessageCase{"Expression", support::expressionMessage("sad", 0.f, 1.f),
+                                  [](RosData& d) { tools::readExpression(d); }},
+                      MessageCase{"ActionUnits", actionUnitsMessage(), [](RosData& d) { tools::readActionUnits(d); }},
+                      MessageCase{"Landmarks", landmarksMessage(), [](RosData& d) { tools::readLandmarks(d); }},
+                      MessageCase{"Text", support::stringMessage("abc"), [](RosData& d) { tools::readString(d); }},
+                      MessageCase{"Truth", support::boolMessage(true), [](RosData& d) { tools::readBool(d); }}),
+    [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST(RosMessages, AreRefusedWhereTheyLieAboutTheirLength)
+{
+  CdrWriter writer;
+  writer << std::uint32_t{0xffffffff} << 1. << 2.;
+  RosData data = dataOf(writer.bytes());
+  try
+  {
+    tools::readTransforms(data);
+    FAIL() << "four milliards of frames in 20 bytes";
+  }
+  catch (const RosMessageError& error)
+  {
+    EXPECT_STREQ("tells of 4294967295 elements, but has 20 bytes left", error.what());
+  }
+}
+
+TEST(RosMessages, AreRefusedInOtherFormats)
+{
+  for (const std::string& bytes : {std::string("\x28\xb5\x2f\xfd\x04\x00", 6), std::string("\x00\x0b\x00\x00\x01", 5)})
+  {
+    RosData data = dataOf(bytes);
+    EXPECT_THROW(tools::readBool(data), RosMessageError);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "facereadings.hpp"
+#include "transformtree.hpp"
+
+namespace tools
+{
+
+/// Returns how a face is placed and turned, from its frame in that of the camera.
+///
+/// The frame of a face has x out of the face, y to the person's own left and z up; that of a camera has x to the right
+/// in the image, y down in the image and z away from the camera.
+FacePose poseOf(const Transform& faceInCamera);
+
+/// Returns where a person looks, from the frame of the gaze in that of the camera: its z points along the gaze.
+KV::Gaze gazeOf(const Transform& gazeInCamera);
+
+}  // namespace tools

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Numbers the persons of a bag: first those that have a name, in the order of their first messages, then faces that
+/// belong to nobody, in the order in which they appear.
+class RosbagPersons
+{
+public:
+  /// There is no bag with more faces than that.
+  static constexpr std::size_t mostFaces = 10000;
+
+  /// Notes that a face is that of a person; what is said last counts.
+  void addFace(const std::string& person, const std::string& face);
+
+  /// As above, for a voice.
+  void addVoice(const std::string& person, const std::string& voice);
+
+  /// Returns the number of the person with this face; nothing if there are too many faces.
+  std::optional<std::int32_t> ofFace(const std::string& face);
+
+  /// Returns the number of the person with this voice; nothing if it belongs to nobody.
+  std::optional<std::int32_t> ofVoice(const std::string& voice) const;
+
+  /// Says who has which number.
+  std::string describe() const;
+
+private:
+  std::int32_t _numberOf(const std::string& person);
+
+  std::vector<std::string> _names;  // by number
+  std::map<std::string, std::int32_t> _numbers;
+  std::map<std::string, std::int32_t> _faces;
+  std::map<std::string, std::int32_t> _voices;
+  std::int32_t _next = 0;
+};
+
+}  // namespace tools

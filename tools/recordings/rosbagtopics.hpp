@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tools
+{
+
+/// What a topic tells.
+enum class RosTopicKind
+{
+  Transforms,
+  TrackedFaces,
+  Expression,
+  ActionUnits,
+  Landmarks,
+  FaceOfPerson,
+  VoiceOfPerson,
+  Speaking,
+  Speech
+};
+
+/// What a topic that is read tells, and of whom.
+struct RosTopic
+{
+  RosTopicKind kind;
+  std::string type;  ///< that its messages must have
+  std::string id;    ///< of the face, the voice or the person; empty if it is about none
+};
+
+/// Returns what the topic with this name tells; nothing if it is not read.
+std::optional<RosTopic> rosTopicOf(const std::string& name);
+
+}  // namespace tools

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// A message that does not hold what its type says.
+class RosMessageError : public std::runtime_error
+{
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// std_msgs/msg/Header, of which the stamp is not used: see RosbagReader.
+struct RosHeader
+{
+  std::string frame;
+};
+
+/// geometry_msgs/msg/TransformStamped
+struct RosTransform
+{
+  std::string parent;
+  std::string child;
+  std::array<double, 3> translation{};  ///< x, y, z [m]
+  std::array<double, 4> rotation{};     ///< quaternion x, y, z, w
+};
+
+/// hri_msgs/msg/IdsList
+struct RosIdsList
+{
+  RosHeader header;
+  std::vector<std::string> ids;
+};
+
+/// hri_msgs/msg/Expression
+struct RosExpression
+{
+  std::string expression;
+  float valence = 0.f;     ///< -1 to 1
+  float arousal = 0.f;     ///< -1 to 1
+  float confidence = 0.f;  ///< 0 to 1
+};
+
+/// hri_msgs/msg/FacialActionUnits: the index is the number of the action unit
+struct RosActionUnits
+{
+  static constexpr std::size_t count = 99;
+  std::array<float, count> intensity{};
+  std::array<float, count> confidence{};
+};
+
+/// hri_msgs/msg/NormalizedPointOfInterest2D
+struct RosPoint
+{
+  float x = 0.f;  ///< share of the width of the image
+  float y = 0.f;  ///< share of its height
+  float confidence = 0.f;
+};
+
+/// hri_msgs/msg/FacialLandmarks
+struct RosLandmarks
+{
+  std::array<RosPoint, 70> points{};
+  std::uint32_t height = 0;
+  std::uint32_t width = 0;
+};
+
+/// hri_msgs/msg/LiveSpeech
+struct RosSpeech
+{
+  std::string incremental;
+  std::string final;
+};
+
+using RosData = std::vector<char>;
+
+// Each reads a message in CDR, little or big endian. They throw RosMessageError if it ends too early, or tells of more
+// elements than it can hold.
+
+std::vector<RosTransform> readTransforms(RosData& data);  ///< tf2_msgs/msg/TFMessage
+RosIdsList readIdsList(RosData& data);
+RosExpression readExpression(RosData& data);
+RosActionUnits readActionUnits(RosData& data);
+RosLandmarks readLandmarks(RosData& data);
+RosSpeech readSpeech(RosData& data);
+std::string readString(RosData& data);  ///< std_msgs/msg/String
+bool readBool(RosData& data);           ///< std_msgs/msg/Bool
+
+}  // namespace tools

@@ -1,0 +1,107 @@
+#include "rosreadings.hpp"
+
+#include "actionunits.hpp"
+#include "landmarks.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+using Score = KV::ValueConfidence<float> KV::Expressions::*;
+
+// Of the expressions that have a name in hri_msgs, those that the library knows. Of the others the valence is taken.
+const std::array<std::pair<const char*, Score>, 7> knownExpressions{{
+    {"neutral", &KV::Expressions::calm},
+    {"angry", &KV::Expressions::anger},
+    {"sad", &KV::Expressions::sorrow},
+    {"happy", &KV::Expressions::joy},
+    {"surprised", &KV::Expressions::surprise},
+    {"amazed", &KV::Expressions::surprise},
+    {"excited", &KV::Expressions::excitement},
+}};
+
+KV::Expressions allWith(float confidence)
+{
+  KV::Expressions expressions;
+  for (const Score score :
+       {&KV::Expressions::calm, &KV::Expressions::anger, &KV::Expressions::joy, &KV::Expressions::sorrow,
+        &KV::Expressions::laughter, &KV::Expressions::excitement, &KV::Expressions::surprise})
+    expressions.*score = {0.f, confidence};
+  return expressions;
+}
+
+// A valence says nothing of what lies across it: surprise, excitement, laughter.
+KV::Expressions expressionsOfValence(float valence, float confidence)
+{
+  KV::Expressions expressions;
+  expressions.joy = {std::max(valence, 0.f), confidence};
+  expressions.sorrow = {std::max(-valence, 0.f), confidence};
+  expressions.calm = {1.f - std::abs(valence), confidence};
+  return expressions;
+}
+
+// "AU12" is 12; a mapping may name other scores, which do not exist here.
+std::size_t indexOf(const std::string& name)
+{
+  return isActionUnitName(name) ? static_cast<std::size_t>(std::stoi(name.substr(2))) : RosActionUnits::count;
+}
+
+}  // namespace
+
+std::optional<KV::Expressions> expressionsOf(const RosExpression& expression)
+{
+  const auto* const known =
+      std::find_if(knownExpressions.begin(), knownExpressions.end(),
+                   [&expression](const auto& entry) { return entry.first == expression.expression; });
+  if (known != knownExpressions.end())
+  {
+    KV::Expressions expressions = allWith(expression.confidence);
+    (expressions.*known->second).value = 1.f;
+    return expressions;
+  }
+  const float valence = std::clamp(expression.valence, -1.f, 1.f);
+  if (std::isnan(valence) || valence == 0.f)
+    return {};
+  return expressionsOfValence(valence, expression.confidence);
+}
+
+RosScores scoresOf(const RosActionUnits& units, const std::vector<std::string>& names, float fullScale)
+{
+  RosScores result;
+  int known = 0;
+  for (const std::string& name : names)
+  {
+    const std::size_t index = indexOf(name);
+    const bool isKnown = index < RosActionUnits::count && units.confidence.at(index) > 0.f;
+    result.scores.push_back(isKnown ? actionUnitScore(static_cast<double>(units.intensity.at(index)), fullScale)
+                                    : std::numeric_limits<float>::quiet_NaN());
+    if (!isKnown)
+      continue;
+    result.confidence += units.confidence.at(index);
+    ++known;
+  }
+  if (known > 0)
+    result.confidence /= static_cast<float>(known);
+  return result;
+}
+
+KV::FacialPoints facialPointsOf(const RosLandmarks& landmarks)
+{
+  KV::FacialPoints points;
+  for (std::size_t i = 0; i < facialPointLandmarks.size(); ++i)
+  {
+    const RosPoint& point = landmarks.points.at(static_cast<std::size_t>(facialPointLandmarks.at(i)));
+    points.setFacialPoint(static_cast<KV::PointDescription>(i), {{point.x * static_cast<float>(landmarks.width),
+                                                                  point.y * static_cast<float>(landmarks.height)},
+                                                                 point.confidence});
+  }
+  return points;
+}
+
+}  // namespace tools

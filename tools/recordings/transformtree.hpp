@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tools
+{
+
+using Vector3 = std::array<double, 3>;
+
+/// A turn, as the matrix of the turned axes.
+class Rotation
+{
+public:
+  Rotation() = default;  ///< no turn
+
+  /// Makes one from a quaternion x, y, z, w of any length; nothing if that is 0 or no number.
+  static std::optional<Rotation> fromQuaternion(const std::array<double, 4>& quaternion);
+
+  Rotation inverse() const;
+  Rotation operator*(const Rotation& other) const;
+  Vector3 operator*(const Vector3& vector) const;
+
+  /// Returns one of the turned axes x, y, z.
+  Vector3 axis(std::size_t index) const { return {_rows[0][index], _rows[1][index], _rows[2][index]}; }
+
+  /// Returns by how much it turns, in radians.
+  double angle() const;
+
+private:
+  std::array<Vector3, 3> _rows{{{1., 0., 0.}, {0., 1., 0.}, {0., 0., 1.}}};
+};
+
+/// Where a frame is in another one.
+struct Transform
+{
+  Rotation rotation;
+  Vector3 translation{};
+
+  Transform inverse() const;
+  Transform operator*(const Transform& other) const;
+};
+
+/// The frames of a robot and of what it sees, as they were told last.
+class TransformTree
+{
+public:
+  /// More frames than that are not kept.
+  static constexpr std::size_t mostFrames = 10000;
+
+  /// Places `child` in `parent`; returns false if there are too many frames.
+  bool set(const std::string& parent, const std::string& child, const Transform& transform);
+
+  /// Returns where `frame` is in `reference`; nothing if that is not known.
+  std::optional<Transform> find(const std::string& reference, const std::string& frame) const;
+
+  /// Returns the names of the frame's parent, of its parent, and so on.
+  std::vector<std::string> ancestors(const std::string& frame) const;
+
+private:
+  using Step = std::pair<std::string, Transform>;
+  std::vector<Step> _pathToRoot(const std::string& frame) const;
+
+  std::map<std::string, Step> _parents;
+};
+
+}  // namespace tools
