@@ -1,4 +1,5 @@
 #include "exitstatus.hpp"
+#include "inspectcommand.hpp"
 #include "interruption.hpp"
 #include "outputstream.hpp"
 #include "replaycommand.hpp"
@@ -25,6 +26,7 @@ tools::ExitStatus run(int argc, char** argv)
   app.get_formatter()->column_width(optionColumnWidth);
   app.require_subcommand(1);
   tools::addReplayCommand(app, status);
+  tools::addInspectCommand(app, status);
   tools::addStreamCommand(app, status);
   tools::addTypesCommand(app, status);
   tools::addWatchCommand(app, status);

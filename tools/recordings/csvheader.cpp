@@ -36,7 +36,19 @@ CsvHeader::CsvHeader(const std::vector<std::string_view>& fields, const Recordin
 std::optional<std::size_t> CsvHeader::find(const std::string& name) const
 {
   const auto found = _indices.find(name);
-  return found == _indices.end() ? std::nullopt : std::make_optional(found->second);
+  if (found == _indices.end())
+    return {};
+  _found.insert(found->second);
+  return found->second;
+}
+
+RecordingColumns CsvHeader::columns() const
+{
+  RecordingColumns columns;
+  for (std::size_t i = 0; i < _names.size(); ++i)
+    if (!_names[i].empty())
+      (_found.count(i) > 0 ? columns.used : columns.ignored).push_back(_names[i]);
+  return columns;
 }
 
 std::vector<std::optional<std::size_t>> CsvHeader::find(const std::vector<std::string>& names) const

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,9 @@ public:
   bool has(const std::string& name) const { return _indices.count(name) > 0; }
   std::optional<std::size_t> find(const std::string& name) const;
 
+  /// Returns which of the columns were found so far, that is, are read.
+  RecordingColumns columns() const;
+
   /// Returns the columns with these names.
   std::vector<std::optional<std::size_t>> find(const std::vector<std::string>& names) const;
 
@@ -55,6 +59,7 @@ private:
   RecordingError::Place _place;
   std::vector<std::string> _names;
   std::map<std::string, std::size_t> _indices;
+  mutable std::set<std::size_t> _found;
 };
 
 /// Returns the first line of a file that is not empty, from its first bytes.

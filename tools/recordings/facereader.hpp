@@ -32,6 +32,7 @@ public:
   boost::optional<RecordingEntry> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
+  RecordingColumns columns() const override { return _rows->columns(); }
   double progress() const override { return _rows->progress(); }
 
 private:

@@ -60,6 +60,9 @@ public:
   virtual std::string describePersons() const = 0;
 
   virtual std::vector<std::string> takeWarnings() { return {}; }
+
+  /// Returns which columns are read, if the format has any and tells.
+  virtual RecordingColumns columns() const { return {}; }
 };
 
 /// How many rows are looked at before the first is handed out: enough to tell the rate, and what time stamps are worth.

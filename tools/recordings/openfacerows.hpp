@@ -31,6 +31,7 @@ public:
   std::string describeReadings() const override;
   std::string describePersons() const override;
   std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+  RecordingColumns columns() const override { return _file.header().columns(); }
 
 private:
   FaceRow _readRow();

@@ -82,6 +82,13 @@ struct ReadingOptions
   std::string personColumn;             ///< column of a CSV file that names the person; empty is the format's own
 };
 
+/// The columns of a table, by their names, in their order.
+struct RecordingColumns
+{
+  std::vector<std::string> used;
+  std::vector<std::string> ignored;
+};
+
 /// Reads one recording, step by step and in constant memory.
 class RecordingReader
 {
@@ -99,6 +106,9 @@ public:
 
   /// Returns the warnings that came up since the last call.
   virtual std::vector<std::string> takeWarnings() { return {}; }
+
+  /// Returns which columns are read; nothing if there are none, or the format does not tell.
+  virtual RecordingColumns columns() const { return {}; }
 
   /// Returns how far the file was read, in [0, 1].
   virtual double progress() const = 0;
@@ -124,6 +134,11 @@ const std::vector<RecordingFormat>& recordingFormats();
 
 /// Tells whether a file is of one of the formats; one that cannot be read counts as one, so that it is not lost.
 bool isRecording(const std::string& path);
+
+/// Returns the name of the format of a file.
+///
+/// \throws RecordingError if the file cannot be read or no format fits.
+std::string formatNameOf(const std::string& path);
 
 /// Opens a recording of the format with this name, or, if the name is empty, of the first format that detects it.
 ///

@@ -112,6 +112,11 @@ const std::vector<RecordingFormat>& recordingFormats()
   return formats;
 }
 
+std::string formatNameOf(const std::string& path)
+{
+  return formatOf(path).name;
+}
+
 bool isRecording(const std::string& path)
 {
   try

@@ -76,11 +76,8 @@ void TidyCsvReader::_readHeader()
   if (!_rows.next())
     throw RecordingError({path, 0, {}}, "the file is empty");
   _columns = findTidyColumns(_rows.fields(), path, _rows.file().lineNumber());
-  for (const std::string& name : _columns.names)
-    if (!name.empty() && !isTidyColumn(name))
-      _ignoredColumns.push_back(name);
-  if (!_ignoredColumns.empty())
-    _warnings.push_back("columns that are not read: " + listed(_ignoredColumns));
+  if (!_columns.all.ignored.empty())
+    _warnings.push_back("columns that are not read: " + listed(_columns.all.ignored));
 }
 
 // Stands on the next row then, or at the end.

@@ -32,6 +32,7 @@ public:
   boost::optional<RecordingEntry> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
+  RecordingColumns columns() const override { return _columns.all; }
   double progress() const override { return _rows.file().progress(); }
 
 private:
@@ -62,7 +63,6 @@ private:
   std::deque<RecordingEntry> _ready;
   std::exception_ptr _firstError;  // of the first row
   bool _ended = false;
-  std::vector<std::string> _ignoredColumns;
   std::vector<std::string> _warnings;
 };
 

@@ -301,16 +301,16 @@ std::optional<std::int32_t> personOf(const Fields& fields, const TidyColumns& co
   return {};
 }
 
+bool isTidyColumn(const std::string& name)
+{
+  return std::find(columnNames.begin(), columnNames.end(), name) != columnNames.end();
+}
+
 }  // namespace
 
 const char* nameOf(TidyColumn column)
 {
   return columnNames.at(static_cast<std::size_t>(column));
-}
-
-bool isTidyColumn(const std::string& name)
-{
-  return std::find(columnNames.begin(), columnNames.end(), name) != columnNames.end();
 }
 
 bool looksLikeTidyCsv(const std::string& head)
@@ -331,6 +331,7 @@ TidyColumns findTidyColumns(const std::vector<std::string_view>& header, const s
   columns.names = index.names();
   for (std::size_t i = 0; i < tidyColumnCount; ++i)
     columns.indices.at(i) = index.find(columnNames.at(i));
+  columns.all = index.columns();
   for (const Column needed : {Column::Time, Column::Reading})
     if (!columns[needed])
       throw RecordingError(place, std::string("there is no column ") + nameOf(needed));

@@ -38,6 +38,7 @@ constexpr std::size_t tidyColumnCount = 13;
 struct TidyColumns
 {
   std::vector<std::string> names;  ///< of all columns of the file
+  RecordingColumns all;
   std::array<std::optional<std::size_t>, tidyColumnCount> indices;
 
   const std::optional<std::size_t>& operator[](TidyColumn column) const
@@ -50,9 +51,6 @@ struct TidyColumns
 bool looksLikeTidyCsv(const std::string& head);
 
 const char* nameOf(TidyColumn column);
-
-/// Tells whether a column of that name is read.
-bool isTidyColumn(const std::string& name);
 
 /// Finds the columns in the header of a file.
 ///

@@ -1,0 +1,103 @@
+#include "inspection.hpp"
+
+#include "entries.hpp"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::Inspection;
+
+TEST(Inspection, OfNothingIsEmpty)
+{
+  const Inspection inspection;
+  EXPECT_EQ(0U, inspection.steps());
+  EXPECT_EQ(tools::Duration(0), inspection.length());
+  EXPECT_DOUBLE_EQ(0., inspection.timesPerSecond());
+}
+
+TEST(Inspection, CountsTimesASecondWhateverTheNumberOfPersons)
+{
+  Inspection inspection;
+  for (int i = 0; i <= 20; ++i)
+  {
+    inspection.add(seenAt(0.1 * i, 1));
+    inspection.add(seenAt(0.1 * i, 2));
+  }
+  EXPECT_EQ(42U, inspection.steps());
+  EXPECT_EQ(inNanoseconds(2.), inspection.length());
+  EXPECT_NEAR(10., inspection.timesPerSecond(), 1e-6) << "times are whole nanoseconds";
+  EXPECT_EQ(0U, inspection.gaps().count);
+}
+
+TEST(Inspection, TellsGapsAndLeavesThemOutOfTheRate)
+{
+  Inspection inspection;
+  for (const double time : {0., 0.5, 1., 3.5, 4., 5., 5.5})
+    inspection.add(seenAt(time, 1));
+  EXPECT_EQ(2U, inspection.gaps().count) << "one of exactly a second is one";
+  EXPECT_EQ(inNanoseconds(2.5), inspection.gaps().longest);
+  EXPECT_EQ(inNanoseconds(1.), inspection.gaps().at);
+  EXPECT_DOUBLE_EQ(2., inspection.timesPerSecond());
+}
+
+TEST(Inspection, TellsWhenEachPersonWasThere)
+{
+  Inspection inspection;
+  inspection.add(seenAt(0., 1));
+  inspection.add(seenAt(0.5, 7));
+  inspection.add(notSeenAt(1., 7));
+  inspection.add(seenAt(1.5, 1));
+  ASSERT_EQ(2U, inspection.persons().size());
+  const tools::PersonSpan& span = inspection.persons().at(7);
+  EXPECT_EQ(1U, span.seen);
+  EXPECT_EQ(1U, span.notSeen);
+  EXPECT_EQ(start + inNanoseconds(0.5), span.first);
+  EXPECT_EQ(start + inNanoseconds(1.), span.last);
+}
+
+TEST(Inspection, TellsTheRangeOfEachNumber)
+{
+  Inspection inspection;
+  for (const float yaw : {-20.f, 5.f, std::numeric_limits<float>::quiet_NaN()})
+  {
+    tools::RecordingEntry entry = entryAt(0.);
+    entry.person = 1;
+    entry.observation.headPosture.emplace(entry.time, KV::HeadPosture(yaw, 1.f, 2.f));
+    inspection.add(entry);
+  }
+  const tools::NumberRange& yaw = inspection.numbers().at("headPosture.yaw");
+  EXPECT_EQ(2U, yaw.count) << "what is no number does not count";
+  EXPECT_DOUBLE_EQ(-20., yaw.least);
+  EXPECT_DOUBLE_EQ(5., yaw.greatest);
+  EXPECT_DOUBLE_EQ(-7.5, yaw.mean());
+  EXPECT_EQ(3U, inspection.numbers().at("headPosture.roll").count);
+}
+
+TEST(Inspection, LeavesOutScoresThatWereNotMeasured)
+{
+  Inspection inspection;
+  tools::RecordingEntry entry = seenAt(0., 1, 0.25f);
+  entry.observation.touchEmotion.emplace(entry.time, -1);
+  entry.ambianceActivity = 0.5f;
+  inspection.add(entry);
+  EXPECT_DOUBLE_EQ(0.25, inspection.numbers().at("expressions.joy").greatest);
+  EXPECT_EQ(0U, inspection.numbers().count("expressions.anger"));
+  EXPECT_DOUBLE_EQ(-1., inspection.numbers().at("touchEmotion").least);
+  EXPECT_DOUBLE_EQ(0.5, inspection.numbers().at("ambiance.activity").mean());
+}
+
+TEST(Inspection, CountsScopes)
+{
+  Inspection inspection;
+  tools::RecordingEntry entry = entryAt(0.);
+  entry.scopeStarts = {{"greeting", -1}, {"talk", 5}, {"talk", 5}};
+  inspection.add(entry);
+  EXPECT_EQ((std::map<std::string, std::size_t>{{"greeting", 1}, {"talk", 2}}), inspection.scopes());
+}
+
+}  // namespace
