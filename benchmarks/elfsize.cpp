@@ -2,7 +2,6 @@
 
 #include <elf.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <fstream>
@@ -30,7 +29,7 @@ T structureAt(const std::vector<char>& contents, std::uint64_t offset)
 {
   if (contents.size() < sizeof(T) || offset > contents.size() - sizeof(T))
     throw std::runtime_error("not a whole ELF file");
-  T structure;
+  T structure{};
   std::memcpy(&structure, contents.data() + offset, sizeof structure);
   return structure;
 }
@@ -51,7 +50,7 @@ ElfSize elfSizeOf(const std::string& path)
 {
   const std::vector<char> contents = contentsOf(path);
   const auto header = structureAt<Elf64_Ehdr>(contents, 0);
-  if (!std::equal(ELFMAG, ELFMAG + SELFMAG, header.e_ident) || header.e_ident[EI_CLASS] != ELFCLASS64)
+  if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != ELFCLASS64)
     throw std::runtime_error(path + " is not a 64-bit ELF file");
 
   ElfSize size;

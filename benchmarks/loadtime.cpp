@@ -42,14 +42,12 @@ LoadTime run(std::string program, std::string argument)
   return time;
 }
 
-double median(const std::vector<LoadTime>& times, double LoadTime::*part)
+double median(std::vector<LoadTime>& times, double LoadTime::*part)
 {
-  std::vector<double> values;
-  for (const LoadTime& time : times)
-    values.push_back(time.*part);
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
+  const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
+  const auto isLess = [part](const LoadTime& a, const LoadTime& b) { return a.*part < b.*part; };
+  std::nth_element(times.begin(), middle, times.end(), isLess);
+  return (*middle).*part;
 }
 
 }  // namespace
@@ -65,7 +63,8 @@ std::vector<LoadTime> loadTimes(const std::string& loadLibrary, const std::vecto
       times[argument].push_back(run(loadLibrary, arguments[argument]));
 
   std::vector<LoadTime> medians;
-  for (const std::vector<LoadTime>& ofArgument : times)
+  medians.reserve(times.size());
+  for (std::vector<LoadTime>& ofArgument : times)
     medians.push_back({median(ofArgument, &LoadTime::processor), median(ofArgument, &LoadTime::elapsed)});
   return medians;
 }
