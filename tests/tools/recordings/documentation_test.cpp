@@ -52,4 +52,16 @@ TEST_F(RecordingPage, ShowsAMappingThatCanBeRead)
   EXPECT_TRUE(mapping.pyFeat.pitchIsUp.value());
 }
 
+TEST_F(RecordingPage, ShowsATableOfReadingsThatCanBeRead)
+{
+  const auto contents = read(examplesOf(SKEIGIOT_RECORDING_PAGE, "```csv"));
+  EXPECT_EQ("", contents.fatal);
+  EXPECT_THAT(contents.badLines, IsEmpty());
+  EXPECT_THAT(contents.warnings, IsEmpty());
+  ASSERT_EQ(7u, contents.entries.size());
+  EXPECT_FLOAT_EQ(0.8f, contents.entries[0].observation.voiceEmotion.value().value.joy().value);
+  EXPECT_TRUE(contents.entries[3].observation.speaking && contents.entries[3].observation.robotHeadPosture);
+  EXPECT_FLOAT_EQ(5.f, contents.entries[5].observation.contextEmotion.value().value.lifetime);
+}
+
 }  // namespace
