@@ -23,32 +23,36 @@ function(skeigiot_configure_target target)
   endif()
 endfunction()
 
-# Makes the shared library `name` (alias `alias`) and, where tests are built, the static library `name`-static, in which
-# nothing is hidden, so that tests can reach the private records.
+# Makes the shared library `name` (alias `alias`) and, where tests are built, the static library `name`-static, through
+# which tests reach the private records. Both are made of the same objects, `name`-objects, so that each source is
+# compiled once; what only the sources need is linked to those.
 function(skeigiot_add_library name alias)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LINKS")
+  set(include_folders $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+                      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
-  add_library(${name} SHARED ${arg_SOURCES})
+  add_library(${name}-objects OBJECT ${arg_SOURCES})
+  skeigiot_configure_target(${name}-objects)
+  set_target_properties(${name}-objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_include_directories(${name}-objects PUBLIC ${include_folders})
+  target_link_libraries(${name}-objects PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
+
+  add_library(${name} SHARED $<TARGET_OBJECTS:${name}-objects>)
   add_library(${alias} ALIAS ${name})
   string(REGEX REPLACE ".*::" "" export_name ${alias})
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                            EXPORT_NAME ${export_name})
+  skeigiot_configure_target(${name})
+  target_include_directories(${name} PUBLIC ${include_folders})
   target_link_libraries(${name} PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
 
-  set(targets ${name})
   if(SKEIGIOT_BUILD_TESTS)
     list(TRANSFORM arg_LINKS APPEND -static)
-    add_library(${name}-static STATIC EXCLUDE_FROM_ALL ${arg_SOURCES})
-    target_include_directories(${name}-static PUBLIC ${CMAKE_CURRENT_SOURCE_DIR}/src)
+    add_library(${name}-static STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:${name}-objects>)
+    skeigiot_configure_target(${name}-static)
+    target_include_directories(${name}-static PUBLIC ${include_folders} ${CMAKE_CURRENT_SOURCE_DIR}/src)
     target_link_libraries(${name}-static PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
-    list(APPEND targets ${name}-static)
   endif()
-
-  foreach(target IN LISTS targets)
-    skeigiot_configure_target(${target})
-    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
-                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-  endforeach()
 
   install(TARGETS ${name} EXPORT skeigiotTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.hpp")
