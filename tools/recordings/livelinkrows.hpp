@@ -32,6 +32,7 @@ public:
   std::size_t lineNumber() const override { return _file.lineNumber(); }
   double progress() const override { return _file.progress(); }
   Fields fields() const override;
+  RecordingColumns columns() const override { return _file.header().columns(); }
   std::string describeReadings() const override;
   std::string describePersons() const override;
   std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }

@@ -36,6 +36,7 @@ public:
   std::size_t lineNumber() const override { return _file.lineNumber(); }
   double progress() const override { return _file.progress(); }
   Fields fields() const override;
+  RecordingColumns columns() const override { return _file.header().columns(); }
   AssumedRate assumedRate() const override { return _assumedRate; }
   std::string describeReadings() const override;
   std::string describePersons() const override;

@@ -1,6 +1,8 @@
 #include "support.hpp"
 
 #include <set>
+#include <string>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -66,6 +68,27 @@ TEST_F(RecordingFormats, AreNotDetectedInAPipe)
   ASSERT_EQ(0, mkfifo(folder.path("pipe").c_str(), 0600));
   EXPECT_EQ(folder.path("pipe") + ": the format of what is no regular file cannot be detected; expected its name",
             support::contentsOf(folder.path("pipe")).fatal);
+}
+
+TEST_F(RecordingFormats, OfFaceAnalysersTellWhichColumnsTheyRead)
+{
+  const struct
+  {
+    std::string text;
+    std::vector<std::string> used;
+  } tables[] = {
+      {"frame,other,AU12_r\n1,1,1\n", {"frame", "AU12_r"}},
+      {"FaceScore,other,Happy,frame\n1,1,1,1\n", {"FaceScore", "Happy", "frame"}},
+      {"mouthSmileLeft,mouthSmileRight,other,jawOpen,browInnerUp\n1,1,1,1,1\n",
+       {"mouthSmileLeft", "mouthSmileRight", "jawOpen", "browInnerUp"}},
+      {"Timecode,BlendShapeCount,other,JawOpen\n00:00:00:00.0,0\n", {"Timecode", "BlendShapeCount", "JawOpen"}},
+  };
+  for (const auto& table : tables)
+  {
+    const auto reader = tools::openRecording(folder.write("f", table.text), "", {});
+    EXPECT_EQ(table.used, reader->columns().used) << table.text;
+    EXPECT_EQ(std::vector<std::string>{"other"}, reader->columns().ignored) << table.text;
+  }
 }
 
 }  // namespace
