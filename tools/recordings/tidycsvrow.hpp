@@ -71,10 +71,11 @@ struct TidyRow
 ///   reading.
 TidyRow readTidyRow(const CsvRows& rows, const TidyColumns& columns);
 
-/// Adds what the row says to its step; returns false if the fields that the reading needs are all empty: it is unknown.
+/// Adds what the row says of the reading `name` to its step; returns false if the fields that the reading needs are all
+/// empty: it is unknown.
 ///
 /// \throws BadLine if one of these fields is missing, holds something else than wanted, or a field is filled that the
 ///   reading does not have. The step is as it was then.
-bool addTidyReading(const CsvRows& rows, const TidyColumns& columns, const std::string& reading, RecordingEntry& step);
+bool addTidyReading(const CsvRows& rows, const TidyColumns& columns, const std::string& name, RecordingEntry& step);
 
 }  // namespace tools
