@@ -1,6 +1,7 @@
 #include "rosbagcycles.hpp"
 
 #include "mapping.hpp"
+#include "quote.hpp"
 #include "rosangles.hpp"
 #include "rosreadings.hpp"
 
@@ -44,7 +45,8 @@ Transform transformOf(const RosTransform& told)
   const auto rotation = Rotation::fromQuaternion(told.rotation);
   const Vector3& translation = told.translation;
   if (!rotation || !std::isfinite(translation[0] + translation[1] + translation[2]))
-    throw RosMessageError("the frame '" + told.child + "' has no place: its numbers are none, or its rotation is 0");
+    throw RosMessageError("the frame " + quote(told.child) +
+                          " has no place: its numbers are none, or its rotation is 0");
   return {*rotation, translation};
 }
 

@@ -1,6 +1,7 @@
 #include "rosbagreader.hpp"
 
 #include "description.hpp"
+#include "quote.hpp"
 #include "recordingclock.hpp"
 
 #include <boost/chrono/duration.hpp>
@@ -47,7 +48,7 @@ std::vector<std::string> filesOf(const std::string& path)
   }
   if (files.empty())
     throw RecordingError({path, 0, {}}, "there is no .db3 file in the folder" +
-                                            (other.empty() ? "" : "; '" + other + "' must be converted first"));
+                                            (other.empty() ? "" : "; " + quote(other) + " must be converted first"));
   return files;
 }
 
@@ -55,7 +56,7 @@ void expectCdr(const RosbagDatabase& database, const BagTopic& topic)
 {
   if (topic.format != "cdr")
     throw RecordingError({database.path(), 0, topic.name},
-                         "expected messages in the format cdr, found '" + topic.format + "'");
+                         "expected messages in the format cdr, found " + quote(topic.format));
 }
 
 std::int64_t beginOf(const RosbagDatabase& database)
@@ -166,7 +167,7 @@ RosbagReader::File RosbagReader::_opened(const std::string& path)
       continue;
     if (topic.type != wanted->type)
     {
-      _warnings.push_back("the topic " + topic.name + " is left out: it has messages of the type " + topic.type +
+      _warnings.push_back("the topic " + topic.name + " is left out: it has messages of the type " + quote(topic.type) +
                           ", expected " + wanted->type);
       continue;
     }

@@ -1,6 +1,8 @@
 #include "rosbagtopics.hpp"
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstddef>
 #include <string_view>
 
@@ -29,6 +31,12 @@ constexpr std::array<Pattern, 10> patterns{{
     {"/humans/voices/", "/speech", RosTopicKind::Speech, "hri_msgs/msg/LiveSpeech"},
 }};
 
+// ROS allows no others in the parts of a name.
+bool mayBeInName(char character)
+{
+  return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
 std::optional<std::string> idIn(std::string_view name, const Pattern& pattern)
 {
   if (pattern.suffix.empty())
@@ -38,7 +46,7 @@ std::optional<std::string> idIn(std::string_view name, const Pattern& pattern)
       name.substr(name.size() - pattern.suffix.size()) != pattern.suffix)
     return {};
   const std::string_view id = name.substr(pattern.prefix.size(), name.size() - around);
-  return id.find('/') == std::string_view::npos ? std::make_optional(std::string(id)) : std::nullopt;
+  return std::all_of(id.begin(), id.end(), mayBeInName) ? std::make_optional(std::string(id)) : std::nullopt;
 }
 
 }  // namespace

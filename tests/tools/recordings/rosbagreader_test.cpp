@@ -461,6 +461,12 @@ TEST_F(RosbagReaderTest, LeavesTopicsOfOtherTypesOut)
               Contains(AllOf(HasSubstr("/humans/faces/a/expression is left out"), HasSubstr("std_msgs/msg/String"))));
 }
 
+TEST_F(RosbagReaderTest, PassesOverTopicsWithNamesThatRosDoesNotAllow)
+{
+  bag().topic("/humans/faces/a\033[2J/expression", "hri_msgs/msg/Expression");
+  EXPECT_THAT(read().fatal, HasSubstr("has no topic that is read"));
+}
+
 TEST_F(RosbagReaderTest, RefusesOtherFormatsOfMessages)
 {
   bag().topic("/tf", "tf2_msgs/msg/TFMessage", "protobuf");
