@@ -163,6 +163,9 @@ public:
     for (std::int64_t i = 0; i < secondsToSteadyState * rate; ++i)
       update();
   }
+  ObservedPerson(const ObservedPerson&) = delete;
+  ObservedPerson& operator=(const ObservedPerson&) = delete;
+  ~ObservedPerson() { _graph.remove(_id); }  // who comes next under this id begins at the epoch
 
   void update()
   {
