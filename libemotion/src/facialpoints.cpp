@@ -35,19 +35,20 @@ std::size_t slotOf(PointDescription d)
 
 void FacialPoints::setFacialPoint(PointDescription d, Point point)
 {
-  _slots[slotOf(d)] = point;
+  _slots[slotOf(d)] = {point.value.first, point.value.second, point.confidence};
 }
 
 FacialPoints::Point FacialPoints::facialPoint(PointDescription d) const
 {
-  return _slots[slotOf(d)];
+  const Slot& slot = _slots[slotOf(d)];
+  return {{slot.x, slot.y}, slot.confidence};
 }
 
 float FacialPoints::globalConfidence() const
 {
   float sum = 0.f;
-  for (const Point& point : _slots)
-    sum += point.confidence;
+  for (const Slot& slot : _slots)
+    sum += slot.confidence;
   return sum / 12.f;
 }
 

@@ -50,7 +50,14 @@ public:
   float globalConfidence() const;
 
 private:
-  std::array<Point, 12> _slots;  // in the order of layout, which is not the order of the numbers
+  struct Slot  // a Point that can be copied as memory is, which moving a memory's records is for the most part
+  {
+    float x;
+    float y;
+    float confidence;
+  };
+
+  std::array<Slot, 12> _slots{};  // in the order of layout, which is not the order of the numbers
 };
 
 }  // namespace KV
