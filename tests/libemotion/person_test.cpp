@@ -23,6 +23,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace
@@ -82,6 +83,28 @@ TEST_F(APerson, HasTheIdentifierThatIsGiven)
 }
 
 // Copies
+
+// A graph of many persons shifts them at every newcomer.
+TEST_F(APerson, HandsItsRecordsOverWithoutCountingThemWhenItIsMoved)
+{
+  EXPECT_TRUE(std::is_nothrow_move_constructible_v<Person>);
+  EXPECT_TRUE(std::is_nothrow_move_assignable_v<Person>);
+  Person source(7);
+  const auto* const state = source.personState._p.get();
+  const auto* const memory = source.personMemory._p.get();
+
+  Person target(std::move(source));
+  EXPECT_EQ(7, target.personID);
+  EXPECT_EQ(state, target.personState._p.get());
+  EXPECT_EQ(memory, target.personMemory._p.get());
+  EXPECT_EQ(1, target.personState._p.use_count());
+
+  Person other;
+  other = std::move(target);
+  EXPECT_EQ(state, other.personState._p.get());
+  EXPECT_EQ(memory, other.personMemory._p.get());
+  EXPECT_EQ(1, other.personMemory._p.use_count());
+}
 
 TEST_F(APerson, SharesBothRecordsWithItsCopies)
 {

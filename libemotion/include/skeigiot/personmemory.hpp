@@ -20,6 +20,9 @@ public:
   PersonMemory();
   PersonMemory(const PersonMemory&) = default;
   PersonMemory& operator=(const PersonMemory&) = default;
+  /// Hands the record over: the handle that was moved from has none, and may only be assigned to or destroyed.
+  PersonMemory(PersonMemory&&) = default;
+  PersonMemory& operator=(PersonMemory&&) = default;
   ~PersonMemory();
 
   /// Files each reading of the observation into its memory, under the reading's own time.

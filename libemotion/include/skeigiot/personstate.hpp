@@ -60,6 +60,9 @@ public:
 
   PersonState(const PersonState&) = default;
   PersonState& operator=(const PersonState&) = default;
+  /// Hands the record over: the handle that was moved from has none, and may only be assigned to or destroyed.
+  PersonState(PersonState&&) = default;
+  PersonState& operator=(PersonState&&) = default;
   ~PersonState();
 
   /// \name Process-wide boundaries
