@@ -3,6 +3,7 @@
 #include "interruption.hpp"
 #include "outputstream.hpp"
 #include "replaycommand.hpp"
+#include "reportcommand.hpp"
 #include "streamcommand.hpp"
 #include "typescommand.hpp"
 #include "watchcommand.hpp"
@@ -27,6 +28,7 @@ tools::ExitStatus run(int argc, char** argv)
   app.require_subcommand(1);
   tools::addReplayCommand(app, status);
   tools::addInspectCommand(app, status);
+  tools::addReportCommand(app, status);
   tools::addStreamCommand(app, status);
   tools::addTypesCommand(app, status);
   tools::addWatchCommand(app, status);

@@ -37,7 +37,7 @@ void ExportWriters::write(const RecordingEntry& entry)
 
 std::vector<SessionObserver*> ExportWriters::observers() const
 {
-  std::vector<SessionObserver*> observers;
+  std::vector<SessionObserver*> observers = _others;
   for (const auto& updates : _updates)
     observers.push_back(updates.get());
   return observers;

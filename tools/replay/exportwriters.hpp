@@ -28,6 +28,9 @@ public:
   /// Writes the recording itself, in the own format.
   void addRecording(std::ostream& stream);
 
+  /// Lets somebody else watch, who must outlive the writers.
+  void add(SessionObserver& observer) { _others.push_back(&observer); }
+
   bool empty() const { return _updates.empty() && _recordings.empty(); }
 
   void beginRecording(int number);
@@ -39,6 +42,7 @@ public:
 private:
   std::vector<std::unique_ptr<UpdateExport>> _updates;
   std::vector<std::unique_ptr<JsonLinesWriter>> _recordings;
+  std::vector<SessionObserver*> _others;
 };
 
 }  // namespace tools

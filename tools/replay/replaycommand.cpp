@@ -1,12 +1,12 @@
 #include "replaycommand.hpp"
 
 #include "argumentparsing.hpp"
-#include "boundary.hpp"
 #include "messages.hpp"
 #include "outputstream.hpp"
 #include "readingarguments.hpp"
 #include "recording.hpp"
 #include "replay.hpp"
+#include "sessionoptions.hpp"
 #include "sessionplan.hpp"
 
 #include <unistd.h>
@@ -80,34 +80,13 @@ struct Arguments
   ColorChoice color = ColorChoice::Auto;
 };
 
-/// Adds an option that may be given several times; what `parse` throws refuses it.
-CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
-                      const std::function<void(const std::string&)>& parse)
-{
-  const auto take = [=](const std::vector<std::string>& texts) {
-    try
-    {
-      std::for_each(texts.begin(), texts.end(), parse);
-    }
-    catch (const std::invalid_argument& error)
-    {
-      throw CLI::ValidationError(name, error.what());
-    }
-  };
-  return command.add_option_function<std::vector<std::string>>(name, take, help)
-      ->type_name(type)
-      ->allow_extra_args(false);
-}
-
 void addSessionOptions(CLI::App& command, Arguments& arguments)
 {
   const std::string group = "Sessions";
   command.add_option("RECORDING", arguments.sessions.paths, "Files to replay, or folders of them")
       ->required()
       ->type_name("");
-  addTexts(command, "--offset", "Add so many seconds to all times of an input. May be given several\ntimes",
-           "FILE=SECONDS", [&arguments](const std::string& text) { parseOffset(text, arguments.sessions.offsets); })
-      ->group(group);
+  addOffsetOption(command, arguments.sessions.offsets)->group(group);
   command
       .add_flag("--separately", arguments.sessions.separately,
                 "Replay each file in a session of its own, instead of all as inputs of\none")
@@ -124,12 +103,7 @@ void addSessionOptions(CLI::App& command, Arguments& arguments)
 void addShowingOptions(CLI::App& command, Arguments& arguments)
 {
   const std::string group = "What is shown";
-  addTexts(command, "--scope",
-           "Judge this span, too, in seconds since the start, both ends included;\n"
-           "either may be left out. May be given several times",
-           "NAME=FROM..TO",
-           [&arguments](const std::string& text) { arguments.replay.scopes.push_back(parseScopeSpan(text)); })
-      ->group(group);
+  addScopeOption(command, arguments.replay.scopes)->group(group);
   addNumber(
       command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
       "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
@@ -153,31 +127,6 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
   add("--csv", arguments.replay.csv, "Write every update as comma-separated values");
   add("--jsonl", arguments.replay.jsonl, "Write every update as JSON Lines");
   add("--to-jsonl", arguments.replay.toJsonl, "Write the recording itself in the own format, JSON Lines");
-}
-
-void addBoundaryOptions(CLI::App& command)
-{
-  for (const Boundary& boundary : boundaries())
-  {
-    const std::string option = "--" + boundary.option;
-    const auto set = [&boundary, option](const std::string& text) {
-      try
-      {
-        setBoundary(boundary, parseNumber<float>(option, text));
-      }
-      catch (const std::invalid_argument& error)
-      {
-        throw CLI::ValidationError(error.what());
-      }
-    };
-    std::string now = std::to_string(boundary.get());
-    now.erase(now.find_last_not_of('0') + 1);
-    command
-        .add_option_function<std::string>(option, set,
-                                          boundary.description + ",\n" + boundary.interval + " (" + now + ")")
-        ->type_name("VALUE")
-        ->group("Boundaries");
-  }
 }
 
 /// Tells whether there is none among them that has to be waited for, such as a pipe: a thread that waits cannot be

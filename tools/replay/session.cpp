@@ -28,9 +28,12 @@ Snapshot snapshotOf(const KV::PersonState& state)
 
 }  // namespace
 
-Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers)
+Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Forces forces)
   : _clock(TimePoint()), _clockOfThisThread(_clock), _scopes(spans), _observers(std::move(observers))
-{}
+{
+  if (forces == Forces::Watched)
+    _watchForces();
+}
 
 void Session::play(const RecordingEntry& entry)
 {
@@ -39,6 +42,8 @@ void Session::play(const RecordingEntry& entry)
   _now = entry.time;
   _clock.set(_now);
 
+  for (SessionObserver* observer : _observers)
+    observer->stepBegins(entry);
   _report(_scopes.advance(length()));
   for (const ScopeStart& scope : entry.scopeStarts)
     _scopes.start(scope.name, scope.samples, length());
@@ -51,6 +56,19 @@ void Session::play(const RecordingEntry& entry)
 void Session::finish()
 {
   _report(_scopes.finish(length()));
+}
+
+void Session::_watchForces()
+{
+  const auto showForce = [this](const KV::Force& force) {
+    for (SessionObserver* observer : _observers)
+      observer->forceActed(force);
+  };
+  const auto showZoneChange = [this](const KV::ZoneChange& change) {
+    for (SessionObserver* observer : _observers)
+      observer->zoneChanged(change);
+  };
+  _forceObserver.emplace(showForce, showZoneChange);
 }
 
 void Session::_updateAmbiance(const RecordingEntry& entry)

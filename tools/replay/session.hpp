@@ -5,6 +5,7 @@
 #include "sessionobserver.hpp"
 
 #include <skeigiot/ambiancestate.hpp>
+#include <skeigiot/forceobserver.hpp>
 #include <skeigiot/socialgraph.hpp>
 
 #include <ko/systemclock.hpp>
@@ -17,12 +18,20 @@
 namespace tools
 {
 
+/// Whether a session tells its observers of each force, which takes time.
+enum class Forces
+{
+  Unwatched,
+  Watched
+};
+
 /// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
 class Session
 {
 public:
   /// Makes a session in which nobody is known yet; the observers must outlive it.
-  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers);
+  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers,
+          Forces forces = Forces::Unwatched);
 
   /// Takes one step: scope starts, ambiance, person, scope stops.
   void play(const RecordingEntry& entry);
@@ -37,6 +46,7 @@ public:
   Duration length() const { return _now - _start.value_or(_now); }
 
 private:
+  void _watchForces();
   void _updateAmbiance(const RecordingEntry& entry);
   void _updatePerson(const RecordingEntry& entry);
   void _report(const KV::Person& person, const RecordingEntry& entry);
@@ -52,6 +62,7 @@ private:
   KV::AmbianceState _ambiance;
   Scopes _scopes;
   std::vector<SessionObserver*> _observers;
+  boost::optional<KV::ScopedForceObserver> _forceObserver;
 };
 
 }  // namespace tools

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "recording.hpp"
 #include "scopes.hpp"
 #include "snapshot.hpp"
 
 #include <skeigiot/ambiancestate.hpp>
+#include <skeigiot/forceobserver.hpp>
 
 namespace tools
 {
@@ -16,6 +18,15 @@ public:
   SessionObserver(const SessionObserver&) = delete;
   SessionObserver& operator=(const SessionObserver&) = delete;
   virtual ~SessionObserver() = default;
+
+  /// A force acted on the person whose update is told next; only a session that watches forces tells of them.
+  virtual void forceActed(const KV::Force&) {}
+
+  /// The attention zone of that person changed; told likewise.
+  virtual void zoneChanged(const KV::ZoneChange&) {}
+
+  /// The step is about to be played; it stays what it is until the next one.
+  virtual void stepBegins(const RecordingEntry&) {}
 
   /// A person was updated, or aged.
   virtual void personUpdated(const Snapshot&) {}

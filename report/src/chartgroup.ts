@@ -1,0 +1,207 @@
+// Charts over the same time: one cursor and one range for all.
+
+import uPlot from "uplot";
+import { clock } from "./text";
+import { cssColor } from "./theme";
+
+export type ChartOptions = Omit<uPlot.Options, "width">;
+
+/** Width of the labels left and right of each plot, alike everywhere so that times lie above each other. */
+export const axisWidth = 60;
+const rightMargin = 12;
+
+export interface ChartGroupEvents {
+  /** The cursor was moved to a time. */
+  hover(time: number): void;
+  /** A time was clicked. */
+  pick(time: number): void;
+  /** Another range is shown. */
+  range(from: number, to: number): void;
+}
+
+export class ChartGroup {
+  private readonly charts: uPlot[] = [];
+  private time = 0;
+  private isSettingRange = false;
+  from = 0;
+  to: number;
+
+  constructor(
+    private readonly length: number,
+    private width: number,
+    private readonly events: ChartGroupEvents,
+  ) {
+    this.to = length;
+  }
+
+  add(target: HTMLElement, options: ChartOptions, data: uPlot.AlignedData): uPlot {
+    const chart = new uPlot(this.complete(options), data, target);
+    this.charts.push(chart);
+    this.setRangeOf(chart);
+    let pressedAt = 0;
+    chart.over.addEventListener("mousedown", (event) => (pressedAt = event.clientX));
+    chart.over.addEventListener("click", (event) => {
+      const wasDragged = Math.abs(event.clientX - pressedAt) > 4;
+      if (!wasDragged) this.events.pick(chart.posToVal(event.clientX - chart.over.getBoundingClientRect().left, "x"));
+    });
+    return chart;
+  }
+
+  /** Shows the cursor of all charts at a time. */
+  moveTo(time: number): void {
+    this.time = time;
+    for (const chart of this.charts) this.placeCursor(chart);
+  }
+
+  /** Shows range and cursor again in a chart that was given other data. */
+  refresh(chart: uPlot): void {
+    this.setRangeOf(chart);
+    this.placeCursor(chart);
+  }
+
+  resize(width: number): void {
+    if (width === this.width) return;
+    this.width = width;
+    for (const chart of this.charts) {
+      chart.setSize({ width, height: chart.height });
+      this.placeCursor(chart);
+    }
+  }
+
+  showRange(from: number, to: number): void {
+    this.from = from;
+    this.to = to;
+    for (const chart of this.charts) this.setRangeOf(chart);
+    this.moveTo(this.time);
+    this.events.range(from, to);
+  }
+
+  destroy(): void {
+    for (const chart of this.charts.splice(0)) chart.destroy();
+  }
+
+  private complete(options: ChartOptions): uPlot.Options {
+    return {
+      legend: { show: false },
+      padding: [8, rightMargin, 0, 0],
+      ...options,
+      width: this.width,
+      scales: { x: { time: false }, ...options.scales },
+      cursor: {
+        y: false,
+        points: { size: 7 },
+        drag: { x: true, y: false, dist: 5 },
+        bind: { dblclick: () => () => (this.showRange(0, this.length), null) },
+        ...options.cursor,
+      },
+      hooks: {
+        ...options.hooks,
+        setCursor: [(chart) => this.cursorMoved(chart)],
+        setScale: [(chart, key) => this.scaleSet(chart, key)],
+      },
+    };
+  }
+
+  private cursorMoved(chart: uPlot): void {
+    const left = chart.cursor.left ?? -1;
+    if (left >= 0) this.events.hover(chart.posToVal(left, "x"));
+    else queueMicrotask(() => this.placeCursor(chart)); // the mouse has left, the moment stays
+  }
+
+  private placeCursor(chart: uPlot): void {
+    const isShown = this.time >= this.from && this.time <= this.to;
+    const left = isShown ? chart.valToPos(this.time, "x") : -10;
+    chart.setCursor({ left, top: isShown ? 0 : -10 }, false);
+  }
+
+  private setRangeOf(chart: uPlot): void {
+    this.isSettingRange = true;
+    chart.batch(() => chart.setScale("x", { min: this.from, max: this.to }));
+    this.isSettingRange = false;
+  }
+
+  private scaleSet(chart: uPlot, key: string): void {
+    if (key !== "x" || this.isSettingRange || !this.charts.includes(chart)) return;
+    const { min, max } = chart.scales.x;
+    if (min == null || max == null || (min === this.from && max === this.to)) return;
+    queueMicrotask(() => this.showRange(Math.max(0, min), Math.min(this.length, max)));
+  }
+}
+
+/** The axis of time; without labels it only has its grid. */
+export function timeAxis(isLabelled: boolean): uPlot.Axis {
+  return {
+    stroke: cssColor("muted"),
+    grid: { stroke: cssColor("grid"), width: 1 },
+    ticks: { show: false },
+    font: font(),
+    size: isLabelled ? 24 : 6,
+    gap: 4,
+    space: 70,
+    values: (_, splits) => {
+      if (!isLabelled) return splits.map(() => "");
+      const decimals = splits.length > 1 && (splits[1] - splits[0]) % 1 !== 0 ? 1 : 0;
+      return splits.map((split) => clock(split, decimals));
+    },
+  };
+}
+
+/** The axis of values, with labels for these ones. */
+export function valueAxis(labels: Map<number, string>, scale = "y"): uPlot.Axis {
+  return {
+    scale,
+    stroke: cssColor("muted"),
+    grid: { stroke: cssColor("grid"), width: 1 },
+    ticks: { show: false },
+    font: font(),
+    size: axisWidth,
+    gap: 6,
+    splits: () => [...labels.keys()],
+    values: (_, splits) => splits.map((split) => labels.get(split) ?? ""),
+  };
+}
+
+/** The axis of values whose range is that of the data. */
+export function measuringAxis(unit: string): uPlot.Axis {
+  return {
+    stroke: cssColor("muted"),
+    grid: { stroke: cssColor("grid"), width: 1 },
+    ticks: { show: false },
+    font: font(),
+    size: axisWidth,
+    gap: 6,
+    space: 26,
+    values: (_, splits) => splits.map((split) => `${String(split).replace("-", "−")}${unit}`),
+  };
+}
+
+export function font(size = 11): string {
+  return `${size}px system-ui, "DejaVu Sans", sans-serif`;
+}
+
+type Gaps = NonNullable<uPlot.Series["gaps"]>;
+
+/** Leaves a line out where two values are further apart than `longest` seconds. */
+export function gapsBeyond(longest: number): Gaps {
+  return (chart, series, from, to) => {
+    const times = chart.data[0];
+    const values = chart.data[series] as ArrayLike<number | null>;
+    const gaps: [number, number][] = [];
+    let before = -1;
+    for (let i = Math.max(0, from); i <= to; ++i) {
+      if (values[i] == null) continue;
+      if (before >= 0 && times[i] - times[before] > longest)
+        gaps.push([
+          Math.round(chart.valToPos(times[before], "x", true)),
+          Math.round(chart.valToPos(times[i], "x", true)),
+        ]);
+      before = i;
+    }
+    return gaps;
+  };
+}
+
+/** uPlot takes null for "no value". */
+export function withoutNaN(values: ArrayLike<number>): (number | null)[] {
+  return Array.from(values, (value) => (Number.isNaN(value) ? null : value));
+}

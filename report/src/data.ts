@@ -1,0 +1,215 @@
+// The data of a recording, as the command leaves it in the page.
+
+type Base64 = string;
+
+interface RawPerson {
+  id: number;
+  summary: PersonSummary;
+  moments: number;
+  time: Base64;
+  updates: Base64;
+  valence: Base64;
+  valenceConfidence: Base64;
+  attention: Base64;
+  attentionConfidence: Base64;
+  zone: Base64;
+  pleasure: Base64;
+  seen: Base64;
+  inputs: Record<string, Base64>;
+  valenceMovements: Record<string, Base64>;
+  attentionMovements: Record<string, Base64>;
+  forces: Record<"ends" | "source" | "quantity" | "target" | "weight" | "before" | "after", Base64>;
+}
+
+interface Facts {
+  inputs: string[];
+  notes: string[];
+  begins: number;
+  length: number;
+  updatesPerSecond: number;
+  gaps: { count: number; longest: number; at: number };
+  stretch: number;
+  zoneNames: string[];
+  pleasureNames: string[];
+  sources: string[];
+  boundaries: { option: string; description: string; value: number }[];
+  scopes: Scope[];
+}
+
+interface RawRecording extends Facts {
+  ambiance: Record<"time" | "agitation" | "excited", Base64>;
+  persons: RawPerson[];
+}
+
+export interface PersonSummary {
+  from: number;
+  to: number;
+  updates: number;
+  visible: number;
+  valence: number;
+  valenceConfidence: number;
+  attention: number;
+  attentionConfidence: number;
+  engaged: number;
+  strictlyEngaged: number;
+  zones: Record<string, number>;
+  pleasures: Record<string, number>;
+}
+
+export interface Scope {
+  name: string;
+  from: number;
+  to: number;
+  end: string;
+  persons: { id: number; verdict: string; updates: number }[];
+}
+
+export interface Force {
+  source: string;
+  quantity: string;
+  target: number;
+  weight: number;
+  before: number;
+  after: number;
+}
+
+/** How far one source moved a quantity, up to each moment since the one before it. */
+export interface Movement {
+  source: string;
+  distances: Float32Array;
+}
+
+export interface Person {
+  id: number;
+  summary: PersonSummary;
+  time: Float64Array;
+  updates: Uint32Array;
+  valence: Float32Array;
+  valenceConfidence: Float32Array;
+  attention: Float32Array;
+  attentionConfidence: Float32Array;
+  zone: Uint8Array;
+  pleasure: Uint8Array;
+  seen: Uint8Array;
+  inputs: Map<string, Float32Array>;
+  valenceMovements: Movement[];
+  attentionMovements: Movement[];
+  /** Returns the forces that acted at a moment, in their order. */
+  forcesAt(moment: number): Force[];
+}
+
+export interface Recording extends Facts {
+  /** Sources, those first that moved valence and attention most. */
+  ranks: string[];
+  ambiance: { time: Float64Array; agitation: Float32Array; excited: Uint8Array };
+  persons: Person[];
+}
+
+export const quantities = [
+  "valence",
+  "unsmoothed valence",
+  "valence confidence",
+  "unsmoothed valence confidence",
+  "attention",
+  "attention confidence",
+];
+
+function buffer(text: Base64): ArrayBuffer {
+  const binary = atob(text);
+  const bytes = new Uint8Array(binary.length);
+  for (let i = 0; i < binary.length; ++i) bytes[i] = binary.charCodeAt(i);
+  return bytes.buffer;
+}
+
+const floats = (text: Base64) => new Float32Array(buffer(text));
+const doubles = (text: Base64) => new Float64Array(buffer(text));
+const bytes = (text: Base64) => new Uint8Array(buffer(text));
+const counts = (text: Base64) => new Uint32Array(buffer(text));
+
+function movements(raw: Record<string, Base64>, sources: string[]): Movement[] {
+  return Object.entries(raw).map(([source, text]) => ({ source: sources[Number(source)], distances: floats(text) }));
+}
+
+/** Forces are the bulk of the data: they are unpacked when somebody asks for them. */
+function forceReader(raw: RawPerson["forces"], sources: string[]): (moment: number) => Force[] {
+  const unpack = () => ({
+    ends: counts(raw.ends),
+    source: bytes(raw.source),
+    quantity: bytes(raw.quantity),
+    target: floats(raw.target),
+    weight: floats(raw.weight),
+    before: floats(raw.before),
+    after: floats(raw.after),
+  });
+  let unpacked: ReturnType<typeof unpack> | undefined;
+  return (moment) => {
+    const all = (unpacked ??= unpack());
+    const forces: Force[] = [];
+    for (let i = moment > 0 ? all.ends[moment - 1] : 0; i < all.ends[moment]; ++i)
+      forces.push({
+        source: sources[all.source[i]],
+        quantity: quantities[all.quantity[i]],
+        target: all.target[i],
+        weight: all.weight[i],
+        before: all.before[i],
+        after: all.after[i],
+      });
+    return forces;
+  };
+}
+
+function person(raw: RawPerson, sources: string[]): Person {
+  return {
+    id: raw.id,
+    summary: raw.summary,
+    time: doubles(raw.time),
+    updates: counts(raw.updates),
+    valence: floats(raw.valence),
+    valenceConfidence: floats(raw.valenceConfidence),
+    attention: floats(raw.attention),
+    attentionConfidence: floats(raw.attentionConfidence),
+    zone: bytes(raw.zone),
+    pleasure: bytes(raw.pleasure),
+    seen: bytes(raw.seen),
+    inputs: new Map(Object.entries(raw.inputs).map(([name, text]) => [name, floats(text)])),
+    valenceMovements: movements(raw.valenceMovements, sources),
+    attentionMovements: movements(raw.attentionMovements, sources),
+    forcesAt: forceReader(raw.forces, sources),
+  };
+}
+
+function rankedSources(sources: string[], persons: Person[]): string[] {
+  const strength = new Map(sources.map((source) => [source, 0]));
+  for (const { valenceMovements, attentionMovements } of persons)
+    for (const { source, distances } of [...valenceMovements, ...attentionMovements])
+      strength.set(source, (strength.get(source) ?? 0) + distances.reduce((sum, one) => sum + Math.abs(one), 0));
+  return [...strength].sort((left, right) => right[1] - left[1]).map(([source]) => source);
+}
+
+export function readRecording(text: string): Recording {
+  const raw = JSON.parse(text) as RawRecording;
+  const { ambiance, persons: rawPersons, ...facts } = raw;
+  const persons = rawPersons.map((one) => person(one, raw.sources));
+  return {
+    ...facts,
+    ranks: rankedSources(raw.sources, persons),
+    ambiance: {
+      time: doubles(ambiance.time),
+      agitation: floats(ambiance.agitation),
+      excited: bytes(ambiance.excited),
+    },
+    persons,
+  };
+}
+
+/** Returns the index of the time that is nearest. */
+export function nearest(times: Float64Array, time: number): number {
+  let low = 0;
+  let high = times.length - 1;
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    if (times[middle] < time) low = middle + 1;
+    else high = middle;
+  }
+  return low > 0 && time - times[low - 1] <= times[low] - time ? low - 1 : low;
+}

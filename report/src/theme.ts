@@ -1,0 +1,90 @@
+// Colours come from the style sheet, so that light, dark and print have one place. They are told apart by people who do
+// not see all colours; where areas lie side by side they have patterns as well.
+
+export type Hatch = "solid" | "rising" | "falling" | "dots" | "cross" | "rows" | "columns" | "waves";
+
+const hatches: Hatch[] = ["solid", "rising", "dots", "falling", "rows", "cross", "columns", "waves"];
+
+export interface Look {
+  color: string;
+  hatch: Hatch;
+}
+
+export function cssColor(name: string): string {
+  return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
+}
+
+/** Returns the look of the source with that rank, the same wherever it is shown. */
+export function sourceLook(rank: number): Look {
+  const count = hatches.length;
+  const round = Math.floor(rank / count);
+  return { color: cssColor(`source-${rank % count}`), hatch: hatches[(rank + 3 * round) % count] };
+}
+
+function strokes(context: CanvasRenderingContext2D, hatch: Hatch, size: number): void {
+  const line = (x0: number, y0: number, x1: number, y1: number) => {
+    context.moveTo(x0, y0);
+    context.lineTo(x1, y1);
+  };
+  context.beginPath();
+  if (hatch === "rising" || hatch === "cross")
+    for (const shift of [-size, 0, size]) line(shift, size, shift + size, 0);
+  if (hatch === "falling" || hatch === "cross")
+    for (const shift of [-size, 0, size]) line(shift, 0, shift + size, size);
+  if (hatch === "rows" || hatch === "waves") line(0, size / 2, size, size / 2);
+  if (hatch === "columns") line(size / 2, 0, size / 2, size);
+  context.stroke();
+  if (hatch !== "dots" && hatch !== "waves") return;
+  context.beginPath();
+  context.arc(size / 2, size / 2, size / 5, 0, 2 * Math.PI);
+  context.fill();
+}
+
+/** Returns what an area is filled with: a colour, with a pattern of the page's background on it. */
+export function fillOf({ color, hatch }: Look): string | CanvasPattern {
+  if (hatch === "solid") return color;
+  const size = Math.round(6 * devicePixelRatio);
+  const tile = document.createElement("canvas");
+  tile.width = tile.height = size;
+  const context = tile.getContext("2d");
+  if (!context) return color;
+  context.fillStyle = color;
+  context.fillRect(0, 0, size, size);
+  context.strokeStyle = context.fillStyle = cssColor("surface");
+  context.lineWidth = 1.2 * devicePixelRatio;
+  strokes(context, hatch, size);
+  return context.createPattern(tile, "repeat") ?? color;
+}
+
+function picture(name: string, width: number, height: number, draw: (context: CanvasRenderingContext2D) => void): HTMLElement {
+  const canvas = document.createElement("canvas");
+  canvas.width = width * devicePixelRatio;
+  canvas.height = height * devicePixelRatio;
+  canvas.className = name;
+  canvas.setAttribute("aria-hidden", "true");
+  const context = canvas.getContext("2d");
+  if (context) draw(context);
+  return canvas;
+}
+
+/** Returns a small picture of the look, for legends. */
+export function swatch(look: Look): HTMLElement {
+  return picture("swatch", 14, 14, (context) => {
+    context.fillStyle = fillOf(look);
+    context.fillRect(0, 0, context.canvas.width, context.canvas.height);
+  });
+}
+
+/** Returns a small picture of a line, for legends. */
+export function lineSwatch(color: string, dash: number[] = []): HTMLElement {
+  return picture("stroke", 26, 10, (context) => {
+    context.scale(devicePixelRatio, devicePixelRatio);
+    context.strokeStyle = color;
+    context.lineWidth = 2;
+    context.setLineDash(dash);
+    context.beginPath();
+    context.moveTo(0, 5);
+    context.lineTo(26, 5);
+    context.stroke();
+  });
+}

@@ -1,0 +1,77 @@
+#include "sessionoptions.hpp"
+
+#include "argumentparsing.hpp"
+#include "boundary.hpp"
+#include "sessionplan.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
+namespace tools
+{
+
+namespace
+{
+
+/// Adds an option that may be given several times; what `parse` throws refuses it.
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                      const std::function<void(const std::string&)>& parse)
+{
+  const auto take = [=](const std::vector<std::string>& texts) {
+    try
+    {
+      std::for_each(texts.begin(), texts.end(), parse);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError(name, error.what());
+    }
+  };
+  return command.add_option_function<std::vector<std::string>>(name, take, help)
+      ->type_name(type)
+      ->allow_extra_args(false);
+}
+
+}  // namespace
+
+CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, Duration>& offsets)
+{
+  return addTexts(command, "--offset", "Add so many seconds to all times of an input. May be given several\ntimes",
+                  "FILE=SECONDS", [&offsets](const std::string& text) { parseOffset(text, offsets); });
+}
+
+CLI::Option* addScopeOption(CLI::App& command, std::vector<ScopeSpan>& scopes)
+{
+  return addTexts(command, "--scope",
+                  "Judge this span, too, in seconds since the start, both ends included;\n"
+                  "either may be left out. May be given several times",
+                  "NAME=FROM..TO", [&scopes](const std::string& text) { scopes.push_back(parseScopeSpan(text)); });
+}
+
+void addBoundaryOptions(CLI::App& command)
+{
+  for (const Boundary& boundary : boundaries())
+  {
+    const std::string option = "--" + boundary.option;
+    const auto set = [&boundary, option](const std::string& text) {
+      try
+      {
+        setBoundary(boundary, parseNumber<float>(option, text));
+      }
+      catch (const std::invalid_argument& error)
+      {
+        throw CLI::ValidationError(error.what());
+      }
+    };
+    std::string now = std::to_string(boundary.get());
+    now.erase(now.find_last_not_of('0') + 1);
+    command
+        .add_option_function<std::string>(option, set,
+                                          boundary.description + ",\n" + boundary.interval + " (" + now + ")")
+        ->type_name("VALUE")
+        ->group("Boundaries");
+  }
+}
+
+}  // namespace tools

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "scopespan.hpp"
+#include "snapshot.hpp"
+
+#include <CLI/App.hpp>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Adds "--offset", which moves inputs of a session; the target, by path, must outlive the command.
+CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, Duration>& offsets);
+
+/// Adds "--scope", which judges spans besides the whole recording; the target must outlive the command.
+CLI::Option* addScopeOption(CLI::App& command, std::vector<ScopeSpan>& scopes);
+
+/// Adds an option for each boundary of the library.
+void addBoundaryOptions(CLI::App& command);
+
+}  // namespace tools

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "exitstatus.hpp"
+
+#include <CLI/App.hpp>
+
+namespace tools
+{
+
+/// Adds the subcommand "report"; when it is parsed it runs, and leaves its status.
+void addReportCommand(CLI::App& app, ExitStatus& status);
+
+}  // namespace tools

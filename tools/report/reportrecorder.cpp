@@ -1,0 +1,153 @@
+#include "reportrecorder.hpp"
+
+#include "thinning.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+namespace tools
+{
+
+namespace
+{
+
+constexpr Duration shortestStretch = boost::chrono::milliseconds(250);
+
+bool isShownAsMovement(KV::Quantity quantity)
+{
+  return quantity == KV::ValenceQuantity || quantity == KV::AttentionQuantity;
+}
+
+std::vector<Movement> movementsOf(const std::vector<MomentForce>& forces)
+{
+  std::map<std::pair<KV::Quantity, std::uint16_t>, double> distances;
+  for (const MomentForce& force : forces)
+  {
+    if (isShownAsMovement(force.quantity))
+      distances[{force.quantity, force.source}] += static_cast<double>(force.after) - static_cast<double>(force.before);
+  }
+  std::vector<Movement> movements;
+  for (const auto& [key, distance] : distances)
+    movements.push_back({key.second, key.first, distance});
+  return movements;
+}
+
+/// Keeps of each stretch the first, the least and the greatest.
+std::vector<ReportRecorder::Ambiance> thinned(const std::vector<ReportRecorder::Ambiance>& all, Duration stretch)
+{
+  const auto isCalmer = [](const auto& left, const auto& right) { return left.agitation < right.agitation; };
+  std::vector<ReportRecorder::Ambiance> kept;
+  for (auto begin = all.begin(); begin != all.end();)
+  {
+    const auto number = begin->time / stretch;
+    const auto end = std::find_if(begin, all.end(), [&](const auto& other) { return other.time / stretch != number; });
+    const auto [least, greatest] = std::minmax_element(begin, end, isCalmer);
+    kept.push_back(*begin);
+    for (const auto& extreme : {std::min(least, greatest), std::max(least, greatest)})
+    {
+      if (kept.back().time < extreme->time)
+        kept.push_back(*extreme);
+    }
+    begin = end;
+  }
+  return kept;
+}
+
+bool comesFirst(const ScopeVerdict& left, const ScopeVerdict& right)
+{
+  return std::make_tuple(left.from, -left.to) < std::make_tuple(right.from, -right.to);
+}
+
+}  // namespace
+
+void ReportRecorder::stepBegins(const RecordingEntry& entry)
+{
+  _entry = &entry;
+  _forces.clear();
+  _inspection.add(entry);
+}
+
+void ReportRecorder::forceActed(const KV::Force& force)
+{
+  _forces.push_back(
+      {_numberOfSource(force.source), force.quantity, force.target, force.weight, force.before, force.after});
+}
+
+void ReportRecorder::personUpdated(const Snapshot& snapshot)
+{
+  _summary.personUpdated(snapshot);
+  Moment moment;
+  moment.snapshot = snapshot;
+  moment.inputs = reportInputsOf(_entry->observation);
+  moment.movements = movementsOf(_forces);
+  moment.forces = std::exchange(_forces, {});
+  ++_momentCount;
+  _forceCount += moment.forces.size();
+  _moments[snapshot.person].push_back(std::move(moment));
+  if (_isTooMuch())
+    _thin();
+}
+
+void ReportRecorder::ambianceUpdated(float agitation, KV::ExcitationState excitation)
+{
+  _summary.ambianceUpdated(agitation, excitation);
+  _ambiance.push_back({_inspection.length(), agitation, excitation == KV::AmbianceExcited});
+}
+
+void ReportRecorder::scopeJudged(const ScopeVerdict& verdict)
+{
+  _scopes.push_back(verdict);
+}
+
+void ReportRecorder::finish()
+{
+  _summary.finish();
+  std::stable_sort(_scopes.begin(), _scopes.end(), comesFirst);
+  if (_ambiance.size() > _limits.moments)
+    _ambiance = thinned(_ambiance, std::max(_stretch, _inspection.length() / static_cast<int>(_limits.moments / 3)));
+}
+
+std::uint16_t ReportRecorder::_numberOfSource(std::string_view name)
+{
+  const auto found = std::find(_sources.begin(), _sources.end(), name);
+  const auto number = static_cast<std::uint16_t>(found - _sources.begin());
+  if (found == _sources.end())
+    _sources.emplace_back(name);
+  return number;
+}
+
+bool ReportRecorder::_isTooMuch() const
+{
+  return _momentCount > _limits.moments || _forceCount > _limits.forces;
+}
+
+/// Lengthens the stretches until there is room again for some time.
+void ReportRecorder::_thin()
+{
+  const auto isFull = [this] { return _momentCount > _limits.moments * 4 / 5 || _forceCount > _limits.forces * 4 / 5; };
+  while (isFull() && _stretch < _inspection.length())
+  {
+    _stretch = _stretch == Duration(0) ? shortestStretch : 2 * _stretch;
+    for (auto& [person, moments] : _moments)
+      thin(moments, _stretch);
+    _count();
+  }
+}
+
+void ReportRecorder::_count()
+{
+  _momentCount = 0;
+  _forceCount = 0;
+  for (const auto& [person, moments] : _moments)
+  {
+    _momentCount += moments.size();
+    for (const Moment& moment : moments)
+      _forceCount += moment.forces.size();
+  }
+}
+
+}  // namespace tools
