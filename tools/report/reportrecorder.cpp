@@ -125,17 +125,24 @@ bool ReportRecorder::_isTooMuch() const
   return _momentCount > _limits.moments || _forceCount > _limits.forces;
 }
 
-/// Lengthens the stretches until there is room again for some time.
+/// Thins what came since the last time, and lengthens the stretches until there is room again for some time.
 void ReportRecorder::_thin()
 {
   const auto isFull = [this] { return _momentCount > _limits.moments * 4 / 5 || _forceCount > _limits.forces * 4 / 5; };
+  _stretch = std::max(_stretch, shortestStretch);
+  _thinAll();
   while (isFull() && _stretch < _inspection.length())
   {
-    _stretch = _stretch == Duration(0) ? shortestStretch : 2 * _stretch;
-    for (auto& [person, moments] : _moments)
-      thin(moments, _stretch);
-    _count();
+    _stretch *= 2;
+    _thinAll();
   }
+}
+
+void ReportRecorder::_thinAll()
+{
+  for (auto& [person, moments] : _moments)
+    thin(moments, _stretch);
+  _count();
 }
 
 void ReportRecorder::_count()

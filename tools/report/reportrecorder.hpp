@@ -62,6 +62,7 @@ private:
   std::uint16_t _numberOfSource(std::string_view name);
   bool _isTooMuch() const;
   void _thin();
+  void _thinAll();
   void _count();
 
   Limits _limits;

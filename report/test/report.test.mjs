@@ -1,0 +1,244 @@
+// Opens reports in a real browser.
+//
+// usage: node report.test.mjs CHROMIUM SKEIGIOT WORK RECORDING...
+//   Makes a report of each recording in the folder WORK, and leaves pictures of it there. What the page says of moments
+//   has to be what the command exports.
+
+import { chromium } from "playwright-core";
+import assert from "node:assert/strict";
+import { execFileSync } from "node:child_process";
+import { mkdirSync, writeFileSync } from "node:fs";
+import { basename, join, resolve } from "node:path";
+import { pathToFileURL } from "node:url";
+
+const [browserPath, command, workPath, ...recordings] = process.argv.slice(2);
+assert.ok(recordings.length > 0, "usage: node report.test.mjs CHROMIUM SKEIGIOT WORK RECORDING...");
+const work = resolve(workPath);
+mkdirSync(work, { recursive: true });
+
+const browser = await chromium.launch({ executablePath: browserPath, args: ["--no-sandbox"] });
+let failures = 0;
+
+async function test(name, body) {
+  try {
+    await body();
+    console.log(`ok      ${name}`);
+  } catch (error) {
+    ++failures;
+    console.log(`FAILED  ${name}\n${error.stack}`);
+  }
+}
+
+function makeReport(recording, ...options) {
+  const file = join(work, `${basename(recording).replace(/\..*/, "")}.html`);
+  execFileSync(command, ["report", recording, "-o", file, ...options]);
+  return pathToFileURL(file).href;
+}
+
+/** Returns the exported updates of the recording, by person and time. */
+function exported(recording) {
+  const text = execFileSync(command, ["replay", recording, "--quiet", "--csv", "-"], { maxBuffer: 1 << 30 }).toString();
+  const [header, ...lines] = text.trim().split("\n").map((line) => line.split(","));
+  return lines.map((line) => Object.fromEntries(header.map((name, column) => [name, line[column]])));
+}
+
+/** Opens the page; whatever it complains of is an error, and so is every request but the one for itself. */
+async function open(url, { width = 1280, colorScheme = "light" } = {}) {
+  const page = await browser.newPage({ viewport: { width, height: 900 }, colorScheme });
+  const complaints = [];
+  page.on("console", (message) => ["error", "warning"].includes(message.type()) && complaints.push(message.text()));
+  page.on("pageerror", (error) => complaints.push(error.message));
+  page.on("request", (request) => request.url() !== url && complaints.push(`asked for ${request.url()}`));
+  await page.goto(url);
+  await page.locator("#readout [data-moment]").waitFor();
+  return { page, complaints };
+}
+
+const exact = (page, key) => page.locator(`#readout [data-key="${key}"]`).getAttribute("data-value").then(Number);
+const words = (page, key) => page.locator(`#readout [data-key="${key}"]`).innerText();
+
+async function plotBox(page) {
+  return page.locator("#estimates .u-over").first().boundingBox();
+}
+
+async function hover(page, share) {
+  const box = await plotBox(page);
+  await page.mouse.move(box.x + share * box.width, box.y + box.height / 2);
+}
+
+function updateAt(updates, person, time) {
+  const found = updates.find((update) => Number(update.person) === person && Math.abs(Number(update.time) - time) < 1e-6);
+  assert.ok(found, `there is no update of person ${person} at ${time}`);
+  return found;
+}
+
+async function expectValuesOf(page, update) {
+  for (const [key, column] of [
+    ["valence", "valence"],
+    ["valenceConfidence", "valence_confidence"],
+    ["attention", "attention"],
+    ["attentionConfidence", "attention_confidence"],
+  ])
+    assert.equal(await exact(page, key), Math.fround(Number(update[column])), column);
+  assert.equal(await words(page, "pleasure"), update.pleasure);
+  const zone = await words(page, "zone");
+  if (update.seen === "0") assert.equal(zone, "not visible");
+  else if (update.zone === "LookingAtRobot") assert.equal(zone, "at the robot");
+  else if (update.zone === "Unknown") assert.equal(zone, "no zone");
+  else assert.equal("Looking" + zone.replace(/(^| )(.)/g, (all, blank, letter) => letter.toUpperCase()), update.zone);
+}
+
+async function selectedPerson(page) {
+  return Number(await page.locator('#persons [aria-selected="true"]').getAttribute("data-person"));
+}
+
+async function expectValuesAreThoseOfTheExport(url, recording) {
+  const updates = exported(recording);
+  const { page } = await open(url);
+  const tabs = await page.locator('#persons [role="tab"]').count();
+  for (let tab = 1; tab <= tabs; ++tab) {
+    await page.keyboard.press(String(tab));
+    const person = await selectedPerson(page);
+    const times = new Set();
+    for (const share of [0.05, 0.31, 0.5, 0.72, 0.97]) {
+      await hover(page, share);
+      const time = await exact(page, "time");
+      times.add(time);
+      await expectValuesOf(page, updateAt(updates, person, time));
+    }
+    assert.ok(times.size > 1, "the moment follows the mouse");
+  }
+  await page.close();
+}
+
+async function expectKeysMoveTheMoment(url) {
+  const { page } = await open(url);
+  await page.keyboard.press("Home");
+  const first = await exact(page, "time");
+  await page.keyboard.press("ArrowRight");
+  const second = await exact(page, "time");
+  assert.ok(second > first);
+  await page.keyboard.press("ArrowLeft");
+  assert.equal(await exact(page, "time"), first);
+  await page.keyboard.press("Shift+ArrowRight");
+  assert.ok((await exact(page, "time")) >= first + 0.9);
+  await page.keyboard.press("End");
+  assert.ok((await exact(page, "time")) > second);
+  await page.close();
+}
+
+/** The forces on a quantity begin where the moment before left it, lead into each other, and end at its value. */
+async function expectPinnedForcesLeadToTheValue(url) {
+  const { page } = await open(url);
+  await hover(page, 0.6);
+  await page.keyboard.press("ArrowLeft");
+  const before = await exact(page, "attention");
+  await page.keyboard.press("ArrowRight");
+  assert.equal(await page.locator("#pinned tbody tr").count(), 0);
+  await page.keyboard.press("Enter");
+  const rows = await page
+    .locator("#pinned tbody tr")
+    .evaluateAll((all) =>
+      all.map((row) => ({
+        source: row.querySelector("[data-source]").dataset.source,
+        quantity: row.querySelector("small").innerText,
+        numbers: [...row.querySelectorAll("td.number")].map((cell) => cell.innerText.replace("−", "-")),
+      })),
+    );
+  assert.ok(rows.length > 2, "forces are listed");
+  const attention = rows.filter(({ quantity }) => quantity === "attention");
+  assert.ok(attention.length > 0 && attention.every(({ source }) => source.length > 0));
+  const shown = (value) => Number(value.toFixed(3));
+  assert.equal(Number(attention[0].numbers[2]), shown(before));
+  assert.equal(Number(attention[attention.length - 1].numbers[3]), shown(await exact(page, "attention")));
+  for (let i = 1; i < attention.length; ++i) assert.equal(attention[i].numbers[2], attention[i - 1].numbers[3]);
+
+  await page.keyboard.press("Escape");
+  assert.equal(await page.locator("#pinned tbody tr").count(), 0);
+  const box = await plotBox(page);
+  await page.mouse.click(box.x + 0.4 * box.width, box.y + 20);
+  assert.ok((await page.locator("#pinned tbody tr").count()) > 2, "a click pins as well");
+  await page.close();
+}
+
+async function expectPersonsCanBeSwitchedByKeyboard(url) {
+  const { page } = await open(url);
+  const first = await selectedPerson(page);
+  await page.keyboard.press("2");
+  const second = await selectedPerson(page);
+  assert.notEqual(second, first);
+  await page.locator('#persons [aria-selected="true"]').focus();
+  await page.keyboard.press("ArrowLeft");
+  assert.equal(await selectedPerson(page), first);
+  await page.keyboard.press("ArrowRight");
+  assert.equal(await selectedPerson(page), second);
+  assert.match(await page.locator("#readout").innerText(), new RegExp(`person ${second}`));
+  await page.close();
+}
+
+async function takePictures(url, name) {
+  for (const colorScheme of ["light", "dark"])
+    for (const width of [1280, 390]) {
+      const { page, complaints } = await open(url, { width, colorScheme });
+      await hover(page, 0.55);
+      await page.keyboard.press("Enter");
+      const wide = await page.evaluate(() => document.documentElement.scrollWidth - innerWidth);
+      await page.screenshot({ path: join(work, `${name}-${colorScheme}-${width}.png`) });
+      await page.screenshot({ path: join(work, `${name}-${colorScheme}-${width}-whole.png`), fullPage: true });
+      assert.deepEqual(complaints, []);
+      assert.ok(wide <= 0, `${width} px wide: the page is ${wide} px wider`);
+      await page.close();
+    }
+}
+
+for (const recording of recordings) {
+  const name = basename(recording).replace(/\..*/, "");
+  const url = makeReport(recording);
+  await test(`${name}: opens without a complaint, light and dark, wide and narrow`, () => takePictures(url, name));
+  await test(`${name}: the values of a moment are those of the export`, () =>
+    expectValuesAreThoseOfTheExport(url, recording));
+  await test(`${name}: keys move the moment`, () => expectKeysMoveTheMoment(url));
+  await test(`${name}: pinned forces lead from the value before to that of the moment`, () =>
+    expectPinnedForcesLeadToTheValue(url));
+}
+
+await test("persons can be switched by keyboard", () => {
+  const severalPersons = recordings[0];
+  return expectPersonsCanBeSwitchedByKeyboard(makeReport(severalPersons));
+});
+
+await test("a scope that is named like a script is a name", async () => {
+  const recording = join(work, "named.jsonl");
+  const scope = "</script><script>document.title='run'</script><img src=x onerror=\"document.title='run'\">";
+  writeFileSync(
+    recording,
+    [
+      { time: 1577836800000000000n, start: [{ scope }] },
+      { time: 1577836800100000000n, person: 1, observation: { smile: { value: 0.5, confidence: 0.9 } } },
+      { time: 1577836801000000000n, person: 1, seen: false },
+    ]
+      .map(({ time, ...rest }) => `{"time":${time},${JSON.stringify(rest).slice(1)}`)
+      .join("\n") + "\n",
+  );
+  const { page, complaints } = await open(makeReport(recording, "--scope", `${scope}=0..1`));
+  assert.deepEqual(complaints, []);
+  assert.notEqual(await page.title(), "run");
+  assert.ok((await page.locator("#recording").innerText()).includes(scope), "the name is shown as it is");
+  await page.close();
+});
+
+await test("a recording in which nobody was seen opens, too", async () => {
+  const recording = join(work, "nobody.jsonl");
+  writeFileSync(recording, '{"time":1577836800000000000,"ambiance":{"activity":0.2}}\n');
+  execFileSync(command, ["report", recording, "-o", join(work, "nobody.html")]);
+  const page = await browser.newPage();
+  const errors = [];
+  page.on("pageerror", (error) => errors.push(error.message));
+  await page.goto(pathToFileURL(join(work, "nobody.html")).href);
+  assert.match(await page.locator("#estimates").innerText(), /Nobody was seen/);
+  assert.deepEqual(errors, []);
+  await page.close();
+});
+
+await browser.close();
+process.exit(failures > 0 ? 1 : 0);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "moment.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <limits>
+
+namespace reporttests
+{
+
+/// A moment in which the valence was this, and nothing was observed.
+inline tools::Moment momentAt(int milliseconds, float valence)
+{
+  tools::Moment moment;
+  moment.snapshot.sinceStart = boost::chrono::milliseconds(milliseconds);
+  moment.snapshot.valence.value = valence;
+  moment.inputs.fill(std::numeric_limits<float>::quiet_NaN());
+  return moment;
+}
+
+}  // namespace reporttests

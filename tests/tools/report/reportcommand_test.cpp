@@ -1,0 +1,90 @@
+#include "command.hpp"
+#include "temporaryfolder.hpp"
+
+#include "reportpage.hpp"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <string>
+
+namespace
+{
+
+using namespace replaytests;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+class ReportCommand : public ::testing::Test
+{
+protected:
+  void SetUp() override
+  {
+    if (tools::reportTemplate().empty())
+      GTEST_SKIP() << "built without the page of the report";
+  }
+
+  TemporaryFolder folder;
+  const std::string smiles = "time,reading,value\n0,smile,0.5\n1,smile,1\n";
+};
+
+TEST_F(ReportCommand, WritesOnePageWithEverythingInIt)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result = runCommand({"report", recording, "-o", folder.path("report.html")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.output);
+  EXPECT_EQ("", result.errors);
+  const std::string page = folder.read("report.html");
+  EXPECT_THAT(page, StartsWith("<!doctype html>"));
+  EXPECT_THAT(page, HasSubstr("\"name\":\"whole recording\""));
+  EXPECT_THAT(page, Not(HasSubstr("src=")));
+  EXPECT_THAT(page, Not(HasSubstr("href=\"http")));
+}
+
+TEST_F(ReportCommand, WritesToStandardOutputAsWell)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result = runCommand({"report", recording, "-o", "-"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, StartsWith("<!doctype html>"));
+}
+
+TEST_F(ReportCommand, TakesANameFromTheCommandLineAsAName)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result =
+      runCommand({"report", recording, "--scope", "<script>alert(1)</script>=0..1", "-o", "-"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, HasSubstr(R"(\u003cscript>alert(1)\u003c/script>)"));
+  EXPECT_THAT(result.output, Not(HasSubstr("<script>alert(1)")));
+}
+
+TEST_F(ReportCommand, ShowsWhatCameBeforeABadLineAndSaysSo)
+{
+  const std::string recording = folder.write("smiles.csv", smiles + "2,smile,wide\n");
+  const CommandResult result = runCommand({"report", recording, "-o", folder.path("report.html")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("smiles.csv:4: value: expected a number"));
+  EXPECT_THAT(folder.read("report.html"), HasSubstr("smiles.csv:4: value: expected a number"));
+}
+
+TEST_F(ReportCommand, LeavesNoPageOfAFileThatCannotBeRead)
+{
+  const std::string recording = folder.write("other.txt", "nothing that is known\n");
+  const CommandResult result = runCommand({"report", recording, "-o", folder.path("report.html")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ((std::set<std::string>{"other.txt"}), folder.names());
+}
+
+TEST_F(ReportCommand, RefusesSeveralSessions)
+{
+  folder.write("a.csv", smiles);
+  folder.write("b.csv", smiles);
+  const CommandResult result = runCommand({"report", folder.path(""), "-o", "-"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("a report is about one session"));
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+#include "reportdata.hpp"
+#include "reportpage.hpp"
+#include "session.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+using boost::chrono::milliseconds;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Json = nlohmann::ordered_json;
+
+constexpr tools::TimePoint beginning{boost::chrono::seconds(1577836800)};
+
+/// Two updates of person 7: a smile at 0 s, and not visible at 0.5 s; and a scope with this name.
+Json dataOf(const std::string& scope)
+{
+  tools::ReportRecorder recorder{tools::ReportRecorder::Limits()};
+  tools::Session session({{scope, tools::Duration(0), boost::none}}, {&recorder}, tools::Forces::Watched);
+  tools::RecordingEntry entry;
+  entry.time = beginning;
+  entry.person = 7;
+  entry.observation.smile = KV::Timestamped(entry.time, KV::Smile(0.5f, 0.9f));
+  session.play(entry);
+  entry.time += milliseconds(500);
+  entry.seen = false;
+  entry.observation = {};
+  session.play(entry);
+  session.finish();
+  recorder.finish();
+  return tools::reportData(recorder, {"face.csv"}, {"a note"});
+}
+
+TEST(ReportData, HoldsTheSeriesOfEachPerson)
+{
+  const Json data = dataOf("greeting");
+  ASSERT_EQ(1U, data["persons"].size());
+  const Json& person = data["persons"][0];
+  EXPECT_EQ(7, person["id"]);
+  EXPECT_EQ(2, person["moments"]);
+  EXPECT_EQ("AAAAAAAAAAAAAAAAAADgPw==", person["time"]);  // 0 and 0.5 as doubles
+  EXPECT_EQ("AQA=", person["seen"]);                      // 1 and 0 as bytes
+  EXPECT_EQ("AAAAPwAAwH8=", person["inputs"]["smile"]);   // 0.5 and NaN as floats
+  EXPECT_FALSE(person["inputs"].contains("joy"));
+}
+
+TEST(ReportData, HoldsTheRecordingAsAWhole)
+{
+  const Json data = dataOf("greeting");
+  EXPECT_EQ("face.csv", data["inputs"][0]);
+  EXPECT_EQ("a note", data["notes"][0]);
+  EXPECT_DOUBLE_EQ(1577836800., data["begins"]);
+  EXPECT_DOUBLE_EQ(0.5, data["length"]);
+  EXPECT_EQ(6U, data["boundaries"].size());
+  EXPECT_EQ("greeting", data["scopes"][0]["name"]);
+  EXPECT_EQ(2, data["scopes"][0]["persons"][0]["updates"]);
+  EXPECT_THAT(data["sources"].dump(), HasSubstr("Not visible"));
+}
+
+TEST(ReportData, LeavesNothingThatCouldEndItsElement)
+{
+  const std::string name = "</script><script>alert(1)</script><!--";
+  const Json data = dataOf(name);
+  const std::string text = tools::textForScript(data);
+  EXPECT_THAT(text, Not(HasSubstr("<")));
+  EXPECT_EQ(name, Json::parse(text)["scopes"][0]["name"]);
+}
+
+TEST(ReportData, TakesNamesThatAreNoUtf8)
+{
+  const std::string text = tools::textForScript(dataOf("a\xff"));
+  EXPECT_EQ("a\xef\xbf\xbd", Json::parse(text)["scopes"][0]["name"]);
+}
+
+TEST(ReportPage, PutsTheDataInItsPlace)
+{
+  std::ostringstream page;
+  tools::writeReport(page, "<a>/*data*/</a>", "{\"x\":\"/*data*/\"}");
+  EXPECT_EQ("<a>{\"x\":\"/*data*/\"}</a>", page.str());
+}
+
+TEST(ReportPage, RefusesATemplateWithoutAPlace)
+{
+  std::ostringstream page;
+  EXPECT_THROW(tools::writeReport(page, "<a></a>", "{}"), std::logic_error);
+}
+
+}  // namespace

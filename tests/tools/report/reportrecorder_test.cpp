@@ -1,0 +1,136 @@
+#include "reportrecorder.hpp"
+#include "session.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace
+{
+
+using boost::chrono::milliseconds;
+using tools::Moment;
+using tools::RecordingEntry;
+using tools::ReportRecorder;
+
+constexpr tools::TimePoint beginning{boost::chrono::seconds(1577836800)};
+
+/// Somebody who smiles more and less, and looks aside more and less.
+RecordingEntry stepAt(int number)
+{
+  RecordingEntry entry;
+  entry.time = beginning + milliseconds(100 * number);
+  entry.person = 1;
+  const auto phase = static_cast<float>(number);
+  entry.observation.smile = KV::Timestamped(entry.time, KV::Smile(0.5f + 0.5f * std::sin(phase), 0.9f));
+  KV::Expressions expressions;
+  expressions.joy = {0.5f + 0.5f * std::sin(phase), 0.9f};
+  expressions.sorrow = {0.5f - 0.5f * std::sin(phase), 0.9f};
+  entry.observation.expressions = KV::Timestamped(entry.time, expressions);
+  entry.observation.headPosture = KV::Timestamped(entry.time, KV::HeadPosture(20.f * std::cos(phase / 7.f), 2.f, 0.f));
+  return entry;
+}
+
+void play(ReportRecorder& recorder, int steps)
+{
+  tools::Session session({}, {&recorder}, tools::Forces::Watched);
+  for (int i = 0; i < steps; ++i)
+    session.play(stepAt(i));
+  session.finish();
+  recorder.finish();
+}
+
+TEST(ReportRecorder, KeepsTheForcesOfEachUpdate)
+{
+  ReportRecorder recorder{ReportRecorder::Limits()};
+  play(recorder, 30);
+  const auto& moments = recorder.moments().at(1);
+  ASSERT_EQ(30U, moments.size());
+  EXPECT_EQ(tools::Duration(0), recorder.stretch());
+
+  float valence = 0.f;
+  std::size_t forces = 0;
+  for (const Moment& moment : moments)
+  {
+    for (const tools::MomentForce& force : moment.forces)
+    {
+      if (force.quantity != KV::ValenceQuantity)
+        continue;
+      EXPECT_EQ(valence, force.before);
+      valence = force.after;
+      ++forces;
+    }
+    EXPECT_EQ(valence, moment.snapshot.valence.value);
+  }
+  EXPECT_LT(30U, forces);
+}
+
+TEST(ReportRecorder, SumsUpHowFarEachSourceMovedTheValence)
+{
+  ReportRecorder recorder{ReportRecorder::Limits()};
+  play(recorder, 30);
+  double sum = 0.;
+  for (const Moment& moment : recorder.moments().at(1))
+    for (const tools::Movement& movement : moment.movements)
+      sum += movement.quantity == KV::ValenceQuantity ? movement.distance : 0.;
+  const double last = static_cast<double>(recorder.moments().at(1).back().snapshot.valence.value);
+  EXPECT_NEAR(last, sum, 1e-9);  // sums of doubles; it began at 0
+}
+
+TEST(ReportRecorder, ThinsALongRecordingAndKeepsItsExtremes)
+{
+  constexpr int steps = 3000;
+  ReportRecorder whole{ReportRecorder::Limits()};
+  play(whole, steps);
+  ReportRecorder thinned{ReportRecorder::Limits{600, 1'000'000}};
+  play(thinned, steps);
+
+  const auto& all = whole.moments().at(1);
+  const auto& kept = thinned.moments().at(1);
+  ASSERT_EQ(static_cast<std::size_t>(steps), all.size());
+  EXPECT_LE(kept.size(), 600U);
+  EXPECT_GT(thinned.stretch(), tools::Duration(0));
+  const auto byValence = [](const Moment& left, const Moment& right) {
+    return left.snapshot.valence.value < right.snapshot.valence.value;
+  };
+  const auto [least, greatest] = std::minmax_element(all.begin(), all.end(), byValence);
+  const auto [leastKept, greatestKept] = std::minmax_element(kept.begin(), kept.end(), byValence);
+  EXPECT_EQ(least->snapshot.valence.value, leastKept->snapshot.valence.value);
+  EXPECT_EQ(greatest->snapshot.valence.value, greatestKept->snapshot.valence.value);
+  EXPECT_EQ(all.back().snapshot.sinceStart, kept.back().snapshot.sinceStart);
+}
+
+TEST(ReportRecorder, ThinsARecordingWithManyForces)
+{
+  ReportRecorder recorder{ReportRecorder::Limits{1'000'000, 3000}};
+  play(recorder, 1000);
+  std::size_t forces = 0;
+  for (const Moment& moment : recorder.moments().at(1))
+    forces += moment.forces.size();
+  EXPECT_LE(forces, 3000U);
+  EXPECT_GT(forces, 0U);
+}
+
+TEST(ReportRecorder, KnowsTheRoomAndTheScopes)
+{
+  ReportRecorder recorder{ReportRecorder::Limits()};
+  tools::Session session({{"all", tools::Duration(0), boost::none}}, {&recorder});
+  for (int i = 0; i < 10; ++i)
+  {
+    RecordingEntry entry = stepAt(i);
+    entry.ambianceActivity = 0.1f;
+    session.play(entry);
+  }
+  session.finish();
+  recorder.finish();
+  ASSERT_EQ(10U, recorder.ambiance().size());
+  EXPECT_EQ(milliseconds(900), recorder.ambiance().back().time);
+  ASSERT_EQ(1U, recorder.scopes().size());
+  EXPECT_EQ(10U, recorder.scopes().front().of(1).updates);
+}
+
+}  // namespace
