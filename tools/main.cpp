@@ -7,6 +7,7 @@
 #include "streamcommand.hpp"
 #include "typescommand.hpp"
 #include "watchcommand.hpp"
+#include "whycommand.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -32,6 +33,7 @@ tools::ExitStatus run(int argc, char** argv)
   tools::addStreamCommand(app, status);
   tools::addTypesCommand(app, status);
   tools::addWatchCommand(app, status);
+  tools::addWhyCommand(app, status);
   try
   {
     app.parse(argc, argv);

@@ -27,6 +27,7 @@ struct ReplayOptions
   bool skipBad = false;           ///< go on behind a line that cannot be used
   std::vector<ScopeSpan> scopes;  ///< besides the whole recording
   boost::optional<Duration> step;
+  bool explain = false;  ///< show below each row what moved it
   bool quiet = false;
   std::string csv;      ///< where to export to, "-" for standard output, empty for nowhere
   std::string jsonl;    ///< likewise

@@ -42,7 +42,8 @@ and scopes of its own.
 
 The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
 the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
-right being the person's own, and the state of pleasure. The ease is what the body language said last.
+right being the person's own, and the state of pleasure. The ease is what the body language said last. With --explain,
+the sources that moved valence and attention most in each row follow below it, each with the sum of its steps.
 
 The verdict on a scope weighs each update by its confidence: "unknown" if that is too low on average, else "positive",
 "neutral" or "negative".
@@ -114,6 +115,10 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
   addChoice<ColorChoice>(
       command, "--color", "auto (default: on a terminal, unless NO_COLOR is set), always, never", "WHEN",
       {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}}, arguments.color)
+      ->group(group);
+  command
+      .add_flag("--explain", arguments.replay.explain,
+                "Show below each row of the timeline which sources moved valence and\nattention most")
       ->group(group);
   command.add_flag("-q,--quiet", arguments.replay.quiet, "Write nothing but errors")->group(group);
 }

@@ -98,7 +98,7 @@ private:
     std::vector<SessionObserver*> observers = _outlets.exports.observers();
     observers.push_back(&timeline);
     observers.push_back(&summary);
-    Session session(_spans, observers);
+    Session session(_spans, observers, _options.explain ? Forces::Watched : Forces::Unwatched);
     LibraryLog log;
 
     const Played played = _play(reader, session);

@@ -23,6 +23,7 @@ public:
   /// Makes an empty timeline; `step` is the length of a row if the user wants a certain one.
   explicit Timeline(const boost::optional<Duration>& step);
 
+  void forceActed(const KV::Force& force) override { _movements.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
   /// Returns how long a row is: the given step, or the shortest readable one of at least a second with which the
@@ -41,6 +42,7 @@ private:
   Duration _keptStep;
   Duration _last{0};
   std::map<std::int32_t, Rows> _rows;
+  Movements _movements;  // of the update that is under way
 };
 
 }  // namespace tools

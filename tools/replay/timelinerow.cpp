@@ -46,6 +46,7 @@ void TimelineRow::add(const TimelineRow& later)
   addTo(_zones, later._zones);
   addTo(_pleasures, later._pleasures);
   _ease = later._ease;
+  _movements.add(later._movements);
 }
 
 ko::human::AttentionState TimelineRow::zone() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "movements.hpp"
 #include "snapshot.hpp"
 
 #include <array>
@@ -16,6 +17,7 @@ public:
   explicit TimelineRow(Duration from) : _from(from) {}
 
   void add(const Snapshot& snapshot);
+  void add(const Movements& movements) { _movements.add(movements); }
   void add(const TimelineRow& later);
 
   Duration from() const { return _from; }
@@ -36,6 +38,9 @@ public:
   /// The ease after the last update.
   KV::BodyLanguageEase ease() const { return _ease; }
 
+  /// What moved the estimates; empty if nobody watched that.
+  const Movements& movements() const { return _movements; }
+
 private:
   double _mean(double sum) const { return sum / static_cast<double>(_updates); }
 
@@ -49,6 +54,7 @@ private:
   std::array<std::size_t, 10> _zones{};
   std::array<std::size_t, 4> _pleasures{};
   KV::BodyLanguageEase _ease;
+  Movements _movements;
 };
 
 }  // namespace tools

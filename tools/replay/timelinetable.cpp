@@ -1,10 +1,13 @@
 #include "timelinetable.hpp"
 
 #include "bar.hpp"
+#include "forcenames.hpp"
 #include "names.hpp"
 #include "text.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
 
 namespace tools
 {
@@ -145,6 +148,36 @@ std::string gapLine(Duration from, Duration to, const Layout& layout, const Styl
   return time + gap + style.dim("no updates until " + clockText(to, layout.decimals));
 }
 
+/// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if none did.
+std::string strongestSources(const Movements& movements, KV::Quantity quantity)
+{
+  constexpr std::size_t most = 3;
+  constexpr double leastShown = 0.005;
+  std::vector<SourceMovement> strongest = movements.of(quantity);
+  strongest.resize(std::min(strongest.size(), most));
+  std::string text;
+  for (const SourceMovement& movement : strongest)
+  {
+    if (std::abs(movement.net()) >= leastShown)
+      text += (text.empty() ? quantityName(quantity) + ": " : ", ") + plainSource(movement.source) + " " +
+              signedNumber(movement.net());
+  }
+  return text;
+}
+
+/// What moved the row most, with a line break; empty if it is not known, or nothing did.
+std::string explanation(const Movements& movements, const Layout& layout, int width, const Style& style)
+{
+  const std::string valence = strongestSources(movements, KV::ValenceQuantity);
+  const std::string attention = strongestSources(movements, KV::AttentionQuantity);
+  const std::string text = valence + (valence.empty() || attention.empty() ? "" : "; ") + attention;
+  if (text.empty())
+    return {};
+  const auto indentation = static_cast<std::size_t>(layout.time) + gap.size();
+  return std::string(indentation, ' ') +
+         style.dim(wrapped(text, static_cast<std::size_t>(width) - indentation, indentation)) + "\n";
+}
+
 }  // namespace
 
 std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style)
@@ -158,7 +191,7 @@ std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, i
   {
     if (row.from() > next)
       table += gapLine(next, row.from(), layout, style) + "\n";
-    table += line(row, layout, style) + "\n";
+    table += line(row, layout, style) + "\n" + explanation(row.movements(), layout, width, style);
     next = row.from() + step;
   }
   return table;

@@ -15,6 +15,8 @@ constexpr int widestTable = 100;    ///< columns; in more, the bars would only b
 
 /// Returns the rows of one person as a table with a header, at most `width` columns wide.
 ///
+/// Below a row whose movements are known stand the sources that moved valence and attention most.
+///
 /// \pre `width` is narrowestTable at least.
 std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style);
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "explanation.hpp"
+
+namespace explaintests
+{
+
+/// A force that acts on `before` by the rule of all forces.
+inline tools::ActedForce acted(const char* source, KV::Quantity quantity, float target, float weight, float before)
+{
+  KV::Force force{};
+  force.source = source;
+  force.quantity = quantity;
+  force.target = target;
+  force.weight = weight;
+  force.before = before;
+  force.after = before + weight * (target - before);
+  return tools::ActedForce(force);
+}
+
+}  // namespace explaintests

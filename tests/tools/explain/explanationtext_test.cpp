@@ -1,0 +1,136 @@
+#include "explanationtext.hpp"
+
+#include "actedforces.hpp"
+
+#include <gmock/gmock.h>
+
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using explaintests::acted;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using tools::Explanation;
+using tools::explanationText;
+using tools::SourceMovement;
+using tools::SpanExplanation;
+
+Explanation touchedTwice()
+{
+  Explanation explanation;
+  explanation.after.person = 3;
+  explanation.after.sinceStart = tools::Duration(12'500'000'000);
+  explanation.after.valence.value = 0.75f;
+  explanation.after.zone = ko::human::AttentionState::LookingAtRobot;
+  for (const float before : {0.f, 0.5f})
+  {
+    explanation.forces.push_back(acted("Touch emotion", KV::ValenceQuantity, 1.f, 0.5f, before));
+    explanation.forces.push_back(acted("Touch emotion", KV::UnsmoothedValenceQuantity, 1.f, 0.5f, before));
+  }
+  explanation.zoneChanges.push_back({ko::human::AttentionState::Unknown, ko::human::AttentionState::LookingAtRobot,
+                                     KV::GazeEvidence, explanation.after.time});
+  return explanation;
+}
+
+TEST(ExplanationText, ShowsRepeatedForcesAsOneRowAndZonesLikewise)
+{
+  EXPECT_EQ(
+      "Person 3 at 0:12.5 (12.5 s)\n"
+      "\n"
+      "source            quantity  weight  target     from              to\n"
+      "Touch emotion ×2  valence   75.0 %  +1.000    0.000          +0.750\n"
+      "gaze              zone                      Unknown  LookingAtRobot\n"
+      "\n"
+      "valence rose from 0.00 to 0.75: touch (positive) pulled 100 %\n"
+      "attention stayed at 0.00: nothing moved it\n"
+      "the zone changed from Unknown to LookingAtRobot, decided by: gaze\n",
+      explanationText(touchedTwice(), {}));
+}
+
+TEST(ExplanationText, ShowsEachForceIfThatIsWanted)
+{
+  tools::ExplanationLayout layout;
+  layout.showsEach = true;
+  EXPECT_THAT(explanationText(touchedTwice(), layout),
+              HasSubstr("source         quantity            weight  target     from              to\n"
+                        "Touch emotion  valence             50.0 %  +1.000    0.000          +0.500\n"
+                        "Touch emotion  unsmoothed valence  50.0 %  +1.000    0.000          +0.500\n"
+                        "Touch emotion  valence             50.0 %  +1.000   +0.500          +0.750\n"
+                        "Touch emotion  unsmoothed valence  50.0 %  +1.000   +0.500          +0.750\n"));
+}
+
+TEST(ExplanationText, ShowsTheUnsmoothedValenceWhereItWentAnotherWay)
+{
+  Explanation explanation;
+  explanation.forces.push_back(acted("Smile", KV::ValenceQuantity, 1.f, 0.5f, 0.f));
+  explanation.forces.push_back(acted("Smile", KV::UnsmoothedValenceQuantity, 1.f, 0.5f, 0.5f));
+  EXPECT_THAT(explanationText(explanation, {}), HasSubstr("unsmoothed valence"));
+}
+
+TEST(ExplanationText, TellsOfAPersonWhoWasNotSeen)
+{
+  Explanation explanation;
+  explanation.after.seen = false;
+  EXPECT_THAT(explanationText(explanation, {}), HasSubstr("Person 0 at 0:00.0 (0 s), not seen\n"));
+}
+
+TEST(ExplanationText, ShowsTheShareOfEachSourceOverASpan)
+{
+  SpanExplanation span;
+  span.add(touchedTwice());
+  Explanation later = touchedTwice();
+  later.before = later.after;
+  later.after.sinceStart = tools::Duration(13'000'000'000);
+  later.after.valence.value = 0.5f;
+  later.forces = {acted("Not visible", KV::ValenceQuantity, 0.5f, 1.f, 0.75f),
+                  acted("Not visible", KV::UnsmoothedValenceQuantity, 0.5f, 1.f, 0.75f)};
+  span.add(later);
+
+  EXPECT_EQ(
+      "Person 3 from 0:12.5 (12.5 s) to 0:13.0 (13 s), 2 updates\n"
+      "\n"
+      "quantity  source         forces   share  moved     net\n"
+      "valence   Touch emotion       2  75.0 %  0.750  +0.750\n"
+      "          Not visible         1  25.0 %  0.250  -0.250\n"
+      "\n"
+      "valence rose from 0.00 to 0.50: touch (positive) pulled 75 %, not being visible\n"
+      "  pulled 25 % the other way\n"
+      "attention stayed at 0.00: nothing moved it\n",
+      explanationText(span, {}));
+  tools::ExplanationLayout layout;
+  layout.showsEach = true;
+  EXPECT_THAT(explanationText(span, {}), Not(HasSubstr("unsmoothed")));
+  EXPECT_THAT(explanationText(span, layout), HasSubstr("unsmoothed valence  Touch emotion       2  75.0 %"));
+}
+
+TEST(Shares, AddUpToAllWhateverTheyAreRoundedTo)
+{
+  constexpr std::mt19937::result_type seed = 11;
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> distance(0., 1.);
+  for (std::size_t count = 1; count < 40; ++count)
+  {
+    std::vector<SourceMovement> movements(count);
+    for (SourceMovement& movement : movements)
+      movement.up = distance(random);
+    const double total = totalDistance(movements);
+    const std::vector<int> shares = sharesInTenthsOfPercent(movements);
+    EXPECT_EQ(1000, std::accumulate(shares.begin(), shares.end(), 0));
+    for (std::size_t i = 0; i < count; ++i)
+      EXPECT_NEAR(1000. * movements[i].distance() / total, shares[i], 1.) << "each is rounded up or down";
+  }
+}
+
+TEST(Shares, AreNoneWhereNothingMoved)
+{
+  EXPECT_THAT(tools::sharesInTenthsOfPercent(std::vector<SourceMovement>(2)), ElementsAre(0, 0));
+}
+
+}  // namespace

@@ -1,0 +1,94 @@
+#include "movements.hpp"
+
+#include "forcenames.hpp"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using tools::Movements;
+using tools::SourceMovement;
+
+std::vector<std::string> sourcesOf(const std::vector<SourceMovement>& movements)
+{
+  std::vector<std::string> sources;
+  for (const SourceMovement& movement : movements)
+    sources.push_back(movement.source);
+  return sources;
+}
+
+TEST(Movements, SumUpTheStepsOfASourceWhicheverWayTheyWent)
+{
+  Movements movements;
+  movements.add("Touch emotion", KV::ValenceQuantity, 1.f, 0.25f, 0.75f);
+  movements.add("Touch emotion", KV::ValenceQuantity, -1.f, 0.75f, 0.5f);
+
+  const std::vector<SourceMovement> valence = movements.of(KV::ValenceQuantity);
+  ASSERT_EQ(1u, valence.size());
+  EXPECT_EQ(2u, valence[0].forces);
+  EXPECT_EQ(0.75, valence[0].distance());
+  EXPECT_EQ(0.25, valence[0].net());
+}
+
+TEST(Movements, KeepQuantitiesApart)
+{
+  Movements movements;
+  movements.add("No observation", KV::ValenceQuantity, 0.f, 0.5f, 0.25f);
+  movements.add("No observation", KV::ValenceConfidenceQuantity, 0.f, 0.5f, 0.f);
+
+  EXPECT_EQ(0.25, tools::totalDistance(movements.of(KV::ValenceQuantity)));
+  EXPECT_EQ(0.5, tools::totalDistance(movements.of(KV::ValenceConfidenceQuantity)));
+  EXPECT_THAT(movements.of(KV::AttentionQuantity), IsEmpty());
+}
+
+TEST(Movements, NameTheGreatestFirstAndEqualOnesAsTheyCame)
+{
+  Movements movements;
+  movements.add("second", KV::ValenceQuantity, 1.f, 0.f, 0.25f);
+  movements.add("third", KV::ValenceQuantity, -1.f, 0.25f, 0.f);
+  movements.add("first", KV::ValenceQuantity, 1.f, 0.f, 0.5f);
+
+  EXPECT_THAT(sourcesOf(movements.of(KV::ValenceQuantity)), ElementsAre("first", "second", "third"));
+}
+
+TEST(Movements, AddUpToTheSameInPartsAsAtOnce)
+{
+  Movements early;
+  early.add("Smile", KV::ValenceQuantity, 0.5f, 0.f, 0.25f);
+  Movements late;
+  late.add("Smile", KV::ValenceQuantity, -0.5f, 0.25f, 0.125f);
+  late.add("Voice emotion", KV::ValenceQuantity, 1.f, 0.125f, 1.f);
+  early.add(late);
+
+  const std::vector<SourceMovement> valence = early.of(KV::ValenceQuantity);
+  ASSERT_THAT(sourcesOf(valence), ElementsAre("Voice emotion", "Smile"));
+  EXPECT_EQ(2u, valence[1].forces);
+  EXPECT_EQ(0.375, valence[1].distance());
+  EXPECT_EQ(-0.5f, valence[1].leastTarget);
+  EXPECT_EQ(0.5f, valence[1].greatestTarget);
+}
+
+TEST(SourceDescription, TellsTheMoodThatASourcePulledTo)
+{
+  const auto described = [](const std::string& source, float least, float greatest) {
+    SourceMovement movement;
+    movement.source = source;
+    movement.leastTarget = least;
+    movement.greatestTarget = greatest;
+    return describeSource(movement);
+  };
+  EXPECT_EQ("face characteristics (negative)", described("Face characteristics", -1.f, -1.f));
+  EXPECT_EQ("touch (positive)", described("Touch emotion", 1.f, 1.f));
+  EXPECT_EQ("context (neutral)", described("Context emotion", 0.f, 0.f));
+  EXPECT_EQ("voice (mixed)", described("Voice emotion", -1.f, 1.f));
+  EXPECT_EQ("not being visible", described("Not visible", 0.f, 0.f)) << "rest is no mood";
+  EXPECT_EQ("A source of tomorrow", described("A source of tomorrow", 1.f, 1.f));
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "explanation.hpp"
+#include "forcenames.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace explaintests
+{
+
+/// The estimate of one person, rebuilt from nothing but the forces that acted on it.
+class RebuiltEstimate
+{
+public:
+  /// Lets all forces of an update act, and returns what differs from what the library came to; empty if not a bit does.
+  std::string apply(const tools::Explanation& explanation)
+  {
+    _difference.clear();
+    for (const tools::ActedForce& force : explanation.forces)
+      _apply(force);
+    for (const KV::ZoneChange& change : explanation.zoneChanges)
+    {
+      if (change.from != _zone)
+        _difference += "the zone was another before it changed; ";
+      _zone = change.to;
+    }
+    _compare(explanation.after);
+    return _difference;
+  }
+
+private:
+  void _apply(const tools::ActedForce& force)
+  {
+    float& value = _values.at(force.quantity);
+    _compare(tools::quantityName(force.quantity) + " before " + force.source, value, force.before);
+    const bool isValence = force.quantity == KV::ValenceQuantity || force.quantity == KV::UnsmoothedValenceQuantity;
+    value = std::clamp(value + force.weight * (force.target - value), isValence ? -1.f : 0.f, 1.f);
+    _compare(tools::quantityName(force.quantity) + " after " + force.source, value, force.after);
+  }
+
+  void _compare(const tools::Snapshot& after)
+  {
+    _compare("valence", _values.at(KV::ValenceQuantity), after.valence.value);
+    _compare("valence confidence", _values.at(KV::ValenceConfidenceQuantity), after.valence.confidence);
+    _compare("unsmoothed valence confidence", _values.at(KV::UnsmoothedValenceConfidenceQuantity),
+             after.unsmoothedValenceBinary.confidence);
+    _compare("attention", _values.at(KV::AttentionQuantity), after.attention.value);
+    _compare("attention confidence", _values.at(KV::AttentionConfidenceQuantity), after.attention.confidence);
+    if (_zone != after.zone)
+      _difference += "zone; ";
+  }
+
+  void _compare(const std::string& what, float rebuilt, float estimate)
+  {
+    if (_bits(rebuilt) != _bits(estimate))
+      _difference += what + " is " + std::to_string(estimate) + ", not " + std::to_string(rebuilt) + "; ";
+  }
+
+  static std::uint32_t _bits(float number)
+  {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+  }
+
+  std::array<float, 6> _values{};
+  ko::human::AttentionState _zone = ko::human::AttentionState::Unknown;
+  std::string _difference;
+};
+
+}  // namespace explaintests

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "snapshot.hpp"
+
+#include <skeigiot/forceobserver.hpp>
+
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// A force that acted; its source is a text of its own.
+struct ActedForce
+{
+  explicit ActedForce(const KV::Force& force)
+    : source(force.source),
+      quantity(force.quantity),
+      target(force.target),
+      weight(force.weight),
+      before(force.before),
+      after(force.after)
+  {}
+
+  std::string source;
+  KV::Quantity quantity;
+  float target;
+  float weight;
+  float before;
+  float after;
+};
+
+/// One update of one person, and why it came out as it did.
+struct Explanation
+{
+  Snapshot before;  ///< after the update before it; as of somebody unknown, if there was none
+  Snapshot after;
+  std::vector<ActedForce> forces;           ///< in the order in which they acted
+  std::vector<KV::ZoneChange> zoneChanges;  ///< likewise
+};
+
+}  // namespace tools

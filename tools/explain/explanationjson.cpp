@@ -1,0 +1,126 @@
+#include "explanationjson.hpp"
+
+#include "explanationtext.hpp"
+#include "forcenames.hpp"
+#include "names.hpp"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace tools
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+double secondsOf(Duration duration)
+{
+  return static_cast<double>(duration.count()) / 1e9;
+}
+
+/// Returns the double with the shortest decimal text that tells the float from all others; JSON has no others.
+double shortest(float number)
+{
+  if (!std::isfinite(number))
+    return static_cast<double>(number);
+  std::array<char, 32> text{};
+  const char* const end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+  double result = 0.;
+  std::from_chars(text.data(), end, result);
+  return result;
+}
+
+Json stateJson(const Snapshot& snapshot)
+{
+  return {{"valence", shortest(snapshot.valence.value)},
+          {"valenceConfidence", shortest(snapshot.valence.confidence)},
+          {"attention", shortest(snapshot.attention.value)},
+          {"attentionConfidence", shortest(snapshot.attention.confidence)},
+          {"zone", zoneName(snapshot.zone)}};
+}
+
+Json zoneChangesJson(const std::vector<KV::ZoneChange>& changes, TimePoint start)
+{
+  Json json = Json::array();
+  for (const KV::ZoneChange& change : changes)
+    json.push_back({{"time", secondsOf(change.time - start)},
+                    {"from", zoneName(change.from)},
+                    {"to", zoneName(change.to)},
+                    {"evidence", evidenceName(change.evidence)}});
+  return json;
+}
+
+TimePoint startOf(const Snapshot& snapshot)
+{
+  return snapshot.time - snapshot.sinceStart;
+}
+
+Json forcesJson(const std::vector<ActedForce>& forces, double time)
+{
+  Json json = Json::array();
+  for (const ActedForce& force : forces)
+    json.push_back({{"time", time},
+                    {"source", force.source},
+                    {"quantity", quantityName(force.quantity)},
+                    {"target", shortest(force.target)},
+                    {"weight", shortest(force.weight)},
+                    {"before", shortest(force.before)},
+                    {"after", shortest(force.after)}});
+  return json;
+}
+
+Json sharesJson(const Movements& all)
+{
+  Json json = Json::array();
+  for (const KV::Quantity quantity : allQuantities)
+  {
+    const std::vector<SourceMovement> movements = all.of(quantity);
+    const double total = totalDistance(movements);
+    for (const SourceMovement& movement : movements)
+      json.push_back({{"quantity", quantityName(quantity)},
+                      {"source", movement.source},
+                      {"forces", movement.forces},
+                      {"share", total > 0. ? movement.distance() / total : 0.},
+                      {"moved", movement.distance()},
+                      {"net", movement.net()}});
+  }
+  return json;
+}
+
+}  // namespace
+
+nlohmann::ordered_json explanationJson(const Explanation& explanation, const std::string& recording)
+{
+  const Snapshot& after = explanation.after;
+  const double time = secondsOf(after.sinceStart);
+  return {{"recording", recording},
+          {"person", after.person},
+          {"time", time},
+          {"seen", after.seen},
+          {"before", stateJson(explanation.before)},
+          {"after", stateJson(after)},
+          {"forces", forcesJson(explanation.forces, time)},
+          {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+          {"sentences", sentencesOn(explanation)}};
+}
+
+nlohmann::ordered_json explanationJson(const SpanExplanation& explanation, const std::string& recording)
+{
+  const Snapshot& after = explanation.after;
+  return {{"recording", recording},
+          {"person", after.person},
+          {"updates", explanation.updates},
+          {"first", secondsOf(explanation.first)},
+          {"last", secondsOf(after.sinceStart)},
+          {"before", stateJson(explanation.before)},
+          {"after", stateJson(after)},
+          {"shares", sharesJson(explanation.movements)},
+          {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+          {"sentences", sentencesOn(explanation)}};
+}
+
+}  // namespace tools

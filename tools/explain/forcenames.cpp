@@ -1,0 +1,104 @@
+#include "forcenames.hpp"
+
+#include <algorithm>
+
+namespace tools
+{
+
+namespace
+{
+
+struct Source
+{
+  const char* name;
+  const char* plain;
+  bool tellsMood;  ///< its target is a mood that somebody showed, rather than a resting value
+};
+
+constexpr std::array<Source, 16> sources{{{"Face characteristics", "face characteristics", true},
+                                          {"Smile", "smile", true},
+                                          {"Voice emotion", "voice", true},
+                                          {"Asr emotion", "speech", true},
+                                          {"Touch emotion", "touch", true},
+                                          {"Context emotion", "context", true},
+                                          {"Body Language", "body language", true},
+                                          {"Gaze and head based attention", "gaze and head", false},
+                                          {"No observation", "lack of observations", false},
+                                          {"Not visible", "not being visible", false},
+                                          {"Points confidence", "facial points", false},
+                                          {"User is speaking", "speaking", false},
+                                          {"Winner unknown", "an unclear face", false},
+                                          {"Distance limitation", "distance", false},
+                                          {"Height limitation", "height of the head", false},
+                                          {"Okao and robot movement limits", "distance and robot movement", false}}};
+
+const Source* find(const std::string& name)
+{
+  const auto* const found =
+      std::find_if(sources.begin(), sources.end(), [&name](const Source& source) { return source.name == name; });
+  return found == sources.end() ? nullptr : found;
+}
+
+std::string moodOf(const SourceMovement& movement)
+{
+  if (movement.leastTarget > 0.f)
+    return "positive";
+  if (movement.greatestTarget < 0.f)
+    return "negative";
+  return movement.leastTarget == 0.f && movement.greatestTarget == 0.f ? "neutral" : "mixed";
+}
+
+}  // namespace
+
+std::string quantityName(KV::Quantity quantity)
+{
+  switch (quantity)
+  {
+    case KV::ValenceQuantity:
+      return "valence";
+    case KV::UnsmoothedValenceQuantity:
+      return "unsmoothed valence";
+    case KV::ValenceConfidenceQuantity:
+      return "valence confidence";
+    case KV::UnsmoothedValenceConfidenceQuantity:
+      return "unsmoothed valence confidence";
+    case KV::AttentionQuantity:
+      return "attention";
+    case KV::AttentionConfidenceQuantity:
+      return "attention confidence";
+  }
+  return "unknown";
+}
+
+std::string evidenceName(KV::ZoneEvidence evidence)
+{
+  switch (evidence)
+  {
+    case KV::NoAttentionEvidence:
+      return "no head or gaze";
+    case KV::HeadTurnedAwayEvidence:
+      return "head turned away";
+    case KV::AttentionEvidence:
+      return "attention";
+    case KV::HeadEvidence:
+      return "head";
+    case KV::GazeEvidence:
+      return "gaze";
+  }
+  return "unknown";
+}
+
+std::string plainSource(const std::string& source)
+{
+  const Source* const known = find(source);
+  return known == nullptr ? source : known->plain;
+}
+
+std::string describeSource(const SourceMovement& movement)
+{
+  const Source* const known = find(movement.source);
+  const bool tellsMood = known != nullptr && known->tellsMood;
+  return plainSource(movement.source) + (tellsMood ? " (" + moodOf(movement) + ")" : "");
+}
+
+}  // namespace tools

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "explanation.hpp"
+#include "movements.hpp"
+
+#include <cstddef>
+#include <vector>
+
+namespace tools
+{
+
+/// All updates of one person in a span of time, and what moved her estimates in it.
+struct SpanExplanation
+{
+  void add(const Explanation& explanation)
+  {
+    if (updates == 0)
+    {
+      first = explanation.after.sinceStart;
+      before = explanation.before;
+    }
+    ++updates;
+    after = explanation.after;
+    for (const ActedForce& force : explanation.forces)
+      movements.add(force.source, force.quantity, force.target, force.before, force.after);
+    zoneChanges.insert(zoneChanges.end(), explanation.zoneChanges.begin(), explanation.zoneChanges.end());
+  }
+
+  std::size_t updates = 0;
+  Duration first{0};  ///< when the first update was
+  Snapshot before;    ///< after the last update before the span
+  Snapshot after;     ///< after its last update
+  Movements movements;
+  std::vector<KV::ZoneChange> zoneChanges;
+};
+
+}  // namespace tools

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "terminal.hpp"
+
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// A table of text whose columns are as wide as what is in them.
+class TextTable
+{
+public:
+  struct Column
+  {
+    std::string header;
+    bool isNumber = false;  ///< set to the right
+  };
+  using Cells = std::vector<std::string>;
+
+  explicit TextTable(std::vector<Column> columns) : _columns(std::move(columns)) {}
+
+  /// \pre there is a cell for each column.
+  void add(Cells cells) { _rows.push_back(std::move(cells)); }
+
+  /// Returns the header and the rows, each with a line break.
+  std::string text(const Style& style) const;
+
+private:
+  std::vector<std::size_t> _widths() const;
+  std::string _line(const Cells& cells, const std::vector<std::size_t>& widths) const;
+
+  std::vector<Column> _columns;
+  std::vector<Cells> _rows;
+};
+
+}  // namespace tools

@@ -1,0 +1,192 @@
+#include "whycommand.hpp"
+
+#include "argumentparsing.hpp"
+#include "explanationjson.hpp"
+#include "explanationtext.hpp"
+#include "inquiry.hpp"
+#include "messages.hpp"
+#include "outputstream.hpp"
+#include "readingarguments.hpp"
+#include "recording.hpp"
+#include "sessionoptions.hpp"
+#include "sessionplan.hpp"
+#include "terminal.hpp"
+
+#include <boost/optional/optional.hpp>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace tools
+{
+
+namespace
+{
+
+const char* const description = "Tells why the library thought so of a person";
+
+const char* const footer =
+    R"(Every change of an estimate is a force: a source pulls a quantity some share of the way, its weight, to a target.
+
+With --at, the forces of one update are shown in the order in which they acted: of the last update of the person at
+that time or before it. Forces of one source that follow each other, as those of all touches that are remembered, are
+one row with their number; what did the same to the unsmoothed valence has no row: --all shows every force. A zone has
+a row when it changes, with what decided on it.
+
+With --from, --to, or both, every source has its share in the total movement of each quantity in that span, both ends
+included: "moved" is the sum of all its steps whichever way they went, "net" is their sum with signs.
+
+The sentences tell shares of the total movement, too.
+
+Exit status: 0 if there is an answer, 2 if the recording or the command line cannot be used, or if it has no such
+person or time.
+
+Examples:
+  skeigiot why face.csv --person 1 --at 12.5
+  skeigiot why face.csv touch.csv --person 1 --from 10 --to 20 --json)";
+
+constexpr double greatestTime = 4e9;  // [s]
+constexpr std::int64_t greatestPerson = 2147483647;
+
+/// Everything that the command line can say.
+struct Arguments
+{
+  SessionArguments session;
+  ReadingArguments reading;
+  std::int32_t person = 0;
+  boost::optional<Duration> at;
+  boost::optional<Duration> from;
+  boost::optional<Duration> to;
+  bool showsEach = false;
+  bool json = false;
+
+  bool asksForSpan() const { return from || to; }
+};
+
+void addTime(CLI::App& command, const std::string& name, const std::string& help, boost::optional<Duration>& target)
+{
+  addNumber(
+      command, name, help, "SECONDS", "a time in seconds since the start of the recording",
+      [](double seconds) { return seconds >= 0. && seconds <= greatestTime; },
+      [&target](double seconds) { target = Duration(static_cast<Duration::rep>(std::llround(seconds * 1e9))); });
+}
+
+void addPerson(CLI::App& command, std::int32_t& target)
+{
+  addNumber(
+      command, "--person", "Whom to ask about", "ID", "a whole number",
+      [](double number) {
+        return number == std::floor(number) && std::abs(number) <= static_cast<double>(greatestPerson);
+      },
+      [&target](double number) { target = static_cast<std::int32_t>(number); })
+      ->required();
+}
+
+void addOptions(CLI::App& command, Arguments& arguments)
+{
+  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session")->required()->type_name("");
+  addOffsetOption(command, arguments.session.offsets);
+  addPerson(command, arguments.person);
+  addTime(command, "--at", "Explain the last update at that time since the start, or before it", arguments.at);
+  addTime(command, "--from", "Explain all updates from that time on (default: from the start)", arguments.from);
+  addTime(command, "--to", "Explain all updates up to that time (default: to the end)", arguments.to);
+  command.add_flag("--all", arguments.showsEach, "Show every force in a row of its own, and the unsmoothed valence");
+  command.add_flag("--json", arguments.json, "As JSON, with every force of the update");
+  addReadingOptions(command, arguments.reading);
+}
+
+/// \throws CLI::ValidationError for times that do not go together.
+void checkTimes(const Arguments& arguments)
+{
+  if (!arguments.at && !arguments.asksForSpan())
+    throw CLI::ValidationError("--at", "is needed, or a span with --from and --to");
+  if (arguments.at && arguments.asksForSpan())
+    throw CLI::ValidationError("--at", "asks for one moment, --from and --to for a span: give one of both");
+  if (arguments.from && arguments.to && *arguments.to < *arguments.from)
+    throw CLI::ValidationError("--to", "the span ends before it begins");
+}
+
+/// \throws RecordingError, CLI::ValidationError if there is not exactly one.
+SessionInputs onlySession(const SessionArguments& arguments)
+{
+  try
+  {
+    SessionPlan plan = planSessions(arguments);
+    if (plan.sessions.size() > 1)
+      throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
+    return plan.sessions.front();
+  }
+  catch (const std::invalid_argument& error)
+  {
+    throw CLI::ValidationError(error.what());
+  }
+}
+
+template <typename Explained>
+void write(std::ostream& output, const Explained& explained, const std::string& name, const Arguments& arguments)
+{
+  if (arguments.json)
+  {
+    output << explanationJson(explained, name).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
+           << '\n';
+    return;
+  }
+  constexpr int narrowest = 60;
+  constexpr int widest = 100;
+  const ExplanationLayout layout{std::clamp(terminalWidth(STDOUT_FILENO, widest), narrowest, widest),
+                                 Style(useColors(ColorChoice::Auto, STDOUT_FILENO)), arguments.showsEach};
+  output << explanationText(explained, layout);
+}
+
+void answer(const Arguments& arguments)
+{
+  const SessionInputs session = onlySession(arguments.session);
+  const std::unique_ptr<RecordingReader> reader = openSession(session, [&arguments](const std::string& path) {
+    return openRecording(path, arguments.reading.format, arguments.reading.options);
+  });
+  Messages messages(std::cerr, false);
+  const Inquiry inquiry{*reader, session.name(), arguments.person, arguments.reading.skipBad, messages};
+
+  OutputStream output(STDOUT_FILENO, "standard output");
+  if (arguments.at)
+    write(output, explainMoment(inquiry, *arguments.at), inquiry.name, arguments);
+  else
+    write(output, explainSpan(inquiry, arguments.from.value_or(Duration(0)), arguments.to), inquiry.name, arguments);
+  output.flush();
+}
+
+ExitStatus run(Arguments& arguments)
+{
+  checkTimes(arguments);
+  arguments.session.format = arguments.reading.format;
+  try
+  {
+    answer(arguments);
+    return Success;
+  }
+  catch (const RecordingError& error)
+  {
+    Messages(std::cerr, false).error(error.what());
+    return BadInput;
+  }
+}
+
+}  // namespace
+
+void addWhyCommand(CLI::App& app, ExitStatus& status)
+{
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& command = *app.add_subcommand("why", description);
+  addOptions(command, *arguments);
+  command.footer(footer);
+  command.callback([arguments, &status] { status = run(*arguments); });
+}
+
+}  // namespace tools

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "exitstatus.hpp"
+
+#include <CLI/App.hpp>
+
+namespace tools
+{
+
+/// Adds the subcommand "why"; when it is parsed it runs, and leaves its status.
+void addWhyCommand(CLI::App& app, ExitStatus& status);
+
+}  // namespace tools
