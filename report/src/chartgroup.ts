@@ -22,6 +22,7 @@ export interface ChartGroupEvents {
 export class ChartGroup {
   private readonly charts: uPlot[] = [];
   private time = 0;
+  private pinned: number | null = null;
   private isSettingRange = false;
   from = 0;
   to: number;
@@ -51,6 +52,12 @@ export class ChartGroup {
   moveTo(time: number): void {
     this.time = time;
     for (const chart of this.charts) this.placeCursor(chart);
+  }
+
+  /** Marks a time in all charts, or none. */
+  markPinned(time: number | null): void {
+    this.pinned = time;
+    for (const chart of this.charts) chart.redraw(false);
   }
 
   /** Shows range and cursor again in a chart that was given other data. */
@@ -96,6 +103,7 @@ export class ChartGroup {
       },
       hooks: {
         ...options.hooks,
+        draw: [...(options.hooks?.draw ?? []), (chart) => this.drawPinned(chart)],
         setCursor: [(chart) => this.cursorMoved(chart)],
         setScale: [(chart, key) => this.scaleSet(chart, key)],
       },
@@ -114,6 +122,21 @@ export class ChartGroup {
     chart.setCursor({ left, top: isShown ? 0 : -10 }, false);
   }
 
+  private drawPinned(chart: uPlot): void {
+    if (this.pinned === null || this.pinned < this.from || this.pinned > this.to) return;
+    const context = chart.ctx;
+    const x = Math.round(chart.valToPos(this.pinned, "x", true));
+    context.save();
+    context.strokeStyle = cssColor("accent");
+    context.lineWidth = 2 * devicePixelRatio;
+    context.setLineDash([4 * devicePixelRatio, 3 * devicePixelRatio]);
+    context.beginPath();
+    context.moveTo(x, chart.bbox.top);
+    context.lineTo(x, chart.bbox.top + chart.bbox.height);
+    context.stroke();
+    context.restore();
+  }
+
   private setRangeOf(chart: uPlot): void {
     this.isSettingRange = true;
     chart.batch(() => chart.setScale("x", { min: this.from, max: this.to }));
@@ -128,6 +151,10 @@ export class ChartGroup {
   }
 }
 
+const timeSteps = [
+  0.01, 0.02, 0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10, 15, 30, 60, 120, 300, 600, 900, 1800, 3600, 7200, 14400, 43200, 86400,
+];
+
 /** The axis of time; without labels it only has its grid. */
 export function timeAxis(isLabelled: boolean): uPlot.Axis {
   return {
@@ -138,6 +165,7 @@ export function timeAxis(isLabelled: boolean): uPlot.Axis {
     size: isLabelled ? 24 : 6,
     gap: 4,
     space: 70,
+    incrs: timeSteps,
     values: (_, splits) => {
       if (!isLabelled) return splits.map(() => "");
       const decimals = splits.length > 1 && (splits[1] - splits[0]) % 1 !== 0 ? 1 : 0;

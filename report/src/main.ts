@@ -31,7 +31,7 @@ class Page {
   private readonly recording = readRecording(byId("data").textContent ?? "");
   private person: Person | undefined = this.recording.persons[0];
   private moment = 0;
-  private pinned = false;
+  private pinned: number | null = null;
   private group: ChartGroup | undefined;
   private view: PersonView | undefined;
 
@@ -76,8 +76,10 @@ class Page {
     if (!person || person === this.person) return;
     const hadFocus = byId("persons").contains(document.activeElement);
     const time = this.person?.time[this.moment] ?? 0;
+    const pinnedTime = this.pinned === null ? null : (this.person?.time[this.pinned] ?? null);
     this.person = person;
     this.moment = nearest(person.time, time);
+    this.pinned = pinnedTime === null ? null : nearest(person.time, pinnedTime);
     this.showPersons();
     this.showAll();
     if (hadFocus) byId(`tab-${number}`).focus();
@@ -91,7 +93,7 @@ class Page {
       hover: (time) => this.moveTo(time),
       pick: (time) => {
         this.moveTo(time);
-        this.pin();
+        this.pin(this.moment);
       },
       range: () => this.view?.rangeChanged(),
     });
@@ -103,8 +105,7 @@ class Page {
     addRoom(byId("details"), this.recording, group);
     if (from > 0 || to < this.recording.length) group.showRange(from, to);
     this.showMoment();
-    if (this.pinned) this.pin();
-    else showNothingPinned(byId("pinned"));
+    this.showPinned();
   }
 
   private chartWidth(): number {
@@ -132,15 +133,15 @@ class Page {
     this.group?.moveTo(this.person.time[this.moment]);
   }
 
-  private pin(): void {
-    if (!this.person) return;
-    this.pinned = true;
-    showPinned(byId("pinned"), this.recording, this.person, this.moment);
+  private pin(moment: number | null): void {
+    this.pinned = moment;
+    this.showPinned();
   }
 
-  private letGo(): void {
-    this.pinned = false;
-    showNothingPinned(byId("pinned"));
+  private showPinned(): void {
+    if (!this.person || this.pinned === null) showNothingPinned(byId("pinned"));
+    else showPinned(byId("pinned"), this.recording, this.person, this.pinned);
+    this.group?.markPinned(this.pinned === null ? null : (this.person?.time[this.pinned] ?? null));
   }
 
   private keyPressed(event: KeyboardEvent): void {
@@ -179,10 +180,10 @@ class Page {
         return true;
       case "Enter":
         if (isInTabs) return false;
-        this.pin();
+        this.pin(this.moment);
         return true;
       case "Escape":
-        this.letGo();
+        this.pin(null);
         return true;
       default:
         return false;

@@ -99,6 +99,12 @@ export function showReadout(target: HTMLElement, recording: Recording, person: P
   );
 }
 
+/** Only valence has a sign. */
+function textOf(quantity: string, decimals = 3): (value: number) => string {
+  const isSigned = quantity === "valence" || quantity === "unsmoothed valence";
+  return (value) => (isSigned ? signed(value, decimals) : plain(value, decimals));
+}
+
 /** "Valence went from 0.41 to 0.12: Face characteristics −0.35, Touch emotion +0.06." */
 function sentence(quantity: string, forces: Force[]): string {
   const own = forces.filter((force) => force.quantity === quantity);
@@ -106,10 +112,11 @@ function sentence(quantity: string, forces: Force[]): string {
   if (own.length === 0) return `Nothing pulled the ${quantity}.`;
   const bySource = new Map<string, number>();
   for (const { source, before, after } of own) bySource.set(source, (bySource.get(source) ?? 0) + after - before);
+  const text = textOf(quantity);
   const parts = [...bySource]
     .sort((left, right) => Math.abs(right[1]) - Math.abs(left[1]))
     .map(([source, distance]) => `${source} ${signed(distance, 3)}`);
-  return `${title} went from ${signed(own[0].before, 3)} to ${signed(own[own.length - 1].after, 3)}: ${parts.join(", ")}.`;
+  return `${title} went from ${text(own[0].before)} to ${text(own[own.length - 1].after)}: ${parts.join(", ")}.`;
 }
 
 /** Lists the forces of a moment in their order. */
@@ -123,10 +130,10 @@ export function showPinned(target: HTMLElement, recording: Recording, person: Pe
       force.source,
       element("small", {}, force.quantity),
     ),
-    plain(force.weight, 3),
-    signed(force.target),
-    signed(force.before, 3),
-    signed(force.after, 3),
+    number("weight", force.weight, plain(force.weight, 3)),
+    number("target", force.target, textOf(force.quantity, 2)(force.target)),
+    number("before", force.before, textOf(force.quantity)(force.before)),
+    number("after", force.after, textOf(force.quantity)(force.after)),
   ]);
   const others = person.updates[moment] - 1;
   target.replaceChildren(

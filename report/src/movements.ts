@@ -2,27 +2,31 @@
 
 import uPlot from "uplot";
 import { ChartOptions, measuringAxis, timeAxis } from "./chartgroup";
-import { Movement } from "./data";
+import { Movement, Person } from "./data";
 import { cssColor, fillOf, Look } from "./theme";
 
 export interface Bins {
   times: number[];
-  /** For each source how far it moved the quantity in each bin. */
+  /** For each source how far it moved the quantity in each bin, in the mean of the updates. */
   distances: number[][];
 }
 
-/** Adds up movements in bins of equal length; what a moment says counts where the moment is. */
-export function binned(times: Float64Array, movements: Movement[], from: number, to: number, count: number): Bins {
+/** Averages movements in bins of equal length; what a moment says counts where the moment is. */
+export function binned({ time, updates }: Person, movements: Movement[], from: number, to: number, count: number): Bins {
   const length = (to - from) / count;
   const bins: Bins = {
     times: Array.from({ length: count }, (_, bin) => from + (bin + 0.5) * length),
     distances: movements.map(() => new Array<number>(count).fill(0)),
   };
-  for (let i = 0; i < times.length; ++i) {
-    if (times[i] < from || times[i] > to) continue;
-    const bin = Math.min(count - 1, Math.floor((times[i] - from) / length));
+  const updatesIn = new Array<number>(count).fill(0);
+  for (let i = 0; i < time.length; ++i) {
+    if (time[i] < from || time[i] > to) continue;
+    const bin = Math.min(count - 1, Math.floor((time[i] - from) / length));
+    updatesIn[bin] += updates[i];
     movements.forEach((movement, source) => (bins.distances[source][bin] += movement.distances[i]));
   }
+  for (const distances of bins.distances)
+    updatesIn.forEach((number, bin) => (distances[bin] /= Math.max(1, number)));
   return bins;
 }
 
@@ -65,7 +69,7 @@ export function movementOptions(looks: Look[], isTimeLabelled: boolean): ChartOp
 }
 
 function symmetric(min: number | null, max: number | null): uPlot.Range.MinMax {
-  const greatest = Math.max(Math.abs(min ?? 0), Math.abs(max ?? 0), 0.01) * 1.08;
+  const greatest = Math.max(Math.abs(min ?? 0), Math.abs(max ?? 0), 0.001) * 1.08;
   return [-greatest, greatest];
 }
 

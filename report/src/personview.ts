@@ -179,7 +179,7 @@ export class PersonView {
   private addMovementsOf(title: string, hint: string, all: Movement[], isLast: boolean): void {
     const movements = byStrength(all);
     const card = this.card(this.details);
-    this.heading(card, title, `total change by each source in the span of a bar; ${hint}`);
+    this.heading(card, title, `how far each source moved it in an update, on average over a bar; ${hint}`);
     if (movements.length === 0) {
       card.append(element("p", { class: "note" }, "Nothing did."));
       return;
@@ -188,7 +188,7 @@ export class PersonView {
     card.append(this.sourceLegend(movements, looks));
     const data = () => {
       const count = Math.max(10, Math.round(card.clientWidth / pixelsPerBar));
-      return stacked(binned(this.person.time, movements, this.group.from, this.group.to, count));
+      return stacked(binned(this.person, movements, this.group.from, this.group.to, count));
     };
     const chart = this.chart(card, movementOptions(looks, isLast), data());
     this.redraws.push(() => {
@@ -361,8 +361,11 @@ function marksOf(times: Float64Array, values: Float32Array, input: string): Mark
   const marks: Mark[] = [];
   values.forEach((value, i) => {
     if (Number.isNaN(value)) return;
-    const isPleasant = input === "touch" ? value > 0 : value >= 0;
-    marks.push({ time: times[i], text: input === "touch" ? (isPleasant ? "▲ pleasant" : "▼ unpleasant") : `${isPleasant ? "▲" : "▼"} ${signed(value, 1)}` });
+    const isTouch = input === "touch";
+    const isPleasant = isTouch ? value > 0 : value >= 0;
+    const sign = isPleasant ? "▲" : "▼";
+    const words = isTouch ? (isPleasant ? "pleasant" : "unpleasant") : signed(value, 1);
+    marks.push({ time: times[i], texts: [`${sign} ${words}`, sign] });
   });
   return marks;
 }

@@ -15,7 +15,7 @@ export interface Segment {
 
 export interface Mark {
   time: number;
-  text: string;
+  texts: string[];
 }
 
 export interface Lane {
@@ -83,8 +83,14 @@ function drawLane(chart: uPlot, context: CanvasRenderingContext2D, lane: Lane, t
     drawText(context, texts, (x + position(to)) / 2, top + height / 2, position(to) - x);
   }
   const { min, max } = chart.scales.x;
-  for (const { time, text } of lane.marks)
-    if (time >= (min ?? 0) && time <= (max ?? 0)) drawText(context, [text], position(time), top + height / 2, Infinity);
+  const marks = lane.marks.filter(({ time }) => time >= (min ?? 0) && time <= (max ?? 0));
+  marks.forEach(({ time, texts }, number) => {
+    const x = position(time);
+    const toLast = number > 0 ? x - position(marks[number - 1].time) : Infinity;
+    const toNext = number + 1 < marks.length ? position(marks[number + 1].time) - x : Infinity;
+    const room = Math.min(toLast, toNext);
+    drawText(context, texts, x, top + height / 2, Math.max(room, 14 * devicePixelRatio));
+  });
 }
 
 /** Draws the lanes below each other, and their names at the left. */

@@ -127,37 +127,51 @@ async function expectKeysMoveTheMoment(url) {
   await page.close();
 }
 
-/** The forces on a quantity begin where the moment before left it, lead into each other, and end at its value. */
-async function expectPinnedForcesLeadToTheValue(url) {
-  const { page } = await open(url);
-  await hover(page, 0.6);
-  await page.keyboard.press("ArrowLeft");
-  const before = await exact(page, "attention");
-  await page.keyboard.press("ArrowRight");
-  assert.equal(await page.locator("#pinned tbody tr").count(), 0);
-  await page.keyboard.press("Enter");
-  const rows = await page
-    .locator("#pinned tbody tr")
-    .evaluateAll((all) =>
-      all.map((row) => ({
+/** Returns the forces that the page lists for the pinned moment. */
+function pinnedForces(page) {
+  return page.locator("#pinned tbody tr").evaluateAll((rows) =>
+    rows.map((row) => {
+      const number = (key) => Number(row.querySelector(`[data-key="${key}"]`).dataset.value);
+      return {
         source: row.querySelector("[data-source]").dataset.source,
         quantity: row.querySelector("small").innerText,
-        numbers: [...row.querySelectorAll("td.number")].map((cell) => cell.innerText.replace("−", "-")),
-      })),
-    );
-  assert.ok(rows.length > 2, "forces are listed");
-  const attention = rows.filter(({ quantity }) => quantity === "attention");
-  assert.ok(attention.length > 0 && attention.every(({ source }) => source.length > 0));
-  const shown = (value) => Number(value.toFixed(3));
-  assert.equal(Number(attention[0].numbers[2]), shown(before));
-  assert.equal(Number(attention[attention.length - 1].numbers[3]), shown(await exact(page, "attention")));
-  for (let i = 1; i < attention.length; ++i) assert.equal(attention[i].numbers[2], attention[i - 1].numbers[3]);
+        target: number("target"),
+        weight: number("weight"),
+        before: number("before"),
+        after: number("after"),
+      };
+    }),
+  );
+}
 
+/** Returns the forces of the update as `skeigiot why` tells them. */
+function explained(recording, person, time) {
+  const text = execFileSync(command, ["why", recording, "--person", String(person), "--at", String(time), "--json"]);
+  return JSON.parse(text).forces.map(({ source, quantity, target, weight, before, after }) => ({
+    source,
+    quantity,
+    target: Math.fround(target),
+    weight: Math.fround(weight),
+    before: Math.fround(before),
+    after: Math.fround(after),
+  }));
+}
+
+async function expectPinnedForcesAreThoseOfWhy(url, recording) {
+  const { page } = await open(url);
+  assert.equal((await pinnedForces(page)).length, 0);
+  for (const share of [0.2, 0.6, 0.95]) {
+    await hover(page, share);
+    await page.keyboard.press("Enter");
+    const forces = await pinnedForces(page);
+    assert.ok(forces.length > 1, "forces are listed");
+    assert.deepEqual(forces, explained(recording, await selectedPerson(page), await exact(page, "time")));
+  }
   await page.keyboard.press("Escape");
-  assert.equal(await page.locator("#pinned tbody tr").count(), 0);
+  assert.equal((await pinnedForces(page)).length, 0);
   const box = await plotBox(page);
   await page.mouse.click(box.x + 0.4 * box.width, box.y + 20);
-  assert.ok((await page.locator("#pinned tbody tr").count()) > 2, "a click pins as well");
+  assert.ok((await pinnedForces(page)).length > 1, "a click pins as well");
   await page.close();
 }
 
@@ -198,8 +212,8 @@ for (const recording of recordings) {
   await test(`${name}: the values of a moment are those of the export`, () =>
     expectValuesAreThoseOfTheExport(url, recording));
   await test(`${name}: keys move the moment`, () => expectKeysMoveTheMoment(url));
-  await test(`${name}: pinned forces lead from the value before to that of the moment`, () =>
-    expectPinnedForcesLeadToTheValue(url));
+  await test(`${name}: the forces of a pinned moment are those that "why" tells`, () =>
+    expectPinnedForcesAreThoseOfWhy(url, recording));
 }
 
 await test("persons can be switched by keyboard", () => {
