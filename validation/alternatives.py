@@ -23,12 +23,9 @@ ACTION_UNITS = {
 }
 
 
-def options(command, units, not_told=()):
-    """Options of the command for a choice of action units, without the readings that are not told."""
-    readings = dict.fromkeys(not_told)
-    if units.joy:
-        readings["joy"] = {"sum": [{"of": units.joy}]}
-    chosen = mapping(command, {"actionUnits": readings}) if readings else []
+def options(command, units):
+    """Options of the command for a choice of action units."""
+    chosen = mapping(command, {"actionUnits": {"joy": {"sum": [{"of": units.joy}]}}}) if units.joy else []
     return [*chosen, "--au-full-scale", units.full_scale] if units.full_scale else chosen
 
 

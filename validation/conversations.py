@@ -17,7 +17,6 @@ AWAY = 30  # degrees; our choice, the coding holds none
 OTHER_ANGLES = [15, 20, 45]
 MEASURES = ["valence with AU12_r (D4)", "valence above 0.2 with a clear smile, without (D5)",
             "together, strangers (D6)"]
-UNKNOWN = ["sorrow", "surprise", "anger", "laughter"]  # what AU06 and AU12 alone do not tell
 
 
 class Person(NamedTuple):
@@ -50,7 +49,6 @@ def validate(command, data):
                                        _valence_of_clear_smiles(persons), _smiles_are_answered(persons)],
         "conversation_persons": _table_of_persons(persons),
         "conversation_angles": _table_of_angles(command, conversations, persons),
-        "conversation_calm": _table_of_calm(persons, _persons_with_calm(command, conversations, ActionUnits())),
     }
 
 
@@ -206,23 +204,13 @@ def _angle_row(name, persons):
             number(max(abs(engaged - coded) for coded, engaged in map(_shares, persons)))]
 
 
-def _table_of_calm(persons, persons_with_calm):
-    return table(["calm of a face of which only AU06 and AU12 are known", *MEASURES],
-                 [["0 with confidence 0 (default)", *_measures(persons)],
-                  ["1 less joy", *_measures(persons_with_calm)]])
-
-
 def measures_of(command, data, units):
-    """The measures of a choice of action units, with calm as 1 less joy."""
-    return _measures(_persons_with_calm(command, _conversations(data), units))
+    """The measures of a choice of action units."""
+    return _measures(_persons(command, _conversations(data), *options(command, units)))
 
 
 def _conversations(data):
     return {name: rows_of(path_of(data, name)) for name in NAMES}
-
-
-def _persons_with_calm(command, conversations, units):
-    return _persons(command, conversations, *options(command, units, not_told=UNKNOWN))
 
 
 def _measures(persons):

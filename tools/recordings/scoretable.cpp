@@ -63,7 +63,7 @@ std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<floa
 {
   KV::Expressions expressions;
   float strongest = 0.f;
-  std::size_t known = 0;
+  bool anyKnown = false;
   for (const Formula& formula : _expressions)
   {
     const float strength = _strengthOf(formula, scores);
@@ -71,13 +71,13 @@ std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<floa
       continue;
     expressions.*formula.expression = {strength, confidence};
     strongest = std::max(strongest, strength);
-    ++known;
+    anyKnown = true;
   }
 
-  if (known == 0)
+  if (!anyKnown)
     return {};
-  // A face is calm as far as no expression shows: that takes all of them.
-  if (_calmIsTheRest && known == _expressions.size())
+  // As far as can be told: without any calm, a face at rest whose scores are known in part would pass for negative.
+  if (_calmIsTheRest)
     expressions.calm = {1.f - strongest, confidence};
   return expressions;
 }

@@ -36,7 +36,7 @@ struct ScoreTable
   Composition anger;
   Composition laughter;
   Composition excitement;
-  Composition calm;  ///< not told: 1 less the greatest of the other expressions, if all that are told are known
+  Composition calm;  ///< not told: 1 less the greatest of the other expressions that are known
 };
 
 /// A column of the table, by its name.

@@ -145,12 +145,19 @@ TEST(Expressions, OfWhichAnActionUnitIsUnknownHaveConfidenceZero)
   ASSERT_TRUE(expressions);
   EXPECT_FLOAT_EQ(1.f, expressions->joy.value);
   EXPECT_FLOAT_EQ(confidence, expressions->joy.confidence);
-  for (const auto& other :
-       {expressions->sorrow, expressions->surprise, expressions->anger, expressions->laughter, expressions->calm})
+  for (const auto& other : {expressions->sorrow, expressions->surprise, expressions->anger, expressions->laughter})
   {
     EXPECT_FLOAT_EQ(0.f, other.value);
     EXPECT_FLOAT_EQ(0.f, other.confidence);
   }
+}
+
+TEST(Expressions, AreCalmAsFarAsCanBeTold)
+{
+  const auto atRest = readings().expressions(faceWith({{"AU06", 0.0}, {"AU12", 0.5}}, unknown), confidence);
+  ASSERT_TRUE(atRest);
+  EXPECT_FLOAT_EQ(1.f - 0.05f, atRest->calm.value);
+  EXPECT_FLOAT_EQ(confidence, atRest->calm.confidence);
 }
 
 TEST(Expressions, AreMissingIfNoneIsKnown)
