@@ -16,7 +16,7 @@ void Explainer::forceActed(const KV::Force& force)
 
 void Explainer::zoneChanged(const KV::ZoneChange& change)
 {
-  _explanation.zoneChanges.push_back(change);
+  _explanation.zoneChanges.emplace_back(change);
 }
 
 void Explainer::personUpdated(const Snapshot& snapshot)

@@ -30,13 +30,26 @@ struct ActedForce
   float after;
 };
 
+/// A change of the attention zone that was seen.
+struct SeenZoneChange
+{
+  explicit SeenZoneChange(const KV::ZoneChange& change)
+    : from(change.from), to(change.to), evidence(change.evidence), time(change.time)
+  {}
+
+  ko::human::AttentionState from;
+  ko::human::AttentionState to;
+  KV::ZoneEvidence evidence;
+  TimePoint time;
+};
+
 /// One update of one person, and why it came out as it did.
 struct Explanation
 {
   Snapshot before;  ///< after the update before it; as of somebody unknown, if there was none
   Snapshot after;
   std::vector<ActedForce> forces;           ///< in the order in which they acted
-  std::vector<KV::ZoneChange> zoneChanges;  ///< likewise
+  std::vector<SeenZoneChange> zoneChanges;  ///< likewise
 };
 
 }  // namespace tools

@@ -43,10 +43,10 @@ Json stateJson(const Snapshot& snapshot)
           {"zone", zoneName(snapshot.zone)}};
 }
 
-Json zoneChangesJson(const std::vector<KV::ZoneChange>& changes, TimePoint start)
+Json zoneChangesJson(const std::vector<SeenZoneChange>& changes, TimePoint start)
 {
   Json json = Json::array();
-  for (const KV::ZoneChange& change : changes)
+  for (const SeenZoneChange& change : changes)
     json.push_back({{"time", secondsOf(change.time - start)},
                     {"from", zoneName(change.from)},
                     {"to", zoneName(change.to)},

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <iterator>
 #include <numeric>
 
 namespace tools
@@ -64,8 +65,8 @@ std::string sourceText(const CombinedForce& combined)
 std::vector<CombinedForce> eachAlone(const std::vector<ActedForce>& forces)
 {
   std::vector<CombinedForce> result;
-  for (const ActedForce& force : forces)
-    result.push_back({force});
+  std::transform(forces.begin(), forces.end(), std::back_inserter(result),
+                 [](const ActedForce& force) { return CombinedForce{force}; });
   return result;
 }
 
@@ -94,7 +95,7 @@ TextTable tableOf(const Explanation& explanation, bool showsEach)
                valueText(force.quantity, force.target), valueText(force.quantity, force.before),
                valueText(force.quantity, force.after)});
   }
-  for (const KV::ZoneChange& change : explanation.zoneChanges)
+  for (const SeenZoneChange& change : explanation.zoneChanges)
     table.add({evidenceName(change.evidence), "zone", "", "", zoneName(change.from), zoneName(change.to)});
   return table;
 }
@@ -204,7 +205,7 @@ std::vector<std::string> sentencesOn(const Explanation& explanation)
   for (const ActedForce& force : explanation.forces)
     movements.add(force.source, force.quantity, force.target, force.before, force.after);
   std::vector<std::string> sentences = sentencesOnChange(explanation.before, explanation.after, movements);
-  for (const KV::ZoneChange& change : explanation.zoneChanges)
+  for (const SeenZoneChange& change : explanation.zoneChanges)
     sentences.push_back("the zone changed from " + zoneName(change.from) + " to " + zoneName(change.to) +
                         ", decided by: " + evidenceName(change.evidence));
   return sentences;

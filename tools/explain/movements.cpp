@@ -1,6 +1,7 @@
 #include "movements.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace tools

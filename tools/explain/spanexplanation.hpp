@@ -31,7 +31,7 @@ struct SpanExplanation
   Snapshot before;    ///< after the last update before the span
   Snapshot after;     ///< after its last update
   Movements movements;
-  std::vector<KV::ZoneChange> zoneChanges;
+  std::vector<SeenZoneChange> zoneChanges;
 };
 
 }  // namespace tools

@@ -33,8 +33,9 @@ Explanation touchedTwice()
     explanation.forces.push_back(acted("Touch emotion", KV::ValenceQuantity, 1.f, 0.5f, before));
     explanation.forces.push_back(acted("Touch emotion", KV::UnsmoothedValenceQuantity, 1.f, 0.5f, before));
   }
-  explanation.zoneChanges.push_back({ko::human::AttentionState::Unknown, ko::human::AttentionState::LookingAtRobot,
-                                     KV::GazeEvidence, explanation.after.time});
+  explanation.zoneChanges.emplace_back(KV::ZoneChange{ko::human::AttentionState::Unknown,
+                                                      ko::human::AttentionState::LookingAtRobot, KV::GazeEvidence,
+                                                      explanation.after.time});
   return explanation;
 }
 

@@ -22,7 +22,7 @@ public:
     _difference.clear();
     for (const tools::ActedForce& force : explanation.forces)
       _apply(force);
-    for (const KV::ZoneChange& change : explanation.zoneChanges)
+    for (const tools::SeenZoneChange& change : explanation.zoneChanges)
     {
       if (change.from != _zone)
         _difference += "the zone was another before it changed; ";

@@ -71,6 +71,22 @@ protected:
   std::ostringstream errors;
 };
 
+TEST_F(ReplayTest, TellsWhatMovedEachRowIfThatIsWanted)
+{
+  scripts["face.csv"] = {seen(0.)};
+  replay();
+  const std::string plain = output.str();
+  EXPECT_THAT(plain, Not(HasSubstr("face characteristics")));
+
+  output.str("");
+  options.sessions.clear();
+  options.explain = true;
+  replay();
+  EXPECT_THAT(output.str(), HasSubstr("\n        valence: face characteristics +"));
+  EXPECT_THAT(output.str(), HasSubstr("; attention: gaze and head +"));
+  EXPECT_EQ(linesOf(plain) + 1, linesOf(output.str())) << "one row, and all else as before";
+}
+
 TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
 {
   scripts["face.csv"] = {seen(0., 2), seen(0.5, 7), seen(1., 2)};

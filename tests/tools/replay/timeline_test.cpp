@@ -82,6 +82,39 @@ TEST(Timeline, MergesRowsIntoTheSameAsIfItHadKnownTheLengthBefore)
   }
 }
 
+KV::Force touchFrom(float before, float after)
+{
+  KV::Force force{};
+  force.source = "Touch emotion";
+  force.quantity = KV::ValenceQuantity;
+  force.before = before;
+  force.after = after;
+  return force;
+}
+
+TEST(Timeline, KnowsWhatMovedEachRowAlsoWhereRowsWereMerged)
+{
+  Timeline timeline(boost::none);
+  timeline.forceActed(touchFrom(0.f, 0.5f));
+  timeline.personUpdated(snapshotAt(0.));
+  timeline.forceActed(touchFrom(0.5f, 0.25f));
+  timeline.personUpdated(snapshotAt(1.));
+  tools::Snapshot other = snapshotAt(2.);
+  other.person = 8;
+  timeline.personUpdated(other);
+  timeline.personUpdated(snapshotAt(300.));
+
+  const std::vector<TimelineRow> rows = timeline.rows().at(0);
+  ASSERT_EQ(2U, rows.size());
+  const auto movements = rows[0].movements().of(KV::ValenceQuantity);
+  ASSERT_EQ(1U, movements.size());
+  EXPECT_EQ("Touch emotion", movements[0].source);
+  EXPECT_EQ(0.75, movements[0].distance());
+  EXPECT_EQ(0.25, movements[0].net());
+  EXPECT_TRUE(rows[1].movements().of(KV::ValenceQuantity).empty());
+  EXPECT_TRUE(timeline.rows().at(8).at(0).movements().of(KV::ValenceQuantity).empty()) << "it was somebody else's";
+}
+
 TEST(Timeline, TakesTheLongestTimesThatAClockCanTell)
 {
   Timeline timeline(boost::none);
