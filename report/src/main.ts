@@ -33,6 +33,7 @@ class Page {
   private moment = 0;
   private pinned: number | null = null;
   private group: ChartGroup | undefined;
+  private isPrinting = false;
   private view: PersonView | undefined;
 
   show(): void {
@@ -43,8 +44,15 @@ class Page {
     document.addEventListener("keydown", (event) => this.keyPressed(event));
     new ResizeObserver(() => this.resized()).observe(byId("estimates"));
     matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.showAll());
-    addEventListener("beforeprint", () => this.showAll(printedWidth));
-    addEventListener("afterprint", () => this.showAll());
+    addEventListener("beforeprint", () => this.setPrinting(true));
+    addEventListener("afterprint", () => this.setPrinting(false));
+  }
+
+  /** Paper is light, and of its own width. */
+  private setPrinting(isPrinting: boolean): void {
+    document.documentElement.toggleAttribute("data-print", isPrinting);
+    this.isPrinting = isPrinting;
+    this.showAll();
   }
 
   private showPersons(): void {
@@ -85,11 +93,11 @@ class Page {
     if (hadFocus) byId(`tab-${number}`).focus();
   }
 
-  private showAll(width = this.chartWidth()): void {
+  private showAll(): void {
     this.group?.destroy();
     const from = this.group?.from ?? 0;
     const to = this.group?.to ?? this.recording.length;
-    const group = new ChartGroup(Math.max(this.recording.length, 1e-3), width, {
+    const group = new ChartGroup(Math.max(this.recording.length, 1e-3), this.chartWidth(), {
       hover: (time) => this.moveTo(time),
       pick: (time) => {
         this.moveTo(time);
@@ -109,6 +117,7 @@ class Page {
   }
 
   private chartWidth(): number {
+    if (this.isPrinting) return printedWidth;
     return Math.max(240, byId("estimates").clientWidth - (innerWidth <= 560 ? 14 : cardPadding));
   }
 

@@ -155,7 +155,7 @@ export function showPinned(target: HTMLElement, recording: Recording, person: Pe
       others > 0
         ? element("p", { class: "note" }, `${others} updates between this moment and the one before it are not shown.`)
         : null,
-      element("p", { class: "note" }, `Pinned. `, element("kbd", {}, "Esc"), " lets it go."),
+      element("p", { class: "note keys" }, "Pinned. ", element("kbd", {}, "Esc"), " lets it go."),
     ),
   );
 }

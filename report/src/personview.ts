@@ -113,7 +113,8 @@ export class PersonView {
       element(
         "p",
         { class: "note" },
-        "Zone: where the person looks, left and right being their own. Drag to zoom in, double-click to see all again.",
+        "Zone: where the person looks, left and right being their own. ",
+        element("span", { class: "keys" }, "Drag to zoom in, double-click to see all again."),
       ),
     );
   }

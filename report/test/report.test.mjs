@@ -221,6 +221,19 @@ await test("persons can be switched by keyboard", () => {
   return expectPersonsCanBeSwitchedByKeyboard(makeReport(severalPersons));
 });
 
+await test("paper is light, also where the screen is dark", async () => {
+  const { page, complaints } = await open(makeReport(recordings[0]), { colorScheme: "dark" });
+  const surface = () => page.evaluate(() => getComputedStyle(document.documentElement).getPropertyValue("--surface"));
+  const onScreen = await surface();
+  await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
+  assert.notEqual(await surface(), onScreen);
+  assert.equal(await surface(), "#ffffff");
+  await page.evaluate(() => dispatchEvent(new Event("afterprint")));
+  assert.equal(await surface(), onScreen);
+  assert.deepEqual(complaints, []);
+  await page.close();
+});
+
 await test("a scope that is named like a script is a name", async () => {
   const recording = join(work, "named.jsonl");
   const scope = "</script><script>document.title='run'</script><img src=x onerror=\"document.title='run'\">";

@@ -50,7 +50,7 @@ Json inputsOf(const Moments& moments)
   return inputs;
 }
 
-float movementOf(const Moment& moment, KV::Quantity quantity, std::uint16_t source)
+float movementOf(const Moment& moment, KV::Quantity quantity, std::size_t source)
 {
   for (const Movement& movement : moment.movements)
   {
@@ -63,7 +63,7 @@ float movementOf(const Moment& moment, KV::Quantity quantity, std::uint16_t sour
 Json movementsOf(const Moments& moments, KV::Quantity quantity, const std::vector<std::string>& sources)
 {
   Json movements = Json::object();
-  for (std::uint16_t source = 0; source < sources.size(); ++source)
+  for (std::size_t source = 0; source < sources.size(); ++source)
   {
     const auto distance = [=](const Moment& moment) { return movementOf(moment, quantity, source); };
     const auto isMoved = [&](const Moment& moment) { return distance(moment) != 0.f; };

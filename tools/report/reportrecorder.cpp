@@ -31,6 +31,7 @@ std::vector<Movement> movementsOf(const std::vector<MomentForce>& forces)
       distances[{force.quantity, force.source}] += static_cast<double>(force.after) - static_cast<double>(force.before);
   }
   std::vector<Movement> movements;
+  movements.reserve(distances.size());
   for (const auto& [key, distance] : distances)
     movements.push_back({key.second, key.first, distance});
   return movements;
