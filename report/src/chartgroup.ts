@@ -101,9 +101,9 @@ export class ChartGroup {
         bind: { dblclick: () => () => (this.showRange(0, this.length), null) },
         ...options.cursor,
       },
+      plugins: [...(options.plugins ?? []), { hooks: { draw: (chart) => this.drawPinned(chart) } }],
       hooks: {
         ...options.hooks,
-        draw: [...(options.hooks?.draw ?? []), (chart) => this.drawPinned(chart)],
         setCursor: [(chart) => this.cursorMoved(chart)],
         setScale: [(chart, key) => this.scaleSet(chart, key)],
       },
