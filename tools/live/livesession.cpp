@@ -79,8 +79,8 @@ private:
 }  // namespace
 
 LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock,
-                         std::vector<SessionObserver*> observers)
-  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers))
+                         std::vector<SessionObserver*> observers, Forces forces)
+  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), forces)
 {}
 
 std::vector<std::int32_t> LiveSession::take(std::string_view line)

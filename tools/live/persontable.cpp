@@ -1,11 +1,14 @@
 #include "persontable.hpp"
 
+#include "forcenames.hpp"
 #include "names.hpp"
 #include "text.hpp"
 
 #include <boost/chrono/duration.hpp>
 
+#include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace tools
 {
@@ -16,11 +19,31 @@ namespace
 const boost::chrono::seconds minute(History::seconds);
 const boost::chrono::milliseconds longestCycle(500);  // between two looks at a person who is there
 
+/// ", valence +0.25 by touch": what moved valence or attention most; empty if nothing did so visibly.
+std::string strongestSource(const Movements& movements)
+{
+  constexpr double leastShown = 0.005;
+  SourceMovement strongest;
+  for (const KV::Quantity quantity : {KV::ValenceQuantity, KV::AttentionQuantity})
+  {
+    for (const SourceMovement& movement : movements.of(quantity))
+    {
+      if (std::abs(movement.net()) > std::abs(strongest.net()))
+        strongest = movement;
+    }
+  }
+  if (!(std::abs(strongest.net()) >= leastShown))
+    return {};
+  return ", " + quantityName(strongest.quantity) + " " + signedNumber(strongest.net()) + " by " +
+         plainSource(strongest.source);
+}
+
 }  // namespace
 
 std::string PersonRow::why(TimePoint now) const
 {
   std::string text = last.pleasure == KV::PleasureUnknown ? "mood unknown" : pleasureName(last.pleasure);
+  text += strongestSource(movements);
   if (last.ease.confidence > 0.f)
     text += ", body " + easeName(last.ease);
   if (!lastSeen)
@@ -34,6 +57,7 @@ void PersonTable::personUpdated(const Snapshot& snapshot)
 {
   PersonRow& row = _rows[snapshot.person];
   row.last = snapshot;
+  row.movements = std::exchange(_movements, {});
   if (snapshot.seen)
     row.lastSeen = snapshot.time;
   row.valence.add(snapshot.time, snapshot.valence.value);

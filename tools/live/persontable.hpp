@@ -1,6 +1,7 @@
 #pragma once
 
 #include "history.hpp"
+#include "movements.hpp"
 #include "sessionobserver.hpp"
 
 #include <boost/optional/optional.hpp>
@@ -15,12 +16,11 @@ namespace tools
 /// What is known of one person at the moment.
 struct PersonRow
 {
-  /// Returns in a few words what the estimate rests on.
-  ///
-  /// The place for the forces that moved it most, once the library tells them.
+  /// Returns in a few words what the estimate rests on, with the source that moved it most in the last update.
   std::string why(TimePoint now) const;
 
   Snapshot last;
+  Movements movements;  ///< of the last update
   boost::optional<TimePoint> lastSeen;
   History valence;
   History attention;
@@ -30,6 +30,7 @@ struct PersonRow
 class PersonTable : public SessionObserver
 {
 public:
+  void forceActed(const KV::Force& force) override { _movements.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
   void remove(std::int32_t person) { _rows.erase(person); }
@@ -41,6 +42,7 @@ public:
 
 private:
   std::map<std::int32_t, PersonRow> _rows;
+  Movements _movements;  // of the update that is under way
 };
 
 }  // namespace tools

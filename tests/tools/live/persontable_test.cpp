@@ -69,6 +69,39 @@ TEST(PersonRow, SaysWhatTheEstimateRestsOn)
   EXPECT_EQ("mood unknown, body uneasy", why(seconds(0)));
 }
 
+KV::Force forceOn(KV::Quantity quantity, const char* source, float before, float after)
+{
+  KV::Force force{};
+  force.quantity = quantity;
+  force.source = source;
+  force.before = before;
+  force.after = after;
+  return force;
+}
+
+TEST(PersonRow, SaysWhatMovedTheEstimateMostInTheLastUpdate)
+{
+  PersonTable table;
+  const auto why = [&table](std::int32_t person) { return table.rows().at(person).why(start); };
+  table.forceActed(forceOn(KV::ValenceQuantity, "Smile", 0.f, 0.25f));
+  table.forceActed(forceOn(KV::ValenceConfidenceQuantity, "User is speaking", 1.f, 0.f));
+  table.forceActed(forceOn(KV::AttentionQuantity, "Gaze and head based attention", 0.75f, 0.25f));
+  table.personUpdated(snapshotOf(4, 0.));
+  EXPECT_EQ("neutral, attention -0.50 by gaze and head", why(4));
+
+  table.forceActed(forceOn(KV::ValenceQuantity, "Touch emotion", 0.f, 0.5f));
+  table.forceActed(forceOn(KV::ValenceQuantity, "Touch emotion", 0.5f, 0.75f));
+  table.personUpdated(snapshotOf(5, 0.));
+  EXPECT_EQ("neutral, valence +0.75 by touch", why(5));
+  EXPECT_EQ("neutral, attention -0.50 by gaze and head", why(4));
+
+  table.personUpdated(snapshotOf(4, 0.));
+  EXPECT_EQ("neutral", why(4)) << "what moved it before the last update is over";
+  table.forceActed(forceOn(KV::ValenceQuantity, "Touch emotion", 0.f, 0.004f));
+  table.personUpdated(snapshotOf(4, 0.));
+  EXPECT_EQ("neutral", why(4)) << "it cannot be seen";
+}
+
 TEST(PersonRow, SaysThatAPersonWasNeverSeen)
 {
   PersonTable table;

@@ -146,6 +146,16 @@ TEST_F(WatchProcess, ShowsARowForEachPersonUntilItIsQuit)
   EXPECT_TRUE(isRestored());
 }
 
+TEST_F(WatchProcess, ShowsWhatMovedAPersonMost)
+{
+  resize(200);
+  write(lineAbout(12));
+  EXPECT_TRUE(sees(", valence +"));
+  EXPECT_TRUE(sees(" by face characteristics"));
+  press('q');
+  EXPECT_EQ(0, status());
+}
+
 TEST_F(WatchProcess, ShowsWhatIsWrongWithALine)
 {
   write("{\"person\":\"Ada\"}\n");
