@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -18,8 +20,8 @@ using tools::SourceMovement;
 std::vector<std::string> sourcesOf(const std::vector<SourceMovement>& movements)
 {
   std::vector<std::string> sources;
-  for (const SourceMovement& movement : movements)
-    sources.push_back(movement.source);
+  std::transform(movements.begin(), movements.end(), std::back_inserter(sources),
+                 [](const SourceMovement& movement) { return movement.source; });
   return sources;
 }
 

@@ -4,9 +4,9 @@
 #include "forcenames.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <string>
 
 namespace explaintests
@@ -35,7 +35,7 @@ public:
 private:
   void _apply(const tools::ActedForce& force)
   {
-    float& value = _values.at(force.quantity);
+    float& value = _values[force.quantity];
     _compare(tools::quantityName(force.quantity) + " before " + force.source, value, force.before);
     const bool isValence = force.quantity == KV::ValenceQuantity || force.quantity == KV::UnsmoothedValenceQuantity;
     value = std::clamp(value + force.weight * (force.target - value), isValence ? -1.f : 0.f, 1.f);
@@ -44,12 +44,12 @@ private:
 
   void _compare(const tools::Snapshot& after)
   {
-    _compare("valence", _values.at(KV::ValenceQuantity), after.valence.value);
-    _compare("valence confidence", _values.at(KV::ValenceConfidenceQuantity), after.valence.confidence);
-    _compare("unsmoothed valence confidence", _values.at(KV::UnsmoothedValenceConfidenceQuantity),
+    _compare("valence", _values[KV::ValenceQuantity], after.valence.value);
+    _compare("valence confidence", _values[KV::ValenceConfidenceQuantity], after.valence.confidence);
+    _compare("unsmoothed valence confidence", _values[KV::UnsmoothedValenceConfidenceQuantity],
              after.unsmoothedValenceBinary.confidence);
-    _compare("attention", _values.at(KV::AttentionQuantity), after.attention.value);
-    _compare("attention confidence", _values.at(KV::AttentionConfidenceQuantity), after.attention.confidence);
+    _compare("attention", _values[KV::AttentionQuantity], after.attention.value);
+    _compare("attention confidence", _values[KV::AttentionConfidenceQuantity], after.attention.confidence);
     if (_zone != after.zone)
       _difference += "zone; ";
   }
@@ -67,7 +67,7 @@ private:
     return bits;
   }
 
-  std::array<float, 6> _values{};
+  std::map<KV::Quantity, float> _values;  // all 0 at first
   ko::human::AttentionState _zone = ko::human::AttentionState::Unknown;
   std::string _difference;
 };
