@@ -35,7 +35,7 @@ std::optional<FaceRow> FaceLandmarkerRows::next()
 {
   if (_rows.empty() && !_readResult())
     return {};
-  FaceRow row = std::move(_rows.front());
+  const FaceRow row = _rows.front();
   _rows.pop_front();
   return row;
 }

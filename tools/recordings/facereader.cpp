@@ -94,7 +94,7 @@ bool FaceReader::_fetchRow()
   if (_frame && _rowTime < _frameTime)
     _refuse(*row, nameOf(_rows->fields().timestamp, _rows->fields().frame),
             "time runs backwards, expected the rows in the order of their frames");
-  _row = std::move(row);
+  _row = row;
   return true;
 }
 

@@ -27,11 +27,11 @@ enum Quantity : int
 /// `before + weight * (target - before)` in single precision, held in the range of the quantity.
 struct Force
 {
-  Quantity quantity;
-  float target;  ///< where the source pulled to; may lie outside the range of the quantity
-  float weight;  ///< share of the way to the target
-  float before;
-  float after;
+  Quantity quantity = ValenceQuantity;
+  float target = 0.f;  ///< where the source pulled to; may lie outside the range of the quantity
+  float weight = 0.f;  ///< share of the way to the target
+  float before = 0.f;
+  float after = 0.f;
   std::string_view source;  ///< what pulled, such as "Touch emotion" or "Not visible"; valid during the callback only
   ko::SystemClock::time_point time;
 };
@@ -49,9 +49,9 @@ enum ZoneEvidence : int
 /// A change of the attention zone.
 struct ZoneChange
 {
-  ko::human::AttentionState from;
-  ko::human::AttentionState to;
-  ZoneEvidence evidence;
+  ko::human::AttentionState from = ko::human::AttentionState::Unknown;
+  ko::human::AttentionState to = ko::human::AttentionState::Unknown;
+  ZoneEvidence evidence = NoAttentionEvidence;
   ko::SystemClock::time_point time;
 };
 
