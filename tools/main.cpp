@@ -27,7 +27,7 @@ tools::ExitStatus run(int argc, char** argv)
   app.set_version_flag("--version", "skeigiot " SKEIGIOT_VERSION, "Print the version and exit");
   app.get_formatter()->column_width(optionColumnWidth);
   app.require_subcommand(1);
-  tools::addReplayCommand(app, status);
+  tools::addReplayCommand(app, status, tools::reportWriter());
   tools::addInspectCommand(app, status);
   tools::addReportCommand(app, status);
   tools::addStreamCommand(app, status);

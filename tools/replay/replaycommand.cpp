@@ -19,6 +19,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
@@ -79,6 +80,8 @@ struct Arguments
   SessionArguments sessions;
   ReadingArguments reading;
   ColorChoice color = ColorChoice::Auto;
+  std::string report;  // the file of the page, empty for none
+  ReportWriter writeReport;
 };
 
 void addSessionOptions(CLI::App& command, Arguments& arguments)
@@ -132,6 +135,7 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
   add("--csv", arguments.replay.csv, "Write every update as comma-separated values");
   add("--jsonl", arguments.replay.jsonl, "Write every update as JSON Lines");
   add("--to-jsonl", arguments.replay.toJsonl, "Write the recording itself in the own format, JSON Lines");
+  add("--report", arguments.report, "Write a page of it, as \"skeigiot report\" does; not to standard output");
 }
 
 /// Tells whether there is none among them that has to be waited for, such as a pipe: a thread that waits cannot be
@@ -147,13 +151,14 @@ bool areFiles(const std::vector<std::string>& paths)
 }
 
 /// \throws CLI::ValidationError for options that do not go together.
-void checkExports(const ReplayOptions& options)
+void checkExports(const ReplayOptions& options, const std::string& report)
 {
   if (!options.toJsonl.empty() && options.sessions.size() > 1)
     throw CLI::ValidationError("--to-jsonl", "takes one session only: times in a recording never go backwards");
   std::map<std::string, std::string> optionOfTarget;
-  for (const auto& [option, target] : {std::make_pair("--csv", options.csv), std::make_pair("--jsonl", options.jsonl),
-                                       std::make_pair("--to-jsonl", options.toJsonl)})
+  for (const auto& [option, target] :
+       {std::make_pair("--csv", options.csv), std::make_pair("--jsonl", options.jsonl),
+        std::make_pair("--to-jsonl", options.toJsonl), std::make_pair("--report", report)})
   {
     if (target.empty())
       continue;
@@ -161,6 +166,22 @@ void checkExports(const ReplayOptions& options)
     if (!isNew)
       throw CLI::ValidationError(option, "writes to '" + target + "', as does " + other->second);
   }
+}
+
+/// \throws CLI::ValidationError if there can be no page of this replay.
+void checkReport(const Arguments& arguments)
+{
+  const std::string option = "--report";
+  if (arguments.report.empty())
+    return;
+  if (!arguments.writeReport)
+    throw CLI::ValidationError(option, "this command was built without the page: it needs npm");
+  if (arguments.report == "-")
+    throw CLI::ValidationError(option, "needs a file; standard output shows the replay");
+  if (arguments.replay.sessions.size() != 1)
+    throw CLI::ValidationError(option, "is about one session: name the inputs of one recording");
+  if (!areFiles(arguments.sessions.paths))
+    throw CLI::ValidationError(option, "reads the recording a second time, so it must be a file");
 }
 
 /// Fills in the sessions, and which of their options follow from them.
@@ -182,7 +203,16 @@ void plan(Arguments& arguments, Messages& messages)
   }
   if (!areFiles(arguments.sessions.paths))
     arguments.replay.jobs = 1;
-  checkExports(arguments.replay);
+  checkExports(arguments.replay, arguments.report);
+  checkReport(arguments);
+}
+
+/// Writes the page in a pass of its own; what there is to complain of, the first one has said.
+ExitStatus writeReport(const Arguments& arguments, const ReplaySurroundings& ofReplay)
+{
+  std::ostringstream unheard;
+  const ReplaySurroundings surroundings{ofReplay.open, unheard, widestTable, Style(false), unheard, false};
+  return arguments.writeReport(arguments.replay, surroundings, arguments.report);
 }
 
 ExitStatus run(Arguments& arguments)
@@ -207,14 +237,16 @@ ExitStatus run(Arguments& arguments)
                                   Style(useColors(arguments.color, STDOUT_FILENO)),
                                   std::cerr,
                                   isTerminal(STDERR_FILENO)};
-  return replay(arguments.replay, surroundings);
+  const ExitStatus status = replay(arguments.replay, surroundings);
+  return arguments.report.empty() ? status : graver(status, writeReport(arguments, surroundings));
 }
 
 }  // namespace
 
-void addReplayCommand(CLI::App& app, ExitStatus& status)
+void addReplayCommand(CLI::App& app, ExitStatus& status, const ReportWriter& writeReport)
 {
   const auto arguments = std::make_shared<Arguments>();
+  arguments->writeReport = writeReport;
   CLI::App& command = *app.add_subcommand("replay", description);
   arguments->replay.jobs = std::max(1U, std::thread::hardware_concurrency());
   addSessionOptions(command, *arguments);

@@ -1,13 +1,23 @@
 #pragma once
 
 #include "exitstatus.hpp"
+#include "replay.hpp"
 
 #include <CLI/App.hpp>
+
+#include <functional>
+#include <string>
 
 namespace tools
 {
 
+/// Replays the one session of the options, and writes a page of it into a file.
+using ReportWriter = std::function<ExitStatus(const ReplayOptions& options, const ReplaySurroundings& surroundings,
+                                              const std::string& file)>;
+
 /// Adds the subcommand "replay"; when it is parsed it runs, and leaves its status.
-void addReplayCommand(CLI::App& app, ExitStatus& status);
+///
+/// Without a writer, the option --report is refused.
+void addReplayCommand(CLI::App& app, ExitStatus& status, const ReportWriter& writeReport);
 
 }  // namespace tools

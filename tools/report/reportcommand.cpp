@@ -93,6 +93,15 @@ ExitStatus run(Arguments& arguments)
 
 }  // namespace
 
+ReportWriter reportWriter()
+{
+  if (reportTemplate().empty())
+    return {};
+  return [](const ReplayOptions& options, const ReplaySurroundings& surroundings, const std::string& file) {
+    return writeReport(options, surroundings, reportTemplate(), file);
+  };
+}
+
 void addReportCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();

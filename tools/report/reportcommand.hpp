@@ -1,6 +1,7 @@
 #pragma once
 
 #include "exitstatus.hpp"
+#include "replaycommand.hpp"
 
 #include <CLI/App.hpp>
 
@@ -9,5 +10,8 @@ namespace tools
 
 /// Adds the subcommand "report"; when it is parsed it runs, and leaves its status.
 void addReportCommand(CLI::App& app, ExitStatus& status);
+
+/// Returns what writes the page for other commands, empty if this one was built without the page.
+ReportWriter reportWriter();
 
 }  // namespace tools

@@ -100,6 +100,7 @@ TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
                              "--csv FILE",
                              "--jsonl FILE",
                              "--to-jsonl FILE",
+                             "--report FILE",
                              "--format NAME",
                              "--fps HZ",
                              "--mirrored",

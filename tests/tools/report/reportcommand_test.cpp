@@ -87,4 +87,43 @@ TEST_F(ReportCommand, RefusesSeveralSessions)
   EXPECT_THAT(result.errors, HasSubstr("a report is about one session"));
 }
 
+TEST_F(ReportCommand, IsWhatAReplayWritesBesideWhatItShows)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  runCommand({"report", recording, "-o", folder.path("alone.html")});
+  const CommandResult shown = runCommand({"replay", recording});
+  const CommandResult result = runCommand({"replay", recording, "--report", folder.path("beside.html")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ(shown.output, result.output);
+  EXPECT_EQ(shown.errors, result.errors);
+  EXPECT_EQ(folder.read("alone.html"), folder.read("beside.html"));
+}
+
+TEST_F(ReportCommand, OfAReplaySaysOnlyOnceWhatWasBad)
+{
+  const std::string recording = folder.write("smiles.csv", smiles + "2,smile,wide\n");
+  const CommandResult without = runCommand({"replay", recording, "-q"});
+  const CommandResult result = runCommand({"replay", recording, "-q", "--report", folder.path("report.html")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ(without.errors, result.errors);
+  EXPECT_THAT(folder.read("report.html"), HasSubstr("smiles.csv:4: value: expected a number"));
+}
+
+TEST_F(ReportCommand, OfAReplayNeedsOneSessionOfFilesAndAFileToWrite)
+{
+  folder.write("a.csv", smiles);
+  folder.write("b.csv", smiles);
+  const auto errorOf = [&](const std::string& recording, const std::string& file) {
+    const CommandResult result = runCommand({"replay", recording, "--report", file});
+    EXPECT_EQ(2, result.status);
+    return result.errors;
+  };
+  EXPECT_THAT(errorOf(folder.path(""), folder.path("c.html")), HasSubstr("--report: is about one session"));
+  EXPECT_THAT(errorOf(folder.path("a.csv"), "-"), HasSubstr("--report: needs a file"));
+  const CommandResult twice =
+      runCommand({"replay", folder.path("a.csv"), "--csv", folder.path("x"), "--report", folder.path("x")});
+  EXPECT_THAT(twice.errors, HasSubstr("--report: writes to"));
+  EXPECT_EQ((std::set<std::string>{"a.csv", "b.csv"}), folder.names());
+}
+
 }  // namespace
