@@ -41,15 +41,15 @@ bool looksLikeBlendshapeCsv(const std::string& head)
 }
 
 BlendshapeCsvRows::BlendshapeCsvRows(const std::string& path, const ReadingOptions& options)
-  : _options(options),
+  : CsvFaceRows(path, isBlendshape),
+    _options(options),
     _blendshapes(readMapping(options.mapping)),
-    _file(path, isBlendshape),
-    _frame(_file.header().find("frame")),
-    _time(_findTime(_file.header())),
-    _confidence(_file.header().find("confidence")),
-    _scores(_file.header().find(_blendshapes.names())),
-    _matrix(_findMatrix(_file.header())),
-    _persons(_file.header(), options.personColumn, faceColumnOf(_file.header()))
+    _frame(file().header().find("frame")),
+    _time(_findTime(file().header())),
+    _confidence(file().header().find("confidence")),
+    _scores(file().header().find(_blendshapes.names())),
+    _matrix(_findMatrix(file().header())),
+    _persons(file().header(), options.personColumn, faceColumnOf(file().header()))
 {}
 
 std::optional<BlendshapeCsvRows::TimeColumn> BlendshapeCsvRows::_findTime(const CsvHeader& header)
@@ -78,7 +78,7 @@ ColumnGroup<matrixSize> BlendshapeCsvRows::_findMatrix(const CsvHeader& header)
 
 std::optional<FaceRow> BlendshapeCsvRows::next()
 {
-  if (!_file.next())
+  if (!file().next())
     return {};
   return _readRow();
 }
@@ -86,11 +86,11 @@ std::optional<FaceRow> BlendshapeCsvRows::next()
 // A row of a frame without a face has nothing in the columns that are read.
 FaceRow BlendshapeCsvRows::_readRow()
 {
-  const CsvNumbers numbers = _file.numbers();
+  const CsvNumbers numbers = file().numbers();
   numbers.refuseOtherFieldCounts();
 
   FaceRow row;
-  row.line = _file.lineNumber();
+  row.line = file().lineNumber();
   row.frame = _readFrame(numbers);
   const double confidence = _confidence ? numbers.number(*_confidence) : 1.0;
   row.tracked = static_cast<float>(confidence) >= _options.minimalConfidence;
@@ -103,7 +103,7 @@ FaceRow BlendshapeCsvRows::_readRow()
   if (!row.tracked)
     return row;
 
-  row.face = _persons.personOf(numbers, _file.place());
+  row.face = _persons.personOf(numbers, file().place());
   _blendshapes.setExpressions(row.readings, scores, std::min(static_cast<float>(confidence), 1.f));
   FacePose whole = pose.value_or(FacePose());
   if (const auto eyes = _blendshapes.eyes(scores))

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "blendshapereadings.hpp"
-#include "csvfacefile.hpp"
+#include "csvfacerows.hpp"
 #include "csvpersons.hpp"
-#include "facerows.hpp"
 #include "facetransformation.hpp"
 #include "recording.hpp"
 
@@ -20,7 +19,7 @@ bool looksLikeBlendshapeCsv(const std::string& head);
 
 /// The rows of a CSV file with a column for each blendshape of the MediaPipe FaceLandmarker, by its name, and perhaps
 /// 16 for the transformation matrix.
-class BlendshapeCsvRows : public FaceRows
+class BlendshapeCsvRows : public CsvFaceRows
 {
 public:
   /// Opens the file and reads its header.
@@ -29,11 +28,7 @@ public:
   BlendshapeCsvRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
-  const std::string& path() const override { return _file.path(); }
-  std::size_t lineNumber() const override { return _file.lineNumber(); }
-  double progress() const override { return _file.progress(); }
   Fields fields() const override;
-  RecordingColumns columns() const override { return _file.header().columns(); }
   std::string describeReadings() const override;
   std::string describePersons() const override;
   std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
@@ -56,7 +51,6 @@ private:
 
   ReadingOptions _options;
   BlendshapeReadings _blendshapes;
-  CsvFaceFile _file;
   std::optional<std::size_t> _frame;
   std::optional<TimeColumn> _time;
   std::optional<std::size_t> _confidence;

@@ -74,20 +74,20 @@ bool looksLikeLiveLink(const std::string& head)
 }
 
 LiveLinkRows::LiveLinkRows(const std::string& path, const ReadingOptions& options)
-  : _options(options),
+  : CsvFaceRows(path, isRead),
+    _options(options),
     _blendshapes(readMapping(options.mapping)),
-    _file(path, isRead),
-    _timecode(findNeeded(_file.header(), "Timecode")),
-    _count(findNeeded(_file.header(), "BlendShapeCount")),
-    _scores(findScores(_file.header(), _blendshapes.names())),
-    _head(_file.header().findAll<3>(headNames)),
-    _eyes(_file.header().findAll<4>(eyeNames)),
-    _persons(_file.header(), options.personColumn, "")
+    _timecode(findNeeded(file().header(), "Timecode")),
+    _count(findNeeded(file().header(), "BlendShapeCount")),
+    _scores(findScores(file().header(), _blendshapes.names())),
+    _head(file().header().findAll<3>(headNames)),
+    _eyes(file().header().findAll<4>(eyeNames)),
+    _persons(file().header(), options.personColumn, "")
 {}
 
 std::optional<FaceRow> LiveLinkRows::next()
 {
-  if (!_file.next())
+  if (!file().next())
     return {};
   return _readRow();
 }
@@ -96,18 +96,18 @@ std::optional<FaceRow> LiveLinkRows::next()
 FaceRow LiveLinkRows::_readRow()
 {
   ++_row;
-  const CsvNumbers numbers = _file.numbers();
-  const bool isLost = _file.fieldCount() == 2 && _timecode == 0 && _count == 1 && numbers.number(_count) == 0.0;
+  const CsvNumbers numbers = file().numbers();
+  const bool isLost = file().fieldCount() == 2 && _timecode == 0 && _count == 1 && numbers.number(_count) == 0.0;
   if (!isLost)
     numbers.refuseOtherFieldCounts();
 
   FaceRow row;
-  row.line = _file.lineNumber();
+  row.line = file().lineNumber();
   row.frame = _readFrame(numbers);
   row.tracked = !isLost && numbers.number(_count) > 0.0;
   if (row.tracked)
   {
-    row.face = _persons.personOf(numbers, _file.place());
+    row.face = _persons.personOf(numbers, file().place());
     row.readings = _readReadings(numbers);
   }
   return row;

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "blendshapereadings.hpp"
-#include "csvfacefile.hpp"
+#include "csvfacerows.hpp"
 #include "csvpersons.hpp"
-#include "facerows.hpp"
 #include "recording.hpp"
 
 #include <cstddef>
@@ -19,7 +18,7 @@ namespace tools
 bool looksLikeLiveLink(const std::string& head);
 
 /// The rows of a CSV file of Live Link Face: the blendshapes of ARKit, and the angles of head and eyes.
-class LiveLinkRows : public FaceRows
+class LiveLinkRows : public CsvFaceRows
 {
 public:
   /// Opens the file and reads its header.
@@ -28,11 +27,7 @@ public:
   LiveLinkRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
-  const std::string& path() const override { return _file.path(); }
-  std::size_t lineNumber() const override { return _file.lineNumber(); }
-  double progress() const override { return _file.progress(); }
   Fields fields() const override;
-  RecordingColumns columns() const override { return _file.header().columns(); }
   std::string describeReadings() const override;
   std::string describePersons() const override;
   std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
@@ -46,7 +41,6 @@ private:
 
   ReadingOptions _options;
   BlendshapeReadings _blendshapes;
-  CsvFaceFile _file;
   std::size_t _timecode;
   std::size_t _count;
   std::vector<std::optional<std::size_t>> _scores;

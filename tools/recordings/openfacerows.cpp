@@ -11,27 +11,27 @@ namespace tools
 {
 
 OpenFaceRows::OpenFaceRows(const std::string& path, const ReadingOptions& options)
-  : _options(options),
+  : CsvFaceRows(path, isOfOpenFace),
+    _options(options),
     _units(readMapping(options.mapping).actionUnits),
-    _file(path, isOfOpenFace),
-    _columns(findOpenFaceColumns(_file.header(), _units.names())),
-    _persons(_file.header(), options.personColumn, "face_id")
+    _columns(findOpenFaceColumns(file().header(), _units.names())),
+    _persons(file().header(), options.personColumn, "face_id")
 {}
 
 std::optional<FaceRow> OpenFaceRows::next()
 {
-  if (!_file.next())
+  if (!file().next())
     return {};
   return _readRow();
 }
 
 FaceRow OpenFaceRows::_readRow()
 {
-  const CsvNumbers numbers = _file.numbers();
+  const CsvNumbers numbers = file().numbers();
   numbers.refuseOtherFieldCounts();
 
   FaceRow row;
-  row.line = _file.lineNumber();
+  row.line = file().lineNumber();
   if (_columns.frame)
     row.frame.number = numbers.frameNumber(*_columns.frame);
   if (_columns.timestamp)
@@ -43,7 +43,7 @@ FaceRow OpenFaceRows::_readRow()
   row.tracked = wasFound && static_cast<float>(confidence) >= _options.minimalConfidence;
   if (row.tracked)
   {
-    row.face = _persons.personOf(numbers, _file.place());
+    row.face = _persons.personOf(numbers, file().place());
     row.readings = readOpenFaceFace(numbers, _columns, _units, _options, std::min(static_cast<float>(confidence), 1.f));
     // Where no column tells whether a face was found, the readings do.
     if (!_columns.success && !_columns.confidence)

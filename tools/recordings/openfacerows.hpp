@@ -1,8 +1,7 @@
 #pragma once
 
-#include "csvfacefile.hpp"
+#include "csvfacerows.hpp"
 #include "csvpersons.hpp"
-#include "facerows.hpp"
 #include "openfacecolumns.hpp"
 #include "recording.hpp"
 #include "scoretable.hpp"
@@ -15,7 +14,7 @@ namespace tools
 {
 
 /// The rows of a CSV file of OpenFace 2, or of an older version.
-class OpenFaceRows : public FaceRows
+class OpenFaceRows : public CsvFaceRows
 {
 public:
   /// Opens the file and reads its header.
@@ -24,21 +23,16 @@ public:
   OpenFaceRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
-  const std::string& path() const override { return _file.path(); }
-  std::size_t lineNumber() const override { return _file.lineNumber(); }
-  double progress() const override { return _file.progress(); }
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;
   std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
-  RecordingColumns columns() const override { return _file.header().columns(); }
 
 private:
   FaceRow _readRow();
 
   ReadingOptions _options;
   ScoreReadings _units;
-  CsvFaceFile _file;
   OpenFaceColumns _columns;
   CsvPersons _persons;
   FrameCounter _frames;

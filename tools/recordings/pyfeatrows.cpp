@@ -68,12 +68,12 @@ PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options)
 {}
 
 PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options, const Mapping& mapping)
-  : _options(options),
+  : CsvFaceRows(path, isOfPyFeat),
+    _options(options),
     _units(mapping.actionUnits),
     _emotions(mapping.emotions),
-    _file(path, isOfPyFeat),
-    _columns(findPyFeatColumns(_file.header(), _units.names(), _emotions.names())),
-    _chosenPersons(_file.header(), options.personColumn, "Identity"),
+    _columns(findPyFeatColumns(file().header(), _units.names(), _emotions.names())),
+    _chosenPersons(file().header(), options.personColumn, "Identity"),
     _convention(mapping.pyFeat),
     _ahead([this] { return _readRaw(); })
 {
@@ -109,13 +109,13 @@ std::optional<FaceRow> PyFeatRows::next()
 
 std::optional<PyFeatRows::Raw> PyFeatRows::_readRaw()
 {
-  if (!_file.next())
+  if (!file().next())
     return {};
-  const CsvNumbers numbers = _file.numbers();
+  const CsvNumbers numbers = file().numbers();
   numbers.refuseOtherFieldCounts();
 
   Raw raw;
-  raw.row.line = _file.lineNumber();
+  raw.row.line = file().lineNumber();
   if (_columns.frame)
     raw.row.frame.number = numbers.frameNumber(*_columns.frame);
   else
@@ -143,7 +143,7 @@ void PyFeatRows::_readFace(const CsvNumbers& numbers, Raw& raw)
   readings.facialPoints = readFacialPoints(numbers, _columns.landmarks, confidence, _options.mirrored);
   raw.angles = _readAngles(numbers);
   if (!_options.personColumn.empty())
-    raw.row.face = _chosenPersons.personOf(numbers, _file.place());
+    raw.row.face = _chosenPersons.personOf(numbers, file().place());
   else if (_columns.identity)
     raw.identity = numbers.text(*_columns.identity);
 }

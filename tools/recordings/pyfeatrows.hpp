@@ -1,8 +1,7 @@
 #pragma once
 
-#include "csvfacefile.hpp"
+#include "csvfacerows.hpp"
 #include "csvpersons.hpp"
-#include "facerows.hpp"
 #include "lookahead.hpp"
 #include "mapping.hpp"
 #include "pyfeatangles.hpp"
@@ -23,7 +22,7 @@ namespace tools
 ///
 /// Its versions differ in units and signs, and it may name no persons: so the first rows are looked at before any is
 /// read for good.
-class PyFeatRows : public FaceRows
+class PyFeatRows : public CsvFaceRows
 {
 public:
   /// Opens the file, and looks at its header and first rows.
@@ -32,11 +31,7 @@ public:
   PyFeatRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
-  const std::string& path() const override { return _file.path(); }
-  std::size_t lineNumber() const override { return _file.lineNumber(); }
-  double progress() const override { return _file.progress(); }
   Fields fields() const override;
-  RecordingColumns columns() const override { return _file.header().columns(); }
   AssumedRate assumedRate() const override { return _assumedRate; }
   std::string describeReadings() const override;
   std::string describePersons() const override;
@@ -64,7 +59,6 @@ private:
   ReadingOptions _options;
   ScoreReadings _units;
   ScoreReadings _emotions;
-  CsvFaceFile _file;
   PyFeatColumns _columns;
   CsvPersons _chosenPersons;
   FrameCounter _frames;

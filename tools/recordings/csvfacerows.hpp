@@ -1,0 +1,34 @@
+#pragma once
+
+#include "csvfacefile.hpp"
+#include "facerows.hpp"
+
+#include <cstddef>
+#include <string>
+
+namespace tools
+{
+
+/// The rows of a CSV file of a face analyser: what does not differ from format to format.
+class CsvFaceRows : public FaceRows
+{
+public:
+  const std::string& path() const override { return _file.path(); }
+  std::size_t lineNumber() const override { return _file.lineNumber(); }
+  double progress() const override { return _file.progress(); }
+  RecordingColumns columns() const override { return _file.header().columns(); }
+
+protected:
+  /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
+  ///
+  /// \throws RecordingError if it cannot be read.
+  CsvFaceRows(const std::string& path, bool (*isRead)(const std::string& name)) : _file(path, isRead) {}
+
+  CsvFaceFile& file() { return _file; }
+  const CsvFaceFile& file() const { return _file; }
+
+private:
+  CsvFaceFile _file;
+};
+
+}  // namespace tools
