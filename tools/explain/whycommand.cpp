@@ -21,7 +21,6 @@
 #include <cstdint>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 namespace tools
@@ -116,17 +115,10 @@ void checkTimes(const Arguments& arguments)
 /// \throws RecordingError, CLI::ValidationError if there is not exactly one.
 SessionInputs onlySession(const SessionArguments& arguments)
 {
-  try
-  {
-    SessionPlan plan = planSessions(arguments);
-    if (plan.sessions.size() > 1)
-      throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
-    return plan.sessions.front();
-  }
-  catch (const std::invalid_argument& error)
-  {
-    throw CLI::ValidationError(error.what());
-  }
+  const SessionPlan plan = planNamedSessions(arguments);
+  if (plan.sessions.size() > 1)
+    throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
+  return plan.sessions.front();
 }
 
 template <typename Explained>

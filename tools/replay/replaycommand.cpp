@@ -20,7 +20,6 @@
 #include <map>
 #include <memory>
 #include <sstream>
-#include <stdexcept>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -190,17 +189,10 @@ void checkReport(const Arguments& arguments)
 void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
-  try
-  {
-    SessionPlan plan = planSessions(arguments.sessions);
-    arguments.replay.sessions = std::move(plan.sessions);
-    for (const std::string& note : plan.notes)
-      messages.note(note);
-  }
-  catch (const std::invalid_argument& error)
-  {
-    throw CLI::ValidationError(error.what());
-  }
+  SessionPlan plan = planNamedSessions(arguments.sessions);
+  arguments.replay.sessions = std::move(plan.sessions);
+  for (const std::string& note : plan.notes)
+    messages.note(note);
   if (!areFiles(arguments.sessions.paths))
     arguments.replay.jobs = 1;
   checkExports(arguments.replay, arguments.report);

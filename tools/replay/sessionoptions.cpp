@@ -2,7 +2,6 @@
 
 #include "argumentparsing.hpp"
 #include "boundary.hpp"
-#include "sessionplan.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -47,6 +46,18 @@ CLI::Option* addScopeOption(CLI::App& command, std::vector<ScopeSpan>& scopes)
                   "Judge this span, too, in seconds since the start, both ends included;\n"
                   "either may be left out. May be given several times",
                   "NAME=FROM..TO", [&scopes](const std::string& text) { scopes.push_back(parseScopeSpan(text)); });
+}
+
+SessionPlan planNamedSessions(const SessionArguments& arguments)
+{
+  try
+  {
+    return planSessions(arguments);
+  }
+  catch (const std::invalid_argument& error)
+  {
+    throw CLI::ValidationError(error.what());
+  }
 }
 
 void addBoundaryOptions(CLI::App& command)

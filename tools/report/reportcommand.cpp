@@ -13,7 +13,6 @@
 
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <utility>
 
 namespace tools
@@ -53,14 +52,7 @@ void plan(Arguments& arguments)
 {
   arguments.sessions.format = arguments.reading.format;
   arguments.replay.skipBad = arguments.reading.skipBad;
-  try
-  {
-    arguments.replay.sessions = planSessions(arguments.sessions).sessions;
-  }
-  catch (const std::invalid_argument& error)
-  {
-    throw CLI::ValidationError(error.what());
-  }
+  arguments.replay.sessions = planNamedSessions(arguments.sessions).sessions;
   if (arguments.replay.sessions.size() != 1)
     throw CLI::ValidationError(
         "a report is about one session: name the inputs of one recording, and no folder of several");
