@@ -12,16 +12,16 @@ namespace KV
 /// What AmbianceState::ambientActivityLevel() may be asked for.
 enum AmbianceDescription : int
 {
-  AmbianceActivity = 0,
-  AmbianceCalm = 1
+  AmbianceActivity = 0,  ///< the agitation, in [0, 1]
+  AmbianceCalm = 1       ///< the calm, in [0, 1]
 };
 
 /// How excited a room is.
 enum ExcitationState : int
 {
-  ExcitationUnknown = 0,  ///< never returned
-  AmbianceNotExcited = 1,
-  AmbianceExcited = 2
+  ExcitationUnknown = 0,   ///< never returned
+  AmbianceNotExcited = 1,  ///< agitation below the boundary
+  AmbianceExcited = 2      ///< agitation at the boundary or above
 };
 
 /// How agitated or calm the room is: a smoothed activity measure, raised by the movements counted between updates.

@@ -10,7 +10,9 @@ namespace KV
 /// How much at ease a person's posture looks. Stores what it is given.
 struct SKEIGIOT_API BodyLanguageEase
 {
+  /// Makes the ease before the first estimate: level 0, confidence 0.
   BodyLanguageEase() = default;
+  /// Stores both as they are given.
   BodyLanguageEase(float level_, float confidence_) : level(level_), confidence(confidence_) {}
 
   float level = 0.f;       ///< ease in [-0.5, 0.5], both ends included; negative is discomfort, 0 is neutral

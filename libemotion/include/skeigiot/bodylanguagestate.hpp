@@ -16,7 +16,7 @@ class PersonMemory;
 /// What BodyLanguageState::bodyLanguageState() may be asked for.
 enum BodyLanguageDescription : int
 {
-  BodyLanguageEaseDescription = 0
+  BodyLanguageEaseDescription = 0  ///< how much at ease the person looks
 };
 
 /// The body-language estimate of one person: the mean ease of the remembered head postures.

@@ -12,24 +12,25 @@ namespace KV
 /// The twelve facial points by number: what each one means belongs to the face analyser.
 enum PointDescription : int
 {
-  FacialPoint0 = 0,
-  FacialPoint1,
-  FacialPoint2,
-  FacialPoint3,
-  FacialPoint4,
-  FacialPoint5,
-  FacialPoint6,
-  FacialPoint7,
-  FacialPoint8,
-  FacialPoint9,
-  FacialPoint10,
-  FacialPoint11
+  FacialPoint0 = 0,  ///< point 0
+  FacialPoint1,      ///< point 1
+  FacialPoint2,      ///< point 2
+  FacialPoint3,      ///< point 3
+  FacialPoint4,      ///< point 4
+  FacialPoint5,      ///< point 5
+  FacialPoint6,      ///< point 6
+  FacialPoint7,      ///< point 7
+  FacialPoint8,      ///< point 8
+  FacialPoint9,      ///< point 9
+  FacialPoint10,     ///< point 10
+  FacialPoint11      ///< point 11
 };
 
 /// Twelve landmarks of one face: position in the image (x then y, [px]) with a confidence each.
 class SKEIGIOT_API FacialPoints
 {
 public:
+  /// Position in the image, x then y [px], with the confidence in it.
   using Point = ValueConfidence<std::pair<float, float>>;
 
   /// Makes all points (0, 0) with confidence 0.

@@ -27,13 +27,13 @@ enum Quantity : int
 /// `before + weight * (target - before)` in single precision, held in the range of the quantity.
 struct Force
 {
-  Quantity quantity = ValenceQuantity;
-  float target = 0.f;  ///< where the source pulled to; may lie outside the range of the quantity
-  float weight = 0.f;  ///< share of the way to the target
-  float before = 0.f;
-  float after = 0.f;
+  Quantity quantity = ValenceQuantity;  ///< what was pulled at
+  float target = 0.f;                   ///< where the source pulled to; may lie outside the range of the quantity
+  float weight = 0.f;                   ///< share of the way to the target
+  float before = 0.f;                   ///< value of the quantity before the pull
+  float after = 0.f;                    ///< value of the quantity after the pull
   std::string_view source;  ///< what pulled, such as "Touch emotion" or "Not visible"; valid during the callback only
-  ko::SystemClock::time_point time;
+  ko::SystemClock::time_point time;  ///< when it acted, by the clock of the thread
 };
 
 /// What decided on an attention zone.
@@ -49,10 +49,10 @@ enum ZoneEvidence : int
 /// A change of the attention zone.
 struct ZoneChange
 {
-  ko::human::AttentionState from = ko::human::AttentionState::Unknown;
-  ko::human::AttentionState to = ko::human::AttentionState::Unknown;
-  ZoneEvidence evidence = NoAttentionEvidence;
-  ko::SystemClock::time_point time;
+  ko::human::AttentionState from = ko::human::AttentionState::Unknown;  ///< the zone before
+  ko::human::AttentionState to = ko::human::AttentionState::Unknown;    ///< the zone from now on, another one
+  ZoneEvidence evidence = NoAttentionEvidence;                          ///< what decided on the new zone
+  ko::SystemClock::time_point time;                                     ///< when it changed, by the clock of the thread
 };
 
 /// While it lives, every force that an estimate is moved by on the thread that made it is shown to a callback, in
@@ -71,10 +71,12 @@ struct ZoneChange
 class SKEIGIOT_API ScopedForceObserver
 {
 public:
+  /// Takes each force, after it has acted.
   using OnForce = boost::function<void(const Force&)>;
+  /// Takes each change of the attention zone, after it was made.
   using OnZoneChange = boost::function<void(const ZoneChange&)>;
 
-  /// Either callback may be empty.
+  /// Shows forces and changes of the zone from now on; either callback may be empty.
   explicit ScopedForceObserver(OnForce onForce, OnZoneChange onZoneChange = {});
   ~ScopedForceObserver();
   ScopedForceObserver(const ScopedForceObserver&) = delete;

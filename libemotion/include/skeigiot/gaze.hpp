@@ -8,7 +8,9 @@ namespace KV
 /// Direction of a person's gaze. Stores what it is given.
 struct SKEIGIOT_API Gaze
 {
+  /// Makes a gaze straight ahead.
   Gaze() = default;
+  /// Stores both angles [deg] as they are given.
   Gaze(float yaw_, float pitch_) : yaw(yaw_), pitch(pitch_) {}
 
   float yaw = 0.f;    ///< [deg], positive is to the person's own left (the opposite sign of a head yaw)

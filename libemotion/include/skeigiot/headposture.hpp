@@ -20,21 +20,22 @@ public:
 
   /// Makes a head that is straight: all angles 0.
   HeadPosture() = default;
+  /// Stores the three angles [deg] as they are given.
   HeadPosture(float yaw, float pitch, float roll) : _yaw(yaw), _pitch(pitch), _roll(roll) {}
 
   float yaw() const { return _yaw; }      ///< [deg], positive is turned to the person's own right
   float pitch() const { return _pitch; }  ///< [deg], positive is up
   float roll() const { return _roll; }    ///< [deg], positive is tilted to the person's own right shoulder
 
-  void setYaw(float yaw) { _yaw = yaw; }
-  void setPitch(float pitch) { _pitch = pitch; }
-  void setRoll(float roll) { _roll = roll; }
-  void setHeadPosture(float yaw, float pitch, float roll);
+  void setYaw(float yaw) { _yaw = yaw; }                    ///< [deg], stored as it is given
+  void setPitch(float pitch) { _pitch = pitch; }            ///< [deg], stored as it is given
+  void setRoll(float roll) { _roll = roll; }                ///< [deg], stored as it is given
+  void setHeadPosture(float yaw, float pitch, float roll);  ///< [deg], stored as they are given
 
-  bool isUp() const { return _pitch >= upBoundary; }
-  bool isDown() const { return _pitch <= downBoundary; }
-  bool isLeft() const { return _yaw <= leftBoundary; }
-  bool isRight() const { return _yaw >= rightBoundary; }
+  bool isUp() const { return _pitch >= upBoundary; }      ///< up, from upBoundary on
+  bool isDown() const { return _pitch <= downBoundary; }  ///< down, from downBoundary on
+  bool isLeft() const { return _yaw <= leftBoundary; }    ///< to the person's own left, from leftBoundary on
+  bool isRight() const { return _yaw >= rightBoundary; }  ///< to the person's own right, from rightBoundary on
 
 private:
   float _yaw = 0.f;

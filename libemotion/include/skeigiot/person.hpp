@@ -44,15 +44,15 @@ public:
   /// Changes the identifier and nothing else; a social graph goes on finding the person under its former one.
   void setUserSessionID(std::int32_t id);
 
-  void setFrequencyGaze(float hz);
-  void setFrequencyFace(float hz);
+  void setFrequencyGaze(float hz);  ///< see PersonState::setFrequencyGaze()
+  void setFrequencyFace(float hz);  ///< see PersonState::setFrequencyFace()
 
   /// Returns the pleasure state and the attention zone.
   std::pair<PleasureState, ko::human::AttentionState> personDescriptor() const;
 
   std::int32_t personID = 0;  ///< identifier of the person in the robot's user session
-  PersonState personState;
-  PersonMemory personMemory;
+  PersonState personState;    ///< what is thought of the person; a handle
+  PersonMemory personMemory;  ///< what was seen of the person lately; a handle
 };
 
 /// Writes "Person (US#<id>) ", without a line end.

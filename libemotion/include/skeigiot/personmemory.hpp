@@ -18,10 +18,13 @@ class SKEIGIOT_API PersonMemory
 public:
   /// Makes a record of its own with every memory empty.
   PersonMemory();
+  /// Makes a second handle on the record of the other.
   PersonMemory(const PersonMemory&) = default;
+  /// Lets go of the record so far, and shares that of the other.
   PersonMemory& operator=(const PersonMemory&) = default;
   /// Hands the record over: the handle that was moved from has none, and may only be assigned to or destroyed.
   PersonMemory(PersonMemory&&) = default;
+  /// As the move constructor; lets go of the record so far.
   PersonMemory& operator=(PersonMemory&&) = default;
   ~PersonMemory();
 

@@ -25,26 +25,27 @@ namespace KV
 /// valid.
 struct SKEIGIOT_API PersonObservation
 {
+  /// A value and when it was observed, or nothing.
   template <typename T>
   using Reading = boost::optional<Timestamped<T>>;
 
-  Reading<bool> lookingAtRobot;
-  Reading<float> headHeight;  ///< [m] above the floor; kept in the state, never remembered
-  Reading<float> distance;    ///< [m] from the robot
-  Reading<Gaze> gaze;
-  Reading<Smile> smile;
-  Reading<Expressions> expressions;  ///< facial expressions
-  Reading<HeadPosture> headPosture;
-  Reading<ValueConfidence<bool>> gender;
-  Reading<ValueConfidence<unsigned int>> age;  ///< [years]
-  Reading<bool> faceDetected;
-  Reading<FacialPoints> facialPoints;
-  Reading<VoiceEmotion> voiceEmotion;  ///< acts once per time stamp, never remembered
-  Reading<float> asrEmotion;           ///< valence of the recognised speech; only its sign counts
-  Reading<std::int32_t> touchEmotion;  ///< above 0 is a pleasant touch, everything else an unpleasant one
-  Reading<ContextEmotion> contextEmotion;
-  Reading<bool> speaking;  ///< whether the person speaks
-  Reading<RobotHeadPosture> robotHeadPosture;
+  Reading<bool> lookingAtRobot;                ///< kept for callers for 7 s; the estimate does not read it
+  Reading<float> headHeight;                   ///< [m] above the floor; kept in the state, never remembered
+  Reading<float> distance;                     ///< [m] from the robot; 0 is assumed where it is missing
+  Reading<Gaze> gaze;                          ///< remembered for 7 s
+  Reading<Smile> smile;                        ///< acts once per time stamp
+  Reading<Expressions> expressions;            ///< facial expressions; acts once per time stamp
+  Reading<HeadPosture> headPosture;            ///< remembered for 7 s
+  Reading<ValueConfidence<bool>> gender;       ///< kept for callers for 7 s, who say what true means
+  Reading<ValueConfidence<unsigned int>> age;  ///< [years]; kept for callers for 7 s
+  Reading<bool> faceDetected;                  ///< kept for callers for 7 s; the estimate does not read it
+  Reading<FacialPoints> facialPoints;          ///< remembered for 7 s
+  Reading<VoiceEmotion> voiceEmotion;          ///< acts once per time stamp, never remembered
+  Reading<float> asrEmotion;                   ///< valence of the recognised speech; only its sign counts; 7 s
+  Reading<std::int32_t> touchEmotion;          ///< above 0 is a pleasant touch, everything else an unpleasant one; 7 s
+  Reading<ContextEmotion> contextEmotion;      ///< remembered for 20 s
+  Reading<bool> speaking;                      ///< whether the person speaks; remembered for 7 s
+  Reading<RobotHeadPosture> robotHeadPosture;  ///< remembered for 7 s
 };
 
 }  // namespace KV

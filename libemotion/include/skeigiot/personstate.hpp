@@ -58,10 +58,13 @@ public:
   /// A NaN valence or attention is stored as it is, a NaN confidence as 0.
   PersonState(float valence, float valenceConfidence, float attention, float attentionConfidence);
 
+  /// Makes a second handle on the record of the other.
   PersonState(const PersonState&) = default;
+  /// Lets go of the record so far, and shares that of the other.
   PersonState& operator=(const PersonState&) = default;
   /// Hands the record over: the handle that was moved from has none, and may only be assigned to or destroyed.
   PersonState(PersonState&&) = default;
+  /// As the move constructor; lets go of the record so far.
   PersonState& operator=(PersonState&&) = default;
   ~PersonState();
 
@@ -76,11 +79,11 @@ public:
   static void setBinaryBoundaryLookingAtRobot(float boundary);          ///< in (0, 1), 0.6 by default
   static void setBinaryBoundaryStrictlyLookingAtRobot(float boundary);  ///< in (0, 1), 0.9 by default
   static void setBinaryBoundaryConfidence(float boundary);              ///< in (0, 1), 0.4 by default
-  static float getBinaryBoundaryPositive();
-  static float getBinaryBoundaryNegative();
-  static float getBinaryBoundaryLookingAtRobot();
-  static float getBinaryBoundaryStrictlyLookingAtRobot();
-  static float getBinaryBoundaryConfidence();
+  static float getBinaryBoundaryPositive();                             ///< a valence from here on is pleasure
+  static float getBinaryBoundaryNegative();                             ///< a valence below is displeasure
+  static float getBinaryBoundaryLookingAtRobot();                       ///< an attention from here on is engaged
+  static float getBinaryBoundaryStrictlyLookingAtRobot();  ///< an attention from here on is strictly engaged
+  static float getBinaryBoundaryConfidence();              ///< a confidence below says nothing
   /// @}
 
   /// Returns the positive or negative part of the valence (0 or more), or the attention, each with its confidence.
@@ -122,6 +125,7 @@ public:
 
   /// Returns the body-language state inside the record; the reference is valid as long as the record lives.
   const BodyLanguageState& bodyLanguageState() const;
+  /// As above, for the library's own components.
   BodyLanguageState& bodyLanguageState();
 
   /// Returns the mood and the engagement in words, a UTF-8 text of three lines.
@@ -130,8 +134,8 @@ public:
   /// \name Rates of the channels
   /// Stored as given, in observations per second; the estimate does not depend on them. Not synchronised.
   /// @{
-  void setFrequencyFace(float hz);
-  void setFrequencyGaze(float hz);
+  void setFrequencyFace(float hz);  ///< [Hz] of the face; 1000 before the first call
+  void setFrequencyGaze(float hz);  ///< [Hz] of the gaze; 1000 before the first call
   /// @}
 
   /// Ages the state by one cycle in which the person was not seen: valence and attention move 26 % of the way to 0,

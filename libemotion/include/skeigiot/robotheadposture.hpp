@@ -8,7 +8,9 @@ namespace KV
 /// Orientation of the robot's own head. Stores what it is given.
 struct SKEIGIOT_API RobotHeadPosture
 {
+  /// Makes a head that is straight.
   RobotHeadPosture() = default;
+  /// Stores both angles [deg] as they are given.
   RobotHeadPosture(float yaw_, float pitch_) : yaw(yaw_), pitch(pitch_) {}
 
   float yaw = 0.f;    ///< [deg]; only its changes are read

@@ -9,10 +9,11 @@ namespace KV
 template <typename T>
 struct Timestamped
 {
+  /// Stores both as they are given.
   Timestamped(ko::SystemClock::time_point time_, const T& value_) : time(time_), value(value_) {}
 
-  ko::SystemClock::time_point time;
-  T value;
+  ko::SystemClock::time_point time;  ///< [ns] since 1970, when it was observed
+  T value;                           ///< what was observed
 };
 
 /// Compares the times only, so that sorting by "greater" puts the newest record first; the values take no part, and two

@@ -14,9 +14,10 @@ struct SKEIGIOT_API ValueConfidence
 {
   /// Makes a value-initialised value (0, false) with confidence 0.
   ValueConfidence() = default;
+  /// Stores both as they are given.
   ValueConfidence(const T& value_, float confidence_) : value(value_), confidence(confidence_) {}
 
-  T value{};
+  T value{};               ///< in the unit of whoever holds it
   float confidence = 0.f;  ///< meant to lie in [0, 1]
 };
 

@@ -14,16 +14,18 @@ namespace KV
 /// score for surprise: that member is inherited, stays 0, and has no getter.
 struct SKEIGIOT_API VoiceEmotion : Expressions
 {
+  /// Makes scores that are all 0, with confidence 0.
   VoiceEmotion() = default;
+  /// Stores the six scores as they are given.
   VoiceEmotion(ValueConfidence<float> calm, ValueConfidence<float> anger, ValueConfidence<float> joy,
                ValueConfidence<float> sorrow, ValueConfidence<float> laughter, ValueConfidence<float> excitement);
 
-  ValueConfidence<float> calm() const { return Expressions::calm; }
-  ValueConfidence<float> anger() const { return Expressions::anger; }
-  ValueConfidence<float> joy() const { return Expressions::joy; }
-  ValueConfidence<float> sorrow() const { return Expressions::sorrow; }
-  ValueConfidence<float> laughter() const { return Expressions::laughter; }
-  ValueConfidence<float> excitement() const { return Expressions::excitement; }
+  ValueConfidence<float> calm() const { return Expressions::calm; }              ///< a copy
+  ValueConfidence<float> anger() const { return Expressions::anger; }            ///< a copy
+  ValueConfidence<float> joy() const { return Expressions::joy; }                ///< a copy
+  ValueConfidence<float> sorrow() const { return Expressions::sorrow; }          ///< a copy
+  ValueConfidence<float> laughter() const { return Expressions::laughter; }      ///< a copy
+  ValueConfidence<float> excitement() const { return Expressions::excitement; }  ///< a copy
 };
 
 /// Writes "Calm : " and nothing else.

@@ -3,4 +3,5 @@
 /// \file
 /// Marks what libko.so exports; every other symbol of the library stays hidden.
 
+/// Exports a class, a function or a variable from libko.so.
 #define KO_API __attribute__((visibility("default")))

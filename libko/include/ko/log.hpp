@@ -15,13 +15,13 @@ namespace ko::log
 /// How serious a record is; the lower, the graver.
 enum class Level
 {
-  Silent,
-  Fatal,
-  Error,
-  Warning,
-  Info,
-  Verbose,
-  Debug
+  Silent,   ///< nothing; no record has it
+  Fatal,    ///< the process cannot go on
+  Error,    ///< something was not done
+  Warning,  ///< something was refused, or is not as it should be
+  Info,     ///< what is good to know
+  Verbose,  ///< more of it
+  Debug     ///< for developers
 };
 
 /// Handle on a registered category: copies, and handles of one name, are equal.
@@ -33,7 +33,9 @@ public:
   /// Returns the name that the category was registered under.
   const std::string& name() const { return *_name; }
 
+  /// Whether both are of one name.
   bool operator==(const Category& other) const { return _name == other._name; }
+  /// Whether they are of different names.
   bool operator!=(const Category& other) const { return _name != other._name; }
 
 private:
@@ -60,12 +62,12 @@ KO_API std::vector<std::string> categories();
 /// One message with where and when it was written.
 struct Record
 {
-  Level level;
-  std::string category;
-  std::string message;
-  std::string file;      ///< source component, for example "libemotion/src/personstate"
-  std::string function;  ///< name of the function that wrote it
-  int line;
+  Level level;                   ///< how serious it is
+  std::string category;          ///< name of the category, for example "kvmood.emotionalstate"
+  std::string message;           ///< what happened, without a line end
+  std::string file;              ///< source component, for example "libemotion/src/personstate"
+  std::string function;          ///< name of the function that wrote it
+  int line;                      ///< where in the file
   SystemClock::time_point time;  ///< when it was written, by SystemClock
 };
 

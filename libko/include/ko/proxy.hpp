@@ -11,6 +11,7 @@
 namespace ko::proxy
 {
 
+/// Services whose client interfaces belong together.
 enum class Family
 {
   FrameTypes,      ///< coordinate frames and transforms of the robot

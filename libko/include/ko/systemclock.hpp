@@ -37,11 +37,11 @@ extern KO_API __thread ThreadClock threadClock __attribute__((tls_model("initial
 class KO_API SystemClock
 {
 public:
-  using duration = boost::chrono::nanoseconds;
-  using rep = duration::rep;
-  using period = duration::period;
-  using time_point = boost::chrono::time_point<SystemClock, duration>;
-  static constexpr bool is_steady = false;
+  using duration = boost::chrono::nanoseconds;                          ///< signed, of 64 bits
+  using rep = duration::rep;                                            ///< the count of a duration
+  using period = duration::period;                                      ///< a nanosecond
+  using time_point = boost::chrono::time_point<SystemClock, duration>;  ///< [ns] since 1970-01-01T00:00:00Z
+  static constexpr bool is_steady = false;                              ///< the wall clock may be set back
 
   /// Returns the time of the innermost ScopedClockSource of this thread, or the wall clock if there is none.
   ///
@@ -102,6 +102,7 @@ private:
 class ClockReader
 {
 public:
+  /// Returns what SystemClock::now() returns.
   SystemClock::time_point now() const
   {
     if (_ticks)
@@ -120,6 +121,7 @@ private:
 class KO_API ScopedClockSource
 {
 public:
+  /// Lets this thread read `source`, which is not owned.
   explicit ScopedClockSource(ClockSource& source);
   ~ScopedClockSource();
   ScopedClockSource(const ScopedClockSource&) = delete;

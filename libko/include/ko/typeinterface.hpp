@@ -17,7 +17,7 @@ class Value;
 /// What values of a type look like, whatever the C++ type: which of the interfaces below describes it.
 enum class TypeKind
 {
-  Bool,
+  Bool,      ///< true or false
   Int,       ///< signed or unsigned, of 1, 2, 4 or 8 bytes; enumerations too
   Float,     ///< of 4 or 8 bytes
   String,    ///< UTF-8 text
@@ -47,6 +47,7 @@ public:
   TypeInterface& operator=(const TypeInterface&) = delete;
   virtual ~TypeInterface();
 
+  /// Returns which of the interfaces below this is.
   virtual TypeKind kind() const = 0;
 
   /// Returns the C++ type.
@@ -70,22 +71,24 @@ public:
   virtual bool less(void* left, void* right) const = 0;
 };
 
+/// bool.
 class KO_API BoolTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::Bool; }
 
-  virtual bool value(void* storage) const = 0;
-  virtual void assign(void* storage, bool value) const = 0;
+  virtual bool value(void* storage) const = 0;               ///< what is stored
+  virtual void assign(void* storage, bool value) const = 0;  ///< stores it
 };
 
+/// An integer or an enumeration, of any width.
 class KO_API IntTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::Int; }
 
   virtual std::size_t size() const = 0;  ///< in bytes
-  virtual bool isSigned() const = 0;
+  virtual bool isSigned() const = 0;     ///< whether it can be negative
 
   /// Returns the value; for an unsigned type, convert the result to std::uint64_t.
   virtual std::int64_t value(void* storage) const = 0;
@@ -94,6 +97,7 @@ public:
   virtual void assign(void* storage, std::int64_t value) const = 0;
 };
 
+/// float or double.
 class KO_API FloatTypeInterface : public TypeInterface
 {
 public:
@@ -101,27 +105,30 @@ public:
 
   virtual std::size_t size() const = 0;  ///< in bytes
 
+  /// Returns the value, which a double holds exactly.
   virtual double value(void* storage) const = 0;
 
   /// Stores the value, rounded to the nearest that the type has.
   virtual void assign(void* storage, double value) const = 0;
 };
 
+/// A text.
 class KO_API StringTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::String; }
 
-  virtual std::string& value(void* storage) const = 0;
+  virtual std::string& value(void* storage) const = 0;  ///< the text in place
 };
 
+/// A std::vector.
 class KO_API ListTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::List; }
 
-  virtual TypeInterface* elementType() const = 0;  ///< null if that type is not registered
-  virtual std::size_t size(void* storage) const = 0;
+  virtual TypeInterface* elementType() const = 0;     ///< null if that type is not registered
+  virtual std::size_t size(void* storage) const = 0;  ///< number of elements
 
   /// Returns the storage of an element; valid until the list changes. `index` is less than size().
   virtual void* element(void* storage, std::size_t index) const = 0;
@@ -130,14 +137,15 @@ public:
   virtual void append(void* storage, void* element) const = 0;
 };
 
+/// A std::map.
 class KO_API MapTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::Map; }
 
-  virtual TypeInterface* keyType() const = 0;      ///< null if that type is not registered
-  virtual TypeInterface* elementType() const = 0;  ///< null if that type is not registered
-  virtual std::size_t size(void* storage) const = 0;
+  virtual TypeInterface* keyType() const = 0;         ///< null if that type is not registered
+  virtual TypeInterface* elementType() const = 0;     ///< null if that type is not registered
+  virtual std::size_t size(void* storage) const = 0;  ///< number of keys
 
   /// Calls `visit` with the storage of each key and its element, in the order of the map; leave the keys as they are.
   virtual void forEach(void* storage, const std::function<void(void* key, void* element)>& visit) const = 0;
@@ -146,6 +154,7 @@ public:
   virtual void insert(void* storage, void* key, void* element) const = 0;
 };
 
+/// A std::optional or boost::optional.
 class KO_API OptionalTypeInterface : public TypeInterface
 {
 public:
@@ -199,12 +208,13 @@ public:
   virtual bool convertTo(const MemberDifference& difference) const;
 };
 
+/// A ko::Value.
 class KO_API DynamicTypeInterface : public TypeInterface
 {
 public:
   TypeKind kind() const final { return TypeKind::Dynamic; }
 
-  virtual Value& value(void* storage) const = 0;
+  virtual Value& value(void* storage) const = 0;  ///< the value in place
 };
 
 /// Returns what to call the type towards people: "float", "list of int32", or the class name of a struct; "an

@@ -35,8 +35,11 @@ class KO_API Value
 public:
   /// Makes an empty value.
   Value() noexcept = default;
+  /// Holds a clone of what the other holds.
   Value(const Value& other);
+  /// Takes over what the other holds, which is empty afterwards.
   Value(Value&& other) noexcept;
+  /// Lets go of what was held, and holds what the other did.
   Value& operator=(Value other) noexcept;
   ~Value();
 
@@ -61,6 +64,7 @@ public:
   /// \throws std::invalid_argument "A value needs a type." if `type` is null.
   static Value ofType(TypeInterface* type);
 
+  /// Whether nothing is held.
   bool isEmpty() const { return !_type; }
 
   /// Returns the type of what is held, null if empty.
@@ -69,6 +73,7 @@ public:
   /// Returns the storage of what is held, null if empty; valid until the value is assigned to or destroyed.
   void* storage() const { return _storage; }
 
+  /// Returns a copy.
   Value clone() const { return *this; }
 
   /// Returns a value of the same type that shares no record: each handle in it is on a new one, whose registered
@@ -102,6 +107,7 @@ public:
   ///
   /// \throws std::out_of_range with the index or name, if there is none.
   Value at(std::size_t index) const;
+  /// As above.
   Value at(std::string_view name) const;
 
   /// Sets a member of a struct or tuple, converting `value` to its type.
@@ -109,6 +115,7 @@ public:
   /// \throws std::out_of_range with the index or name, if there is none.
   /// \throws TypeError if the value does not fit.
   void set(std::size_t index, const Value& value);
+  /// As above.
   void set(std::string_view name, const Value& value);
 
   /// Orders by contents: negative if this is less than `other`, 0 if equal, positive if greater.
@@ -121,9 +128,13 @@ public:
   /// \throws TypeError if a member is of a type that is not registered, or a handle has no record.
   int compare(const Value& other) const;
 
+  /// Whether compare() gives 0.
   friend bool operator==(const Value& left, const Value& right) { return left.compare(right) == 0; }
+  /// Whether compare() gives anything but 0.
   friend bool operator!=(const Value& left, const Value& right) { return left.compare(right) != 0; }
+  /// Whether compare() gives less than 0.
   friend bool operator<(const Value& left, const Value& right) { return left.compare(right) < 0; }
+  /// Exchanges what both hold; the held objects stay where they are.
   friend KO_API void swap(Value& left, Value& right) noexcept;
 
 private:

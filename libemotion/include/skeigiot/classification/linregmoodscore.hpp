@@ -17,6 +17,7 @@ public:
   ///
   /// \throws std::length_error if `n` is negative.
   LinregMoodScore(int n, float intercept);
+  /// Makes a score with a copy of these weights and this intercept.
   explicit LinregMoodScore(const Coefficient& coefficient);
 
   /// Returns (sum of weight x feature + intercept) / number of features; the class is not read.
@@ -29,9 +30,9 @@ public:
   /// \name Built-in sets for the five valence features: smile, calm, joy, anger, sorrow
   /// Built on the first call (thread-safe), destroyed at the end of the process.
   /// @{
-  static const Coefficient& COEFFICIENT_POS();
-  static const Coefficient& COEFFICIENT_NEU();
-  static const Coefficient& COEFFICIENT_NEG();
+  static const Coefficient& COEFFICIENT_POS();  ///< of the class "positive"
+  static const Coefficient& COEFFICIENT_NEU();  ///< of the class "neutral"
+  static const Coefficient& COEFFICIENT_NEG();  ///< of the class "negative"
   /// @}
 
 private:

@@ -10,16 +10,16 @@ namespace ko::human
 /// "Left" and "right" are the person's own.
 enum class AttentionState : std::int32_t
 {
-  Unknown = 0,  ///< no zone is known
-  LookingAtRobot = 1,
-  LookingUp = 2,
-  LookingDown = 3,
-  LookingLeft = 4,
-  LookingRight = 5,
-  LookingUpLeft = 6,
-  LookingUpRight = 7,
-  LookingDownLeft = 8,
-  LookingDownRight = 9
+  Unknown = 0,          ///< no zone is known
+  LookingAtRobot = 1,   ///< at the robot
+  LookingUp = 2,        ///< up
+  LookingDown = 3,      ///< down
+  LookingLeft = 4,      ///< to the own left
+  LookingRight = 5,     ///< to the own right
+  LookingUpLeft = 6,    ///< up and to the own left
+  LookingUpRight = 7,   ///< up and to the own right
+  LookingDownLeft = 8,  ///< down and to the own left
+  LookingDownRight = 9  ///< down and to the own right
 };
 
 }  // namespace ko::human
