@@ -1,0 +1,3 @@
+#include "module.hpp"
+
+void bindReplay(pybind11::module_&) {}
