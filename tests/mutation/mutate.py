@@ -1,0 +1,197 @@
+"""Changes one thing at a time in the sources of libemotion, and tells which changes no test notices.
+
+Fails if fewer than 97 percent of the mutants are killed. Those that tests/mutation-equivalents.md explains do not count,
+nor do those that do not compile.
+"""
+
+from __future__ import annotations
+
+import argparse
+import concurrent.futures
+import pathlib
+import random
+import sys
+import threading
+import time
+
+from equivalents import Equivalent, read_equivalents, stale_entries
+from mutants import Mutant, find_mutants
+from trial import KILLED, NOT_COMPILED, SURVIVED, BrokenCopy, Outcome, Trial
+
+_PROJECT = pathlib.Path(__file__).resolve().parents[2]
+_EQUIVALENTS = _PROJECT / "tests/mutation-equivalents.md"
+_SOURCES = ("libemotion/src/*.cpp", "libemotion/src/*.hpp")
+_WANTED_PERCENTAGE = 97
+_PORTION = 8  # mutants of one file that a worker takes at a time: changing the file back costs a compilation
+
+Results = list[tuple[Mutant, Outcome]]
+
+
+def main() -> None:
+    arguments = _arguments()
+    mutants = _all_mutants(arguments.only)
+    equivalents = [entry for entry in read_equivalents(_EQUIVALENTS) if _is_wanted(entry.file, arguments.only)]
+    stale = stale_entries(equivalents, mutants)
+    if arguments.list:
+        for mutant in mutants:
+            print(_row(mutant))
+        return
+
+    started = time.monotonic()
+    try:
+        if arguments.mutant:
+            results = _tried(_named(mutants, arguments.mutant), arguments)
+        else:
+            print(f"seed {arguments.seed}, {len(mutants)} mutants to draw from", flush=True)
+            random.Random(arguments.seed).shuffle(mutants)
+            results = _tried_until(mutants, arguments)
+    except BrokenCopy as error:
+        sys.exit(str(error))
+    page = _report(results, equivalents, stale, arguments, time.monotonic() - started)
+    print(page)
+    if arguments.output:
+        arguments.output.write_text(page + "\n" + _table(results) + "\n", encoding="utf-8")
+    if stale or _percentage(results, equivalents) < _WANTED_PERCENTAGE:
+        sys.exit(1)
+
+
+def _arguments() -> argparse.Namespace:
+    parser = argparse.ArgumentParser(prog="script/mutate", description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--seed", type=int, default=random.randrange(1 << 32), help="which mutants are drawn (random)")
+    parser.add_argument("--count", type=int, default=400, help="how many of those that compile are tried (400)")
+    parser.add_argument("--jobs", type=int, default=2, help="how many are tried side by side, each in a copy (2)")
+    parser.add_argument("--only", metavar="FILE", action="append", help="draw from this file of libemotion; repeatable")
+    parser.add_argument("--mutant", metavar="ID", action="append", help="try this one; repeatable")
+    parser.add_argument("--list", action="store_true", help="list the mutants and try none")
+    parser.add_argument("--output", type=pathlib.Path, help="write the report, and what became of each mutant, here")
+    parser.add_argument("--folder", type=pathlib.Path, default=_PROJECT / "build/mutate",
+                        help="keeps copies and builds for the next time (build/mutate)")
+    return parser.parse_args()
+
+
+def _all_mutants(only: list[str] | None) -> list[Mutant]:
+    patterns = only if only else _SOURCES
+    files = sorted({file for pattern in patterns for file in _PROJECT.glob(pattern)})
+    if not files:
+        sys.exit(f"there is no {' nor '.join(patterns)}")
+    return [mutant for file in files
+            for mutant in find_mutants(str(file.relative_to(_PROJECT)), file.read_text(encoding="utf-8"))]
+
+
+def _is_wanted(file: str, only: list[str] | None) -> bool:
+    return not only or any(pathlib.PurePath(file).match(pattern) for pattern in only)
+
+
+def _named(mutants: list[Mutant], ids: list[str]) -> list[Mutant]:
+    found = [mutant for mutant in mutants if mutant.id in ids]
+    missing = set(ids) - {mutant.id for mutant in found}
+    if missing:
+        sys.exit(f"there is no mutant {', '.join(sorted(missing))}")
+    return found
+
+
+def _tried_until(mutants: list[Mutant], arguments: argparse.Namespace) -> Results:
+    """Tries mutants in their order until as many as wanted have compiled."""
+    results: Results = []
+    next_one = 0
+    with Workers(arguments) as workers:
+        while next_one < len(mutants):
+            missing = arguments.count - sum(outcome.state != NOT_COMPILED for _, outcome in results)
+            if missing <= 0:
+                break
+            results += workers.judge(mutants[next_one:next_one + missing])
+            next_one += missing
+    return results
+
+
+def _tried(mutants: list[Mutant], arguments: argparse.Namespace) -> Results:
+    with Workers(arguments) as workers:
+        return workers.judge(mutants)
+
+
+class Workers:
+    """Several copies of the project, each of which judges a portion of the mutants at a time."""
+
+    def __init__(self, arguments: argparse.Namespace) -> None:
+        self._trials = [Trial(_PROJECT, arguments.folder / str(number)) for number in range(arguments.jobs)]
+        self._pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
+        self._lock = threading.Lock()
+
+    def __enter__(self) -> Workers:
+        try:
+            for _ in self._pool.map(Trial.prepare, self._trials):
+                pass
+        except BaseException:
+            self._pool.shutdown()
+            raise
+        self._idle = list(self._trials)
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        self._pool.shutdown()
+
+    def judge(self, mutants: list[Mutant]) -> Results:
+        """Returns what became of each, in the order of files and lines."""
+        in_order = sorted(mutants, key=lambda mutant: (mutant.file, mutant.start, mutant.end))
+        portions = [in_order[first:first + _PORTION] for first in range(0, len(in_order), _PORTION)]
+        return [result for results in self._pool.map(self._judge_portion, portions) for result in results]
+
+    def _judge_portion(self, portion: list[Mutant]) -> Results:
+        with self._lock:
+            trial = self._idle.pop()
+        results = []
+        for mutant in portion:
+            outcome = trial.judge(mutant)
+            results.append((mutant, outcome))
+            print(f"{outcome.state:12}  {_row(mutant)}{'  by ' + outcome.by if outcome.by else ''}", flush=True)
+        with self._lock:
+            self._idle.append(trial)
+        return results
+
+
+def _row(mutant: Mutant) -> str:
+    return f"{mutant.id}  {mutant.file}:{mutant.line}  {mutant.kind}: {mutant.before}  =>  {mutant.after}"
+
+
+def _is_equivalent(mutant: Mutant, equivalents: list[Equivalent]) -> bool:
+    return any(entry.covers(mutant) for entry in equivalents)
+
+
+def _percentage(results: Results, equivalents: list[Equivalent]) -> float:
+    """Returns how many percent of the mutants that count were killed."""
+    counting = [outcome for mutant, outcome in results
+                if outcome.state == KILLED or (outcome.state == SURVIVED and not _is_equivalent(mutant, equivalents))]
+    killed = sum(outcome.state == KILLED for outcome in counting)
+    return 100 * killed / len(counting) if counting else 100
+
+
+def _report(results: Results, equivalents: list[Equivalent], stale: list[str], arguments: argparse.Namespace,
+            seconds: float) -> str:
+    lines = [""]
+    lines += [f"{entry} (tests/mutation-equivalents.md)" for entry in stale]
+    survivors = [mutant for mutant, outcome in results if outcome.state == SURVIVED]
+    unexplained = [mutant for mutant in survivors if not _is_equivalent(mutant, equivalents)]
+    lines += [f"survived: {_row(mutant)}" for mutant in unexplained]
+    refuted = [mutant for mutant, outcome in results
+               if outcome.state == KILLED and _is_equivalent(mutant, equivalents)]
+    lines += [f"killed, although listed as equivalent: {_row(mutant)}" for mutant in refuted]
+
+    compiled = [outcome for _, outcome in results if outcome.state != NOT_COMPILED]
+    killed = sum(outcome.state == KILLED for outcome in compiled)
+    drawn_by = "" if arguments.mutant else f"seed {arguments.seed}: "
+    lines.append(f"{drawn_by}{len(compiled)} mutants in {len({mutant.file for mutant, _ in results})} files, "
+                 f"{len(results) - len(compiled)} more did not compile")
+    lines.append(f"{killed} killed, {len(unexplained)} survived, {len(survivors) - len(unexplained)} are equivalent: "
+                 f"{_percentage(results, equivalents):.1f} % killed, {_WANTED_PERCENTAGE} wanted; "
+                 f"{seconds / 60:.0f} minutes")
+    return "\n".join(lines)
+
+
+def _table(results: Results) -> str:
+    rows = sorted(results, key=lambda result: (result[0].file, result[0].start))
+    return "\n".join(f"{outcome.state}\t{_row(mutant)}\t{outcome.by}" for mutant, outcome in rows)
+
+
+if __name__ == "__main__":
+    main()
