@@ -1,5 +1,11 @@
 # What every target of the project is built with, and how its two libraries are made.
 
+set(skeigiot_exports ${CMAKE_CURRENT_LIST_DIR}/exports.map)
+if(SKEIGIOT_HARDENED)
+  include(CheckPIESupported)
+  check_pie_supported(LANGUAGES CXX)
+endif()
+
 # Language, warnings, floating-point rules and, where asked for, sanitizers and coverage.
 #
 # The estimate is fixed to the last bit, so the compiler must not contract a product and a sum into one operation.
@@ -21,15 +27,30 @@ function(skeigiot_configure_target target)
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
     target_link_options(${target} PRIVATE --coverage)
   endif()
+  if(SKEIGIOT_HARDENED)
+    skeigiot_harden_target(${target})
+  endif()
 endfunction()
 
-# Makes the shared library `name` (alias `alias`) and, where tests are built, the static library `name`-static, through
+# What makes a mistake harder to exploit: programs at random addresses, nothing writable that the loader has filled in,
+# guarded stacks, and checked calls of the C library (which need an optimising compiler).
+function(skeigiot_harden_target target)
+  set(optimised $<NOT:$<CONFIG:Debug>>)
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(${target} PRIVATE -fstack-protector-strong -U_FORTIFY_SOURCE
+                                           $<${optimised}:-D_FORTIFY_SOURCE=2>)
+  target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
+endfunction()
+
+# Makes the shared library `name` (alias `alias`) and the static library `name`-static (alias `alias`-static), through
 # which tests reach the private records. Both are made of the same objects, `name`-objects, so that each source is
 # compiled once; what only the sources need is linked to those.
 function(skeigiot_add_library name alias)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LINKS")
+  string(REGEX REPLACE ".*::" "" export_name ${alias})
   set(include_folders $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  list(TRANSFORM arg_LINKS APPEND -static OUTPUT_VARIABLE static_links)
 
   add_library(${name}-objects OBJECT ${arg_SOURCES})
   skeigiot_configure_target(${name}-objects)
@@ -44,24 +65,30 @@ function(skeigiot_add_library name alias)
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}-objects>)
   add_library(${alias} ALIAS ${name})
-  string(REGEX REPLACE ".*::" "" export_name ${alias})
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-                                           EXPORT_NAME ${export_name})
+                                           EXPORT_NAME ${export_name} LINK_DEPENDS ${skeigiot_exports})
   skeigiot_configure_target(${name})
   target_include_directories(${name} PUBLIC ${include_folders})
   target_link_libraries(${name} PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
+  # Never unloaded: the registered types, and values of them elsewhere, point into the library.
+  target_link_options(${name} PRIVATE LINKER:--version-script=${skeigiot_exports} LINKER:-z,nodelete)
   if(SKEIGIOT_PROFILE STREQUAL "record")
     target_link_options(${name} PRIVATE -fprofile-generate)
   endif()
 
-  if(SKEIGIOT_BUILD_TESTS)
-    list(TRANSFORM arg_LINKS APPEND -static)
-    add_library(${name}-static STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:${name}-objects>)
-    skeigiot_configure_target(${name}-static)
-    target_include_directories(${name}-static PUBLIC ${include_folders} ${CMAKE_CURRENT_SOURCE_DIR}/src)
-    target_link_libraries(${name}-static PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
-  endif()
+  add_library(${name}-static STATIC $<TARGET_OBJECTS:${name}-objects>)
+  add_library(${alias}-static ALIAS ${name}-static)
+  set_target_properties(${name}-static PROPERTIES OUTPUT_NAME ${name} EXPORT_NAME ${export_name}-static)
+  skeigiot_configure_target(${name}-static)
+  target_include_directories(${name}-static PUBLIC ${include_folders} $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src>)
+  target_link_libraries(${name}-static PUBLIC ${static_links} Boost::headers Threads::Threads)
 
-  install(TARGETS ${name} EXPORT skeigiotTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-  install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.hpp")
+  install(
+    TARGETS ${name} ${name}-static
+    EXPORT skeigiotTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT runtime
+            NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+  install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.hpp")
 endfunction()

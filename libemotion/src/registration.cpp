@@ -70,6 +70,8 @@ void registerRecords()
   ko::registerRecord<Person>("::KV::Person", {{"personID", &Person::personID}, {"personState", &Person::personState}});
 }
 
+}  // namespace
+
 /// Registers once, when the library is loaded.
 struct Registration
 {
@@ -80,8 +82,8 @@ struct Registration
   }
 };
 
+/// Not internal, since the static library has the linker look for it: nothing else names this unit.
+extern const Registration registration;
 SKEIGIOT_INITIALISED_EARLY const Registration registration;
-
-}  // namespace
 
 }  // namespace KV
