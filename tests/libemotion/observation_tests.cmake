@@ -6,6 +6,8 @@ set(OBSERVATION_TESTS
     facialpoints_test.cpp
     gaze_test.cpp
     headposture_test.cpp
+    isfinite_test.cpp
+    leaveoutahead_test.cpp
     personobservation_test.cpp
     robotheadposture_test.cpp
     smile_test.cpp
