@@ -51,10 +51,10 @@ constexpr unsigned bitsPerCharacter = 8;
 /// The characters of the numbers from 00 to 99.
 constexpr std::array<std::uint16_t, 100> makePairs()
 {
-  std::array<std::uint16_t, 100> pairs{};
-  for (unsigned i = 0; i < pairs.size(); ++i)
-    pairs[i] = static_cast<std::uint16_t>(('0' + i / 10) | (('0' + i % 10) << bitsPerCharacter));
-  return pairs;
+  std::array<std::uint16_t, 100> result{};
+  for (unsigned i = 0; i < result.size(); ++i)
+    result[i] = static_cast<std::uint16_t>(('0' + i / 10) | (('0' + i % 10) << bitsPerCharacter));
+  return result;
 }
 
 constexpr std::array<std::uint16_t, 100> pairs = makePairs();

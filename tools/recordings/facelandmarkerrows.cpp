@@ -102,10 +102,11 @@ std::string FaceLandmarkerRows::describeReadings() const
                                             : "counted from the optical axis of the camera");
   }
   if (_haveScores)
+  {
     parts.emplace_back(std::string("gaze roughly from eyeLook scores") +
                        (_haveMatrices ? " and the head" : ", relative to the head"));
-  if (_haveScores)
     parts.emplace_back("expressions by blendshapes");
+  }
   parts.emplace_back(_options.mirrored ? "mirrored" : "not mirrored");
   return "MediaPipe FaceLandmarker: " + listed(parts);
 }

@@ -36,7 +36,7 @@ using NativeTypes =
     ::testing::Types<bool, char, std::int8_t, std::uint64_t, Zone, OldZone, float, double, std::string,
                      std::vector<int>, std::map<int, std::string>, std::optional<float>, boost::optional<float>,
                      std::pair<int, float>, std::tuple<>, std::tuple<int, std::string, bool>, ko::Value>;
-TYPED_TEST_SUITE(EveryNativeType, NativeTypes);
+TYPED_TEST_SUITE(EveryNativeType, NativeTypes, );
 
 TYPED_TEST(EveryNativeType, MakesAndDestroysObjects)
 {

@@ -82,7 +82,8 @@ TEST(Values, CopyAndMoveAndSwap)
   Value two = Value::from(2);
   swap(one, two);
   EXPECT_EQ(2, one.to<int>());
-  one = one;
+  const Value& itself = one;
+  one = itself;
   EXPECT_EQ(2, one.to<int>());
   one = Value();
   EXPECT_TRUE(one.isEmpty());
