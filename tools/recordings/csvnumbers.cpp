@@ -14,13 +14,6 @@ namespace
 {
 constexpr double greatestFrame = 1e15;  // up to here a double holds every whole number
 
-// Seconds that fit a clock in nanoseconds, whether they count from the start of the recording or since 1970.
-constexpr double earliestTimestamp = -1.5e9;
-constexpr double latestTimestamp = 9.2e9;
-
-// Beyond it a number is none that was measured, and its square might not fit a float.
-constexpr double greatestMeasurement = 1e15;
-
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 bool isMissing(std::string_view field)

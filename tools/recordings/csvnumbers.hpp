@@ -11,6 +11,13 @@
 namespace tools
 {
 
+/// [s] What fits a clock in nanoseconds, whether it counts from the start of the recording or since 1970.
+constexpr double earliestTimestamp = -1.5e9;
+constexpr double latestTimestamp = 9.2e9;
+
+/// Beyond it a number is none that was measured, and its square might not fit a float.
+constexpr double greatestMeasurement = 1e15;
+
 /// The fields of the row that a file stands on, as numbers.
 class CsvNumbers
 {

@@ -10,7 +10,8 @@
 #include "openfacerows.hpp"
 #include "pyfeatrows.hpp"
 #include "rosbagreader.hpp"
-#include "tidycsvreader.hpp"
+#include "tidycsvtable.hpp"
+#include "tidyreader.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -36,7 +37,7 @@ std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const Re
 
 std::unique_ptr<RecordingReader> openTidyCsv(const std::string& path, const ReadingOptions&)
 {
-  return std::make_unique<TidyCsvReader>(path);
+  return std::make_unique<TidyReader>(std::make_unique<TidyCsvTable>(path));
 }
 
 std::unique_ptr<RecordingReader> openRosbag(const std::string& path, const ReadingOptions& options)

@@ -1,7 +1,5 @@
-#include "tidycsvrow.hpp"
+#include "tidyreadings.hpp"
 
-#include "csvheader.hpp"
-#include "csvnumbers.hpp"
 #include "quote.hpp"
 
 #include <algorithm>
@@ -16,52 +14,40 @@ namespace
 {
 using Column = TidyColumn;
 
-constexpr std::array<const char*, tidyColumnCount> columnNames = {"time", "person", "reading", "value",   "confidence",
-                                                                  "yaw",  "pitch",  "roll",    "valence", "lifetime",
-                                                                  "x",    "y",      "samples"};
-
-bool isEmpty(std::string_view field)
-{
-  constexpr std::array<std::string_view, 7> empty = {"", "NaN", "nan", "NA", "<NA>", "None", "null"};
-  return std::find(empty.begin(), empty.end(), field) != empty.end();
-}
-
-/// The fields of one row, by their columns.
+/// The fields of the row that a table stands on, as readings want them.
 class Fields
 {
 public:
-  Fields(const CsvRows& rows, const TidyColumns& columns)
-    : _file(rows.file()), _columns(columns), _numbers(rows, columns.names)
-  {}
+  explicit Fields(const TidyTable& table) : _table(table) {}
 
-  void refuseOtherCounts() const { _numbers.refuseOtherFieldCounts(); }
+  bool has(Column column) const { return _table.has(column); }
 
-  bool has(Column column) const { return _columns[column] && !isEmpty(_numbers.text(*_columns[column])); }
-
-  std::string text(Column column) const { return std::string(_numbers.text(_index(column))); }
+  std::string text(Column column) const
+  {
+    _refuseMissing(column);
+    return _table.text(column);
+  }
 
   float number(Column column) const
   {
-    const std::size_t index = _index(column);
-    const auto value = static_cast<float>(_numbers.number(index));
+    _refuseMissing(column);
+    const auto value = static_cast<float>(_table.number(column));
     if (!std::isfinite(value))
-      _numbers.refuse(index, "a number");
+      _table.refuseValue(column, "a number");
     return value;
   }
 
   double seconds(Column column) const
   {
-    const std::size_t index = _index(column);
-    const auto seconds = _numbers.timestamp(index);
-    if (!seconds)
-      _numbers.refuse(index, "seconds");
-    return *seconds;
+    _refuseMissing(column);
+    return _table.seconds(column);
   }
 
   template <typename Integer>
   Integer whole(Column column, Integer least = std::numeric_limits<Integer>::min()) const
   {
-    return static_cast<Integer>(_numbers.wholeNumber(_index(column), least, std::numeric_limits<Integer>::max()));
+    _refuseMissing(column);
+    return static_cast<Integer>(_table.wholeNumber(column, least, std::numeric_limits<Integer>::max()));
   }
 
   bool truth(Column column) const
@@ -73,7 +59,7 @@ public:
     for (const char* const no : {"false", "False", "FALSE", "0", "0.0"})
       if (word == no)
         return false;
-    _numbers.refuse(_index(column), "true or false");
+    _table.refuseValue(column, "true or false");
   }
 
   /// A reading without a confidence is sure.
@@ -85,22 +71,14 @@ public:
     return {value, confidence()};
   }
 
-  [[noreturn]] void refuse(Column column, const std::string& message) const
-  {
-    throw BadLine({_file.path(), _file.lineNumber(), nameOf(column)}, message);
-  }
-
 private:
-  std::size_t _index(Column column) const
+  void _refuseMissing(Column column) const
   {
     if (!has(column))
-      refuse(column, "is missing");
-    return *_columns[column];
+      _table.refuse(column, "is missing");
   }
 
-  const InputFile& _file;
-  const TidyColumns& _columns;
-  CsvNumbers _numbers;
+  const TidyTable& _table;
 };
 
 template <auto Member>
@@ -282,86 +260,59 @@ bool contains(const std::vector<Column>& columns, Column column)
 }
 
 // A confidence is refused nowhere: a table of several readings has it in every row.
-void refuseWhatTheReadingHasNot(const Fields& fields, const Reading& reading, const std::string& name)
+void refuseWhatTheReadingHasNot(const TidyTable& table, const Reading& reading, const std::string& name)
 {
   for (const Column column : {Column::Value, Column::Yaw, Column::Pitch, Column::Roll, Column::Valence,
                               Column::Lifetime, Column::X, Column::Y, Column::Samples})
-    if (fields.has(column) && !contains(reading.needed, column) && !contains(reading.optional, column))
-      fields.refuse(column, "there is none of the reading " + name);
+    if (table.has(column) && !contains(reading.needed, column) && !contains(reading.optional, column))
+      table.refuse(column, "there is none of the reading " + name);
 }
 
-std::optional<std::int32_t> personOf(const Fields& fields, const TidyColumns& columns, bool ofPerson)
+std::optional<std::int32_t> personOf(const TidyTable& table, bool ofPerson)
 {
-  if (ofPerson && !columns[Column::Person])
+  if (ofPerson && !table.hasColumn(Column::Person))
     return 0;
   if (ofPerson)
-    return fields.whole<std::int32_t>(Column::Person);
-  if (fields.has(Column::Person))
-    fields.refuse(Column::Person, "expected nobody, since the row is about the room or a scope");
+    return Fields(table).whole<std::int32_t>(Column::Person);
+  if (table.has(Column::Person))
+    table.refuse(Column::Person, "expected nobody, since the row is about the room or a scope");
   return {};
-}
-
-bool isTidyColumn(const std::string& name)
-{
-  return std::find(columnNames.begin(), columnNames.end(), name) != columnNames.end();
 }
 
 }  // namespace
 
-const char* nameOf(TidyColumn column)
+std::optional<TidyReading> tidyReadingNamed(const std::string& name)
 {
-  return columnNames.at(static_cast<std::size_t>(column));
+  const auto found = readings().find(name);
+  if (found == readings().end())
+    return {};
+  return TidyReading{found->second.needed, found->second.optional, found->second.ofPerson};
 }
 
-bool looksLikeTidyCsv(const std::string& head)
+TidyRow readTidyRow(const TidyTable& table)
 {
-  const auto names = namesIn(headerLineOf(head), ",;\t|");
-  const auto has = [&names](Column column) {
-    return std::find(names.begin(), names.end(), nameOf(column)) != names.end();
-  };
-  return has(Column::Time) && has(Column::Reading);
-}
-
-TidyColumns findTidyColumns(const std::vector<std::string_view>& header, const std::string& file, std::size_t line)
-{
-  const RecordingError::Place place{file, line, {}};
-  refuseOtherDelimiters(header, place, isTidyColumn);
-  const CsvHeader index(header, place, isTidyColumn);
-  TidyColumns columns;
-  columns.names = index.names();
-  for (std::size_t i = 0; i < tidyColumnCount; ++i)
-    columns.indices.at(i) = index.find(columnNames.at(i));
-  columns.all = index.columns();
-  for (const Column needed : {Column::Time, Column::Reading})
-    if (!columns[needed])
-      throw RecordingError(place, std::string("there is no column ") + nameOf(needed));
-  return columns;
-}
-
-TidyRow readTidyRow(const CsvRows& rows, const TidyColumns& columns)
-{
-  const Fields fields(rows, columns);
-  fields.refuseOtherCounts();
+  const Fields fields(table);
   TidyRow row;
-  row.seconds = fields.seconds(Column::Time);
+  row.moment = table.moment();
+  if (!row.moment)
+    row.seconds = fields.seconds(Column::Time);
   row.reading = fields.text(Column::Reading);
   const auto reading = readings().find(row.reading);
   if (reading == readings().end())
-    fields.refuse(Column::Reading, "there is no reading " + quote(row.reading));
-  row.person = personOf(fields, columns, reading->second.ofPerson);
+    table.refuse(Column::Reading, "there is no reading " + quote(row.reading));
+  row.person = personOf(table, reading->second.ofPerson);
   return row;
 }
 
-bool addTidyReading(const CsvRows& rows, const TidyColumns& columns, const std::string& name, RecordingEntry& step)
+bool addTidyReading(const TidyTable& table, const std::string& name, RecordingEntry& step)
 {
-  const Fields fields(rows, columns);
   const Reading& reading = readings().at(name);
-  refuseWhatTheReadingHasNot(fields, reading, name);
-  const auto isFilled = [&fields](Column column) { return fields.has(column); };
+  refuseWhatTheReadingHasNot(table, reading, name);
+  const auto isFilled = [&table](Column column) { return table.has(column); };
   const bool canBeEmpty = reading.ofPerson;
   if (canBeEmpty && std::none_of(reading.needed.begin(), reading.needed.end(), isFilled))
     return false;
-  reading.add(fields, step);
+  reading.add(Fields(table), step);
   return true;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "csvrows.hpp"
 #include "recording.hpp"
-#include "tidycsvrow.hpp"
+#include "tidyreadings.hpp"
+#include "tidytable.hpp"
 
 #include <ko/systemclock.hpp>
 
@@ -10,6 +10,7 @@
 #include <deque>
 #include <exception>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -18,22 +19,22 @@
 namespace tools
 {
 
-/// Reads a CSV file with one reading in each row, see docs/recording-format.md.
+/// Reads a table with one reading in each row, see docs/recording-format.md.
 ///
 /// The rows of one time and person are one step; scopes start before the first step of a time and stop after the last.
-class TidyCsvReader : public RecordingReader
+class TidyReader : public RecordingReader
 {
 public:
-  /// Opens the file and reads its header.
+  /// Reads the first row.
   ///
-  /// \throws RecordingError if it cannot be read, or has no row.
-  explicit TidyCsvReader(const std::string& path);
+  /// \throws RecordingError if it cannot be read, or there is none.
+  explicit TidyReader(std::unique_ptr<TidyTable> table);
 
   boost::optional<RecordingEntry> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
-  RecordingColumns columns() const override { return _columns.all; }
-  double progress() const override { return _rows.file().progress(); }
+  RecordingColumns columns() const override { return _table->columns(); }
+  double progress() const override { return _table->progress(); }
 
 private:
   /// What the rows of one time and person tell.
@@ -43,17 +44,16 @@ private:
     std::set<std::string> readings;
   };
 
-  void _readHeader();
+  std::string _describeTimes() const;
   void _fetchRow();
-  ko::SystemClock::time_point _timeOf(double seconds);
+  ko::SystemClock::time_point _timeOf(const TidyRow& row);
   void _takeRow();
   Step _stepOf(const std::optional<std::int32_t>& person) const;
   void _endTime();
-  [[noreturn]] void _refuse(TidyColumn column, const std::string& message) const;
 
-  CsvRows _rows;
-  TidyColumns _columns;
+  std::unique_ptr<TidyTable> _table;
   std::optional<double> _origin;  // [s] since 1970, to which the times are added; decided by the first row
+  bool _hasMoments = false;       // instead of seconds
   std::optional<TidyRow> _row;    // read, and not taken yet
   ko::SystemClock::time_point _rowTime;
   ko::SystemClock::time_point _time;    // of the steps below, and the latest so far

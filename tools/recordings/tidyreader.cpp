@@ -1,4 +1,4 @@
-#include "tidycsvreader.hpp"
+#include "tidyreader.hpp"
 
 #include "description.hpp"
 #include "recordingclock.hpp"
@@ -21,9 +21,11 @@ std::string keyOf(const std::string& reading, const RecordingEntry& entry)
 
 }  // namespace
 
-TidyCsvReader::TidyCsvReader(const std::string& path) : _rows(path)
+TidyReader::TidyReader(std::unique_ptr<TidyTable> table) : _table(std::move(table))
 {
-  _readHeader();
+  const RecordingColumns& columns = _table->columns();
+  if (!columns.ignored.empty())
+    _warnings.push_back("columns that are not read: " + listed(columns.ignored));
   try
   {
     _fetchRow();  // tells from where the times count
@@ -33,10 +35,10 @@ TidyCsvReader::TidyCsvReader(const std::string& path) : _rows(path)
     _firstError = std::current_exception();
   }
   if (_ended)
-    throw RecordingError({path, _rows.file().lineNumber(), {}}, "there is no row below the header");
+    throw RecordingError(_table->place(), "there is no row below the header");
 }
 
-boost::optional<RecordingEntry> TidyCsvReader::next()
+boost::optional<RecordingEntry> TidyReader::next()
 {
   if (const auto error = std::exchange(_firstError, nullptr))
     std::rethrow_exception(error);
@@ -56,76 +58,78 @@ boost::optional<RecordingEntry> TidyCsvReader::next()
   return entry;
 }
 
-std::vector<std::string> TidyCsvReader::describe() const
+std::vector<std::string> TidyReader::describe() const
 {
-  const std::string times = _origin.value_or(recordingEpoch) > 0. ? "from the start" : "since 1970";
-  const std::string persons = _columns[TidyColumn::Person] ? "persons by the column person"
-                                                           : "all rows are person 0, since there is no column person";
-  return {"Tidy CSV: angles in degrees; head yaw to the own right, gaze yaw to the own left, pitch up",
-          "times in seconds " + times + "; " + persons + "; confidence 1 where none is given"};
+  const std::string persons = _table->hasColumn(TidyColumn::Person)
+                                  ? "persons by the column person"
+                                  : "all rows are person 0, since there is no column person";
+  return {std::string(_table->kind()) +
+              ": angles in degrees; head yaw to the own right, gaze yaw to the own left, pitch up",
+          _describeTimes() + "; " + persons + "; confidence 1 where none is given"};
 }
 
-std::vector<std::string> TidyCsvReader::takeWarnings()
+std::string TidyReader::_describeTimes() const
+{
+  if (_hasMoments)
+    return "times in UTC";
+  return _origin.value_or(recordingEpoch) > 0. ? "times in seconds from the start" : "times in seconds since 1970";
+}
+
+std::vector<std::string> TidyReader::takeWarnings()
 {
   return std::exchange(_warnings, {});
 }
 
-void TidyCsvReader::_readHeader()
-{
-  const std::string& path = _rows.file().path();
-  if (!_rows.next())
-    throw RecordingError({path, 0, {}}, "the file is empty");
-  _columns = findTidyColumns(_rows.fields(), path, _rows.file().lineNumber());
-  if (!_columns.all.ignored.empty())
-    _warnings.push_back("columns that are not read: " + listed(_columns.all.ignored));
-}
-
 // Stands on the next row then, or at the end.
-void TidyCsvReader::_fetchRow()
+void TidyReader::_fetchRow()
 {
-  if (!_rows.next())
+  if (!_table->next())
   {
     _ended = true;
     return;
   }
-  TidyRow row = readTidyRow(_rows, _columns);
-  const auto time = _timeOf(row.seconds);
+  TidyRow row = readTidyRow(*_table);
+  const auto time = _timeOf(row);
   if (time < _time)
-    _refuse(TidyColumn::Time, "time runs backwards, expected the rows in the order of their times");
+    _table->refuse(TidyColumn::Time, "time runs backwards, expected the rows in the order of their times");
   _row = std::move(row);
   _rowTime = time;
 }
 
-ko::SystemClock::time_point TidyCsvReader::_timeOf(double seconds)
+ko::SystemClock::time_point TidyReader::_timeOf(const TidyRow& row)
 {
+  _hasMoments = row.moment.has_value();
+  if (row.moment)
+    return *row.moment;
+  const double seconds = row.seconds;
   const double origin = seconds > earliestEpochTimestamp ? 0. : recordingEpoch;
   if (_origin && origin != *_origin)
-    _refuse(TidyColumn::Time, "some rows count from the start of the recording, others since 1970");
+    _table->refuse(TidyColumn::Time, "some rows count from the start of the recording, others since 1970");
   if (origin + seconds > greatestSecond || origin + seconds < 0.)
-    _refuse(TidyColumn::Time, "is too far from the start of the recording");
+    _table->refuse(TidyColumn::Time, "is too far from the start of the recording");
   _origin = origin;
   return timeAfter(origin, seconds);
 }
 
 // Adds the row to its step, which stays as it was if the row is bad or says nothing.
-void TidyCsvReader::_takeRow()
+void TidyReader::_takeRow()
 {
   const TidyRow row = *std::exchange(_row, std::nullopt);
   _time = _rowTime;
   _anyTime = true;
 
   Step step = _stepOf(row.person);
-  if (!addTidyReading(_rows, _columns, row.reading, step.entry))
+  if (!addTidyReading(*_table, row.reading, step.entry))
     return;
   if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
-    _refuse(TidyColumn::Reading, row.reading + " is there twice at this time");
+    _table->refuse(TidyColumn::Reading, row.reading + " is there twice at this time");
   if (!step.entry.seen && step.readings.size() > 1)
-    _refuse(TidyColumn::Reading,
-            "person " + std::to_string(*row.person) + " is not seen at this time, and yet observed");
+    _table->refuse(TidyColumn::Reading,
+                   "person " + std::to_string(*row.person) + " is not seen at this time, and yet observed");
   (row.person ? _steps[*row.person] : _room) = std::move(step);
 }
 
-TidyCsvReader::Step TidyCsvReader::_stepOf(const std::optional<std::int32_t>& person) const
+TidyReader::Step TidyReader::_stepOf(const std::optional<std::int32_t>& person) const
 {
   if (!person)
     return _room;
@@ -139,7 +143,7 @@ TidyCsvReader::Step TidyCsvReader::_stepOf(const std::optional<std::int32_t>& pe
 }
 
 // Tells all steps of one time, the scopes and the room with the first and the last of them.
-void TidyCsvReader::_endTime()
+void TidyReader::_endTime()
 {
   for (auto& [person, step] : _steps)
     _ready.push_back(std::move(step.entry));
@@ -156,11 +160,6 @@ void TidyCsvReader::_endTime()
   _steps.clear();
   _room = Step();
   _anyTime = false;
-}
-
-void TidyCsvReader::_refuse(TidyColumn column, const std::string& message) const
-{
-  throw BadLine({_rows.file().path(), _rows.file().lineNumber(), nameOf(column)}, message);
 }
 
 }  // namespace tools

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "csvnumbers.hpp"
+#include "csvrows.hpp"
+#include "tidytable.hpp"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Tells from the first bytes of a file whether it is a table with the columns time and reading.
+bool looksLikeTidyCsv(const std::string& head);
+
+/// A table of single readings in a CSV file.
+class TidyCsvTable : public TidyTable
+{
+public:
+  /// Opens the file and reads its header.
+  ///
+  /// \throws RecordingError if it cannot be read, there is no time or no reading, a column is there twice, or no commas
+  ///   separate them.
+  explicit TidyCsvTable(const std::string& path);
+
+  bool next() override;
+  bool hasColumn(TidyColumn column) const override { return _indexOf(column).has_value(); }
+  bool has(TidyColumn column) const override;
+  std::string text(TidyColumn column) const override;
+  double number(TidyColumn column) const override;
+  std::int64_t wholeNumber(TidyColumn column, double least, double greatest) const override;
+  double seconds(TidyColumn column) const override;
+  RecordingError::Place placeOf(TidyColumn column) const override;
+  RecordingError::Place place() const override { return {_rows.file().path(), _rows.file().lineNumber(), {}}; }
+  const RecordingColumns& columns() const override { return _columns; }
+  const char* kind() const override { return "Tidy CSV"; }
+  double progress() const override { return _rows.file().progress(); }
+
+private:
+  void _findColumns();
+  const std::optional<std::size_t>& _indexOf(TidyColumn column) const
+  {
+    return _indices.at(static_cast<std::size_t>(column));
+  }
+
+  CsvRows _rows;
+  std::vector<std::string> _names;  // of all columns of the file
+  RecordingColumns _columns;
+  std::array<std::optional<std::size_t>, tidyColumnCount> _indices;
+  CsvNumbers _numbers;
+};
+
+}  // namespace tools
