@@ -3,6 +3,7 @@
 #include "exactnumber.hpp"
 #include "interruption.hpp"
 #include "librarylog.hpp"
+#include "notedreading.hpp"
 #include "session.hpp"
 #include "text.hpp"
 
@@ -16,7 +17,6 @@ namespace tools
 namespace
 {
 
-constexpr std::size_t mostWarnings = 10;
 constexpr std::size_t mostPersonsNamed = 20;
 
 std::string secondsText(Duration duration)
@@ -31,20 +31,25 @@ class InquiryReading
 {
 public:
   InquiryReading(const Inquiry& inquiry, Explainer& explainer)
-    : _inquiry(inquiry), _explainer(explainer), _session({}, {&explainer}, Forces::Watched)
+    : _inquiry(inquiry),
+      _explainer(explainer),
+      _session({}, {&explainer}, Forces::Watched),
+      _reading(inquiry.reader, inquiry.skipBad)
   {}
 
   /// Plays until that time is over and the person was seen, or to the end; returns how much was played.
   Duration playUntil(Duration end)
   {
     boost::optional<RecordingEntry> entry;
-    while (!_isAnswered(end) && _read(entry))
+    while (!_isAnswered(end) && _reading.next(entry) != NotedReading::Step::End)
     {
       if (entry)
         _session.play(*entry);
       Interruption::check();
     }
     _noteProblems();
+    if (_reading.error())
+      throw RecordingError(*_reading.error());
     return _session.length();
   }
 
@@ -54,43 +59,13 @@ private:
     return _session.length() > end && _explainer.persons().count(_inquiry.person) > 0;
   }
 
-  /// Reads the next entry, or none if its line is skipped; false at the end.
-  bool _read(boost::optional<RecordingEntry>& entry)
-  {
-    bool isSkipped = false;
-    try
-    {
-      entry = _inquiry.reader.next();
-    }
-    catch (const BadLine& error)
-    {
-      if (!_inquiry.skipBad)
-        throw;
-      isSkipped = true;
-      entry = boost::none;
-      if (++_skipped == 1)
-        _firstSkipped = error.what();
-    }
-    _noteWarnings();
-    return entry || isSkipped;
-  }
-
-  void _noteWarnings()
-  {
-    for (const std::string& warning : _inquiry.reader.takeWarnings())
-    {
-      if (++_warnings <= mostWarnings)
-        _inquiry.messages.note("warning: " + warning);
-    }
-  }
-
   void _noteProblems()
   {
-    if (_warnings > mostWarnings)
-      _inquiry.messages.note("warning: " + counted(_warnings - mostWarnings, "more warning"));
-    if (_skipped > 0)
-      _inquiry.messages.note(_inquiry.name + ": skipped " + counted(_skipped, "bad line") +
-                             ", the first: " + _firstSkipped);
+    for (const std::string& warning : _reading.warnings())
+      _inquiry.messages.note("warning: " + warning);
+    const std::string skipped = _reading.skippedText();
+    if (!skipped.empty())
+      _inquiry.messages.note(_inquiry.name + ": " + skipped);
     for (const std::string& line : _log.take())
       _inquiry.messages.note(_inquiry.name + ": " + line);
   }
@@ -99,9 +74,7 @@ private:
   Explainer& _explainer;
   LibraryLog _log;
   Session _session;
-  std::size_t _warnings = 0;
-  std::size_t _skipped = 0;
-  std::string _firstSkipped;
+  NotedReading _reading;
 };
 
 [[noreturn]] void refuse(const Inquiry& inquiry, const std::string& text)

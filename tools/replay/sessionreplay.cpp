@@ -1,6 +1,7 @@
 #include "sessionreplay.hpp"
 
 #include "librarylog.hpp"
+#include "notedreading.hpp"
 #include "session.hpp"
 #include "summary.hpp"
 #include "text.hpp"
@@ -18,50 +19,10 @@ namespace tools
 namespace
 {
 
-/// Keeps the first few of many texts, and counts the rest.
-class FirstFew
-{
-public:
-  void add(const std::string& text)
-  {
-    if (_texts.size() < most)
-      _texts.push_back(text);
-    ++_count;
-  }
-
-  void add(const std::vector<std::string>& texts)
-  {
-    for (const std::string& text : texts)
-      add(text);
-  }
-
-  const std::vector<std::string>& texts() const { return _texts; }
-  std::size_t more() const { return _count - _texts.size(); }
-
-private:
-  static constexpr std::size_t most = 10;
-
-  std::vector<std::string> _texts;
-  std::size_t _count = 0;
-};
-
-/// Bad lines that were passed over.
-struct SkippedLines
-{
-  std::size_t count = 0;
-  std::string first;
-};
-
-/// What is known of one recording when it was read to its end, or to where it turned bad.
-struct Played
-{
-  FirstFew warnings;
-  SkippedLines skipped;
-  std::string error;  ///< empty: read to its end
-};
-
 class SessionReplay
 {
+  using Step = NotedReading::Step;
+
 public:
   SessionReplay(const SessionInputs& inputs, const ReplayOptions& options, const ReplaySurroundings& surroundings,
                 const SessionOutlets& outlets)
@@ -101,25 +62,26 @@ private:
     Session session(_spans, observers, _options.explain ? Forces::Watched : Forces::Unwatched);
     LibraryLog log;
 
-    const Played played = _play(reader, session);
+    NotedReading reading(reader, _options.skipBad);
+    _play(reader, reading, session);
     session.finish();
     summary.finish();
 
-    _showWarnings(played.warnings);
+    for (const std::string& text : reading.warnings())
+      _show(_surroundings.style.yellow("warning: " + text) + "\n");
     _showPersons(timeline, summary);
     _noteLibraryWarnings(log);
-    return _reportBadInput(played);
+    return _reportBadInput(reading);
   }
 
-  Played _play(RecordingReader& reader, Session& session)
+  void _play(RecordingReader& reader, NotedReading& reading, Session& session)
   {
     ProgressLine& progress = _outlets.progress;
-    Played played;
     boost::optional<RecordingEntry> entry;
     bool described = false;
     for (;;)
     {
-      const Step step = _next(reader, entry, played);
+      const Step step = reading.next(entry);
       _outlets.checkInterruption();
       if (!described)
         _showDescription(reader);  // what was found out with the first step is in it
@@ -136,55 +98,12 @@ private:
         progress.show(reader.progress(), session.length());
     }
     progress.erase();
-    return played;
-  }
-
-  enum class Step
-  {
-    Taken,
-    Skipped,
-    End
-  };
-
-  /// Reads the next entry, and notes in `played` what there was to say of it.
-  Step _next(RecordingReader& reader, boost::optional<RecordingEntry>& entry, Played& played)
-  {
-    Step step = Step::End;
-    try
-    {
-      entry = reader.next();
-      if (entry)
-        step = Step::Taken;
-    }
-    catch (const BadLine& error)
-    {
-      if (_options.skipBad)
-        step = Step::Skipped;
-      if (step != Step::Skipped)
-        played.error = error.what();
-      else if (++played.skipped.count == 1)
-        played.skipped.first = error.what();
-    }
-    catch (const RecordingError& error)
-    {
-      played.error = error.what();
-    }
-    played.warnings.add(reader.takeWarnings());
-    return step;
   }
 
   void _showDescription(const RecordingReader& reader)
   {
     for (const std::string& line : reader.describe())
       _show(wrapped(line, static_cast<std::size_t>(_surroundings.outputWidth), 2) + "\n");
-  }
-
-  void _showWarnings(const FirstFew& warnings)
-  {
-    for (const std::string& text : warnings.texts())
-      _show(_surroundings.style.yellow("warning: " + text) + "\n");
-    if (warnings.more() > 0)
-      _show(_surroundings.style.yellow("warning: " + counted(warnings.more(), "more warning")) + "\n");
   }
 
   void _showPersons(const Timeline& timeline, const Summary& summary)
@@ -208,14 +127,14 @@ private:
       _outlets.messages.note(prefix + line);
   }
 
-  ExitStatus _reportBadInput(const Played& played)
+  ExitStatus _reportBadInput(const NotedReading& reading)
   {
-    if (played.skipped.count > 0)
-      _outlets.messages.note(_name + ": skipped " + counted(played.skipped.count, "bad line") +
-                             ", the first: " + played.skipped.first);
-    if (played.error.empty())
+    const std::string skipped = reading.skippedText();
+    if (!skipped.empty())
+      _outlets.messages.note(_name + ": " + skipped);
+    if (!reading.error())
       return Success;
-    _outlets.messages.error(played.error);
+    _outlets.messages.error(reading.error()->what());
     return BadInput;
   }
 
