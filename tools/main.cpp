@@ -1,46 +1,29 @@
+#include "commandline.hpp"
 #include "exitstatus.hpp"
-#include "inspectcommand.hpp"
 #include "interruption.hpp"
 #include "outputstream.hpp"
-#include "replaycommand.hpp"
-#include "reportcommand.hpp"
-#include "streamcommand.hpp"
-#include "typescommand.hpp"
-#include "watchcommand.hpp"
-#include "whycommand.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <memory>
 
 namespace
 {
 
-constexpr std::size_t optionColumnWidth = 46;
-
 tools::ExitStatus run(int argc, char** argv)
 {
   tools::ExitStatus status = tools::Success;
-  CLI::App app("Estimates how the persons in front of a robot feel and attend", "skeigiot");
-  app.set_version_flag("--version", "skeigiot " SKEIGIOT_VERSION, "Print the version and exit");
-  app.get_formatter()->column_width(optionColumnWidth);
-  app.require_subcommand(1);
-  tools::addReplayCommand(app, status, tools::reportWriter());
-  tools::addInspectCommand(app, status);
-  tools::addReportCommand(app, status);
-  tools::addStreamCommand(app, status);
-  tools::addTypesCommand(app, status);
-  tools::addWatchCommand(app, status);
-  tools::addWhyCommand(app, status);
+  const std::unique_ptr<CLI::App> app = tools::commandLine(status);
   try
   {
-    app.parse(argc, argv);
+    app->parse(argc, argv);
   }
   catch (const CLI::Success& wish)  // help or version
   {
-    app.exit(wish);
+    app->exit(wish);
   }
   catch (const CLI::ParseError& error)
   {

@@ -5,6 +5,33 @@
 namespace tools
 {
 
+namespace
+{
+
+const char* const choicesMark = "choices:";
+
+}  // namespace
+
+std::vector<std::string> choicesOf(CLI::Option& option)
+{
+  try
+  {
+    const std::string name = option.get_validator(0)->get_name();
+    if (name.rfind(choicesMark, 0) == 0)
+      return CLI::detail::split(name.substr(std::string(choicesMark).size()), ',');
+  }
+  catch (const CLI::OptionNotFound&)
+  {}
+  return {};
+}
+
+void keepChoices(CLI::Option& option, const std::vector<std::string>& words)
+{
+  // A validator without a description does not show in the help; this one takes everything, and keeps the words.
+  const auto takeAll = [](std::string&) { return std::string(); };
+  option.check(CLI::Validator(takeAll, "", choicesMark + CLI::detail::join(words, ",")));
+}
+
 bool isPositive(double number)
 {
   return std::isfinite(number) && number > 0.;

@@ -38,6 +38,12 @@ CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::st
                        const std::string& wanted, const std::function<bool(double)>& isGood,
                        const std::function<void(double)>& set);
 
+/// Returns the words that the option takes; none if it takes any text.
+std::vector<std::string> choicesOf(CLI::Option& option);
+
+/// Lets choicesOf() tell these words. Help and errors stay as they are.
+void keepChoices(CLI::Option& option, const std::vector<std::string>& words);
+
 /// Adds an option that takes one of these words, and sets the target, which must outlive the command, to its value.
 template <typename Value>
 CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
@@ -56,7 +62,12 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::st
     }
     throw CLI::ValidationError(name, "expected one of " + words + ", found " + quote(text));
   };
-  return command.add_option_function<std::string>(name, take, help)->type_name(type);
+  CLI::Option* const option = command.add_option_function<std::string>(name, take, help)->type_name(type);
+  std::vector<std::string> words;
+  for (const auto& choice : choices)
+    words.push_back(choice.first);
+  keepChoices(*option, words);
+  return option;
 }
 
 }  // namespace tools

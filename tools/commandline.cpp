@@ -1,0 +1,32 @@
+#include "commandline.hpp"
+
+#include "inspectcommand.hpp"
+#include "replaycommand.hpp"
+#include "reportcommand.hpp"
+#include "streamcommand.hpp"
+#include "typescommand.hpp"
+#include "watchcommand.hpp"
+#include "whycommand.hpp"
+
+namespace tools
+{
+
+std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
+{
+  constexpr std::size_t optionColumnWidth = 46;
+
+  auto app = std::make_unique<CLI::App>("Estimates how the persons in front of a robot feel and attend", "skeigiot");
+  app->set_version_flag("--version", "skeigiot " SKEIGIOT_VERSION, "Print the version and exit");
+  app->get_formatter()->column_width(optionColumnWidth);
+  app->require_subcommand(1);
+  addReplayCommand(*app, status, reportWriter());
+  addInspectCommand(*app, status);
+  addReportCommand(*app, status);
+  addStreamCommand(*app, status);
+  addTypesCommand(*app, status);
+  addWatchCommand(*app, status);
+  addWhyCommand(*app, status);
+  return app;
+}
+
+}  // namespace tools

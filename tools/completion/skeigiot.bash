@@ -1,0 +1,158 @@
+# Completion of skeigiot for bash. Made by script/build-manual from what the command says of itself.
+
+_skeigiot_files()
+{
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}
+
+_skeigiot_words()
+{
+  mapfile -t COMPREPLY < <(compgen -W "$2" -- "$1")
+}
+
+_skeigiot()
+{
+  local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} command="" i
+  COMPREPLY=()
+
+  # To bash an equals sign is a word of its own, and --color=never are three.
+  if [[ $word == = ]]; then
+    word=
+  elif [[ $option == = ]]; then
+    option=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+
+  for ((i = 1; i < COMP_CWORD; ++i)); do
+    case ${COMP_WORDS[i]} in
+      replay | inspect | report | stream | types | watch | why)
+        command=${COMP_WORDS[i]}
+        break
+        ;;
+    esac
+  done
+
+  case "$command $option" in
+    "replay --jobs" | "replay --scope" | "replay --step" | "replay --fps" | "replay --camera-height" | "replay --min-confidence" | "replay --au-full-scale" | "replay --person-from" | "replay --boundary-positive" | "replay --boundary-negative" | "replay --boundary-confidence" | "replay --boundary-looking-at-robot" | "replay --boundary-strictly-looking-at-robot" | "replay --boundary-excited")
+      :
+      return
+      ;;
+    "replay --offset" | "replay --csv" | "replay --jsonl" | "replay --to-jsonl" | "replay --report" | "replay --mapping")
+      _skeigiot_files "$word"
+      return
+      ;;
+    "replay --color")
+      _skeigiot_words "$word" "auto always never"
+      return
+      ;;
+    "replay --frame")
+      _skeigiot_words "$word" "line-of-sight camera"
+      return
+      ;;
+    "replay --format")
+      _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
+      return
+      ;;
+    "inspect --fps" | "inspect --camera-height" | "inspect --min-confidence" | "inspect --au-full-scale" | "inspect --person-from")
+      :
+      return
+      ;;
+    "inspect --mapping")
+      _skeigiot_files "$word"
+      return
+      ;;
+    "inspect --frame")
+      _skeigiot_words "$word" "line-of-sight camera"
+      return
+      ;;
+    "inspect --format")
+      _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
+      return
+      ;;
+    "report --scope" | "report --fps" | "report --camera-height" | "report --min-confidence" | "report --au-full-scale" | "report --person-from" | "report --boundary-positive" | "report --boundary-negative" | "report --boundary-confidence" | "report --boundary-looking-at-robot" | "report --boundary-strictly-looking-at-robot" | "report --boundary-excited")
+      :
+      return
+      ;;
+    "report -o" | "report --output" | "report --offset" | "report --mapping")
+      _skeigiot_files "$word"
+      return
+      ;;
+    "report --frame")
+      _skeigiot_words "$word" "line-of-sight camera"
+      return
+      ;;
+    "report --format")
+      _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
+      return
+      ;;
+    "stream --times")
+      _skeigiot_words "$word" "arrival lines"
+      return
+      ;;
+    "watch --times")
+      _skeigiot_words "$word" "arrival lines"
+      return
+      ;;
+    "why --person" | "why --at" | "why --from" | "why --to" | "why --fps" | "why --camera-height" | "why --min-confidence" | "why --au-full-scale" | "why --person-from")
+      :
+      return
+      ;;
+    "why --offset" | "why --mapping")
+      _skeigiot_files "$word"
+      return
+      ;;
+    "why --frame")
+      _skeigiot_words "$word" "line-of-sight camera"
+      return
+      ;;
+    "why --format")
+      _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
+      return
+      ;;
+  esac
+
+  case $command in
+    "")
+      _skeigiot_words "$word" "replay inspect report stream types watch why --help --version -h"
+      ;;
+    replay)
+      if [[ $word != -* ]]; then
+        _skeigiot_files "$word"
+      else
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --color --csv --explain --format --fps --frame --help --jobs --jsonl --mapping --min-confidence --mirrored --offset --person-from --quiet --report --scope --separately --skip-bad --step --to-jsonl -h -q"
+      fi
+      ;;
+    inspect)
+      if [[ $word != -* ]]; then
+        _skeigiot_files "$word"
+      else
+        _skeigiot_words "$word" "--au-full-scale --camera-height --format --fps --frame --help --json --mapping --min-confidence --mirrored --person-from --skip-bad -h"
+      fi
+      ;;
+    report)
+      if [[ $word != -* ]]; then
+        _skeigiot_files "$word"
+      else
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --format --fps --frame --help --mapping --min-confidence --mirrored --offset --output --person-from --scope --skip-bad -h -o"
+      fi
+      ;;
+    stream)
+      _skeigiot_words "$word" "--help --times -h"
+      ;;
+    types)
+      _skeigiot_words "$word" "--help --json -h"
+      ;;
+    watch)
+      _skeigiot_words "$word" "--help --times -h"
+      ;;
+    why)
+      if [[ $word != -* ]]; then
+        _skeigiot_files "$word"
+      else
+        _skeigiot_words "$word" "--all --at --au-full-scale --camera-height --format --fps --frame --from --help --json --mapping --min-confidence --mirrored --offset --person --person-from --skip-bad --to -h"
+      fi
+      ;;
+  esac
+}
+
+complete -F _skeigiot skeigiot

@@ -1,0 +1,152 @@
+#include "completion.hpp"
+
+#include "argumentparsing.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <vector>
+
+namespace tools
+{
+
+namespace
+{
+
+const char* const beginning =
+    R"(# Completion of skeigiot for bash. Made by script/build-manual from what the command says of itself.
+
+_skeigiot_files()
+{
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}
+
+_skeigiot_words()
+{
+  mapfile -t COMPREPLY < <(compgen -W "$2" -- "$1")
+}
+
+_skeigiot()
+{
+  local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} command="" i
+  COMPREPLY=()
+
+  # To bash an equals sign is a word of its own, and --color=never are three.
+  if [[ $word == = ]]; then
+    word=
+  elif [[ $option == = ]]; then
+    option=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+
+  for ((i = 1; i < COMP_CWORD; ++i)); do
+    case ${COMP_WORDS[i]} in
+)";
+
+const char* const ending = R"(}
+
+complete -F _skeigiot skeigiot
+)";
+
+std::string joined(const std::vector<std::string>& texts, const std::string& between)
+{
+  return CLI::detail::join(texts, between);
+}
+
+std::vector<std::string> namesOf(const CLI::Option& option)
+{
+  std::vector<std::string> names;
+  for (const std::string& name : option.get_snames())
+    names.push_back("-" + name);
+  for (const std::string& name : option.get_lnames())
+    names.push_back("--" + name);
+  return names;
+}
+
+std::vector<std::string> optionNames(CLI::App& command)
+{
+  std::vector<std::string> all;
+  for (const CLI::Option* option : command.get_options())
+  {
+    const std::vector<std::string> names = namesOf(*option);
+    all.insert(all.end(), names.begin(), names.end());
+  }
+  std::sort(all.begin(), all.end());
+  return all;
+}
+
+std::vector<std::string> subcommandNames(CLI::App& app)
+{
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands(nullptr))
+    names.push_back(command->get_name());
+  return names;
+}
+
+bool takesFiles(CLI::App& command)
+{
+  const auto options = command.get_options();
+  return std::any_of(options.begin(), options.end(), [](const CLI::Option* option) {
+    return option->get_positional() && option->get_name(true) == "RECORDING";
+  });
+}
+
+/// What completes the value of an option.
+std::string completionOfValue(CLI::Option& option)
+{
+  const std::vector<std::string> words = choicesOf(option);
+  if (!words.empty())
+    return "_skeigiot_words \"$word\" \"" + joined(words, " ") + "\"";
+  return option.get_type_name().rfind("FILE", 0) == 0 ? "_skeigiot_files \"$word\"" : ":";
+}
+
+/// The cases of a command's options that take a value, those that are completed alike in one.
+std::string valueCases(CLI::App& command)
+{
+  std::map<std::string, std::vector<std::string>> options;
+  for (CLI::Option* option : command.get_options())
+  {
+    if (!option->nonpositional() || option->get_items_expected_max() == 0)
+      continue;
+    for (const std::string& name : namesOf(*option))
+      options[completionOfValue(*option)].push_back("\"" + command.get_name() + " " + name + "\"");
+  }
+  std::string cases;
+  for (const auto& [completion, patterns] : options)
+    cases += "    " + joined(patterns, " | ") + ")\n      " + completion + "\n      return\n      ;;\n";
+  return cases;
+}
+
+std::string wordCases(CLI::App& app)
+{
+  std::string cases;
+  for (CLI::App* command : app.get_subcommands(nullptr))
+  {
+    cases += "    " + command->get_name() + ")\n";
+    const std::string words = "_skeigiot_words \"$word\" \"" + joined(optionNames(*command), " ") + "\"\n";
+    if (takesFiles(*command))
+      cases += "      if [[ $word != -* ]]; then\n        _skeigiot_files \"$word\"\n      else\n        " + words +
+               "      fi\n";
+    else
+      cases += "      " + words;
+    cases += "      ;;\n";
+  }
+  return cases;
+}
+
+}  // namespace
+
+std::string bashCompletion(CLI::App& app)
+{
+  const std::vector<std::string> commands = subcommandNames(app);
+  std::string values;
+  for (CLI::App* command : app.get_subcommands(nullptr))
+    values += valueCases(*command);
+  return std::string(beginning) + "      " + joined(commands, " | ") +
+         ")\n        command=${COMP_WORDS[i]}\n        break\n        ;;\n    esac\n  done\n\n" +
+         "  case \"$command $option\" in\n" + values + "  esac\n\n" + "  case $command in\n    \"\")\n" +
+         "      _skeigiot_words \"$word\" \"" + joined(commands, " ") + " " + joined(optionNames(app), " ") +
+         "\"\n      ;;\n" + wordCases(app) + "  esac\n" + ending;
+}
+
+}  // namespace tools

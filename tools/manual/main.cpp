@@ -1,0 +1,50 @@
+// Writes the manual pages and the completion of the command, from what the command says of itself.
+//
+// usage: skeigiot-manual FOLDER_OF_PAGES FOLDER_OF_COMPLETION
+
+#include "commandline.hpp"
+#include "completion.hpp"
+#include "manualpage.hpp"
+
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+void write(const std::string& path, const std::string& text)
+{
+  std::ofstream file(path);
+  file << text;
+  file.close();
+  if (!file)
+    throw std::runtime_error("cannot write " + path);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+  if (argc != 3)
+  {
+    std::cerr << "usage: skeigiot-manual FOLDER_OF_PAGES FOLDER_OF_COMPLETION\n";
+    return 2;
+  }
+  try
+  {
+    tools::ExitStatus unused = tools::Success;
+    const auto app = tools::commandLine(unused);
+    for (const tools::ManualPage& page : tools::manualPages(*app))
+      write(std::string(argv[1]) + "/" + page.file, page.text);
+    write(std::string(argv[2]) + "/skeigiot.bash", tools::bashCompletion(*app));
+    return 0;
+  }
+  catch (const std::exception& error)
+  {
+    std::cerr << "skeigiot-manual: " << error.what() << '\n';
+    return 1;
+  }
+}
