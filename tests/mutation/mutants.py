@@ -42,6 +42,7 @@ class Mutant:
     line: int
     before: str  # the lines that the change touches, with single spaces
     after: str
+    is_in_function: bool  # changes no layout, and nothing that is declared
     number: int  # among changes of this file that look alike
 
     @property
@@ -49,6 +50,11 @@ class Mutant:
         """A name that stays while the changed lines do."""
         words = "\0".join((self.file, self.kind, self.before, self.after, str(self.number)))
         return hashlib.sha1(words.encode()).hexdigest()[:8]
+
+    @property
+    def is_in_header(self) -> bool:
+        """Tells whether several units may include the file."""
+        return self.file.endswith(".hpp")
 
     def applied_to(self, text: str) -> str:
         """Returns the text with the change, and with as many lines as it had."""
@@ -67,6 +73,7 @@ class _Change:
 def find_mutants(file: str, text: str) -> list[Mutant]:
     """Returns every mutant of the text, in the order of their places."""
     changes = sorted(set(_changes(text)), key=lambda change: (change.start, change.end, change.replacement))
+    functions = _functions(text)
     mutants = []
     alike: dict[tuple[str, str, str], int] = {}
     seen = set()
@@ -77,8 +84,15 @@ def find_mutants(file: str, text: str) -> list[Mutant]:
         seen.add((line, before, after))
         number = alike[change.kind, before, after] = alike.get((change.kind, before, after), 0) + 1
         mutants.append(Mutant(file, change.kind, change.start, change.end, change.replacement, line, before, after,
-                              number))
+                              any(change.start in function for function in functions), number))
     return mutants
+
+
+def _functions(text: str) -> list[range]:
+    source = Source(tokens_of(text))
+    return [range(source.tokens[opening].end, source.tokens[closing].start)
+            for opening, closing in source.partner.items()
+            if source.text(opening) == "{" and source.is_code(opening)]
 
 
 def _shown(text: str, change: _Change) -> tuple[int, str, str]:

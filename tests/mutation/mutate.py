@@ -47,10 +47,7 @@ def main() -> None:
             results = _tried_until(mutants, arguments)
     except BrokenCopy as error:
         sys.exit(str(error))
-    page = _report(results, equivalents, stale, arguments, time.monotonic() - started)
-    print(page)
-    if arguments.output:
-        arguments.output.write_text(page + "\n" + _table(results) + "\n", encoding="utf-8")
+    print(_report(results, equivalents, stale, arguments, time.monotonic() - started))
     if stale or _percentage(results, equivalents) < _WANTED_PERCENTAGE:
         sys.exit(1)
 
@@ -64,7 +61,8 @@ def _arguments() -> argparse.Namespace:
     parser.add_argument("--only", metavar="FILE", action="append", help="draw from this file of libemotion; repeatable")
     parser.add_argument("--mutant", metavar="ID", action="append", help="try this one; repeatable")
     parser.add_argument("--list", action="store_true", help="list the mutants and try none")
-    parser.add_argument("--output", type=pathlib.Path, help="write the report, and what became of each mutant, here")
+    parser.add_argument("--record", metavar="FILE", type=pathlib.Path,
+                        help="adds what becomes of each to the file; those that it says are killed are not tried again")
     parser.add_argument("--folder", type=pathlib.Path, default=_PROJECT / "build/mutate",
                         help="keeps copies and builds for the next time (build/mutate)")
     return parser.parse_args()
@@ -117,6 +115,8 @@ class Workers:
         self._trials = [Trial(_PROJECT, arguments.folder / str(number)) for number in range(arguments.jobs)]
         self._pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
         self._lock = threading.Lock()
+        self._record: pathlib.Path | None = arguments.record
+        self._known = _read_record(arguments.record)
 
     def __enter__(self) -> Workers:
         try:
@@ -129,13 +129,15 @@ class Workers:
         return self
 
     def __exit__(self, *_: object) -> None:
-        self._pool.shutdown()
+        self._pool.shutdown(cancel_futures=True)
 
     def judge(self, mutants: list[Mutant]) -> Results:
         """Returns what became of each, in the order of files and lines."""
-        in_order = sorted(mutants, key=lambda mutant: (mutant.file, mutant.start, mutant.end))
-        portions = [in_order[first:first + _PORTION] for first in range(0, len(in_order), _PORTION)]
-        return [result for results in self._pool.map(self._judge_portion, portions) for result in results]
+        known = [(mutant, self._known[mutant.id]) for mutant in mutants if mutant.id in self._known]
+        unknown = sorted((mutant for mutant in mutants if mutant.id not in self._known),
+                         key=lambda mutant: (mutant.is_in_header, mutant.file, mutant.start, mutant.end))
+        portions = [unknown[first:first + _PORTION] for first in range(0, len(unknown), _PORTION)]
+        return known + [result for results in self._pool.map(self._judge_portion, portions) for result in results]
 
     def _judge_portion(self, portion: list[Mutant]) -> Results:
         with self._lock:
@@ -144,10 +146,26 @@ class Workers:
         for mutant in portion:
             outcome = trial.judge(mutant)
             results.append((mutant, outcome))
-            print(f"{outcome.state:12}  {_row(mutant)}{'  by ' + outcome.by if outcome.by else ''}", flush=True)
+            with self._lock:
+                self._tell(mutant, outcome)
         with self._lock:
             self._idle.append(trial)
         return results
+
+    def _tell(self, mutant: Mutant, outcome: Outcome) -> None:
+        line = f"{outcome.state}\t{_row(mutant)}\t{outcome.by}"
+        print(line, flush=True)
+        if self._record:
+            with self._record.open("a", encoding="utf-8") as file:
+                file.write(line + "\n")
+
+
+def _read_record(record: pathlib.Path | None) -> dict[str, Outcome]:
+    """Returns what is known of mutants that did not survive."""
+    if record is None or not record.is_file():
+        return {}
+    rows = [line.split("\t") for line in record.read_text(encoding="utf-8").splitlines()]
+    return {row[1].split()[0]: Outcome(row[0], row[-1]) for row in rows if row[0] != SURVIVED}
 
 
 def _row(mutant: Mutant) -> str:
@@ -186,11 +204,6 @@ def _report(results: Results, equivalents: list[Equivalent], stale: list[str], a
                  f"{_percentage(results, equivalents):.1f} % killed, {_WANTED_PERCENTAGE} wanted; "
                  f"{seconds / 60:.0f} minutes")
     return "\n".join(lines)
-
-
-def _table(results: Results) -> str:
-    rows = sorted(results, key=lambda result: (result[0].file, result[0].start))
-    return "\n".join(f"{outcome.state}\t{_row(mutant)}\t{outcome.by}" for mutant, outcome in rows)
 
 
 if __name__ == "__main__":

@@ -12,7 +12,7 @@ import signal
 import subprocess
 import time
 
-from mutants import Mutant
+from mutants import Mutant, find_mutants
 
 KILLED = "killed"
 SURVIVED = "survived"
@@ -20,6 +20,7 @@ NOT_COMPILED = "not compiled"
 
 # What the model must agree on: enough that the rules and their bounds are met many times over.
 _OBSERVATIONS = 4000
+_PRIVATE_HEADERS = "privateheaders"  # where the tests see them; copy.cmake says so as well
 _MEMORY = 4 << 30
 
 # The programs in the order in which they are tried; each group is built when the one before it has found nothing.
@@ -76,14 +77,32 @@ class Trial:
                 self._limits[name] = 30 + 10 * (time.monotonic() - started)
 
     def judge(self, mutant: Mutant) -> Outcome:
-        """Returns what becomes of the mutant."""
-        file = self._copy / mutant.file
-        original = file.read_text(encoding="utf-8")
-        file.write_text(mutant.applied_to(original), encoding="utf-8")
+        """Returns what becomes of the mutant.
+
+        Raises BrokenCopy if its file is another than that in which it was found.
+        """
+        outcome = Outcome(SURVIVED)
+        if mutant.is_in_function or not self._for_tests(mutant).is_file():
+            outcome = self._judge_in(mutant, [self._copy / mutant.file])
+        if outcome.state == SURVIVED and self._for_tests(mutant).is_file():
+            outcome = self._judge_in(mutant, [self._copy / mutant.file, self._for_tests(mutant)])
+        return outcome
+
+    def _for_tests(self, mutant: Mutant) -> pathlib.Path:
+        """Returns where the tests see the file, if it is a private header."""
+        return self._copy / _PRIVATE_HEADERS / pathlib.Path(mutant.file).name
+
+    def _judge_in(self, mutant: Mutant, files: list[pathlib.Path]) -> Outcome:
+        original = files[0].read_text(encoding="utf-8")
+        if mutant not in find_mutants(mutant.file, original):
+            raise BrokenCopy(f"{mutant.file} was changed since it was read")
         try:
+            for file in files:
+                file.write_text(mutant.applied_to(original), encoding="utf-8")
             return self._judge()
         finally:
-            file.write_text(original, encoding="utf-8")
+            for file in files:
+                file.write_text(original, encoding="utf-8")
 
     def _judge(self) -> Outcome:
         for group in _GROUPS:
@@ -98,21 +117,20 @@ class Trial:
     def _copy_project(self) -> None:
         names = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
                                cwd=self._project, capture_output=True, text=True, check=True).stdout.split("\0")
-        wanted = {name for name in names if name and (self._project / name).is_file()}
-        for name in wanted:
-            source, target = self._project / name, self._copy / name
-            if target.is_file() and target.read_bytes() == source.read_bytes():
-                continue
-            target.parent.mkdir(parents=True, exist_ok=True)
-            shutil.copy(source, target)
-        for file in [file for file in self._copy.rglob("*") if file.is_file()]:
-            if str(file.relative_to(self._copy)) not in wanted:
-                file.unlink()
+        sources = {self._copy / name: self._project / name for name in names if (self._project / name).is_file()}
+        sources |= {self._copy / _PRIVATE_HEADERS / source.name: source
+                    for source in self._project.glob("libemotion/src/*.hpp")}
+        for target, source in sources.items():
+            if not target.is_file() or target.read_bytes() != source.read_bytes():
+                target.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(source, target)
+        for file in [file for file in self._copy.rglob("*") if file.is_file() and file not in sources]:
+            file.unlink()
 
     def _configure(self) -> None:
         options = {"CMAKE_BUILD_TYPE": "Debug", "CMAKE_CXX_FLAGS_DEBUG": "-O0 -g0 -w",
                    "CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE": "PRE_TEST",
-                   "CMAKE_PROJECT_skeigiot_INCLUDE": self._copy / "tests/mutation/precompiled.cmake",
+                   "CMAKE_PROJECT_skeigiot_INCLUDE": self._copy / "tests/mutation/copy.cmake",
                    "SKEIGIOT_BUILD_TOOLS": "OFF", "SKEIGIOT_BUILD_BENCHMARKS": "OFF", "SKEIGIOT_BUILD_EXAMPLES": "OFF"}
         if shutil.which("clang++"):  # makes the most of precompiled headers
             options["CMAKE_CXX_COMPILER"] = "clang++"
