@@ -1,5 +1,6 @@
 #include "support/capturedlog.hpp"
 #include "support/clocktest.hpp"
+#include "support/heldmutex.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
 
@@ -16,6 +17,21 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+namespace support
+{
+
+boost::mutex& mutexOf(KV::AmbianceState& state);
+
+template <boost::mutex KV::AmbianceState::*mutex>
+struct RevealedMutex
+{
+  friend boost::mutex& mutexOf(KV::AmbianceState& state) { return state.*mutex; }
+};
+
+template struct RevealedMutex<&KV::AmbianceState::_mutex>;  // may name what is private
+
+}  // namespace support
 
 namespace
 {
@@ -431,6 +447,30 @@ INSTANTIATE_TEST_SUITE_P(
     support::RowName());
 
 // Threads
+
+TEST(AmbianceStateThreads, WaitForTheMutexOfTheState)
+{
+  AmbianceState state;
+  const AmbianceState source = stateOf(0.5f, 0.5f, 0.f);
+  boost::mutex& mutex = support::mutexOf(state);
+
+  EXPECT_TRUE(support::waitsFor(mutex, [&] { state.updateAmbiance(0.5f); }));
+  EXPECT_TRUE(support::waitsFor(mutex, [&] { state.incrementMovementDetected(); }));
+  EXPECT_TRUE(support::waitsFor(mutex, [&] { state.excitationState(); }));
+  EXPECT_TRUE(support::waitsFor(mutex, [&] { state = source; }));
+}
+
+TEST(AmbianceStateThreads, WaitForNoMutexToCopyASourceAskAndSet)
+{
+  AmbianceState state;
+  AmbianceState target;
+  const std::vector<boost::mutex*> mutexes{&support::mutexOf(state)};
+
+  EXPECT_TRUE(support::endsDespite(mutexes, [&] { target = state; }));
+  EXPECT_TRUE(support::endsDespite(mutexes, [&] { const AmbianceState copy(state); }));
+  EXPECT_TRUE(support::endsDespite(mutexes, [&] { state.ambientActivityLevel(KV::AmbianceCalm); }));
+  EXPECT_TRUE(support::endsDespite(mutexes, [&] { state._setAmbientActivityLevel(0.5f); }));
+}
 
 TEST(AmbianceStateThreads, CountEveryMovement)
 {
