@@ -6,6 +6,9 @@
 
 #include <boost/thread/lock_types.hpp>
 
+#include <algorithm>
+#include <cstddef>
+
 namespace KV
 {
 
@@ -30,14 +33,17 @@ void KVEmotionRecorder::startRecording(const std::string& scope, std::int32_t sa
 
 void KVEmotionRecorder::update_notMutexed(const PersonState& state)
 {
-  const ko::SystemClock::time_point now = ko::SystemClock::now();
+  const auto takesSamples = [](const auto& scope) { return scope.second.remainingSamples != 0; };
+  const auto taking = static_cast<std::size_t>(std::count_if(_scopes.begin(), _scopes.end(), takesSamples));
+  // All are made before any is filed: if memory runs out, no scope has changed.
+  std::list<Sample> samples(taking, Sample(ko::SystemClock::now(), state));
   for (auto& [name, info] : _scopes)
   {
     if (info.remainingSamples == 0)
       continue;
     if (info.remainingSamples > 0)
       --info.remainingSamples;
-    info.samples.emplace_back(now, state);
+    info.samples.splice(info.samples.end(), samples, samples.begin());
   }
 }
 

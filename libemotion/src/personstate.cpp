@@ -238,6 +238,7 @@ std::string PersonState::emotionLogMessage() const
 
   std::ostringstream message;
   message.imbue(std::locale::classic());
+  message.exceptions(std::ios::badbit);  // rather than cut the text where memory runs out
   message << "Emotion recognized : \n";
   if (valence > 0.f)
     message << "\t - Actually you're in a positive mood at a " << valence * 100.f << "% rate ＼（＠￣∇￣＠）／ \n";

@@ -191,6 +191,7 @@ void PersonStatePrivate::_warnIfObservationOld(std::int64_t ageInMs, std::string
 
   std::ostringstream message;
   message.imbue(std::locale::classic());
+  message.exceptions(std::ios::badbit);  // rather than cut the text where memory runs out
   message << "Processing old observation from " << seconds << " s ago";
   if (!source.empty())
     message << " of " << source;

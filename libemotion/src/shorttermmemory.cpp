@@ -103,9 +103,21 @@ void ShortTermMemory<T>::_forgetOld()
   }
   catch (const std::exception& error)
   {
-    std::sort(_records.begin(), _records.end(), std::greater<Timestamped<T>>());  // swaps may have been left half-way
+    _restoreOrder();
     std::cout << "Error while forgeting old memory: " << error.what() << std::endl;
   }
+  catch (...)
+  {
+    _restoreOrder();
+    throw;
+  }
+}
+
+/// After swaps that were left half-way.
+template <typename T>
+void ShortTermMemory<T>::_restoreOrder()
+{
+  std::sort(_records.begin(), _records.end(), std::greater<Timestamped<T>>());
 }
 
 template <typename T>

@@ -15,7 +15,7 @@ namespace ko::cbor
 
 std::vector<std::uint8_t> encode(const Value& value)
 {
-  return JsonTree::to_cbor(treeOf({value.type(), value.storage()}, WireForm::Cbor));
+  return JsonTree::to_cbor(DocumentTree({value.type(), value.storage()}, WireForm::Cbor).root());
 }
 
 Value decode(const std::vector<std::uint8_t>& bytes)

@@ -14,7 +14,7 @@ namespace ko::json
 
 std::string encode(const Value& value, int indent)
 {
-  return treeOf({value.type(), value.storage()}, WireForm::Json).dump(indent);
+  return DocumentTree({value.type(), value.storage()}, WireForm::Json).root().dump(indent);
 }
 
 Value decode(std::string_view text)

@@ -15,20 +15,24 @@ namespace ko
 namespace
 {
 
+/// Writes in place, into a tree whose end its owner sees to: see DocumentTree.
 class TreeWriter
 {
 public:
   explicit TreeWriter(WireForm form) : _form(form) {}
 
-  JsonTree write(ValueView view, const Place& place, std::size_t depth) const;
+  void write(JsonTree& target, ValueView view, const Place& place, std::size_t depth) const;
 
 private:
-  JsonTree _int(const ValueView& view) const;
+  static JsonTree _int(const ValueView& view);
   JsonTree _float(const ValueView& view) const;
-  JsonTree _optional(const ValueView& view, const Place& place, std::size_t depth) const;
-  JsonTree _list(const ValueView& view, const Place& place, std::size_t depth) const;
-  JsonTree _map(const ValueView& view, const Place& place, std::size_t depth) const;
-  JsonTree _object(const ValueView& view, const Place& place, std::size_t depth) const;
+  void _optional(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const;
+  void _list(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const;
+  void _map(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const;
+  void _object(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const;
+
+  /// Appends an element to the list `target`.
+  void _append(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const;
 
   WireForm _form;
 };
@@ -48,37 +52,41 @@ std::size_t inside(std::size_t depth, const Place& place)
   return depth + 1;
 }
 
-JsonTree TreeWriter::write(ValueView view, const Place& place, std::size_t depth) const
+void TreeWriter::write(JsonTree& target, ValueView view, const Place& place, std::size_t depth) const
 {
   view = held(view);
   if (!view)
-    return nullptr;
+    return;
   switch (kindOf(view))
   {
     case TypeKind::Bool:
-      return view.as<BoolTypeInterface>().value(view.storage);
+      target = view.as<BoolTypeInterface>().value(view.storage);
+      break;
     case TypeKind::Int:
-      return _int(view);
+      target = _int(view);
+      break;
     case TypeKind::Float:
-      return _float(view);
+      target = _float(view);
+      break;
     case TypeKind::String:
-      return checkedText(view.as<StringTypeInterface>().value(view.storage), place);
+      target = checkedText(view.as<StringTypeInterface>().value(view.storage), place);
+      break;
     case TypeKind::Optional:
-      return _optional(view, place, depth);
+      return _optional(target, view, place, depth);
     case TypeKind::List:
     case TypeKind::Tuple:
-      return _list(view, place, inside(depth, place));
+      return _list(target, view, place, inside(depth, place));
     case TypeKind::Map:
-      return hasNames(view) ? _object(view, place, inside(depth, place)) : _map(view, place, inside(depth, place));
+      return hasNames(view) ? _object(target, view, place, inside(depth, place))
+                            : _map(target, view, place, inside(depth, place));
     case TypeKind::Struct:
-      return _object(view, place, inside(depth, place));
+      return _object(target, view, place, inside(depth, place));
     case TypeKind::Dynamic:
       break;  // held() looks inside
   }
-  return nullptr;
 }
 
-JsonTree TreeWriter::_int(const ValueView& view) const
+JsonTree TreeWriter::_int(const ValueView& view)
 {
   const auto& type = view.as<IntTypeInterface>();
   const std::int64_t bits = type.value(view.storage);
@@ -96,55 +104,76 @@ JsonTree TreeWriter::_float(const ValueView& view) const
   return type.size() == sizeof(float) ? shortestDouble(static_cast<float>(number)) : number;
 }
 
-JsonTree TreeWriter::_optional(const ValueView& view, const Place& place, std::size_t depth) const
+void TreeWriter::_optional(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
 {
   const auto& type = view.as<OptionalTypeInterface>();
-  void* value = type.value(view.storage);
-  return value ? write({type.valueType(), value}, place, depth) : nullptr;
+  if (void* const value = type.value(view.storage))
+    write(target, {type.valueType(), value}, place, depth);
 }
 
-JsonTree TreeWriter::_list(const ValueView& view, const Place& place, std::size_t depth) const
+void TreeWriter::_append(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
 {
-  JsonTree list = JsonTree::array();
+  const Place elementPlace = place.element(target.size());
+  target.push_back(nullptr);
+  write(target.back(), view, elementPlace, depth);
+}
+
+void TreeWriter::_list(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
+{
+  target = JsonTree::array();
   for (const ValueView& element : elements(view, place))
-    list.push_back(write(element, place.element(list.size()), depth));
-  return list;
+    _append(target, element, place, depth);
 }
 
-JsonTree TreeWriter::_map(const ValueView& view, const Place& place, std::size_t depth) const
+void TreeWriter::_map(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
 {
-  JsonTree list = JsonTree::array();
+  target = JsonTree::array();
   for (const auto& [key, element] : entries(view, place))
   {
-    const Place pairPlace = place.element(list.size());
+    const Place pairPlace = place.element(target.size());
     const std::size_t pairDepth = inside(depth, pairPlace);
-    JsonTree pair = JsonTree::array();
-    pair.push_back(write(key, pairPlace.element(0), pairDepth));
-    pair.push_back(write(element, pairPlace.element(1), pairDepth));
-    list.push_back(std::move(pair));
+    target.push_back(JsonTree::array());
+    JsonTree& pair = target.back();
+    _append(pair, key, pairPlace, pairDepth);
+    _append(pair, element, pairPlace, pairDepth);
   }
-  return list;
 }
 
-JsonTree TreeWriter::_object(const ValueView& view, const Place& place, std::size_t depth) const
+void TreeWriter::_object(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
 {
   const std::vector<std::string> memberNames = names(view);
   const std::vector<ValueView> parts = namedParts(view, place);
-  JsonTree::object_t members;
+  target = JsonTree::object();
+  auto& members = target.get_ref<JsonTree::object_t&>();
   members.reserve(parts.size());
   for (std::size_t i = 0; i < parts.size(); ++i)
   {
     const Place partPlace = place.member(memberNames[i]);
-    members.push_back({checkedText(memberNames[i], partPlace), write(parts[i], partPlace, depth)});
+    members.push_back({checkedText(memberNames[i], partPlace), nullptr});
+    write(members.back().second, parts[i], partPlace, depth);
   }
-  return members;
+}
+
+/// Empties the tree from its leaves to its root.
+void takeDown(JsonTree& tree)
+{
+  if (!tree.is_structured())
+    return;
+  for (JsonTree& part : tree)
+    takeDown(part);
+  tree.clear();
 }
 
 }  // namespace
 
-JsonTree treeOf(const ValueView& view, WireForm form)
+DocumentTree::DocumentTree(const ValueView& view, WireForm form) : DocumentTree()
 {
-  return TreeWriter(form).write(view, Place(), 0);
+  TreeWriter(form).write(_root, view, Place(), 0);
+}
+
+DocumentTree::~DocumentTree()
+{
+  takeDown(_root);
 }
 
 bool isUtf8(std::string_view text)

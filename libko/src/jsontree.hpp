@@ -19,10 +19,26 @@ enum class WireForm
   Cbor
 };
 
-/// Returns the object as a tree.
+/// A value as a tree.
 ///
-/// \throws TypeError with the path of a part that cannot be written, see json::encode().
-JsonTree treeOf(const ValueView& view, WireForm form);
+/// It takes the tree down itself: a tree of more than one level needs memory for its own end, and would end the process
+/// if there were none.
+class DocumentTree
+{
+public:
+  /// \throws TypeError with the path of a part that cannot be written, see json::encode().
+  DocumentTree(const ValueView& view, WireForm form);
+  ~DocumentTree();
+  DocumentTree(const DocumentTree&) = delete;
+  DocumentTree& operator=(const DocumentTree&) = delete;
+
+  const JsonTree& root() const { return _root; }
+
+private:
+  DocumentTree() = default;  // what another constructor delegates to is destroyed if that throws
+
+  JsonTree _root;
+};
 
 /// Whether the text is well-formed UTF-8.
 bool isUtf8(std::string_view text);

@@ -3,10 +3,17 @@
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/mutex.hpp>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <map>
 #include <memory>
+#include <new>
 #include <set>
 #include <sstream>
 #include <utility>
@@ -18,7 +25,17 @@ namespace
 {
 
 using Handler = boost::function<void(const Record&)>;
-using Handlers = std::map<HandlerId, std::shared_ptr<const Handler>>;  // ids ascend: in the order of adding
+
+/// A handler that was added, until it is removed.
+struct Addition
+{
+  explicit Addition(Handler added) : handler(std::move(added)) {}
+
+  const Handler handler;
+  std::atomic<bool> isRemoved{false};  // though it stands in the list still, for want of memory
+};
+
+using Handlers = std::map<HandlerId, std::shared_ptr<Addition>>;  // ids ascend: in the order of adding
 
 /// Categories and handlers of the process.
 struct Registry
@@ -46,6 +63,13 @@ std::shared_ptr<const Handlers> currentHandlers()
   return shared.handlers;
 }
 
+/// Drops those that had to stay when they were removed.
+void dropRemoved(Handlers& handlers)
+{
+  for (auto next = handlers.begin(); next != handlers.end();)
+    next = next->second->isRemoved ? handlers.erase(next) : std::next(next);
+}
+
 /// Puts a copy of the handlers, as `change` leaves it, in their place.
 ///
 /// A handler that is dropped thereby dies after the lock is released: its destructor may log.
@@ -57,7 +81,17 @@ void replaceHandlers(Change change)
   const boost::lock_guard<boost::mutex> lock(shared.mutex);
   auto handlers = std::make_shared<Handlers>(*shared.handlers);
   change(*handlers, shared.lastId);
+  dropRemoved(*handlers);
   former = std::exchange(shared.handlers, std::move(handlers));
+}
+
+/// Removes a handler without memory: it stays in the list, and is passed over.
+void passOver(HandlerId id)
+{
+  const std::shared_ptr<const Handlers> handlers = currentHandlers();
+  const auto found = handlers->find(id);
+  if (found != handlers->end())
+    found->second->isRemoved = true;
 }
 
 const char* levelName(Level level)
@@ -87,9 +121,22 @@ void writeToStandardError(const Record& record)
   if (record.level < Level::Fatal || record.level > Level::Warning)
     return;
   std::ostringstream line;
+  line.imbue(std::locale::classic());
+  line.exceptions(std::ios::badbit);  // rather than cut the line where memory runs out
   line << '[' << levelName(record.level) << "] " << record.category << ": " << record.message << " (" << record.file
        << ':' << record.line << ", " << record.function << ")\n";
   std::cerr << line.str();  // one write, so that lines of several threads do not mix
+}
+
+/// Needs no memory, which may be what the handler has run out of.
+void reportFailure(const char* reason)
+{
+  std::array<char, 512> line;  // NOLINT(cppcoreguidelines-pro-type-member-init): snprintf() fills it
+  const char* const form = "A log handler failed: %s";
+  const auto wanted = static_cast<std::size_t>(std::max(0, std::snprintf(line.data(), line.size(), form, reason)));
+  const std::size_t size = std::min(wanted, line.size() - 1);
+  line.at(size) = '\n';
+  std::cerr.write(line.data(), static_cast<std::streamsize>(size + 1));  // one write, as above
 }
 
 void handOut(const Handler& handler, const Record& record)
@@ -100,11 +147,11 @@ void handOut(const Handler& handler, const Record& record)
   }
   catch (const std::exception& error)
   {
-    std::cerr << std::string("A log handler failed: ") + error.what() + "\n";
+    reportFailure(error.what());
   }
   catch (...)
   {
-    std::cerr << "A log handler failed: unknown exception\n";
+    reportFailure("unknown exception");
   }
 }
 
@@ -135,17 +182,23 @@ void log(Level level, const std::string& category, const std::string& message, c
 {
   const Record record{level, category, message, file, function, line, SystemClock::now()};
   const std::shared_ptr<const Handlers> handlers = currentHandlers();
-  if (handlers->empty())
-    return writeToStandardError(record);
-  for (const auto& [id, handler] : *handlers)
-    handOut(*handler, record);
+  bool anyThere = false;
+  for (const auto& [id, addition] : *handlers)
+  {
+    if (addition->isRemoved)
+      continue;
+    anyThere = true;
+    handOut(addition->handler, record);
+  }
+  if (!anyThere)
+    writeToStandardError(record);
 }
 
 HandlerId addHandler(Handler handler)
 {
   if (handler.empty())
     boost::throw_exception(boost::bad_function_call());
-  const auto added = std::make_shared<const Handler>(std::move(handler));
+  const auto added = std::make_shared<Addition>(std::move(handler));
   HandlerId id = 0;
   replaceHandlers([&](Handlers& handlers, HandlerId& lastId) {
     id = ++lastId;
@@ -156,7 +209,14 @@ HandlerId addHandler(Handler handler)
 
 void removeHandler(HandlerId id)
 {
-  replaceHandlers([id](Handlers& handlers, HandlerId&) { handlers.erase(id); });
+  try
+  {
+    replaceHandlers([id](Handlers& handlers, HandlerId&) { handlers.erase(id); });
+  }
+  catch (const std::bad_alloc&)
+  {
+    passOver(id);
+  }
 }
 
 }  // namespace ko::log

@@ -19,6 +19,28 @@ public:
   Value& value(void* storage) const override { return object(storage); }
 };
 
+/// Undoes, at the end of the scope, a step whose successor failed.
+template <typename Action>
+class Undo
+{
+public:
+  explicit Undo(Action action) : _action(action) {}
+  Undo(const Undo&) = delete;
+  Undo& operator=(const Undo&) = delete;
+  ~Undo()
+  {
+    if (!_done)
+      _action();
+  }
+
+  /// All that followed went well.
+  void keepDone() { _done = true; }
+
+private:
+  Action _action;
+  bool _done = false;
+};
+
 /// The types of the process, by C++ type and by class name.
 ///
 /// It brings along what every program shares, so that those interfaces are of this library and not of one that may be
@@ -103,9 +125,12 @@ bool Registry::addStruct(TypeInterface* type)
 bool Registry::_addStruct(const std::string& name, StructTypeInterface* type)
 {
   const auto [known, isNew] = _structByName.emplace(name, type);
-  if (isNew)
-    _structs.push_back(type);
-  return known->second == type;
+  if (!isNew)
+    return known->second == type;
+  Undo forgetName([this, &name] { _structByName.erase(name); });
+  _structs.push_back(type);
+  forgetName.keepDone();
+  return true;
 }
 
 bool Registry::addType(const std::type_info& info, TypeInterface* type)
@@ -115,9 +140,12 @@ bool Registry::addType(const std::type_info& info, TypeInterface* type)
   StructTypeInterface* structType = asStruct(type);
   const std::string name = structType ? key(structType->className()) : std::string();
   const boost::lock_guard<boost::mutex> lock(_mutex);
-  if (_types.count(info) != 0 || (structType && !_addStruct(name, structType)))
+  if (!_types.emplace(info, type).second)
     return false;
-  _types.emplace(info, type);
+  Undo unbind([this, &info] { _types.erase(info); });
+  if (structType && !_addStruct(name, structType))
+    return false;
+  unbind.keepDone();
   return true;
 }
 

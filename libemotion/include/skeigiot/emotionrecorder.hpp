@@ -17,6 +17,8 @@ namespace KV
 {
 
 /// Records a person's states over named scopes, and judges each scope when it ends.
+///
+/// An operation that throws, since memory has run out or the clock throws, has changed nothing, and holds no lock.
 class SKEIGIOT_API KVEmotionRecorder
 {
 public:

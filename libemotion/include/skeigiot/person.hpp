@@ -28,8 +28,10 @@ public:
 
   /// Takes one perception cycle in: files the observation into the memories, then estimates body language and state.
   ///
-  /// Equivalent to updateMemory() followed by _updateOnlineModels(). An exception of a step passes to the caller; what
-  /// the steps before it did stays done.
+  /// Equivalent to updateMemory() followed by _updateOnlineModels(). An exception of a step, such as std::bad_alloc or
+  /// one of the clock, passes to the caller; what the steps before it did stays done: readings that were filed stay
+  /// filed, and one whose time the state has seen does not act again when the observation is given a second time. No
+  /// lock stays held, the estimates stay in their ranges, and the next update goes on from there.
   void update(const PersonObservation& observation);
 
   /// Files the observation into the memories, and estimates nothing.

@@ -30,7 +30,9 @@ public:
 
   /// Files each reading of the observation into its memory, under the reading's own time.
   ///
-  /// `headHeight` and `voiceEmotion` are not remembered. A reading that is absent leaves its memory untouched.
+  /// `headHeight` and `voiceEmotion` are not remembered. A reading that is absent leaves its memory untouched. If
+  /// memory runs out, std::bad_alloc passes to the caller; the readings before stay filed, and the observation may be
+  /// given again.
   ///
   /// \par Thread safety
   ///   Takes the mutex of one memory at a time, never two at once; another thread may see the observation half filed.

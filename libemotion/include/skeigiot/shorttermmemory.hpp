@@ -45,6 +45,7 @@ public:
   /// A reading with exactly the time of a remembered one is discarded: the first writer wins. One older than the
   /// horizon is forgotten at once.
   ///
+  /// \throws std::bad_alloc if there is no room for one more; the memory then holds what it held before.
   /// \par Thread safety
   ///   Takes the memory's mutex (not recursive) for its whole run.
   /// \par Complexity
@@ -66,7 +67,8 @@ public:
   /// Removes every record that _isTooOld() judges too old, each with a clock reading of its own, newest first.
   ///
   /// An exception of the clock is caught and written to standard output as "Error while forgeting old memory: <what>";
-  /// the memory then holds what it held before.
+  /// the memory then holds what it held before. So it does if the clock throws what is no std::exception, which passes
+  /// to the caller.
   ///
   /// \par Thread safety
   ///   Takes no lock: the caller holds mutex().
@@ -93,6 +95,8 @@ public:
   boost::chrono::milliseconds horizon() const { return _horizon; }
 
 private:
+  void _restoreOrder();
+
   const boost::chrono::milliseconds _horizon;
 
   // Guarded by _mutex

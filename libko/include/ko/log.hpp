@@ -75,8 +75,9 @@ struct Record
 ///
 /// With no handler added, a record from Level::Warning up to Level::Fatal goes to standard error, a line each, and
 /// every other is dropped. An exception of a handler ends neither the caller nor the handlers after it: it is reported
-/// on standard error.
+/// on standard error, cut to 500 bytes.
 ///
+/// \throws std::bad_alloc, and what the clock source of the thread throws; no handler has received the record then.
 /// \par Thread safety
 ///   Safe from any thread. No lock is held while a handler runs, so a handler may log, add and remove handlers; it may
 ///   be called from several threads at once.
@@ -97,7 +98,8 @@ using HandlerId = int;
 ///   Safe from any thread.
 KO_API HandlerId addHandler(boost::function<void(const Record&)> handler);
 
-/// Removes the handler with this id; an unknown id changes nothing.
+/// Removes the handler with this id; an unknown id changes nothing. Needs no memory to be there: without any, the
+/// handler is called no more, but lives on.
 ///
 /// A record that another thread is handing out at that moment may still reach the handler after this returns.
 ///

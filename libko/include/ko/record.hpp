@@ -146,6 +146,16 @@ private:
   const StructTypeInterface& _recordType;
 };
 
+/// Registers the interface of the class `T`, which the registry owns from then on; it is dropped if it is refused.
+template <typename T>
+bool registerForGood(std::unique_ptr<TypeInterface> type)
+{
+  if (!registerType(typeid(T), type.get()))
+    return false;
+  static_cast<void>(type.release());
+  return true;
+}
+
 }  // namespace detail
 
 /// Registers `Record` as a struct of this class name, with these members in this order.
@@ -157,8 +167,7 @@ private:
 template <typename Record>
 bool registerRecord(const std::string& className, std::vector<detail::Member<Record>> members)
 {
-  auto type = std::make_unique<detail::RecordType<Record>>(className, std::move(members));
-  return registerStruct(type.get()) && registerType(typeid(Record), type.release());
+  return detail::registerForGood<Record>(std::make_unique<detail::RecordType<Record>>(className, std::move(members)));
 }
 
 /// Registers `Handle` as a struct of this class name, with the members of the record that `pointer` points to.
@@ -170,12 +179,8 @@ bool registerHandle(const std::string& className, Pointer Handle::*pointer)
   const TypeInterface* recordType = typeOf<typename Pointer::element_type>();
   if (!recordType || recordType->kind() != TypeKind::Struct)
     return false;
-  auto type = std::make_unique<detail::HandleType<Handle, Pointer>>(
-      className, pointer, *static_cast<const StructTypeInterface*>(recordType));
-  if (!registerType(typeid(Handle), type.get()))
-    return false;
-  static_cast<void>(type.release());  // owned by the registry from now on
-  return true;
+  return detail::registerForGood<Handle>(std::make_unique<detail::HandleType<Handle, Pointer>>(
+      className, pointer, *static_cast<const StructTypeInterface*>(recordType)));
 }
 
 }  // namespace ko

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <ko/log.hpp>
+
+#include <boost/function.hpp>
+
+namespace faults
+{
+
+/// A log handler that is added for as long as it lives.
+class ScopedHandler
+{
+public:
+  explicit ScopedHandler(const boost::function<void(const ko::log::Record&)>& handler)
+    : _id(ko::log::addHandler(handler))
+  {}
+  ~ScopedHandler() { ko::log::removeHandler(_id); }
+  ScopedHandler(const ScopedHandler&) = delete;
+  ScopedHandler& operator=(const ScopedHandler&) = delete;
+
+private:
+  ko::log::HandlerId _id;
+};
+
+}  // namespace faults
