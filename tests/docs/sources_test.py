@@ -1,0 +1,39 @@
+"""The table of sources tells all that act in an update, in the order in which they act."""
+
+import re
+import unittest
+
+from support import BUILD, ROOT, run
+
+
+def told_in_page():
+    """The names in the column "told as"; where one stands for both of two cases, it stands once for each."""
+    page = (ROOT / "docs" / "how-it-works.md").read_text()
+    table = page.split("| # | source | told as |")[1].split("\n\n")[0]
+    return re.findall(r"^\|[^|]*\|[^|]*\| `([^`]+)`", table, re.MULTILINE)
+
+
+def is_in_order(names, order):
+    """Tells whether the names stand in the order, which may have others between them."""
+    rest = iter(order)
+    return all(name in rest for name in names)
+
+
+class Sources(unittest.TestCase):
+    def setUp(self):
+        self.updates = [line.split("|") for line in run(BUILD / "docs" / "plots" / "printsources").splitlines()]
+
+    def test_stand_in_the_order_in_which_they_act(self):
+        self.assertEqual(4, len(self.updates))
+        for update in self.updates:
+            self.assertTrue(is_in_order(update, told_in_page()), f"{update}\n{told_in_page()}")
+
+    def test_are_all_there_and_no_others(self):
+        self.assertEqual({name for update in self.updates for name in update}, set(told_in_page()))
+
+    def test_in_another_order_would_be_found(self):
+        self.assertFalse(is_in_order(["b", "a"], ["a", "b"]))
+
+
+if __name__ == "__main__":
+    unittest.main()
