@@ -2,7 +2,8 @@
 
 #include <ko/log.hpp>
 
-#include <string>
+#include <locale>
+#include <sstream>
 
 namespace KV
 {
@@ -14,9 +15,10 @@ void setTunable(Tunable& tunable, float value, const TunableInterval& interval, 
     tunable = value;
     return;
   }
-  const std::string message =
-      std::string(source.function) + " failed: " + std::to_string(value) + " is not between " + interval.words + ".";
-  ko::log::log(ko::log::Level::Warning, source.category, message, source.file, source.function, source.line);
+  std::ostringstream message;
+  message.imbue(std::locale::classic());  // std::to_string writes a comma where C functions do
+  message << source.function << " failed: " << std::fixed << value << " is not between " << interval.words << ".";
+  ko::log::log(ko::log::Level::Warning, source.category, message.str(), source.file, source.function, source.line);
 }
 
 }  // namespace KV

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "support/capturedlog.hpp"
+#include "support/clocktest.hpp"
+#include "support/randomobservations.hpp"
+
+#include <skeigiot/person.hpp>
+
+#include <random>
+#include <string>
+
+namespace properties
+{
+
+constexpr support::hours hourOfLife(1);
+
+/// The seeds of the lives that each property is held against.
+constexpr unsigned int seeds[] = {1, 20261121, 4294967295U};  // NOLINT(modernize-avoid-c-arrays): a list for a loop
+
+/// One random life of a person in front of a robot, cycle by cycle, on a clock of its own; the same for the same seed.
+class RandomLife
+{
+public:
+  explicit RandomLife(unsigned int seed, support::nanoseconds length = hourOfLife)
+    : _seed(seed), _end(support::start + length), _observations(seed), _random(seed)
+  {}
+
+  /// Goes on to the next cycle; false if the life is over.
+  bool next()
+  {
+    _time.clock.advance(_observations.pause());
+    _isSeen = std::uniform_int_distribution<int>(0, 9)(_random) != 0;
+    _observation = _observations.next();
+    ++_cycle;
+    return ko::SystemClock::now() < _end;
+  }
+
+  bool isSeen() const { return _isSeen; }
+  const KV::PersonObservation& observation() const { return _observation; }
+
+  /// Lets the person live through this cycle.
+  void letLive(KV::Person& person) const
+  {
+    if (_isSeen)
+      person.update(_observation);
+    else
+      person.decreaseSinceNotSeen();
+  }
+
+  ko::ManualClock& clock() { return _time.clock; }
+
+  /// Where in which life this is, for a failed test.
+  std::string place() const { return "seed " + std::to_string(_seed) + ", cycle " + std::to_string(_cycle); }
+
+private:
+  const unsigned int _seed;
+  const ko::SystemClock::time_point _end;
+  support::TestClock _time;
+  support::CapturedLog _log;  // old voices are many here, and the warnings of them expected
+  support::RandomObservations _observations;
+  std::mt19937 _random;
+  KV::PersonObservation _observation;
+  bool _isSeen = false;
+  int _cycle = 0;
+};
+
+/// What is left of a life: the fingerprint after each cycle, in one hash.
+std::size_t fingerprintOfLife(unsigned int seed, support::nanoseconds length = hourOfLife);
+
+}  // namespace properties
