@@ -11,6 +11,7 @@
 #include <exception>
 #include <iostream>
 #include <iterator>
+#include <locale>
 #include <map>
 #include <memory>
 #include <new>
