@@ -35,13 +35,13 @@ constexpr float greatestReading = 1e30f;
 /// \name Readings
 /// Tell whether every number of the reading is finite: neither NaN nor beyond greatestReading.
 /// @{
-SKEIGIOT_API bool isFinite(const Gaze& gaze);
-SKEIGIOT_API bool isFinite(const HeadPosture& posture);
-SKEIGIOT_API bool isFinite(const RobotHeadPosture& posture);
-SKEIGIOT_API bool isFinite(const Smile& smile);
-SKEIGIOT_API bool isFinite(const Expressions& expressions);  ///< for a VoiceEmotion as well
-SKEIGIOT_API bool isFinite(const FacialPoints& points);
-SKEIGIOT_API bool isFinite(const ContextEmotion& emotion);
+SKEIGIOT_API bool isFinite(const Gaze& gaze);                 ///< both angles
+SKEIGIOT_API bool isFinite(const HeadPosture& posture);       ///< all three angles
+SKEIGIOT_API bool isFinite(const RobotHeadPosture& posture);  ///< both angles
+SKEIGIOT_API bool isFinite(const Smile& smile);               ///< degree and confidence
+SKEIGIOT_API bool isFinite(const Expressions& expressions);  ///< all scores and confidences; for a VoiceEmotion as well
+SKEIGIOT_API bool isFinite(const FacialPoints& points);      ///< positions and confidences of all twelve
+SKEIGIOT_API bool isFinite(const ContextEmotion& emotion);   ///< the lifetime
 /// @}
 
 /// Tells whether every reading that is there is finite; one without any reading is.
