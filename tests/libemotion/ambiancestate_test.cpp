@@ -1,6 +1,7 @@
 #include "support/capturedlog.hpp"
 #include "support/clocktest.hpp"
 #include "support/heldmutex.hpp"
+#include "support/revealedmutex.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
 
@@ -22,14 +23,7 @@ namespace support
 {
 
 boost::mutex& mutexOf(KV::AmbianceState& state);
-
-template <boost::mutex KV::AmbianceState::*mutex>
-struct RevealedMutex
-{
-  friend boost::mutex& mutexOf(KV::AmbianceState& state) { return state.*mutex; }
-};
-
-template struct RevealedMutex<&KV::AmbianceState::_mutex>;  // may name what is private
+template struct RevealedMutex<KV::AmbianceState, &KV::AmbianceState::_mutex>;
 
 }  // namespace support
 

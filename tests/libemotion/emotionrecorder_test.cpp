@@ -3,7 +3,9 @@
 #include "personstateprivate.hpp"
 
 #include "support/clocktest.hpp"
+#include "support/heldmutex.hpp"
 #include "support/restoredboundaries.hpp"
+#include "support/revealedmutex.hpp"
 #include "support/scriptedclock.hpp"
 
 #include <ko/log.hpp>
@@ -19,6 +21,14 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+namespace support
+{
+
+boost::mutex& mutexOf(KV::KVEmotionRecorder& recorder);
+template struct RevealedMutex<KV::KVEmotionRecorder, &KV::KVEmotionRecorder::_mutex>;
+
+}  // namespace support
 
 namespace
 {
@@ -288,6 +298,22 @@ TEST_F(Recorder, SharesTheRecordsOfItsSamplesWithItsCopies)
   record(0.1f);
   KVEmotionRecorder copy(recorder);
   EXPECT_EQ(recorder.stopRecording("x").second.front().second._p, copy.stopRecording("x").second.front().second._p);
+}
+
+TEST_F(Recorder, WaitsForItsMutexToStartAndToStop)
+{
+  boost::mutex& mutex = support::mutexOf(recorder);
+  EXPECT_TRUE(support::waitsFor(mutex, [this] { recorder.startRecording("x", 1); }));
+  EXPECT_TRUE(support::waitsFor(mutex, [this] { recorder.stopRecording("x"); }));
+  EXPECT_TRUE(support::isFree(mutex));
+}
+
+TEST_F(Recorder, TakesNoMutexWhereItsCallerHoldsOne)
+{
+  recorder.startRecording("x", -1);
+  EXPECT_TRUE(support::endsDespite({&support::mutexOf(recorder)}, [this] { record(0.5f); }));
+  EXPECT_TRUE(support::endsDespite({&support::mutexOf(recorder)}, [this] { recorder.hasAnOpenScope_notMutexed(); }));
+  EXPECT_EQ(1U, samplesIn("x"));
 }
 
 TEST_F(Recorder, LosesNoScopeOfSeveralThreads)
