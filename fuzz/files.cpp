@@ -1,0 +1,97 @@
+#include "inputasfile.hpp"
+#include "target.hpp"
+
+#include "inputfile.hpp"
+#include "mapping.hpp"
+#include "recording.hpp"
+#include "rosmessages.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+/// Files that are no recordings by themselves, and the messages in a bag.
+namespace fuzz
+{
+
+namespace
+{
+
+void readLines(const std::string& path)
+{
+  tools::InputFile file(path);
+  std::string_view line;
+  std::size_t lines = 0;
+  while (file.readLine(line))
+  {
+    expect(file.lineNumber() == ++lines, "lines are counted");
+    expect(line.find('\n') == std::string_view::npos, "a line is one line");
+  }
+  expect(file.progress() == 1., "the end is the end");
+}
+
+void readBlocks(const std::string& path)
+{
+  tools::InputFile file(path);
+  std::string_view block;
+  while (file.readBlock(block))
+    expect(!block.empty(), "a block holds something");
+}
+
+/// Tells whether the reading went well to its end.
+template <typename Read>
+bool succeeds(Read read)
+{
+  try
+  {
+    read();
+    return true;
+  }
+  catch (const tools::RecordingError& error)
+  {
+    expect(*error.what() != '\0', "a file that cannot be read is complained of");
+    return false;
+  }
+}
+
+}  // namespace
+
+void fuzzGzip(std::string_view input)
+{
+  const InputAsFile file(input);
+  const std::string path = file.path();
+  const bool byLines = succeeds([&path] { readLines(path); });
+  const bool byBlocks = succeeds([&path] { readBlocks(path); });
+  expect(byLines == byBlocks, "lines and blocks read alike");
+  succeeds([&path] { tools::InputFile::head(path, 1000); });
+}
+
+void fuzzMapping(std::string_view input)
+{
+  const InputAsFile file(input);
+  succeeds([&file] { tools::readMapping(file.path()); });
+}
+
+void fuzzRosMessages(std::string_view input)
+{
+  using tools::RosData;
+  static const std::vector<std::function<void(RosData&)>> readers = {
+      [](RosData& data) { tools::readTransforms(data); }, [](RosData& data) { tools::readIdsList(data); },
+      [](RosData& data) { tools::readExpression(data); }, [](RosData& data) { tools::readActionUnits(data); },
+      [](RosData& data) { tools::readLandmarks(data); },  [](RosData& data) { tools::readSpeech(data); },
+      [](RosData& data) { tools::readString(data); },     [](RosData& data) { tools::readBool(data); }};
+  for (const auto& reader : readers)
+  {
+    RosData data(input.begin(), input.end());
+    try
+    {
+      reader(data);
+    }
+    catch (const tools::RosMessageError& error)
+    {
+      expect(*error.what() != '\0', "a message that cannot be read is complained of");
+    }
+  }
+}
+
+}  // namespace fuzz

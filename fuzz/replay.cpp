@@ -1,0 +1,54 @@
+#include "target.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+
+/// Runs each file of a corpus once, without libFuzzer: `replay CORPUS TARGET`, where CORPUS has a folder TARGET.
+/// `replay --list` writes the names of all targets.
+
+namespace
+{
+
+std::string contentOf(const std::filesystem::path& path)
+{
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+int replay(const fuzz::Target& target, const std::filesystem::path& folder)
+{
+  int files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+  {
+    std::cout << entry.path().filename().string() << std::endl;  // known even if the next line ends the program
+    target.run(contentOf(entry.path()));
+    ++files;
+  }
+  std::cout << files << " files of " << target.name << " replayed\n";
+  return files > 0 ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+  const auto& all = fuzz::targets();
+  if (argc == 2 && std::string(argv[1]) == "--list")
+  {
+    for (const fuzz::Target& target : all)
+      std::cout << target.name << '\n';
+    return 0;
+  }
+  const auto isNamed = [&](const fuzz::Target& target) { return argc == 3 && target.name == argv[2]; };
+  const auto found = std::find_if(all.begin(), all.end(), isNamed);
+  if (found == all.end())
+  {
+    std::cerr << "usage: " << argv[0] << " CORPUS TARGET\n       " << argv[0] << " --list\n";
+    return 2;
+  }
+  return replay(*found, std::filesystem::path(argv[1]) / argv[2]);
+}

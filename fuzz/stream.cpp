@@ -1,0 +1,67 @@
+#include "stream.hpp"
+
+#include "lineinput.hpp"
+#include "target.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+namespace fuzz
+{
+
+namespace
+{
+
+constexpr std::size_t longestLine = 2000;
+constexpr std::size_t pieceSize = 700;  // so that lines are cut
+
+void expectOneObject(const std::string& answer)
+{
+  expect(!answer.empty() && answer.find('\n') == answer.size() - 1, "an answer is one line");
+  expect(nlohmann::json::parse(answer).is_object(), "an answer is an object");
+}
+
+/// Answers every line that has come in, and returns how many there were.
+std::size_t answerLines(tools::Stream& stream, tools::LineInput& lines)
+{
+  using Line = tools::LineInput::Line;
+  std::size_t count = 0;
+  std::string_view line;
+  for (Line state = lines.take(line); state != Line::NotYetHere; state = lines.take(line))
+  {
+    expectOneObject(state == Line::TooLong ? stream.answerToLongLine(longestLine) : stream.answer(line));
+    ++count;
+  }
+  return count;
+}
+
+void answerAll(std::string_view input, tools::StreamTimes times)
+{
+  const tools::TimePoint arrival(boost::chrono::seconds(1577836800));
+  tools::Stream stream(times, [arrival] { return arrival; });
+  tools::LineInput lines(longestLine);
+  std::size_t answers = 0;
+  for (std::size_t i = 0; i < input.size(); i += pieceSize)
+  {
+    lines.add(input.substr(i, pieceSize));
+    answers += answerLines(stream, lines);
+  }
+  lines.end();
+  answers += answerLines(stream, lines);
+
+  const auto ends = static_cast<std::size_t>(std::count(input.begin(), input.end(), '\n'));
+  expect(answers == ends + (input.empty() || input.back() == '\n' ? 0 : 1), "each line has its answer");
+}
+
+}  // namespace
+
+void fuzzStream(std::string_view input)
+{
+  answerAll(input, tools::StreamTimes::Lines);
+  answerAll(input, tools::StreamTimes::Arrival);
+}
+
+}  // namespace fuzz

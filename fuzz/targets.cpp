@@ -1,0 +1,29 @@
+#include "target.hpp"
+
+namespace fuzz
+{
+
+const std::vector<Target>& targets()
+{
+  static const std::vector<Target> all = {
+      {"openface", fuzzOpenface},
+      {"pyfeat", fuzzPyfeat},
+      {"mediapipe", fuzzMediapipe},
+      {"blendshapes", fuzzBlendshapes},
+      {"livelink", fuzzLivelink},
+      {"rosbag2", fuzzRosbag2},
+      {"tidy", fuzzTidy},
+      {"jsonl", fuzzJsonl},
+      {"anyrecording", fuzzAnyRecording},
+      {"mapping", fuzzMapping},
+      {"gzip", fuzzGzip},
+      {"rosmessages", fuzzRosMessages},
+      {"stream", fuzzStream},
+      {"json", fuzzJson},
+      {"cbor", fuzzCbor},
+      {"calls", fuzzCalls},
+  };
+  return all;
+}
+
+}  // namespace fuzz
