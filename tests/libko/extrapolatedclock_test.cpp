@@ -25,7 +25,8 @@ struct World
   std::int64_t firstSystemTime = 1700000000 * second;
   double systemElapsed = 0.;  // [ns] on the system's clock since then
   double systemRate = 1.;     // of the system's clock against the true time, while it is slewed
-  double interruption = 0.;   // [ns] how long the next look at the system's clock is interrupted for
+  double interruption = 0.;   // [ns] how long the next looks at the system's clock are interrupted for, each
+  int interruptedLooks = 0;   // how many of them there are
   int looksAtTheSystem = 0;
 
   std::uint64_t counter() const { return firstTick + static_cast<std::uint64_t>(ticks); }
@@ -54,8 +55,12 @@ public:
   std::int64_t systemTime() const
   {
     ++_world->looksAtTheSystem;
-    _world->pass(10. + _world->interruption);
-    _world->interruption = 0.;
+    _world->pass(10.);
+    if (_world->interruptedLooks > 0)
+    {
+      --_world->interruptedLooks;
+      _world->pass(_world->interruption);
+    }
     const std::int64_t time = _world->systemTime();
     _world->pass(10.);
     return time;
@@ -203,9 +208,50 @@ TEST_F(ExtrapolatedClock, TrustsNoLookAtTheSystemThatWasInterrupted)
 {
   run(20 * millisecond);
   world.pass(static_cast<double>(2 * millisecond));
-  world.interruption = 300. * microsecond;  // the two looks after it are better
+  world.interruption = 300. * microsecond;
+  world.interruptedLooks = 1;  // the two looks after it are better
 
   EXPECT_LE(std::abs(error()), microsecond);
+  EXPECT_TRUE(countsOn());
+}
+
+TEST_F(ExtrapolatedClock, CountsOnFromNoAnchorWhoseLooksWereAllInterrupted)
+{
+  run(20 * millisecond);
+  world.pass(static_cast<double>(2 * millisecond));
+  world.interruption = 0.5 * microsecond;  // too little to be taken for a new rate of the counter
+  world.interruptedLooks = 3;
+
+  EXPECT_LE(std::abs(error()), 2 * microsecond);
+  EXPECT_FALSE(countsOn());
+  run(5 * millisecond);
+  EXPECT_TRUE(countsOn());
+}
+
+TEST_F(ExtrapolatedClock, WaitsRatherThanGoBackWhereTheSystemIsSetBackALittle)
+{
+  run(20 * millisecond);
+  world.firstSystemTime -= 300;
+
+  std::int64_t latest = read();
+  for (int i = 0; i < 20000; ++i)
+  {
+    world.pass(100.);
+    const std::int64_t shown = read();
+    ASSERT_GE(shown, latest) << "reading " << i;
+    latest = shown;
+  }
+  EXPECT_LE(std::abs(error()), microsecond);
+}
+
+TEST_F(ExtrapolatedClock, FindsTheRateAfterAStepBackThatCameBeforeItKnewOne)
+{
+  read();
+  world.firstSystemTime -= hour;
+  EXPECT_LE(std::abs(error()), 150);  // as long as the looks take
+
+  run(5 * millisecond);
+
   EXPECT_TRUE(countsOn());
 }
 
