@@ -1,7 +1,44 @@
 #include "module.hpp"
 
+#include <exception>
+#include <stdexcept>
+
+namespace
+{
+
+/// What is asked of an empty memory is a failed look-up.
+void translateEmptyMemory(std::exception_ptr exception)
+{
+  try
+  {
+    if (exception)
+      std::rethrow_exception(exception);
+  }
+  catch (const std::range_error& error)
+  {
+    PyErr_SetString(PyExc_LookupError, error.what());
+  }
+}
+
+}  // namespace
+
 PYBIND11_MODULE(_skeigiot, module)
 {
-  module.doc() = "Estimates how the persons in front of a robot feel and attend.";
-  bindReplay(module);
+  module.doc() = "The compiled part of the package skeigiot; use the names of that package.";
+  pybind11::register_exception_translator(translateEmptyMemory);
+
+  // Classes say that they live where users find them.
+  const auto under = [&module](const char* package, auto... bind) {
+    module.attr("__name__") = package;
+    (bind(module), ...);
+  };
+  const pybind11::object name = module.attr("__name__");
+  using namespace binding;
+  under("skeigiot", bindEnumerations);
+  under("skeigiot.ko", bindTimes, bindClock, bindLog);
+  under("skeigiot", bindRecords, bindFacialPoints, bindObservation, bindMemory, bindRamp);
+  under("skeigiot.classification", bindClassification);
+  under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindGraph, bindRecorder, bindForces,
+        bindReplay);
+  module.attr("__name__") = name;
 }

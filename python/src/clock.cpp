@@ -1,0 +1,103 @@
+#include "module.hpp"
+#include "representation.hpp"
+#include "threadscopes.hpp"
+#include "times.hpp"
+
+#include <ko/systemclock.hpp>
+
+namespace py = pybind11;
+
+namespace binding
+{
+
+namespace
+{
+
+using Scopes = ThreadScopes<ko::ScopedClockSource>;
+
+/// A clock source that is written in Python; takes the interpreter lock for each look at it.
+class PythonClockSource : public ko::ClockSource
+{
+public:
+  ko::SystemClock::time_point now() override
+  {
+    PYBIND11_OVERRIDE_PURE(ko::SystemClock::time_point, ko::ClockSource, now, );
+  }
+};
+
+/// What makes a clock source the clock of the thread; the library's own scope lives only between enter and exit.
+struct ScopedClockSource
+{
+  py::object source;
+};
+
+py::object now()
+{
+  return py::cast(ko::SystemClock::now());
+}
+
+void bindSources(py::module_& module)
+{
+  py::class_<ko::ClockSource, PythonClockSource>(
+      module, "ClockSource",
+      "Where SystemClock.now() may take the time from, see ScopedClockSource. Derive from it and define now(), which "
+      "returns a datetime with a time zone or nanoseconds since the Unix epoch.")
+      .def(py::init<>())
+      .def("now", &ko::ClockSource::now, "Returns the current time of this source, in nanoseconds since the epoch.");
+
+  py::class_<ko::ManualClock, ko::ClockSource>(
+      module, "ManualClock",
+      "A clock that stands still until it is told to move: for replays and tests. Safe from any thread.\n\n"
+      "In a with statement it is the clock of this thread: with ManualClock(start) as clock: ...")
+      .def(py::init<ko::SystemClock::time_point>(), py::arg("start"), "Makes a clock that shows this time.")
+      .def("now", &ko::ManualClock::now, "Returns the time last set, in nanoseconds since the epoch.")
+      .def("set", &ko::ManualClock::set, py::arg("time"), "Moves the clock to this time, forwards or backwards.")
+      .def(
+          "advance", [](ko::ManualClock& self, const py::object& step) { self.advance(durationFrom(step)); },
+          py::arg("step"), "Moves the clock on by a timedelta or an int of nanoseconds, backwards if negative.")
+      .def("__enter__",
+           [](const py::object& self) {
+             Scopes::enter(self, self.cast<ko::ClockSource&>());
+             return self;
+           })
+      .def("__exit__", [](const py::object& self, const py::args&) { Scopes::leave(self); })
+      .def("__repr__",
+           [](ko::ManualClock& self) { return "ManualClock(" + std::to_string(nanosecondsOf(self.now())) + ")"; });
+}
+
+void bindScope(py::module_& module)
+{
+  py::class_<ScopedClockSource>(
+      module, "ScopedClockSource",
+      "In a with statement, SystemClock.now() on this thread reads the given source; other threads are unaffected.\n\n"
+      "Scopes nest: the innermost one counts, and its end brings the one around it back. Leaving one on another "
+      "thread, or before those inside it, raises RuntimeError.")
+      .def(py::init([](const py::object& source) {
+             source.cast<ko::ClockSource&>();  // raises if it is none
+             return ScopedClockSource{source};
+           }),
+           py::arg("source"))
+      .def("__enter__",
+           [](const py::object& self) {
+             const auto& scope = self.cast<const ScopedClockSource&>();
+             Scopes::enter(self, scope.source.cast<ko::ClockSource&>());
+             return self;
+           })
+      .def("__exit__", [](const py::object& self, const py::args&) { Scopes::leave(self); });
+}
+
+}  // namespace
+
+void bindClock(py::module_& module)
+{
+  py::class_<ko::SystemClock>(module, "SystemClock",
+                              "The clock of the middleware: nanoseconds since the Unix epoch. Every age in the library "
+                              "is \"now minus a time stamp\" on this clock.")
+      .def_static("now", &now,
+                  "Returns the time of the innermost clock source of this thread, or the machine's wall clock if there "
+                  "is none. Raises what a clock source raises.");
+  bindSources(module);
+  bindScope(module);
+}
+
+}  // namespace binding

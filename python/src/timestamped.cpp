@@ -1,0 +1,52 @@
+#include "timestamped.hpp"
+
+#include "representation.hpp"
+
+namespace py = pybind11;
+
+namespace binding
+{
+
+AnyTimestamped stampedFrom(py::handle source, ko::SystemClock::time_point now)
+{
+  if (py::isinstance<AnyTimestamped>(source))
+    return source.cast<AnyTimestamped>();
+  if (!py::isinstance<py::tuple>(source))
+    return {now, py::reinterpret_borrow<py::object>(source)};
+  const auto pair = py::reinterpret_borrow<py::tuple>(source);
+  if (pair.size() != 2)
+    throw py::type_error("a reading is a value or a pair (time, value), not " + representation(source));
+  return {timeFrom(pair[0]), pair[1]};
+}
+
+void bindTimestamped(py::module_& module)
+{
+  py::class_<AnyTimestamped> record(module, "Timestamped",
+                                    "A value with the time at which it was observed; cannot be changed, and unpacks as "
+                                    "a pair: time, smile = observation.smile.\n\n"
+                                    "One is greater than another if its time is, whatever the values.");
+  record
+      .def(py::init([](ko::SystemClock::time_point time, py::object value) {
+             return AnyTimestamped{time, std::move(value)};
+           }),
+           py::arg("time"), py::arg("value"))
+      .def_readonly("time", &AnyTimestamped::time, "nanoseconds since the Unix epoch")
+      .def_property_readonly(
+          "datetime", [](const AnyTimestamped& self) { return datetimeOf(self.time); },
+          "the time as an aware datetime in UTC, without the nanoseconds within its microsecond")
+      .def_readonly("value", &AnyTimestamped::value)
+      .def("__iter__",
+           [](const AnyTimestamped& self) { return py::make_tuple(self.time, self.value).attr("__iter__")(); })
+      .def("__hash__", [](const AnyTimestamped& self) { return py::hash(py::make_tuple(self.time, self.value)); })
+      .def(
+          "__gt__", [](const AnyTimestamped& self, const AnyTimestamped& other) { return self.time > other.time; },
+          py::is_operator(), py::arg("other"))
+      .def(
+          "__lt__", [](const AnyTimestamped& self, const AnyTimestamped& other) { return self.time < other.time; },
+          py::is_operator(), py::arg("other"));
+  describeRecord(record, {"time", "value"});
+  record.attr("__class_getitem__") =
+      py::module_::import("builtins").attr("classmethod")(py::module_::import("types").attr("GenericAlias"));
+}
+
+}  // namespace binding

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "times.hpp"
+
+#include <skeigiot/timestamped.hpp>
+
+#include <pybind11/pybind11.h>
+
+#include <boost/optional/optional.hpp>
+
+#include <string>
+
+/// \file
+/// Readings: values with their times, which Python sees as Timestamped.
+
+namespace binding
+{
+
+struct AnyTimestamped
+{
+  ko::SystemClock::time_point time;
+  pybind11::object value;
+};
+
+/// Defines the class Timestamped.
+void bindTimestamped(pybind11::module_& module);
+
+/// Takes a Timestamped or a pair (time, value) apart; anything else is a value of the time `now`.
+AnyTimestamped stampedFrom(pybind11::handle source, ko::SystemClock::time_point now);
+
+/// As above, with a value of type T.
+///
+/// \param what what the reading is called in error messages
+/// \throws pybind11::type_error, pybind11::value_error with the name in front, if time or value are not such.
+template <typename T>
+KV::Timestamped<T> readingFrom(pybind11::handle source, ko::SystemClock::time_point now, const std::string& what)
+{
+  namespace py = pybind11;
+  const AnyTimestamped any = stampedFrom(source, now);
+  py::detail::make_caster<T> caster;
+  if (!caster.load(any.value, true))
+    throw py::type_error(what + " cannot be " + std::string(py::repr(any.value)));
+  return {any.time, py::detail::cast_op<T>(caster)};
+}
+
+template <typename T>
+pybind11::object objectOf(const KV::Timestamped<T>& reading)
+{
+  return pybind11::cast(AnyTimestamped{reading.time, pybind11::cast(reading.value)});
+}
+
+}  // namespace binding
