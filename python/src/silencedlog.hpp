@@ -1,0 +1,22 @@
+#pragma once
+
+namespace binding
+{
+
+/// While it lives, records that the library logs on this thread are not handed to Python's logging: whoever makes one
+/// collects them.
+class SilencedLog
+{
+public:
+  SilencedLog() { ++_count; }
+  ~SilencedLog() { --_count; }
+  SilencedLog(const SilencedLog&) = delete;
+  SilencedLog& operator=(const SilencedLog&) = delete;
+
+  static bool isOn() { return _count > 0; }
+
+private:
+  inline static thread_local int _count = 0;
+};
+
+}  // namespace binding
