@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -110,6 +111,62 @@ TEST_F(ForceObserver, SeesTheForcesOfAnUpdateInTheirOrder)
                                      "Height limitation", "Height limitation",      //
                                      "Okao and robot movement limits",              //
                                      "Gaze and head based attention"));
+}
+
+TEST_F(ForceObserver, SeesTheForcesOfAFaceAndAVoiceInTheirOrder)
+{
+  KV::PersonObservation observation;
+  observation.facialPoints = now(KV::FacialPoints());
+  observation.expressions = now(KV::Expressions());
+  observation.voiceEmotion = now(KV::VoiceEmotion());
+  observation.contextEmotion = now(KV::ContextEmotion(1, 4.f));
+  observation.gaze = now(KV::Gaze(1.f, 2.f));
+
+  const KV::ScopedForceObserver observer(remember());
+  person.update(observation);
+
+  EXPECT_THAT(sources(), ElementsAre("Points confidence", "Points confidence",        //
+                                     "Face characteristics", "Face characteristics",  //
+                                     "Voice emotion", "Voice emotion",                // calm
+                                     "Voice emotion", "Voice emotion",                // anger
+                                     "Voice emotion", "Voice emotion",                // joy
+                                     "Voice emotion", "Voice emotion",                // sorrow
+                                     "Context emotion", "Context emotion",            //
+                                     "Distance limitation", "Distance limitation",    //
+                                     "Height limitation", "Height limitation",        //
+                                     "Okao and robot movement limits",                //
+                                     "Gaze and head based attention"));
+}
+
+TEST_F(ForceObserver, SeesTheForceOfASmileWhileThePersonSpeaks)
+{
+  KV::PersonObservation observation;
+  observation.speaking = now(true);
+  observation.smile = now(KV::Smile(0.75f, 0.5f));
+
+  const KV::ScopedForceObserver observer(remember());
+  person.update(observation);
+
+  EXPECT_THAT(sources(), ElementsAre("User is speaking", "User is speaking",        //
+                                     "Smile", "Smile",                              //
+                                     "Distance limitation", "Distance limitation",  //
+                                     "Height limitation", "Height limitation",      //
+                                     "No observation", "No observation"));
+}
+
+TEST_F(ForceObserver, SeesTheForcesOfAFaceWithoutAWinner)
+{
+  KV::PersonObservation observation;
+  observation.expressions = now(KV::Expressions());
+  observation.expressions->value.joy.value = std::numeric_limits<float>::quiet_NaN();
+
+  const KV::ScopedForceObserver observer(remember());
+  person.update(observation);
+
+  EXPECT_THAT(sources(), ElementsAre("Winner unknown", "Winner unknown",  //
+                                     "No observation", "No observation",  // valence
+                                     "No observation", "No observation",  // its confidence
+                                     "No observation", "No observation"));
 }
 
 TEST_F(ForceObserver, TellsOfAForceAllThatThereIsToTell)
@@ -227,6 +284,37 @@ TEST_F(ForceObserver, MayReadTheStateFromItsCallback)
   person.decreaseSinceNotSeen();
 
   EXPECT_THAT(valences, ElementsAre(0.f));
+}
+
+// What a source leaves in the state is there for those after it, and not yet for those before.
+TEST_F(ForceObserver, SeesReadingsTakenOverOnceTheSpeakingWasWeighed)
+{
+  KV::PersonObservation observation;
+  observation.speaking = now(true);
+  observation.smile = now(KV::Smile(0.75f, 0.5f));
+  std::vector<float> smiles;
+  const KV::ScopedForceObserver observer([&](const KV::Force&) { smiles.push_back(person.personState.smile().value); });
+  person.update(observation);
+
+  ASSERT_LT(2U, smiles.size());
+  EXPECT_EQ(0.f, smiles.front());
+  EXPECT_EQ(0.f, smiles[1]);
+  EXPECT_EQ(0.75f, smiles[2]);
+}
+
+TEST_F(ForceObserver, SeesExpressionsTrustedBeforeTheyPull)
+{
+  KV::PersonObservation observation;
+  observation.expressions = now(KV::Expressions());
+  observation.headPosture = now(KV::HeadPosture(30.f, 0.f, 0.f));
+  std::vector<float> trusts;
+  const KV::ScopedForceObserver observer([&](const KV::Force& force) {
+    if (force.source == "Face characteristics")
+      trusts.push_back(person.personState.expressions().joy.confidence);
+  });
+  person.update(observation);
+
+  EXPECT_THAT(trusts, ElementsAre(0.5f, 0.5f));
 }
 
 // Speech pulls while the mutexes of its memory and of the remembered emotions are held.
