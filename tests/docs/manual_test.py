@@ -10,7 +10,7 @@ from pathlib import Path
 from support import BUILD, COMMAND, ROOT, run
 
 PAGES = ROOT / "docs" / "man"
-COMPLETION = ROOT / "tools" / "completion" / "skeigiot.bash"
+COMPLETIONS = ROOT / "tools" / "completion"
 
 
 def help_of(subcommand=None):
@@ -37,7 +37,7 @@ def options_in_page(text):
 
 def completed(*words):
     """What bash offers for the last of the words, which may be empty."""
-    script = f"""source {COMPLETION}
+    script = f"""source {COMPLETIONS / "skeigiot.bash"}
 COMP_WORDS=({" ".join(f"'{word}'" for word in words)})
 COMP_CWORD={len(words) - 1}
 _skeigiot
@@ -46,12 +46,20 @@ printf '%s\\n' "${{COMPREPLY[@]}}"
     return sorted(run("bash", "--norc", "-c", script).split())
 
 
+def completed_by_fish(line):
+    """What fish offers for the end of the line, without what it tells of it."""
+    script = f"source {COMPLETIONS / 'skeigiot.fish'}; complete -C '{line}'"
+    with tempfile.TemporaryDirectory() as home:
+        offered = run("fish", "--no-config", "-c", script, env={"HOME": home, "XDG_CONFIG_HOME": home})
+    return sorted({text.split("\t")[0] for text in offered.splitlines()})
+
+
 class ManualPages(unittest.TestCase):
     def test_are_those_that_the_command_makes(self):
         with tempfile.TemporaryDirectory() as folder:
             run(BUILD / "tools" / "manual" / "skeigiot-manual", folder, folder)
             made = {path.name: path.read_text() for path in Path(folder).iterdir()}
-        kept = {path.name: path.read_text() for path in [*PAGES.glob("*.1"), COMPLETION]}
+        kept = {path.name: path.read_text() for path in [*PAGES.glob("*.1"), *COMPLETIONS.glob("skeigiot.*")]}
         self.assertEqual(sorted(kept), sorted(made), "run script/build-manual")
         for name, text in made.items():
             self.assertEqual(kept[name], text, f"{name}: run script/build-manual")
@@ -114,6 +122,26 @@ class BashCompletion(unittest.TestCase):
             self.assertEqual([f"{folder}/face.csv"], completed("skeigiot", "replay", begun))
             self.assertEqual([f"{folder}/face.csv"], completed("skeigiot", "why", "--mapping", begun))
             self.assertEqual([], completed("skeigiot", "replay", "--step", ""))
+
+
+@unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+class FishCompletion(unittest.TestCase):
+    def test_offers_every_subcommand_and_option_of_the_help(self):
+        self.assertEqual(sorted(subcommands()), completed_by_fish("skeigiot "))
+        self.assertEqual(options_in_help(), completed_by_fish("skeigiot -"))
+        for name in subcommands():
+            with self.subTest(name):
+                self.assertEqual(options_in_help(name), completed_by_fish(f"skeigiot {name} -"))
+
+    def test_offers_the_words_that_an_option_takes(self):
+        self.assertEqual(["always", "auto", "never"], completed_by_fish("skeigiot replay --color "))
+
+    def test_offers_files_where_files_are_taken_and_nothing_for_numbers(self):
+        with tempfile.TemporaryDirectory() as folder:
+            (Path(folder) / "face.csv").touch()
+            self.assertEqual([f"{folder}/face.csv"], completed_by_fish(f"skeigiot replay {folder}/fac"))
+            self.assertEqual([f"{folder}/face.csv"], completed_by_fish(f"skeigiot why --mapping {folder}/fac"))
+        self.assertEqual([], completed_by_fish("skeigiot replay --step "))
 
 
 if __name__ == "__main__":

@@ -91,7 +91,54 @@ bool takesFiles(CLI::App& command)
   });
 }
 
-/// What completes the value of an option.
+/// The text in single quotes, as fish reads it, without line ends.
+std::string fishText(const std::string& text)
+{
+  std::string quoted = "'";
+  for (const char c : text)
+  {
+    if (c == '\'' || c == '\\')
+      quoted += '\\';
+    quoted += c == '\n' ? ' ' : c;
+  }
+  return quoted + "'";
+}
+
+/// The first sentence of a description, or the line up to what it lists.
+std::string inShort(const std::string& description)
+{
+  const std::string text = description.substr(0, description.find(":\n"));
+  return text.substr(0, text.find(". "));
+}
+
+std::string fishOption(CLI::Option& option, const std::string& condition)
+{
+  std::string line = "complete -c skeigiot -n " + fishText(condition);
+  for (const std::string& name : option.get_snames())
+    line += " -s " + name;
+  for (const std::string& name : option.get_lnames())
+    line += " -l " + name;
+  const std::vector<std::string> words = choicesOf(option);
+  const bool takesFile = option.get_type_name().rfind("FILE", 0) == 0;
+  if (!words.empty())
+    line += " -x -a " + fishText(joined(words, " "));
+  else if (option.get_items_expected_max() != 0)
+    line += takesFile ? " -r -F" : " -x";
+  return line + " -d " + fishText(inShort(option.get_description())) + "\n";
+}
+
+std::string fishOptions(CLI::App& command, const std::string& condition)
+{
+  std::string lines;
+  for (CLI::Option* option : command.get_options())
+  {
+    if (option->nonpositional())
+      lines += fishOption(*option, condition);
+  }
+  return lines;
+}
+
+/// What completes the value of an option in bash.
 std::string completionOfValue(CLI::Option& option)
 {
   const std::vector<std::string> words = choicesOf(option);
@@ -147,6 +194,27 @@ std::string bashCompletion(CLI::App& app)
          "  case \"$command $option\" in\n" + values + "  esac\n\n" + "  case $command in\n    \"\")\n" +
          "      _skeigiot_words \"$word\" \"" + joined(commands, " ") + " " + joined(optionNames(app), " ") +
          "\"\n      ;;\n" + wordCases(app) + "  esac\n" + ending;
+}
+
+std::string fishCompletion(CLI::App& app)
+{
+  std::string text =
+      "# Completion of skeigiot for fish. Made by script/build-manual from what the command says of itself.\n\n"
+      "complete -c skeigiot -f\n";
+  const std::string none = "__fish_use_subcommand";
+  text += fishOptions(app, none);
+  for (const CLI::App* command : app.get_subcommands(nullptr))
+    text += "complete -c skeigiot -n " + none + " -a " + command->get_name() + " -d " +
+            fishText(command->get_description()) + "\n";
+  for (CLI::App* command : app.get_subcommands(nullptr))
+  {
+    const std::string inside = "__fish_seen_subcommand_from " + command->get_name();
+    text += "\n";
+    if (takesFiles(*command))
+      text += "complete -c skeigiot -n " + fishText(inside) + " -F\n";
+    text += fishOptions(*command, inside);
+  }
+  return text;
 }
 
 }  // namespace tools

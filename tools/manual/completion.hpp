@@ -11,4 +11,7 @@ namespace tools
 /// Makes a script by which bash completes subcommands, options, their words, and names of files.
 std::string bashCompletion(CLI::App& app);
 
+/// The same for fish, with what each of them is for.
+std::string fishCompletion(CLI::App& app);
+
 }  // namespace tools

@@ -40,6 +40,7 @@ int main(int argc, char** argv)
     for (const tools::ManualPage& page : tools::manualPages(*app))
       write(std::string(argv[1]) + "/" + page.file, page.text);
     write(std::string(argv[2]) + "/skeigiot.bash", tools::bashCompletion(*app));
+    write(std::string(argv[2]) + "/skeigiot.fish", tools::fishCompletion(*app));
     return 0;
   }
   catch (const std::exception& error)

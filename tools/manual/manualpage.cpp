@@ -58,6 +58,11 @@ std::string names(const CLI::Option& option)
   return type.empty() ? all : all + " " + roffItalic(type);
 }
 
+std::string shortName(const CLI::Option& option)
+{
+  return roffBold(option.get_snames().empty() ? "--" + option.get_lnames().front() : "-" + option.get_snames().front());
+}
+
 /// The help breaks lines for its own width; a line that begins with one of the words to choose from stays a line.
 std::string description(CLI::Option& option)
 {
@@ -107,7 +112,7 @@ std::string synopsis(CLI::App& command, const std::string& name)
   for (const CLI::Option* option : command.get_options())
   {
     if (option->nonpositional() && option->get_required())
-      roff += " " + names(*option);
+      roff += " " + shortName(*option) + " " + roffItalic(option->get_type_name());
   }
   for (const CLI::Option* option : positionals(command))
   {
@@ -169,6 +174,10 @@ the person looks at, and the state of pleasure.
 Recordings are files of OpenFace, py-feat, MediaPipe FaceLandmarker and Live Link Face, bags of ROS 2, tables of single
 readings, and JSON Lines. What they are is found out from their contents; they may be compressed by gzip.)";
 
+const char* const exitStatus =
+    R"(0 if all went well, 2 if a recording or the command line cannot be used, 1 if something else went
+wrong, such as a file that cannot be written. The pages of the subcommands say more.)";
+
 const char* const environment = R"(NO_COLOR: if it is set and not empty, nothing is written in colours.)";
 
 ManualPage commandPage(CLI::App& app)
@@ -186,8 +195,8 @@ ManualPage commandPage(CLI::App& app)
                             section("SYNOPSIS", roffBold("skeigiot") + " [" + roffItalic("OPTIONS") + "] " +
                                                     roffItalic("SUBCOMMAND") + "\n") +
                             section("DESCRIPTION", roffParagraphs(aboutTheCommand)) + section("SUBCOMMANDS", commands) +
-                            section("OPTIONS", optionEntries(app)) + section("ENVIRONMENT", roffFilled(environment)) +
-                            section("SEE ALSO", others)};
+                            section("OPTIONS", optionEntries(app)) + section("EXIT STATUS", roffFilled(exitStatus)) +
+                            section("ENVIRONMENT", roffFilled(environment)) + section("SEE ALSO", others)};
 }
 
 }  // namespace
