@@ -1,0 +1,88 @@
+# The Debian packages, one for each component of an install; script/package makes them, with all set that they need.
+
+set(SKEIGIOT_MAINTAINER "The skeigiot developers <developers@skeigiot.invalid>"
+    CACHE STRING "Who maintains the packages: name and address, as in the field Maintainer")
+set(SKEIGIOT_PACKAGE_REVISION 1 CACHE STRING "Revision of the packages, behind the version of the project")
+
+set(packaging ${PROJECT_SOURCE_DIR}/packaging)
+set(library_package libskeigiot${PROJECT_VERSION_MAJOR})
+set(library_dependency "${library_package} (>= ${PROJECT_VERSION})")
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+                                                WORLD_EXECUTE)
+set(CPACK_PRE_BUILD_SCRIPTS ${packaging}/completestage.cmake)
+set(CPACK_SKEIGIOT_CONTROL_FOLDER ${PROJECT_BINARY_DIR}/packaging)  # what the script writes for the control archive
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${SKEIGIOT_PACKAGE_REVISION})
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${SKEIGIOT_MAINTAINER}")
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# What a package needs of ours is told below; the rest is found in its programs and libraries.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/libko ${PROJECT_BINARY_DIR}/libemotion)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library_package})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA ${CPACK_SKEIGIOT_CONTROL_FOLDER}/symbols
+                                               ${CPACK_SKEIGIOT_CONTROL_FOLDER}/shlibs ${packaging}/triggers)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
+    "estimate of how persons in front of a robot feel and attend
+For each person in front of a robot, skeigiot estimates how they feel and
+whether they attend to it: a valence, an attention, each with a confidence,
+and discrete states made of them. It fuses what the robot perceives of a
+person (face, smile, head, gaze, voice, words, touch, context) in a fixed
+order, so that every number can be explained and repeated to the last bit.
+
+This package holds the shared libraries, libskeigiot and its middleware libko.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libskeigiot-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "${library_package} (= ${PROJECT_VERSION}-${SKEIGIOT_PACKAGE_REVISION}), libboost-dev (>= 1.74)")
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
+    "estimate of how persons in front of a robot feel and attend (development)
+For each person in front of a robot, skeigiot estimates how they feel and
+whether they attend to it, from whatever the robot perceives of them.
+
+This package holds what programs are built with: the headers, the static
+libraries, and the files for CMake and pkg-config.")
+
+if(SKEIGIOT_BUILD_TOOLS)
+  list(APPEND CPACK_COMPONENTS_ALL tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME skeigiot-tools)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION science)
+  set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${library_dependency}")
+  set(CPACK_DEBIAN_TOOLS_DESCRIPTION
+      "command that estimates how persons in recordings feel and attend
+For each person in front of a robot, skeigiot estimates how they feel and
+whether they attend to it, from whatever the robot perceives of them.
+
+This package holds the command skeigiot. It replays recordings of OpenFace,
+py-feat, MediaPipe, Live Link Face and ROS 2, tells what moved an estimate and
+why, writes a page of it, and answers live observations line by line.")
+endif()
+
+if(TARGET skeigiot-python)
+  find_package(Python3 COMPONENTS Interpreter REQUIRED)
+  math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+  list(APPEND CPACK_COMPONENTS_ALL python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-skeigiot)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  string(CONCAT CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+         "${library_dependency}, python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next_minor}), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-pandas, python3-matplotlib")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${packaging}/python/postinst ${packaging}/python/prerm)
+  set(CPACK_DEBIAN_PYTHON_DESCRIPTION
+      "estimate of how persons in front of a robot feel and attend (Python)
+For each person in front of a robot, skeigiot estimates how they feel and
+whether they attend to it, from whatever the robot perceives of them.
+
+This package holds the module for Python 3. It has the library's classes, and
+replays whole recordings into arrays or data frames.")
+endif()
+
+include(CPack)
