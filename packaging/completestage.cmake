@@ -56,8 +56,8 @@ function(write_library_control stage package)
   file(MAKE_DIRECTORY ${control})
   file(GLOB libraries ${stage}/usr/lib/*/lib*.so.${CPACK_PACKAGE_VERSION_MAJOR})
   list(TRANSFORM libraries PREPEND -e OUTPUT_VARIABLE each_library)
-  run(dpkg-gensymbols -p${package} -v${version} -P${stage} -I${packaging}/${package}.symbols -O${control}/symbols
-      ${each_library} -c2)
+  run(dpkg-gensymbols -q -c1 -p${package} -v${CPACK_PACKAGE_VERSION} -P${stage} -I${packaging}/${package}.symbols -O${control}/symbols
+      ${each_library})
 
   set(shlibs "")
   foreach(library IN LISTS libraries)
