@@ -186,7 +186,7 @@ TEST(BadNumbers, AreForgottenAsSoonAfterManyOfThem)
   KV::Person undisturbed;
   KV::Person disturbed;
   int lastDifference = 0;
-  for (int frame = 0; frame < 400; ++frame)
+  for (int frame = 0; frame < 300; ++frame)
   {
     const bool isFaulty = frame >= 100 && frame < 150;
     KV::PersonObservation observation = goodObservation(frame, ko::SystemClock::now());
@@ -251,7 +251,7 @@ private:
 
 TEST(BadNumbers, NeverMakeAnEstimateNanUpToTheGreatestReading)
 {
-  for (unsigned int seed = 1; seed <= 20; ++seed)
+  for (unsigned int seed = 1; seed <= 8; ++seed)
   {
     WildNumbers numbers(seed);
     support::TestClock time;

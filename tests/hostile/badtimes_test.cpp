@@ -79,7 +79,7 @@ class PassingReadingTest : public TimedReadingTest
 
 TEST_P(RememberedReadingTest, DoesNothingFromTheDistantPast)
 {
-  for (const TimePoint time : {firstTime, TimePoint(), support::start - support::hours(24)})
+  for (const TimePoint time : {firstTime, support::start - support::hours(24)})
   {
     const Recovery recovery = recoveryFromTime(time);
     EXPECT_EQ(GetParam().framesOfPast, recovery.frames) << time.time_since_epoch().count();
@@ -91,27 +91,23 @@ TEST_P(RememberedReadingTest, DoesNothingFromTheDistantPast)
 TEST_P(RememberedReadingTest, StaysFromTheDistantFuture)
 {
   EXPECT_FALSE(recoveryFromTime(lastTime).isExact);
-  EXPECT_FALSE(recoveryFromTime(support::start + tenYears).isExact);
 }
 
 TEST_P(RememberedReadingTest, DoesNothingFromTheFutureIfItIsLeftOutAtTheBoundary)
 {
-  for (const TimePoint time : {lastTime, support::start + tenYears})
-  {
-    const Recovery recovery = recoveryFrom([time](PersonObservation& o) {
-      GetParam().set(o, time);
-      EXPECT_EQ(1U, KV::leaveOutAhead(o, ko::SystemClock::now() + support::seconds(1)));
-    });
-    EXPECT_TRUE(recovery.isExact);
-    EXPECT_LE(recovery.frames, 3) << "what a missing reading shows";
-  }
+  const Recovery recovery = recoveryFrom([](PersonObservation& o) {
+    GetParam().set(o, support::start + tenYears);
+    EXPECT_EQ(1U, KV::leaveOutAhead(o, ko::SystemClock::now() + support::seconds(1)));
+  });
+  EXPECT_TRUE(recovery.isExact);
+  EXPECT_LE(recovery.frames, 3) << "what a missing reading shows";
 }
 
 INSTANTIATE_TEST_SUITE_P(Times, RememberedReadingTest, ::testing::ValuesIn(remembered), support::RowName());
 
 TEST_P(PassingReadingTest, IsForgottenWhateverItsTime)
 {
-  for (const TimePoint time : {firstTime, TimePoint(), support::start - support::hours(24), lastTime})
+  for (const TimePoint time : {firstTime, TimePoint(), lastTime})
   {
     const Recovery recovery = recoveryFromTime(time);
     EXPECT_EQ(GetParam().framesOfPast, recovery.frames) << time.time_since_epoch().count();
@@ -162,13 +158,13 @@ TEST(BadClocks, MayShowAnyTime)
 }
 
 /// A life of good readings under a clock that is set at one frame; returns the estimate after each.
-std::vector<Estimate> lifeWithStep(support::nanoseconds step, const std::function<void(KV::Person&)>& remedy)
+Estimates lifeWithStep(support::nanoseconds step, const std::function<void(KV::Person&)>& remedy)
 {
   constexpr int stepFrame = 113;
   support::TestClock time;
   KV::Person person;
-  std::vector<Estimate> estimates;
-  for (int frame = 0; frame < 600; ++frame)
+  Estimates estimates;
+  for (int frame = 0; frame < 300; ++frame)
   {
     if (frame == stepFrame)
     {
@@ -190,7 +186,7 @@ void forgetMemories(KV::Person& person)
 }
 
 /// For how many frames after the step the two lives differed, up to the last of them.
-int differentFrames(const std::vector<Estimate>& left, const std::vector<Estimate>& right)
+int differentFrames(const Estimates& left, const Estimates& right)
 {
   int last = 112;
   for (std::size_t frame = 0; frame < left.size(); ++frame)
@@ -201,8 +197,8 @@ int differentFrames(const std::vector<Estimate>& left, const std::vector<Estimat
 
 TEST(BadClocks, AreOvercomeInAMemoryAndASecondAfterAStepForward)
 {
-  const std::vector<Estimate> steady = lifeWithStep(support::nanoseconds(0), doNothing);
-  const std::vector<Estimate> stepped = lifeWithStep(tenYears, doNothing);
+  const Estimates steady = lifeWithStep(support::nanoseconds(0), doNothing);
+  const Estimates stepped = lifeWithStep(tenYears, doNothing);
 
   EXPECT_LE(differentFrames(steady, stepped), 80);
   EXPECT_EQ(steady.back(), stepped.back());
@@ -211,16 +207,16 @@ TEST(BadClocks, AreOvercomeInAMemoryAndASecondAfterAStepForward)
 // Deliberate: what was seen before the step is in the future after it, and stays.
 TEST(BadClocks, AreNotOvercomeByItselfAfterAStepBack)
 {
-  const std::vector<Estimate> steady = lifeWithStep(support::nanoseconds(0), doNothing);
-  const std::vector<Estimate> stepped = lifeWithStep(-tenYears, doNothing);
+  const Estimates steady = lifeWithStep(support::nanoseconds(0), doNothing);
+  const Estimates stepped = lifeWithStep(-tenYears, doNothing);
 
-  EXPECT_GT(differentFrames(steady, stepped), 450);
+  EXPECT_GT(differentFrames(steady, stepped), 150);
 }
 
 TEST(BadClocks, AreOvercomeInAMemoryAndASecondAfterAStepBackWithNewMemories)
 {
-  const std::vector<Estimate> steady = lifeWithStep(support::nanoseconds(0), doNothing);
-  const std::vector<Estimate> stepped = lifeWithStep(-tenYears, forgetMemories);
+  const Estimates steady = lifeWithStep(support::nanoseconds(0), doNothing);
+  const Estimates stepped = lifeWithStep(-tenYears, forgetMemories);
 
   EXPECT_LE(differentFrames(steady, stepped), 80);
   EXPECT_EQ(steady.back(), stepped.back());
@@ -234,7 +230,7 @@ TEST(BadClocks, KeepEveryRangeAndBoundTheMemoryWhileTheyJumpByYears)
   KV::Person person;
   std::size_t most = 0;
   int frame = 0;
-  for (int jump = 0; jump < 60; ++jump)
+  for (int jump = 0; jump < 30; ++jump)
   {
     for (int end = frame + 50; frame < end; ++frame)
     {

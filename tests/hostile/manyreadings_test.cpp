@@ -57,7 +57,7 @@ TEST_F(FastSensor, LeavesNothingBehind)
   KV::Person disturbed;
   const auto& memory = disturbed.personMemory._p->gazeMemory;
   int lastDifference = 0;
-  for (int frame = 0; frame < 400; ++frame)
+  for (int frame = 0; frame < 300; ++frame)
   {
     const KV::PersonObservation observation = goodObservation(frame, ko::SystemClock::now());
     undisturbed.update(observation);

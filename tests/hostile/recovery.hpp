@@ -8,7 +8,9 @@
 #include <skeigiot/person.hpp>
 
 #include <cmath>
+#include <cstddef>
 #include <functional>
+#include <vector>
 
 /// \file
 /// How long a bad reading shows in an estimate.
@@ -20,7 +22,7 @@ namespace hostile
 using Disturb = std::function<void(KV::PersonObservation&)>;
 
 constexpr int undisturbedFrames = 110;  // before the bad reading
-constexpr int followedFrames = 600;     // after it
+constexpr int followedFrames = 240;     // after it: the longest memory is one of 20 s
 
 /// As good as the same, for all that is done with an estimate; two NaN are not.
 inline bool isClose(const support::Estimate& left, const support::Estimate& right)
@@ -40,27 +42,38 @@ struct Recovery
   bool stayedNan = false;  ///< whether an estimate ended as NaN
 };
 
-/// Lets two persons live through the same good readings, one of them with one disturbed observation.
-inline Recovery recoveryFrom(const Disturb& disturb)
+using Estimates = std::vector<support::Estimate>;  ///< after each frame of a life
+
+/// A life of good readings, of which one may be disturbed.
+inline Estimates lifeWith(const Disturb& disturb)
 {
   support::TestClock time;
-  KV::Person undisturbed;
-  KV::Person disturbed;
-  Recovery recovery;
+  KV::Person person;
+  Estimates estimates;
   for (int frame = 0; frame < undisturbedFrames + followedFrames; ++frame)
   {
     KV::PersonObservation observation = goodObservation(frame, ko::SystemClock::now());
-    undisturbed.update(observation);
     if (frame == undisturbedFrames)
       disturb(observation);
-    disturbed.update(observation);
-
-    if (!isClose(support::estimateOf(*undisturbed.personState._p), support::estimateOf(*disturbed.personState._p)))
-      recovery.frames = frame - undisturbedFrames + 1;
+    person.update(observation);
+    estimates.push_back(support::estimateOf(*person.personState._p));
     time.clock.advance(frameTime);
   }
-  const support::Estimate end = support::estimateOf(*disturbed.personState._p);
-  recovery.isExact = end == support::estimateOf(*undisturbed.personState._p);
+  return estimates;
+}
+
+/// Compares a life with one disturbed reading with the same life without.
+inline Recovery recoveryFrom(const Disturb& disturb)
+{
+  static const Estimates undisturbed = lifeWith([](KV::PersonObservation&) {});
+  const Estimates disturbed = lifeWith(disturb);
+
+  Recovery recovery;
+  for (int frame = undisturbedFrames; frame < undisturbedFrames + followedFrames; ++frame)
+    if (const auto i = static_cast<std::size_t>(frame); !isClose(undisturbed[i], disturbed[i]))
+      recovery.frames = frame - undisturbedFrames + 1;
+  const support::Estimate& end = disturbed.back();
+  recovery.isExact = end == undisturbed.back();
   recovery.stayedNan = std::isnan(end.valence) || std::isnan(end.unsmoothedValence) || std::isnan(end.attention);
   return recovery;
 }

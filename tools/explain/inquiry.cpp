@@ -66,6 +66,9 @@ private:
     const std::string skipped = _reading.skippedText();
     if (!skipped.empty())
       _inquiry.messages.note(_inquiry.name + ": " + skipped);
+    const std::string leftOut = _session.takeLeftOut();
+    if (!leftOut.empty())
+      _inquiry.messages.note("warning: " + _inquiry.name + ": " + leftOut);
     for (const std::string& line : _log.take())
       _inquiry.messages.note(_inquiry.name + ": " + line);
   }

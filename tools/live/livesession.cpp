@@ -2,6 +2,8 @@
 
 #include "boundary.hpp"
 
+#include <skeigiot/leaveoutahead.hpp>
+
 #include <boost/chrono/duration.hpp>
 
 #include <algorithm>
@@ -112,6 +114,8 @@ StreamLine LiveSession::_readAtArrival(std::string_view text) const
   StreamLine line = streamLineFromJson(text, arrival);
   if (line.entry.time > arrival + furthestAhead)
     throw MemberError("time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");
+  if (KV::leaveOutAhead(line.entry.observation, arrival + furthestAhead) > 0)
+    throw MemberError("observation", "a reading lies more than a second ahead: it would count as new until then");
   line.entry.time = arrival;
   return line;
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -35,6 +36,9 @@ public:
   ///
   /// \throws MemberError if the line is refused.
   std::vector<std::int32_t> take(std::string_view line);
+
+  /// Returns a line about the readings that were left out since the last call, empty if there were none.
+  std::string takeLeftOut() { return _session.takeLeftOut(); }
 
   /// Returns the time of the last step.
   TimePoint now() const { return _now; }

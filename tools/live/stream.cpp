@@ -115,6 +115,9 @@ std::string Stream::_state()
   }
   for (const ScopeVerdict& verdict : _observer.verdicts)
     object["verdicts"].push_back(jsonOf(verdict));
+  std::string leftOut = _session.takeLeftOut();
+  if (!leftOut.empty())
+    object["warnings"].push_back(std::move(leftOut));
   for (std::string& warning : _log.take())
     object["warnings"].push_back(std::move(warning));
   return lineOf(object);

@@ -68,6 +68,9 @@ public:
     }
   }
 
+  /// Returns a line about the readings that were left out, empty if there were none.
+  std::string takeLeftOut() { return _session.takeLeftOut(); }
+
 private:
   void _waitForSomething()
   {
@@ -146,6 +149,14 @@ private:
   bool _wantsToQuit = false;
 };
 
+/// Returns a line about the readings that were left out, empty if there were none; by then the terminal is as before.
+std::string watch(StreamTimes times)
+{
+  Watch watch(times);
+  watch.run();
+  return watch.takeLeftOut();
+}
+
 ExitStatus run(StreamTimes times)
 {
   if (isTerminal(STDIN_FILENO))
@@ -153,7 +164,9 @@ ExitStatus run(StreamTimes times)
     Messages(std::cerr, false).error("expected observations on standard input; try 'skeigiot watch --help'");
     return BadInput;
   }
-  Watch(times).run();
+  const std::string leftOut = watch(times);
+  if (!leftOut.empty())
+    Messages(std::cerr, false).note("warning: " + leftOut);
   return Success;
 }
 

@@ -90,7 +90,7 @@ void Session::_updatePerson(const RecordingEntry& entry)
     return;
   if (entry.seen)
     _graph.updateOrCreate(*entry.person, [&](KV::Person& person) {
-      person.update(entry.observation);
+      person.update(_nonFinite.withoutThem(entry, length()));
       _report(person, entry);
     });
   else

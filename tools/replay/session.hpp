@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nonfinitereadings.hpp"
 #include "recording.hpp"
 #include "scopes.hpp"
 #include "sessionobserver.hpp"
@@ -13,6 +14,7 @@
 #include <boost/optional/optional.hpp>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace tools
@@ -26,6 +28,8 @@ enum class Forces
 };
 
 /// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
+///
+/// Readings that are not finite are left out, and counted.
 class Session
 {
 public:
@@ -41,6 +45,9 @@ public:
 
   /// Ends the recording, which judges the scopes that are still open.
   void finish();
+
+  /// Returns a line about the readings that were left out since the last call, empty if there were none.
+  std::string takeLeftOut() { return _nonFinite.take(); }
 
   /// Returns how much of the recording was played.
   Duration length() const { return _now - _start.value_or(_now); }
@@ -58,6 +65,7 @@ private:
   boost::optional<TimePoint> _start;
   TimePoint _now;
 
+  NonFiniteReadings _nonFinite;
   KV::SocialGraph _graph;
   KV::AmbianceState _ambiance;
   Scopes _scopes;

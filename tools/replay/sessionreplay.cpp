@@ -70,6 +70,7 @@ private:
     for (const std::string& text : reading.warnings())
       _show(_surroundings.style.yellow("warning: " + text) + "\n");
     _showPersons(timeline, summary);
+    _noteLeftOut(session.takeLeftOut());
     _noteLibraryWarnings(log);
     return _reportBadInput(reading);
   }
@@ -118,6 +119,12 @@ private:
     const std::string ambiance = summary.describeAmbiance(style);
     if (!ambiance.empty())
       _show("\n" + ambiance);
+  }
+
+  void _noteLeftOut(const std::string& text)
+  {
+    if (!text.empty())
+      _outlets.messages.note("warning: " + _name + ": " + text);
   }
 
   void _noteLibraryWarnings(LibraryLog& log)

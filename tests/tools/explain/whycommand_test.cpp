@@ -213,4 +213,17 @@ TEST_F(WhyCommand, StopsAtABadLineUnlessThatIsToBeSkipped)
   EXPECT_EQ(0, runCommand({"why", bad, "--person", "1", "--at", "0.5", "--skip-bad"}).status);
 }
 
+TEST_F(WhyCommand, LeavesOutReadingsThatAreNotFiniteAndSaysSo)
+{
+  const std::string broken =
+      folder.write("broken.jsonl",
+                   R"({"time":0,"person":1,"observation":{"gaze":{"yaw":"NaN","pitch":0},"touchEmotion":{"value":1}}})"
+                   "\n");
+  const CommandResult result = runCommand({"why", broken, "--person", "1", "--at", "0"});
+
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("broken.jsonl: left out 1 reading with numbers that are not finite, the first "
+                                       "of person 1 at 0:00.000"));
+}
+
 }  // namespace

@@ -177,4 +177,17 @@ TEST_F(LiveBoundaries, MustBeKnown)
   EXPECT_EQ("boundaries", refusedFor(live, R"({"boundaries":0.5})"));
 }
 
+TEST_F(LiveSessionTest, RefusesReadingsFromTheFuture)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  const auto gazeAt = [](double sinceStart) {
+    const auto time = (start + inNanoseconds(sinceStart)).time_since_epoch().count();
+    return R"({"person":1,"observation":{"gaze":{"yaw":0,"pitch":0,"time":)" + std::to_string(time) + "}}}";
+  };
+  EXPECT_EQ("observation", refusedFor(live, gazeAt(1.001)));
+  EXPECT_TRUE(log.snapshots.empty());
+  EXPECT_EQ("-", refusedFor(live, gazeAt(1.)));
+  EXPECT_EQ("-", refusedFor(live, gazeAt(-3600.)));
+}
+
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <sstream>
 
 namespace
@@ -115,6 +116,19 @@ TEST_F(StreamTest, PassesTheWarningsOfTheLibraryOn)
   ASSERT_TRUE(found.contains("warnings")) << found;
   EXPECT_THAT(found["warnings"][0], HasSubstr("old observation from 4 s ago of Voice Emotion"));
   EXPECT_FALSE(answer(lineOf(seenAt(4.1, 3))).contains("warnings"));
+}
+
+TEST_F(StreamTest, LeavesOutReadingsThatAreNotFinite)
+{
+  answer(lineOf(seenAt(0., 3)));
+  tools::RecordingEntry bad = seenAt(0.5, 3);
+  bad.observation.gaze->value.yaw = std::numeric_limits<float>::quiet_NaN();
+  const json found = answer(lineOf(bad));
+
+  EXPECT_EQ(json({"left out 1 reading with numbers that are not finite, the first of person 3 at 0:00.500"}),
+            found["warnings"]);
+  EXPECT_TRUE(found["attention"].is_number());
+  EXPECT_FALSE(answer(lineOf(seenAt(1., 3))).contains("warnings"));
 }
 
 TEST_F(StreamTest, GoesOnBehindABadLine)

@@ -164,6 +164,18 @@ TEST_F(WatchProcess, ShowsWhatIsWrongWithALine)
   EXPECT_EQ(0, status());
 }
 
+TEST_F(WatchProcess, SaysAtItsEndWhatItLeftOut)
+{
+  tools::RecordingEntry entry = seenAt(0., 12);
+  entry.observation.smile->value.value = std::numeric_limits<float>::quiet_NaN();
+  write(tools::entryToJson(entry) + "\n");
+  ASSERT_TRUE(sees("LookingAtRobot"));
+  press('q');
+  EXPECT_TRUE(sees(leavesThePage));
+  EXPECT_TRUE(sees("left out 1 reading with numbers that are not finite"));
+  EXPECT_EQ(0, status());
+}
+
 TEST_F(WatchProcess, StaysWhenItsInputEnds)
 {
   write(lineAbout(12));

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <limits>
 #include <set>
 #include <sstream>
 #include <string>
@@ -423,6 +424,24 @@ TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
       {folder.path(""), recording});
   EXPECT_EQ(128 + SIGTERM, result.status);
   EXPECT_EQ((Names{"meeting.jsonl", "pipe.jsonl"}), folder.names());
+}
+
+TEST_F(CommandTest, LeavesOutReadingsThatAreNotFiniteAndSaysSo)
+{
+  std::vector<tools::RecordingEntry> entries = meeting();
+  KV::VoiceEmotion voice;
+  voice.KV::Expressions::joy.value = std::numeric_limits<float>::quiet_NaN();
+  for (const std::size_t bad : {std::size_t{8}, std::size_t{20}})
+    entries[bad].observation.voiceEmotion.emplace(entries[bad].time, voice);
+  const CommandResult result = replay({folder.write("broken.jsonl", asJsonLines(entries))});
+  const CommandResult withoutThem = replay({recording});
+
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("broken.jsonl: left out 2 readings with numbers that are not finite, the first "
+                                       "of person 1 at 0:00.400"));
+  EXPECT_THAT(withoutThem.errors, Not(HasSubstr("left out")));
+  const auto withoutName = [](const std::string& output) { return output.substr(output.find('\n')); };
+  EXPECT_EQ(withoutName(withoutThem.output), withoutName(result.output));
 }
 
 }  // namespace

@@ -1,0 +1,102 @@
+#include "nonfinitereadings.hpp"
+
+#include "entries.hpp"
+#include "session.hpp"
+
+#include <skeigiot/person.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+using namespace replaytests;
+using tools::NonFiniteReadings;
+using tools::RecordingEntry;
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+
+RecordingEntry withNanGaze(double sinceStart, std::int32_t person)
+{
+  RecordingEntry entry = seenAt(sinceStart, person);
+  entry.observation.gaze->value.yaw = nan;
+  return entry;
+}
+
+TEST(NonFiniteReadings, HandsFiniteObservationsOnWithoutACopy)
+{
+  NonFiniteReadings readings;
+  const RecordingEntry entry = seenAt(1., 3);
+
+  EXPECT_EQ(&entry.observation, &readings.withoutThem(entry, inNanoseconds(1.)));
+  EXPECT_EQ("", readings.take());
+}
+
+TEST(NonFiniteReadings, LeavesOutTheReadingAlone)
+{
+  NonFiniteReadings readings;
+
+  const KV::PersonObservation& rest = readings.withoutThem(withNanGaze(1., 3), inNanoseconds(1.));
+
+  EXPECT_FALSE(rest.gaze);
+  EXPECT_TRUE(rest.headPosture);
+  EXPECT_TRUE(rest.smile);
+  EXPECT_TRUE(rest.expressions);
+}
+
+TEST(NonFiniteReadings, TellsHowManyThereWereAndWhereTheFirstWas)
+{
+  NonFiniteReadings readings;
+  readings.withoutThem(seenAt(1., 3), inNanoseconds(1.));
+  readings.withoutThem(withNanGaze(61.25, 3), inNanoseconds(61.25));
+  RecordingEntry second = withNanGaze(62., 4);
+  second.observation.smile->value.value = nan;
+  readings.withoutThem(second, inNanoseconds(62.));
+
+  EXPECT_EQ("left out 3 readings with numbers that are not finite, the first of person 3 at 1:01.250", readings.take());
+}
+
+TEST(NonFiniteReadings, CountsAnewOnceItHasTold)
+{
+  NonFiniteReadings readings;
+  readings.withoutThem(withNanGaze(1., 3), inNanoseconds(1.));
+  readings.take();
+  EXPECT_EQ("", readings.take());
+
+  readings.withoutThem(withNanGaze(2., -7), inNanoseconds(2.));
+
+  EXPECT_EQ("left out 1 reading with numbers that are not finite, the first of person -7 at 0:02.000", readings.take());
+}
+
+// What the session plays is what a person is shown who never gets the bad reading.
+TEST(NonFiniteReadings, DoNotReachTheEstimatorOfASession)
+{
+  struct Latest : tools::SessionObserver
+  {
+    void personUpdated(const tools::Snapshot& shown) override { snapshot = shown; }
+    tools::Snapshot snapshot;
+  } latest;
+  tools::Session session({}, {&latest});
+  KV::Person person(4);
+  for (int i = 0; i < 20; ++i)
+  {
+    RecordingEntry entry = seenAt(0.1 * i, 4);
+    if (i == 7)
+      entry = withNanGaze(0.1 * i, 4);
+    session.play(entry);
+    if (i == 7)
+      entry.observation.gaze = boost::none;
+    person.update(entry.observation);
+
+    ASSERT_EQ(person.personState.personAttention().value, latest.snapshot.attention.value) << "cycle " << i;
+    ASSERT_EQ(person.personState.personValence().value, latest.snapshot.valence.value) << "cycle " << i;
+  }
+  EXPECT_GT(latest.snapshot.attention.value, 0.5f);
+  EXPECT_EQ("left out 1 reading with numbers that are not finite, the first of person 4 at 0:00.700",
+            session.takeLeftOut());
+}
+
+}  // namespace

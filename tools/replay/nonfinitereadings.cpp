@@ -1,0 +1,32 @@
+#include "nonfinitereadings.hpp"
+
+#include "text.hpp"
+
+#include <skeigiot/isfinite.hpp>
+
+namespace tools
+{
+
+const KV::PersonObservation& NonFiniteReadings::withoutThem(const RecordingEntry& entry, Duration sinceStart)
+{
+  if (KV::isFinite(entry.observation))
+    return entry.observation;
+
+  if (_count == 0)
+    _firstPlace = "of person " + std::to_string(entry.person.value_or(0)) + " at " + clockText(sinceStart, 3);
+  _rest = entry.observation;
+  _count += KV::leaveOutNonFinite(_rest);
+  return _rest;
+}
+
+std::string NonFiniteReadings::take()
+{
+  if (_count == 0)
+    return {};
+  std::string text =
+      "left out " + counted(_count, "reading") + " with numbers that are not finite, the first " + _firstPlace;
+  _count = 0;
+  return text;
+}
+
+}  // namespace tools
