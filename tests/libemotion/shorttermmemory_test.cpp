@@ -13,11 +13,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <future>
+#include <ios>
+#include <iostream>
 #include <limits>
 #include <random>
 #include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -577,6 +582,46 @@ TEST_P(ShortTermMemoryFailure, LeavesTheMemoryUsable)
   EXPECT_EQ(1.f, scripted.memory.youngest().value);
 }
 
+/// Where nothing can be written.
+class FullOutput
+{
+public:
+  FullOutput() : _former(std::cout.rdbuf(&_nowhere)), _exceptions(std::cout.exceptions())
+  {
+    std::cout.exceptions(std::ios_base::badbit);
+  }
+  ~FullOutput()
+  {
+    std::cout.clear();
+    std::cout.exceptions(_exceptions);
+    std::cout.rdbuf(_former);
+  }
+  FullOutput(const FullOutput&) = delete;
+  FullOutput& operator=(const FullOutput&) = delete;
+
+private:
+  struct Nowhere : std::streambuf
+  {};
+
+  Nowhere _nowhere;
+  std::streambuf* _former;
+  std::ios_base::iostate _exceptions;
+};
+
+TEST(ShortTermMemoryClock, DisordersNothingThoughItsFailureCannotBeTold)
+{
+  ScriptedMemory scripted(4);
+  const FullOutput output;
+  scripted.clock.restart([](int number) -> Time {
+    if (number == 2)
+      throw ClockFailure();
+    return number == 0 ? muchLater : start;
+  });
+
+  EXPECT_THROW(forgetOld(scripted.memory), std::ios_base::failure);
+  EXPECT_THAT(values(scripted.memory), ElementsAre(1.f, 2.f, 3.f, 4.f));
+}
+
 INSTANTIATE_TEST_SUITE_P(AtEachReading, ShortTermMemoryFailure, ::testing::Range(0, 4),
                          ::testing::PrintToStringParamName());
 
@@ -647,6 +692,20 @@ TEST(ShortTermMemoryClock, NeitherLosesNorDoublesNorDisordersHoweverItJumpsAndFa
 }
 
 // Threads
+
+TEST(ShortTermMemoryThreads, FindTheMemoryAsItWasWhileTheyHoldItsMutex)
+{
+  ShortTermMemory<float> memory(milliseconds(7000));
+  std::future<void> recorded;
+  {
+    const boost::lock_guard<boost::mutex> lock(memory.mutex());
+    recorded = std::async(std::launch::async, [&] { memory.record(reading(ko::SystemClock::now(), 1.f)); });
+    EXPECT_EQ(std::future_status::timeout, recorded.wait_for(std::chrono::milliseconds(20)));
+    EXPECT_TRUE(memory.records().empty());
+  }
+  recorded.get();
+  EXPECT_THAT(values(memory), ElementsAre(1.f));
+}
 
 TEST(ShortTermMemoryThreads, LoseNoReading)
 {

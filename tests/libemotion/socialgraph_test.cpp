@@ -354,6 +354,24 @@ TEST(SocialGraph, MakesEveryOperationWaitForACallback)
   }
 }
 
+TEST(SocialGraph, KeepsAPersonWhoIsBeingReadWhileSomebodyRemovesThem)
+{
+  SocialGraph graph;
+  graph.add(1);
+  std::future<void> removed;
+  bool isThere = false;
+  graph.read(1, [&](const Person& person) {
+    const boost::weak_ptr<KV::PersonStatePrivate> record(person.personState._p);
+    removed = std::async(std::launch::async, [&graph] { graph.remove(1); });
+    EXPECT_EQ(std::future_status::timeout, removed.wait_for(std::chrono::milliseconds(20)));
+    isThere = !record.expired();
+  });
+  removed.get();
+
+  EXPECT_TRUE(isThere);
+  EXPECT_THAT(graph.persons(), IsEmpty());
+}
+
 TEST(SocialGraph, LosesNoUpdateOfSeveralThreads)
 {
   constexpr int threadCount = 4;
