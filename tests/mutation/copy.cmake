@@ -26,7 +26,9 @@ function(skeigiot_precompile_headers)
       <locale>
       <sstream>)
   target_precompile_headers(skeigiot-objects PRIVATE ${headers} <ko/proxy.hpp> <ko/record.hpp>)
-  target_precompile_headers(libemotion_tests PRIVATE ${headers} <gmock/gmock.h> <gtest/gtest.h>)
+  foreach(program IN ITEMS libemotion_tests fault_tests)
+    target_precompile_headers(${program} PRIVATE ${headers} <gmock/gmock.h> <gtest/gtest.h>)
+  endforeach()
 endfunction()
 
 # Lets the tests see copies of the private headers, so that they need not be compiled when one is changed. The whole of

@@ -10,8 +10,8 @@ from collections.abc import Iterable
 from mutants import Mutant
 
 _FILE = re.compile(r"### `(?P<file>[^`]+)`")
-_ENTRY = re.compile(r"- `(?P<before>[^`]+)`\n  becomes `(?P<after>[^`]+)`(?: \((?P<places>\d+) places\))?:\s+(?P<reason>\S)",
-                    re.MULTILINE)
+_ENTRY = re.compile(r"- `(?P<before>[^`]+)`\n"
+                    r"  becomes `(?P<after>[^`]+)`(?: \((?P<places>\d+) places\))?:\s+(?P<reason>\S)")
 
 
 @dataclasses.dataclass(frozen=True)

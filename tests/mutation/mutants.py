@@ -42,7 +42,7 @@ class Mutant:
     line: int
     before: str  # the lines that the change touches, with single spaces
     after: str
-    is_in_function: bool  # changes no layout, and nothing that is declared
+    changes_layout: bool  # or may do so: all that includes the file has to be compiled
     number: int  # among changes of this file that look alike
 
     @property
@@ -73,7 +73,7 @@ class _Change:
 def find_mutants(file: str, text: str) -> list[Mutant]:
     """Returns every mutant of the text, in the order of their places."""
     changes = sorted(set(_changes(text)), key=lambda change: (change.start, change.end, change.replacement))
-    functions = _functions(text)
+    safe_places = _safe_places(text)
     mutants = []
     alike: dict[tuple[str, str, str], int] = {}
     seen = set()
@@ -84,15 +84,18 @@ def find_mutants(file: str, text: str) -> list[Mutant]:
         seen.add((line, before, after))
         number = alike[change.kind, before, after] = alike.get((change.kind, before, after), 0) + 1
         mutants.append(Mutant(file, change.kind, change.start, change.end, change.replacement, line, before, after,
-                              any(change.start in function for function in functions), number))
+                              not any(change.start in place for place in safe_places), number))
     return mutants
 
 
-def _functions(text: str) -> list[range]:
+def _safe_places(text: str) -> list[range]:
+    """Returns where no change alters the layout of a class: in functions, and in constants at the start of a line."""
     source = Source(tokens_of(text))
-    return [range(source.tokens[opening].end, source.tokens[closing].start)
-            for opening, closing in source.partner.items()
-            if source.text(opening) == "{" and source.is_code(opening)]
+    functions = [range(source.tokens[opening].end, source.tokens[closing].start)
+                 for opening, closing in source.partner.items()
+                 if source.text(opening) == "{" and source.is_code(opening)]
+    constants = [range(*match.span()) for match in re.finditer(r"^constexpr .*;$", text, re.MULTILINE)]
+    return functions + constants
 
 
 def _shown(text: str, change: _Change) -> tuple[int, str, str]:
@@ -138,14 +141,17 @@ def _operator_changes(source: Source, index: int, text: str) -> Iterator[_Change
 
 
 def _is_stream(source: Source, index: int) -> bool:
-    """Tells whether the shift writes to a stream: it, or one before it, follows the first word of the statement."""
-    while index > 0 and source.text(index) not in {";", "{", "}", "("}:
-        index -= 1
-    first = index + 1
-    if source.text(first) == "return":
-        first += 1
-    return source.tokens[first].kind == "word" and source.text(first + 1) == "<<" or any(
-        source.tokens[later].kind == "string" for later in range(first, min(first + 12, len(source.tokens))))
+    """Tells whether the shift writes to a stream: its expression begins with a name and a shift."""
+    while not _begins_expression(source, index):
+        index = source.before(index)
+    return source.tokens[index].kind == "word" and source.text(index + 1) == "<<"
+
+
+def _begins_expression(source: Source, index: int) -> bool:
+    if source.text(index - 1) in {";", "{", "}", "(", ""}:
+        return True
+    before = source.tokens[index - 1]
+    return source.tokens[index].kind == "word" and (before.kind == "word" or before.text == ")")
 
 
 def _sign_changes(source: Source, index: int, text: str) -> Iterator[_Change]:

@@ -1,7 +1,7 @@
 """Changes one thing at a time in the sources of libemotion, and tells which changes no test notices.
 
-Fails if fewer than 97 percent of the mutants are killed. Those that tests/mutation-equivalents.md explains do not count,
-nor do those that do not compile.
+Fails if fewer than 97 percent of the mutants are killed. Those that tests/mutation-equivalents.md explains do not
+count, nor do those that do not compile.
 """
 
 from __future__ import annotations
@@ -135,7 +135,7 @@ class Workers:
         """Returns what became of each, in the order of files and lines."""
         known = [(mutant, self._known[mutant.id]) for mutant in mutants if mutant.id in self._known]
         unknown = sorted((mutant for mutant in mutants if mutant.id not in self._known),
-                         key=lambda mutant: (mutant.is_in_header, mutant.file, mutant.start, mutant.end))
+                         key=lambda mutant: (mutant.changes_layout, mutant.file, mutant.start, mutant.end))
         portions = [unknown[first:first + _PORTION] for first in range(0, len(unknown), _PORTION)]
         return known + [result for results in self._pool.map(self._judge_portion, portions) for result in results]
 

@@ -28,6 +28,7 @@ class Source:
     def __init__(self, tokens: list[Token]) -> None:
         self.tokens = tokens
         self.partner = brackets_of(tokens)
+        self._opening = {closing: opening for opening, closing in self.partner.items()}
 
     def text(self, index: int) -> str:
         """Returns the text of a token, or nothing where there is none."""
@@ -36,6 +37,10 @@ class Source:
     def after(self, index: int) -> int:
         """Returns the index behind a token, or behind what it opens."""
         return self.partner.get(index, index) + 1
+
+    def before(self, index: int) -> int:
+        """Returns the index before a token, or that of the bracket which the token before it closes."""
+        return self._opening.get(index - 1, index - 1)
 
     def blocks(self) -> Iterator[list[Statement | None]]:
         """Yields the statements of each block of code; None stands for one that is not simple, or a label."""

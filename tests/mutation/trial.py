@@ -27,7 +27,8 @@ _MEMORY = 4 << 30
 _GROUPS = [
     {"libemotion_tests": "tests/libemotion"},
     {"model_tests": "tests/model"},
-    {"registration_tests": "tests/libemotion/types",
+    {"fault_tests": "tests/faults",
+     "registration_tests": "tests/libemotion/types",
      "libemotion_shared_tests": "tests/libemotion",
      "InitialisedBeforeTheStaticLibrary_tests": "tests/libemotion",
      "InitialisedAfterTheStaticLibrary_tests": "tests/libemotion",
@@ -82,7 +83,7 @@ class Trial:
         Raises BrokenCopy if its file is another than that in which it was found.
         """
         outcome = Outcome(SURVIVED)
-        if mutant.is_in_function or not self._for_tests(mutant).is_file():
+        if not mutant.changes_layout or not self._for_tests(mutant).is_file():
             outcome = self._judge_in(mutant, [self._copy / mutant.file])
         if outcome.state == SURVIVED and self._for_tests(mutant).is_file():
             outcome = self._judge_in(mutant, [self._copy / mutant.file, self._for_tests(mutant)])
@@ -132,8 +133,9 @@ class Trial:
                    "CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE": "PRE_TEST",
                    "CMAKE_PROJECT_skeigiot_INCLUDE": self._copy / "tests/mutation/copy.cmake",
                    "SKEIGIOT_BUILD_TOOLS": "OFF", "SKEIGIOT_BUILD_BENCHMARKS": "OFF", "SKEIGIOT_BUILD_EXAMPLES": "OFF"}
-        if shutil.which("clang++"):  # makes the most of precompiled headers
+        if shutil.which("clang++"):  # makes the most of precompiled headers, and lets what is undefined end the test
             options["CMAKE_CXX_COMPILER"] = "clang++"
+            options["CMAKE_CXX_FLAGS"] = "-fsanitize=undefined -fno-sanitize=vptr,function -fsanitize-trap=undefined"
         if shutil.which("ld.lld"):
             options["CMAKE_EXE_LINKER_FLAGS"] = options["CMAKE_SHARED_LINKER_FLAGS"] = "-fuse-ld=lld"
         subprocess.run(["cmake", "-S", self._copy, "-B", self._build, "-G", "Ninja",
