@@ -1,8 +1,356 @@
 #include "module.hpp"
 
+#include "boundary.hpp"
+#include "orderedjobs.hpp"
+#include "replayrun.hpp"
+#include "silencedlog.hpp"
+#include "unlocked.hpp"
+
+#include <pybind11/numpy.h>
+#include <pybind11/stl.h>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace py = pybind11;
+
 namespace binding
 {
 
-void bindReplay(pybind11::module_&) {}
+namespace
+{
+
+/// The replay is one of several, of which another one ended all.
+struct Cancelled
+{};
+
+/// Lets Python's signal handlers run now and then while the interpreter lock is released, so that a replay can be
+/// interrupted.
+class SignalCheck
+{
+public:
+  /// \throws py::error_already_set if a handler raises.
+  void operator()()
+  {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - _last < std::chrono::milliseconds(50))
+      return;
+    _last = now;
+    runHandlers();
+  }
+
+  static void runHandlers()
+  {
+    const py::gil_scoped_acquire acquired;
+    if (PyErr_CheckSignals() != 0)
+      throw py::error_already_set();
+  }
+
+private:
+  std::chrono::steady_clock::time_point _last;
+};
+
+/// Sets boundaries of the library, and brings the old ones back. They are process-wide, so that one replay at a time
+/// may do so.
+class SetBoundaries
+{
+public:
+  /// \throws std::invalid_argument if the library rejects a value.
+  explicit SetBoundaries(const std::map<std::string, float>& values)
+  {
+    if (!values.empty())
+      _lock = std::unique_lock<std::mutex>(mutex());
+    for (const tools::Boundary& boundary : tools::boundaries())
+    {
+      const auto value = values.find(boundary.option);
+      if (value == values.end())
+        continue;
+      const float before = boundary.get();
+      const SilencedLog silenced;
+      tools::setBoundary(boundary, value->second);
+      _before.emplace_back(&boundary, before);
+    }
+  }
+
+  ~SetBoundaries()
+  {
+    for (const auto& [boundary, value] : _before)
+      boundary->set(value);
+  }
+
+  SetBoundaries(const SetBoundaries&) = delete;
+  SetBoundaries& operator=(const SetBoundaries&) = delete;
+
+private:
+  static std::mutex& mutex()
+  {
+    static std::mutex mutex;
+    return mutex;
+  }
+
+  std::unique_lock<std::mutex> _lock;
+  std::vector<std::pair<const tools::Boundary*, float>> _before;
+};
+
+/// Decodes what may hold the name of a file, which is any bytes.
+py::str textOf(const std::string& bytes)
+{
+  return py::reinterpret_steal<py::str>(
+      PyUnicode_DecodeFSDefaultAndSize(bytes.data(), static_cast<Py_ssize_t>(bytes.size())));
+}
+
+py::list textsOf(const std::vector<std::string>& texts)
+{
+  py::list list;
+  for (const std::string& text : texts)
+    list.append(textOf(text));
+  return list;
+}
+
+py::object errorOf(const boost::optional<tools::RecordingError>& error)
+{
+  if (!error)
+    return py::none();
+  const auto& place = error->place();
+  return py::make_tuple(textOf(error->what()), textOf(place.file), place.line, textOf(place.field));
+}
+
+const char* nameOf(tools::ScopeEnd end)
+{
+  switch (end)
+  {
+    case tools::ScopeEnd::Complete:
+      return "complete";
+    case tools::ScopeEnd::NotStopped:
+      return "not stopped";
+    case tools::ScopeEnd::CutShort:
+      return "cut short";
+    case tools::ScopeEnd::NotReached:
+      return "not reached";
+    case tools::ScopeEnd::NotOpen:
+      return "not open";
+  }
+  return "";
+}
+
+double secondsOf(tools::Duration duration)
+{
+  return static_cast<double>(duration.count()) / 1e9;
+}
+
+py::tuple verdictOf(const tools::ScopeVerdict& verdict)
+{
+  py::dict persons;
+  for (const auto& [person, found] : verdict.persons)
+    persons[py::int_(person)] = py::make_tuple(found.word, found.updates);
+  return py::make_tuple(textOf(verdict.name), secondsOf(verdict.from), secondsOf(verdict.to), nameOf(verdict.end),
+                        persons);
+}
+
+py::dict dictOf(ReplayOutcome& outcome)
+{
+  py::list verdicts;
+  for (const tools::ScopeVerdict& verdict : outcome.tables.verdicts)
+    verdicts.append(verdictOf(verdict));
+  py::dict dict;
+  dict["name"] = textOf(outcome.name);
+  dict["length"] = secondsOf(outcome.length);
+  dict["description"] = textsOf(outcome.description);
+  dict["warnings"] = textsOf(outcome.warnings);
+  dict["error"] = errorOf(outcome.error);
+  dict["verdicts"] = verdicts;
+  dict["updates"] = outcome.tables.updates.take();
+  dict["forces"] = outcome.tables.forces.take();
+  dict["zone_changes"] = outcome.tables.zoneChanges.take();
+  dict["ambiance"] = outcome.tables.ambiance.take();
+  return dict;
+}
+
+/// The arrays of a frame must stay as they are for as long as it is used.
+Frame frameFrom(const py::tuple& source)
+{
+  using Numbers = py::array_t<double, py::array::c_style>;
+  using Moments = py::array_t<std::int64_t, py::array::c_style>;
+  Frame frame;
+  frame.name = source[0].cast<std::string>();
+  frame.rows = source[1].cast<std::size_t>();
+  if (!source[2].is_none())
+    frame.moments = source[2].cast<Moments>().data();
+  for (const py::handle column : source[3].cast<py::list>())
+  {
+    const auto pair = column.cast<py::tuple>();
+    FrameColumn& added = frame.columns.emplace_back();
+    added.name = pair[0].cast<std::string>();
+    if (py::isinstance<Numbers>(pair[1]))
+      added.numbers = pair[1].cast<Numbers>().data();
+    else
+      added.texts = pair[1].cast<std::vector<std::string>>();
+  }
+  return frame;
+}
+
+template <typename T>
+void take(const py::dict& options, const char* name, boost::optional<T>& target)
+{
+  if (!options[name].is_none())
+    target = options[name].cast<T>();
+}
+
+tools::ReadingOptions readingFrom(const py::dict& options)
+{
+  tools::ReadingOptions reading;
+  take(options, "fps", reading.framesPerSecond);
+  take(options, "camera_height", reading.cameraHeight);
+  reading.mirrored = options["mirrored"].cast<bool>();
+  reading.lineOfSight = options["line_of_sight"].cast<bool>();
+  reading.minimalConfidence = options["min_confidence"].cast<float>();
+  reading.actionUnitFullScale = options["au_full_scale"].cast<float>();
+  reading.mapping = options["mapping"].cast<std::string>();
+  reading.personColumn = options["person_from"].cast<std::string>();
+  return reading;
+}
+
+std::vector<tools::ScopeSpan> scopesFrom(const py::list& source)
+{
+  std::vector<tools::ScopeSpan> scopes;
+  for (const py::handle item : source)
+  {
+    const auto scope = item.cast<py::tuple>();
+    tools::ScopeSpan span{scope[0].cast<std::string>(), tools::Duration(scope[1].cast<std::int64_t>()), boost::none};
+    if (!scope[2].is_none())
+      span.to = tools::Duration(scope[2].cast<std::int64_t>());
+    scopes.push_back(std::move(span));
+  }
+  return scopes;
+}
+
+/// All but the session.
+ReplayRequest requestFrom(const py::dict& options)
+{
+  ReplayRequest request;
+  request.format = options["format"].cast<std::string>();
+  request.reading = readingFrom(options);
+  request.skipBad = options["skip_bad"].cast<bool>();
+  request.explain = options["explain"].cast<bool>();
+  request.scopes = scopesFrom(options["scopes"].cast<py::list>());
+  return request;
+}
+
+using Boundaries = std::map<std::string, float>;
+
+Boundaries boundariesFrom(const py::dict& options)
+{
+  return options["boundaries"].cast<Boundaries>();
+}
+
+/// Replays what the list names, the inputs of one session: each a frame or a path, with its offset in nanoseconds.
+py::dict replayOne(const py::list& inputs, const py::dict& options)
+{
+  ReplayRequest request = requestFrom(options);
+  for (const py::handle item : inputs)
+  {
+    const auto input = item.cast<py::tuple>();
+    const tools::Duration offset(input[1].cast<std::int64_t>());
+    if (py::isinstance<py::bytes>(input[0]))
+    {
+      request.session.inputs.push_back({input[0].cast<std::string>(), offset});
+      continue;
+    }
+    Frame frame = frameFrom(input[0].cast<py::tuple>());
+    request.session.inputs.push_back({frame.name, offset});
+    request.frames.emplace(frame.name, std::move(frame));
+  }
+  const Boundaries boundaries = boundariesFrom(options);
+  SignalCheck check;
+  ReplayOutcome outcome = unlocked([&] {
+    const SetBoundaries set(boundaries);
+    ReplayOutcome played = replay(request, std::ref(check));
+    SignalCheck::runHandlers();  // a signal may be why it ended
+    return played;
+  });
+  return dictOf(outcome);
+}
+
+/// Each on a thread of its own, `jobs` at a time.
+std::vector<ReplayOutcome> replayEach(const std::vector<ReplayRequest>& requests, std::size_t jobs)
+{
+  using Jobs = tools::OrderedJobs<ReplayOutcome>;
+  Jobs running(requests.size(), jobs, [&requests](std::size_t number, const Jobs::Cancelled& cancelled) {
+    return replay(requests[number], [&cancelled] {
+      if (cancelled)
+        throw Cancelled();
+    });
+  });
+  std::vector<ReplayOutcome> outcomes;
+  while (outcomes.size() < requests.size())
+    outcomes.push_back(running.take([] { SignalCheck::runHandlers(); }));
+  return outcomes;
+}
+
+/// Replays files, and all recordings of folders, each as a session of its own; returns notes and outcomes.
+py::tuple replayAll(const std::vector<std::string>& paths, std::size_t jobs, const py::dict& options)
+{
+  const ReplayRequest common = requestFrom(options);
+  const Boundaries boundaries = boundariesFrom(options);
+  std::vector<std::string> notes;
+  std::vector<ReplayOutcome> outcomes = unlocked([&] {
+    tools::SessionPlan plan = tools::planSessions({paths, {}, true, common.format});
+    notes = std::move(plan.notes);
+    std::vector<ReplayRequest> requests;
+    for (tools::SessionInputs& session : plan.sessions)
+    {
+      ReplayRequest& request = requests.emplace_back(common);
+      request.session = std::move(session);
+      request.number = static_cast<std::int32_t>(requests.size());
+    }
+    const SetBoundaries set(boundaries);
+    return replayEach(requests, jobs);
+  });
+  py::list dicts;
+  for (ReplayOutcome& outcome : outcomes)
+    dicts.append(dictOf(outcome));
+  return py::make_tuple(textsOf(notes), dicts);
+}
+
+/// What planning the sessions may throw.
+void translateRecordingError(std::exception_ptr exception)
+{
+  try
+  {
+    if (exception)
+      std::rethrow_exception(exception);
+  }
+  catch (const tools::RecordingError& error)
+  {
+    const py::object type = py::module_::import("skeigiot._errors").attr("RecordingError");
+    PyErr_SetObject(type.ptr(), type(*errorOf(error).cast<py::tuple>()).ptr());
+  }
+}
+
+}  // namespace
+
+void bindReplay(py::module_& module)
+{
+  py::register_exception_translator(translateRecordingError);
+  py::list formats;
+  for (const tools::RecordingFormat& format : tools::recordingFormats())
+    formats.append(format.name);
+  module.attr("_formats") = py::tuple(formats);
+  py::list boundaries;
+  for (const tools::Boundary& boundary : tools::boundaries())
+    boundaries.append(boundary.option);
+  module.attr("_boundaries") = py::tuple(boundaries);
+  module.def("_replay", &replayOne, py::arg("inputs"), py::arg("options"));
+  module.def("_replayAll", &replayAll, py::arg("paths"), py::arg("jobs"), py::arg("options"));
+}
 
 }  // namespace binding

@@ -1,0 +1,116 @@
+#include "frametable.hpp"
+
+#include "csvnumbers.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace binding
+{
+
+namespace
+{
+
+using Column = tools::TidyColumn;
+
+std::string textOf(double number)
+{
+  std::array<char, 32> digits{};
+  return {digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr};
+}
+
+/// Returns NaN for what is no number.
+double numberIn(std::string_view text)
+{
+  if (text.front() == '+')
+    text.remove_prefix(1);
+  double value = 0.;
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, value);
+  return result.ec == std::errc() && result.ptr == end ? value : std::numeric_limits<double>::quiet_NaN();
+}
+
+}  // namespace
+
+FrameTable::FrameTable(const Frame& frame) : _frame(frame)
+{
+  const auto isTime = [](const FrameColumn& column) { return column.name == nameOf(Column::Time); };
+  if (!_frame.moments && std::none_of(_frame.columns.begin(), _frame.columns.end(), isTime))
+    throw tools::RecordingError({_frame.name, 0, {}}, "there is no column time");
+}
+
+bool FrameTable::has(Column column) const
+{
+  if (column == Column::Time && _frame.moments)
+    return true;
+  const FrameColumn* const source = field(column);
+  return source && isFilled(*source);
+}
+
+std::string FrameTable::text(Column column) const
+{
+  const FrameColumn& source = *field(column);
+  return source.numbers ? textOf(source.numbers[_row]) : source.texts[_row];
+}
+
+double FrameTable::number(Column column) const
+{
+  const FrameColumn& source = *field(column);
+  const double value = source.numbers ? source.numbers[_row] : numberIn(source.texts[_row]);
+  if (!(std::abs(value) <= tools::greatestMeasurement))
+    refuseValue(column, "a number");
+  return value;
+}
+
+std::int64_t FrameTable::wholeNumber(Column column, double least, double greatest) const
+{
+  const double value = number(column);
+  if (!(value >= least && value <= greatest) || value != std::floor(value))
+    refuseValue(column, "a whole number");
+  return static_cast<std::int64_t>(value);
+}
+
+double FrameTable::seconds(Column column) const
+{
+  const double value = number(column);
+  if (value < tools::earliestTimestamp || value > tools::latestTimestamp)
+    refuseValue(column, "seconds, from the start of the recording or since 1970");
+  return value;
+}
+
+std::optional<ko::SystemClock::time_point> FrameTable::moment() const
+{
+  if (!_frame.moments)
+    return {};
+  return ko::SystemClock::time_point(ko::SystemClock::duration(_frame.moments[_row]));
+}
+
+tools::RecordingError::Place FrameTable::placeOf(Column column) const
+{
+  return {place().file, 0, nameOfField(column)};
+}
+
+tools::RecordingError::Place FrameTable::place() const
+{
+  return {_frame.name + ", row " + std::to_string(_row), 0, {}};
+}
+
+double FrameTable::progress() const
+{
+  return _frame.rows == 0 ? 1. : static_cast<double>(_row) / static_cast<double>(_frame.rows);
+}
+
+void FrameTable::note(const FrameColumn& column, bool isRead)
+{
+  (isRead ? _columns.used : _columns.ignored).push_back(column.name);
+}
+
+bool FrameTable::isFilled(const FrameColumn& column) const
+{
+  return column.numbers ? !std::isnan(column.numbers[_row]) : !tools::isEmptyField(column.texts[_row]);
+}
+
+}  // namespace binding

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "frame.hpp"
+#include "replayrecord.hpp"
+#include "scopespan.hpp"
+#include "sessionplan.hpp"
+
+#include <boost/optional/optional.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace binding
+{
+
+/// What to replay, and how.
+struct ReplayRequest
+{
+  tools::SessionInputs session;
+  std::map<std::string, Frame> frames;  ///< by their names in the session; all others are paths
+  std::string format;                   ///< of the files; empty: found out
+  tools::ReadingOptions reading;
+  bool skipBad = false;
+  bool explain = false;
+  std::vector<tools::ScopeSpan> scopes;  ///< besides the whole recording
+  std::int32_t number = 1;               ///< of the session, as exports have it
+};
+
+/// What came of it.
+struct ReplayOutcome
+{
+  std::string name;
+  ReplayTables tables;
+  tools::Duration length{0};
+  std::vector<std::string> description;
+  std::vector<std::string> warnings;
+  boost::optional<tools::RecordingError> error;  ///< what ended the recording before its end
+};
+
+/// Replays one session as the command does, without the interpreter lock.
+///
+/// \param check called for each step; what it throws ends the replay
+ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check);
+
+}  // namespace binding

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "frametable.hpp"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace binding
+{
+
+/// A frame with a column for each value, whose rows are taken apart into readings.
+class WideFrame : public FrameTable
+{
+public:
+  /// \throws RecordingError if the frame has no times, or no readings.
+  explicit WideFrame(const Frame& frame);
+
+  bool next() override;
+  bool hasColumn(tools::TidyColumn column) const override;
+  bool has(tools::TidyColumn column) const override;
+  std::string text(tools::TidyColumn column) const override;
+
+protected:
+  const FrameColumn* field(tools::TidyColumn column) const override;
+  std::string nameOfField(tools::TidyColumn column) const override;
+
+private:
+  /// The columns of a reading.
+  struct Reading
+  {
+    std::string name;
+    bool ofPerson = true;
+    std::array<const FrameColumn*, tools::tidyColumnCount> fields{};
+  };
+
+  bool _take(const FrameColumn& column);
+  bool _takeAs(const std::string& reading, tools::TidyColumn field, const FrameColumn& column);
+  bool _isThere(const Reading& reading) const;
+  bool _hasSilentPerson() const { return _person ? isFilled(*_person) && !_saidOfPerson : !_saidAnything; }
+  bool _saysOnlySeen() const { return _at == _readings.size(); }
+
+  std::vector<Reading> _readings;
+  const FrameColumn* _time = nullptr;
+  const FrameColumn* _person = nullptr;
+  bool _begun = false;
+  std::size_t _at = 0;         // which reading of the row; behind the last: that the person was seen
+  bool _saidAnything = false;  // of this row
+  bool _saidOfPerson = false;
+};
+
+}  // namespace binding

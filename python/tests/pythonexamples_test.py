@@ -1,0 +1,77 @@
+"""The examples, run as they stand, and checked with their types."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+import pytest
+
+import recordings
+import skeigiot
+
+EXAMPLES = pathlib.Path(os.environ["SKEIGIOT_PYTHON_EXAMPLES"])
+
+
+def run(example, *arguments):
+    result = subprocess.run([sys.executable, EXAMPLES / example, *arguments], capture_output=True, text=True)
+    assert result.returncode == 0, result.stderr
+    assert result.stderr == ""
+    return result.stdout.splitlines()
+
+
+def test_the_live_loop_follows_the_visitor():
+    lines = run("live_loop.py")
+    assert not any(line.startswith("  0.") for line in lines)  # nobody is there yet
+    first, smiling, on_phone, gone = (
+        next(line for line in lines if line.startswith(f"{time:5.1f} s")) for time in (1.0, 5.0, 10.0, 13.5)
+    )
+    assert "person 1: valence" in first
+    assert "valence +" in smiling and "LookingAtRobot" in smiling
+    assert "LookingDown" in on_phone
+    assert attention_in(smiling) > 0.8 > attention_in(on_phone) and attention_in(gone) < attention_in(smiling)
+
+
+def attention_in(line):
+    return float(line.split("attention ")[1].split(",")[0])
+
+
+def test_the_listener_tells_what_moved_the_visitor():
+    lines = run("listen_to_forces.py")
+    assert any("looks from" in line and "to LookingAtRobot" in line for line in lines)
+    of_valence = lines[lines.index("what moved the valence:") + 1 : lines.index("what moved the attention:") - 1]
+    distances = [float(line.split()[0]) for line in of_valence]
+    assert distances == sorted(distances, reverse=True) and distances[0] > 0
+    assert any(line.endswith("Face characteristics") for line in of_valence)
+
+
+def test_the_plot_shows_every_recording_of_a_folder(tmp_path):
+    folder = tmp_path / "recordings"
+    folder.mkdir()
+    shutil.copy(recordings.greeting(), folder)
+    (folder / "two.csv").write_text(recordings.OPENFACE)
+    picture = tmp_path / "plot.png"
+    lines = run("plot_folder.py", folder, picture)
+    result = skeigiot.replay(folder / "greeting.jsonl")
+    valence = f"{result.persons[1]['valence'].mean():+7.2f}"
+    assert [line.split("  ")[-1] for line in lines[1:]] == [
+        "person 1 in greeting.jsonl",
+        "person 2 in greeting.jsonl",
+        "person 0 in two.csv",
+        "person 1 in two.csv",
+    ]
+    assert lines[1].startswith(valence)
+    assert picture.read_bytes().startswith(b"\x89PNG")
+
+
+def test_the_examples_are_typed(monkeypatch):
+    mypy = pytest.importorskip("mypy.api")
+    package = pathlib.Path(skeigiot.__file__).parent
+    paths = sorted(str(path) for path in EXAMPLES.glob("*.py"))
+    assert len(paths) == 4
+    monkeypatch.setenv("MYPYPATH", f"{EXAMPLES}:{package.parent}")
+    options = ["--config-file", str(EXAMPLES / "mypy.ini"), "--cache-dir", os.devnull]
+    output, errors, status = mypy.run([*options, *paths, str(package)])
+    assert status == 0, output + errors
+    assert output.startswith("Success: no issues found")
