@@ -1,5 +1,23 @@
 """Scores of mood classes, and the rules by which one of them wins."""
 
-from . import _skeigiot
+from ._skeigiot import (
+    ArgmaxClassifierType,
+    Coefficient,
+    LinregMoodScore,
+    LogregMoodScore,
+    MoodClass,
+    MoodClassifier,
+    MoodClassifierType,
+    MoodScore,
+)
 
-__all__: list[str] = []
+__all__ = [
+    "ArgmaxClassifierType",
+    "Coefficient",
+    "LinregMoodScore",
+    "LogregMoodScore",
+    "MoodClass",
+    "MoodClassifier",
+    "MoodClassifierType",
+    "MoodScore",
+]

@@ -93,6 +93,7 @@ void bindClock(py::module_& module)
   py::class_<ko::SystemClock>(module, "SystemClock",
                               "The clock of the middleware: nanoseconds since the Unix epoch. Every age in the library "
                               "is \"now minus a time stamp\" on this clock.")
+      .def(py::init<>())
       .def_static("now", &now,
                   "Returns the time of the innermost clock source of this thread, or the machine's wall clock if there "
                   "is none. Raises what a clock source raises.");

@@ -171,6 +171,7 @@ void bindShortTermMemory(py::module_& module)
       .def(
           "horizon", [](const AnyMemory& self) { return timedeltaOf(self.horizon()); },
           "Returns for how long a record is kept, as a timedelta.");
+  allowTypeParameter(memory);
 }
 
 }  // namespace

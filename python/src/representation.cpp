@@ -40,4 +40,10 @@ std::string representation(py::handle record, const std::vector<const char*>& fi
   return text + ")";
 }
 
+void allowTypeParameter(py::handle record)
+{
+  const py::object classmethod = py::module_::import("builtins").attr("classmethod");
+  record.attr("__class_getitem__") = classmethod(py::module_::import("types").attr("GenericAlias"));
+}
+
 }  // namespace binding

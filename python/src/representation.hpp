@@ -47,4 +47,7 @@ void describeRecord(Class& record, const std::vector<const char*>& fields)
   });
 }
 
+/// Lets annotations name the type that a class is generic in, as in ValueConfidence[bool].
+void allowTypeParameter(pybind11::handle record);
+
 }  // namespace binding

@@ -45,8 +45,7 @@ void bindTimestamped(py::module_& module)
           "__lt__", [](const AnyTimestamped& self, const AnyTimestamped& other) { return self.time < other.time; },
           py::is_operator(), py::arg("other"));
   describeRecord(record, {"time", "value"});
-  record.attr("__class_getitem__") =
-      py::module_::import("builtins").attr("classmethod")(py::module_::import("types").attr("GenericAlias"));
+  allowTypeParameter(record);
 }
 
 }  // namespace binding

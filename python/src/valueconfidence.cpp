@@ -72,8 +72,7 @@ void bindValueConfidence(py::module_& module)
       .def("__iter__", [](const AnyValueConfidence& self) { return asTuple(self).attr("__iter__")(); })
       .def("__hash__", [](const AnyValueConfidence& self) { return py::hash(asTuple(self)); });
   describeRecord(record, {"value", "confidence"});
-  record.attr("__class_getitem__") =
-      py::module_::import("builtins").attr("classmethod")(py::module_::import("types").attr("GenericAlias"));
+  allowTypeParameter(record);
 }
 
 }  // namespace binding
