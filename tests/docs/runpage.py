@@ -68,7 +68,7 @@ class Surroundings:
             **os.environ,
             "PATH": f"{self.programs}:{self.install}/bin:{os.environ['PATH']}",
             "CMAKE_PREFIX_PATH": str(self.install),
-            "PYTHONPATH": f"{self.install}/lib/python3/dist-packages",
+            "PYTHONPATH": f"{BUILD}/python",
             "CXXFLAGS": flags,
             "LDFLAGS": flags,
             "LC_ALL": "C.UTF-8",

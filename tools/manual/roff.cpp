@@ -1,6 +1,8 @@
 #include "roff.hpp"
 
+#include <cstddef>
 #include <sstream>
+#include <utility>
 
 namespace tools
 {
@@ -59,10 +61,12 @@ std::string roffFilled(const std::string& text)
   std::string line;
   for (std::string word; words >> word;)
   {
-    const std::string longer = line.empty() ? word : line + " " + word;
+    std::string longer = line;
+    longer += line.empty() ? "" : " ";
+    longer += word;
     if (line.empty() || roffText(longer).size() <= longest)
     {
-      line = longer;
+      line = std::move(longer);
       continue;
     }
     lines += roffText(line) + "\n";
