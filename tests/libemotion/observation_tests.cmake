@@ -32,4 +32,5 @@ set(OBSERVATION_TESTS
     ramp_test.cpp
     # shared helpers
     age_test.cpp
+    clamp_test.cpp
     diagnostictext_test.cpp)
