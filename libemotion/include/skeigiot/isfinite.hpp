@@ -15,10 +15,10 @@
 /// \file
 /// For the boundary between sensors and library: what is not finite can be kept out there.
 ///
-/// The estimator takes readings as they come. A NaN in a gaze, a head posture, a smile, an expression or a voice ends
-/// up in the valence or the attention and stays there for the life of the person; so may an infinity, and a number so
-/// large that a sum of a few seconds of it is infinite. Person::update() does not look for them, and costs nothing for
-/// it.
+/// The estimator takes readings as they come. A NaN in a voice, or in the smile of somebody who speaks, ends up in the
+/// valence, an infinite pitch of a head in the attention, and stays there for the life of the person; other readings
+/// that are not finite, or so large that a sum of a few seconds of them is infinite, show for seconds. Person::update()
+/// does not look for them, and costs nothing for it.
 ///
 /// \par Thread safety
 ///   The functions are safe from any thread, as far as nobody changes their argument meanwhile.
