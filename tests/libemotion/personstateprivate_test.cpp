@@ -473,6 +473,17 @@ TEST(PersonStatePrivate, DescribesAForceWithoutASource)
   EXPECT_EQ("Applying attention confidence force 1.23457 towards 1", text.text());
 }
 
+TEST(PersonStatePrivate, DescribesForcesOfSourcesOfAnyLength)
+{
+  for (std::size_t length = 1; length < 2000; ++length)
+  {
+    const std::string source(length, 'x');
+    KV::DiagnosticText text;
+    KV::describeForce(text, "valence", -1.23456e-38f, -1.23456e-36f, source);
+    ASSERT_EQ("Applying valence force -1.23456e-34 towards -1.23456e-38 (" + source + ")", text.text());
+  }
+}
+
 TEST(PersonStatePrivate, StoresTheZoneUnderTheMutexOfTheAttention)
 {
   PersonStatePrivate state;

@@ -8,6 +8,7 @@
 
 #include <ko/log.hpp>
 
+#include <boost/container/flat_map.hpp>
 #include <boost/function.hpp>
 #include <boost/smart_ptr/weak_ptr.hpp>
 
@@ -24,6 +25,23 @@
 #include <thread>
 #include <type_traits>
 #include <vector>
+
+namespace support
+{
+
+using Persons = boost::container::flat_map<int, KV::Person>;
+
+Persons& personsOf(KV::SocialGraph& graph);
+
+template <Persons KV::SocialGraph::*persons>
+struct RevealedPersons
+{
+  friend Persons& personsOf(KV::SocialGraph& graph) { return graph.*persons; }
+};
+
+template struct RevealedPersons<&KV::SocialGraph::_persons>;  // may name what is private
+
+}  // namespace support
 
 namespace
 {
@@ -370,6 +388,23 @@ TEST(SocialGraph, KeepsAPersonWhoIsBeingReadWhileSomebodyRemovesThem)
 
   EXPECT_TRUE(isThere);
   EXPECT_THAT(graph.persons(), IsEmpty());
+}
+
+TEST(SocialGraph, TakesNobodyInWhileSomebodyIsBeingRead)
+{
+  SocialGraph graph;
+  graph.add(1);
+  std::future<void> added;
+  std::size_t count = 0;
+  graph.read(1, [&](const Person&) {
+    added = std::async(std::launch::async, [&graph] { graph.add(2); });
+    EXPECT_EQ(std::future_status::timeout, added.wait_for(std::chrono::milliseconds(20)));
+    count = support::personsOf(graph).size();
+  });
+  added.get();
+
+  EXPECT_EQ(1U, count);
+  EXPECT_THAT(identifiersIn(graph), ElementsAre(1, 2));
 }
 
 TEST(SocialGraph, LosesNoUpdateOfSeveralThreads)
