@@ -1,0 +1,87 @@
+#include "notedreading.hpp"
+
+#include "entries.hpp"
+#include "scriptedreader.hpp"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using namespace replaytests;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using tools::NotedReading;
+using Step = NotedReading::Step;
+
+/// Reads to the end; returns what became of each step.
+std::vector<Step> stepsOf(NotedReading& reading)
+{
+  std::vector<Step> steps;
+  boost::optional<tools::RecordingEntry> entry;
+  do
+  {
+    steps.push_back(reading.next(entry));
+    EXPECT_EQ(steps.back() == Step::Taken, entry.has_value());
+  } while (steps.back() != Step::End);
+  return steps;
+}
+
+TEST(NotedReading, HasNothingToSayOfAGoodRecording)
+{
+  ScriptedReader reader({ScriptedReader::entry(entryAt(0)), ScriptedReader::entry(entryAt(1))});
+  NotedReading reading(reader, false);
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::Taken, Step::Taken, Step::End));
+  EXPECT_FALSE(reading.error());
+  EXPECT_THAT(reading.warnings(), IsEmpty());
+  EXPECT_EQ("", reading.skippedText());
+}
+
+TEST(NotedReading, EndsAtABadLineAndKeepsItsError)
+{
+  ScriptedReader reader({ScriptedReader::badLine(7), ScriptedReader::entry(entryAt(0))});
+  NotedReading reading(reader, false);
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::End));
+  ASSERT_TRUE(reading.error());
+  EXPECT_EQ(7u, reading.error()->place().line);
+  EXPECT_STREQ("face.csv:7: pose_Rx: expected a number, found 'abc'", reading.error()->what());
+}
+
+TEST(NotedReading, SkipsBadLinesWhereItMayAndCountsThem)
+{
+  ScriptedReader reader({ScriptedReader::badLine(2), ScriptedReader::entry(entryAt(0)), ScriptedReader::badLine(4)});
+  NotedReading reading(reader, true);
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::Skipped, Step::Taken, Step::Skipped, Step::End));
+  EXPECT_FALSE(reading.error());
+  EXPECT_EQ("skipped 2 bad lines, the first: face.csv:2: pose_Rx: expected a number, found 'abc'",
+            reading.skippedText());
+}
+
+TEST(NotedReading, EndsWhereTheFileIsDamagedThoughItMaySkipBadLines)
+{
+  ScriptedReader reader({ScriptedReader::damage(3)});
+  NotedReading reading(reader, true);
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::End));
+  ASSERT_TRUE(reading.error());
+  EXPECT_STREQ("face.csv:3: damaged", reading.error()->what());
+}
+
+TEST(NotedReading, KeepsTheFirstTenWarningsAndCountsTheRest)
+{
+  std::vector<std::string> warnings;
+  for (int number = 1; number <= 12; ++number)
+    warnings.push_back("warning " + std::to_string(number));
+  ScriptedReader reader({}, warnings);
+  NotedReading reading(reader, false);
+  stepsOf(reading);
+  const std::vector<std::string> lines = reading.warnings();
+  ASSERT_EQ(11u, lines.size());
+  EXPECT_EQ("warning 1", lines.front());
+  EXPECT_EQ("warning 10", lines[9]);
+  EXPECT_EQ("2 more warnings", lines.back());
+}
+
+}  // namespace
