@@ -38,6 +38,31 @@ KV::PersonObservation everything()
   return seen;
 }
 
+const char* name(KV::Quantity quantity)
+{
+  switch (quantity)
+  {
+    case KV::ValenceQuantity:
+      return "valence";
+    case KV::ValenceConfidenceQuantity:
+      return "valence confidence";
+    case KV::AttentionQuantity:
+      return "attention";
+    case KV::AttentionConfidenceQuantity:
+      return "attention confidence";
+    default:
+      return "unsmoothed";
+  }
+}
+
+void printQuantities(const KV::PersonObservation& observation)
+{
+  KV::Person person(1);
+  const KV::ScopedForceObserver observer(
+      [](const KV::Force& force) { std::cout << force.source << '|' << name(force.quantity) << '\n'; });
+  person.update(observation);
+}
+
 void printUpdate(const KV::PersonObservation& observation)
 {
   KV::Person person(1);
@@ -57,16 +82,18 @@ void printUpdate(const KV::PersonObservation& observation)
 
 }  // namespace
 
-int main()
+int main(int argc, char** argv)
 {
   ko::ManualClock clock(start);
   const ko::ScopedClockSource scope(clock);
+  const bool wantsQuantities = argc > 1 && std::string(argv[1]) == "--quantities";
+  const auto print = wantsQuantities ? printQuantities : printUpdate;
 
   KV::PersonObservation seen = everything();
-  printUpdate(seen);
+  print(seen);
   seen.expressions->value.joy.value = std::numeric_limits<float>::quiet_NaN();  // no class wins
-  printUpdate(seen);
+  print(seen);
   seen.speaking = KV::Timestamped(start, true);
-  printUpdate(seen);
-  printUpdate({});
+  print(seen);
+  print({});
 }

@@ -1,8 +1,10 @@
 """The curves in the pictures of the documentation are those that the library prints now."""
 
 import csv
+import html
 import importlib.util
 import math
+import re
 import tempfile
 import unittest
 from pathlib import Path
@@ -25,6 +27,20 @@ class Curves(unittest.TestCase):
         for (curve, x, y), (_, _, now) in zip(kept, printed):
             # 2e-6: six digits are printed; tanh and erf of another library may differ in the last of them.
             self.assertTrue(math.isclose(y, now, abs_tol=2e-6), f"{curve} at {x}: {y}, now {now}; run script/plot-curves")
+
+
+class PictureOfAnUpdate(unittest.TestCase):
+    def test_has_the_sources_and_what_they_pull(self):
+        with tempfile.NamedTemporaryFile("w", suffix=".txt") as sources:
+            sources.write(run(BUILD / "docs" / "plots" / "printsources", "--quantities"))
+            sources.flush()
+            dot = run("/usr/bin/python3", ROOT / "docs" / "plots" / "pipeline.py", sources.name)
+        nodes = re.findall(r'^  "([^"]+)" \[fillcolor', dot, re.MULTILINE)
+        arrows = [f"{a}->{b}" for a, b in re.findall(r'^  "([^"]+)" -> "([^"]+)"', dot, re.MULTILINE)]
+        picture = (IMAGES / "pipeline.svg").read_text()
+        shown = [html.unescape(title) for title in re.findall(r"<title>(.*?)</title>", picture)]
+        self.assertEqual(sorted(["update", *nodes, *arrows]), sorted(shown), "run script/plot-curves")
+        self.assertGreater(len(arrows), 30)
 
 
 @unittest.skipUnless(importlib.util.find_spec("matplotlib"), "matplotlib is not installed")
