@@ -51,6 +51,9 @@ from ._skeigiot import (
     ZoneChange,
     ZoneEvidence,
     attentionZonesStringMapping,
+    greatestReading,
+    isFinite,
+    leaveOutNonFinite,
 )
 from .ko import AttentionState, ClockSource, ManualClock, ScopedClockSource, SystemClock
 
@@ -103,7 +106,10 @@ __all__ = [
     "ZoneEvidence",
     "attentionZonesStringMapping",
     "classification",
+    "greatestReading",
+    "isFinite",
     "ko",
+    "leaveOutNonFinite",
     "replay",
     "replay_all",
     "restoredBoundaries",

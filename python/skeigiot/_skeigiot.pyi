@@ -298,6 +298,15 @@ class PersonObservation:
     ) -> None: ...
     def __eq__(self, other: object) -> bool: ...
 
+greatestReading: float
+
+def isFinite(
+    reading: Union[
+        Gaze, HeadPosture, RobotHeadPosture, Smile, Expressions, FacialPoints, ContextEmotion, PersonObservation
+    ]
+) -> bool: ...
+def leaveOutNonFinite(observation: PersonObservation) -> int: ...
+
 # --- Memories
 
 class ShortTermMemory(Generic[_T]):

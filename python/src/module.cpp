@@ -36,7 +36,7 @@ PYBIND11_MODULE(_skeigiot, module)
   using namespace binding;
   under("skeigiot", bindEnumerations);
   under("skeigiot.ko", bindTimes, bindClock, bindLog);
-  under("skeigiot", bindRecords, bindFacialPoints, bindObservation, bindMemory, bindRamp);
+  under("skeigiot", bindRecords, bindFacialPoints, bindObservation, bindFinite, bindMemory, bindRamp);
   under("skeigiot.classification", bindClassification);
   under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindGraph, bindRecorder, bindForces,
         bindReplay);

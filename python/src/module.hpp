@@ -16,6 +16,7 @@ void bindLog(pybind11::module_& module);
 void bindRecords(pybind11::module_& module);
 void bindFacialPoints(pybind11::module_& module);
 void bindObservation(pybind11::module_& module);
+void bindFinite(pybind11::module_& module);
 void bindMemory(pybind11::module_& module);
 void bindRamp(pybind11::module_& module);
 void bindClassification(pybind11::module_& module);

@@ -1,0 +1,119 @@
+"""Memories of readings."""
+
+from datetime import timedelta
+from typing import Any
+
+import pytest
+import skeigiot as kv
+from skeigiot import ko
+
+from observation_test import EVERY_READING
+
+SECOND = 1000000000
+
+KINDS = [
+    (kv.HeadPosture, "headPosture"),
+    (float, "distance"),
+    (bool, "speaking"),
+    (kv.Smile, "smile"),
+    (kv.Gaze, "gaze"),
+    (kv.Expressions, "expressions"),
+    (kv.ValueConfidence[bool], "gender"),
+    (kv.ValueConfidence[int], "age"),
+    (kv.FacialPoints, "facialPoints"),
+    (int, "touchEmotion"),
+    (kv.ContextEmotion, "contextEmotion"),
+    (kv.RobotHeadPosture, "robotHeadPosture"),
+]
+
+
+@pytest.mark.parametrize("kind, name", KINDS, ids=[name for _, name in KINDS])
+def test_there_is_a_memory_of_each_kind_of_reading(kind: Any, name: str) -> None:
+    memory = kv.ShortTermMemory(kind, timedelta(seconds=7))
+    with ko.ManualClock(0):
+        memory.record((5, EVERY_READING[name]))
+
+        assert memory.youngest() == kv.Timestamped(5, EVERY_READING[name])
+        assert memory.records() == [kv.Timestamped(5, EVERY_READING[name])]
+
+
+@pytest.mark.parametrize("kind", [str, kv.Person, kv.ValueConfidence, kv.ValueConfidence[float], None])
+def test_there_is_no_memory_of_anything_else(kind: Any) -> None:
+    with pytest.raises(TypeError, match="there is no memory of"):
+        kv.ShortTermMemory(kind, timedelta(seconds=7))
+
+
+def test_a_memory_of_one_kind_refuses_another() -> None:
+    memory = kv.ShortTermMemory(kv.Smile, timedelta(seconds=7))
+    with pytest.raises(TypeError, match="a reading of this memory cannot be"):
+        memory.record(kv.Gaze())  # type: ignore[arg-type]
+
+    assert memory.records() == []
+
+
+def test_an_empty_memory_has_no_youngest_record() -> None:
+    memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+
+    with pytest.raises(LookupError) as raised:
+        memory.youngest()
+    assert str(raised.value) == "The ShortTermMemory is empty."
+
+
+def test_records_are_kept_newest_first_and_one_for_each_time() -> None:
+    memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+    with ko.ManualClock(3 * SECOND):
+        memory.record((1 * SECOND, 0.25))
+        memory.record((3 * SECOND, 0.75))
+        memory.record((2 * SECOND, 0.5))
+        memory.record((2 * SECOND, 9.0))
+
+        assert [record.value for record in memory.records()] == [0.75, 0.5, 0.25]
+        assert memory.youngest().value == 0.75
+
+
+def test_a_plain_value_is_of_the_current_time() -> None:
+    memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+    with ko.ManualClock(3 * SECOND):
+        memory.record(0.5)
+
+        assert memory.youngest() == kv.Timestamped(3 * SECOND, 0.5)
+
+
+def test_old_records_are_forgotten_when_the_memory_is_read() -> None:
+    memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+    with ko.ManualClock(0) as clock:
+        memory.record(0.5)
+        clock.advance(timedelta(seconds=8))
+        assert memory._isTooOld((0, 0.5))
+        assert len(memory.records()) == 1
+        with pytest.raises(LookupError):
+            memory.youngest()
+        assert memory.records() == []
+
+
+def test_a_memory_forgets_when_told_to() -> None:
+    memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+    with ko.ManualClock(0) as clock:
+        memory.record(0.5)
+        clock.advance(8 * SECOND)
+        memory._forgetOld()
+
+    assert memory.records() == []
+
+
+def test_a_horizon_is_whole_milliseconds() -> None:
+    assert kv.ShortTermMemory(float, timedelta(seconds=7)).horizon() == timedelta(seconds=7)
+    assert kv.ShortTermMemory(float, 7 * SECOND).horizon() == timedelta(seconds=7)
+    with pytest.raises(ValueError, match="whole milliseconds"):
+        kv.ShortTermMemory(float, timedelta(microseconds=1))
+    with pytest.raises(TypeError):
+        kv.ShortTermMemory(float, 7.0)  # type: ignore[arg-type]
+
+
+def test_a_person_memory_is_read_by_the_estimate() -> None:
+    person = kv.Person()
+    with ko.ManualClock(SECOND):
+        person.personMemory.add(kv.PersonObservation(touchEmotion=1))
+        person._updateOnlineModels(kv.PersonObservation())
+
+    assert person.personState.valence.value > 0.6
