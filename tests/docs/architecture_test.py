@@ -7,9 +7,9 @@ import unittest
 
 from support import ROOT
 
-spec = importlib.util.spec_from_file_location("architecture", ROOT / "docs" / "plots" / "architecture.py")
-architecture = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(architecture)
+found = importlib.util.spec_from_file_location("architecture", ROOT / "docs" / "plots" / "architecture.py")
+architecture = importlib.util.module_from_spec(found)
+found.loader.exec_module(architecture)
 
 
 class Architecture(unittest.TestCase):
