@@ -35,7 +35,9 @@ public:
   /// given again.
   ///
   /// \par Thread safety
-  ///   Takes the mutex of one memory at a time, never two at once; another thread may see the observation half filed.
+  ///   Takes the mutex of one memory at a time, never two at once; another thread that reads a memory under its mutex
+  ///   may see the observation half filed. Add to one record from one thread at a time, since what was filed is looked
+  ///   at again without the mutex.
   void add(const PersonObservation& observation);
 
   boost::shared_ptr<PersonMemoryPrivate> _p;  ///< the shared record, for the library's own components

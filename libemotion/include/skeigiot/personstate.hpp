@@ -45,8 +45,11 @@ SKEIGIOT_API extern const std::map<ko::human::AttentionState, std::string> atten
 
 /// The estimated emotional and attentional state of one person.
 ///
-/// A handle: copies share the record, so an update through one is seen through all. Queries take no lock of the record
-/// and may see it in the middle of an update on another thread.
+/// A handle: copies share the record, so an update through one is seen through all.
+///
+/// \par Thread safety
+///   Update one record from one thread at a time. Queries take no lock of the record: whoever asks while another thread
+///   updates has a data race, and may see the record in the middle of it. SocialGraph keeps the two apart.
 class SKEIGIOT_API PersonState
 {
 public:
