@@ -1,5 +1,6 @@
 """The pages that say how to start run as they stand."""
 
+import re
 import tempfile
 import unittest
 from pathlib import Path
@@ -22,6 +23,16 @@ class Pages(unittest.TestCase):
     @unittest.skipUnless((BUILD / "python" / "skeigiot").exists(), "the Python module is not built")
     def test_getting_started_in_python(self):
         self.run_page("getting-started-python.md")
+
+    @unittest.skipUnless((BUILD / "python" / "skeigiot").exists(), "the Python module is not built")
+    def test_python_in_the_readme(self):
+        recordings = re.findall(r"^```csv \S+\n.*?^```$", (ROOT / "docs" / "getting-started-command.md").read_text(),
+                                re.MULTILINE | re.DOTALL)
+        program = re.search(r"^```python\n(.*?)^```$", (ROOT / "README.md").read_text(), re.MULTILINE | re.DOTALL)
+        page = [*recordings, f"```python readme.py\n{program.group(1)}print(len(frame) > 0)\n```",
+                "```console\n$ python3 readme.py\nTrue\n```"]
+        with tempfile.TemporaryDirectory() as work:
+            run_page("\n\n".join(page) + "\n", Surroundings(Path(work)))
 
 
 class Runner(unittest.TestCase):
