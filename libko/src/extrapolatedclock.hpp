@@ -40,6 +40,8 @@ private:
   static constexpr std::int64_t holdable = 500;      // [ns] the clock waits rather than go back by up to this much
   static constexpr double steadiness = 1e-3;         // two rates agree if they differ by no more than this share
   static constexpr double caution = 3e-5;            // the clock is run this much too slow, so as not to overtake
+  static constexpr double shortestTick = 1e-3;       // [ns] a counter that went back seems to have ticked for centuries
+  static constexpr double longestTick = 1e5;         // [ns] one that hardly moves is of no use
   static constexpr int attempts = 3;
 
   struct Anchor
@@ -77,6 +79,7 @@ private:
     const double nanosecondsPerTick =
         static_cast<double>(elapsed) / static_cast<double>(fresh.counter - _anchor.counter);
     const bool isSteady = std::fabs(nanosecondsPerTick - _nanosecondsPerTick) <= steadiness * _nanosecondsPerTick;
+    const bool isUsable = nanosecondsPerTick > shortestTick && nanosecondsPerTick < longestTick;
     const bool isTight = static_cast<double>(fresh.bracket) * nanosecondsPerTick < static_cast<double>(looseBracket);
 
     const std::int64_t latestShown = _anchorTime + (rateIsSought ? 0 : _nanoseconds(_validTicks));
@@ -84,7 +87,7 @@ private:
     _anchor = fresh;
     _anchorTime = wait > 0 && wait < holdable ? latestShown : fresh.systemTime;
     _nanosecondsPerTick = nanosecondsPerTick;
-    if (isSteady && isTight)
+    if (isSteady && isUsable && isTight)
       _run(nanosecondsPerTick);
     else
       _validTicks = 0;
