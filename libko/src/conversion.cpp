@@ -151,6 +151,7 @@ void Conversion::_fill(const ValueView& target, const ValueView& source, const P
     case TypeKind::Dynamic:
       return _fillDynamic(target, source, place);
   }
+  throwMisfit(target, source, place);  // a target of a kind that is not known here
 }
 
 void Conversion::_fillBool(const ValueView& target, const ValueView& source, const Place& place) const

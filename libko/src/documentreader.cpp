@@ -32,34 +32,34 @@ bool holds(const Value& value)
 
 bool DocumentReader::null()
 {
-  return _count() && _place(Value());
+  return _add(Value());
 }
 
 bool DocumentReader::boolean(bool value)
 {
-  return _add(value);
+  return _add(Value::from(value));
 }
 
 bool DocumentReader::number_integer(Number::number_integer_t value)
 {
-  return _add(value);
+  return _add(Value::from(value));
 }
 
 bool DocumentReader::number_unsigned(Number::number_unsigned_t value)
 {
   if (value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
-    return _add(value);
-  return _add(static_cast<std::int64_t>(value));
+    return _add(Value::from(value));
+  return _add(Value::from(static_cast<std::int64_t>(value)));
 }
 
 bool DocumentReader::number_float(Number::number_float_t value, const Number::string_t&)
 {
-  return _add(value);
+  return _add(Value::from(value));
 }
 
 bool DocumentReader::string(Number::string_t& text)
 {
-  return isUtf8(text) ? _add(text) : _refuse("the text is not UTF-8");
+  return isUtf8(text) ? _add(Value::from(text)) : _refuse("the text is not UTF-8");
 }
 
 bool DocumentReader::binary(Number::binary_t&)
@@ -103,8 +103,8 @@ bool DocumentReader::parse_error(std::size_t, const std::string&, const Number::
   _isCutOff = error.id == unexpectedEnd;
   // The text begins with the library's own name for the exception, in brackets.
   const std::string_view text = error.what();
-  const std::size_t nameEnd = text.find("] ");
-  return _refuse(shortened(nameEnd == std::string_view::npos ? text : text.substr(nameEnd + 2), longestError));
+  constexpr std::string_view nameEnd = "] ";
+  return _refuse(shortened(text.substr(text.find(nameEnd) + nameEnd.size()), longestError));
 }
 
 std::string DocumentReader::path() const
@@ -118,6 +118,14 @@ std::string DocumentReader::path() const
       appendElement(path, static_cast<const List*>(container.value.storage())->size());
   }
   return path;
+}
+
+bool DocumentReader::_add(Value leaf)
+{
+  if (!_count())
+    return false;
+  _place(std::move(leaf));
+  return true;
 }
 
 template <typename T>
@@ -135,21 +143,23 @@ bool DocumentReader::_close()
 {
   Value value = std::move(_containers.back().value);
   _containers.pop_back();
-  return _place(std::move(value));
+  _place(std::move(value));
+  return true;
 }
 
 bool DocumentReader::_count()
 {
-  return ++_values <= wirelimits::values ||
-         _refuse("more than " + std::to_string(wirelimits::values) + " values in a document");
+  if (++_values > wirelimits::values)
+    return _refuse("more than " + std::to_string(wirelimits::values) + " values in a document");
+  return true;
 }
 
-bool DocumentReader::_place(Value value)
+void DocumentReader::_place(Value value)
 {
   if (_containers.empty())
   {
     _document = std::move(value);
-    return true;
+    return;
   }
   Container& container = _containers.back();
   if (container.key)
@@ -159,7 +169,6 @@ bool DocumentReader::_place(Value value)
   }
   else
     contentsOf<List>(container.value).push_back(std::move(value));
-  return true;
 }
 
 bool DocumentReader::_refuse(const std::string& error)

@@ -60,16 +60,12 @@ private:
     std::optional<std::string> key;  ///< of the element that comes next, in a map after its key
   };
 
-  template <typename T>
-  bool _add(const T& leaf)
-  {
-    return _count() && _place(Value::from(leaf));
-  }
+  bool _add(Value leaf);
   template <typename T>
   bool _open();
   bool _close();
   bool _count();
-  bool _place(Value value);
+  void _place(Value value);
   bool _refuse(const std::string& error);
 
   std::vector<Container> _containers;  // from the outermost to the innermost

@@ -95,26 +95,12 @@ void passOver(HandlerId id)
     found->second->isRemoved = true;
 }
 
+/// Names a level whose records go to standard error.
 const char* levelName(Level level)
 {
-  switch (level)
-  {
-    case Level::Silent:
-      return "silent";
-    case Level::Fatal:
-      return "fatal";
-    case Level::Error:
-      return "error";
-    case Level::Warning:
-      return "warning";
-    case Level::Info:
-      return "info";
-    case Level::Verbose:
-      return "verbose";
-    case Level::Debug:
-      return "debug";
-  }
-  return "unknown level";
+  if (level == Level::Fatal)
+    return "fatal";
+  return level == Level::Error ? "error" : "warning";
 }
 
 void writeToStandardError(const Record& record)

@@ -11,7 +11,4 @@ namespace ko
 /// extrapolatedclock.hpp.
 std::int64_t wallClockNow();
 
-/// Tells whether wallClockNow() uses the processor's counter on this machine.
-bool wallClockUsesCounter();
-
 }  // namespace ko

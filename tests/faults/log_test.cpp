@@ -177,6 +177,11 @@ TEST_F(FailingLog, RemovesAHandlerEvenWithoutMemory)
     ko::log::removeHandler(id);
     EXPECT_TRUE(fault.happened());
   }
+  {
+    const faults::AllocationFault fault(0);
+    ko::log::removeHandler(id + 1000);  // which there is not
+    EXPECT_TRUE(fault.happened());
+  }
   const support::CapturedStandardError errors;
   logOne();
   EXPECT_EQ(0, calls);

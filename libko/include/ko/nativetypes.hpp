@@ -165,15 +165,15 @@ public:
 
   bool set([[maybe_unused]] void* storage, std::size_t index, [[maybe_unused]] void* value) const override
   {
-    return ((I == index && assign(std::get<I>(this->object(storage)), value)) || ...);
+    ((I == index ? assign(std::get<I>(this->object(storage)), value) : void()), ...);
+    return index < sizeof...(I);
   }
 
 private:
   template <typename Member>
-  static bool assign(Member& member, void* value)
+  static void assign(Member& member, void* value)
   {
     member = *static_cast<const Member*>(value);
-    return true;
   }
 };
 

@@ -118,6 +118,12 @@ INSTANTIATE_TEST_SUITE_P(
                       ReadCase{"LargestFloatBytes", "fa7f7fffff", Value::from(3.4028234663852886e38)}),
     support::RowName());
 
+TEST(Cbor, KeepsTheSignOfZero)
+{
+  EXPECT_TRUE(std::signbit(ko::cbor::decode<float>(bytesOf("fa80000000"))));
+  EXPECT_TRUE(std::signbit(ko::cbor::decode<double>(bytesOf("f98000"))));
+}
+
 TEST(Cbor, IsReadByClassNameAlone)
 {
   const Value value = ko::cbor::decode(bytesOf("a2 6179 02 6178 01"), ko::findStruct("shapes::Point"));
@@ -195,6 +201,9 @@ INSTANTIATE_TEST_SUITE_P(
                       RefusalCase{"KeyThatIsNotUtf8", "a1 61ff 01", "a key is not UTF-8"},
                       RefusalCase{"TextThatIsNotUtf8", "82 01 62c328", "[1]: the text is not UTF-8"},
                       RefusalCase{"TextWithASurrogate", "63eda080", "the text is not UTF-8"},
+                      RefusalCase{"TextWithALongFormOfASlash", "62c0af", "the text is not UTF-8"},
+                      RefusalCase{"TextBeyondUnicode", "64f4908080", "the text is not UTF-8"},
+                      RefusalCase{"TextThatEndsInACharacter", "62e282", "the text is not UTF-8"},
                       RefusalCase{"ChunkInAChunk", "81 7f 7f 6161 ff ff",
                                   "[0]: at byte 3: a chunk of a string is not a string of definite length"},
                       RefusalCase{"ChunkOfAnotherType", "7f 4161 ff",
@@ -241,11 +250,24 @@ TEST(Cbor, NamesTheDepthWhereAFaultComesAfterIt)
   EXPECT_THAT(refusal(bytes), ::testing::EndsWith("nested deeper than 64 levels"));
 }
 
-TEST(Cbor, RefusesTooManyValues)
+/// A list of as many values of one byte as a document may have, itself not counted.
+Bytes listOfTooMany(std::uint8_t value)
 {
   Bytes bytes = bytesOf("9a 00100000");
-  bytes.insert(bytes.end(), ko::wirelimits::values, 0xF6);
-  EXPECT_EQ("[1048575]: more than 1048576 values in a document", refusal(bytes));
+  bytes.insert(bytes.end(), ko::wirelimits::values, value);
+  return bytes;
+}
+
+TEST(Cbor, RefusesTooManyValues)
+{
+  constexpr std::uint8_t null = 0xF6;
+  EXPECT_EQ("[1048575]: more than 1048576 values in a document", refusal(listOfTooMany(null)));
+}
+
+TEST(Cbor, CountsListsAsValues)
+{
+  constexpr std::uint8_t emptyList = 0x80;
+  EXPECT_EQ("[1048575]: more than 1048576 values in a document", refusal(listOfTooMany(emptyList)));
 }
 
 TEST(Cbor, RefusesWhatIsTooLong)

@@ -1,4 +1,5 @@
 #include "shapes.hpp"
+#include "stranger.hpp"
 
 #include <ko/value.hpp>
 
@@ -33,8 +34,8 @@ TEST(Comparison, OrdersByKindFirst)
 {
   expectAscending({Value(), Value::from(true), Value::from(1), Value::from(0.5), Value::from("a"),
                    Value::from(std::vector<int>{1}), Value::from(std::map<int, int>{{1, 1}}),
-                   Value::from(std::optional<int>(1)), Value::from(std::make_pair(1, 2)),
-                   Value::from(shapes::Point())});
+                   Value::from(std::optional<int>(1)), Value::from(std::make_pair(1, 2)), Value::from(shapes::Point()),
+                   Value::ofType(&strangers::strangerType)});
 }
 
 TEST(Comparison, OrdersIntegersByValueWhateverTheirWidthAndSign)

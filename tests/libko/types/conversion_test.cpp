@@ -1,4 +1,5 @@
 #include "shapes.hpp"
+#include "stranger.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
 
@@ -144,6 +145,20 @@ INSTANTIATE_TEST_SUITE_P(
                 "expected int64, got nothing"}),
     support::RowName());
 
+TEST(ConversionToInteger, ReachesTheEndsOfUint64)
+{
+  constexpr std::uint64_t greatest = std::numeric_limits<std::uint64_t>::max();
+  EXPECT_EQ("18446744073709551615", converted<std::uint64_t>(Value::from(greatest)));
+  EXPECT_EQ("0", converted<std::uint64_t>(Value::from(-0.0)));
+  EXPECT_EQ("9223372036854775808", converted<std::uint64_t>(Value::from(0x1p63)));
+  EXPECT_EQ("18446744073709549568", converted<std::uint64_t>(Value::from(std::nextafter(0x1p64, 0))));
+  EXPECT_EQ("18446744073709551616 does not fit into uint64", converted<std::uint64_t>(Value::from(0x1p64)));
+  EXPECT_EQ("-1 does not fit into uint64", converted<std::uint64_t>(Value::from(-1)));
+  EXPECT_EQ("-1 does not fit into uint64", converted<std::uint64_t>(Value::from(-1.0)));
+  EXPECT_EQ("-9223372036854777856 does not fit into int64",
+            converted<std::int64_t>(Value::from(std::nextafter(-0x1p63, -HUGE_VAL))));
+}
+
 TEST(ConversionToFloat, RoundsToTheNearest)
 {
   EXPECT_EQ(0.1f, Value::from(0.1).to<float>());
@@ -163,6 +178,9 @@ TEST(ConversionToFloat, RefusesWhatWouldRoundToInfinity)
   constexpr double firstBeyond = 0x1.ffffffp+127;
   EXPECT_EQ(std::numeric_limits<float>::max(), Value::from(std::nextafter(firstBeyond, 0)).to<float>());
   EXPECT_EQ("3.4028235677973366e+38 does not fit into float", misfit<float>(Value::from(firstBeyond)));
+  EXPECT_EQ(std::numeric_limits<float>::lowest(), Value::from(-std::nextafter(firstBeyond, 0)).to<float>());
+  EXPECT_EQ("-3.4028235677973366e+38 does not fit into float", misfit<float>(Value::from(-firstBeyond)));
+  EXPECT_EQ(firstBeyond, Value::from(firstBeyond).to<double>());
 }
 
 TEST(ConversionToFloat, RefusesEverythingElse)
@@ -175,12 +193,17 @@ TEST(ConversionToFloat, RefusesEverythingElse)
 TEST(Conversion, TakesOnlyTruthsForTruths)
 {
   EXPECT_TRUE(Value::from(true).to<bool>());
+  EXPECT_FALSE(Value::from(false).to<bool>());
+  EXPECT_EQ((std::vector<std::optional<bool>>{true, false}),
+            Value::from(std::make_pair(true, false)).to<std::vector<std::optional<bool>>>());
   EXPECT_EQ("expected bool, got int32", misfit<bool>(Value::from(1)));
+  EXPECT_EQ("expected bool, got nothing", misfit<bool>(Value()));
 }
 
 TEST(Conversion, TakesOnlyTextsForTexts)
 {
   EXPECT_EQ("expected string, got int32", misfit<std::string>(Value::from(1)));
+  EXPECT_EQ("expected string, got nothing", misfit<std::string>(Value()));
 }
 
 TEST(Conversion, TakesListsElementByElement)
@@ -305,12 +328,32 @@ TEST(Conversion, NamesThePathOfTheMemberThatDoesNotFit)
   }
 }
 
-TEST(Conversion, ShortensWhatIsFarTooLong)
+TEST(Conversion, ShortensNamesOfMoreThan64Characters)
 {
-  std::map<std::string, int> strange;
-  for (int i = 0; i < 1000; ++i)
-    strange[std::string(1000, 'a') + std::to_string(i)] = i;
-  EXPECT_LT(misfit<Point>(Value::from(strange)).size(), 3000U);
+  const std::string name(64, 'n');
+  EXPECT_EQ("::shapes::Point has the members (x, y), the other side has (" + name + ", " + name + "...)",
+            misfit<Point>(Value::from(std::map<std::string, int>{{name, 1}, {name + "n", 2}})));
+  EXPECT_EQ(name + "...: expected int32, got bool",
+            (misfit<std::map<std::string, int>>(Value::from(std::map<std::string, bool>{{name + "n", true}}))));
+}
+
+/// What is said of a point that is made from as many members, "10", "11" and so on.
+std::string misfitOfMembers(int count)
+{
+  std::map<std::string, int> members;
+  for (int i = 10; i < 10 + count; ++i)
+    members[std::to_string(i)] = i;
+  return misfit<Point>(Value::from(members));
+}
+
+TEST(Conversion, ListsNoMoreThan32Names)
+{
+  const std::string names =
+      "10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, "
+      "26, 27, 28, 29, 30, 31, 32, 33, 34, 35, 36, 37, 38, 39, 40, 41";
+  const std::string text = "::shapes::Point has the members (x, y), the other side has (" + names;
+  EXPECT_EQ(text + ")", misfitOfMembers(32));
+  EXPECT_EQ(text + ", ...)", misfitOfMembers(33));
 }
 
 TEST(Conversion, CopiesWhatIsOfTheTypeAlready)
@@ -326,6 +369,21 @@ TEST(Conversion, CopiesWhatIsOfTheTypeInsideAnOptional)
 {
   const shapes::Canvas canvas;
   EXPECT_EQ(canvas.record, Value::from(std::optional<shapes::Canvas>(canvas)).to<shapes::Canvas>().record);
+}
+
+TEST(Conversion, NamesThePlaceWhoseTypeIsNotRegistered)
+{
+  struct Unregistered
+  {};
+  ko::TypeInterface* const list = ko::typeOf<std::vector<Unregistered>>();
+  EXPECT_EQ("[0]: the type is not registered",
+            textThrownBy<ko::TypeError>([&] { (void)Value::from(std::vector<int>{1}).convertedTo(list); }));
+}
+
+TEST(Conversion, RefusesATargetOfAKindThatIsNotKnown)
+{
+  EXPECT_EQ("expected a type of unknown kind, got int32",
+            textThrownBy<ko::TypeError>([] { (void)Value::from(1).convertedTo(&strangers::strangerType); }));
 }
 
 TEST(Conversion, NeedsATarget)

@@ -1,4 +1,5 @@
 #include "shapes.hpp"
+#include "stranger.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
 
@@ -94,6 +95,13 @@ TEST(Json, KeepsTheFloatWhoseOwnDigitsAreANeighboursInDouble)
   ASSERT_NE(number, static_cast<float>(7.038531e-26));
   EXPECT_EQ("7.038530691851209e-26", ko::json::encode(Value::from(number)));
   EXPECT_EQ(number, ko::json::decode<float>(ko::json::encode(Value::from(number))));
+}
+
+TEST(Json, KeepsTheSignOfZero)
+{
+  EXPECT_TRUE(std::signbit(ko::json::decode<double>(ko::json::encode(Value::from(-0.0)))));
+  EXPECT_TRUE(std::signbit(ko::json::decode<float>(ko::json::encode(Value::from(-0.f)))));
+  EXPECT_FALSE(std::signbit(ko::json::decode<double>(ko::json::encode(Value::from(0.0)))));
 }
 
 TEST(Json, IsIndentedOnDemand)
@@ -221,6 +229,12 @@ TEST(Json, IsNotWrittenFromAHandleWithoutARecord)
   canvas.record.reset();
   EXPECT_EQ("[0]: the handle has no record",
             textThrownBy<ko::TypeError>([&] { ko::json::encode(Value::from(std::vector<shapes::Canvas>{canvas})); }));
+}
+
+TEST(Json, HasNullForWhatIsOfAKindThatIsNotKnown)
+{
+  EXPECT_EQ("[1,null]",
+            ko::json::encode(Value::from(std::vector<Value>{Value::from(1), Value::ofType(&strangers::strangerType)})));
 }
 
 TEST(Json, NeedsATypeToReadInto)

@@ -68,6 +68,42 @@ TYPED_TEST(EveryNativeType, OrdersByAddress)
   EXPECT_FALSE(type->less(&objects[0], &objects[0]));
 }
 
+/// Counts the objects that are there.
+class Counted
+{
+public:
+  Counted() { ++there; }
+  Counted(const Counted&) { ++there; }
+  Counted& operator=(const Counted&) = delete;
+  ~Counted() { --there; }
+
+  static int there;
+};
+
+int Counted::there = 0;
+
+class CountedType : public ko::detail::TypeBase<Counted, ko::TypeInterface>
+{
+public:
+  ko::TypeKind kind() const override { return ko::TypeKind::Struct; }
+};
+
+TEST(NativeTypes, DestroyWhatTheyMadeAndNothingElse)
+{
+  const CountedType countedType;
+  const ko::TypeInterface& type = countedType;
+  void* const made = type.initializeStorage();
+  void* const clone = type.clone(made);
+  EXPECT_EQ(2, Counted::there);
+
+  type.destroy(nullptr);
+  EXPECT_EQ(2, Counted::there);
+  type.destroy(made);
+  EXPECT_EQ(1, Counted::there);
+  type.destroy(clone);
+  EXPECT_EQ(0, Counted::there);
+}
+
 TEST(NativeTypes, TellTheirKind)
 {
   using ko::TypeKind;
@@ -87,6 +123,16 @@ TEST(NativeTypes, DoNotCoverListsWithoutAddressableElements)
 {
   EXPECT_EQ(nullptr, ko::typeOf<std::vector<bool>>());
   EXPECT_EQ(nullptr, ko::typeOf<long double>());
+}
+
+TEST(BoolTypes, StoreWhatTheyAreGiven)
+{
+  bool flag = false;
+  const auto& type = as<ko::BoolTypeInterface>(ko::typeOf<bool>());
+  EXPECT_FALSE(type.value(&flag));
+  type.assign(&flag, true);
+  EXPECT_TRUE(flag);
+  EXPECT_TRUE(type.value(&flag));
 }
 
 TEST(IntTypes, TellWidthAndSign)
@@ -198,6 +244,10 @@ TEST(TupleTypes, ReachMembersByIndexOnly)
   std::string two = "two";
   EXPECT_TRUE(type.set(&tuple, 1, &two));
   EXPECT_EQ("two", std::get<1>(tuple));
+  EXPECT_EQ(1, std::get<0>(tuple));
+  int three = 3;
+  EXPECT_TRUE(type.set(&tuple, 0, &three));
+  EXPECT_EQ(3, std::get<0>(tuple));
   EXPECT_EQ(&std::get<0>(tuple), type.get(&tuple, 0));
 }
 

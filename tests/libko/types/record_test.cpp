@@ -91,6 +91,14 @@ TEST(Handles, ShowTheMembersOfTheRecordUnderTheirOwnName)
   EXPECT_EQ(ko::findStruct("shapes::CanvasRecord")->memberTypes(), canvasType().memberTypes());
 }
 
+TEST(Handles, AcceptTheDifferencesOfMembersThatTheirRecordDoes)
+{
+  EXPECT_TRUE(canvasType().convertFrom({{}, {}}));
+  EXPECT_TRUE(canvasType().convertTo({{}, {}}));
+  EXPECT_FALSE(canvasType().convertFrom({{"frame"}, {}}));
+  EXPECT_FALSE(canvasType().convertTo({{}, {"origin"}}));
+}
+
 TEST(Handles, WriteThroughToTheSharedRecord)
 {
   Canvas canvas;

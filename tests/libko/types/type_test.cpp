@@ -1,4 +1,5 @@
 #include "shapes.hpp"
+#include "stranger.hpp"
 
 #include <ko/type.hpp>
 #include <ko/value.hpp>
@@ -66,6 +67,19 @@ TEST(Types, KeepTheirFirstRegistration)
   EXPECT_EQ(first, ko::findStruct("::shapes::Point"));
 }
 
+TEST(Types, OfANameThatIsTakenAreNotRegistered)
+{
+  struct Namesake
+  {
+    int x = 0;
+  };
+  EXPECT_FALSE(ko::registerRecord<Namesake>("shapes::Point", {{"x", &Namesake::x}}));
+
+  EXPECT_EQ(nullptr, ko::typeOf<Namesake>());
+  EXPECT_EQ(ko::typeOf<shapes::Point>(), ko::findStruct("shapes::Point"));
+  EXPECT_TRUE(ko::registerRecord<Namesake>("Namesake", {{"x", &Namesake::x}})) << "nothing is left of the first try";
+}
+
 TEST(Types, OfNoInterfaceAreNotRegistered)
 {
   EXPECT_FALSE(ko::registerType(typeid(Unregistered), nullptr));
@@ -111,6 +125,26 @@ TEST(Structs, OfAnUnknownNameAreNull)
   EXPECT_EQ(nullptr, ko::findStruct(""));
 }
 
+TEST(Handles, AreRegisteredOnlyOnce)
+{
+  const ko::TypeInterface* const canvas = ko::typeOf<shapes::Canvas>();
+
+  EXPECT_FALSE(ko::registerHandle("::shapes::OtherCanvas", &shapes::Canvas::record));
+
+  EXPECT_EQ(canvas, ko::getType(typeid(shapes::Canvas)));
+  EXPECT_EQ(nullptr, ko::findStruct("::shapes::OtherCanvas"));
+}
+
+TEST(Handles, AreRegisteredOnlyIfTheirRecordIsAStruct)
+{
+  struct Handle
+  {
+    std::shared_ptr<int> number;
+  };
+  EXPECT_FALSE(ko::registerHandle("HandleOnANumber", &Handle::number));
+  EXPECT_EQ(nullptr, ko::typeOf<Handle>());
+}
+
 TEST(Handles, AreRegisteredOnlyAfterTheirRecord)
 {
   struct Handle
@@ -136,6 +170,7 @@ TEST(Types, AreNamedTowardsPeople)
   EXPECT_EQ("optional ::shapes::Point", ko::typeName(ko::typeOf<std::optional<shapes::Point>>()));
   EXPECT_EQ("(int32, (bool), ())", ko::typeName((ko::typeOf<std::tuple<int, std::tuple<bool>, std::tuple<>>>())));
   EXPECT_EQ("list of an unregistered type", ko::typeName(ko::typeOf<std::vector<Unregistered>>()));
+  EXPECT_EQ("a type of unknown kind", ko::typeName(&strangers::strangerType));
 }
 
 template <typename T>

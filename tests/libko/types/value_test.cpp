@@ -1,4 +1,5 @@
 #include "shapes.hpp"
+#include "stranger.hpp"
 #include "support/thrown.hpp"
 
 #include <ko/typeerror.hpp>
@@ -153,6 +154,34 @@ TEST(Values, SetOnlyMembersThatThereAre)
   EXPECT_EQ("The value has no member \"z\".", textThrownBy<std::out_of_range>([&] { point.set("z", Value::from(1)); }));
   EXPECT_EQ("The value has no member 2.", textThrownBy<std::out_of_range>([&] { point.set(2, Value::from(1)); }));
   EXPECT_EQ("The value has no member 0.", textThrownBy<std::out_of_range>([&] { list.set(0, Value::from(1)); }));
+  EXPECT_EQ("The value has no member 0.", textThrownBy<std::out_of_range>([] { Value().set(0, Value::from(1)); }));
+}
+
+TEST(Values, SetAMemberOfATupleByItsIndex)
+{
+  Value pair = Value::from(std::make_pair(1, std::string("one")));
+  pair.set(1, Value::from("two"));
+  EXPECT_EQ(std::make_pair(1, std::string("two")), (pair.to<std::pair<int, std::string>>()));
+  EXPECT_EQ("The value has no member 2.", textThrownBy<std::out_of_range>([&] { pair.set(2, Value::from(1)); }));
+}
+
+TEST(Values, HaveNoPartsThatCanBeReachedIfTheirKindIsNotKnown)
+{
+  const Value value = Value::ofType(&strangers::strangerType);
+  EXPECT_EQ(0U, value.size());
+  EXPECT_TRUE(value.names().empty());
+  EXPECT_EQ("The value has no member 0.", textThrownBy<std::out_of_range>([&] { value.at(0); }));
+}
+
+TEST(Values, OfAMapWhoseKeysAreNotRegisteredHaveNoNames)
+{
+  struct Key
+  {
+    bool operator<(const Key&) const { return false; }
+  };
+  const Value map = Value::from(std::map<Key, int>{{Key(), 1}});
+  EXPECT_TRUE(map.names().empty());
+  EXPECT_EQ("The value has no member \"key\".", textThrownBy<std::out_of_range>([&] { map.at("key"); }));
 }
 
 TEST(Values, ShareTheRecordOfAHandle)

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <ko/nativetypes.hpp>
+#include <ko/typeinterface.hpp>
+
+/// A type of a kind that the library does not know, as one from a later version of it would be.
+namespace strangers
+{
+
+struct Stranger
+{};
+
+class StrangerType : public ko::detail::TypeBase<Stranger, ko::TypeInterface>
+{
+public:
+  ko::TypeKind kind() const override { return static_cast<ko::TypeKind>(99); }
+};
+
+inline StrangerType strangerType;
+
+}  // namespace strangers
