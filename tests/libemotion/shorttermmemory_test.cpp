@@ -317,7 +317,11 @@ INSTANTIATE_TEST_SUITE_P(
                       AgeCase{"ZeroHorizonForgetsAMillisecond", 0, 1000000, true},
                       AgeCase{"NegativeHorizonForgetsThePresent", -1, 0, true},
                       AgeCase{"NegativeHorizonForgetsLessThanAMillisecondAhead", -1, -999999, true},
-                      AgeCase{"NegativeHorizonKeepsAMillisecondAhead", -1, -1000000, false}),
+                      AgeCase{"NegativeHorizonKeepsAMillisecondAhead", -1, -1000000, false},
+                      AgeCase{"LongestHorizonThatIsOutlivedForgets", 9223372036853, lastTick, true},
+                      AgeCase{"ShortestHorizonThatIsNotOutlivedKeeps", 9223372036854, lastTick, false},
+                      AgeCase{"FirstHorizonBeyondNanosecondsKeeps", 9223372036855, lastTick, false},
+                      AgeCase{"EndlessHorizonKeeps", lastTick, lastTick, false}),
     support::RowName());
 
 struct EndOfTimeCase
