@@ -24,7 +24,10 @@ function(skeigiot_configure_target target)
     target_link_options(${target} PRIVATE -fsanitize=${SKEIGIOT_SANITIZE})
   endif()
   if(SKEIGIOT_COVERAGE)
-    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+    # Only functions of the two libraries are counted, in whichever program they are compiled; and not what the compiler
+    # adds to a static variable for two threads that need it for the first time at once.
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fno-threadsafe-statics
+                                             -fprofile-filter-files=/lib\(ko|emotion\)/\(include|src\)/)
     target_link_options(${target} PRIVATE --coverage)
   endif()
   if(SKEIGIOT_HARDENED)

@@ -38,7 +38,7 @@ std::size_t leaveOut(PersonObservation& observation, Predicate isUnwanted)
 {
   std::size_t count = 0;
   forEachReading(observation, [&](auto& reading) {
-    if (!reading || !isUnwanted(*reading))
+    if (!reading || !isUnwanted(*reading))  // GCOV_EXCL_BR_LINE
       return;
     reading = boost::none;
     ++count;
