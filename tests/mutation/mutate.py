@@ -8,11 +8,13 @@ from __future__ import annotations
 
 import argparse
 import concurrent.futures
+import contextlib
 import pathlib
 import random
 import sys
 import threading
 import time
+from collections.abc import Iterator
 
 from equivalents import Equivalent, read_equivalents, stale_entries
 from mutants import Mutant, find_mutants
@@ -40,11 +42,11 @@ def main() -> None:
     started = time.monotonic()
     try:
         if arguments.mutant:
-            results = _tried(_named(mutants, arguments.mutant), arguments)
+            results = _tried(_named(mutants, arguments.mutant), arguments, equivalents)
         else:
             print(f"seed {arguments.seed}, {len(mutants)} mutants to draw from", flush=True)
             random.Random(arguments.seed).shuffle(mutants)
-            results = _tried_until(mutants, arguments)
+            results = _tried_until(mutants, arguments, equivalents)
     except BrokenCopy as error:
         sys.exit(str(error))
     print(_report(results, equivalents, stale, arguments, time.monotonic() - started))
@@ -89,11 +91,11 @@ def _named(mutants: list[Mutant], ids: list[str]) -> list[Mutant]:
     return found
 
 
-def _tried_until(mutants: list[Mutant], arguments: argparse.Namespace) -> Results:
+def _tried_until(mutants: list[Mutant], arguments: argparse.Namespace, equivalents: list[Equivalent]) -> Results:
     """Tries mutants in their order until as many as wanted have compiled."""
     results: Results = []
     next_one = 0
-    with Workers(arguments) as workers:
+    with Workers(arguments, equivalents) as workers:
         while next_one < len(mutants):
             missing = arguments.count - sum(outcome.state != NOT_COMPILED for _, outcome in results)
             if missing <= 0:
@@ -103,15 +105,16 @@ def _tried_until(mutants: list[Mutant], arguments: argparse.Namespace) -> Result
     return results
 
 
-def _tried(mutants: list[Mutant], arguments: argparse.Namespace) -> Results:
-    with Workers(arguments) as workers:
+def _tried(mutants: list[Mutant], arguments: argparse.Namespace, equivalents: list[Equivalent]) -> Results:
+    with Workers(arguments, equivalents) as workers:
         return workers.judge(mutants)
 
 
 class Workers:
     """Several copies of the project, each of which judges a portion of the mutants at a time."""
 
-    def __init__(self, arguments: argparse.Namespace) -> None:
+    def __init__(self, arguments: argparse.Namespace, equivalents: list[Equivalent]) -> None:
+        self._equivalents = equivalents
         self._trials = [Trial(_PROJECT, arguments.folder / str(number)) for number in range(arguments.jobs)]
         self._pool = concurrent.futures.ThreadPoolExecutor(arguments.jobs)
         self._lock = threading.Lock()
@@ -135,29 +138,48 @@ class Workers:
         """Returns what became of each, in the order of files and lines."""
         known = [(mutant, self._known[mutant.id]) for mutant in mutants if mutant.id in self._known]
         unknown = sorted((mutant for mutant in mutants if mutant.id not in self._known),
-                         key=lambda mutant: (mutant.changes_layout, mutant.file, mutant.start, mutant.end))
+                         key=lambda mutant: (mutant.file, mutant.start, mutant.end))
         portions = [unknown[first:first + _PORTION] for first in range(0, len(unknown), _PORTION)]
-        return known + [result for results in self._pool.map(self._judge_portion, portions) for result in results]
+        judged = [result for results in self._pool.map(self._judge_portion, portions) for result in results]
+        return known + self._confirmed(judged)
+
+    def _confirmed(self, results: Results) -> Results:
+        """Returns the results with what becomes of survivors in headers, unless they are known to be equivalent."""
+        doubtful = [mutant for mutant, outcome in results if self._is_doubtful(mutant, outcome)]
+        return [result for result in results if result[0] not in doubtful] + list(
+            self._pool.map(self._confirm, doubtful))
+
+    def _is_doubtful(self, mutant: Mutant, outcome: Outcome) -> bool:
+        return outcome.state == SURVIVED and mutant.is_in_header and not _is_equivalent(mutant, self._equivalents)
 
     def _judge_portion(self, portion: list[Mutant]) -> Results:
+        with self._a_trial() as trial:
+            return [self._told(mutant, trial.judge(mutant)) for mutant in portion]
+
+    def _confirm(self, mutant: Mutant) -> tuple[Mutant, Outcome]:
+        with self._a_trial() as trial:
+            return self._told(mutant, trial.confirm(mutant), is_certain=True)
+
+    @contextlib.contextmanager
+    def _a_trial(self) -> Iterator[Trial]:
         with self._lock:
             trial = self._idle.pop()
-        results = []
-        for mutant in portion:
-            outcome = trial.judge(mutant)
-            results.append((mutant, outcome))
+        try:
+            yield trial
+        finally:
             with self._lock:
-                self._tell(mutant, outcome)
-        with self._lock:
-            self._idle.append(trial)
-        return results
+                self._idle.append(trial)
 
-    def _tell(self, mutant: Mutant, outcome: Outcome) -> None:
-        line = f"{outcome.state}\t{_row(mutant)}\t{outcome.by}"
-        print(line, flush=True)
-        if self._record:
-            with self._record.open("a", encoding="utf-8") as file:
-                file.write(line + "\n")
+    def _told(self, mutant: Mutant, outcome: Outcome, is_certain: bool = False) -> tuple[Mutant, Outcome]:
+        """Prints and records the outcome, and returns both."""
+        is_open = self._is_doubtful(mutant, outcome) and not is_certain
+        line = f"{'to be confirmed' if is_open else outcome.state}\t{_row(mutant)}\t{outcome.by}"
+        with self._lock:
+            print(line, flush=True)
+            if self._record and not is_open:
+                with self._record.open("a", encoding="utf-8") as file:
+                    file.write(line + "\n")
+        return mutant, outcome
 
 
 def _read_record(record: pathlib.Path | None) -> dict[str, Outcome]:

@@ -80,18 +80,17 @@ class Trial:
     def judge(self, mutant: Mutant) -> Outcome:
         """Returns what becomes of the mutant.
 
-        Raises BrokenCopy if its file is another than that in which it was found.
+        The tests are not compiled anew for a header: whether such a mutant survives has to be confirmed. Raises
+        BrokenCopy if its file is another than that in which it was found.
         """
-        outcome = Outcome(SURVIVED)
-        if not mutant.changes_layout or not self._for_tests(mutant).is_file():
-            outcome = self._judge_in(mutant, [self._copy / mutant.file])
-        if outcome.state == SURVIVED and self._for_tests(mutant).is_file():
-            outcome = self._judge_in(mutant, [self._copy / mutant.file, self._for_tests(mutant)])
-        return outcome
+        if mutant.changes_layout and mutant.is_in_header:
+            return Outcome(SURVIVED)
+        return self._judge_in(mutant, [self._copy / mutant.file])
 
-    def _for_tests(self, mutant: Mutant) -> pathlib.Path:
-        """Returns where the tests see the file, if it is a private header."""
-        return self._copy / _PRIVATE_HEADERS / pathlib.Path(mutant.file).name
+    def confirm(self, mutant: Mutant) -> Outcome:
+        """Returns what becomes of a mutant in a header if all that includes it is compiled: that takes minutes."""
+        return self._judge_in(mutant, [self._copy / mutant.file,
+                                       self._copy / _PRIVATE_HEADERS / pathlib.Path(mutant.file).name])
 
     def _judge_in(self, mutant: Mutant, files: list[pathlib.Path]) -> Outcome:
         original = files[0].read_text(encoding="utf-8")
