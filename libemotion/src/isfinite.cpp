@@ -17,7 +17,7 @@ bool areFinite(std::initializer_list<float> numbers)
 {
   bool areAll = true;
   for (const float number : numbers)
-    areAll = areAll && std::fabs(number) <= greatestReading;
+    areAll &= std::fabs(number) <= greatestReading;
   return areAll;
 }
 
@@ -86,8 +86,7 @@ bool isFinite(const ContextEmotion& emotion)
 bool isFinite(const PersonObservation& observation)
 {
   bool areAll = true;
-  forEachReading(observation,
-                 [&areAll](const auto& reading) { areAll = areAll && (!reading || isFiniteValue(reading->value)); });
+  forEachReading(observation, [&areAll](const auto& reading) { areAll &= !reading || isFiniteValue(reading->value); });
   return areAll;
 }
 

@@ -56,4 +56,28 @@ TEST(LeaveOutAhead, ComparesTimesAtBothEndsOf64Bits)
   EXPECT_EQ(2U, KV::leaveOutAhead(ahead, support::atNanoseconds(least)));
 }
 
+TEST(LeaveOutAhead, LooksAtEveryReading)
+{
+  const auto ahead = start + support::nanoseconds(1);
+  KV::PersonObservation observation = observationAt(ahead);
+  observation.lookingAtRobot.emplace(ahead, true);
+  observation.headHeight.emplace(ahead, 1.f);
+  observation.distance.emplace(ahead, 1.f);
+  observation.smile.emplace(ahead, KV::Smile());
+  observation.expressions.emplace(ahead, KV::Expressions());
+  observation.headPosture.emplace(ahead, KV::HeadPosture());
+  observation.gender.emplace(ahead, KV::ValueConfidence<bool>());
+  observation.age.emplace(ahead, KV::ValueConfidence<unsigned int>());
+  observation.faceDetected.emplace(ahead, true);
+  observation.facialPoints.emplace(ahead, KV::FacialPoints());
+  observation.voiceEmotion.emplace(ahead, KV::VoiceEmotion());
+  observation.asrEmotion.emplace(ahead, 1.f);
+  observation.touchEmotion.emplace(ahead, 1);
+  observation.contextEmotion.emplace(ahead, KV::ContextEmotion(1, 1.f));
+  observation.robotHeadPosture.emplace(ahead, KV::RobotHeadPosture());
+
+  EXPECT_EQ(17U, KV::leaveOutAhead(observation, start));
+  EXPECT_EQ(0U, KV::leaveOutAhead(observation, start)) << "none is left";
+}
+
 }  // namespace
