@@ -3,7 +3,6 @@
 #include "eachreading.hpp"
 
 #include <cmath>
-#include <initializer_list>
 #include <type_traits>
 
 namespace KV
@@ -12,13 +11,11 @@ namespace KV
 namespace
 {
 
-// A NaN is not less than anything.
-bool areFinite(std::initializer_list<float> numbers)
+// A NaN is not less than anything. All are compared, which takes less time than a branch for each.
+template <typename... Numbers>
+bool areFinite(Numbers... numbers)
 {
-  bool areAll = true;
-  for (const float number : numbers)
-    areAll &= std::fabs(number) <= greatestReading;
-  return areAll;
+  return static_cast<bool>((static_cast<unsigned>(std::fabs(numbers) <= greatestReading) & ...));
 }
 
 template <typename T>
@@ -27,7 +24,7 @@ bool isFiniteValue(const T& value)
   if constexpr (std::is_integral_v<T>)
     return true;
   else if constexpr (std::is_floating_point_v<T>)
-    return areFinite({value});
+    return areFinite(value);
   else
     return isFinite(value);
 }
@@ -35,29 +32,29 @@ bool isFiniteValue(const T& value)
 template <typename T>
 bool isFiniteValue(const ValueConfidence<T>& value)
 {
-  return isFiniteValue(value.value) && areFinite({value.confidence});
+  return isFiniteValue(value.value) && areFinite(value.confidence);
 }
 
 }  // namespace
 
 bool isFinite(const Gaze& gaze)
 {
-  return areFinite({gaze.yaw, gaze.pitch});
+  return areFinite(gaze.yaw, gaze.pitch);
 }
 
 bool isFinite(const HeadPosture& posture)
 {
-  return areFinite({posture.yaw(), posture.pitch(), posture.roll()});
+  return areFinite(posture.yaw(), posture.pitch(), posture.roll());
 }
 
 bool isFinite(const RobotHeadPosture& posture)
 {
-  return areFinite({posture.yaw, posture.pitch});
+  return areFinite(posture.yaw, posture.pitch);
 }
 
 bool isFinite(const Smile& smile)
 {
-  return areFinite({smile.value, smile.confidence});
+  return areFinite(smile.value, smile.confidence);
 }
 
 bool isFinite(const Expressions& expressions)
@@ -72,7 +69,7 @@ bool isFinite(const FacialPoints& points)
   for (int i = FacialPoint0; i <= FacialPoint11; ++i)
   {
     const FacialPoints::Point point = points.facialPoint(static_cast<PointDescription>(i));
-    if (!areFinite({point.value.first, point.value.second, point.confidence}))
+    if (!areFinite(point.value.first, point.value.second, point.confidence))
       return false;
   }
   return true;
@@ -80,7 +77,7 @@ bool isFinite(const FacialPoints& points)
 
 bool isFinite(const ContextEmotion& emotion)
 {
-  return areFinite({emotion.lifetime});
+  return areFinite(emotion.lifetime);
 }
 
 bool isFinite(const PersonObservation& observation)
