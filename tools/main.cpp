@@ -5,13 +5,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 
 namespace
 {
+
+constexpr const char* outOfMemory = "skeigiot: there is not enough memory\n";
 
 tools::ExitStatus run(int argc, char** argv)
 {
@@ -23,7 +29,9 @@ tools::ExitStatus run(int argc, char** argv)
   }
   catch (const CLI::Success& wish)  // help or version
   {
-    app->exit(wish);
+    tools::OutputStream output(STDOUT_FILENO, "standard output");
+    app->exit(wish, output);
+    output.flush();
   }
   catch (const CLI::ParseError& error)
   {
@@ -49,6 +57,10 @@ int runAndReport(int argc, char** argv)
   {
     std::raise(interrupted.signal);  // whoever started the program learns how it ended
   }
+  catch (const std::bad_alloc&)
+  {
+    std::cerr << outOfMemory << std::flush;
+  }
   catch (const std::exception& error)
   {
     std::cerr << "skeigiot: " << error.what() << std::endl;
@@ -56,10 +68,30 @@ int runAndReport(int argc, char** argv)
   return tools::Failure;
 }
 
+/// For what ends a program on the spot, such as an exception of a destructor: libraries have some that need memory.
+[[noreturn]] void endWithoutMemory()
+{
+  try
+  {
+    std::rethrow_exception(std::current_exception());
+  }
+  catch (const std::bad_alloc&)
+  {
+    std::cerr << outOfMemory << std::flush;
+    std::_Exit(tools::Failure);
+  }
+  catch (...)
+  {}
+  std::abort();
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is noticed when it is written to
+  // A closed pipe, and a file that has reached the greatest size allowed, are noticed when they are written to.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::set_terminate(endWithoutMemory);
   return runAndReport(argc, argv);
 }

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace tools
 {
@@ -52,8 +53,7 @@ InputFile::InputFile(const std::string& path) : _path(path), _buffer(firstBuffer
     throw RecordingError({path, 0, {}}, std::string("cannot be opened: ") + std::strerror(errno));
   gzbuffer(_file.get(), compressedBufferSize);
 
-  while (_unread().size() < byteOrderMark.size() && _readMore())
-  {}
+  _readAtLeast(byteOrderMark.size());
   if (_unread().substr(0, byteOrderMark.size()) == byteOrderMark)
     _begin = byteOrderMark.size();
 }
@@ -109,13 +109,31 @@ double InputFile::progress() const
 std::string InputFile::head(const std::string& path, std::size_t count)
 {
   InputFile file(path);
-  while (file._unread().size() < count && file._readMore())
-  {}
+  file._readAtLeast(count);
   return std::string(file._unread().substr(0, count));
+}
+
+// What stands before a fault of the file is there to be read all the same; whoever reads on learns of the fault.
+void InputFile::_readAtLeast(std::size_t count)
+{
+  while (_unread().size() < count && _readOn())
+  {}
+  if (_unread().empty())
+    _readMore();
 }
 
 // Reads on behind what is not handed out yet; false at the end of the file.
 bool InputFile::_readMore()
+{
+  if (_readOn())
+    return true;
+  if (_fault.empty())
+    return false;
+  throw RecordingError({_path, _lineNumber, {}}, std::exchange(_fault, {}));
+}
+
+// As above; false at a fault as well.
+bool InputFile::_readOn()
 {
   if (_atEnd)
     return false;
@@ -131,11 +149,11 @@ bool InputFile::_readMore()
   int error = Z_OK;
   const char* const message = gzerror(_file.get(), &error);
   if (error == Z_BUF_ERROR)
-    throw RecordingError({_path, _lineNumber, {}}, "the compressed data end too early: the file was cut");
-  if (error == Z_ERRNO)
-    throw RecordingError({_path, _lineNumber, {}}, std::string("cannot be read: ") + std::strerror(errno));
-  if (error != Z_OK && error != Z_STREAM_END)
-    throw RecordingError({_path, _lineNumber, {}}, std::string("the compressed data are damaged: ") + message);
+    _fault = "the compressed data end too early: the file was cut";
+  else if (error == Z_ERRNO)
+    _fault = std::string("cannot be read: ") + std::strerror(errno);
+  else if (error != Z_OK && error != Z_STREAM_END)
+    _fault = std::string("the compressed data are damaged: ") + message;
   return false;
 }
 

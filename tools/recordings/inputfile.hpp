@@ -49,9 +49,10 @@ public:
   /// Returns which part of the file, compressed as it is, was taken in: in [0, 1].
   double progress() const;
 
-  /// Returns up to `count` bytes from the beginning of the file, decompressed, without a byte order mark.
+  /// Returns up to `count` bytes from the beginning of the file, decompressed, without a byte order mark; fewer where
+  /// the file is cut or damaged.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws RecordingError if nothing of it can be read.
   static std::string head(const std::string& path, std::size_t count);
 
 private:
@@ -61,7 +62,9 @@ private:
   };
 
   std::string_view _unread() const { return {_buffer.data() + _begin, _end - _begin}; }
+  void _readAtLeast(std::size_t count);
   bool _readMore();
+  bool _readOn();
   void _makeRoom();
   void _handOut(std::size_t length, bool ended, std::string_view& line);
   void _skipLine();
@@ -73,6 +76,7 @@ private:
   std::size_t _begin = 0;  // of what is not handed out yet
   std::size_t _end = 0;
   bool _atEnd = false;
+  std::string _fault;  // of the file, met and not thrown yet
   std::size_t _lineNumber = 0;
   bool _lineEnded = true;
 };

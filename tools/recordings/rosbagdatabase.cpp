@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -72,6 +73,7 @@ RosbagDatabase::RosbagDatabase(const std::string& path) : _path(path)
     _open(path);
   _expectTable("topics");
   _expectTable("messages");
+  _expectWholePages(_unpacked ? _unpacked->path() : path);
   _readTopics();
   _readSpan();
 }
@@ -103,6 +105,18 @@ void RosbagDatabase::_expectTable(const std::string& name)
   _step(*statement);
   if (sqlite3_column_int(statement.get(), 0) != 1)
     _fail("has no table '" + name + "': this is no bag");
+}
+
+// SQLite refuses a file that lacks pages, but takes what is missing of the last one for zeros.
+void RosbagDatabase::_expectWholePages(const std::string& file)
+{
+  if (hasJournal(file))
+    return;
+  const auto statement = _prepare("PRAGMA page_size");
+  _step(*statement);
+  const auto pageSize = static_cast<std::uintmax_t>(sqlite3_column_int64(statement.get(), 0));
+  if (pageSize != 0 && std::filesystem::file_size(file) % pageSize != 0)
+    _fail("ends too early: the file was cut");
 }
 
 void RosbagDatabase::_readTopics()

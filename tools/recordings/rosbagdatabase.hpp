@@ -90,6 +90,7 @@ private:
 
   void _open(const std::string& file);
   void _expectTable(const std::string& name);
+  void _expectWholePages(const std::string& file);
   void _readTopics();
   void _readSpan();
   Statement _prepare(const std::string& sql) const;

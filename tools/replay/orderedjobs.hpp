@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <exception>
 #include <functional>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -31,11 +30,15 @@ public:
   static constexpr std::size_t mostWaiting = 64;
 
   /// Begins to work on the numbers from 0 to `count` - 1.
-  OrderedJobs(std::size_t count, std::size_t threads, Work work) : _count(count), _work(std::move(work))
+  ///
+  /// \throws std::exception if there can be no thread at all; fewer than wanted do as well.
+  OrderedJobs(std::size_t count, std::size_t threads, Work work) : _count(count), _work(std::move(work)), _done(count)
   {
-    _mostAhead = std::min(threads, count) + mostWaiting;
-    while (_threads.size() < std::min(threads, count))
-      _threads.emplace_back([this] { _run(); });
+    const std::size_t wanted = std::min(threads, count);
+    _mostAhead = wanted + mostWaiting;
+    _threads.reserve(wanted);
+    while (_threads.size() < wanted && _addThread())
+    {}
   }
 
   /// Cancels what is not done yet.
@@ -57,14 +60,15 @@ public:
   Result take(const std::function<void()>& whileWaiting)
   {
     std::unique_lock<std::mutex> lock(_mutex);
-    const auto isDone = [this] { return _done.count(_taken) > 0; };
+    const auto isDone = [this] { return _done[_taken].has_value(); };
     while (!_change.wait_for(lock, std::chrono::milliseconds(50), isDone))
     {
       lock.unlock();
       whileWaiting();
       lock.lock();
     }
-    Done done = std::move(_done.extract(_taken).mapped());
+    Done done = std::move(*_done[_taken]);
+    _done[_taken].reset();
     ++_taken;
     lock.unlock();
     _change.notify_all();
@@ -79,6 +83,22 @@ private:
     std::optional<Result> result;
     std::exception_ptr error;
   };
+
+  /// Tells whether another thread could be started; throws if it was to be the first.
+  bool _addThread()
+  {
+    try
+    {
+      _threads.emplace_back([this] { _run(); });
+      return true;
+    }
+    catch (const std::exception&)
+    {
+      if (_threads.empty())
+        throw;
+      return false;
+    }
+  }
 
   void _run()
   {
@@ -95,7 +115,7 @@ private:
       }
       {
         const std::lock_guard<std::mutex> lock(_mutex);
-        _done.emplace(*number, std::move(done));
+        _done[*number].emplace(std::move(done));
       }
       _change.notify_all();
     }
@@ -120,7 +140,7 @@ private:
   // Guarded by _mutex
   std::size_t _begun = 0;
   std::size_t _taken = 0;
-  std::map<std::size_t, Done> _done;  // and not taken
+  std::vector<std::optional<Done>> _done;  // by number; and not taken. Its room is there from the beginning
 
   std::vector<std::thread> _threads;  // last: they use all of the above
 };
