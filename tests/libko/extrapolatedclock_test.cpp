@@ -204,6 +204,20 @@ TEST_F(ExtrapolatedClock, LearnsANewRateOfTheCounter)
   EXPECT_TRUE(countsOn());
 }
 
+TEST_F(ExtrapolatedClock, NeverCountsWithACounterAtAnAbsurdRateHoweverSteady)
+{
+  for (const double rate : {2000., 0.000005})
+  {
+    world.ticksPerNanosecond = rate;
+    for (int i = 0; i < 5; ++i)
+    {
+      world.pass(100. * second);
+      EXPECT_LE(std::abs(error()), 150) << "at " << rate << " ticks per nanosecond";
+      EXPECT_FALSE(countsOn()) << "at " << rate << " ticks per nanosecond";
+    }
+  }
+}
+
 TEST_F(ExtrapolatedClock, TrustsNoLookAtTheSystemThatWasInterrupted)
 {
   run(20 * millisecond);
