@@ -16,6 +16,8 @@ _Duration = Union[_Timedelta, SupportsIndex]
 _Point = tuple[float, float]
 _Score = Union["ValueConfidence[float]", tuple[float, float]]
 
+__version__: str
+
 # --- Enumerations
 
 class AttentionState(IntEnum):

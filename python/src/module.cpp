@@ -25,6 +25,7 @@ void translateEmptyMemory(std::exception_ptr exception)
 PYBIND11_MODULE(_skeigiot, module)
 {
   module.doc() = "The compiled part of the package skeigiot; use the names of that package.";
+  module.attr("__version__") = SKEIGIOT_VERSION;
   pybind11::register_exception_translator(translateEmptyMemory);
 
   // Classes say that they live where users find them.

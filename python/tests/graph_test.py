@@ -2,6 +2,7 @@
 
 import threading
 import traceback
+from collections.abc import Callable
 from typing import NoReturn
 
 import pytest
@@ -216,22 +217,42 @@ def test_threads_update_and_read_one_graph_from_callbacks_at_once() -> None:
     assert person.personState.valence.value > 0.6
 
 
-def test_other_threads_run_while_one_waits_for_the_graph() -> None:
-    """A callback that waits for another thread's Python would wait for ever if that held the interpreter lock."""
+OPERATIONS: dict[str, Callable[[kv.SocialGraph], object]] = {
+    "add": lambda graph: graph.add(2),
+    "remove": lambda graph: graph.remove(2),
+    "persons": lambda graph: graph.persons(),
+    "find": lambda graph: graph.find(1),
+    "updateOrCreate": lambda graph: graph.updateOrCreate(2, lambda _: None),
+    "update": lambda graph: graph.update(1, lambda _: None),
+    "read": lambda graph: graph.read(1, lambda _: None),
+}
+
+
+@pytest.mark.parametrize("operation", OPERATIONS)
+def test_other_threads_run_while_one_waits_for_the_graph(operation: str) -> None:
+    """The callback waits for this thread, which would never run if the operation that waits kept the interpreter."""
     graph = kv.SocialGraph()
-    inCallback, released = threading.Event(), threading.Event()
+    inCallback, goOn, begun = threading.Event(), threading.Event(), threading.Event()
+    order = []
 
     def hold(_: kv.Person) -> None:
         inCallback.set()
-        assert released.wait(timeout=60)
+        assert goOn.wait(timeout=60)
+        order.append("callback")
+
+    def wait() -> None:
+        begun.set()
+        OPERATIONS[operation](graph)
+        order.append("operation")
 
     holder = threading.Thread(target=graph.updateOrCreate, args=(1, hold), daemon=True)
     holder.start()
     assert inCallback.wait(timeout=60)
-    waiter = threading.Thread(target=graph.add, args=(2,), daemon=True)
-    waiter.start()  # blocks in the graph, and leaves the interpreter to this thread
-    released.set()
+    waiter = threading.Thread(target=wait, daemon=True)
+    waiter.start()
+    assert begun.wait(timeout=60)
+    goOn.set()
     holder.join(timeout=60)
     waiter.join(timeout=60)
 
-    assert [person.personID for person in graph.persons()] == [1, 2]
+    assert order == ["callback", "operation"]

@@ -1,5 +1,7 @@
 """Memories of readings."""
 
+import threading
+from collections.abc import Callable
 from datetime import timedelta
 from typing import Any
 
@@ -117,3 +119,53 @@ def test_a_person_memory_is_read_by_the_estimate() -> None:
         person._updateOnlineModels(kv.PersonObservation())
 
     assert person.personState.valence.value > 0.6
+
+
+class Waiting(ko.ClockSource):
+    """Waits, the first time that it is looked at, until it is told to go on."""
+
+    def __init__(self) -> None:
+        super().__init__()
+        self.lookedAt, self.goOn = threading.Event(), threading.Event()
+
+    def now(self) -> int:
+        self.lookedAt.set()
+        assert self.goOn.wait(timeout=60)
+        return 0
+
+
+OPERATIONS: dict[str, Callable[[kv.ShortTermMemory[float]], object]] = {
+    "record": lambda memory: memory.record((1, 0.5)),
+    "youngest": lambda memory: memory.youngest(),
+    "records": lambda memory: memory.records(),
+    "_forgetOld": lambda memory: memory._forgetOld(),
+}
+
+
+@pytest.mark.parametrize("operation", OPERATIONS)
+def test_other_threads_run_while_one_waits_for_the_memory(operation: str) -> None:
+    """A clock in Python is looked at while the memory is locked, and waits for this thread to run."""
+    memory, clock, order = kv.ShortTermMemory(float, timedelta(days=36500)), Waiting(), list[str]()
+    memory.record((0, 0.25))
+    begun = threading.Event()
+
+    def hold() -> None:
+        with ko.ScopedClockSource(clock):
+            memory.youngest()
+
+    def wait() -> None:
+        begun.set()
+        OPERATIONS[operation](memory)
+        order.append("operation")
+
+    holder, waiter = (threading.Thread(target=work, daemon=True) for work in (hold, wait))
+    holder.start()
+    assert clock.lookedAt.wait(timeout=60)
+    waiter.start()
+    assert begun.wait(timeout=60)
+    order.append("clock")
+    clock.goOn.set()
+    holder.join(timeout=60)
+    waiter.join(timeout=60)
+
+    assert order == ["clock", "operation"]
