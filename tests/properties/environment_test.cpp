@@ -43,7 +43,7 @@ TEST(EnvironmentProperties, AreTheSameOnEveryThread)
 {
   for (const unsigned int seed : seeds)
   {
-    RandomLife life(seed, hourOfLife / 2);
+    RandomLife life(seed, support::nanoseconds(hourOfLife) / 2);
     KV::Person here;
     KV::Person elsewhere;
     while (life.next())

@@ -6,6 +6,8 @@
 
 #include <skeigiot/person.hpp>
 
+#include <gtest/gtest.h>
+
 #include <random>
 #include <string>
 
@@ -32,7 +34,9 @@ public:
     _isSeen = std::uniform_int_distribution<int>(0, 9)(_random) != 0;
     _observation = _observations.next();
     ++_cycle;
-    return ko::SystemClock::now() < _end;
+    const bool goesOn = ko::SystemClock::now() < _end;
+    EXPECT_TRUE(goesOn || _cycle > 1000) << "so short a life shows nothing: " << place();
+    return goesOn;
   }
 
   bool isSeen() const { return _isSeen; }
