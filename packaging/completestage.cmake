@@ -5,6 +5,8 @@ set(packaging ${CMAKE_CURRENT_LIST_DIR})
 set(control ${CPACK_SKEIGIOT_CONTROL_FOLDER})
 set(version ${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 
+set(for_all_to_read OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+
 function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
@@ -12,7 +14,7 @@ endfunction()
 # The same bytes for the same contents: neither name nor time goes into the result.
 function(compress file target)
   execute_process(COMMAND gzip -9 -n -c ${file} OUTPUT_FILE ${target} COMMAND_ERROR_IS_FATAL ANY)
-  file(CHMOD ${target} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+  file(CHMOD ${target} PERMISSIONS ${for_all_to_read})
 endfunction()
 
 function(strip_binaries stage)
@@ -43,11 +45,12 @@ endfunction()
 
 function(add_documents stage package)
   set(documents ${stage}/usr/share/doc/${package})
-  file(COPY ${packaging}/copyright DESTINATION ${documents})
+  file(COPY ${packaging}/copyright DESTINATION ${documents} FILE_PERMISSIONS ${for_all_to_read})
   compress(${packaging}/changelog ${documents}/changelog.Debian.gz)
   compress(${packaging}/../CHANGELOG.md ${documents}/changelog.gz)
   if(EXISTS ${packaging}/overrides/${package})
-    file(COPY ${packaging}/overrides/${package} DESTINATION ${stage}/usr/share/lintian/overrides)
+    file(COPY ${packaging}/overrides/${package} DESTINATION ${stage}/usr/share/lintian/overrides
+         FILE_PERMISSIONS ${for_all_to_read})
   endif()
 endfunction()
 
