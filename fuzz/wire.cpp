@@ -39,12 +39,14 @@ const std::vector<ko::TypeInterface*>& wantedTypes()
 /// Whatever was decoded can be encoded both ways, and decodes to the same.
 void expectRoundTrips(const Value& value, ko::TypeInterface* type)
 {
-  expect(ko::json::decode(ko::json::encode(value), type) == value, "a value comes back from JSON");
+  const std::string text = ko::json::encode(value);
+  if (type->kind() != ko::TypeKind::Dynamic)  // in which a number that JSON has no form for is a text
+    expect(ko::json::decode(text, type) == value, "a value comes back from JSON");
   expect(ko::cbor::decode(ko::cbor::encode(value), type) == value, "a value comes back from CBOR");
   expect(value.detached() == value, "a detached value is the same");
 }
 
-/// What is of no type in particular; a number that JSON has no form for is a text there.
+/// What is of no type in particular.
 void expectRoundTrips(const Value& value)
 {
   ko::json::encode(value);

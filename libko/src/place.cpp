@@ -1,5 +1,7 @@
 #include "place.hpp"
 
+#include <algorithm>
+
 namespace ko
 {
 
@@ -45,7 +47,12 @@ std::string listed(const std::vector<std::string>& names)
 
 std::string shortened(std::string_view text, std::size_t length)
 {
-  return text.size() <= length ? std::string(text) : std::string(text.substr(0, length)) + "...";
+  std::string kept(text.substr(0, length));
+  const auto isControl = [](char character) {
+    return static_cast<unsigned char>(character) < 0x20 || character == 0x7f;
+  };
+  std::replace_if(kept.begin(), kept.end(), isControl, '?');
+  return text.size() <= length ? kept : kept + "...";
 }
 
 }  // namespace ko

@@ -38,7 +38,8 @@ void appendElement(std::string& path, std::size_t index);
 /// Returns "(yaw, pitch)", shortened if there are very many or very long names.
 std::string listed(const std::vector<std::string>& names);
 
-/// Returns the text, or its beginning and "..." if it is longer than `length`.
+/// Returns the text, or its beginning and "..." if it is longer than `length`; with question marks for control
+/// characters, which would end a message or lead a terminal astray.
 std::string shortened(std::string_view text, std::size_t length);
 
 }  // namespace ko

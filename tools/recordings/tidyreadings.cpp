@@ -1,6 +1,7 @@
 #include "tidyreadings.hpp"
 
 #include "quote.hpp"
+#include "utf8.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -26,6 +27,15 @@ public:
   {
     _refuseMissing(column);
     return _table.text(column);
+  }
+
+  /// What is exported as JSON has to be UTF-8.
+  std::string utf8Text(Column column) const
+  {
+    std::string word = text(column);
+    if (!isUtf8(word))
+      _table.refuseValue(column, "text in UTF-8");
+    return word;
   }
 
   float number(Column column) const
@@ -176,7 +186,7 @@ void addMovements(const Fields& fields, RecordingEntry& step)
 
 void addStart(const Fields& fields, RecordingEntry& step)
 {
-  ScopeStart start{fields.text(Column::Value)};
+  ScopeStart start{fields.utf8Text(Column::Value)};
   if (fields.has(Column::Samples))
     start.samples = fields.whole<std::int32_t>(Column::Samples);
   step.scopeStarts.push_back(start);
@@ -184,7 +194,7 @@ void addStart(const Fields& fields, RecordingEntry& step)
 
 void addStop(const Fields& fields, RecordingEntry& step)
 {
-  step.scopeStops.push_back(fields.text(Column::Value));
+  step.scopeStops.push_back(fields.utf8Text(Column::Value));
 }
 
 /// What one reading wants of a row.

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string_view>
+
+namespace tools
+{
+
+/// Tells whether the text is well-formed UTF-8.
+bool isUtf8(std::string_view text);
+
+}  // namespace tools
