@@ -210,6 +210,13 @@ TEST(Values, ShareNothingOnceDetached)
   EXPECT_EQ(1, detached.at("origin").at("x").to<int>());
 }
 
+TEST(Values, KeepTheirContentsWhenDetached)
+{
+  using Plain = std::tuple<bool, bool, int, float, std::string, std::map<int, std::optional<double>>>;
+  const Plain plain(true, false, -7, 0.1f, "text", {{1, 0.5}, {2, std::nullopt}});
+  EXPECT_EQ(plain, Value::from(plain).detached().to<Plain>());
+}
+
 TEST(Values, ShareNothingOnceDetachedEvenInListsOfAnything)
 {
   Canvas canvas;
