@@ -34,10 +34,13 @@ private:
 class Running
 {
 public:
-  explicit Running(std::atomic<std::thread::id>& thread) : _thread(thread) { _thread = std::this_thread::get_id(); }
+  explicit Running(std::atomic<std::thread::id>& thread) : _thread(thread)
+  {
+    _thread.store(std::this_thread::get_id());
+  }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
-  ~Running() { _thread = std::thread::id(); }
+  ~Running() { _thread.store(std::thread::id()); }
 
 private:
   std::atomic<std::thread::id>& _thread;
