@@ -43,10 +43,9 @@ void InputFile::Close::operator()(gzFile_s* file) const
   gzclose(file);
 }
 
-InputFile::InputFile(const std::string& path) : _path(path), _buffer(firstBufferSize)
+InputFile::InputFile(const std::string& path) : _path(path), _size(sizeOf(path)), _buffer(firstBufferSize)
 {
   refuseWhatIsNoFile(path);
-  _size = sizeOf(path);
   errno = 0;
   _file.reset(gzopen(path.c_str(), "rb"));
   if (!_file)
