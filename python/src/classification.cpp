@@ -120,7 +120,7 @@ py::object winnerByArgmax(const ArgmaxRule& self, const py::object&, py::list& l
   try
   {
     const auto& winner = KV::classification::MoodClassifier(self.rule).classify(classes);
-    const py::object object = list[static_cast<std::size_t>(winner.value)];
+    py::object object = list[static_cast<std::size_t>(winner.value)];
     reorder(list, classes);
     return object;
   }

@@ -24,7 +24,7 @@ py::object arrayOf(std::vector<T>&& values)
   const auto size = static_cast<py::ssize_t>(owned->size());
   const T* const data = owned->data();
   const py::capsule owner(owned.get(), [](void* vector) { delete static_cast<std::vector<T>*>(vector); });
-  owned.release();
+  static_cast<void>(owned.release());
   return py::array_t<T>(size, data, owner);
 }
 
