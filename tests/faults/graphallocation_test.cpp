@@ -91,7 +91,7 @@ TEST_F(GraphWithoutMemory, CreatesAPersonOrNobodyAndCallsNothingThen)
 TEST_F(GraphWithoutMemory, KeepsAPersonWhoseUpdateFails)
 {
   const KV::PersonObservation observation = faults::observed(faults::observationCases().back(), support::start);
-  const faults::ScopedHandler deaf([](const ko::log::Record&) {});
+  const faults::ScopedHandler deaf(&faults::ignoreRecord);
   const auto observe = [&](KV::Person& person) {
     const ko::ScopedClockSource scopeOfThread(clock);
     person.update(observation);

@@ -60,7 +60,7 @@ void updateElsewhere(KV::Person& person, const KV::PersonObservation& observatio
 
 TEST_P(UpdateWithoutMemory, KeepsWhatWasFiledAndIsTakenUpByTheNextUpdate)
 {
-  const faults::ScopedHandler deaf([](const ko::log::Record&) {});
+  const faults::ScopedHandler deaf(&faults::ignoreRecord);
   const KV::PersonObservation observation = faults::observed(GetParam(), timeOf(cycles));
   for (int times = 0; times < cycles; ++times)
   {
@@ -125,7 +125,7 @@ TEST_F(StateWithoutMemory, AgesAPersonWithoutAny)
 TEST_F(StateWithoutMemory, TakesUpARecordThatTheTypeSystemCloned)
 {
   const KV::PersonObservation observation = faults::observed(faults::observationCases().back(), support::start);
-  const faults::ScopedHandler deaf([](const ko::log::Record&) {});
+  const faults::ScopedHandler deaf(&faults::ignoreRecord);
   const auto cloned = [] {
     KV::Person person;
     person.personState._p = boost::make_shared<KV::PersonStatePrivate>(*person.personState._p);
@@ -158,7 +158,7 @@ TEST_F(StateWithoutMemory, TellsWhatItKnowsOrThrows)
 
 TEST_F(StateWithoutMemory, LeavesABoundaryThatCannotBeRefusedAloud)
 {
-  const faults::ScopedHandler deaf([](const ko::log::Record&) {});
+  const faults::ScopedHandler deaf(&faults::ignoreRecord);
   const float former = KV::PersonState::getBinaryBoundaryPositive();
   const std::size_t failures =
       failEveryAllocation([] { return 0; }, [](int) { KV::PersonState::setBinaryBoundaryPositive(1.5f); },
