@@ -57,20 +57,25 @@ attr_t attributesOf(Look look, bool colors)
   }
 }
 
-}  // namespace
-
-Screen::Screen(bool colors) : _terminal(openTerminal())
+SCREEN* startScreen(std::FILE* terminal)
 {
   speakUtf8();
-  _screen = newterm(nullptr, _terminal.get(), _terminal.get());
-  if (_screen == nullptr)
+  SCREEN* const screen = newterm(nullptr, terminal, terminal);
+  if (screen == nullptr)
     throw std::runtime_error("this terminal cannot show a page: is TERM set right?");
+  return screen;
+}
+
+}  // namespace
+
+Screen::Screen(bool colors)
+  : _terminal(openTerminal()), _screen(startScreen(_terminal.get())), _colors(colors && has_colors())
+{
   cbreak();
   noecho();
   keypad(stdscr, true);
   nodelay(stdscr, true);
   curs_set(0);
-  _colors = colors && has_colors();
   if (_colors)
   {
     start_color();

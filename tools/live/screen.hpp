@@ -40,8 +40,8 @@ private:
   };
 
   std::unique_ptr<std::FILE, Close> _terminal;
-  void* _screen = nullptr;  // SCREEN of curses, whose header claims many common names
-  bool _colors = false;
+  void* _screen;  // SCREEN of curses, whose header claims many common names
+  bool _colors;
 };
 
 }  // namespace tools

@@ -64,6 +64,7 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::st
   };
   CLI::Option* const option = command.add_option_function<std::string>(name, take, help)->type_name(type);
   std::vector<std::string> words;
+  words.reserve(choices.size());
   for (const auto& choice : choices)
     words.push_back(choice.first);
   keepChoices(*option, words);
