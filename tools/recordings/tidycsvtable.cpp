@@ -8,6 +8,7 @@ namespace tools
 {
 namespace
 {
+
 bool isTidyColumn(const std::string& name)
 {
   return tidyColumnNamed(name).has_value();
