@@ -2,7 +2,7 @@
 #include "recording.hpp"
 
 #include "support/tablename.hpp"
-#include "tools/recordings/support.hpp"
+#include "librecordings/support.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "faultyprocess.hpp"
 
 #include "../allocationfault.hpp"
-#include "tools/replay/temporaryfolder.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <fcntl.h>
 #include <sys/types.h>

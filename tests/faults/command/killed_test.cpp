@@ -1,7 +1,7 @@
 #include "faultyprocess.hpp"
 #include "smallrecording.hpp"
 
-#include "tools/replay/temporaryfolder.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <gtest/gtest.h>
 

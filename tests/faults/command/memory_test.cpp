@@ -2,7 +2,7 @@
 #include "smallrecording.hpp"
 
 #include "support/tablename.hpp"
-#include "tools/replay/temporaryfolder.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <gtest/gtest.h>
 

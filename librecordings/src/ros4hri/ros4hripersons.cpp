@@ -1,0 +1,64 @@
+#include "ros4hripersons.hpp"
+
+#include "description.hpp"
+#include "quote.hpp"
+
+namespace tools
+{
+namespace
+{
+constexpr std::size_t mostDescribed = 5;
+}
+
+void RosbagPersons::addFace(const std::string& person, const std::string& face)
+{
+  if (!face.empty())
+    _faces[face] = _numberOf(person);
+}
+
+void RosbagPersons::addVoice(const std::string& person, const std::string& voice)
+{
+  if (!voice.empty())
+    _voices[voice] = _numberOf(person);
+}
+
+std::optional<std::int32_t> RosbagPersons::ofFace(const std::string& face)
+{
+  const auto found = _faces.find(face);
+  if (found != _faces.end())
+    return found->second;
+  if (_faces.size() >= mostFaces)
+    return {};
+  return _faces[face] = _next++;
+}
+
+std::optional<std::int32_t> RosbagPersons::ofVoice(const std::string& voice) const
+{
+  const auto found = _voices.find(voice);
+  return found == _voices.end() ? std::nullopt : std::make_optional(found->second);
+}
+
+std::string RosbagPersons::describe() const
+{
+  if (_names.empty())
+    return "persons are the faces in the order of their appearance";
+  std::vector<std::string> parts;
+  for (std::size_t number = 0; number < _names.size() && number < mostDescribed; ++number)
+    parts.push_back(std::to_string(number) + " is " + quote(_names[number]));
+  if (_names.size() > mostDescribed)
+    parts.push_back("and so on");
+  return "person " + listed(parts);
+}
+
+std::int32_t RosbagPersons::_numberOf(const std::string& person)
+{
+  const auto [entry, isNew] = _numbers.emplace(person, _next);
+  if (isNew)
+  {
+    _names.push_back(person);
+    ++_next;
+  }
+  return entry->second;
+}
+
+}  // namespace tools

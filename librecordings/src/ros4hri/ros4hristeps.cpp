@@ -1,0 +1,307 @@
+#include "ros4hristeps.hpp"
+
+#include "mapping.hpp"
+#include "quote.hpp"
+#include "rosangles.hpp"
+#include "rosreadings.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+
+namespace tools
+{
+namespace
+{
+using boost::chrono::milliseconds;
+
+const milliseconds longestCycle(15);     // from the first frame of a cycle to the last
+const milliseconds shortestPeriod(25);   // between two cycles in which somebody is told missing
+const milliseconds longestBreak(500);    // in the frames of a face, up to which its other readings wait for the next
+const milliseconds longestUnknown(250);  // without a frame, if nobody tells which faces are tracked
+const boost::chrono::seconds longestKept(60);
+
+constexpr double stillGaze = 0.0017;  // [rad] a tenth of a degree: what moves less is a constant
+
+const std::string facePrefix = "face_";
+const std::string gazePrefix = "gaze_";
+
+bool startsWith(const std::string& text, const std::string& prefix)
+{
+  return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+// ROS 1 wrote frames with a slash before their names.
+std::string frameName(const std::string& name)
+{
+  return startsWith(name, "/") ? name.substr(1) : name;
+}
+
+Transform transformOf(const RosTransform& told)
+{
+  const auto rotation = Rotation::fromQuaternion(told.rotation);
+  const Vector3& translation = told.translation;
+  if (!rotation || !std::isfinite(translation[0] + translation[1] + translation[2]))
+    throw RosMessageError("the frame " + quote(told.child) +
+                          " has no place: its numbers are none, or its rotation is 0");
+  return {*rotation, translation};
+}
+
+}  // namespace
+
+RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons)
+  : _options(options), _persons(persons), _units(readMapping(options.mapping).actionUnits)
+{}
+
+void RosbagCycles::advance(TimePoint time)
+{
+  if (_cycle && time - _cycle->begin > longestCycle)
+    _close();
+  _now = std::max(_now, time);
+}
+
+void RosbagCycles::transform(const std::vector<RosTransform>& transforms)
+{
+  for (const RosTransform& told : transforms)
+  {
+    const std::string child = frameName(told.child);
+    const Transform transform = transformOf(told);
+    const bool isFace = startsWith(child, facePrefix);
+    const std::string face = child.substr(std::min(child.size(), facePrefix.size()));
+    if (isFace && _cycle && _cycle->posed.count(face) > 0)
+      _close();  // with the frame as it was
+    if (!_tree.set(frameName(told.parent), child, transform))
+      throw RosMessageError("there are more than " + std::to_string(TransformTree::mostFrames) + " frames");
+    if (isFace)
+      _pose(face);
+    else if (startsWith(child, gazePrefix))
+      _noteGaze(face);
+  }
+}
+
+void RosbagCycles::trackedFaces(const RosIdsList& list)
+{
+  _tracked = std::set<std::string>(list.ids.begin(), list.ids.end());
+  _trackingFrame = frameName(list.header.frame);
+  // Where nobody is left there are no frames of faces, either, which would open a cycle.
+  if (!_cycle && (!_lastCycle || _now - *_lastCycle >= shortestPeriod))
+    _open();
+}
+
+void RosbagCycles::expression(const std::string& face, const RosExpression& expression)
+{
+  const auto expressions = expressionsOf(expression);
+  if (expressions)
+    _readingOf(face).pending.expressions.emplace(_now, *expressions);
+}
+
+void RosbagCycles::actionUnits(const std::string& face, const RosActionUnits& units)
+{
+  const RosScores scores = scoresOf(units, _units.names(), _options.actionUnitFullScale);
+  KV::PersonObservation& pending = _readingOf(face).pending;
+  if (const auto smile = _units.smile(scores.scores, scores.confidence))
+    pending.smile.emplace(_now, *smile);
+  const auto expressions = _units.expressions(scores.scores, scores.confidence);
+  if (expressions && !pending.expressions)  // a classifier of expressions knows better
+    pending.expressions.emplace(_now, *expressions);
+}
+
+void RosbagCycles::landmarks(const std::string& face, const RosLandmarks& landmarks)
+{
+  _readingOf(face).pending.facialPoints.emplace(_now, facialPointsOf(landmarks));
+}
+
+void RosbagCycles::speaking(const std::string& voice, bool speaks)
+{
+  if (const auto person = _persons.ofVoice(voice))
+    _speaking[*person].emplace(_now, speaks);
+}
+
+void RosbagCycles::finish()
+{
+  if (_cycle)
+    _close();
+}
+
+boost::optional<RecordingEntry> RosbagCycles::take()
+{
+  if (_entries.empty())
+    return {};
+  RecordingEntry entry = std::move(_entries.front());
+  _entries.pop_front();
+  return entry;
+}
+
+RosbagCycles::Face& RosbagCycles::_face(const std::string& name)
+{
+  const auto found = _faces.find(name);
+  if (found != _faces.end())
+    return found->second;
+  if (_faces.size() >= RosbagPersons::mostFaces)
+    throw RosMessageError("there are more than " + std::to_string(RosbagPersons::mostFaces) + " faces");
+  return _faces[name];
+}
+
+void RosbagCycles::_open()
+{
+  if (!_cycle)
+    _cycle = Cycle{_now, {}, {}};
+}
+
+void RosbagCycles::_pose(const std::string& face)
+{
+  _open();
+  _cycle->posed[face] = _now;
+  _cycle->faces.insert(face);
+  _face(face).posedAt = _now;
+}
+
+void RosbagCycles::_noteGaze(const std::string& name)
+{
+  const auto gaze = _tree.find(facePrefix + name, gazePrefix + name);
+  if (!gaze)
+    return;
+  Face& face = _face(name);
+  face.gazeIsNew = true;
+  if (!face.firstGaze)
+    face.firstGaze = gaze->rotation;
+  if ((face.firstGaze->inverse() * gaze->rotation).angle() > stillGaze)
+    _gaze = Gaze::Free;
+  else if (_gaze == Gaze::None)
+    _gaze = Gaze::FollowsFace;
+}
+
+// What is told of a face waits for its next frame, unless there are none.
+RosbagCycles::Face& RosbagCycles::_readingOf(const std::string& name)
+{
+  Face& face = _face(name);
+  face.pendingSince = _now;
+  if (!face.posedAt || _now - *face.posedAt > longestBreak)
+  {
+    _open();
+    _cycle->faces.insert(name);
+  }
+  return face;
+}
+
+void RosbagCycles::_close()
+{
+  std::set<std::int32_t> seen;
+  std::vector<RecordingEntry> entries;
+  for (const std::string& name : _cycle->faces)
+  {
+    const auto person = _persons.ofFace(name);
+    if (!person)
+      throw RosMessageError("there are more than " + std::to_string(RosbagPersons::mostFaces) + " faces");
+    const bool isFirst = seen.insert(*person).second;
+    if (!isFirst)
+      continue;  // the face of a person was found anew, under another name
+    if (auto entry = _entryOf(name, _face(name), *person))
+      entries.push_back(std::move(*entry));
+  }
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const RecordingEntry& left, const RecordingEntry& right) { return left.time < right.time; });
+  _entries.insert(_entries.end(), entries.begin(), entries.end());
+  _told.insert(seen.begin(), seen.end());
+  _tellMissing(seen);
+  _lastCycle = _cycle->begin;
+  _cycle = boost::none;
+}
+
+boost::optional<RecordingEntry> RosbagCycles::_entryOf(const std::string& name, Face& face, std::int32_t person)
+{
+  RecordingEntry entry;
+  entry.person = person;
+  entry.time = _cycle->begin;
+  entry.observation = std::exchange(face.pending, {});
+  if (face.pendingSince)
+    entry.time = std::max(entry.time, *face.pendingSince);
+  face.pendingSince = boost::none;
+  _addPose(name, face, entry.observation);
+  if (entry.observation.faceDetected)
+    entry.time = std::max(entry.time, entry.observation.faceDetected->time);
+  else
+    entry.observation.faceDetected.emplace(entry.time, true);
+
+  const auto spoken = _speaking.find(person);
+  if (spoken != _speaking.end())
+  {
+    entry.observation.speaking = spoken->second;
+    _speaking.erase(spoken);
+  }
+  return entry;
+}
+
+void RosbagCycles::_addPose(const std::string& name, Face& face, KV::PersonObservation& observation) const
+{
+  const auto posed = _cycle->posed.find(name);
+  const auto camera = _cameraOf(name);
+  if (posed == _cycle->posed.end() || !camera)
+    return;
+  FacePose pose = poseOf(*_tree.find(*camera, facePrefix + name));
+  const auto gaze = _tree.find(*camera, gazePrefix + name);
+  if (gaze && std::exchange(face.gazeIsNew, false))
+    pose.gaze = gazeOf(*gaze);
+  FaceReadings readings;
+  setPose(readings, pose, _options);
+  const KV::PersonObservation posedObservation = readings.observedAt(posed->second);
+  observation.faceDetected = posedObservation.faceDetected;
+  observation.headPosture = posedObservation.headPosture;
+  observation.gaze = posedObservation.gaze;
+  observation.distance = posedObservation.distance;
+  observation.headHeight = posedObservation.headHeight;
+}
+
+// The frame of the camera that sees the face: the one that the tracked faces are said to be in; else one that is called
+// optical, or the one that the face is told in.
+boost::optional<std::string> RosbagCycles::_cameraOf(const std::string& face) const
+{
+  const std::string frame = facePrefix + face;
+  if (!_trackingFrame.empty() && _trackingFrame != frame && _tree.find(_trackingFrame, frame))
+    return _trackingFrame;
+  const auto ancestors = _tree.ancestors(frame);
+  if (ancestors.empty())
+    return {};
+  const auto optical = std::find_if(ancestors.begin(), ancestors.end(),
+                                    [](const std::string& name) { return name.find("optical") != std::string::npos; });
+  return optical != ancestors.end() ? *optical : ancestors.front();
+}
+
+void RosbagCycles::_tellMissing(const std::set<std::int32_t>& seen)
+{
+  for (const std::int32_t person : seen)
+    _inView.see(person);
+  for (auto face = _faces.begin(); face != _faces.end();)
+  {
+    const auto person = _persons.ofFace(face->first);
+    const auto& posedAt = face->second.posedAt;
+    if (person && _told.count(*person) > 0 && _isAround(face->first, face->second))
+      _inView.see(*person);
+    const bool isOld = posedAt && _now - *posedAt > longestKept && !face->second.pendingSince;
+    face = isOld ? _faces.erase(face) : std::next(face);
+  }
+
+  if (_lastMissing && _cycle->begin - *_lastMissing < shortestPeriod)
+    return;
+  _lastMissing = _cycle->begin;
+  for (const std::int32_t person : _inView.endCycle())
+  {
+    RecordingEntry entry;
+    entry.time = _now;
+    entry.person = person;
+    entry.seen = false;
+    _entries.push_back(std::move(entry));
+  }
+}
+
+bool RosbagCycles::_isAround(const std::string& name, const Face& face) const
+{
+  if (_tracked)
+    return _tracked->count(name) > 0;
+  return face.posedAt && _now - *face.posedAt <= longestUnknown;
+}
+
+}  // namespace tools

@@ -1,0 +1,62 @@
+#include "ros4hritopics.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstddef>
+#include <string_view>
+
+namespace tools
+{
+namespace
+{
+struct Pattern
+{
+  std::string_view prefix;
+  std::string_view suffix;  // behind the id; empty: there is no id
+  RosTopicKind kind;
+  std::string_view type;
+};
+
+constexpr std::array<Pattern, 10> patterns{{
+    {"/tf", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
+    {"/tf_static", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
+    {"/humans/faces/tracked", "", RosTopicKind::TrackedFaces, "hri_msgs/msg/IdsList"},
+    {"/humans/faces/", "/expression", RosTopicKind::Expression, "hri_msgs/msg/Expression"},
+    {"/humans/faces/", "/facs", RosTopicKind::ActionUnits, "hri_msgs/msg/FacialActionUnits"},
+    {"/humans/faces/", "/landmarks", RosTopicKind::Landmarks, "hri_msgs/msg/FacialLandmarks"},
+    {"/humans/persons/", "/face_id", RosTopicKind::FaceOfPerson, "std_msgs/msg/String"},
+    {"/humans/persons/", "/voice_id", RosTopicKind::VoiceOfPerson, "std_msgs/msg/String"},
+    {"/humans/voices/", "/is_speaking", RosTopicKind::Speaking, "std_msgs/msg/Bool"},
+    {"/humans/voices/", "/speech", RosTopicKind::Speech, "hri_msgs/msg/LiveSpeech"},
+}};
+
+// ROS allows no others in the parts of a name.
+bool mayBeInName(char character)
+{
+  return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
+}
+
+std::optional<std::string> idIn(std::string_view name, const Pattern& pattern)
+{
+  if (pattern.suffix.empty())
+    return name == pattern.prefix ? std::make_optional(std::string()) : std::nullopt;
+  const std::size_t around = pattern.prefix.size() + pattern.suffix.size();
+  if (name.size() <= around || name.substr(0, pattern.prefix.size()) != pattern.prefix ||
+      name.substr(name.size() - pattern.suffix.size()) != pattern.suffix)
+    return {};
+  const std::string_view id = name.substr(pattern.prefix.size(), name.size() - around);
+  return std::all_of(id.begin(), id.end(), mayBeInName) ? std::make_optional(std::string(id)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<RosTopic> rosTopicOf(const std::string& name)
+{
+  for (const Pattern& pattern : patterns)
+    if (const auto id = idIn(name, pattern))
+      return RosTopic{pattern.kind, std::string(pattern.type), *id};
+  return {};
+}
+
+}  // namespace tools

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "recording.hpp"
+#include "ros4hristeps.hpp"
+#include "rosbagdatabase.hpp"
+#include "ros4hripersons.hpp"
+#include "ros4hritopics.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace tools
+{
+
+/// Tells from the first bytes of a file whether it is a database of SQLite.
+bool looksLikeRosbag(const std::string& head);
+
+/// Tells whether the path is the folder of a bag of ROS 2.
+bool isRosbagFolder(const std::string& path);
+
+/// Reads a bag of ROS 2 stored by SQLite, with what the nodes of ROS4HRI tell of persons.
+///
+/// Times are those at which the messages were received, as a running robot would have had them: stamps come from the
+/// clocks of other machines, may be 0 and, of static frames, are older than the bag. Bags of a simulation, whose times
+/// count from 0, are placed at recordingEpoch.
+class RosbagReader : public RecordingReader
+{
+public:
+  /// Opens the file, or all files of the folder.
+  ///
+  /// \throws RecordingError if it cannot be read, or has no topic that is read.
+  RosbagReader(const std::string& path, const ReadingOptions& options);
+
+  boost::optional<RecordingEntry> next() override;
+  std::vector<std::string> describe() const override;
+  std::vector<std::string> takeWarnings() override;
+  double progress() const override;
+
+private:
+  struct File
+  {
+    RosbagDatabase database;
+    std::map<std::int64_t, RosTopic> topics;  // that are read, by their keys in the file
+  };
+
+  void _openAll(const std::string& path);
+  File _opened(const std::string& path);
+  void _readPersons();
+  void _beginFile();
+  bool _readMessage();
+  void _take(const RosTopic& topic, BagMessage& message);
+  void _takeSpeech(const std::string& voice, BagMessage& message);
+  ko::SystemClock::time_point _timeOf(std::int64_t nanoseconds) const;
+  void _finish();
+  std::string _describeTopics() const;
+
+  ReadingOptions _options;
+  std::vector<File> _files;  // by the times of their first messages
+  RosbagPersons _persons;
+  RosbagCycles _cycles;
+  std::vector<std::string> _warnings;
+  std::size_t _file = 0;  // being read
+  std::int64_t _first = 0;
+  std::int64_t _last = 0;
+  std::int64_t _time = 0;  // of the message read last
+  std::int64_t _origin = 0;
+  bool _finished = false;
+};
+
+}  // namespace tools

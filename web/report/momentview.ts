@@ -1,0 +1,171 @@
+// What is said of one moment: its values, and why they changed.
+
+import { Force, Person, Recording } from "./data";
+import { element, table } from "../shared/dom";
+import { clock, percent, plain, signed, valenceWord, zoneWord } from "../shared/text";
+import { sourceLook, swatch } from "../shared/theme";
+
+interface Reading {
+  name: string;
+  text(value: number): string;
+}
+
+const share = (value: number) => plain(value);
+const degrees = (value: number) => `${signed(value, 1)}°`;
+
+const readings: Record<string, Reading> = {
+  smile: { name: "smile", text: share },
+  joy: { name: "joy", text: share },
+  sorrow: { name: "sorrow", text: share },
+  anger: { name: "anger", text: share },
+  surprise: { name: "surprise", text: share },
+  calm: { name: "calm", text: share },
+  voiceJoy: { name: "voice: joy", text: share },
+  voiceSorrow: { name: "voice: sorrow", text: share },
+  voiceAnger: { name: "voice: anger", text: share },
+  voiceCalm: { name: "voice: calm", text: share },
+  headYaw: { name: "head yaw", text: degrees },
+  headPitch: { name: "head pitch", text: degrees },
+  gazeYaw: { name: "gaze yaw", text: degrees },
+  gazePitch: { name: "gaze pitch", text: degrees },
+  distance: { name: "distance", text: (value) => `${plain(value)} m` },
+  headHeight: { name: "head height", text: (value) => `${plain(value)} m` },
+  speaking: { name: "speaks", text: (value) => (value > 0 ? "yes" : "no") },
+  speech: { name: "words", text: (value) => signed(value) },
+  touch: { name: "touch", text: (value) => (value > 0 ? "pleasant" : "unpleasant") },
+  context: { name: "context", text: (value) => signed(value, 0) },
+};
+
+/** A number as it reads; the exact one stays there for programs. */
+function number(key: string, value: number, text: string): HTMLElement {
+  return element("span", { "data-key": key, "data-value": String(value) }, text);
+}
+
+function state(key: string, text: string): HTMLElement {
+  return element("span", { "data-key": key }, text);
+}
+
+function line(name: string, words: (Node | string)[], value: Node): HTMLElement {
+  return element("div", {}, element("dt", {}, name), element("dd", { class: "words" }, ...words), element("dd", {}, value));
+}
+
+function sureness(key: string, confidence: number): (Node | string)[] {
+  return [number(key, confidence, percent(confidence)), " sure"];
+}
+
+function estimates(recording: Recording, person: Person, moment: number): HTMLElement[] {
+  const valence = person.valence[moment];
+  const attention = person.attention[moment];
+  const zone = person.seen[moment] ? zoneWord(recording.zoneNames[person.zone[moment]]) : "not visible";
+  const isFelt = person.valenceConfidence[moment] > 0;
+  return [
+    line("time", [`person ${person.id}`], number("time", person.time[moment], clock(person.time[moment], 2))),
+    line(
+      "valence",
+      [isFelt ? `${valenceWord(valence)}, ` : "", ...sureness("valenceConfidence", person.valenceConfidence[moment])],
+      number("valence", valence, signed(valence)),
+    ),
+    line(
+      "attention",
+      sureness("attentionConfidence", person.attentionConfidence[moment]),
+      number("attention", attention, percent(attention)),
+    ),
+    line("zone", [], state("zone", zone)),
+    line("pleasure", [], state("pleasure", recording.pleasureNames[person.pleasure[moment]])),
+  ];
+}
+
+function observed(person: Person, moment: number): HTMLElement[] {
+  const lines: HTMLElement[] = [];
+  for (const [name, values] of person.inputs) {
+    const reading = readings[name];
+    if (reading && !Number.isNaN(values[moment]))
+      lines.push(line(reading.name, [], number(name, values[moment], reading.text(values[moment]))));
+  }
+  return lines;
+}
+
+/** Shows the values of a moment in all views. */
+export function showReadout(target: HTMLElement, recording: Recording, person: Person, moment: number): void {
+  const inputs = observed(person, moment);
+  target.replaceChildren(
+    element(
+      "div",
+      { class: "card", "data-moment": String(moment) },
+      element("dl", { class: "readout" }, ...estimates(recording, person, moment)),
+      element("p", { class: "group" }, inputs.length > 0 ? "what came in" : "nothing came in"),
+      element("dl", { class: "readout inputs" }, ...inputs),
+    ),
+  );
+}
+
+/** Only valence has a sign. */
+function textOf(quantity: string, decimals = 3): (value: number) => string {
+  const isSigned = quantity === "valence" || quantity === "unsmoothed valence";
+  return (value) => (isSigned ? signed(value, decimals) : plain(value, decimals));
+}
+
+/** "Valence went from 0.41 to 0.12: Face characteristics −0.35, Touch emotion +0.06." */
+function sentence(quantity: string, forces: Force[]): string {
+  const own = forces.filter((force) => force.quantity === quantity);
+  const title = quantity[0].toUpperCase() + quantity.slice(1);
+  if (own.length === 0) return `Nothing pulled the ${quantity}.`;
+  const bySource = new Map<string, number>();
+  for (const { source, before, after } of own) bySource.set(source, (bySource.get(source) ?? 0) + after - before);
+  const text = textOf(quantity);
+  const parts = [...bySource]
+    .sort((left, right) => Math.abs(right[1]) - Math.abs(left[1]))
+    .map(([source, distance]) => `${source} ${signed(distance, 3)}`);
+  return `${title} went from ${text(own[0].before)} to ${text(own[own.length - 1].after)}: ${parts.join(", ")}.`;
+}
+
+/** Lists the forces of a moment in their order. */
+export function showPinned(target: HTMLElement, recording: Recording, person: Person, moment: number): void {
+  const forces = person.forcesAt(moment);
+  const rows = forces.map((force) => [
+    element(
+      "span",
+      { "data-source": force.source },
+      swatch(sourceLook(recording.ranks.indexOf(force.source))),
+      force.source,
+      element("small", {}, force.quantity),
+    ),
+    number("weight", force.weight, plain(force.weight, 3)),
+    number("target", force.target, textOf(force.quantity, 2)(force.target)),
+    number("before", force.before, textOf(force.quantity)(force.before)),
+    number("after", force.after, textOf(force.quantity)(force.after)),
+  ]);
+  const others = person.updates[moment] - 1;
+  target.replaceChildren(
+    element(
+      "div",
+      { class: "card", "data-moment": String(moment) },
+      element("p", { class: "sentence" }, sentence("valence", forces)),
+      element("p", { class: "sentence" }, sentence("attention", forces)),
+      element(
+        "div",
+        { class: "scroll" },
+        table(
+          `Forces at ${clock(person.time[moment], 2)}, in order`,
+          ["source and quantity", "weight", "target", "from", "to"],
+          rows,
+          [1, 2, 3, 4],
+        ),
+      ),
+      others > 0
+        ? element("p", { class: "note" }, `${others} updates between this moment and the one before it are not shown.`)
+        : null,
+      element("p", { class: "note keys" }, "Pinned. ", element("kbd", {}, "Esc"), " lets it go."),
+    ),
+  );
+}
+
+export function showNothingPinned(target: HTMLElement): void {
+  target.replaceChildren(
+    element(
+      "div",
+      { class: "card" },
+      element("p", { class: "note" }, "Click a moment, or press Enter, to see which forces acted in it, in their order."),
+    ),
+  );
+}

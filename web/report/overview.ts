@@ -1,0 +1,128 @@
+// What is said of the recording as a whole.
+
+import { ChartGroup, measuringAxis, timeAxis } from "../shared/chartgroup";
+import { Person, Recording, Scope } from "./data";
+import { element, table } from "../shared/dom";
+import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
+import { cssColor } from "../shared/theme";
+
+function facts(entries: [string, string][]): HTMLElement {
+  return element(
+    "dl",
+    { class: "facts" },
+    ...entries.map(([name, value]) => element("div", {}, element("dt", {}, name), element("dd", {}, value))),
+  );
+}
+
+function baseName(path: string): string {
+  return path.split("/").pop() ?? path;
+}
+
+function gapsText({ gaps }: Recording): string {
+  if (gaps.count === 0) return "none";
+  return `${gaps.count}, longest ${plain(gaps.longest, 1)} s at ${clock(gaps.at)}`;
+}
+
+export function showHeader(target: HTMLElement, recording: Recording): void {
+  const { begins, inputs, length, persons, updatesPerSecond } = recording;
+  const date = new Date(begins * 1000).toISOString().replace("T", " ").slice(0, 19);
+  const title = inputs.map(baseName).join(" + ");
+  document.title = `${title} · skeigiot`;
+  target.replaceChildren(
+    element("p", { class: "eyebrow" }, "skeigiot report: what it thought, and why"),
+    element("h1", {}, title),
+    facts([
+      ["persons", String(persons.length)],
+      ["duration", clock(length)],
+      ["steps per second", plain(updatesPerSecond, 1)],
+      ["gaps of a second or more", gapsText(recording)],
+      ["begins (UTC)", date],
+    ]),
+    ...recording.notes.map((note) => element("p", { class: "note" }, note)),
+  );
+}
+
+export function personFacts({ summary }: Person): HTMLElement {
+  return facts([
+    ["present", `${clock(summary.from)} to ${clock(summary.to)}`],
+    ["visible", percent(summary.visible)],
+    ["mean valence", `${signed(summary.valence)} (${valenceWord(summary.valence)})`],
+    ["mean attention", percent(summary.attention)],
+    ["engaged", percent(summary.engaged)],
+    ["updates", summary.updates.toLocaleString("en")],
+  ]);
+}
+
+const endings: Record<string, string> = {
+  "not stopped": "not stopped",
+  "cut short": "cut short by the end",
+  "not reached": "the recording ended before",
+  "not open": "stopped, but not started",
+};
+
+function scopeRow(scope: Scope, persons: Person[]): string[] {
+  const ending = endings[scope.end];
+  const verdictOf = (id: number) => {
+    const found = scope.persons.find((one) => one.id === id);
+    return found ? `${found.verdict} (${counted(found.updates, "update")})` : "";
+  };
+  return [
+    scope.name,
+    `${clock(scope.from)} to ${clock(scope.to)}${ending ? `, ${ending}` : ""}`,
+    ...persons.map(({ id }) => verdictOf(id)),
+  ];
+}
+
+function scopesCard({ persons, scopes }: Recording): HTMLElement {
+  const headings = ["scope", "time", ...persons.map(({ id }) => `person ${id}`)];
+  return element(
+    "div",
+    { class: "card scroll" },
+    table(
+      "Scopes and their verdicts",
+      headings,
+      scopes.map((scope) => scopeRow(scope, persons)),
+    ),
+  );
+}
+
+function boundariesCard({ boundaries }: Recording): HTMLElement {
+  const rows = boundaries.map(({ description, value }) => [description, signed(value).replace("+", "")]);
+  return element("div", { class: "card" }, table("Boundaries", ["what", "value"], rows, [1]));
+}
+
+function thinningText({ persons, stretch }: Recording): string {
+  if (stretch === 0) return "Every update of the recording is in this page.";
+  const kept = persons.reduce((sum, { time }) => sum + time.length, 0);
+  const all = persons.reduce((sum, { summary }) => sum + summary.updates, 0);
+  return (
+    `The recording is long, so this page holds ${counted(kept, "moment")} of its ${counted(all, "update")}. ` +
+    `Of each ${plain(stretch, 2)} s it keeps the least and the greatest of every estimate and every input, the first ` +
+    "change of zone, pleasure and visibility, and the first of each kind of event; every moment shown is an update as it was."
+  );
+}
+
+/** Adds the agitation of the room, if it was recorded. */
+export function addRoom(target: HTMLElement, { ambiance }: Recording, group: ChartGroup): void {
+  if (ambiance.time.length === 0) return;
+  const chart = element("div", { class: "chart" });
+  const title = element("h2", {}, "The room ", element("small", {}, "its agitation"));
+  target.append(element("div", { class: "card" }, title, chart));
+  group.add(
+    chart,
+    {
+      height: 110,
+      axes: [timeAxis(true), measuringAxis("")],
+      series: [{}, { stroke: cssColor("source-2"), width: 1.5, points: { show: false } }],
+    },
+    [ambiance.time, ambiance.agitation],
+  );
+}
+
+export function showRecording(target: HTMLElement, recording: Recording): void {
+  target.replaceChildren(
+    element("div", { class: "two" }, scopesCard(recording), boundariesCard(recording)),
+    element("p", { class: "note" }, thinningText(recording)),
+    element("p", { class: "note" }, `Read from ${recording.inputs.join(", ")}. Made by skeigiot report.`),
+  );
+}

@@ -1,0 +1,372 @@
+// The charts of one person.
+
+import uPlot from "uplot";
+import { ChartGroup, ChartOptions, gapsBeyond, measuringAxis, timeAxis, valueAxis, withoutNaN } from "../shared/chartgroup";
+import { Movement, Person, Recording } from "./data";
+import { element } from "../shared/dom";
+import { binned, byStrength, movementOptions, stacked } from "./movements";
+import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
+import { signed, zoneArrow, zoneWord } from "../shared/text";
+import { cssColor, Look, sourceLook, swatch, lineSwatch } from "../shared/theme";
+
+/** An update says what holds until the next one, for so long at most [s]. */
+const longestHold = 1;
+const pixelsPerBar = 7;
+
+interface Line {
+  input: string;
+  name: string;
+  color: string;
+  dash?: number[];
+}
+
+interface InputChart {
+  title: string;
+  unit: string;
+  range: [number, number] | null;
+  lines: Line[];
+}
+
+const inputCharts: InputChart[] = [
+  {
+    title: "Face",
+    unit: "",
+    range: [0, 1],
+    lines: [
+      { input: "smile", name: "smile", color: "source-0" },
+      { input: "joy", name: "joy", color: "source-2", dash: [7, 3] },
+      { input: "sorrow", name: "sorrow", color: "source-1", dash: [2, 3] },
+      { input: "anger", name: "anger", color: "source-3", dash: [9, 3, 2, 3] },
+      { input: "surprise", name: "surprise", color: "source-4", dash: [4, 4] },
+      { input: "calm", name: "calm", color: "source-6", dash: [1, 2] },
+    ],
+  },
+  {
+    title: "Voice",
+    unit: "",
+    range: [0, 1],
+    lines: [
+      { input: "voiceJoy", name: "joy", color: "source-2", dash: [7, 3] },
+      { input: "voiceSorrow", name: "sorrow", color: "source-1", dash: [2, 3] },
+      { input: "voiceAnger", name: "anger", color: "source-3", dash: [9, 3, 2, 3] },
+      { input: "voiceCalm", name: "calm", color: "source-6", dash: [1, 2] },
+    ],
+  },
+  {
+    title: "Yaw",
+    unit: "°",
+    range: null,
+    lines: [
+      { input: "headYaw", name: "head (positive: to their own right)", color: "source-0" },
+      { input: "gazeYaw", name: "gaze (positive: to their own left)", color: "source-1", dash: [5, 3] },
+    ],
+  },
+  {
+    title: "Pitch",
+    unit: "°",
+    range: null,
+    lines: [
+      { input: "headPitch", name: "head (positive: up)", color: "source-0" },
+      { input: "gazePitch", name: "gaze (positive: up)", color: "source-1", dash: [5, 3] },
+    ],
+  },
+  {
+    title: "Distance",
+    unit: " m",
+    range: null,
+    lines: [{ input: "distance", name: "from the robot", color: "source-0" }],
+  },
+];
+
+export class PersonView {
+  private readonly redraws: (() => void)[] = [];
+  private readonly longest: number;
+
+  constructor(
+    private readonly recording: Recording,
+    private readonly person: Person,
+    private readonly group: ChartGroup,
+    private readonly estimates: HTMLElement,
+    private readonly details: HTMLElement,
+  ) {
+    this.longest = Math.max(longestHold, 2 * recording.stretch);
+    estimates.replaceChildren();
+    details.replaceChildren();
+    this.addEstimates();
+    this.addInputs();
+    this.addMovements();
+  }
+
+  /** Adapts to the range that is shown now. */
+  rangeChanged(): void {
+    for (const redraw of this.redraws) redraw();
+  }
+
+  private addEstimates(): void {
+    const card = this.card(this.estimates);
+    this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
+    this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, -1));
+    this.heading(card, "Attention", "how much of it the robot has; the band likewise");
+    this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, 0));
+    this.chart(card, ribbonOptions(this.stateLanes(), true), [this.person.time, this.person.valence]);
+    card.append(
+      element(
+        "p",
+        { class: "note" },
+        "Zone: where the person looks, left and right being their own. ",
+        element("span", { class: "keys" }, "Drag to zoom in, double-click to see all again."),
+      ),
+    );
+  }
+
+  private addInputs(): void {
+    const card = this.card(this.details);
+    this.heading(card, "What came in", "");
+    for (const chart of inputCharts) this.addInputChart(card, chart);
+    const lanes = this.eventLanes();
+    if (lanes.length > 0) this.chart(card, ribbonOptions(lanes, true), [this.person.time, this.person.valence]);
+    if (this.person.inputs.size === 0) card.append(element("p", { class: "note" }, "Nothing was observed."));
+  }
+
+  private addInputChart(card: HTMLElement, { title, unit, range, lines }: InputChart): void {
+    const shown = lines.filter(({ input }) => this.person.inputs.has(input));
+    if (shown.length === 0) return;
+    card.append(
+      element("h3", {}, title),
+      element(
+        "ul",
+        { class: "legend" },
+        ...shown.map(({ name, color, dash }) => element("li", {}, lineSwatch(cssColor(color), dash), name)),
+      ),
+    );
+    const data = shown.map(({ input }) => withoutNaN(this.person.inputs.get(input) ?? []));
+    this.chart(
+      card,
+      {
+        height: 104,
+        scales: range ? { y: { range } } : {},
+        axes: [
+          timeAxis(false),
+          range
+            ? valueAxis(
+                new Map([
+                  [0, "0"],
+                  [0.5, "½"],
+                  [1, "1"],
+                ]),
+              )
+            : measuringAxis(unit),
+        ],
+        series: [
+          {},
+          ...shown.map(({ color, dash }): uPlot.Series => ({
+            stroke: cssColor(color),
+            width: 1.5,
+            dash,
+            gaps: gapsBeyond(this.longest),
+            points: { show: false },
+          })),
+        ],
+      },
+      [this.person.time, ...data],
+    );
+  }
+
+  private addMovements(): void {
+    this.addMovementsOf("What pulled valence", "up is towards positive", this.person.valenceMovements, false);
+    this.addMovementsOf("What pulled attention", "up is towards the robot", this.person.attentionMovements, true);
+  }
+
+  private addMovementsOf(title: string, hint: string, all: Movement[], isLast: boolean): void {
+    const movements = byStrength(all);
+    const card = this.card(this.details);
+    this.heading(card, title, `how far each source moved it in an update, on average over a bar; ${hint}`);
+    if (movements.length === 0) {
+      card.append(element("p", { class: "note" }, "Nothing did."));
+      return;
+    }
+    const looks = movements.map(({ source }) => sourceLook(this.recording.ranks.indexOf(source)));
+    card.append(this.sourceLegend(movements, looks));
+    const data = () => {
+      const count = Math.max(10, Math.round(card.clientWidth / pixelsPerBar));
+      return stacked(binned(this.person, movements, this.group.from, this.group.to, count));
+    };
+    const chart = this.chart(card, movementOptions(looks, isLast), data());
+    this.redraws.push(() => {
+      chart.setData(data(), false);
+      chart.redraw();
+      this.group.refresh(chart);
+    });
+  }
+
+  private sourceLegend(movements: Movement[], looks: Look[]): HTMLElement {
+    return element(
+      "ul",
+      { class: "legend" },
+      ...movements.map(({ source }, number) => element("li", {}, swatch(looks[number]), source)),
+    );
+  }
+
+  private valenceOptions(): ChartOptions {
+    const labels = new Map([
+      [-1, "negative"],
+      [-0.5, "−0.5"],
+      [0, "neutral"],
+      [0.5, "+0.5"],
+      [1, "positive"],
+    ]);
+    return this.bandOptions(190, [-1, 1], labels, "valence");
+  }
+
+  private attentionOptions(): ChartOptions {
+    const labels = new Map([
+      [0, "none"],
+      [0.5, "50 %"],
+      [1, "full"],
+    ]);
+    return this.bandOptions(140, [0, 1], labels, "attention");
+  }
+
+  private bandOptions(height: number, range: [number, number], labels: Map<number, string>, color: string): ChartOptions {
+    const gaps = gapsBeyond(this.longest);
+    const edge: uPlot.Series = { stroke: "transparent", width: 0, points: { show: false }, gaps };
+    return {
+      height,
+      scales: { y: { range: [range[0] - 0.03, range[1] + 0.03] } },
+      axes: [timeAxis(false), valueAxis(labels)],
+      bands: [{ series: [1, 2], fill: `${cssColor(color)}38` }],
+      series: [{}, edge, { ...edge }, { stroke: cssColor(color), width: 2, gaps, points: { show: false } }],
+    };
+  }
+
+  /** Returns the values with the upper and the lower edge of their band; where nothing is known there is no value. */
+  private withBand(values: Float32Array, confidences: Float32Array, least: number): uPlot.AlignedData {
+    const half = (i: number) => (1 - confidences[i]) / 2;
+    const ifKnown = (of: (i: number) => number) =>
+      Array.from(values, (_, i) => (confidences[i] > 0 ? of(i) : null));
+    return [
+      this.person.time,
+      ifKnown((i) => Math.min(1, values[i] + half(i))),
+      ifKnown((i) => Math.max(least, values[i] - half(i))),
+      ifKnown((i) => values[i]),
+    ];
+  }
+
+  private stateLanes(): Lane[] {
+    const { person, recording } = this;
+    const segments = (stateAt: (moment: number) => number, lookOf: Parameters<typeof segmentsOf>[3]) =>
+      segmentsOf(person.time, this.longest, stateAt, lookOf);
+    const hidden = -1;
+    const zone = segments(
+      (i) => (person.seen[i] ? person.zone[i] : hidden),
+      (state) => (state === hidden ? null : zoneLook(recording.zoneNames[state])),
+    );
+    const pleasure = segments((i) => person.pleasure[i], (state) => pleasureLook(recording.pleasureNames[state]));
+    const notVisible = segments(
+      (i) => person.seen[i],
+      (seen) =>
+        seen ? null : { look: { color: cssColor("hidden"), hatch: "cross" }, texts: ["not visible", "hidden", "✕"] },
+    );
+    return [
+      ...this.scopeLanes(),
+      { name: "zone", segments: zone, marks: [] },
+      { name: "pleasure", segments: pleasure, marks: [] },
+      { name: "hidden", segments: notVisible, marks: [] },
+    ];
+  }
+
+  /** Scopes that overlap lie in lanes below each other. */
+  private scopeLanes(): Lane[] {
+    const lanes: Lane[] = [];
+    for (const scope of this.recording.scopes) {
+      const isWhole = scope.from <= 0 && scope.to >= this.recording.length;
+      if (isWhole || scope.to <= scope.from) continue;
+      const verdict = scope.persons.find(({ id }) => id === this.person.id)?.verdict ?? "";
+      const segment = {
+        from: scope.from,
+        to: scope.to,
+        look: { color: cssColor("scope"), hatch: "solid" as const },
+        texts: [`${scope.name}: ${verdict}`, scope.name, verdict],
+      };
+      const free = lanes.find(({ segments }) => segments[segments.length - 1].to <= scope.from);
+      if (free) free.segments.push(segment);
+      else if (lanes.length < 3) lanes.push({ name: lanes.length === 0 ? "scopes" : "", segments: [segment], marks: [] });
+    }
+    return lanes;
+  }
+
+  private eventLanes(): Lane[] {
+    const { person } = this;
+    const lanes: Lane[] = [];
+    const speaking = person.inputs.get("speaking");
+    if (speaking)
+      lanes.push({
+        name: "speaks",
+        segments: segmentsOf(
+          person.time,
+          this.longest,
+          (i) => (speaking[i] > 0 ? 1 : 0),
+          (state) => (state ? { look: { color: cssColor("happening"), hatch: "rising" }, texts: ["speaks"] } : null),
+        ),
+        marks: [],
+      });
+    for (const [input, name] of [
+      ["speech", "words"],
+      ["touch", "touch"],
+      ["context", "context"],
+    ]) {
+      const values = person.inputs.get(input);
+      if (values) lanes.push({ name, segments: [], marks: marksOf(person.time, values, input) });
+    }
+    return lanes;
+  }
+
+  private card(target: HTMLElement): HTMLElement {
+    const card = element("div", { class: "card" });
+    target.append(card);
+    return card;
+  }
+
+  private heading(card: HTMLElement, title: string, hint: string): void {
+    card.append(element("h2", {}, title, " ", element("small", {}, hint)));
+  }
+
+  private chart(card: HTMLElement, options: ChartOptions, data: uPlot.AlignedData): uPlot {
+    const target = element("div", { class: "chart" });
+    card.append(target);
+    return this.group.add(target, options, data);
+  }
+}
+
+function zoneLook(name: string): { look: Look; texts: string[] } {
+  if (name === "Unknown") return { look: { color: cssColor("nowhere"), hatch: "dots" }, texts: ["no zone", "?"] };
+  const texts = [zoneWord(name), zoneArrow(name)];
+  if (name === "LookingAtRobot") return { look: { color: cssColor("robot"), hatch: "solid" }, texts };
+  return { look: { color: cssColor("elsewhere"), hatch: "solid" }, texts };
+}
+
+function pleasureLook(name: string): { look: Look; texts: string[] } {
+  switch (name) {
+    case "positive":
+      return { look: { color: cssColor("positive"), hatch: "solid" }, texts: ["positive", "+"] };
+    case "negative":
+      return { look: { color: cssColor("negative"), hatch: "rising" }, texts: ["negative", "−"] };
+    case "neutral":
+      return { look: { color: cssColor("neutral"), hatch: "solid" }, texts: ["neutral", "0"] };
+    default:
+      return { look: { color: cssColor("nowhere"), hatch: "dots" }, texts: ["unknown", "?"] };
+  }
+}
+
+function marksOf(times: Float64Array, values: Float32Array, input: string): Mark[] {
+  const marks: Mark[] = [];
+  values.forEach((value, i) => {
+    if (Number.isNaN(value)) return;
+    const isTouch = input === "touch";
+    const isPleasant = isTouch ? value > 0 : value >= 0;
+    const sign = isPleasant ? "▲" : "▼";
+    const words = isTouch ? (isPleasant ? "pleasant" : "unpleasant") : signed(value, 1);
+    marks.push({ time: times[i], texts: [`${sign} ${words}`, sign] });
+  });
+  return marks;
+}
