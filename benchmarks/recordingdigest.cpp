@@ -2,8 +2,7 @@
 
 #include "digestline.hpp"
 
-#include "recording.hpp"
-
+#include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/socialgraph.hpp>
 
 #include <ko/systemclock.hpp>
@@ -36,20 +35,20 @@ std::vector<fs::path> filesUnder(const fs::path& path)
 }
 
 /// Returns the next step that can be used, or nothing at the end.
-boost::optional<tools::RecordingEntry> nextUsable(tools::RecordingReader& reader)
+boost::optional<KV::recordings::Step> nextUsable(KV::recordings::Reader& reader)
 {
   for (;;)
     try
     {
       return reader.next();
     }
-    catch (const tools::BadLine&)
+    catch (const KV::recordings::BadLine&)
     {
       // the reader goes on behind it
     }
 }
 
-DigestLine digestOf(tools::RecordingReader& reader)
+DigestLine digestOf(KV::recordings::Reader& reader)
 {
   ko::ManualClock clock{ko::SystemClock::time_point()};
   const ko::ScopedClockSource scope(clock);
@@ -86,11 +85,11 @@ void writeDigestsOfRecordings(const fs::path& path)
   for (const fs::path& file : filesUnder(path))
     try
     {
-      const auto reader = tools::openRecording(file.string(), "", tools::ReadingOptions());
+      const auto reader = KV::recordings::openRecording(file.string(), "", KV::recordings::ReadingOptions());
       const std::string name = file == path ? file.filename().string() : file.lexically_relative(path).string();
       digestOf(*reader).write(std::cout, name);
     }
-    catch (const tools::RecordingError& error)
+    catch (const KV::recordings::Error& error)
     {
       std::cerr << error.what() << ": skipped\n";
     }

@@ -1,7 +1,7 @@
 #include "fullobservation.hpp"
 
-#include "recording.hpp"
-#include "session.hpp"
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <benchmark/benchmark.h>
 
@@ -65,7 +65,7 @@ private:
 template <typename Use>
 void readAll(const FaceFile& file, Use use)
 {
-  const auto reader = tools::openRecording(file.path(), "", tools::ReadingOptions());
+  const auto reader = KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions());
   while (const auto entry = reader->next())
     use(*entry);
 }
@@ -81,7 +81,7 @@ void BM_ReplayReadingAlone(benchmark::State& state)
 {
   const FaceFile file;
   for (auto _ : state)
-    readAll(file, [](const tools::RecordingEntry& entry) { benchmark::DoNotOptimize(entry.time); });
+    readAll(file, [](const KV::recordings::Step& entry) { benchmark::DoNotOptimize(entry.time); });
   countTime(state);
 }
 BENCHMARK(BM_ReplayReadingAlone)->Unit(benchmark::kMillisecond);
@@ -91,8 +91,8 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   const FaceFile file;
   for (auto _ : state)
   {
-    tools::Session session({}, {});
-    readAll(file, [&session](const tools::RecordingEntry& entry) { session.play(entry); });
+    KV::session::Session session({}, {});
+    readAll(file, [&session](const KV::recordings::Step& entry) { session.play(entry); });
     session.finish();
   }
   countTime(state);
@@ -102,10 +102,10 @@ BENCHMARK(BM_ReplayEndToEnd)->Unit(benchmark::kMillisecond);
 /// What is left where nothing is read: the steps are in memory, and in each of them all thirteen sensors report.
 void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
 {
-  std::vector<tools::RecordingEntry> entries(rows);
+  std::vector<KV::recordings::Step> entries(rows);
   for (int row = 0; row < rows; ++row)
   {
-    tools::RecordingEntry& entry = entries[static_cast<std::size_t>(row)];
+    KV::recordings::Step& entry = entries[static_cast<std::size_t>(row)];
     entry.time = benchmarks::epoch + row * boost::chrono::nanoseconds(1000000000 / rowsPerSecond);
     entry.person = 1;
     entry.observation = benchmarks::fullObservation(entry.time);
@@ -113,8 +113,8 @@ void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
 
   for (auto _ : state)
   {
-    tools::Session session({}, {});
-    for (const tools::RecordingEntry& entry : entries)
+    KV::session::Session session({}, {});
+    for (const KV::recordings::Step& entry : entries)
       session.play(entry);
     session.finish();
   }

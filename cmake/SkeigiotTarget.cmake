@@ -46,10 +46,19 @@ function(skeigiot_harden_target target)
 endfunction()
 
 # Makes the shared library `name` (alias `alias`) and the static library `name`-static (alias `alias`-static), through
-# which tests reach the private records. Both are made of the same objects, `name`-objects, so that each source is
-# compiled once; what only the sources need is linked to those.
+# which tests reach what is private. Both are made of the same objects, `name`-objects, so that each source is compiled
+# once.
+#
+#   SOURCES        the sources
+#   LINKS          libraries of ours that its headers need
+#   PRIVATE_LINKS  what only the sources need
+#   SOVERSION      of the interface; the project's major version by default
+#   STATIC_INSTALLED  the static library is installed as well
 function(skeigiot_add_library name alias)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "SOURCES;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "STATIC_INSTALLED" "SOVERSION" "SOURCES;LINKS;PRIVATE_LINKS")
+  if(NOT DEFINED arg_SOVERSION)
+    set(arg_SOVERSION ${PROJECT_VERSION_MAJOR})
+  endif()
   string(REGEX REPLACE ".*::" "" export_name ${alias})
   set(include_folders $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -58,8 +67,14 @@ function(skeigiot_add_library name alias)
   add_library(${name}-objects OBJECT ${arg_SOURCES})
   skeigiot_configure_target(${name}-objects)
   set_target_properties(${name}-objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
-  target_include_directories(${name}-objects PUBLIC ${include_folders})
-  target_link_libraries(${name}-objects PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
+  target_include_directories(
+    ${name}-objects
+    PUBLIC ${include_folders}
+    PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
+  target_link_libraries(
+    ${name}-objects
+    PUBLIC ${arg_LINKS} Boost::headers Threads::Threads
+    PRIVATE ${arg_PRIVATE_LINKS})
   if(SKEIGIOT_PROFILE STREQUAL "record")
     target_compile_options(${name}-objects PRIVATE -fprofile-generate -fprofile-update=atomic)
   elseif(SKEIGIOT_PROFILE STREQUAL "use")
@@ -68,11 +83,14 @@ function(skeigiot_add_library name alias)
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}-objects>)
   add_library(${alias} ALIAS ${name})
-  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${arg_SOVERSION}
                                            EXPORT_NAME ${export_name} LINK_DEPENDS ${skeigiot_exports})
   skeigiot_configure_target(${name})
   target_include_directories(${name} PUBLIC ${include_folders})
-  target_link_libraries(${name} PUBLIC ${arg_LINKS} Boost::headers Threads::Threads)
+  target_link_libraries(
+    ${name}
+    PUBLIC ${arg_LINKS} Boost::headers Threads::Threads
+    PRIVATE ${arg_PRIVATE_LINKS})
   # Never unloaded: the registered types, and values of them elsewhere, point into the library.
   target_link_options(${name} PRIVATE LINKER:--version-script=${skeigiot_exports} LINKER:-z,nodelete)
   if(SKEIGIOT_PROFILE STREQUAL "record")
@@ -84,10 +102,17 @@ function(skeigiot_add_library name alias)
   set_target_properties(${name}-static PROPERTIES OUTPUT_NAME ${name} EXPORT_NAME ${export_name}-static)
   skeigiot_configure_target(${name}-static)
   target_include_directories(${name}-static PUBLIC ${include_folders} $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/src>)
-  target_link_libraries(${name}-static PUBLIC ${static_links} Boost::headers Threads::Threads)
+  target_link_libraries(
+    ${name}-static
+    PUBLIC ${static_links} Boost::headers Threads::Threads
+    PRIVATE ${arg_PRIVATE_LINKS})
 
+  set(installed ${name})
+  if(arg_STATIC_INSTALLED)
+    list(APPEND installed ${name}-static)
+  endif()
   install(
-    TARGETS ${name} ${name}-static
+    TARGETS ${installed}
     EXPORT skeigiotTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
             COMPONENT runtime

@@ -4,8 +4,8 @@
 
 #include "curve.hpp"
 
-#include "jsonlineswriter.hpp"
-#include "recording.hpp"
+#include <skeigiot/recordings/jsonlineswriter.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -203,9 +203,9 @@ KV::PersonObservation observe(const Role& role, float time, SystemClock::time_po
   return observation;
 }
 
-tools::RecordingEntry stepOf(const Role& role, float time, SystemClock::time_point now, Tremor& tremor)
+KV::recordings::Step stepOf(const Role& role, float time, SystemClock::time_point now, Tremor& tremor)
 {
-  tools::RecordingEntry entry;
+  KV::recordings::Step entry;
   entry.time = now;
   entry.person = role.id;
   entry.seen = anyContains(role.visible, time);
@@ -215,10 +215,10 @@ tools::RecordingEntry stepOf(const Role& role, float time, SystemClock::time_poi
 }
 
 /// What the room tells, and which scopes begin and end, in the cycle from `time` on.
-tools::RecordingEntry roomStep(milliseconds sinceStart, SystemClock::time_point now)
+KV::recordings::Step roomStep(milliseconds sinceStart, SystemClock::time_point now)
 {
   const auto ms = sinceStart.count();
-  tools::RecordingEntry entry;
+  KV::recordings::Step entry;
   entry.time = now;
   entry.ambianceActivity = roomActivity(static_cast<float>(ms) / 1000.f);
   entry.movements = ms == 2000 || ms == 20000 || ms == 53000 ? 2 : 0;
@@ -239,7 +239,7 @@ tools::RecordingEntry roomStep(milliseconds sinceStart, SystemClock::time_point 
 
 void writeGreeting(std::ostream& stream)
 {
-  tools::JsonLinesWriter writer(stream);
+  KV::recordings::JsonLinesWriter writer(stream);
   Tremor tremor;
   const std::vector<Role> roles = {visitor(), doubter()};
   for (milliseconds sinceStart(0); sinceStart < duration; sinceStart += cycle)
@@ -252,7 +252,7 @@ void writeGreeting(std::ostream& stream)
         writer.write(stepOf(role, time, now, tremor));
   }
 
-  tools::RecordingEntry ending;
+  KV::recordings::Step ending;
   ending.time = beginning + duration;
   ending.scopeStops = {"farewell"};
   writer.write(ending);

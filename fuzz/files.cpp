@@ -1,10 +1,10 @@
+#include "face/mapping.hpp"
 #include "inputasfile.hpp"
+#include "ros4hri/rosmessages.hpp"
 #include "target.hpp"
 
-#include "inputfile.hpp"
-#include "mapping.hpp"
-#include "recording.hpp"
-#include "rosmessages.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <functional>
@@ -19,7 +19,7 @@ namespace
 
 void readLines(const std::string& path)
 {
-  tools::InputFile file(path);
+  KV::recordings::InputFile file(path);
   std::string_view line;
   std::size_t lines = 0;
   while (file.readLine(line))
@@ -32,7 +32,7 @@ void readLines(const std::string& path)
 
 void readBlocks(const std::string& path)
 {
-  tools::InputFile file(path);
+  KV::recordings::InputFile file(path);
   std::string_view block;
   while (file.readBlock(block))
     expect(!block.empty(), "a block holds something");
@@ -47,7 +47,7 @@ bool succeeds(Read read)
     read();
     return true;
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     expect(*error.what() != '\0', "a file that cannot be read is complained of");
     return false;
@@ -63,23 +63,27 @@ void fuzzGzip(std::string_view input)
   const bool byLines = succeeds([&path] { readLines(path); });
   const bool byBlocks = succeeds([&path] { readBlocks(path); });
   expect(byLines == byBlocks, "lines and blocks read alike");
-  succeeds([&path] { tools::InputFile::head(path, 1000); });
+  succeeds([&path] { KV::recordings::InputFile::head(path, 1000); });
 }
 
 void fuzzMapping(std::string_view input)
 {
   const InputAsFile file(input);
-  succeeds([&file] { tools::readMapping(file.path()); });
+  succeeds([&file] { KV::recordings::readMapping(file.path()); });
 }
 
 void fuzzRosMessages(std::string_view input)
 {
-  using tools::RosData;
+  using KV::recordings::RosData;
   static const std::vector<std::function<void(RosData&)>> readers = {
-      [](RosData& data) { tools::readTransforms(data); }, [](RosData& data) { tools::readIdsList(data); },
-      [](RosData& data) { tools::readExpression(data); }, [](RosData& data) { tools::readActionUnits(data); },
-      [](RosData& data) { tools::readLandmarks(data); },  [](RosData& data) { tools::readSpeech(data); },
-      [](RosData& data) { tools::readString(data); },     [](RosData& data) { tools::readBool(data); }};
+      [](RosData& data) { KV::recordings::readTransforms(data); },
+      [](RosData& data) { KV::recordings::readIdsList(data); },
+      [](RosData& data) { KV::recordings::readExpression(data); },
+      [](RosData& data) { KV::recordings::readActionUnits(data); },
+      [](RosData& data) { KV::recordings::readLandmarks(data); },
+      [](RosData& data) { KV::recordings::readSpeech(data); },
+      [](RosData& data) { KV::recordings::readString(data); },
+      [](RosData& data) { KV::recordings::readBool(data); }};
   for (const auto& reader : readers)
   {
     RosData data(input.begin(), input.end());
@@ -87,7 +91,7 @@ void fuzzRosMessages(std::string_view input)
     {
       reader(data);
     }
-    catch (const tools::RosMessageError& error)
+    catch (const KV::recordings::RosMessageError& error)
     {
       expect(*error.what() != '\0', "a message that cannot be read is complained of");
     }

@@ -1,8 +1,8 @@
 #include "inputasfile.hpp"
 #include "target.hpp"
 
-#include "observationjson.hpp"
-#include "recording.hpp"
+#include <skeigiot/recordings/observationjson.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <optional>
@@ -14,14 +14,14 @@ namespace fuzz
 namespace
 {
 
-using tools::RecordingEntry;
+using KV::recordings::Step;
 
 constexpr int mostEntries = 200;  // of one input; what comes behind is more of the same
 
 /// Readings under each of several options; which is chosen by the length of the input, so that an input stays a file.
-tools::ReadingOptions optionsFor(std::size_t length)
+KV::recordings::ReadingOptions optionsFor(std::size_t length)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   switch (length % 4)
   {
     case 1:
@@ -44,27 +44,27 @@ tools::ReadingOptions optionsFor(std::size_t length)
 }
 
 /// What was read can be written, and reads back as the same.
-void expectRoundTrip(const RecordingEntry& entry)
+void expectRoundTrip(const Step& entry)
 {
-  const std::string text = tools::entryToJson(entry);
-  expect(tools::entryToJson(tools::entryFromJson(text)) == text, "a step reads back as it was written");
+  const std::string text = KV::recordings::stepToJson(entry);
+  expect(KV::recordings::stepToJson(KV::recordings::stepFromJson(text)) == text, "a step reads back as it was written");
 }
 
 /// Returns the next step; nothing at the end, or where the file cannot be read on.
-std::optional<RecordingEntry> nextOf(tools::RecordingReader& reader)
+std::optional<Step> nextOf(KV::recordings::Reader& reader)
 {
   for (int badLines = 0; badLines < mostEntries; ++badLines)
   {
     try
     {
       const auto entry = reader.next();
-      return entry ? std::optional<RecordingEntry>(*entry) : std::nullopt;
+      return entry ? std::optional<Step>(*entry) : std::nullopt;
     }
-    catch (const tools::BadLine& error)
+    catch (const KV::recordings::BadLine& error)
     {
       expect(*error.what() != '\0', "a bad line is complained of");
     }
-    catch (const tools::RecordingError&)
+    catch (const KV::recordings::Error&)
     {
       return std::nullopt;
     }
@@ -72,13 +72,13 @@ std::optional<RecordingEntry> nextOf(tools::RecordingReader& reader)
   return std::nullopt;
 }
 
-void readToItsEnd(tools::RecordingReader& reader)
+void readToItsEnd(KV::recordings::Reader& reader)
 {
   expect(!reader.describe().empty(), "a recording is described");
   std::optional<ko::SystemClock::time_point> before;
   for (int i = 0; i < mostEntries; ++i)
   {
-    const std::optional<RecordingEntry> entry = nextOf(reader);
+    const std::optional<Step> entry = nextOf(reader);
     if (!entry)
       break;
     expect(!before || entry->time >= *before, "times do not run backwards");
@@ -95,9 +95,9 @@ void read(std::string_view input, const std::string& format)
   const InputAsFile file(input);
   try
   {
-    readToItsEnd(*tools::openRecording(file.path(), format, optionsFor(input.size())));
+    readToItsEnd(*KV::recordings::openRecording(file.path(), format, optionsFor(input.size())));
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     expect(*error.what() != '\0', "a recording that cannot be read is complained of");
   }

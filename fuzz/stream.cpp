@@ -1,6 +1,6 @@
-#include "stream.hpp"
+#include <skeigiot/session/stream.hpp>
 
-#include "lineinput.hpp"
+#include "cli/lineinput.hpp"
 #include "target.hpp"
 
 #include <nlohmann/json.hpp>
@@ -25,9 +25,9 @@ void expectOneObject(const std::string& answer)
 }
 
 /// Answers every line that has come in, and returns how many there were.
-std::size_t answerLines(tools::Stream& stream, tools::LineInput& lines)
+std::size_t answerLines(KV::session::Stream& stream, KV::tools::LineInput& lines)
 {
-  using Line = tools::LineInput::Line;
+  using Line = KV::tools::LineInput::Line;
   std::size_t count = 0;
   std::string_view line;
   for (Line state = lines.take(line); state != Line::NotYetHere; state = lines.take(line))
@@ -38,11 +38,11 @@ std::size_t answerLines(tools::Stream& stream, tools::LineInput& lines)
   return count;
 }
 
-void answerAll(std::string_view input, tools::StreamTimes times)
+void answerAll(std::string_view input, KV::session::StreamTimes times)
 {
-  const tools::TimePoint arrival(boost::chrono::seconds(1577836800));
-  tools::Stream stream(times, [arrival] { return arrival; });
-  tools::LineInput lines(longestLine);
+  const KV::session::TimePoint arrival(boost::chrono::seconds(1577836800));
+  KV::session::Stream stream(times, [arrival] { return arrival; });
+  KV::tools::LineInput lines(longestLine);
   std::size_t answers = 0;
   for (std::size_t i = 0; i < input.size(); i += pieceSize)
   {
@@ -60,8 +60,8 @@ void answerAll(std::string_view input, tools::StreamTimes times)
 
 void fuzzStream(std::string_view input)
 {
-  answerAll(input, tools::StreamTimes::Lines);
-  answerAll(input, tools::StreamTimes::Arrival);
+  answerAll(input, KV::session::StreamTimes::Lines);
+  answerAll(input, KV::session::StreamTimes::Arrival);
 }
 
 }  // namespace fuzz

@@ -1,11 +1,10 @@
-#include "commandline.hpp"
-#include "exitstatus.hpp"
-#include "interruption.hpp"
-#include "outputstream.hpp"
+#include "cli/exitstatus.hpp"
+#include "cli/interruption.hpp"
+#include "commands/commandline.hpp"
+
+#include <skeigiot/session/outputstream.hpp>
 
 #include <CLI/CLI.hpp>
-
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -14,29 +13,31 @@
 #include <memory>
 #include <new>
 
+#include <unistd.h>
+
 namespace
 {
 
 constexpr const char* outOfMemory = "skeigiot: there is not enough memory\n";
 
-tools::ExitStatus run(int argc, char** argv)
+KV::tools::ExitStatus run(int argc, char** argv)
 {
-  tools::ExitStatus status = tools::Success;
-  const std::unique_ptr<CLI::App> app = tools::commandLine(status);
+  KV::tools::ExitStatus status = KV::tools::Success;
+  const std::unique_ptr<CLI::App> app = KV::tools::commandLine(status);
   try
   {
     app->parse(argc, argv);
   }
   catch (const CLI::Success& wish)  // help or version
   {
-    tools::OutputStream output(STDOUT_FILENO, "standard output");
+    KV::session::OutputStream output(STDOUT_FILENO, "standard output");
     app->exit(wish, output);
     output.flush();
   }
   catch (const CLI::ParseError& error)
   {
     std::cerr << "skeigiot: " << error.what() << "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'." << std::endl;
-    return tools::BadInput;
+    return KV::tools::BadInput;
   }
   return status;
 }
@@ -45,15 +46,15 @@ int runAndReport(int argc, char** argv)
 {
   try
   {
-    const tools::Interruption interruption;
+    const KV::tools::Interruption interruption;
     return run(argc, argv);
   }
-  catch (const tools::WriteError& error)
+  catch (const KV::session::WriteError& error)
   {
     if (!error.pipeClosed())
       std::cerr << "skeigiot: " << error.what() << std::endl;
   }
-  catch (const tools::Interrupted& interrupted)
+  catch (const KV::tools::Interrupted& interrupted)
   {
     std::raise(interrupted.signal);  // whoever started the program learns how it ended
   }
@@ -65,7 +66,7 @@ int runAndReport(int argc, char** argv)
   {
     std::cerr << "skeigiot: " << error.what() << std::endl;
   }
-  return tools::Failure;
+  return KV::tools::Failure;
 }
 
 /// For what ends a program on the spot, such as an exception of a destructor: libraries have some that need memory.
@@ -78,7 +79,7 @@ int runAndReport(int argc, char** argv)
   catch (const std::bad_alloc&)
   {
     std::cerr << outOfMemory << std::flush;
-    std::_Exit(tools::Failure);
+    std::_Exit(KV::tools::Failure);
   }
   catch (...)
   {}

@@ -9,34 +9,25 @@ from pathlib import Path
 
 # What each part is, from the top of the picture to its bottom. A part of the tree that is not here is an error.
 PARTS = {
-    "tools": "the command",
-    "tools/manual": "makes manual pages\\nand completion",
-    "tools/report": "a page of a recording",
-    "tools/live": "answers and shows\\nwhat comes in",
-    "tools/inspect": "what is in a recording",
-    "tools/types": "lists records\\nby name",
-    "tools/explain": "why an estimate moved",
-    "tools/replay": "sessions, timeline,\\nexports, options",
-    "tools/recordings": "reads every format",
+    "tools": "the command: command line and terminal",
     "python": "the Python module",
     "examples": "programs to start from",
     "benchmarks": "cost and floors",
     "fuzz": "input by chance",
+    "libsession": "namespace KV::session: playing,\\nexplaining, exporting, live",
+    "librecordings": "namespace KV::recordings:\\nreads every format",
     "libemotion": "namespace KV: observations, memories,\\nstate, persons, recorder",
     "libko": "namespace ko: clock, log, types",
 }
 
 LEFT_OUT = {"tests", "docs", "validation"}  # they may include anything, and nothing includes them
 
-COLORS = {"tools": "#e8f1fa", "libemotion": "#fdebd8", "libko": "#e6f4ea"}
+COLORS = {"tools": "#e8f1fa", "librecordings": "#f3e9f7", "libsession": "#fbe9ec", "libemotion": "#fdebd8", "libko": "#e6f4ea"}
 
 
 def part_of(path):
     """The part of the tree that a file belongs to, by its path below the top."""
-    folders = path.parts[:-1]
-    if folders and folders[0] == "tools":
-        return "/".join(folders[:2])
-    return folders[0] if folders else ""
+    return path.parts[0] if len(path.parts) > 1 else ""
 
 
 def sources(tree):
@@ -59,12 +50,16 @@ def dependencies(tree):
     pairs = set()
     for file in files:
         for header in re.findall(r'^#include [<"]([^>"]+)[>"]', (tree / file).read_text(), re.MULTILINE):
-            if header.startswith("skeigiot/"):
+            if header.startswith("skeigiot/recordings/"):
+                included = {"librecordings"}
+            elif header.startswith("skeigiot/session/"):
+                included = {"libsession"}
+            elif header.startswith("skeigiot/"):
                 included = {"libemotion"}
             elif header.startswith("ko/"):
                 included = {"libko"}
             else:
-                included = owners.get(header, set())
+                included = owners.get(header.split("/")[-1], set())
             if part_of(file) not in included and len(included) == 1:
                 pairs.add((part_of(file), *included))
     return pairs

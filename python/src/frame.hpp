@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tidytable.hpp"
+#include <skeigiot/recordings/tidytable.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -34,7 +34,7 @@ struct Frame
 /// the reading smile. Then all readings of a row become rows; a row about a person without a reading says that the
 /// person was seen.
 ///
-/// \throws RecordingError if there is no time or no reading.
-std::unique_ptr<tools::TidyTable> tableOf(const Frame& frame);
+/// \throws Error if there is no time or no reading.
+std::unique_ptr<KV::recordings::TidyTable> tableOf(const Frame& frame);
 
 }  // namespace binding

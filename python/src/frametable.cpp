@@ -1,6 +1,6 @@
 #include "frametable.hpp"
 
-#include "csvnumbers.hpp"
+#include <skeigiot/recordings/limits.hpp>
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,7 @@ namespace binding
 namespace
 {
 
-using Column = tools::TidyColumn;
+using Column = KV::recordings::TidyColumn;
 
 std::string textOf(double number)
 {
@@ -39,7 +39,7 @@ FrameTable::FrameTable(const Frame& frame) : _frame(frame)
 {
   const auto isTime = [](const FrameColumn& column) { return column.name == nameOf(Column::Time); };
   if (!_frame.moments && std::none_of(_frame.columns.begin(), _frame.columns.end(), isTime))
-    throw tools::RecordingError({_frame.name, 0, {}}, "there is no column time");
+    throw KV::recordings::Error({_frame.name, 0, {}}, "there is no column time");
 }
 
 bool FrameTable::has(Column column) const
@@ -60,7 +60,7 @@ double FrameTable::number(Column column) const
 {
   const FrameColumn& source = *field(column);
   const double value = source.numbers ? source.numbers[_row] : numberIn(source.texts[_row]);
-  if (!(std::abs(value) <= tools::greatestMeasurement))
+  if (!(std::abs(value) <= KV::recordings::greatestMeasurement))
     refuseValue(column, "a number");
   return value;
 }
@@ -76,7 +76,7 @@ std::int64_t FrameTable::wholeNumber(Column column, double least, double greates
 double FrameTable::seconds(Column column) const
 {
   const double value = number(column);
-  if (value < tools::earliestTimestamp || value > tools::latestTimestamp)
+  if (value < KV::recordings::earliestTimestamp || value > KV::recordings::latestTimestamp)
     refuseValue(column, "seconds, from the start of the recording or since 1970");
   return value;
 }
@@ -88,12 +88,12 @@ std::optional<ko::SystemClock::time_point> FrameTable::moment() const
   return ko::SystemClock::time_point(ko::SystemClock::duration(_frame.moments[_row]));
 }
 
-tools::RecordingError::Place FrameTable::placeOf(Column column) const
+KV::recordings::Error::Place FrameTable::placeOf(Column column) const
 {
   return {place().file, 0, nameOfField(column)};
 }
 
-tools::RecordingError::Place FrameTable::place() const
+KV::recordings::Error::Place FrameTable::place() const
 {
   return {_frame.name + ", row " + std::to_string(_row), 0, {}};
 }
@@ -110,7 +110,7 @@ void FrameTable::note(const FrameColumn& column, bool isRead)
 
 bool FrameTable::isFilled(const FrameColumn& column) const
 {
-  return column.numbers ? !std::isnan(column.numbers[_row]) : !tools::isEmptyField(column.texts[_row]);
+  return column.numbers ? !std::isnan(column.numbers[_row]) : !KV::recordings::isEmptyField(column.texts[_row]);
 }
 
 }  // namespace binding

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "frame.hpp"
-#include "tidytable.hpp"
+
+#include <skeigiot/recordings/tidytable.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,30 +13,30 @@ namespace binding
 {
 
 /// What both forms of frames have in common: where the fields of a row are is for them to say.
-class FrameTable : public tools::TidyTable
+class FrameTable : public KV::recordings::TidyTable
 {
 public:
-  bool has(tools::TidyColumn column) const override;
-  std::string text(tools::TidyColumn column) const override;
-  double number(tools::TidyColumn column) const override;
-  std::int64_t wholeNumber(tools::TidyColumn column, double least, double greatest) const override;
-  double seconds(tools::TidyColumn column) const override;
+  bool has(KV::recordings::TidyColumn column) const override;
+  std::string text(KV::recordings::TidyColumn column) const override;
+  double number(KV::recordings::TidyColumn column) const override;
+  std::int64_t wholeNumber(KV::recordings::TidyColumn column, double least, double greatest) const override;
+  double seconds(KV::recordings::TidyColumn column) const override;
   std::optional<ko::SystemClock::time_point> moment() const override;
-  tools::RecordingError::Place placeOf(tools::TidyColumn column) const override;
-  tools::RecordingError::Place place() const override;
-  const tools::RecordingColumns& columns() const override { return _columns; }
+  KV::recordings::Error::Place placeOf(KV::recordings::TidyColumn column) const override;
+  KV::recordings::Error::Place place() const override;
+  const KV::recordings::Columns& columns() const override { return _columns; }
   const char* kind() const override { return "Frame"; }
   double progress() const override;
 
 protected:
-  /// \throws RecordingError if the frame has no times.
+  /// \throws Error if the frame has no times.
   explicit FrameTable(const Frame& frame);
 
   /// Returns the column that holds the field; null if there is none.
-  virtual const FrameColumn* field(tools::TidyColumn column) const = 0;
+  virtual const FrameColumn* field(KV::recordings::TidyColumn column) const = 0;
 
   /// Returns what the frame calls the field, there or not.
-  virtual std::string nameOfField(tools::TidyColumn column) const = 0;
+  virtual std::string nameOfField(KV::recordings::TidyColumn column) const = 0;
 
   const std::vector<FrameColumn>& frameColumns() const { return _frame.columns; }
 
@@ -48,7 +49,7 @@ protected:
 
 private:
   const Frame _frame;
-  tools::RecordingColumns _columns;
+  KV::recordings::Columns _columns;
   std::size_t _row = 0;
 };
 

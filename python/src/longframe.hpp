@@ -13,12 +13,12 @@ namespace binding
 class LongFrame : public FrameTable
 {
 public:
-  /// \throws RecordingError if the frame has no times.
+  /// \throws Error if the frame has no times.
   explicit LongFrame(const Frame& frame) : FrameTable(frame)
   {
     for (const FrameColumn& column : frameColumns())
     {
-      const auto known = tools::tidyColumnNamed(column.name);
+      const auto known = KV::recordings::tidyColumnNamed(column.name);
       if (known)
         _fields.at(static_cast<std::size_t>(*known)) = &column;
       note(column, known.has_value());
@@ -33,17 +33,17 @@ public:
     return !isAtEnd();
   }
 
-  bool hasColumn(tools::TidyColumn column) const override { return field(column) != nullptr; }
+  bool hasColumn(KV::recordings::TidyColumn column) const override { return field(column) != nullptr; }
 
 protected:
-  const FrameColumn* field(tools::TidyColumn column) const override
+  const FrameColumn* field(KV::recordings::TidyColumn column) const override
   {
     return _fields.at(static_cast<std::size_t>(column));
   }
-  std::string nameOfField(tools::TidyColumn column) const override { return tools::nameOf(column); }
+  std::string nameOfField(KV::recordings::TidyColumn column) const override { return KV::recordings::nameOf(column); }
 
 private:
-  std::array<const FrameColumn*, tools::tidyColumnCount> _fields{};
+  std::array<const FrameColumn*, KV::recordings::tidyColumnCount> _fields{};
   bool _begun = false;
 };
 

@@ -1,10 +1,10 @@
 #include "module.hpp"
-
-#include "boundary.hpp"
-#include "orderedjobs.hpp"
 #include "replayrun.hpp"
 #include "silencedlog.hpp"
 #include "unlocked.hpp"
+
+#include <skeigiot/session/boundary.hpp>
+#include <skeigiot/session/orderedjobs.hpp>
 
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
@@ -69,14 +69,14 @@ public:
   {
     if (!values.empty())
       _lock = std::unique_lock<std::mutex>(mutex());
-    for (const tools::Boundary& boundary : tools::boundaries())
+    for (const KV::session::Boundary& boundary : KV::session::boundaries())
     {
       const auto value = values.find(boundary.option);
       if (value == values.end())
         continue;
       const float before = boundary.get();
       const SilencedLog silenced;
-      tools::setBoundary(boundary, value->second);
+      KV::session::setBoundary(boundary, value->second);
       _before.emplace_back(&boundary, before);
     }
   }
@@ -98,7 +98,7 @@ private:
   }
 
   std::unique_lock<std::mutex> _lock;
-  std::vector<std::pair<const tools::Boundary*, float>> _before;
+  std::vector<std::pair<const KV::session::Boundary*, float>> _before;
 };
 
 /// Decodes what may hold the name of a file, which is any bytes.
@@ -116,7 +116,7 @@ py::list textsOf(const std::vector<std::string>& texts)
   return list;
 }
 
-py::object errorOf(const boost::optional<tools::RecordingError>& error)
+py::object errorOf(const boost::optional<KV::recordings::Error>& error)
 {
   if (!error)
     return py::none();
@@ -124,30 +124,30 @@ py::object errorOf(const boost::optional<tools::RecordingError>& error)
   return py::make_tuple(textOf(error->what()), textOf(place.file), place.line, textOf(place.field));
 }
 
-const char* nameOf(tools::ScopeEnd end)
+const char* nameOf(KV::session::ScopeEnd end)
 {
   switch (end)
   {
-    case tools::ScopeEnd::Complete:
+    case KV::session::ScopeEnd::Complete:
       return "complete";
-    case tools::ScopeEnd::NotStopped:
+    case KV::session::ScopeEnd::NotStopped:
       return "not stopped";
-    case tools::ScopeEnd::CutShort:
+    case KV::session::ScopeEnd::CutShort:
       return "cut short";
-    case tools::ScopeEnd::NotReached:
+    case KV::session::ScopeEnd::NotReached:
       return "not reached";
-    case tools::ScopeEnd::NotOpen:
+    case KV::session::ScopeEnd::NotOpen:
       return "not open";
   }
   return "";
 }
 
-double secondsOf(tools::Duration duration)
+double secondsOf(KV::session::Duration duration)
 {
   return static_cast<double>(duration.count()) / 1e9;
 }
 
-py::tuple verdictOf(const tools::ScopeVerdict& verdict)
+py::tuple verdictOf(const KV::session::ScopeVerdict& verdict)
 {
   py::dict persons;
   for (const auto& [person, found] : verdict.persons)
@@ -159,7 +159,7 @@ py::tuple verdictOf(const tools::ScopeVerdict& verdict)
 py::dict dictOf(ReplayOutcome& outcome)
 {
   py::list verdicts;
-  for (const tools::ScopeVerdict& verdict : outcome.tables.verdicts)
+  for (const KV::session::ScopeVerdict& verdict : outcome.tables.verdicts)
     verdicts.append(verdictOf(verdict));
   py::dict dict;
   dict["name"] = textOf(outcome.name);
@@ -205,9 +205,9 @@ void take(const py::dict& options, const char* name, boost::optional<T>& target)
     target = options[name].cast<T>();
 }
 
-tools::ReadingOptions readingFrom(const py::dict& options)
+KV::recordings::ReadingOptions readingFrom(const py::dict& options)
 {
-  tools::ReadingOptions reading;
+  KV::recordings::ReadingOptions reading;
   take(options, "fps", reading.framesPerSecond);
   take(options, "camera_height", reading.cameraHeight);
   reading.mirrored = options["mirrored"].cast<bool>();
@@ -219,15 +219,16 @@ tools::ReadingOptions readingFrom(const py::dict& options)
   return reading;
 }
 
-std::vector<tools::ScopeSpan> scopesFrom(const py::list& source)
+std::vector<KV::session::ScopeSpan> scopesFrom(const py::list& source)
 {
-  std::vector<tools::ScopeSpan> scopes;
+  std::vector<KV::session::ScopeSpan> scopes;
   for (const py::handle item : source)
   {
     const auto scope = item.cast<py::tuple>();
-    tools::ScopeSpan span{scope[0].cast<std::string>(), tools::Duration(scope[1].cast<std::int64_t>()), boost::none};
+    KV::session::ScopeSpan span{scope[0].cast<std::string>(), KV::session::Duration(scope[1].cast<std::int64_t>()),
+                                boost::none};
     if (!scope[2].is_none())
-      span.to = tools::Duration(scope[2].cast<std::int64_t>());
+      span.to = KV::session::Duration(scope[2].cast<std::int64_t>());
     scopes.push_back(std::move(span));
   }
   return scopes;
@@ -259,7 +260,7 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
   for (const py::handle item : inputs)
   {
     const auto input = item.cast<py::tuple>();
-    const tools::Duration offset(input[1].cast<std::int64_t>());
+    const KV::session::Duration offset(input[1].cast<std::int64_t>());
     if (py::isinstance<py::bytes>(input[0]))
     {
       request.session.inputs.push_back({input[0].cast<std::string>(), offset});
@@ -283,7 +284,7 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
 /// Each on a thread of its own, `jobs` at a time.
 std::vector<ReplayOutcome> replayEach(const std::vector<ReplayRequest>& requests, std::size_t jobs)
 {
-  using Jobs = tools::OrderedJobs<ReplayOutcome>;
+  using Jobs = KV::session::OrderedJobs<ReplayOutcome>;
   Jobs running(requests.size(), jobs, [&requests](std::size_t number, const Jobs::Cancelled& cancelled) {
     return replay(requests[number], [&cancelled] {
       if (cancelled)
@@ -303,10 +304,10 @@ py::tuple replayAll(const std::vector<std::string>& paths, std::size_t jobs, con
   const Boundaries boundaries = boundariesFrom(options);
   std::vector<std::string> notes;
   std::vector<ReplayOutcome> outcomes = unlocked([&] {
-    tools::SessionPlan plan = tools::planSessions({paths, {}, true, common.format});
+    KV::session::SessionPlan plan = KV::session::planSessions({paths, {}, true, common.format});
     notes = std::move(plan.notes);
     std::vector<ReplayRequest> requests;
-    for (tools::SessionInputs& session : plan.sessions)
+    for (KV::session::SessionInputs& session : plan.sessions)
     {
       ReplayRequest& request = requests.emplace_back(common);
       request.session = std::move(session);
@@ -329,7 +330,7 @@ void translateRecordingError(std::exception_ptr exception)
     if (exception)
       std::rethrow_exception(exception);
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     const py::object type = py::module_::import("skeigiot._errors").attr("RecordingError");
     PyErr_SetObject(type.ptr(), type(*errorOf(error).cast<py::tuple>()).ptr());
@@ -342,11 +343,11 @@ void bindReplay(py::module_& module)
 {
   py::register_exception_translator(translateRecordingError);
   py::list formats;
-  for (const tools::RecordingFormat& format : tools::recordingFormats())
+  for (const KV::recordings::Format& format : KV::recordings::recordingFormats())
     formats.append(format.name);
   module.attr("_formats") = py::tuple(formats);
   py::list boundaries;
-  for (const tools::Boundary& boundary : tools::boundaries())
+  for (const KV::session::Boundary& boundary : KV::session::boundaries())
     boundaries.append(boundary.option);
   module.attr("_boundaries") = py::tuple(boundaries);
   module.def("_replay", &replayOne, py::arg("inputs"), py::arg("options"));

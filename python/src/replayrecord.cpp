@@ -1,7 +1,7 @@
 #include "replayrecord.hpp"
 
-#include "exportfields.hpp"
-#include "forcenames.hpp"
+#include <skeigiot/session/exportfields.hpp>
+#include <skeigiot/session/forcenames.hpp>
 
 namespace binding
 {
@@ -12,7 +12,7 @@ void ReplayRecord::forceActed(const KV::Force& force)
   forces.beginRow();
   forces("row", _updates);
   forces("source", force.source);
-  forces("quantity", tools::quantityName(force.quantity));
+  forces("quantity", KV::session::quantityName(force.quantity));
   forces("target", force.target);
   forces("weight", force.weight);
   forces("before", force.before);
@@ -24,12 +24,12 @@ void ReplayRecord::zoneChanged(const KV::ZoneChange& change)
   Columns& zoneChanges = _tables.zoneChanges;
   zoneChanges.beginRow();
   zoneChanges("row", _updates);
-  zoneChanges("from", tools::zoneName(change.from));
-  zoneChanges("to", tools::zoneName(change.to));
-  zoneChanges("evidence", tools::evidenceName(change.evidence));
+  zoneChanges("from", KV::session::zoneName(change.from));
+  zoneChanges("to", KV::session::zoneName(change.to));
+  zoneChanges("evidence", KV::session::evidenceName(change.evidence));
 }
 
-void ReplayRecord::stepBegins(const tools::RecordingEntry& entry)
+void ReplayRecord::stepBegins(const KV::recordings::Step& entry)
 {
   if (!_begun)
     _start = entry.time;
@@ -37,10 +37,10 @@ void ReplayRecord::stepBegins(const tools::RecordingEntry& entry)
   _now = entry.time;
 }
 
-void ReplayRecord::personUpdated(const tools::Snapshot& snapshot)
+void ReplayRecord::personUpdated(const KV::session::Snapshot& snapshot)
 {
   _tables.updates.beginRow();
-  tools::forEachExportedField(_recording, snapshot, _tables.updates);
+  KV::session::forEachExportedField(_recording, snapshot, _tables.updates);
   ++_updates;
 }
 

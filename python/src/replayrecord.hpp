@@ -1,8 +1,9 @@
 #pragma once
 
 #include "columns.hpp"
-#include "scopes.hpp"
-#include "sessionobserver.hpp"
+
+#include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
 
 #include <cstdint>
 #include <vector>
@@ -17,11 +18,11 @@ struct ReplayTables
   Columns forces;       ///< "row" is that of the update
   Columns zoneChanges;  ///< likewise
   Columns ambiance;
-  std::vector<tools::ScopeVerdict> verdicts;
+  std::vector<KV::session::ScopeVerdict> verdicts;
 };
 
 /// Keeps what a session tells in tables.
-class ReplayRecord : public tools::SessionObserver
+class ReplayRecord : public KV::session::SessionObserver
 {
 public:
   /// `recording` is the number of the session, as exports have it. The tables must outlive the record.
@@ -29,18 +30,18 @@ public:
 
   void forceActed(const KV::Force& force) override;
   void zoneChanged(const KV::ZoneChange& change) override;
-  void stepBegins(const tools::RecordingEntry& entry) override;
-  void personUpdated(const tools::Snapshot& snapshot) override;
+  void stepBegins(const KV::recordings::Step& entry) override;
+  void personUpdated(const KV::session::Snapshot& snapshot) override;
   void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
-  void scopeJudged(const tools::ScopeVerdict& verdict) override { _tables.verdicts.push_back(verdict); }
+  void scopeJudged(const KV::session::ScopeVerdict& verdict) override { _tables.verdicts.push_back(verdict); }
 
 private:
   std::int32_t _recording;
   ReplayTables& _tables;
   std::int64_t _updates = 0;
   bool _begun = false;
-  tools::TimePoint _start;
-  tools::TimePoint _now;
+  KV::session::TimePoint _start;
+  KV::session::TimePoint _now;
 };
 
 }  // namespace binding

@@ -1,10 +1,9 @@
 #include "replayrun.hpp"
 
-#include "librarylog.hpp"
-#include "notedreading.hpp"
-#include "session.hpp"
 #include "silencedlog.hpp"
-#include "tidyreader.hpp"
+
+#include <skeigiot/recordings/tidyreader.hpp>
+#include <skeigiot/session/player.hpp>
 
 #include <memory>
 #include <utility>
@@ -15,34 +14,15 @@ namespace binding
 namespace
 {
 
-using tools::NotedReading;
-
-std::unique_ptr<tools::RecordingReader> open(const ReplayRequest& request)
+std::unique_ptr<KV::recordings::Reader> open(const ReplayRequest& request)
 {
-  return tools::openSession(request.session,
-                            [&request](const std::string& path) -> std::unique_ptr<tools::RecordingReader> {
-                              const auto frame = request.frames.find(path);
-                              if (frame != request.frames.end())
-                                return std::make_unique<tools::TidyReader>(tableOf(frame->second));
-                              return tools::openRecording(path, request.format, request.reading);
-                            });
-}
-
-void play(NotedReading& reading, tools::RecordingReader& reader, tools::Session& session, ReplayOutcome& outcome,
-          const std::function<void()>& check)
-{
-  boost::optional<tools::RecordingEntry> entry;
-  for (bool isFirst = true;; isFirst = false)
-  {
-    const auto step = reading.next(entry);
-    check();
-    if (isFirst)
-      outcome.description = reader.describe();  // what was found out with the first step is in it
-    if (step == NotedReading::Step::End)
-      return;
-    if (entry)
-      session.play(*entry);
-  }
+  return KV::session::openSession(request.session,
+                                  [&request](const std::string& path) -> std::unique_ptr<KV::recordings::Reader> {
+                                    const auto frame = request.frames.find(path);
+                                    if (frame != request.frames.end())
+                                      return std::make_unique<KV::recordings::TidyReader>(tableOf(frame->second));
+                                    return KV::recordings::openRecording(path, request.format, request.reading);
+                                  });
 }
 
 void add(std::vector<std::string>& texts, std::vector<std::string> others)
@@ -51,47 +31,40 @@ void add(std::vector<std::string>& texts, std::vector<std::string> others)
     texts.push_back(std::move(text));
 }
 
-void replay(const ReplayRequest& request, tools::RecordingReader& reader, ReplayOutcome& outcome,
-            const std::function<void()>& check)
+KV::session::PlayerOptions optionsOf(const ReplayRequest& request)
 {
-  std::vector<tools::ScopeSpan> spans{{"whole recording", tools::Duration(0), boost::none}};
-  spans.insert(spans.end(), request.scopes.begin(), request.scopes.end());
-  ReplayRecord record(request.number, outcome.tables);
-  tools::Session session(spans, {&record}, request.explain ? tools::Forces::Watched : tools::Forces::Unwatched);
-  const SilencedLog silenced;
-  tools::LibraryLog log;
-  NotedReading reading(reader, request.skipBad);
-
-  play(reading, reader, session, outcome, check);
-  session.finish();
-
-  outcome.length = session.length();
-  outcome.error = reading.error();
-  outcome.warnings = reading.warnings();
-  if (const std::string skipped = reading.skippedText(); !skipped.empty())
-    outcome.warnings.push_back(skipped);
-  if (const std::string leftOut = session.takeLeftOut(); !leftOut.empty())
-    outcome.warnings.push_back(leftOut);
-  add(outcome.warnings, log.take());
+  KV::session::PlayerOptions options;
+  options.skipBad = request.skipBad;
+  options.forces = request.explain ? KV::session::Forces::Watched : KV::session::Forces::Unwatched;
+  options.scopes.push_back({"whole recording", KV::session::Duration(0), boost::none});
+  options.scopes.insert(options.scopes.end(), request.scopes.begin(), request.scopes.end());
+  return options;
 }
 
 }  // namespace
 
 ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check)
 {
-  ReplayOutcome outcome;
-  outcome.name = request.session.name();
-  try
-  {
-    const std::unique_ptr<tools::RecordingReader> reader = open(request);
-    replay(request, *reader, outcome, check);
-  }
-  catch (const tools::RecordingError& error)
-  {
-    check();  // opening may fail for that reason alone
-    outcome.error = error;
-  }
-  return outcome;
+  ReplayOutcome result;
+  result.name = request.session.name();
+  ReplayRecord record(request.number, result.tables);
+  const SilencedLog silenced;
+  const KV::session::Player player(optionsOf(request), [&check](const KV::session::Progress&) {
+    check();
+    return true;
+  });
+  KV::session::Outcome outcome = player.play([&request] { return open(request); }, {&record});
+
+  result.length = outcome.length;
+  result.description = std::move(outcome.description);
+  result.error = std::move(outcome.error);
+  result.warnings = outcome.warningLines();
+  if (outcome.badLines > 0)
+    result.warnings.push_back(outcome.skippedText());
+  if (!outcome.leftOut.empty())
+    result.warnings.push_back(outcome.leftOut);
+  add(result.warnings, std::move(outcome.libraryWarnings));
+  return result;
 }
 
 }  // namespace binding

@@ -2,8 +2,9 @@
 
 #include "frame.hpp"
 #include "replayrecord.hpp"
-#include "scopespan.hpp"
-#include "sessionplan.hpp"
+
+#include <skeigiot/session/scopespan.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -19,14 +20,14 @@ namespace binding
 /// What to replay, and how.
 struct ReplayRequest
 {
-  tools::SessionInputs session;
+  KV::session::SessionInputs session;
   std::map<std::string, Frame> frames;  ///< by their names in the session; all others are paths
   std::string format;                   ///< of the files; empty: found out
-  tools::ReadingOptions reading;
+  KV::recordings::ReadingOptions reading;
   bool skipBad = false;
   bool explain = false;
-  std::vector<tools::ScopeSpan> scopes;  ///< besides the whole recording
-  std::int32_t number = 1;               ///< of the session, as exports have it
+  std::vector<KV::session::ScopeSpan> scopes;  ///< besides the whole recording
+  std::int32_t number = 1;                     ///< of the session, as exports have it
 };
 
 /// What came of it.
@@ -34,10 +35,10 @@ struct ReplayOutcome
 {
   std::string name;
   ReplayTables tables;
-  tools::Duration length{0};
+  KV::session::Duration length{0};
   std::vector<std::string> description;
   std::vector<std::string> warnings;
-  boost::optional<tools::RecordingError> error;  ///< what ended the recording before its end
+  boost::optional<KV::recordings::Error> error;  ///< what ended the recording before its end
 };
 
 /// Replays one session as the command does, without the interpreter lock.

@@ -1,6 +1,6 @@
 #include "wideframe.hpp"
 
-#include "tidyreadings.hpp"
+#include <skeigiot/recordings/tidyreadings.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +11,7 @@ namespace binding
 namespace
 {
 
-using Column = tools::TidyColumn;
+using Column = KV::recordings::TidyColumn;
 
 const char* const seen = "seen";  // the reading that a row without readings is
 
@@ -22,7 +22,7 @@ WideFrame::WideFrame(const Frame& frame) : FrameTable(frame)
   for (const FrameColumn& column : frameColumns())
     note(column, _take(column));
   if (_readings.empty())
-    throw tools::RecordingError(
+    throw KV::recordings::Error(
         {frame.name, 0, {}}, "no column is a reading, such as 'smile', 'gaze.yaw' and 'gaze.pitch', 'expressions.joy'");
 }
 
@@ -81,13 +81,13 @@ std::string WideFrame::nameOfField(Column column) const
   if (column == Column::Reading)
     return text(column);
   const bool isOfRow = column == Column::Time || column == Column::Person;
-  return isOfRow ? tools::nameOf(column) : text(Column::Reading) + "." + tools::nameOf(column);
+  return isOfRow ? KV::recordings::nameOf(column) : text(Column::Reading) + "." + KV::recordings::nameOf(column);
 }
 
 bool WideFrame::_take(const FrameColumn& column)
 {
   for (const auto& [name, target] : {std::make_pair(Column::Time, &_time), std::make_pair(Column::Person, &_person)})
-    if (column.name == tools::nameOf(name))
+    if (column.name == KV::recordings::nameOf(name))
     {
       *target = &column;
       return true;
@@ -95,14 +95,15 @@ bool WideFrame::_take(const FrameColumn& column)
   if (_takeAs(column.name, Column::Value, column))
     return true;
   const std::size_t dot = column.name.rfind('.');
-  const auto field = dot == std::string::npos ? std::nullopt : tools::tidyColumnNamed(column.name.substr(dot + 1));
+  const auto field =
+      dot == std::string::npos ? std::nullopt : KV::recordings::tidyColumnNamed(column.name.substr(dot + 1));
   return field && *field != Column::Value && _takeAs(column.name.substr(0, dot), *field, column);
 }
 
 /// Tells whether there is such a reading, and it has the field.
 bool WideFrame::_takeAs(const std::string& reading, Column field, const FrameColumn& column)
 {
-  const auto known = tools::tidyReadingNamed(reading);
+  const auto known = KV::recordings::tidyReadingNamed(reading);
   if (!known)
     return false;
   const auto contains = [field](const std::vector<Column>& fields) {

@@ -14,17 +14,17 @@ namespace binding
 class WideFrame : public FrameTable
 {
 public:
-  /// \throws RecordingError if the frame has no times, or no readings.
+  /// \throws Error if the frame has no times, or no readings.
   explicit WideFrame(const Frame& frame);
 
   bool next() override;
-  bool hasColumn(tools::TidyColumn column) const override;
-  bool has(tools::TidyColumn column) const override;
-  std::string text(tools::TidyColumn column) const override;
+  bool hasColumn(KV::recordings::TidyColumn column) const override;
+  bool has(KV::recordings::TidyColumn column) const override;
+  std::string text(KV::recordings::TidyColumn column) const override;
 
 protected:
-  const FrameColumn* field(tools::TidyColumn column) const override;
-  std::string nameOfField(tools::TidyColumn column) const override;
+  const FrameColumn* field(KV::recordings::TidyColumn column) const override;
+  std::string nameOfField(KV::recordings::TidyColumn column) const override;
 
 private:
   /// The columns of a reading.
@@ -32,11 +32,11 @@ private:
   {
     std::string name;
     bool ofPerson = true;
-    std::array<const FrameColumn*, tools::tidyColumnCount> fields{};
+    std::array<const FrameColumn*, KV::recordings::tidyColumnCount> fields{};
   };
 
   bool _take(const FrameColumn& column);
-  bool _takeAs(const std::string& reading, tools::TidyColumn field, const FrameColumn& column);
+  bool _takeAs(const std::string& reading, KV::recordings::TidyColumn field, const FrameColumn& column);
   bool _isThere(const Reading& reading) const;
   bool _hasSilentPerson() const { return _person ? isFilled(*_person) && !_saidOfPerson : !_saidAnything; }
   bool _saysOnlySeen() const { return _at == _readings.size(); }

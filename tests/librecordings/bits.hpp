@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
 #include <cstring>
@@ -14,7 +14,7 @@ namespace support
 class Bits
 {
 public:
-  static std::vector<std::uint64_t> of(const tools::RecordingEntry& entry)
+  static std::vector<std::uint64_t> of(const KV::recordings::Step& entry)
   {
     Bits bits;
     bits._add(entry.time);
@@ -51,7 +51,7 @@ private:
       _bits.push_back(static_cast<unsigned char>(character));
   }
 
-  void _add(const tools::ScopeStart& start)
+  void _add(const KV::recordings::ScopeStart& start)
   {
     _add(start.name);
     _add(start.samples);

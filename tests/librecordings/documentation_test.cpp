@@ -1,5 +1,5 @@
-#include "mapping.hpp"
-#include "support.hpp"
+#include "face/mapping.hpp"
+#include "librecordings/support.hpp"
 
 #include <gmock/gmock.h>
 
@@ -42,7 +42,7 @@ TEST_F(RecordingPage, ShowsExamplesThatCanBeReadInTheirOrder)
 TEST_F(RecordingPage, ShowsAMappingThatCanBeRead)
 {
   const auto mapping =
-      tools::readMapping(folder.write("mapping.json", examplesOf(SKEIGIOT_RECORDING_PAGE, "```json mapping")));
+      KV::recordings::readMapping(folder.write("mapping.json", examplesOf(SKEIGIOT_RECORDING_PAGE, "```json mapping")));
   EXPECT_FLOAT_EQ(1.5f, mapping.actionUnits.laughter.limit.at(0).weight);
   EXPECT_TRUE(mapping.actionUnits.sorrow.sum.empty());
   EXPECT_EQ(2u, mapping.blendshapes.joy.sum.size());

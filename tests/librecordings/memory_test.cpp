@@ -1,4 +1,4 @@
-#include "support.hpp"
+#include "librecordings/support.hpp"
 
 #include <sys/resource.h>
 
@@ -39,7 +39,7 @@ TEST(ReadingMemory, DoesNotGrowWithTheFile)
   const std::string path = writeWideTable(folder, std::size_t{100} << 20U);
 
   const double before = peakMemory();
-  const auto reader = tools::openRecording(path, "", {});
+  const auto reader = KV::recordings::openRecording(path, "", {});
   std::size_t entries = 0;
   while (reader->next())
     ++entries;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include "recording.hpp"
-#include "support.hpp"
+#include "librecordings/support.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <array>
 #include <cstdint>
@@ -19,9 +20,9 @@ class RandomEntries
 public:
   explicit RandomEntries(std::uint32_t seed) : _random(seed) {}
 
-  tools::RecordingEntry next()
+  KV::recordings::Step next()
   {
-    tools::RecordingEntry entry;
+    KV::recordings::Step entry;
     _nanoseconds += _upTo(100000000);
     entry.time = timeOf(_nanoseconds);
     if (_perhaps())

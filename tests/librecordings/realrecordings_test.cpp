@@ -1,5 +1,5 @@
-#include "csvrows.hpp"
-#include "facesteps.hpp"
+#include "csv/csvrows.hpp"
+#include "librecordings/face/facesteps.hpp"
 
 #include <gmock/gmock.h>
 
@@ -63,7 +63,7 @@ double correlation(const std::vector<double>& x, const std::vector<double>& y)
 // Columns of a file as numbers.
 std::map<std::string, std::vector<double>> columnsOf(const std::string& path, const std::vector<std::string>& names)
 {
-  tools::CsvRows rows(path);
+  KV::recordings::CsvRows rows(path);
   rows.next();
   const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
   std::map<std::string, std::vector<double>> columns;
@@ -120,7 +120,7 @@ const std::vector<std::string> filesWithPose = {"openface/openfaceR_lara.csv.gz"
 
 Contents contentsFromTheAxis(const std::string& path)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.lineOfSight = false;
   return support::contentsOf(path, "", options);
 }
@@ -213,7 +213,7 @@ TEST_F(RealRecording, WithAMillisecondFromFrameToFrameIsDoubted)
   for (const auto& entry : contents.entries)
     ASSERT_GT(entry.observation.facialPoints.value().value.globalConfidence(), 0.8f);
 
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.framesPerSecond = 30.0;
   const auto atThirty = support::contentsOf(path(name), "", options);
   EXPECT_THAT(atThirty.warnings, IsEmpty());
@@ -353,7 +353,7 @@ TEST_F(RealRecording, OfLiveLinkFaceTurnsTheEyesAsTheirScoresDo)
 {
   const std::string name = "arkit/livelinkface_apfel.csv.gz";
   SKIP_UNLESS_THERE(name);
-  tools::CsvRows rows(path(name));
+  KV::recordings::CsvRows rows(path(name));
   rows.next();
   const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
   const auto columnAt = [&header](const std::string& column) {
@@ -419,7 +419,7 @@ TEST_F(RealRecording, OfTheFaceLandmarkerHasThePostureOfItsMatrix)
   json += "]}]}";
 
   const support::TemporaryFolder folder;
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.lineOfSight = false;
   const auto contents = support::contentsOf(folder.write("result.json", json), "", options);
   ASSERT_EQ(1u, contents.entries.size()) << contents.fatal;

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
+
+#include <boost/chrono/duration.hpp>
 
 #include <gtest/gtest.h>
 #include <zlib.h>
-#include <boost/chrono/duration.hpp>
 
 #include <cstdint>
 #include <cstdlib>
@@ -31,7 +32,7 @@ inline ko::SystemClock::time_point timeOf(std::int64_t nanoseconds)
 }
 
 /// [s] since the beginning of a recording whose time stamps count from 0.
-inline double secondsOf(const tools::RecordingEntry& entry)
+inline double secondsOf(const KV::recordings::Step& entry)
 {
   return static_cast<double>(nanosecondsOf(entry.time) - recordingEpoch) * 1e-9;
 }
@@ -81,7 +82,7 @@ private:
 /// Everything that a recording gave.
 struct Contents
 {
-  std::vector<tools::RecordingEntry> entries;
+  std::vector<KV::recordings::Step> entries;
   std::vector<std::string> badLines;  ///< their messages
   std::string fatal;                  ///< the message of the error that ended it, if one did
   std::vector<std::string> warnings;
@@ -89,7 +90,7 @@ struct Contents
 };
 
 /// Reads the recording to its end, over bad lines.
-inline Contents contentsOf(tools::RecordingReader& reader)
+inline Contents contentsOf(KV::recordings::Reader& reader)
 {
   Contents contents;
   contents.description = reader.describe();
@@ -104,13 +105,13 @@ inline Contents contentsOf(tools::RecordingReader& reader)
           break;
         contents.entries.push_back(*entry);
       }
-      catch (const tools::BadLine& error)
+      catch (const KV::recordings::BadLine& error)
       {
         contents.badLines.emplace_back(error.what());
       }
     }
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     contents.fatal = error.what();
   }
@@ -120,13 +121,13 @@ inline Contents contentsOf(tools::RecordingReader& reader)
 
 /// Opens the recording and reads it to its end, over bad lines.
 inline Contents contentsOf(const std::string& path, const std::string& format = "",
-                           const tools::ReadingOptions& options = {})
+                           const KV::recordings::ReadingOptions& options = {})
 {
   try
   {
-    return contentsOf(*tools::openRecording(path, format, options));
+    return contentsOf(*KV::recordings::openRecording(path, format, options));
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     Contents contents;
     contents.fatal = error.what();
@@ -138,13 +139,13 @@ inline Contents contentsOf(const std::string& path, const std::string& format = 
 class RecordingTest : public ::testing::Test
 {
 protected:
-  Contents read(const std::string& text, const tools::ReadingOptions& options = {}) const
+  Contents read(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     return contentsOf(folder.write("recording", text), "", options);
   }
 
   /// Returns how the one error of this recording goes on behind the name of the file.
-  std::string errorOf(const std::string& text, const tools::ReadingOptions& options = {}) const
+  std::string errorOf(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     const Contents contents = read(text, options);
     const std::string message = !contents.fatal.empty()     ? contents.fatal

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "recording.hpp"
-#include "snapshot.hpp"
-
 #include "support/clocktest.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/snapshot.hpp>
 
 #include <cmath>
 #include <cstdint>
@@ -16,22 +16,22 @@ namespace replaytests
 
 using namespace support;
 
-inline tools::Duration inNanoseconds(double sinceStart)
+inline KV::session::Duration inNanoseconds(double sinceStart)
 {
-  return tools::Duration(std::llround(sinceStart * 1e9));
+  return KV::session::Duration(std::llround(sinceStart * 1e9));
 }
 
-inline tools::RecordingEntry entryAt(double sinceStart)
+inline KV::recordings::Step entryAt(double sinceStart)
 {
-  tools::RecordingEntry entry;
+  KV::recordings::Step entry;
   entry.time = start + inNanoseconds(sinceStart);
   return entry;
 }
 
 /// A person who faces the robot and smiles that much; 0 is a calm face.
-inline tools::RecordingEntry seenAt(double sinceStart, std::int32_t person, float smile = 1.f)
+inline KV::recordings::Step seenAt(double sinceStart, std::int32_t person, float smile = 1.f)
 {
-  tools::RecordingEntry entry = entryAt(sinceStart);
+  KV::recordings::Step entry = entryAt(sinceStart);
   entry.person = person;
   KV::Expressions expressions;
   expressions.joy = {smile, 1.f};
@@ -43,18 +43,18 @@ inline tools::RecordingEntry seenAt(double sinceStart, std::int32_t person, floa
   return entry;
 }
 
-inline tools::RecordingEntry notSeenAt(double sinceStart, std::int32_t person)
+inline KV::recordings::Step notSeenAt(double sinceStart, std::int32_t person)
 {
-  tools::RecordingEntry entry = entryAt(sinceStart);
+  KV::recordings::Step entry = entryAt(sinceStart);
   entry.person = person;
   entry.seen = false;
   return entry;
 }
 
 /// A snapshot of person 0, seen, with this valence and attention, both of full confidence.
-inline tools::Snapshot snapshotAt(double sinceStart, float valence = 0.f, float attention = 0.f)
+inline KV::session::Snapshot snapshotAt(double sinceStart, float valence = 0.f, float attention = 0.f)
 {
-  tools::Snapshot snapshot;
+  KV::session::Snapshot snapshot;
   snapshot.time = start + inNanoseconds(sinceStart);
   snapshot.sinceStart = inNanoseconds(sinceStart);
   snapshot.valence = {valence, 1.f};

@@ -1,7 +1,6 @@
-#include "command.hpp"
-#include "temporaryfolder.hpp"
-
+#include "support/command.hpp"
 #include "support/tablename.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <gmock/gmock.h>
 

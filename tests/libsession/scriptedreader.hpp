@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -14,34 +14,34 @@ namespace replaytests
 {
 
 /// A reader that plays what a test wrote for it.
-class ScriptedReader : public tools::RecordingReader
+class ScriptedReader : public KV::recordings::Reader
 {
 public:
   /// One call of next(): returns an entry or throws.
-  using Step = std::function<tools::RecordingEntry()>;
+  using Step = std::function<KV::recordings::Step()>;
 
-  static Step entry(const tools::RecordingEntry& entry)
+  static Step entry(const KV::recordings::Step& entry)
   {
     return [entry] { return entry; };
   }
 
   static Step badLine(std::size_t line)
   {
-    return [line]() -> tools::RecordingEntry {
-      throw tools::BadLine({"face.csv", line, "pose_Rx"}, "expected a number, found 'abc'");
+    return [line]() -> KV::recordings::Step {
+      throw KV::recordings::BadLine({"face.csv", line, "pose_Rx"}, "expected a number, found 'abc'");
     };
   }
 
   static Step damage(std::size_t line)
   {
-    return [line]() -> tools::RecordingEntry { throw tools::RecordingError({"face.csv", line, ""}, "damaged"); };
+    return [line]() -> KV::recordings::Step { throw KV::recordings::Error({"face.csv", line, ""}, "damaged"); };
   }
 
   explicit ScriptedReader(std::vector<Step> steps, std::vector<std::string> warnings = {})
     : _steps(std::move(steps)), _warnings(std::move(warnings))
   {}
 
-  boost::optional<tools::RecordingEntry> next() override
+  boost::optional<KV::recordings::Step> next() override
   {
     if (_next == _steps.size())
       return boost::none;

@@ -1,8 +1,8 @@
-#include "argumentparsing.hpp"
+#include "cli/argumentparsing.hpp"
 
 #include <cmath>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -54,10 +54,10 @@ CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::st
   const auto take = [=](const std::string& text) {
     const auto number = parseNumber<double>(name, text);
     if (!isGood(number))
-      throw CLI::ValidationError(name, "expected " + wanted + ", found " + quote(text));
+      throw CLI::ValidationError(name, "expected " + wanted + ", found " + recordings::quote(text));
     set(number);
   };
   return command.add_option_function<std::string>(name, take, help)->type_name(unit);
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Reads all of the text as a number, whatever the locale.
@@ -25,7 +25,7 @@ Number parseNumber(const std::string& option, const std::string& text)
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, number);
   if (error != std::errc() || rest != end)
-    throw CLI::ValidationError(option, "expected a number, found " + quote(text));
+    throw CLI::ValidationError(option, "expected a number, found " + recordings::quote(text));
   return number;
 }
 
@@ -60,7 +60,7 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::st
       }
       words += (words.empty() ? "" : ", ") + word;
     }
-    throw CLI::ValidationError(name, "expected one of " + words + ", found " + quote(text));
+    throw CLI::ValidationError(name, "expected one of " + words + ", found " + recordings::quote(text));
   };
   CLI::Option* const option = command.add_option_function<std::string>(name, take, help)->type_name(type);
   std::vector<std::string> words;
@@ -71,4 +71,4 @@ CLI::Option* addChoice(CLI::App& command, const std::string& name, const std::st
   return option;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

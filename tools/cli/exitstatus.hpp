@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tools
+namespace KV::tools
 {
 
 /// What the command tells its caller.
@@ -19,4 +19,4 @@ inline ExitStatus graver(ExitStatus left, ExitStatus right)
   return left == BadInput || right == BadInput ? BadInput : Success;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

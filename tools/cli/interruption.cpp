@@ -1,13 +1,13 @@
-#include "interruption.hpp"
-
-#include <unistd.h>
+#include "cli/interruption.hpp"
 
 #include <array>
 #include <atomic>
 #include <csignal>
 #include <cstddef>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -56,4 +56,4 @@ void Interruption::check()
     throw Interrupted{signal};
 }
 
-}  // namespace tools
+}  // namespace KV::tools

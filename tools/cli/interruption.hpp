@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tools
+namespace KV::tools
 {
 
 /// A signal came that ends the program.
@@ -27,4 +27,4 @@ public:
   static void check();
 };
 
-}  // namespace tools
+}  // namespace KV::tools

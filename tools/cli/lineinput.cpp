@@ -1,12 +1,12 @@
-#include "lineinput.hpp"
-
-#include <unistd.h>
+#include "cli/lineinput.hpp"
 
 #include <array>
 #include <cerrno>
 #include <system_error>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 bool LineInput::readFrom(int fileDescriptor)
@@ -61,4 +61,4 @@ LineInput::Line LineInput::take(std::string_view& line)
   return isGone ? Line::TooLong : Line::Complete;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

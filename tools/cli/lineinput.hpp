@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Cuts what comes in, piece by piece, into lines, in bounded memory.
@@ -47,4 +47,4 @@ private:
   bool _ended = false;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,24 +1,25 @@
-#include "livearguments.hpp"
+#include "cli/livearguments.hpp"
 
-#include "argumentparsing.hpp"
+#include "cli/argumentparsing.hpp"
 
 #include <chrono>
 
-namespace tools
+namespace KV::tools
 {
 
-void addTimesOption(CLI::App& command, StreamTimes& times)
+void addTimesOption(CLI::App& command, session::StreamTimes& times)
 {
-  addChoice<StreamTimes>(command, "--times",
-                         "What the clock shows during a line: the time of its arrival (default), or\n"
-                         "its own member time, which it then must have",
-                         "WHICH", {{"arrival", StreamTimes::Arrival}, {"lines", StreamTimes::Lines}}, times);
+  addChoice<session::StreamTimes>(
+      command, "--times",
+      "What the clock shows during a line: the time of its arrival (default), or\n"
+      "its own member time, which it then must have",
+      "WHICH", {{"arrival", session::StreamTimes::Arrival}, {"lines", session::StreamTimes::Lines}}, times);
 }
 
-TimePoint wallClock()
+session::TimePoint wallClock()
 {
   const auto now = std::chrono::system_clock::now().time_since_epoch();
-  return TimePoint(Duration(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()));
+  return session::TimePoint(session::Duration(std::chrono::duration_cast<std::chrono::nanoseconds>(now).count()));
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "livesession.hpp"
+#include <skeigiot/session/livesession.hpp>
 
 #include <CLI/App.hpp>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Adds the option --times, which fills in `times`.
-void addTimesOption(CLI::App& command, StreamTimes& times);
+void addTimesOption(CLI::App& command, session::StreamTimes& times);
 
 /// Returns the time of the machine, whatever clock the thread has.
-TimePoint wallClock();
+session::TimePoint wallClock();
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// What the command has to say besides its output: errors, and notes that a quiet run leaves out.
@@ -27,4 +27,4 @@ private:
   bool _quiet;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,21 +1,21 @@
-#include "readingarguments.hpp"
+#include "cli/readingarguments.hpp"
 
-#include "argumentparsing.hpp"
+#include "cli/argumentparsing.hpp"
 
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
 {
   const std::string group = "How the recording is read";
-  ReadingOptions& reading = arguments.options;
+  recordings::ReadingOptions& reading = arguments.options;
 
   std::string help = "Format of the recording, found out if not given:";
   std::vector<std::pair<std::string, std::string>> formats;
-  for (const RecordingFormat& format : recordingFormats())
+  for (const recordings::Format& format : recordings::recordingFormats())
   {
     help += "\n" + format.name + ": " + format.description;
     formats.emplace_back(format.name, format.name);
@@ -61,4 +61,4 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
       ->group(group);
 }
 
-}  // namespace tools
+}  // namespace KV::tools

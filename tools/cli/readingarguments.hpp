@@ -1,18 +1,18 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <CLI/App.hpp>
 
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// What the command line says of how recordings are read.
 struct ReadingArguments
 {
-  ReadingOptions options;
+  recordings::ReadingOptions options;
   std::string format;    ///< name of the format; empty: found out
   bool skipBad = false;  ///< go on behind lines that cannot be used
 };
@@ -20,4 +20,4 @@ struct ReadingArguments
 /// Adds the options that fill in the arguments, which must outlive the command.
 void addReadingOptions(CLI::App& command, ReadingArguments& arguments);
 
-}  // namespace tools
+}  // namespace KV::tools

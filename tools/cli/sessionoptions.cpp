@@ -1,13 +1,14 @@
-#include "sessionoptions.hpp"
+#include "cli/sessionoptions.hpp"
 
-#include "argumentparsing.hpp"
-#include "boundary.hpp"
+#include "cli/argumentparsing.hpp"
+
+#include <skeigiot/session/boundary.hpp>
 
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -34,25 +35,26 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
 
 }  // namespace
 
-CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, Duration>& offsets)
+CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::Duration>& offsets)
 {
   return addTexts(command, "--offset", "Add so many seconds to all times of an input. May be given several\ntimes",
-                  "FILE=SECONDS", [&offsets](const std::string& text) { parseOffset(text, offsets); });
+                  "FILE=SECONDS", [&offsets](const std::string& text) { session::parseOffset(text, offsets); });
 }
 
-CLI::Option* addScopeOption(CLI::App& command, std::vector<ScopeSpan>& scopes)
+CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& scopes)
 {
   return addTexts(command, "--scope",
                   "Judge this span, too, in seconds since the start, both ends included;\n"
                   "either may be left out. May be given several times",
-                  "NAME=FROM..TO", [&scopes](const std::string& text) { scopes.push_back(parseScopeSpan(text)); });
+                  "NAME=FROM..TO",
+                  [&scopes](const std::string& text) { scopes.push_back(session::parseScopeSpan(text)); });
 }
 
-SessionPlan planNamedSessions(const SessionArguments& arguments)
+session::SessionPlan planNamedSessions(const session::SessionArguments& arguments)
 {
   try
   {
-    return planSessions(arguments);
+    return session::planSessions(arguments);
   }
   catch (const std::invalid_argument& error)
   {
@@ -62,13 +64,13 @@ SessionPlan planNamedSessions(const SessionArguments& arguments)
 
 void addBoundaryOptions(CLI::App& command)
 {
-  for (const Boundary& boundary : boundaries())
+  for (const session::Boundary& boundary : session::boundaries())
   {
     const std::string option = "--" + boundary.option;
     const auto set = [&boundary, option](const std::string& text) {
       try
       {
-        setBoundary(boundary, parseNumber<float>(option, text));
+        session::setBoundary(boundary, parseNumber<float>(option, text));
       }
       catch (const std::invalid_argument& error)
       {
@@ -85,4 +87,4 @@ void addBoundaryOptions(CLI::App& command)
   }
 }
 
-}  // namespace tools
+}  // namespace KV::tools

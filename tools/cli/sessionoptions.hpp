@@ -1,8 +1,8 @@
 #pragma once
 
-#include "scopespan.hpp"
-#include "sessionplan.hpp"
-#include "snapshot.hpp"
+#include <skeigiot/session/scopespan.hpp>
+#include <skeigiot/session/sessionplan.hpp>
+#include <skeigiot/session/snapshot.hpp>
 
 #include <CLI/App.hpp>
 
@@ -10,22 +10,22 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Adds "--offset", which moves inputs of a session; the target, by path, must outlive the command.
-CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, Duration>& offsets);
+CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::Duration>& offsets);
 
 /// Adds "--scope", which judges spans besides the whole recording; the target must outlive the command.
-CLI::Option* addScopeOption(CLI::App& command, std::vector<ScopeSpan>& scopes);
+CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& scopes);
 
 /// Plans the sessions that the command line names.
 ///
-/// \throws RecordingError as planSessions() does.
+/// \throws Error as planSessions() does.
 /// \throws CLI::ValidationError for arguments that do not go together.
-SessionPlan planNamedSessions(const SessionArguments& arguments);
+session::SessionPlan planNamedSessions(const session::SessionArguments& arguments);
 
 /// Adds an option for each boundary of the library.
 void addBoundaryOptions(CLI::App& command);
 
-}  // namespace tools
+}  // namespace KV::tools

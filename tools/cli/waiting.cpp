@@ -1,13 +1,13 @@
-#include "waiting.hpp"
+#include "cli/waiting.hpp"
 
-#include "interruption.hpp"
+#include "cli/interruption.hpp"
 
 #include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <system_error>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -60,4 +60,4 @@ bool waitFor(std::vector<pollfd>& descriptors, int milliseconds)
   return false;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <poll.h>
-
 #include <vector>
 
-namespace tools
+#include <poll.h>
+
+namespace KV::tools
 {
 
 /// Waits until something can be read from or written to one of the descriptors, at most for so many milliseconds
@@ -16,4 +16,4 @@ namespace tools
 /// \throws Interrupted if a signal came that ends the program and an Interruption lives.
 bool waitFor(std::vector<pollfd>& descriptors, int milliseconds = -1);
 
-}  // namespace tools
+}  // namespace KV::tools

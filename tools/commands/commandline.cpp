@@ -1,14 +1,14 @@
-#include "commandline.hpp"
+#include "commands/commandline.hpp"
 
-#include "inspectcommand.hpp"
-#include "replaycommand.hpp"
-#include "reportcommand.hpp"
-#include "streamcommand.hpp"
-#include "typescommand.hpp"
-#include "watchcommand.hpp"
-#include "whycommand.hpp"
+#include "commands/inspectcommand.hpp"
+#include "commands/replaycommand.hpp"
+#include "commands/reportcommand.hpp"
+#include "commands/streamcommand.hpp"
+#include "commands/typescommand.hpp"
+#include "commands/watchcommand.hpp"
+#include "commands/whycommand.hpp"
 
-namespace tools
+namespace KV::tools
 {
 
 std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
@@ -29,4 +29,4 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   return app;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,20 +1,23 @@
-#include "inspectcommand.hpp"
+#include "commands/inspectcommand.hpp"
 
-#include "inspectionreport.hpp"
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "readingarguments.hpp"
-#include "terminal.hpp"
-#include "timelinetable.hpp"
+#include "cli/interruption.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "terminal/inspectiontext.hpp"
+#include "terminal/terminal.hpp"
+#include "terminal/timelinetable.hpp"
 
-#include <unistd.h>
+#include <skeigiot/session/inspectionreport.hpp>
+#include <skeigiot/session/outputstream.hpp>
 
 #include <algorithm>
 #include <iostream>
 #include <memory>
 #include <string>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -36,16 +39,20 @@ ExitStatus run(const Arguments& arguments)
 {
   try
   {
-    const InspectionReport report = inspect(arguments.path, arguments.reading.format, arguments.reading.options);
-    OutputStream output(STDOUT_FILENO, "standard output");
+    const session::InspectionReport report = session::inspect(arguments.path, arguments.reading.format,
+                                                              arguments.reading.options, [](const session::Progress&) {
+                                                                Interruption::check();
+                                                                return true;
+                                                              });
+    session::OutputStream output(STDOUT_FILENO, "standard output");
     if (arguments.json)
-      writeAsJson(output, report);
+      session::writeAsJson(output, report);
     else
       writeAsText(output, report, std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable));
     output.flush();
     return report.badLines == 0 && report.error.empty() ? Success : BadInput;
   }
-  catch (const RecordingError& error)
+  catch (const recordings::Error& error)
   {
     Messages(std::cerr, false).error(error.what());
     return BadInput;
@@ -65,4 +72,4 @@ void addInspectCommand(CLI::App& app, ExitStatus& status)
   command.callback([arguments, &status] { status = run(*arguments); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,14 +1,15 @@
-#include "replay.hpp"
+#include "commands/replay.hpp"
 
-#include "exports.hpp"
-#include "interruption.hpp"
-#include "orderedjobs.hpp"
-#include "sessionreplay.hpp"
+#include "cli/interruption.hpp"
+#include "commands/sessionreplay.hpp"
+
+#include <skeigiot/session/exports.hpp>
+#include <skeigiot/session/orderedjobs.hpp>
 
 #include <cstddef>
 #include <sstream>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -26,7 +27,7 @@ struct Buffered
   SessionOutcome outcome;
   std::string output;
   std::string errors;
-  std::unique_ptr<SpilledExports> exports;
+  std::unique_ptr<session::SpilledExports> exports;
 };
 
 class Replay
@@ -74,9 +75,9 @@ private:
   void _inParallel()
   {
     const std::size_t count = _options.sessions.size();
-    OrderedJobs<Buffered> jobs(count, _options.jobs, [this](std::size_t i, const std::atomic<bool>& cancelled) {
-      return _buffered(i, cancelled);
-    });
+    session::OrderedJobs<Buffered> jobs(
+        count, _options.jobs,
+        [this](std::size_t i, const std::atomic<bool>& cancelled) { return _buffered(i, cancelled); });
     for (std::size_t i = 0; i < count && !_isInVain(); ++i)
     {
       const Buffered session = jobs.take([this, i, count] { _wait(i, count); });
@@ -139,7 +140,7 @@ private:
   Display _display;
   Messages _messages;
   ProgressLine _progress;
-  Exports _exports;
+  session::Exports _exports;
   ExitStatus _status = Success;
   bool _anyOpened = false;
 };
@@ -151,4 +152,4 @@ ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surrou
   return Replay(options, surroundings).all();
 }
 
-}  // namespace tools
+}  // namespace KV::tools

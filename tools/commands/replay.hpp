@@ -1,11 +1,12 @@
 #pragma once
 
-#include "exitstatus.hpp"
-#include "recording.hpp"
-#include "scopespan.hpp"
-#include "sessionplan.hpp"
-#include "terminal.hpp"
-#include "timelinetable.hpp"
+#include "cli/exitstatus.hpp"
+#include "terminal/terminal.hpp"
+#include "terminal/timelinetable.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/scopespan.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -16,17 +17,17 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// What to replay, and how to show it.
 struct ReplayOptions
 {
-  std::vector<SessionInputs> sessions;
-  std::size_t jobs = 1;           ///< how many sessions are replayed at a time
-  bool skipBad = false;           ///< go on behind a line that cannot be used
-  std::vector<ScopeSpan> scopes;  ///< besides the whole recording
-  boost::optional<Duration> step;
+  std::vector<session::SessionInputs> sessions;
+  std::size_t jobs = 1;                    ///< how many sessions are replayed at a time
+  bool skipBad = false;                    ///< go on behind a line that cannot be used
+  std::vector<session::ScopeSpan> scopes;  ///< besides the whole recording
+  boost::optional<session::Duration> step;
   bool explain = false;  ///< show below each row what moved it
   bool quiet = false;
   std::string csv;      ///< where to export to, "-" for standard output, empty for nowhere
@@ -37,7 +38,8 @@ struct ReplayOptions
 /// Where a replay reads from and writes to.
 struct ReplaySurroundings
 {
-  std::function<std::unique_ptr<RecordingReader>(const std::string& path)> open;  ///< from several threads, if jobs > 1
+  std::function<std::unique_ptr<recordings::Reader>(const std::string& path)>
+      open;  ///< from several threads, if jobs > 1
   std::ostream& output;
   int outputWidth = widestTable;
   Style style = Style(false);
@@ -54,4 +56,4 @@ struct ReplaySurroundings
 /// \throws WriteError if the output or an export cannot be written; exports are then dropped.
 ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings);
 
-}  // namespace tools
+}  // namespace KV::tools

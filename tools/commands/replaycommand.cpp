@@ -1,15 +1,14 @@
-#include "replaycommand.hpp"
+#include "commands/replaycommand.hpp"
 
-#include "argumentparsing.hpp"
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "readingarguments.hpp"
-#include "recording.hpp"
-#include "replay.hpp"
-#include "sessionoptions.hpp"
-#include "sessionplan.hpp"
+#include "cli/argumentparsing.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "commands/replay.hpp"
 
-#include <unistd.h>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +24,9 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -76,7 +77,7 @@ Examples:
 struct Arguments
 {
   ReplayOptions replay;
-  SessionArguments sessions;
+  session::SessionArguments sessions;
   ReadingArguments reading;
   ColorChoice color = ColorChoice::Auto;
   std::string report;  // the file of the page, empty for none
@@ -111,7 +112,7 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
       command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
       "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
       [&arguments](double seconds) {
-        arguments.replay.step = Duration(static_cast<Duration::rep>(std::llround(seconds * 1e9)));
+        arguments.replay.step = session::Duration(static_cast<session::Duration::rep>(std::llround(seconds * 1e9)));
       })
       ->group(group);
   addChoice<ColorChoice>(
@@ -185,11 +186,11 @@ void checkReport(const Arguments& arguments)
 
 /// Fills in the sessions, and which of their options follow from them.
 ///
-/// \throws RecordingError, CLI::ValidationError if there can be no such sessions.
+/// \throws Error, CLI::ValidationError if there can be no such sessions.
 void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
-  SessionPlan plan = planNamedSessions(arguments.sessions);
+  session::SessionPlan plan = planNamedSessions(arguments.sessions);
   arguments.replay.sessions = std::move(plan.sessions);
   for (const std::string& note : plan.notes)
     messages.note(note);
@@ -214,14 +215,14 @@ ExitStatus run(Arguments& arguments)
   {
     plan(arguments, messages);
   }
-  catch (const RecordingError& error)
+  catch (const recordings::Error& error)
   {
     messages.error(error.what());
     return BadInput;
   }
-  OutputStream output(STDOUT_FILENO, "standard output");
+  session::OutputStream output(STDOUT_FILENO, "standard output");
   const auto open = [&arguments](const std::string& path) {
-    return openRecording(path, arguments.reading.format, arguments.reading.options);
+    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
   };
   ReplaySurroundings surroundings{open,
                                   output,
@@ -253,4 +254,4 @@ void addReplayCommand(CLI::App& app, ExitStatus& status, const ReportWriter& wri
   });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

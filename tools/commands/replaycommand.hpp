@@ -1,14 +1,14 @@
 #pragma once
 
-#include "exitstatus.hpp"
-#include "replay.hpp"
+#include "cli/exitstatus.hpp"
+#include "commands/replay.hpp"
 
 #include <CLI/App.hpp>
 
 #include <functional>
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Replays the one session of the options, and writes a page of it into a file.
@@ -20,4 +20,4 @@ using ReportWriter = std::function<ExitStatus(const ReplayOptions& options, cons
 /// Without a writer, the option --report is refused.
 void addReplayCommand(CLI::App& app, ExitStatus& status, const ReportWriter& writeReport);
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,18 +1,18 @@
-#include "report.hpp"
+#include "commands/report.hpp"
 
-#include "interruption.hpp"
-#include "replacedfile.hpp"
-#include "reportdata.hpp"
-#include "reportpage.hpp"
-#include "reportrecorder.hpp"
-#include "sessionreplay.hpp"
+#include "cli/interruption.hpp"
+#include "commands/sessionreplay.hpp"
 
 #include <skeigiot/forceobserver.hpp>
+#include <skeigiot/session/replacedfile.hpp>
+#include <skeigiot/session/reportdata.hpp>
+#include <skeigiot/session/reportpage.hpp>
+#include <skeigiot/session/reportrecorder.hpp>
 
 #include <sstream>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -27,10 +27,10 @@ std::vector<std::string> linesOf(const std::string& text)
   return lines;
 }
 
-std::vector<std::string> pathsOf(const SessionInputs& session)
+std::vector<std::string> pathsOf(const session::SessionInputs& session)
 {
   std::vector<std::string> paths;
-  for (const SessionInputs::Input& input : session.inputs)
+  for (const session::SessionInputs::Input& input : session.inputs)
     paths.push_back(input.path);
   return paths;
 }
@@ -40,16 +40,16 @@ std::vector<std::string> pathsOf(const SessionInputs& session)
 ExitStatus writeReport(const ReplayOptions& options, const ReplaySurroundings& surroundings, std::string_view page,
                        const std::string& target)
 {
-  ReplacedFile file(target);
+  session::ReplacedFile file(target);
   std::ostringstream said;
   Display display(surroundings.output, false);
   Messages messages(said, false);
-  ExportWriters observers;
+  session::ExportWriters observers;
   ProgressLine progress(surroundings.errors, surroundings.showProgress && !options.quiet);
-  ReportRecorder recorder{ReportRecorder::Limits()};
+  session::ReportRecorder recorder{session::ReportRecorder::Limits()};
   observers.add(recorder);
 
-  const SessionInputs& session = options.sessions.front();
+  const session::SessionInputs& session = options.sessions.front();
   SessionOutcome outcome;
   {
     const KV::ScopedForceObserver watch([&recorder](const KV::Force& force) { recorder.forceActed(force); });
@@ -61,9 +61,10 @@ ExitStatus writeReport(const ReplayOptions& options, const ReplaySurroundings& s
     return outcome.status;
 
   recorder.finish();
-  writeReport(file.stream(), page, textForScript(reportData(recorder, pathsOf(session), linesOf(said.str()))));
+  session::writeReport(file.stream(), page,
+                       session::textForScript(session::reportData(recorder, pathsOf(session), linesOf(said.str()))));
   file.commit();
   return outcome.status;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

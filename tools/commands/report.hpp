@@ -1,12 +1,12 @@
 #pragma once
 
-#include "exitstatus.hpp"
-#include "replay.hpp"
+#include "cli/exitstatus.hpp"
+#include "commands/replay.hpp"
 
 #include <string>
 #include <string_view>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Replays the one session of the options, and writes what the library thought, and why, as a page.
@@ -17,4 +17,4 @@ namespace tools
 ExitStatus writeReport(const ReplayOptions& options, const ReplaySurroundings& surroundings, std::string_view page,
                        const std::string& target);
 
-}  // namespace tools
+}  // namespace KV::tools

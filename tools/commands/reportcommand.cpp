@@ -1,21 +1,22 @@
-#include "reportcommand.hpp"
+#include "commands/reportcommand.hpp"
 
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "readingarguments.hpp"
-#include "report.hpp"
-#include "reportpage.hpp"
-#include "sessionoptions.hpp"
-#include "sessionplan.hpp"
-#include "terminal.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "commands/report.hpp"
+#include "terminal/terminal.hpp"
 
-#include <unistd.h>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/reportpage.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <iostream>
 #include <memory>
 #include <utility>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -42,12 +43,12 @@ const char* const withoutPage =
 struct Arguments
 {
   ReplayOptions replay;
-  SessionArguments sessions;
+  session::SessionArguments sessions;
   ReadingArguments reading;
   std::string target;
 };
 
-/// \throws RecordingError, CLI::ValidationError if there can be no such session.
+/// \throws Error, CLI::ValidationError if there can be no such session.
 void plan(Arguments& arguments)
 {
   arguments.sessions.format = arguments.reading.format;
@@ -61,7 +62,7 @@ void plan(Arguments& arguments)
 ExitStatus run(Arguments& arguments)
 {
   Messages messages(std::cerr, false);
-  if (reportTemplate().empty())
+  if (session::reportTemplate().empty())
   {
     messages.error(withoutPage);
     return Failure;
@@ -70,27 +71,27 @@ ExitStatus run(Arguments& arguments)
   {
     plan(arguments);
   }
-  catch (const RecordingError& error)
+  catch (const recordings::Error& error)
   {
     messages.error(error.what());
     return BadInput;
   }
-  OutputStream output(STDOUT_FILENO, "standard output");
+  session::OutputStream output(STDOUT_FILENO, "standard output");
   const auto open = [&arguments](const std::string& path) {
-    return openRecording(path, arguments.reading.format, arguments.reading.options);
+    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
   };
   const ReplaySurroundings surroundings{open, output, widestTable, Style(false), std::cerr, isTerminal(STDERR_FILENO)};
-  return writeReport(arguments.replay, surroundings, reportTemplate(), arguments.target);
+  return writeReport(arguments.replay, surroundings, session::reportTemplate(), arguments.target);
 }
 
 }  // namespace
 
 ReportWriter reportWriter()
 {
-  if (reportTemplate().empty())
+  if (session::reportTemplate().empty())
     return {};
   return [](const ReplayOptions& options, const ReplaySurroundings& surroundings, const std::string& file) {
-    return writeReport(options, surroundings, reportTemplate(), file);
+    return writeReport(options, surroundings, session::reportTemplate(), file);
   };
 }
 
@@ -110,4 +111,4 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
   command.callback([arguments, &status] { status = run(*arguments); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "exitstatus.hpp"
-#include "replaycommand.hpp"
+#include "cli/exitstatus.hpp"
+#include "commands/replaycommand.hpp"
 
 #include <CLI/App.hpp>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Adds the subcommand "report"; when it is parsed it runs, and leaves its status.
@@ -14,4 +14,4 @@ void addReportCommand(CLI::App& app, ExitStatus& status);
 /// Returns what writes the page for other commands, empty if this one was built without the page.
 ReportWriter reportWriter();
 
-}  // namespace tools
+}  // namespace KV::tools

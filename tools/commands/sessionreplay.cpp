@@ -1,113 +1,98 @@
-#include "sessionreplay.hpp"
+#include "commands/sessionreplay.hpp"
 
-#include "librarylog.hpp"
-#include "notedreading.hpp"
-#include "session.hpp"
-#include "summary.hpp"
-#include "text.hpp"
-#include "timeline.hpp"
-#include "timelinetable.hpp"
+#include "terminal/summarytext.hpp"
+#include "terminal/text.hpp"
+#include "terminal/timelinetable.hpp"
+
+#include <skeigiot/session/player.hpp>
+#include <skeigiot/session/summary.hpp>
+#include <skeigiot/session/timeline.hpp>
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
 {
 
-class SessionReplay
+/// Shows how a recording is read, as soon as that is known.
+class DescriptionShown : public session::SessionObserver
 {
-  using Step = NotedReading::Step;
-
 public:
-  SessionReplay(const SessionInputs& inputs, const ReplayOptions& options, const ReplaySurroundings& surroundings,
-                const SessionOutlets& outlets)
-    : _inputs(inputs), _name(inputs.name()), _options(options), _surroundings(surroundings), _outlets(outlets)
-  {
-    _spans.push_back({"whole recording", Duration(0), boost::none});
-    _spans.insert(_spans.end(), options.scopes.begin(), options.scopes.end());
-  }
+  DescriptionShown(Display& display, int width) : _display(display), _width(static_cast<std::size_t>(width)) {}
 
-  SessionOutcome run()
+  void recordingDescribed(const std::vector<std::string>& description) override
   {
-    SessionOutcome outcome;
-    _show(_surroundings.style.bold(_name) + "\n");
-    try
-    {
-      const std::unique_ptr<RecordingReader> reader = openSession(_inputs, _surroundings.open);
-      outcome.opened = true;
-      outcome.status = _replay(*reader);
-    }
-    catch (const RecordingError& error)
-    {
-      _outlets.checkInterruption();  // opening may fail for that reason alone
-      _outlets.messages.error(error.what());
-      outcome.status = BadInput;
-    }
-    return outcome;
+    for (const std::string& line : description)
+      _display.show(wrapped(line, _width, 2) + "\n");
   }
 
 private:
-  ExitStatus _replay(RecordingReader& reader)
+  Display& _display;
+  std::size_t _width;
+};
+
+class SessionReplay
+{
+public:
+  SessionReplay(const session::SessionInputs& inputs, const ReplayOptions& options,
+                const ReplaySurroundings& surroundings, const SessionOutlets& outlets)
+    : _inputs(inputs), _name(inputs.name()), _options(options), _surroundings(surroundings), _outlets(outlets)
+  {}
+
+  SessionOutcome run()
   {
-    Timeline timeline(_options.step);
-    Summary summary;
-    std::vector<SessionObserver*> observers = _outlets.exports.observers();
-    observers.push_back(&timeline);
-    observers.push_back(&summary);
-    Session session(_spans, observers, _options.explain ? Forces::Watched : Forces::Unwatched);
-    LibraryLog log;
+    _show(_surroundings.style.bold(_name) + "\n");
+    DescriptionShown description(_outlets.display, _surroundings.outputWidth);
+    session::Timeline timeline(_options.step);
+    session::Summary summary;
+    std::vector<session::SessionObserver*> observers = _outlets.exports.observers();
+    observers.insert(observers.end(), {&description, &timeline, &summary});
 
-    NotedReading reading(reader, _options.skipBad);
-    _play(reader, reading, session);
-    session.finish();
+    const session::Outcome outcome =
+        _player().play([this] { return session::openSession(_inputs, _surroundings.open); }, observers);
+    _outlets.progress.erase();
+    if (outcome.opened)
+      _showOutcome(outcome, timeline, summary);
+    if (outcome.error)
+      _outlets.messages.error(outcome.error->what());
+    return {outcome.error ? BadInput : Success, outcome.opened};
+  }
+
+private:
+  session::Player _player() const
+  {
+    session::PlayerOptions options;
+    options.skipBad = _options.skipBad;
+    options.forces = _options.explain ? session::Forces::Watched : session::Forces::Unwatched;
+    options.scopes.push_back({"whole recording", session::Duration(0), boost::none});
+    options.scopes.insert(options.scopes.end(), _options.scopes.begin(), _options.scopes.end());
+    return session::Player(options, [this](const session::Progress& progress) {
+      _outlets.checkInterruption();
+      if (_outlets.progress.isDue())
+        _outlets.progress.show(progress.share, progress.length);
+      return true;
+    });
+  }
+
+  void _showOutcome(const session::Outcome& outcome, const session::Timeline& timeline, session::Summary& summary)
+  {
     summary.finish();
-
-    for (const std::string& text : reading.warnings())
+    for (const std::string& text : outcome.warningLines())
       _show(_surroundings.style.yellow("warning: " + text) + "\n");
     _showPersons(timeline, summary);
-    _noteLeftOut(session.takeLeftOut());
-    _noteLibraryWarnings(log);
-    return _reportBadInput(reading);
+    if (!outcome.leftOut.empty())
+      _outlets.messages.note("warning: " + _name + ": " + outcome.leftOut);
+    for (const std::string& line : outcome.libraryWarnings)
+      _outlets.messages.note(_name + ": " + line);
+    if (outcome.badLines > 0)
+      _outlets.messages.note(_name + ": " + outcome.skippedText());
   }
 
-  void _play(RecordingReader& reader, NotedReading& reading, Session& session)
-  {
-    ProgressLine& progress = _outlets.progress;
-    boost::optional<RecordingEntry> entry;
-    bool described = false;
-    for (;;)
-    {
-      const Step step = reading.next(entry);
-      _outlets.checkInterruption();
-      if (!described)
-        _showDescription(reader);  // what was found out with the first step is in it
-      described = true;
-
-      if (step == Step::End)
-        break;
-      if (step == Step::Taken)
-      {
-        _outlets.exports.write(*entry);
-        session.play(*entry);
-      }
-      if (progress.isDue())
-        progress.show(reader.progress(), session.length());
-    }
-    progress.erase();
-  }
-
-  void _showDescription(const RecordingReader& reader)
-  {
-    for (const std::string& line : reader.describe())
-      _show(wrapped(line, static_cast<std::size_t>(_surroundings.outputWidth), 2) + "\n");
-  }
-
-  void _showPersons(const Timeline& timeline, const Summary& summary)
+  void _showPersons(const session::Timeline& timeline, const session::Summary& summary)
   {
     const Style& style = _surroundings.style;
     if (summary.persons().empty())
@@ -115,52 +100,27 @@ private:
     for (const auto& [person, rows] : timeline.rows())
       _show("\n" + style.bold("Person " + std::to_string(person)) + "\n" +
             timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +
-            summary.describe(person, _surroundings.outputWidth, style));
-    const std::string ambiance = summary.describeAmbiance(style);
+            summaryText(summary, person, _surroundings.outputWidth, style));
+    const std::string ambiance = ambianceText(summary.ambiance(), style);
     if (!ambiance.empty())
       _show("\n" + ambiance);
   }
 
-  void _noteLeftOut(const std::string& text)
-  {
-    if (!text.empty())
-      _outlets.messages.note("warning: " + _name + ": " + text);
-  }
-
-  void _noteLibraryWarnings(LibraryLog& log)
-  {
-    const std::string prefix = _name + ": ";
-    for (const std::string& line : log.take())
-      _outlets.messages.note(prefix + line);
-  }
-
-  ExitStatus _reportBadInput(const NotedReading& reading)
-  {
-    const std::string skipped = reading.skippedText();
-    if (!skipped.empty())
-      _outlets.messages.note(_name + ": " + skipped);
-    if (!reading.error())
-      return Success;
-    _outlets.messages.error(reading.error()->what());
-    return BadInput;
-  }
-
   void _show(const std::string& text) { _outlets.display.show(text); }
 
-  const SessionInputs& _inputs;
+  const session::SessionInputs& _inputs;
   std::string _name;
   const ReplayOptions& _options;
   const ReplaySurroundings& _surroundings;
   const SessionOutlets& _outlets;
-  std::vector<ScopeSpan> _spans;
 };
 
 }  // namespace
 
-SessionOutcome replaySession(const SessionInputs& session, const ReplayOptions& options,
+SessionOutcome replaySession(const session::SessionInputs& session, const ReplayOptions& options,
                              const ReplaySurroundings& surroundings, const SessionOutlets& outlets)
 {
   return SessionReplay(session, options, surroundings, outlets).run();
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,15 +1,16 @@
 #pragma once
 
-#include "display.hpp"
-#include "exitstatus.hpp"
-#include "exportwriters.hpp"
-#include "messages.hpp"
-#include "progressline.hpp"
-#include "replay.hpp"
+#include "cli/exitstatus.hpp"
+#include "cli/messages.hpp"
+#include "commands/replay.hpp"
+#include "terminal/display.hpp"
+#include "terminal/progressline.hpp"
+
+#include <skeigiot/session/exportwriters.hpp>
 
 #include <functional>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Where the replay of one session writes to.
@@ -17,7 +18,7 @@ struct SessionOutlets
 {
   Display& display;
   Messages& messages;
-  ExportWriters& exports;
+  session::ExportWriters& exports;
   ProgressLine& progress;
   std::function<void()> checkInterruption;  ///< called for each step; ends the replay by throwing
 };
@@ -30,7 +31,7 @@ struct SessionOutcome
 };
 
 /// Replays one session, the clock of this thread being set to its time, and shows what the library thought.
-SessionOutcome replaySession(const SessionInputs& session, const ReplayOptions& options,
+SessionOutcome replaySession(const session::SessionInputs& session, const ReplayOptions& options,
                              const ReplaySurroundings& surroundings, const SessionOutlets& outlets);
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,12 +1,12 @@
-#include "streamcommand.hpp"
+#include "commands/streamcommand.hpp"
 
-#include "inputfile.hpp"
-#include "interruption.hpp"
-#include "lineinput.hpp"
-#include "livearguments.hpp"
-#include "outputstream.hpp"
-#include "stream.hpp"
-#include "waiting.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/stream.hpp>
+#include "cli/interruption.hpp"
+#include "cli/lineinput.hpp"
+#include "cli/livearguments.hpp"
+#include "cli/waiting.hpp"
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
@@ -16,7 +16,7 @@
 #include <memory>
 #include <string_view>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -43,7 +43,7 @@ It ends at the end of the input, when it is interrupted or terminated, and when 
 Example:
   echo '{"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}}' | skeigiot stream)";
 
-constexpr std::size_t longestLine = InputFile::longestLine;
+constexpr std::size_t longestLine = recordings::InputFile::longestLine;
 
 void waitUntilWritable(int fileDescriptor)
 {
@@ -59,7 +59,7 @@ void waitUntilReadable(int fileDescriptor)
   {}
 }
 
-void answerWhatIsThere(LineInput& input, Stream& stream, OutputStream& output)
+void answerWhatIsThere(LineInput& input, session::Stream& stream, session::OutputStream& output)
 {
   std::string_view line;
   for (;;)
@@ -73,10 +73,10 @@ void answerWhatIsThere(LineInput& input, Stream& stream, OutputStream& output)
   }
 }
 
-void answerAll(StreamTimes times)
+void answerAll(session::StreamTimes times)
 {
-  OutputStream output(STDOUT_FILENO, "standard output");
-  Stream stream(times, wallClock);
+  session::OutputStream output(STDOUT_FILENO, "standard output");
+  session::Stream stream(times, wallClock);
   LineInput input(longestLine);
   bool more = true;
   while (more)
@@ -88,7 +88,7 @@ void answerAll(StreamTimes times)
 }
 
 /// Whoever feeds it ends it, or whoever reads from it: neither is a failure.
-ExitStatus run(StreamTimes times)
+ExitStatus run(session::StreamTimes times)
 {
   try
   {
@@ -96,7 +96,7 @@ ExitStatus run(StreamTimes times)
   }
   catch (const Interrupted&)
   {}
-  catch (const WriteError& error)
+  catch (const session::WriteError& error)
   {
     if (!error.pipeClosed())
       throw;
@@ -108,11 +108,11 @@ ExitStatus run(StreamTimes times)
 
 void addStreamCommand(CLI::App& app, ExitStatus& status)
 {
-  const auto times = std::make_shared<StreamTimes>(StreamTimes::Arrival);
+  const auto times = std::make_shared<session::StreamTimes>(session::StreamTimes::Arrival);
   CLI::App& command = *app.add_subcommand("stream", description);
   addTimesOption(command, *times);
   command.footer(footer);
   command.callback([times, &status] { status = run(*times); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "exitstatus.hpp"
+#include "cli/exitstatus.hpp"
 
 #include <CLI/App.hpp>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Adds the subcommand "stream"; when it is parsed it runs, and leaves its status.
 void addStreamCommand(CLI::App& app, ExitStatus& status);
 
-}  // namespace tools
+}  // namespace KV::tools

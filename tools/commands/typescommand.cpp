@@ -1,19 +1,20 @@
-#include "typescommand.hpp"
+#include "commands/typescommand.hpp"
 
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "typelisting.hpp"
+#include "cli/messages.hpp"
+#include "terminal/typelisting.hpp"
+
+#include <skeigiot/session/outputstream.hpp>
 
 #include <ko/type.hpp>
-
-#include <unistd.h>
 
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -41,7 +42,7 @@ ExitStatus listTypes(const Arguments& arguments)
     nested = Nested::Yes;
   }
 
-  OutputStream output(STDOUT_FILENO, "standard output");
+  session::OutputStream output(STDOUT_FILENO, "standard output");
   const auto write = arguments.json ? writeTypesAsJson : writeTypesAsText;
   write(output, structs, nested);
   output.flush();
@@ -59,4 +60,4 @@ void addTypesCommand(CLI::App& app, ExitStatus& status)
   command.callback([arguments, &status] { status = listTypes(*arguments); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,16 +1,16 @@
-#include "watchcommand.hpp"
+#include "commands/watchcommand.hpp"
 
-#include "inputfile.hpp"
-#include "librarylog.hpp"
-#include "lineinput.hpp"
-#include "livearguments.hpp"
-#include "livesession.hpp"
-#include "messages.hpp"
-#include "persontable.hpp"
-#include "screen.hpp"
-#include "terminal.hpp"
-#include "waiting.hpp"
-#include "watchpage.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/session/librarylog.hpp>
+#include <skeigiot/session/livesession.hpp>
+#include <skeigiot/session/persontable.hpp>
+#include "cli/lineinput.hpp"
+#include "cli/livearguments.hpp"
+#include "cli/messages.hpp"
+#include "cli/waiting.hpp"
+#include "terminal/screen.hpp"
+#include "terminal/terminal.hpp"
+#include "terminal/watchpage.hpp"
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
@@ -26,7 +26,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -53,8 +53,9 @@ using SteadyClock = std::chrono::steady_clock;
 class Watch
 {
 public:
-  explicit Watch(StreamTimes times)
-    : _session(times, wallClock, {&_table}, Forces::Watched), _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
+  explicit Watch(session::StreamTimes times)
+    : _session(times, wallClock, {&_table}, session::Forces::Watched),
+      _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
   {}
 
   void run()
@@ -117,7 +118,7 @@ private:
       for (const std::int32_t person : _session.take(line))
         _table.remove(person);
     }
-    catch (const MemberError& error)
+    catch (const recordings::MemberError& error)
     {
       _refuse((error.member().empty() ? "" : error.member() + ": ") + error.what());
     }
@@ -131,17 +132,17 @@ private:
 
   void _show()
   {
-    const TimePoint now = _session.present();
+    const session::TimePoint now = _session.present();
     _table.removeOld(now);
     _screen.show(watchPage(_table, _status, now, _screen.width(), _screen.height()));
     _lastPage = SteadyClock::now();
     _nextPage = _lastPage + longestPause;
   }
 
-  PersonTable _table;
-  LiveSession _session;
-  LibraryLog _log;  // nothing else may write on the terminal
-  LineInput _input{InputFile::longestLine};
+  session::PersonTable _table;
+  session::LiveSession _session;
+  session::LibraryLog _log;  // nothing else may write on the terminal
+  LineInput _input{recordings::InputFile::longestLine};
   InputStatus _status;
   Screen _screen;
   SteadyClock::time_point _lastPage;
@@ -150,14 +151,14 @@ private:
 };
 
 /// Returns a line about the readings that were left out, empty if there were none; by then the terminal is as before.
-std::string watch(StreamTimes times)
+std::string watch(session::StreamTimes times)
 {
   Watch watch(times);
   watch.run();
   return watch.takeLeftOut();
 }
 
-ExitStatus run(StreamTimes times)
+ExitStatus run(session::StreamTimes times)
 {
   if (isTerminal(STDIN_FILENO))
   {
@@ -174,11 +175,11 @@ ExitStatus run(StreamTimes times)
 
 void addWatchCommand(CLI::App& app, ExitStatus& status)
 {
-  const auto times = std::make_shared<StreamTimes>(StreamTimes::Arrival);
+  const auto times = std::make_shared<session::StreamTimes>(session::StreamTimes::Arrival);
   CLI::App& command = *app.add_subcommand("watch", description);
   addTimesOption(command, *times);
   command.footer(footer);
   command.callback([times, &status] { status = run(*times); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,20 +1,20 @@
-#include "whycommand.hpp"
+#include "commands/whycommand.hpp"
 
-#include "argumentparsing.hpp"
-#include "explanationjson.hpp"
-#include "explanationtext.hpp"
-#include "inquiry.hpp"
-#include "messages.hpp"
-#include "outputstream.hpp"
-#include "readingarguments.hpp"
-#include "recording.hpp"
-#include "sessionoptions.hpp"
-#include "sessionplan.hpp"
-#include "terminal.hpp"
+#include "cli/argumentparsing.hpp"
+#include "cli/interruption.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "terminal/explanationtext.hpp"
+#include "terminal/terminal.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/explanationjson.hpp>
+#include <skeigiot/session/inquiry.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <boost/optional/optional.hpp>
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -23,7 +23,9 @@
 #include <memory>
 #include <string>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::tools
 {
 
 namespace
@@ -57,24 +59,27 @@ constexpr std::int64_t greatestPerson = 2147483647;
 /// Everything that the command line can say.
 struct Arguments
 {
-  SessionArguments session;
+  session::SessionArguments session;
   ReadingArguments reading;
   std::int32_t person = 0;
-  boost::optional<Duration> at;
-  boost::optional<Duration> from;
-  boost::optional<Duration> to;
+  boost::optional<session::Duration> at;
+  boost::optional<session::Duration> from;
+  boost::optional<session::Duration> to;
   bool showsEach = false;
   bool json = false;
 
   bool asksForSpan() const { return from || to; }
 };
 
-void addTime(CLI::App& command, const std::string& name, const std::string& help, boost::optional<Duration>& target)
+void addTime(CLI::App& command, const std::string& name, const std::string& help,
+             boost::optional<session::Duration>& target)
 {
   addNumber(
       command, name, help, "SECONDS", "a time in seconds since the start of the recording",
       [](double seconds) { return seconds >= 0. && seconds <= greatestTime; },
-      [&target](double seconds) { target = Duration(static_cast<Duration::rep>(std::llround(seconds * 1e9))); });
+      [&target](double seconds) {
+        target = session::Duration(static_cast<session::Duration::rep>(std::llround(seconds * 1e9)));
+      });
 }
 
 void addPerson(CLI::App& command, std::int32_t& target)
@@ -112,10 +117,10 @@ void checkTimes(const Arguments& arguments)
     throw CLI::ValidationError("--to", "the span ends before it begins");
 }
 
-/// \throws RecordingError, CLI::ValidationError if there is not exactly one.
-SessionInputs onlySession(const SessionArguments& arguments)
+/// \throws Error, CLI::ValidationError if there is not exactly one.
+session::SessionInputs onlySession(const session::SessionArguments& arguments)
 {
-  const SessionPlan plan = planNamedSessions(arguments);
+  const session::SessionPlan plan = planNamedSessions(arguments);
   if (plan.sessions.size() > 1)
     throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
   return plan.sessions.front();
@@ -126,8 +131,7 @@ void write(std::ostream& output, const Explained& explained, const std::string& 
 {
   if (arguments.json)
   {
-    output << explanationJson(explained, name).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)
-           << '\n';
+    output << session::explanationJson(explained, name) << '\n';
     return;
   }
   constexpr int narrowest = 60;
@@ -139,18 +143,29 @@ void write(std::ostream& output, const Explained& explained, const std::string& 
 
 void answer(const Arguments& arguments)
 {
-  const SessionInputs session = onlySession(arguments.session);
-  const std::unique_ptr<RecordingReader> reader = openSession(session, [&arguments](const std::string& path) {
-    return openRecording(path, arguments.reading.format, arguments.reading.options);
-  });
+  const session::SessionInputs session = onlySession(arguments.session);
   Messages messages(std::cerr, false);
-  const Inquiry inquiry{*reader, session.name(), arguments.person, arguments.reading.skipBad, messages};
+  session::Inquiry inquiry;
+  inquiry.open = [&] {
+    return session::openSession(session, [&arguments](const std::string& path) {
+      return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
+    });
+  };
+  inquiry.name = session.name();
+  inquiry.person = arguments.person;
+  inquiry.skipBad = arguments.reading.skipBad;
+  inquiry.note = [&messages](const std::string& text) { messages.note(text); };
+  inquiry.goOn = [](const session::Progress&) {
+    Interruption::check();
+    return true;
+  };
 
-  OutputStream output(STDOUT_FILENO, "standard output");
+  session::OutputStream output(STDOUT_FILENO, "standard output");
   if (arguments.at)
-    write(output, explainMoment(inquiry, *arguments.at), inquiry.name, arguments);
+    write(output, session::explainMoment(inquiry, *arguments.at), inquiry.name, arguments);
   else
-    write(output, explainSpan(inquiry, arguments.from.value_or(Duration(0)), arguments.to), inquiry.name, arguments);
+    write(output, session::explainSpan(inquiry, arguments.from.value_or(session::Duration(0)), arguments.to),
+          inquiry.name, arguments);
   output.flush();
 }
 
@@ -163,7 +178,7 @@ ExitStatus run(Arguments& arguments)
     answer(arguments);
     return Success;
   }
-  catch (const RecordingError& error)
+  catch (const recordings::Error& error)
   {
     Messages(std::cerr, false).error(error.what());
     return BadInput;
@@ -181,4 +196,4 @@ void addWhyCommand(CLI::App& app, ExitStatus& status)
   command.callback([arguments, &status] { status = run(*arguments); });
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,13 +1,13 @@
-#include "completion.hpp"
+#include "manual/completion.hpp"
 
-#include "argumentparsing.hpp"
+#include "cli/argumentparsing.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <map>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -217,4 +217,4 @@ std::string fishCompletion(CLI::App& app)
   return text;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Makes a script by which bash completes subcommands, options, their words, and names of files.
@@ -14,4 +14,4 @@ std::string bashCompletion(CLI::App& app);
 /// The same for fish, with what each of them is for.
 std::string fishCompletion(CLI::App& app);
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -2,9 +2,9 @@
 //
 // usage: skeigiot-manual FOLDER_OF_PAGES FOLDER_OF_COMPLETION
 
-#include "commandline.hpp"
-#include "completion.hpp"
-#include "manualpage.hpp"
+#include "commands/commandline.hpp"
+#include "manual/completion.hpp"
+#include "manual/manualpage.hpp"
 
 #include <exception>
 #include <fstream>
@@ -35,12 +35,12 @@ int main(int argc, char** argv)
   }
   try
   {
-    tools::ExitStatus unused = tools::Success;
-    const auto app = tools::commandLine(unused);
-    for (const tools::ManualPage& page : tools::manualPages(*app))
+    KV::tools::ExitStatus unused = KV::tools::Success;
+    const auto app = KV::tools::commandLine(unused);
+    for (const KV::tools::ManualPage& page : KV::tools::manualPages(*app))
       write(std::string(argv[1]) + "/" + page.file, page.text);
-    write(std::string(argv[2]) + "/skeigiot.bash", tools::bashCompletion(*app));
-    write(std::string(argv[2]) + "/skeigiot.fish", tools::fishCompletion(*app));
+    write(std::string(argv[2]) + "/skeigiot.bash", KV::tools::bashCompletion(*app));
+    write(std::string(argv[2]) + "/skeigiot.fish", KV::tools::fishCompletion(*app));
     return 0;
   }
   catch (const std::exception& error)

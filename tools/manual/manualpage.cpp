@@ -1,12 +1,12 @@
-#include "manualpage.hpp"
+#include "manual/manualpage.hpp"
 
-#include "argumentparsing.hpp"
-#include "roff.hpp"
+#include "cli/argumentparsing.hpp"
+#include "manual/roff.hpp"
 
 #include <algorithm>
 #include <cctype>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -209,4 +209,4 @@ std::vector<ManualPage> manualPages(CLI::App& app)
   return pages;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// One page of the manual.
@@ -19,4 +19,4 @@ struct ManualPage
 /// Makes the pages of the command and of each of its subcommands from what their help says.
 std::vector<ManualPage> manualPages(CLI::App& app);
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,10 +1,10 @@
-#include "roff.hpp"
+#include "manual/roff.hpp"
 
 #include <cstddef>
 #include <sstream>
 #include <utility>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -114,4 +114,4 @@ std::string roffParagraphs(const std::string& text)
   return roff;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

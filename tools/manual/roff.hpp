@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Returns the text as roff prints it: hyphens stay hyphens, and nothing in it is taken for a request.
@@ -21,4 +21,4 @@ std::string roffParagraphs(const std::string& text);
 /// Lines that stay as they are.
 std::string roffVerbatim(const std::string& lines);
 
-}  // namespace tools
+}  // namespace KV::tools

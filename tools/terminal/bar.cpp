@@ -1,10 +1,10 @@
-#include "bar.hpp"
+#include "terminal/bar.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -43,4 +43,4 @@ std::string centredBar(double value, int halfWidth)
          repeated("█", right) + (halfRight ? "▌" : "") + repeated("·", halfWidth - right - (halfRight ? 1 : 0));
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Returns a bar of `width` cells that is filled from the left in proportion to a value in [0, 1], to half a cell.
@@ -14,4 +14,4 @@ std::string bar(double value, int width);
 /// proportion to a value in [-1, 1], to half a cell.
 std::string centredBar(double value, int halfWidth);
 
-}  // namespace tools
+}  // namespace KV::tools

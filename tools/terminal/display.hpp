@@ -1,11 +1,11 @@
 #pragma once
 
-#include "outputstream.hpp"
+#include <skeigiot/session/outputstream.hpp>
 
 #include <ostream>
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// What is shown to people; when they have gone away, nothing is written any more.
@@ -22,7 +22,7 @@ public:
     {
       _stream << text << std::flush;
     }
-    catch (const WriteError& error)
+    catch (const session::WriteError& error)
     {
       if (!error.pipeClosed())
         throw;
@@ -41,4 +41,4 @@ private:
   bool _closed = false;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,12 +1,14 @@
-#include "explanationtext.hpp"
+#include "terminal/explanationtext.hpp"
 
-#include "combinedforces.hpp"
-#include "exactnumber.hpp"
-#include "forcenames.hpp"
-#include "names.hpp"
-#include "sentence.hpp"
-#include "text.hpp"
-#include "texttable.hpp"
+#include "terminal/text.hpp"
+#include "terminal/texttable.hpp"
+
+#include <skeigiot/session/combinedforces.hpp>
+#include <skeigiot/session/exactnumber.hpp>
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/sentence.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
 #include <array>
@@ -14,9 +16,8 @@
 #include <cstddef>
 #include <cstdio>
 #include <iterator>
-#include <numeric>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -57,24 +58,24 @@ std::string weightText(float weight)
   return formatted("%.1f %%", 100. * static_cast<double>(weight));
 }
 
-std::string sourceText(const CombinedForce& combined)
+std::string sourceText(const session::CombinedForce& combined)
 {
   return combined.force.source + (combined.count > 1 ? " ×" + std::to_string(combined.count) : "");
 }
 
-std::vector<CombinedForce> eachAlone(const std::vector<ActedForce>& forces)
+std::vector<session::CombinedForce> eachAlone(const std::vector<session::ActedForce>& forces)
 {
-  std::vector<CombinedForce> result;
+  std::vector<session::CombinedForce> result;
   std::transform(forces.begin(), forces.end(), std::back_inserter(result),
-                 [](const ActedForce& force) { return CombinedForce{force}; });
+                 [](const session::ActedForce& force) { return session::CombinedForce{force}; });
   return result;
 }
 
 /// Combines repeated forces, and leaves out what did to an unsmoothed quantity just what it did to the smoothed one.
-std::vector<CombinedForce> withoutRepetition(const std::vector<ActedForce>& forces)
+std::vector<session::CombinedForce> withoutRepetition(const std::vector<session::ActedForce>& forces)
 {
-  std::vector<CombinedForce> result;
-  for (const CombinedForce& next : combined(forces))
+  std::vector<session::CombinedForce> result;
+  for (const session::CombinedForce& next : session::combined(forces))
   {
     const bool isEcho =
         isUnsmoothed(next.force.quantity) && !result.empty() && result.back().force.source == next.force.source &&
@@ -85,18 +86,20 @@ std::vector<CombinedForce> withoutRepetition(const std::vector<ActedForce>& forc
   return result;
 }
 
-TextTable tableOf(const Explanation& explanation, bool showsEach)
+TextTable tableOf(const session::Explanation& explanation, bool showsEach)
 {
   TextTable table({{"source"}, {"quantity"}, {"weight", true}, {"target", true}, {"from", true}, {"to", true}});
-  for (const CombinedForce& row : showsEach ? eachAlone(explanation.forces) : withoutRepetition(explanation.forces))
+  for (const session::CombinedForce& row :
+       showsEach ? eachAlone(explanation.forces) : withoutRepetition(explanation.forces))
   {
-    const ActedForce& force = row.force;
-    table.add({sourceText(row), quantityName(force.quantity), weightText(force.weight),
+    const session::ActedForce& force = row.force;
+    table.add({sourceText(row), session::quantityName(force.quantity), weightText(force.weight),
                valueText(force.quantity, force.target), valueText(force.quantity, force.before),
                valueText(force.quantity, force.after)});
   }
-  for (const SeenZoneChange& change : explanation.zoneChanges)
-    table.add({evidenceName(change.evidence), "zone", "", "", zoneName(change.from), zoneName(change.to)});
+  for (const session::SeenZoneChange& change : explanation.zoneChanges)
+    table.add({session::evidenceName(change.evidence), "zone", "", "", session::zoneName(change.from),
+               session::zoneName(change.to)});
   return table;
 }
 
@@ -105,7 +108,7 @@ KV::Quantity smoothedOf(KV::Quantity quantity)
   return quantity == KV::UnsmoothedValenceQuantity ? KV::ValenceQuantity : KV::ValenceConfidenceQuantity;
 }
 
-bool moveAlike(const std::vector<SourceMovement>& left, const std::vector<SourceMovement>& right)
+bool moveAlike(const std::vector<session::SourceMovement>& left, const std::vector<session::SourceMovement>& right)
 {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](const auto& one, const auto& other) {
     return one.source == other.source && one.up == other.up && one.down == other.down;
@@ -113,10 +116,10 @@ bool moveAlike(const std::vector<SourceMovement>& left, const std::vector<Source
 }
 
 /// Returns the quantities whose shares are shown: an unsmoothed one only if it moved otherwise than the smoothed one.
-std::vector<KV::Quantity> shownQuantities(const Movements& movements, bool showsEach)
+std::vector<KV::Quantity> shownQuantities(const session::Movements& movements, bool showsEach)
 {
   std::vector<KV::Quantity> quantities;
-  for (const KV::Quantity quantity : allQuantities)
+  for (const KV::Quantity quantity : session::allQuantities)
   {
     const bool isEcho = isUnsmoothed(quantity) && moveAlike(movements.of(quantity), movements.of(smoothedOf(quantity)));
     if (showsEach || !isEcho)
@@ -125,17 +128,17 @@ std::vector<KV::Quantity> shownQuantities(const Movements& movements, bool shows
   return quantities;
 }
 
-TextTable tableOf(const SpanExplanation& explanation, bool showsEach)
+TextTable tableOf(const session::SpanExplanation& explanation, bool showsEach)
 {
   TextTable table({{"quantity"}, {"source"}, {"forces", true}, {"share", true}, {"moved", true}, {"net", true}});
   for (const KV::Quantity quantity : shownQuantities(explanation.movements, showsEach))
   {
-    const std::vector<SourceMovement> movements = explanation.movements.of(quantity);
-    const std::vector<int> shares = sharesInTenthsOfPercent(movements);
+    const std::vector<session::SourceMovement> movements = explanation.movements.of(quantity);
+    const std::vector<int> shares = session::sharesInTenthsOfPercent(movements);
     for (std::size_t i = 0; i < movements.size(); ++i)
     {
-      const SourceMovement& movement = movements[i];
-      table.add({i == 0 ? quantityName(quantity) : "", movement.source, std::to_string(movement.forces),
+      const session::SourceMovement& movement = movements[i];
+      table.add({i == 0 ? session::quantityName(quantity) : "", movement.source, std::to_string(movement.forces),
                  formatted("%.1f %%", shares[i] / 10.), formatted("%.3f", movement.distance()),
                  signedText(movement.net())});
     }
@@ -151,94 +154,44 @@ std::string paragraph(const std::vector<std::string>& sentences, int width)
   return text;
 }
 
-std::vector<std::string> sentencesOnChange(const Snapshot& before, const Snapshot& after, const Movements& movements)
-{
-  return {
-      describeChange(KV::ValenceQuantity, before.valence.value, after.valence.value, movements.of(KV::ValenceQuantity)),
-      describeChange(KV::AttentionQuantity, before.attention.value, after.attention.value,
-                     movements.of(KV::AttentionQuantity))};
-}
-
-std::string timeText(Duration time)
+std::string timeText(session::Duration time)
 {
   std::string seconds;
-  appendExactSeconds(seconds, time);
-  return clockText(time) + " (" + seconds + " s)";
+  session::appendExactSeconds(seconds, time);
+  return session::clockText(time) + " (" + seconds + " s)";
 }
 
-std::string heading(const Explanation& explanation, const Style& style)
+std::string heading(const session::Explanation& explanation, const Style& style)
 {
-  const Snapshot& after = explanation.after;
+  const session::Snapshot& after = explanation.after;
   return style.bold("Person " + std::to_string(after.person)) + " at " + timeText(after.sinceStart) +
          (after.seen ? "" : ", not seen") + "\n";
 }
 
-std::string heading(const SpanExplanation& explanation, const Style& style)
+std::string heading(const session::SpanExplanation& explanation, const Style& style)
 {
-  const Snapshot& after = explanation.after;
+  const session::Snapshot& after = explanation.after;
   return style.bold("Person " + std::to_string(after.person)) + " from " + timeText(explanation.first) + " to " +
-         timeText(after.sinceStart) + ", " + counted(explanation.updates, "update") + "\n";
+         timeText(after.sinceStart) + ", " + session::counted(explanation.updates, "update") + "\n";
 }
 
 template <typename Explained>
 std::string textOf(const Explained& explanation, const ExplanationLayout& layout)
 {
   return heading(explanation, layout.style) + "\n" + tableOf(explanation, layout.showsEach).text(layout.style) + "\n" +
-         paragraph(sentencesOn(explanation), layout.width);
+         paragraph(session::sentencesOn(explanation), layout.width);
 }
 
 }  // namespace
 
-std::string explanationText(const Explanation& explanation, const ExplanationLayout& layout)
+std::string explanationText(const session::Explanation& explanation, const ExplanationLayout& layout)
 {
   return textOf(explanation, layout);
 }
 
-std::string explanationText(const SpanExplanation& explanation, const ExplanationLayout& layout)
+std::string explanationText(const session::SpanExplanation& explanation, const ExplanationLayout& layout)
 {
   return textOf(explanation, layout);
 }
 
-std::vector<std::string> sentencesOn(const Explanation& explanation)
-{
-  Movements movements;
-  for (const ActedForce& force : explanation.forces)
-    movements.add(force.source, force.quantity, force.target, force.before, force.after);
-  std::vector<std::string> sentences = sentencesOnChange(explanation.before, explanation.after, movements);
-  for (const SeenZoneChange& change : explanation.zoneChanges)
-    sentences.push_back("the zone changed from " + zoneName(change.from) + " to " + zoneName(change.to) +
-                        ", decided by: " + evidenceName(change.evidence));
-  return sentences;
-}
-
-std::vector<std::string> sentencesOn(const SpanExplanation& explanation)
-{
-  return sentencesOnChange(explanation.before, explanation.after, explanation.movements);
-}
-
-std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceMovement>& movements)
-{
-  constexpr int whole = 1000;
-  std::vector<int> shares(movements.size(), 0);
-  const double total = totalDistance(movements);
-  if (!(total > 0.))
-    return shares;
-
-  std::vector<double> remainders;
-  for (std::size_t i = 0; i < movements.size(); ++i)
-  {
-    const double exact = whole * movements[i].distance() / total;
-    shares[i] = static_cast<int>(exact);
-    remainders.push_back(exact - shares[i]);
-  }
-  // What rounding down left over goes to those who lost most by it.
-  for (int left = whole - std::accumulate(shares.begin(), shares.end(), 0); left > 0; --left)
-  {
-    const auto greatest = std::max_element(remainders.begin(), remainders.end());
-    ++shares[static_cast<std::size_t>(greatest - remainders.begin())];
-    *greatest = -1.;
-  }
-  return shares;
-}
-
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,31 +1,33 @@
-#include "progressline.hpp"
+#include "terminal/progressline.hpp"
 
-#include "bar.hpp"
-#include "text.hpp"
+#include "terminal/bar.hpp"
+#include "terminal/text.hpp"
 
-namespace tools
+#include <skeigiot/session/wording.hpp>
+
+namespace KV::tools
 {
 
 ProgressLine::ProgressLine(std::ostream& stream, bool shown, Clock::duration interval)
   : _stream(stream), _shown(shown), _interval(interval), _next(Clock::now() + interval)
 {}
 
-void ProgressLine::show(double share, Duration reached)
+void ProgressLine::show(double share, session::Duration reached)
 {
-  _show(share, clockText(reached, 0) + " of the recording");
+  _show(share, session::clockText(reached, 0) + " of the recording");
 }
 
 void ProgressLine::showCount(std::size_t done, std::size_t all)
 {
   _show(static_cast<double>(done) / static_cast<double>(all),
-        std::to_string(done) + " of " + counted(all, "recording"));
+        std::to_string(done) + " of " + session::counted(all, "recording"));
 }
 
 void ProgressLine::_show(double share, const std::string& text)
 {
   constexpr int barWidth = 24;
   erase();
-  _stream << bar(share, barWidth) << ' ' << padLeft(percentage(share), 5) << ", " << text << std::flush;
+  _stream << bar(share, barWidth) << ' ' << padLeft(session::percentage(share), 5) << ", " << text << std::flush;
   _onScreen = true;
   _next = Clock::now() + _interval;
 }
@@ -38,4 +40,4 @@ void ProgressLine::erase()
   _onScreen = false;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "snapshot.hpp"
+#include <skeigiot/session/snapshot.hpp>
 
 #include <chrono>
 #include <cstddef>
 #include <ostream>
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// One line in a terminal that says how far the replay is, and is erased at the end.
@@ -31,7 +31,7 @@ public:
   bool isDue() const { return _shown && Clock::now() >= _next; }
 
   /// Shows a share in [0, 1], and the time reached in the recording.
-  void show(double share, Duration reached);
+  void show(double share, session::Duration reached);
 
   /// Shows how many of several recordings are done.
   void showCount(std::size_t done, std::size_t all);
@@ -49,4 +49,4 @@ private:
   bool _onScreen = false;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,4 +1,4 @@
-#include "screen.hpp"
+#include "terminal/screen.hpp"
 
 #include <clocale>
 #include <cstring>
@@ -10,7 +10,7 @@
 #define NCURSES_NOMACROS
 #include <curses.h>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -129,4 +129,4 @@ void Screen::show(const std::vector<PageLine>& page)
   refresh();
 }
 
-}  // namespace tools
+}  // namespace KV::tools

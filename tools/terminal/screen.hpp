@@ -1,13 +1,13 @@
 #pragma once
 
-#include "watchpage.hpp"
+#include "terminal/watchpage.hpp"
 
 #include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// The terminal of the program's session, taken over for a page of text; given back as it was at the end.
@@ -44,4 +44,4 @@ private:
   bool _colors;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

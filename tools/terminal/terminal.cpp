@@ -1,11 +1,11 @@
-#include "terminal.hpp"
+#include "terminal/terminal.hpp"
+
+#include <cstdlib>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cstdlib>
-
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -43,4 +43,4 @@ std::string Style::_marked(const char* code, const std::string& text) const
   return _colors ? std::string("\033[") + code + "m" + text + "\033[0m" : text;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

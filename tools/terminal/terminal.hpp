@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 /// When to use colours.
@@ -41,4 +41,4 @@ private:
   bool _colors;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

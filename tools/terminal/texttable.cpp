@@ -1,10 +1,10 @@
-#include "texttable.hpp"
+#include "terminal/texttable.hpp"
 
-#include "text.hpp"
+#include "terminal/text.hpp"
 
 #include <algorithm>
 
-namespace tools
+namespace KV::tools
 {
 
 std::string TextTable::text(const Style& style) const
@@ -42,4 +42,4 @@ std::string TextTable::_line(const Cells& cells, const std::vector<std::size_t>&
   return line;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "terminal.hpp"
+#include "terminal/terminal.hpp"
 
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// A table of text whose columns are as wide as what is in them.
@@ -35,4 +35,4 @@ private:
   std::vector<Cells> _rows;
 };
 
-}  // namespace tools
+}  // namespace KV::tools

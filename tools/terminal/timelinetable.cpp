@@ -1,15 +1,17 @@
-#include "timelinetable.hpp"
+#include "terminal/timelinetable.hpp"
 
-#include "bar.hpp"
-#include "forcenames.hpp"
-#include "names.hpp"
-#include "text.hpp"
+#include "terminal/bar.hpp"
+#include "terminal/text.hpp"
+
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -35,18 +37,18 @@ struct Layout
   int attention;    ///< width of the attention bar
 };
 
-int decimalsFor(Duration step)
+int decimalsFor(session::Duration step)
 {
   if (step.count() % 100'000'000 == 0)
     return 1;
   return step.count() % 10'000'000 == 0 ? 2 : 3;
 }
 
-Layout layoutFor(const std::vector<TimelineRow>& rows, Duration step, int width)
+Layout layoutFor(const std::vector<session::TimelineRow>& rows, session::Duration step, int width)
 {
   Layout layout{};
   layout.decimals = decimalsFor(step);
-  const auto longestTime = static_cast<int>(clockText(rows.back().from(), layout.decimals).size());
+  const auto longestTime = static_cast<int>(session::clockText(rows.back().from(), layout.decimals).size());
   layout.time = std::max(timeWidthAtLeast, longestTime);
 
   constexpr int gaps = 6 * 2;
@@ -116,57 +118,57 @@ bool isEstimate(double confidence)
   return confidence >= 0.005;
 }
 
-std::string valenceCell(const TimelineRow& row, const Layout& layout)
+std::string valenceCell(const session::TimelineRow& row, const Layout& layout)
 {
-  const std::string number = isEstimate(row.valenceConfidence()) ? signedNumber(row.valence()) : "-";
+  const std::string number = isEstimate(row.valenceConfidence()) ? session::signedNumber(row.valence()) : "-";
   return padLeft(number, signedNumberWidth) + " " + centredBar(row.valence(), layout.valenceHalf);
 }
 
-std::string attentionCell(const TimelineRow& row, const Layout& layout)
+std::string attentionCell(const session::TimelineRow& row, const Layout& layout)
 {
-  const std::string number = isEstimate(row.attentionConfidence()) ? plainNumber(row.attention()) : "-";
+  const std::string number = isEstimate(row.attentionConfidence()) ? session::plainNumber(row.attention()) : "-";
   return padLeft(number, plainNumberWidth) + " " + bar(row.attention(), layout.attention);
 }
 
-std::string line(const TimelineRow& row, const Layout& layout, const Style& style)
+std::string line(const session::TimelineRow& row, const Layout& layout, const Style& style)
 {
-  const std::string time = padLeft(clockText(row.from(), layout.decimals), layout.time);
+  const std::string time = padLeft(session::clockText(row.from(), layout.decimals), layout.time);
   const std::string valence = valenceCell(row, layout);
   const std::string confidence = bar(row.valenceConfidence(), confidenceWidth);
   const std::string attention = attentionCell(row, layout);
-  const std::string zone = padRight(row.seen() ? zoneName(row.zone()) : "not visible", zoneWidth);
-  const std::string pleasure = padRight(pleasureName(row.pleasure()), pleasureWidth);
-  return withoutTrailingBlanks(time + gap + coloredByPleasure(valence, row.pleasure(), style) + gap +
-                               style.dim(confidence) + gap + attention + gap +
-                               (row.seen() ? zone : style.yellow(zone)) + gap +
-                               coloredByPleasure(pleasure, row.pleasure(), style) + gap + easeName(row.ease()));
+  const std::string zone = padRight(row.seen() ? session::zoneName(row.zone()) : "not visible", zoneWidth);
+  const std::string pleasure = padRight(session::pleasureName(row.pleasure()), pleasureWidth);
+  return withoutTrailingBlanks(
+      time + gap + coloredByPleasure(valence, row.pleasure(), style) + gap + style.dim(confidence) + gap + attention +
+      gap + (row.seen() ? zone : style.yellow(zone)) + gap + coloredByPleasure(pleasure, row.pleasure(), style) + gap +
+      session::easeName(row.ease()));
 }
 
-std::string gapLine(Duration from, Duration to, const Layout& layout, const Style& style)
+std::string gapLine(session::Duration from, session::Duration to, const Layout& layout, const Style& style)
 {
-  const std::string time = padLeft(clockText(from, layout.decimals), layout.time);
-  return time + gap + style.dim("no updates until " + clockText(to, layout.decimals));
+  const std::string time = padLeft(session::clockText(from, layout.decimals), layout.time);
+  return time + gap + style.dim("no updates until " + session::clockText(to, layout.decimals));
 }
 
 /// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if none did.
-std::string strongestSources(const Movements& movements, KV::Quantity quantity)
+std::string strongestSources(const session::Movements& movements, KV::Quantity quantity)
 {
   constexpr std::size_t most = 3;
   constexpr double leastShown = 0.005;
-  std::vector<SourceMovement> strongest = movements.of(quantity);
+  std::vector<session::SourceMovement> strongest = movements.of(quantity);
   strongest.resize(std::min(strongest.size(), most));
   std::string text;
-  for (const SourceMovement& movement : strongest)
+  for (const session::SourceMovement& movement : strongest)
   {
     if (std::abs(movement.net()) >= leastShown)
-      text += (text.empty() ? quantityName(quantity) + ": " : ", ") + plainSource(movement.source) + " " +
-              signedNumber(movement.net());
+      text += (text.empty() ? session::quantityName(quantity) + ": " : ", ") + session::plainSource(movement.source) +
+              " " + session::signedNumber(movement.net());
   }
   return text;
 }
 
 /// What moved the row most, with a line break; empty if it is not known, or nothing did.
-std::string explanation(const Movements& movements, const Layout& layout, int width, const Style& style)
+std::string explanation(const session::Movements& movements, const Layout& layout, int width, const Style& style)
 {
   const std::string valence = strongestSources(movements, KV::ValenceQuantity);
   const std::string attention = strongestSources(movements, KV::AttentionQuantity);
@@ -180,14 +182,15 @@ std::string explanation(const Movements& movements, const Layout& layout, int wi
 
 }  // namespace
 
-std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style)
+std::string timelineTable(const std::vector<session::TimelineRow>& rows, session::Duration step, int width,
+                          const Style& style)
 {
   if (rows.empty())
     return {};
   const Layout layout = layoutFor(rows, step, width);
   std::string table = style.bold(header(layout)) + "\n";
-  Duration next = rows.front().from();
-  for (const TimelineRow& row : rows)
+  session::Duration next = rows.front().from();
+  for (const session::TimelineRow& row : rows)
   {
     if (row.from() > next)
       table += gapLine(next, row.from(), layout, style) + "\n";
@@ -197,4 +200,4 @@ std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, i
   return table;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

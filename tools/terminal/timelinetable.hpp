@@ -1,13 +1,14 @@
 #pragma once
 
-#include "snapshot.hpp"
-#include "terminal.hpp"
-#include "timelinerow.hpp"
+#include "terminal/terminal.hpp"
+
+#include <skeigiot/session/snapshot.hpp>
+#include <skeigiot/session/timelinerow.hpp>
 
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 constexpr int narrowestTable = 80;  ///< columns; in less, the bars would say nothing
@@ -18,6 +19,7 @@ constexpr int widestTable = 100;    ///< columns; in more, the bars would only b
 /// Below a row whose movements are known stand the sources that moved valence and attention most.
 ///
 /// \pre `width` is narrowestTable at least.
-std::string timelineTable(const std::vector<TimelineRow>& rows, Duration step, int width, const Style& style);
+std::string timelineTable(const std::vector<session::TimelineRow>& rows, session::Duration step, int width,
+                          const Style& style);
 
-}  // namespace tools
+}  // namespace KV::tools

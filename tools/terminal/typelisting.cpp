@@ -1,4 +1,4 @@
-#include "typelisting.hpp"
+#include "terminal/typelisting.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -89,4 +89,4 @@ void writeTypesAsJson(std::ostream& stream, const std::vector<ko::StructTypeInte
   stream << listing.dump(2) << '\n';
 }
 
-}  // namespace tools
+}  // namespace KV::tools

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// Whether the members of members are listed as well, down to what has none.
@@ -22,4 +22,4 @@ void writeTypesAsText(std::ostream& stream, const std::vector<ko::StructTypeInte
 /// members of members are listed, "members" of its own.
 void writeTypesAsJson(std::ostream& stream, const std::vector<ko::StructTypeInterface*>& structs, Nested nested);
 
-}  // namespace tools
+}  // namespace KV::tools

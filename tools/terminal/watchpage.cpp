@@ -1,12 +1,14 @@
-#include "watchpage.hpp"
+#include "terminal/watchpage.hpp"
 
-#include "bar.hpp"
-#include "names.hpp"
-#include "text.hpp"
+#include "terminal/bar.hpp"
+#include "terminal/text.hpp"
+
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::tools
 {
 
 namespace
@@ -71,20 +73,21 @@ Look lookOf(KV::PleasureState pleasure)
   return pleasure == KV::PleasureNegative ? Look::Bad : Look::Plain;
 }
 
-PageLine rowOf(const PersonRow& row, TimePoint now, const Widths& widths)
+PageLine rowOf(const session::PersonRow& row, session::TimePoint now, const Widths& widths)
 {
   const auto valence = static_cast<double>(row.last.valence.value);
   const auto attention = static_cast<double>(row.last.attention.value);
   const Look plain = row.last.seen ? Look::Plain : Look::Faint;
   const Look colored = row.last.seen ? lookOf(row.last.pleasure) : Look::Faint;
-  return {{padLeft(std::to_string(row.last.person), personWidth) + gap, plain},
-          {centredBar(valence, widths.valenceHalf) + " " + padLeft(signedNumber(valence), numberWidth), colored},
-          {" " + sparkline(row.valence.means(now, widths.history), -1., 1.) + gap, plain},
-          {bar(attention, widths.attention) + " " + padLeft(plainNumber(attention), numberWidth) + " " +
-               sparkline(row.attention.means(now, widths.history), 0., 1.) + gap,
-           plain},
-          {padRight(zoneName(row.last.zone), zoneWidth) + gap, plain},
-          {row.why(now), colored}};
+  return {
+      {padLeft(std::to_string(row.last.person), personWidth) + gap, plain},
+      {centredBar(valence, widths.valenceHalf) + " " + padLeft(session::signedNumber(valence), numberWidth), colored},
+      {" " + session::sparkline(row.valence.means(now, widths.history), -1., 1.) + gap, plain},
+      {bar(attention, widths.attention) + " " + padLeft(session::plainNumber(attention), numberWidth) + " " +
+           session::sparkline(row.attention.means(now, widths.history), 0., 1.) + gap,
+       plain},
+      {padRight(session::zoneName(row.last.zone), zoneWidth) + gap, plain},
+      {row.why(now), colored}};
 }
 
 PageLine heading(const Widths& widths)
@@ -95,10 +98,10 @@ PageLine heading(const Widths& widths)
            Look::Heading}};
 }
 
-PageLine statusLine(const PersonTable& table, const InputStatus& status)
+PageLine statusLine(const session::PersonTable& table, const InputStatus& status)
 {
   return {{"skeigiot" + gap, Look::Heading},
-          {counted(table.rows().size(), "person") + ", " + counted(status.lines, "line") +
+          {session::counted(table.rows().size(), "person") + ", " + session::counted(status.lines, "line") +
                (status.ended ? ", the input has ended" : ""),
            Look::Plain}};
 }
@@ -107,13 +110,13 @@ PageLine errorLine(const InputStatus& status)
 {
   if (status.refused == 0)
     return {};
-  return {{counted(status.refused, "line") + " refused, the last: " + status.lastError, Look::Bad}};
+  return {{session::counted(status.refused, "line") + " refused, the last: " + status.lastError, Look::Bad}};
 }
 
 }  // namespace
 
-std::vector<PageLine> watchPage(const PersonTable& table, const InputStatus& status, TimePoint now, std::size_t width,
-                                std::size_t height)
+std::vector<PageLine> watchPage(const session::PersonTable& table, const InputStatus& status, session::TimePoint now,
+                                std::size_t width, std::size_t height)
 {
   const Widths& widths = width < wideFrom ? narrow : wide;
   const std::size_t room = height > linesAround ? height - linesAround : 0;
@@ -129,7 +132,8 @@ std::vector<PageLine> watchPage(const PersonTable& table, const InputStatus& sta
   }
   page.push_back(errorLine(status));
   const std::size_t hidden = table.rows().size() - shown;
-  page.push_back({{"q quits" + (hidden > 0 ? ", " + counted(hidden, "more person") + " below" : ""), Look::Faint}});
+  page.push_back(
+      {{"q quits" + (hidden > 0 ? ", " + session::counted(hidden, "more person") + " below" : ""), Look::Faint}});
 
   page.resize(std::min(page.size(), height));
   for (PageLine& line : page)
@@ -137,4 +141,4 @@ std::vector<PageLine> watchPage(const PersonTable& table, const InputStatus& sta
   return page;
 }
 
-}  // namespace tools
+}  // namespace KV::tools

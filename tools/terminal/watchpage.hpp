@@ -1,12 +1,12 @@
 #pragma once
 
-#include "persontable.hpp"
+#include <skeigiot/session/persontable.hpp>
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::tools
 {
 
 /// How a piece of text is shown.
@@ -39,7 +39,7 @@ struct InputStatus
 
 /// Returns the page that shows all persons, for a terminal of that size; there are `height` lines at most, and none is
 /// wider than `width` columns.
-std::vector<PageLine> watchPage(const PersonTable& table, const InputStatus& status, TimePoint now, std::size_t width,
-                                std::size_t height);
+std::vector<PageLine> watchPage(const session::PersonTable& table, const InputStatus& status, session::TimePoint now,
+                                std::size_t width, std::size_t height);
 
-}  // namespace tools
+}  // namespace KV::tools

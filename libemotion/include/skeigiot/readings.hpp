@@ -2,7 +2,7 @@
 
 #include <skeigiot/personobservation.hpp>
 
-namespace tools
+namespace KV
 {
 
 /// Hands every reading of an observation to `visit(name, member)`, under the name that files call it by.
@@ -29,4 +29,4 @@ void forEachReading(Visit&& visit)
   visit("robotHeadPosture", &Observation::robotHeadPosture);
 }
 
-}  // namespace tools
+}  // namespace KV

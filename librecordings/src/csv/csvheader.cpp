@@ -1,8 +1,8 @@
-#include "csvheader.hpp"
+#include "csv/csvheader.hpp"
 
 #include <algorithm>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -20,7 +20,7 @@ std::string_view trimmed(std::string_view text)
 
 }  // namespace
 
-CsvHeader::CsvHeader(const std::vector<std::string_view>& fields, const RecordingError::Place& place,
+CsvHeader::CsvHeader(const std::vector<std::string_view>& fields, const Error::Place& place,
                      bool (*isRead)(const std::string& name))
   : _place(place)
 {
@@ -28,7 +28,7 @@ CsvHeader::CsvHeader(const std::vector<std::string_view>& fields, const Recordin
   {
     const std::string name(trimmed(field));
     if (!_indices.emplace(name, _names.size()).second && isRead(name))
-      throw RecordingError({place.file, place.line, name}, "this column is there twice");
+      throw Error({place.file, place.line, name}, "this column is there twice");
     _names.push_back(name);
   }
 }
@@ -42,9 +42,9 @@ std::optional<std::size_t> CsvHeader::find(const std::string& name) const
   return found->second;
 }
 
-RecordingColumns CsvHeader::columns() const
+Columns CsvHeader::columns() const
 {
-  RecordingColumns columns;
+  Columns columns;
   for (std::size_t i = 0; i < _names.size(); ++i)
     if (!_names[i].empty())
       (_found.count(i) > 0 ? columns.used : columns.ignored).push_back(_names[i]);
@@ -79,7 +79,7 @@ std::vector<std::string> namesIn(std::string_view line, std::string_view delimit
   }
 }
 
-void refuseOtherDelimiters(const std::vector<std::string_view>& header, const RecordingError::Place& place,
+void refuseOtherDelimiters(const std::vector<std::string_view>& header, const Error::Place& place,
                            bool (*isRead)(const std::string& name))
 {
   if (header.size() != 1)
@@ -93,9 +93,9 @@ void refuseOtherDelimiters(const std::vector<std::string_view>& header, const Re
   {
     const auto names = namesIn(header.front(), other.delimiter);
     if (std::count_if(names.begin(), names.end(), isRead) >= tellingNames)
-      throw RecordingError(place, std::string("the columns are separated by ") + other.name +
-                                      "; expected commas, and numbers with a decimal point");
+      throw Error(place, std::string("the columns are separated by ") + other.name +
+                             "; expected commas, and numbers with a decimal point");
   }
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <array>
 #include <cstddef>
@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Columns that are there only if all of them are.
@@ -24,18 +24,18 @@ class CsvHeader
 public:
   /// Takes the first row of the file.
   ///
-  /// \throws RecordingError if a column for which `isRead` says true is there twice.
-  CsvHeader(const std::vector<std::string_view>& fields, const RecordingError::Place& place,
+  /// \throws Error if a column for which `isRead` says true is there twice.
+  CsvHeader(const std::vector<std::string_view>& fields, const Error::Place& place,
             bool (*isRead)(const std::string& name));
 
   const std::vector<std::string>& names() const { return _names; }
-  const RecordingError::Place& place() const { return _place; }
+  const Error::Place& place() const { return _place; }
 
   bool has(const std::string& name) const { return _indices.count(name) > 0; }
   std::optional<std::size_t> find(const std::string& name) const;
 
   /// Returns which of the columns were found so far, that is, are read.
-  RecordingColumns columns() const;
+  Columns columns() const;
 
   /// Returns the columns with these names.
   std::vector<std::optional<std::size_t>> find(const std::vector<std::string>& names) const;
@@ -56,7 +56,7 @@ public:
   }
 
 private:
-  RecordingError::Place _place;
+  Error::Place _place;
   std::vector<std::string> _names;
   std::map<std::string, std::size_t> _indices;
   mutable std::set<std::size_t> _found;
@@ -70,8 +70,8 @@ std::vector<std::string> namesIn(std::string_view line, std::string_view delimit
 
 /// Refuses a header of one column that other delimiters than commas would split into several that `isRead` knows.
 ///
-/// \throws RecordingError that names the delimiter.
-void refuseOtherDelimiters(const std::vector<std::string_view>& header, const RecordingError::Place& place,
+/// \throws Error that names the delimiter.
+void refuseOtherDelimiters(const std::vector<std::string_view>& header, const Error::Place& place,
                            bool (*isRead)(const std::string& name));
 
-}  // namespace tools
+}  // namespace KV::recordings

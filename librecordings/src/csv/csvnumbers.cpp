@@ -1,14 +1,15 @@
-#include "csvnumbers.hpp"
+#include "csv/csvnumbers.hpp"
 
-#include "quote.hpp"
-#include "recording.hpp"
+#include <skeigiot/recordings/limits.hpp>
+#include <skeigiot/recordings/quote.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <system_error>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -79,4 +80,4 @@ void CsvNumbers::refuseOtherFieldCounts() const
   throw BadLine({_rows.file().path(), _rows.file().lineNumber(), {}}, message);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "csvrows.hpp"
+#include "csv/csvrows.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -8,15 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
-
-/// [s] What fits a clock in nanoseconds, whether it counts from the start of the recording or since 1970.
-constexpr double earliestTimestamp = -1.5e9;
-constexpr double latestTimestamp = 9.2e9;
-
-/// Beyond it a number is none that was measured, and its square might not fit a float.
-constexpr double greatestMeasurement = 1e15;
 
 /// The fields of the row that a file stands on, as numbers.
 class CsvNumbers
@@ -59,4 +52,4 @@ private:
   const std::vector<std::string>& _names;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,8 @@
-#include "csvpersons.hpp"
+#include "csv/csvpersons.hpp"
 
 #include <limits>
 
-namespace tools
+namespace KV::recordings
 {
 
 CsvPersons::CsvPersons(const CsvHeader& header, const std::string& chosenColumn, const std::string& ownColumn)
@@ -11,11 +11,11 @@ CsvPersons::CsvPersons(const CsvHeader& header, const std::string& chosenColumn,
   if (!_name.empty())
     _column = header.find(_name);
   if (_isChosen && !_column)
-    throw RecordingError({header.place().file, header.place().line, chosenColumn},
-                         "there is no such column to take persons from");
+    throw Error({header.place().file, header.place().line, chosenColumn},
+                "there is no such column to take persons from");
 }
 
-std::int32_t CsvPersons::personOf(const CsvNumbers& numbers, const RecordingError::Place& row)
+std::int32_t CsvPersons::personOf(const CsvNumbers& numbers, const Error::Place& row)
 {
   if (!_column)
     return 0;
@@ -32,4 +32,4 @@ std::string CsvPersons::description() const
   return "persons by " + _name;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "csvheader.hpp"
-#include "csvnumbers.hpp"
-#include "personnames.hpp"
+#include "csv/csvheader.hpp"
+#include "csv/csvnumbers.hpp"
+#include "csv/personnames.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Whom the rows of a file are about: as the column says that the user chose, else the format's own, else all are
@@ -21,13 +21,13 @@ public:
   /// `chosenColumn` is empty if the user chose none, `ownColumn` if the format has none; the format's own holds whole
   /// numbers only.
   ///
-  /// \throws RecordingError if the chosen column is not there.
+  /// \throws Error if the chosen column is not there.
   CsvPersons(const CsvHeader& header, const std::string& chosenColumn, const std::string& ownColumn);
 
   /// Returns the person of the row.
   ///
   /// \throws BadLine if the field names none.
-  std::int32_t personOf(const CsvNumbers& numbers, const RecordingError::Place& row);
+  std::int32_t personOf(const CsvNumbers& numbers, const Error::Place& row);
 
   bool haveColumn() const { return _column.has_value(); }
 
@@ -46,4 +46,4 @@ private:
   PersonNames _names;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

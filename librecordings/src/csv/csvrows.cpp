@@ -1,12 +1,12 @@
-#include "csvrows.hpp"
+#include "csv/csvrows.hpp"
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <csv.h>
 
 #include <new>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -121,4 +121,4 @@ bool CsvRows::next()
   return false;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

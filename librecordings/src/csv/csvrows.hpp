@@ -1,6 +1,6 @@
 #pragma once
 
-#include "inputfile.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
 
 #include <cstddef>
 #include <memory>
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Reads a file of comma-separated values row by row; every line is one row.
@@ -17,7 +17,7 @@ class CsvRows
 public:
   /// Opens the file.
   ///
-  /// \throws RecordingError if it cannot be opened.
+  /// \throws Error if it cannot be opened.
   explicit CsvRows(const std::string& path);
   ~CsvRows();
   CsvRows(const CsvRows&) = delete;
@@ -26,7 +26,7 @@ public:
   /// Reads the next line that is not empty; returns false at the end of the file.
   ///
   /// \throws BadLine if a quote is out of place or not closed, or the line is too long; the next call goes on behind
-  /// it. \throws RecordingError if the file cannot be read.
+  /// it. \throws Error if the file cannot be read.
   bool next();
 
   /// Returns the fields of the row without the spaces around them; valid until the next call of next().
@@ -42,4 +42,4 @@ private:
   std::vector<std::string_view> _fields;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
-#include "personnames.hpp"
+#include "csv/personnames.hpp"
 
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
 #include <charconv>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -27,7 +27,7 @@ std::optional<std::int32_t> wholeNumber(std::string_view text)
 
 }  // namespace
 
-std::int32_t PersonNames::numberOf(std::string_view name, const RecordingError::Place& place)
+std::int32_t PersonNames::numberOf(std::string_view name, const Error::Place& place)
 {
   if (name.empty())
     throw BadLine(place, "expected the number or name of a person, found ''");
@@ -44,18 +44,18 @@ std::vector<std::string> PersonNames::takeWarnings()
   return std::exchange(_warnings, {});
 }
 
-std::int32_t PersonNames::_countedNumberOf(std::string_view name, const RecordingError::Place& place)
+std::int32_t PersonNames::_countedNumberOf(std::string_view name, const Error::Place& place)
 {
   const auto found = _numbers.find(name);
   if (found != _numbers.end())
     return found->second;
   if (_numbers.size() == mostNames)
-    throw RecordingError(place, "there are more than " + std::to_string(mostNames) +
-                                    " names of persons: this column does not name persons");
+    throw Error(place, "there are more than " + std::to_string(mostNames) +
+                           " names of persons: this column does not name persons");
   const auto number = static_cast<std::int32_t>(_numbers.size());
   _numbers.emplace(name, number);
   _warnings.push_back(place.field + " " + quote(name) + " is person " + std::to_string(number));
   return number;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
 #include <map>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Numbers the persons that a file names: whole numbers stay as they are, other texts are counted in the order in which
@@ -23,18 +23,18 @@ public:
   /// Returns the number of the person with this name.
   ///
   /// \throws BadLine at this place if there is no name, or if names and numbers are mixed: they might collide.
-  /// \throws RecordingError if there are too many names.
-  std::int32_t numberOf(std::string_view name, const RecordingError::Place& place);
+  /// \throws Error if there are too many names.
+  std::int32_t numberOf(std::string_view name, const Error::Place& place);
 
   /// Returns which name became which number, of those that appeared since the last call.
   std::vector<std::string> takeWarnings();
 
 private:
-  std::int32_t _countedNumberOf(std::string_view name, const RecordingError::Place& place);
+  std::int32_t _countedNumberOf(std::string_view name, const Error::Place& place);
 
   std::optional<bool> _areNumbers;
   std::map<std::string, std::int32_t, std::less<>> _numbers;
   std::vector<std::string> _warnings;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

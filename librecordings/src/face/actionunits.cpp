@@ -1,9 +1,9 @@
-#include "actionunits.hpp"
+#include "face/actionunits.hpp"
 
 #include <algorithm>
 #include <cctype>
 
-namespace tools
+namespace KV::recordings
 {
 
 // Joy, sorrow, surprise and anger: Ekman, Friesen & Hager, Facial Action Coding System, Investigator's Guide (2002),
@@ -39,4 +39,4 @@ float actionUnitScore(double intensity, float fullScale)
   return std::clamp(static_cast<float>(intensity) / fullScale, 0.f, 1.f);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "scoretable.hpp"
+#include "face/scoretable.hpp"
 
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Returns which action units make which readings; the scores are named AU01, AU02, and so on.
@@ -16,4 +16,4 @@ bool isActionUnitName(const std::string& name);
 /// Returns an intensity as part of the full scale, no more than 1 and no less than 0; NaN stays NaN.
 float actionUnitScore(double intensity, float fullScale);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,11 +1,11 @@
-#include "blendshapereadings.hpp"
+#include "face/blendshapereadings.hpp"
 
-#include "blendshapes.hpp"
+#include "face/blendshapes.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 
 BlendshapeReadings::BlendshapeReadings(const Mapping& mapping)
@@ -32,4 +32,4 @@ bool areUnknown(const std::vector<float>& scores)
   return std::all_of(scores.begin(), scores.end(), [](float score) { return std::isnan(score); });
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

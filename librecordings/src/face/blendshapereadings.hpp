@@ -1,15 +1,15 @@
 #pragma once
 
-#include "facereadings.hpp"
-#include "mapping.hpp"
-#include "scoretable.hpp"
+#include "face/facereadings.hpp"
+#include "face/mapping.hpp"
+#include "face/scoretable.hpp"
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Forms the readings of a face from its blendshapes.
@@ -36,4 +36,4 @@ private:
 /// Tells whether none of the scores is known.
 bool areUnknown(const std::vector<float>& scores);
 
-}  // namespace tools
+}  // namespace KV::recordings

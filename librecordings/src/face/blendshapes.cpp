@@ -1,9 +1,9 @@
-#include "blendshapes.hpp"
+#include "face/blendshapes.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 
 const std::vector<std::string>& blendshapeNames()
@@ -86,4 +86,4 @@ float blendshapeScore(double score)
   return std::clamp(static_cast<float>(score), 0.f, 1.f);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scoretable.hpp"
+#include "face/scoretable.hpp"
 
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Returns the names of the blendshapes of a face, as MediaPipe and ARKit both have them, in alphabetical order;
@@ -41,4 +41,4 @@ KV::Gaze gazeOf(const KV::Gaze& inHead, const std::optional<KV::HeadPosture>& he
 /// Returns a score as it counts: no more than 1 and no less than 0; NaN stays NaN.
 float blendshapeScore(double score);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,8 @@
-#include "csvfacefile.hpp"
+#include "face/csvfacefile.hpp"
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 
 CsvFaceFile::CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name))
@@ -12,7 +12,7 @@ CsvFaceFile::CsvFaceFile(const std::string& path, bool (*isRead)(const std::stri
 CsvHeader CsvFaceFile::_readHeader(bool (*isRead)(const std::string& name))
 {
   if (!_rows.next())
-    throw RecordingError({path(), 0, {}}, "the file is empty");
+    throw Error({path(), 0, {}}, "the file is empty");
   refuseOtherDelimiters(_rows.fields(), place(), isRead);
   return {_rows.fields(), place(), isRead};
 }
@@ -27,4 +27,4 @@ void FrameCounter::count(Frame& frame, bool facesAreToldApart)
   _last = frame;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

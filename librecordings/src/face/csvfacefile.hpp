@@ -1,14 +1,14 @@
 #pragma once
 
-#include "csvheader.hpp"
-#include "csvnumbers.hpp"
-#include "csvrows.hpp"
-#include "frametimes.hpp"
+#include "csv/csvheader.hpp"
+#include "csv/csvnumbers.hpp"
+#include "csv/csvrows.hpp"
+#include "face/frametimes.hpp"
 
 #include <cstddef>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// A file of comma-separated values with a header, below which each row is about a face.
@@ -17,7 +17,7 @@ class CsvFaceFile
 public:
   /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
   ///
-  /// \throws RecordingError if it cannot be read, is empty, or its columns cannot be told apart.
+  /// \throws Error if it cannot be read, is empty, or its columns cannot be told apart.
   CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name));
 
   const CsvHeader& header() const { return _header; }
@@ -26,7 +26,7 @@ public:
   double progress() const { return _rows.file().progress(); }
 
   /// Returns where the row stands.
-  RecordingError::Place place() const { return {path(), lineNumber(), {}}; }
+  Error::Place place() const { return {path(), lineNumber(), {}}; }
 
   /// Reads the next row; returns false at the end.
   ///
@@ -57,4 +57,4 @@ private:
   std::optional<Frame> _last;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

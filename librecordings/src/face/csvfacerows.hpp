@@ -1,12 +1,12 @@
 #pragma once
 
-#include "csvfacefile.hpp"
-#include "facerows.hpp"
+#include "face/csvfacefile.hpp"
+#include "face/facerows.hpp"
 
 #include <cstddef>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The rows of a CSV file of a face analyser: what does not differ from format to format.
@@ -16,12 +16,12 @@ public:
   const std::string& path() const override { return _file.path(); }
   std::size_t lineNumber() const override { return _file.lineNumber(); }
   double progress() const override { return _file.progress(); }
-  RecordingColumns columns() const override { return _file.header().columns(); }
+  Columns columns() const override { return _file.header().columns(); }
 
 protected:
   /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   CsvFaceRows(const std::string& path, bool (*isRead)(const std::string& name)) : _file(path, isRead) {}
 
   CsvFaceFile& file() { return _file; }
@@ -31,4 +31,4 @@ private:
   CsvFaceFile _file;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

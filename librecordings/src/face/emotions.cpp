@@ -1,6 +1,6 @@
-#include "emotions.hpp"
+#include "face/emotions.hpp"
 
-namespace tools
+namespace KV::recordings
 {
 
 // The six basic emotions (Ekman: An argument for basic emotions, Cognition and Emotion 6, 1992) and the neutral face,
@@ -27,4 +27,4 @@ const ScoreTable& emotionTable()
   return table;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "scoretable.hpp"
+#include "face/scoretable.hpp"
 
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Returns the names of the emotions that analysers give scores for.
@@ -14,4 +14,4 @@ const std::vector<std::string>& emotionNames();
 /// Returns which emotions make which readings.
 const ScoreTable& emotionTable();
 
-}  // namespace tools
+}  // namespace KV::recordings

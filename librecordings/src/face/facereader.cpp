@@ -1,10 +1,10 @@
-#include "facereader.hpp"
+#include "face/facereader.hpp"
 
 #include <boost/chrono/duration.hpp>
 
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -19,9 +19,9 @@ std::string nameOf(const std::string& first, const std::string& second)
   return first.empty() ? second : first;
 }
 
-RecordingEntry entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
+Step entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
 {
-  RecordingEntry entry;
+  Step entry;
   entry.time = time;
   entry.person = person;
   entry.seen = seen;
@@ -39,7 +39,7 @@ FaceReader::FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& opt
     _warnings.push_back(_times.warning());
 }
 
-boost::optional<RecordingEntry> FaceReader::next()
+boost::optional<Step> FaceReader::next()
 {
   while (!_finished)
   {
@@ -76,7 +76,7 @@ std::vector<Frame> FaceReader::_lookAhead()
 {
   _ahead.fetch(rowsAhead);
   if (_ahead.empty())
-    throw RecordingError({_rows->path(), _rows->lineNumber(), {}}, _rows->nothingToRead());
+    throw Error({_rows->path(), _rows->lineNumber(), {}}, _rows->nothingToRead());
   std::vector<Frame> frames;
   _ahead.forEach([&frames](const FaceRow& row) { frames.push_back(row.frame); });
   if (frames.empty())
@@ -135,7 +135,7 @@ void FaceReader::_tellMissingFrame()
     _missingFramesTold = _missingFrames;
 }
 
-RecordingEntry FaceReader::_tellMissingPerson()
+Step FaceReader::_tellMissingPerson()
 {
   const std::int32_t person = _missingPersons.front();
   _missingPersons.pop_front();
@@ -143,7 +143,7 @@ RecordingEntry FaceReader::_tellMissingPerson()
 }
 
 // Takes the row into its cycle; there is nothing to tell of a face that is not tracked.
-boost::optional<RecordingEntry> FaceReader::_tellRow()
+boost::optional<Step> FaceReader::_tellRow()
 {
   const FaceRow row = *std::exchange(_row, std::nullopt);
   _frame = row.frame;
@@ -156,7 +156,7 @@ boost::optional<RecordingEntry> FaceReader::_tellRow()
     _refuse(row, nameOf(_rows->fields().face, _rows->fields().frame),
             "face " + std::to_string(row.face) + " is there twice in frame " + std::to_string(row.frame.number));
   _anyTracked = true;
-  RecordingEntry entry = entryOf(_frameTime, row.face, true);
+  Step entry = entryOf(_frameTime, row.face, true);
   entry.observation = row.readings.observedAt(_frameTime);
   return entry;
 }
@@ -173,4 +173,4 @@ void FaceReader::_refuse(const FaceRow& row, const std::string& column, const st
   throw BadLine({_rows->path(), row.line, column}, message);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

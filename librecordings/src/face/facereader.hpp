@@ -1,10 +1,11 @@
 #pragma once
 
-#include "facerows.hpp"
-#include "frametimes.hpp"
-#include "lookahead.hpp"
-#include "personsinview.hpp"
-#include "recording.hpp"
+#include "face/facerows.hpp"
+#include "face/frametimes.hpp"
+#include "face/personsinview.hpp"
+#include "recording/lookahead.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
 #include <deque>
@@ -13,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Reads the file of a face analyser.
@@ -21,18 +22,18 @@ namespace tools
 /// The rows of one frame are one cycle. Whoever was seen before and is not tracked in a cycle gets an entry that says
 /// so, after the entries of those who are. Where frames are missing in the file, nobody was seen in them. Either ends
 /// after PersonsInView::longestAbsence cycles.
-class FaceReader : public RecordingReader
+class FaceReader : public Reader
 {
 public:
   /// Looks at the first rows of the file.
   ///
-  /// \throws RecordingError if there is no row.
+  /// \throws Error if there is no row.
   FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& options);
 
-  boost::optional<RecordingEntry> next() override;
+  boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
-  RecordingColumns columns() const override { return _rows->columns(); }
+  Columns columns() const override { return _rows->columns(); }
   double progress() const override { return _rows->progress(); }
 
 private:
@@ -42,8 +43,8 @@ private:
   bool _opensCycle(const FaceRow& row) const;
   void _endCycle();
   void _tellMissingFrame();
-  RecordingEntry _tellMissingPerson();
-  boost::optional<RecordingEntry> _tellRow();
+  Step _tellMissingPerson();
+  boost::optional<Step> _tellRow();
   void _finish();
 
   [[noreturn]] void _refuse(const FaceRow& row, const std::string& column, const std::string& message) const;
@@ -69,4 +70,4 @@ private:
   std::int64_t _missingFramesTold = 0;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

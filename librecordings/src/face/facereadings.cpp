@@ -1,6 +1,6 @@
-#include "facereadings.hpp"
+#include "face/facereadings.hpp"
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -59,4 +59,4 @@ float degrees(double radians)
   return static_cast<float>(radians * degreesPerRadian);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "recording.hpp"
-#include "viewingangles.hpp"
+#include "face/viewingangles.hpp"
 
 #include <skeigiot/personobservation.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <optional>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// What a face analyser tells of one face, in the units and signs of the library.
@@ -43,4 +43,4 @@ void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions&
 /// Returns the angle, given in radians, in degrees.
 float degrees(double radians);
 
-}  // namespace tools
+}  // namespace KV::recordings

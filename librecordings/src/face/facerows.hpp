@@ -1,7 +1,7 @@
 #pragma once
 
-#include "facereadings.hpp"
-#include "frametimes.hpp"
+#include "face/facereadings.hpp"
+#include "face/frametimes.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// What a file tells of one face in one frame, or that there was none.
@@ -39,7 +39,7 @@ public:
   /// Returns the next row, or nothing at the end.
   ///
   /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
-  /// \throws RecordingError where the rest of the file cannot be read.
+  /// \throws Error where the rest of the file cannot be read.
   virtual std::optional<FaceRow> next() = 0;
 
   virtual const std::string& path() const = 0;
@@ -62,10 +62,10 @@ public:
   virtual std::vector<std::string> takeWarnings() { return {}; }
 
   /// Returns which columns are read, if the format has any and tells.
-  virtual RecordingColumns columns() const { return {}; }
+  virtual Columns columns() const { return {}; }
 };
 
 /// How many rows are looked at before the first is handed out: enough to tell the rate, and what time stamps are worth.
 constexpr std::size_t rowsAhead = 300;
 
-}  // namespace tools
+}  // namespace KV::recordings

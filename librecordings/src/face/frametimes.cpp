@@ -1,6 +1,6 @@
-#include "frametimes.hpp"
+#include "face/frametimes.hpp"
 
-#include "recordingclock.hpp"
+#include "recording/recordingclock.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include <iomanip>
 #include <sstream>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -128,4 +128,4 @@ void FrameTimes::_describe(const AssumedRate& assumedRate)
   }
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// One frame of a video as its file counts it.
@@ -77,4 +77,4 @@ private:
   std::string _warning;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

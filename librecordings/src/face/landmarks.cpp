@@ -1,10 +1,10 @@
-#include "landmarks.hpp"
+#include "face/landmarks.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -64,4 +64,4 @@ std::optional<KV::FacialPoints> readFacialPoints(const CsvNumbers& numbers, cons
   return points;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

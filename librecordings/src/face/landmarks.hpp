@@ -1,7 +1,7 @@
 #pragma once
 
-#include "csvheader.hpp"
-#include "csvnumbers.hpp"
+#include "csv/csvheader.hpp"
+#include "csv/csvnumbers.hpp"
 
 #include <skeigiot/facialpoints.hpp>
 
@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The landmarks, of the usual 68 of a face, that are the facial points, in the order of KV::PointDescription.
@@ -38,4 +38,4 @@ bool isLandmark(const std::string& name);
 std::optional<KV::FacialPoints> readFacialPoints(const CsvNumbers& numbers, const LandmarkColumns& columns,
                                                  float confidence, bool mirrored);
 
-}  // namespace tools
+}  // namespace KV::recordings

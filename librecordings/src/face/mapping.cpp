@@ -1,10 +1,11 @@
-#include "mapping.hpp"
+#include "face/mapping.hpp"
 
-#include "actionunits.hpp"
-#include "emotions.hpp"
-#include "inputfile.hpp"
-#include "quote.hpp"
-#include "recording.hpp"
+#include "face/actionunits.hpp"
+#include "face/emotions.hpp"
+
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/quote.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -15,7 +16,7 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -33,12 +34,12 @@ struct Value
 
   [[noreturn]] void refuse(const std::string& expected) const
   {
-    throw RecordingError({file, 0, path}, "expected " + expected + ", found " + quote(json.dump()));
+    throw Error({file, 0, path}, "expected " + expected + ", found " + quote(json.dump()));
   }
 
   [[noreturn]] void refuseMember(const std::string& name, const std::string& expected) const
   {
-    throw RecordingError({file, 0, memberPath(name)}, "there is no such member; expected " + expected);
+    throw Error({file, 0, memberPath(name)}, "there is no such member; expected " + expected);
   }
 
   std::string memberPath(const std::string& name) const { return path.empty() ? name : path + "." + name; }
@@ -186,10 +187,10 @@ Json parsed(const std::string& file)
 {
   const std::string text = InputFile::head(file, largestFile + 1);
   if (text.size() > largestFile)
-    throw RecordingError({file, 0, {}}, "is larger than 1 MiB: this is no mapping");
+    throw Error({file, 0, {}}, "is larger than 1 MiB: this is no mapping");
   const auto guard = [&file](int depth, Json::parse_event_t, const Json&) {
     if (depth > deepestNesting)
-      throw RecordingError({file, 0, {}}, "is nested too deep: this is no mapping");
+      throw Error({file, 0, {}}, "is nested too deep: this is no mapping");
     return true;
   };
   try
@@ -201,8 +202,8 @@ Json parsed(const std::string& file)
     // "[json.exception...] what"
     const std::string what = error.what();
     const std::size_t begin = what.find("] ");
-    throw RecordingError({file, 0, {}},
-                         "expected a JSON object, but " + what.substr(begin == std::string::npos ? 0 : begin + 2));
+    throw Error({file, 0, {}},
+                "expected a JSON object, but " + what.substr(begin == std::string::npos ? 0 : begin + 2));
   }
 }
 
@@ -225,4 +226,4 @@ Mapping readMapping(const std::string& file)
   return mapping;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "blendshapes.hpp"
-#include "scoretable.hpp"
+#include "face/blendshapes.hpp"
+#include "face/scoretable.hpp"
 
 #include <optional>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// How the columns of py-feat count where its versions differ.
@@ -30,7 +30,7 @@ struct Mapping
 
 /// Returns the built-in mapping, with what this JSON file replaces; the name of the file may be empty.
 ///
-/// \throws RecordingError if the file cannot be read or used: names the member, and what was expected.
+/// \throws Error if the file cannot be read or used: names the member, and what was expected.
 Mapping readMapping(const std::string& file);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
-#include "personsinview.hpp"
+#include "face/personsinview.hpp"
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -35,4 +35,4 @@ std::vector<std::int32_t> PersonsInView::endCycle()
   return missing;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

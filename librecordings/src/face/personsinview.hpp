@@ -4,7 +4,7 @@
 #include <map>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Keeps count of who was seen in which cycle, so that whoever was not can be told.
@@ -26,4 +26,4 @@ private:
   std::map<std::int32_t, int> _cyclesMissed;  // -1 in the cycle in which the person is seen
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
-#include "scoretable.hpp"
+#include "face/scoretable.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -129,4 +129,4 @@ float ScoreReadings::_strengthOf(const Formula& formula, const std::vector<float
   return std::clamp(strength, 0.f, 1.f);  // leaves a NaN as it is
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// A weight, and the scores whose mean it weighs.
@@ -95,4 +95,4 @@ private:
   bool _calmIsTheRest = true;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

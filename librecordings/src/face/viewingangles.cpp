@@ -1,8 +1,8 @@
-#include "viewingangles.hpp"
+#include "face/viewingangles.hpp"
 
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -46,4 +46,4 @@ KV::Gaze unmirrored(const KV::Gaze& gaze)
   return {-gaze.yaw, gaze.pitch};
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

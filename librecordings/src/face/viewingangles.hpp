@@ -3,7 +3,7 @@
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Where a face is, seen from the camera, in any unit.
@@ -39,4 +39,4 @@ KV::HeadPosture unmirrored(const KV::HeadPosture& posture);
 /// As above, for a gaze.
 KV::Gaze unmirrored(const KV::Gaze& gaze);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,23 +1,23 @@
-#include "recording.hpp"
+#include "face/facereader.hpp"
+#include "jsonl/jsonlinesreader.hpp"
+#include "livelink/livelinkrows.hpp"
+#include "mediapipe/blendshapecsvrows.hpp"
+#include "mediapipe/facelandmarkerrows.hpp"
+#include "openface/openfacecolumns.hpp"
+#include "openface/openfacerows.hpp"
+#include "pyfeat/pyfeatrows.hpp"
+#include "rosbag2/rosbagreader.hpp"
+#include "tidy/tidycsvtable.hpp"
 
-#include "blendshapecsvrows.hpp"
-#include "facelandmarkerrows.hpp"
-#include "facereader.hpp"
-#include "inputfile.hpp"
-#include "jsonlinesreader.hpp"
-#include "livelinkrows.hpp"
-#include "openfacecolumns.hpp"
-#include "openfacerows.hpp"
-#include "pyfeatrows.hpp"
-#include "rosbagreader.hpp"
-#include "tidycsvtable.hpp"
-#include "tidyreader.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/tidyreader.hpp>
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -25,22 +25,22 @@ namespace
 constexpr std::size_t headSize = std::size_t{64} << 10U;
 
 template <typename Rows>
-std::unique_ptr<RecordingReader> openFaces(const std::string& path, const ReadingOptions& options)
+std::unique_ptr<Reader> openFaces(const std::string& path, const ReadingOptions& options)
 {
   return std::make_unique<FaceReader>(std::make_unique<Rows>(path, options), options);
 }
 
-std::unique_ptr<RecordingReader> openJsonLines(const std::string& path, const ReadingOptions&)
+std::unique_ptr<Reader> openJsonLines(const std::string& path, const ReadingOptions&)
 {
   return std::make_unique<JsonLinesReader>(path);
 }
 
-std::unique_ptr<RecordingReader> openTidyCsv(const std::string& path, const ReadingOptions&)
+std::unique_ptr<Reader> openTidyCsv(const std::string& path, const ReadingOptions&)
 {
   return std::make_unique<TidyReader>(std::make_unique<TidyCsvTable>(path));
 }
 
-std::unique_ptr<RecordingReader> openRosbag(const std::string& path, const ReadingOptions& options)
+std::unique_ptr<Reader> openRosbag(const std::string& path, const ReadingOptions& options)
 {
   return std::make_unique<RosbagReader>(path, options);
 }
@@ -48,18 +48,18 @@ std::unique_ptr<RecordingReader> openRosbag(const std::string& path, const Readi
 std::string names()
 {
   std::string text;
-  for (const RecordingFormat& format : recordingFormats())
+  for (const Format& format : recordingFormats())
     text += (text.empty() ? "" : ", ") + format.name + " (" + format.description + ")";
   return text;
 }
 
-const RecordingFormat& formatNamed(const std::string& name, const std::string& path)
+const Format& formatNamed(const std::string& name, const std::string& path)
 {
   const auto& formats = recordingFormats();
-  const auto found = std::find_if(formats.begin(), formats.end(),
-                                  [&name](const RecordingFormat& format) { return format.name == name; });
+  const auto found =
+      std::find_if(formats.begin(), formats.end(), [&name](const Format& format) { return format.name == name; });
   if (found == formats.end())
-    throw RecordingError({path, 0, {}}, "there is no format '" + name + "'; expected one of: " + names());
+    throw Error({path, 0, {}}, "there is no format '" + name + "'; expected one of: " + names());
   return *found;
 }
 
@@ -70,37 +70,37 @@ void refuseToLookIntoPipes(const std::string& path)
   const auto status = std::filesystem::status(path, error);
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
       !std::filesystem::is_directory(status))
-    throw RecordingError({path, 0, {}}, "the format of what is no regular file cannot be detected; expected its name");
+    throw Error({path, 0, {}}, "the format of what is no regular file cannot be detected; expected its name");
 }
 
 // The format of a file that begins with `head`; none if that is not known.
-const RecordingFormat* formatDetectedIn(const std::string& head)
+const Format* formatDetectedIn(const std::string& head)
 {
   const auto& formats = recordingFormats();
-  const auto found = std::find_if(formats.begin(), formats.end(),
-                                  [&head](const RecordingFormat& format) { return format.detect(head); });
+  const auto found =
+      std::find_if(formats.begin(), formats.end(), [&head](const Format& format) { return format.detect(head); });
   return found == formats.end() ? nullptr : &*found;
 }
 
-const RecordingFormat& formatOf(const std::string& path)
+const Format& formatOf(const std::string& path)
 {
   refuseToLookIntoPipes(path);
   if (isRosbagFolder(path))
     return formatNamed("rosbag2", path);
   const std::string head = InputFile::head(path, headSize);
   if (head.empty())
-    throw RecordingError({path, 0, {}}, "the file is empty");
-  const RecordingFormat* const format = formatDetectedIn(head);
+    throw Error({path, 0, {}}, "the file is empty");
+  const Format* const format = formatDetectedIn(head);
   if (format == nullptr)
-    throw RecordingError({path, 0, {}}, "the format is not known; expected one of: " + names());
+    throw Error({path, 0, {}}, "the format is not known; expected one of: " + names());
   return *format;
 }
 
 }  // namespace
 
-const std::vector<RecordingFormat>& recordingFormats()
+const std::vector<Format>& recordingFormats()
 {
-  static const std::vector<RecordingFormat> formats = {
+  static const std::vector<Format> formats = {
       {"livelink", "CSV of Live Link Face", looksLikeLiveLink, openFaces<LiveLinkRows>},
       {"pyfeat", "CSV of py-feat", looksLikePyFeat, openFaces<PyFeatRows>},
       {"blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv, openFaces<BlendshapeCsvRows>},
@@ -124,16 +124,15 @@ bool isRecording(const std::string& path)
   {
     return formatDetectedIn(InputFile::head(path, headSize)) != nullptr;
   }
-  catch (const RecordingError&)
+  catch (const Error&)
   {
     return true;
   }
 }
 
-std::unique_ptr<RecordingReader> openRecording(const std::string& path, const std::string& format,
-                                               const ReadingOptions& options)
+std::unique_ptr<Reader> openRecording(const std::string& path, const std::string& format, const ReadingOptions& options)
 {
   return (format.empty() ? formatOf(path) : formatNamed(format, path)).open(path, options);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
-#include "description.hpp"
+#include <skeigiot/recordings/description.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 
 std::string listed(const std::vector<std::string>& parts)
@@ -29,4 +29,4 @@ std::string describeMissing(const std::vector<std::pair<bool, const char*>>& par
   return missing.empty() ? "nothing is missing" : "missing: " + listed(missing);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
-#include "inputfile.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <zlib.h>
 
@@ -11,7 +11,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -24,9 +24,9 @@ void refuseWhatIsNoFile(const std::string& path)
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
   if (!std::filesystem::exists(status))
-    throw RecordingError({path, 0, {}}, "there is no such file");
+    throw Error({path, 0, {}}, "there is no such file");
   if (std::filesystem::is_directory(status))
-    throw RecordingError({path, 0, {}}, "is a folder, expected a file");
+    throw Error({path, 0, {}}, "is a folder, expected a file");
 }
 
 std::size_t sizeOf(const std::string& path)
@@ -49,7 +49,7 @@ InputFile::InputFile(const std::string& path) : _path(path), _size(sizeOf(path))
   errno = 0;
   _file.reset(gzopen(path.c_str(), "rb"));
   if (!_file)
-    throw RecordingError({path, 0, {}}, std::string("cannot be opened: ") + std::strerror(errno));
+    throw Error({path, 0, {}}, std::string("cannot be opened: ") + std::strerror(errno));
   gzbuffer(_file.get(), compressedBufferSize);
 
   _readAtLeast(byteOrderMark.size());
@@ -128,7 +128,7 @@ bool InputFile::_readMore()
     return true;
   if (_fault.empty())
     return false;
-  throw RecordingError({_path, _lineNumber, {}}, std::exchange(_fault, {}));
+  throw Error({_path, _lineNumber, {}}, std::exchange(_fault, {}));
 }
 
 // As above; false at a fault as well.
@@ -191,4 +191,4 @@ void InputFile::_skipLine()
   } while (_readMore());
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

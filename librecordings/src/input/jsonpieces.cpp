@@ -1,8 +1,8 @@
-#include "jsonpieces.hpp"
+#include "input/jsonpieces.hpp"
 
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -101,9 +101,8 @@ void JsonPieces::_skipLine()
 bool JsonPieces::_takeIn(char character)
 {
   if (_piece.size() == longestPiece)
-    throw RecordingError(
-        {_file.path(), _pieceLine, {}},
-        "an object is longer than " + std::to_string(longestPiece >> 20U) + " MiB: this is no result for a frame");
+    throw Error({_file.path(), _pieceLine, {}}, "an object is longer than " + std::to_string(longestPiece >> 20U) +
+                                                    " MiB: this is no result for a frame");
   _piece.push_back(character);
   if (_inString)
   {
@@ -126,4 +125,4 @@ void JsonPieces::_refuse(const std::string& message) const
   throw BadLine({_file.path(), _pieceLine, {}}, message);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "inputfile.hpp"
-#include "recording.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Splits a file into the JSON objects that stand in it one behind the other, on a line each or not, or in one array,
@@ -20,14 +20,14 @@ public:
 
   /// Opens the file.
   ///
-  /// \throws RecordingError if it cannot be opened.
+  /// \throws Error if it cannot be opened.
   explicit JsonPieces(const std::string& path) : _file(path) {}
 
   /// Reads the next object into `piece`; returns false at the end of the file.
   ///
   /// \throws BadLine if an object is not complete, or nested too deep, or something else stands between objects; the
   ///   next call goes on behind it.
-  /// \throws RecordingError if the file cannot be read, or an object is too long.
+  /// \throws Error if the file cannot be read, or an object is too long.
   bool next(std::string& piece);
 
   /// Returns in which line the object begins that was read last, from 1.
@@ -58,4 +58,4 @@ private:
   bool _isEscaped = false;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,9 +1,9 @@
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
 #include <cstddef>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -39,4 +39,4 @@ std::string quote(std::string_view text)
   return "'" + shown + (isLong ? "...'" : "'");
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,7 @@
-#include "unpackedfile.hpp"
+#include "input/unpackedfile.hpp"
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
-#include <unistd.h>
 #include <zlib.h>
 
 #include <array>
@@ -15,7 +14,9 @@
 #include <memory>
 #include <vector>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::recordings
 {
 namespace
 {
@@ -24,7 +25,7 @@ constexpr std::size_t pieceSize = std::size_t{256} << 10U;
 
 [[noreturn]] void fail(const std::string& path, const std::string& what)
 {
-  throw RecordingError({path, 0, {}}, what);
+  throw Error({path, 0, {}}, what);
 }
 
 void writeAll(int file, const char* bytes, std::size_t count, const std::string& source)
@@ -98,4 +99,4 @@ void UnpackedFile::_unpack(const std::string& source)
     fail(source, std::string("the compressed data are damaged: ") + message);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

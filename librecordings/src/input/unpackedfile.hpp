@@ -2,14 +2,14 @@
 
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// A file that is removed when the program is done with it: the contents of one that is compressed by gzip.
 class UnpackedFile
 {
 public:
-  /// \throws RecordingError if the file cannot be read, is damaged or cut, or holds more than there is room for.
+  /// \throws Error if the file cannot be read, is damaged or cut, or holds more than there is room for.
   explicit UnpackedFile(const std::string& path);
   ~UnpackedFile();
   UnpackedFile(const UnpackedFile&) = delete;
@@ -28,4 +28,4 @@ private:
   int _file = -1;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,8 @@
-#include "utf8.hpp"
+#include "input/utf8.hpp"
 
 #include <boost/locale/utf.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 
 bool isUtf8(std::string_view text)
@@ -19,4 +19,4 @@ bool isUtf8(std::string_view text)
   return true;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

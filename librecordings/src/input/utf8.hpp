@@ -2,10 +2,10 @@
 
 #include <string_view>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells whether the text is well-formed UTF-8.
 bool isUtf8(std::string_view text);
 
-}  // namespace tools
+}  // namespace KV::recordings

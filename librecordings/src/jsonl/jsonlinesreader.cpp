@@ -1,10 +1,10 @@
-#include "jsonlinesreader.hpp"
+#include "jsonl/jsonlinesreader.hpp"
 
-#include "observationjson.hpp"
+#include <skeigiot/recordings/observationjson.hpp>
 
 #include <string_view>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -25,7 +25,7 @@ bool looksLikeJsonLines(const std::string& head)
 
 JsonLinesReader::JsonLinesReader(const std::string& path) : _file(path) {}
 
-boost::optional<RecordingEntry> JsonLinesReader::next()
+boost::optional<Step> JsonLinesReader::next()
 {
   std::string_view line;
   do
@@ -36,7 +36,7 @@ boost::optional<RecordingEntry> JsonLinesReader::next()
 
   try
   {
-    RecordingEntry entry = entryFromJson(line);
+    Step entry = stepFromJson(line);
     if (_anyRead && entry.time < _time)
       throw MemberError("time", "time runs backwards, expected the lines in the order of their times");
     _anyRead = true;
@@ -57,4 +57,4 @@ std::vector<std::string> JsonLinesReader::describe() const
           "times in nanoseconds since 1970, as the lines say; persons by their member person"};
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,27 +1,27 @@
 #pragma once
 
-#include "inputfile.hpp"
-#include "recording.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it holds JSON objects.
 bool looksLikeJsonLines(const std::string& head);
 
 /// Reads the project's own format: a JSON object on each line, see docs/recording-format.md.
-class JsonLinesReader : public RecordingReader
+class JsonLinesReader : public Reader
 {
 public:
   /// Opens the file.
   ///
-  /// \throws RecordingError if it cannot be opened.
+  /// \throws Error if it cannot be opened.
   explicit JsonLinesReader(const std::string& path);
 
-  boost::optional<RecordingEntry> next() override;
+  boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   double progress() const override { return _file.progress(); }
 
@@ -31,4 +31,4 @@ private:
   ko::SystemClock::time_point _time;  // of the line read last
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

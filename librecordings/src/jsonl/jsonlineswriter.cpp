@@ -1,15 +1,15 @@
-#include "jsonlineswriter.hpp"
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 
-#include "observationjson.hpp"
+#include <skeigiot/recordings/observationjson.hpp>
 
 #include <ostream>
 
-namespace tools
+namespace KV::recordings
 {
 
-void JsonLinesWriter::write(const RecordingEntry& entry)
+void JsonLinesWriter::write(const Step& entry)
 {
-  _stream << entryToJson(entry) << '\n';
+  _stream << stepToJson(entry) << '\n';
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

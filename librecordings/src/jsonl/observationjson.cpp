@@ -1,6 +1,6 @@
-#include "observationjson.hpp"
+#include <skeigiot/recordings/observationjson.hpp>
 
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -187,7 +187,7 @@ bool isEmpty(const KV::PersonObservation& observation);
 
 // The step without its time, which the readings refer to.
 template <typename Visitor>
-void visit(Visitor& members, RecordingEntry& entry)
+void visit(Visitor& members, Step& entry)
 {
   Ambiance ambiance{entry.movements, entry.ambianceActivity};
   members.optional("start", entry.scopeStarts, entry.scopeStarts.empty());
@@ -573,7 +573,7 @@ Json parsed(std::string_view text)
   }
 }
 
-void refuseContradictions(const RecordingEntry& entry)
+void refuseContradictions(const Step& entry)
 {
   if (entry.movements < 0)
     throw MemberError("ambiance.movements", "expected no negative number, found " + std::to_string(entry.movements));
@@ -618,18 +618,18 @@ void readLine(std::string_view text, const boost::optional<TimePoint>& otherwise
 
 }  // namespace
 
-std::string entryToJson(const RecordingEntry& entry)
+std::string stepToJson(const Step& entry)
 {
-  RecordingEntry copy = entry;
+  Step copy = entry;
   Json object = {{"time", nanosecondsOf(entry.time)}};
   ObjectWriter members(object, entry.time);
   visit(members, copy);
   return object.dump();
 }
 
-RecordingEntry entryFromJson(std::string_view text)
+Step stepFromJson(std::string_view text)
 {
-  RecordingEntry entry;
+  Step entry;
   readLine(text, {}, entry.time, entry);
   refuseContradictions(entry);
   return entry;
@@ -643,4 +643,4 @@ StreamLine streamLineFromJson(std::string_view text, boost::optional<ko::SystemC
   return line;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,9 +1,10 @@
-#include "livelinkrows.hpp"
+#include "livelink/livelinkrows.hpp"
 
-#include "blendshapes.hpp"
-#include "description.hpp"
-#include "mapping.hpp"
-#include "timecode.hpp"
+#include "face/blendshapes.hpp"
+#include "face/mapping.hpp"
+#include "livelink/timecode.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,7 @@
 #include <cmath>
 #include <limits>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -40,7 +41,7 @@ std::size_t findNeeded(const CsvHeader& header, const std::string& name)
 {
   const auto column = header.find(name);
   if (!column)
-    throw RecordingError(header.place(), "there is no column " + name);
+    throw Error(header.place(), "there is no column " + name);
   return *column;
 }
 
@@ -193,4 +194,4 @@ std::string LiveLinkRows::describePersons() const
          describeMissing({{_head.has_value(), "head pose"}, {false, "distance"}});
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

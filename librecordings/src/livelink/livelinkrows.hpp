@@ -1,9 +1,10 @@
 #pragma once
 
-#include "blendshapereadings.hpp"
-#include "csvfacerows.hpp"
-#include "csvpersons.hpp"
-#include "recording.hpp"
+#include "csv/csvpersons.hpp"
+#include "face/blendshapereadings.hpp"
+#include "face/csvfacerows.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it is a table of Live Link Face.
@@ -23,7 +24,7 @@ class LiveLinkRows : public CsvFaceRows
 public:
   /// Opens the file and reads its header.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   LiveLinkRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
@@ -53,4 +54,4 @@ private:
   std::optional<double> _timeOfDay;  // [s] of the row before
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,4 +1,4 @@
-#include "timecode.hpp"
+#include "livelink/timecode.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <system_error>
 
-namespace tools
+namespace KV::recordings
 {
 
 std::optional<double> secondsOfTimecode(std::string_view text)
@@ -28,4 +28,4 @@ std::optional<double> secondsOfTimecode(std::string_view text)
   return parts[0] * 3600.0 + parts[1] * 60.0 + parts[2] + parts[3] / timecodeRate;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

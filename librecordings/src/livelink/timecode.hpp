@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// [frames/s] that a time code of Live Link Face counts.
@@ -12,4 +12,4 @@ constexpr double timecodeRate = 60.0;
 /// Returns the seconds since midnight of a time code HH:MM:SS:FF.frac; nothing if it is none.
 std::optional<double> secondsOfTimecode(std::string_view text);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,15 +1,16 @@
-#include "blendshapecsvrows.hpp"
+#include "mediapipe/blendshapecsvrows.hpp"
 
-#include "blendshapes.hpp"
-#include "description.hpp"
-#include "mapping.hpp"
+#include "face/blendshapes.hpp"
+#include "face/mapping.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -184,4 +185,4 @@ std::string BlendshapeCsvRows::describePersons() const
          describeMissing({{_matrix.has_value(), "head pose and distance"}});
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,17 +1,18 @@
 #pragma once
 
-#include "blendshapereadings.hpp"
-#include "csvfacerows.hpp"
-#include "csvpersons.hpp"
-#include "facetransformation.hpp"
-#include "recording.hpp"
+#include "csv/csvpersons.hpp"
+#include "face/blendshapereadings.hpp"
+#include "face/csvfacerows.hpp"
+#include "mediapipe/facetransformation.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it is a table with a column for each blendshape.
@@ -24,7 +25,7 @@ class BlendshapeCsvRows : public CsvFaceRows
 public:
   /// Opens the file and reads its header.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   BlendshapeCsvRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
@@ -60,4 +61,4 @@ private:
   FrameCounter _frames;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,7 +1,8 @@
-#include "facelandmarkerresult.hpp"
+#include "mediapipe/facelandmarkerresult.hpp"
 
-#include "blendshapes.hpp"
-#include "quote.hpp"
+#include "face/blendshapes.hpp"
+
+#include <skeigiot/recordings/quote.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -10,7 +11,7 @@
 #include <cstddef>
 #include <limits>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -208,4 +209,4 @@ FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std
   return result;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

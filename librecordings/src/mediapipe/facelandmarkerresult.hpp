@@ -1,6 +1,6 @@
 #pragma once
 
-#include "facetransformation.hpp"
+#include "mediapipe/facetransformation.hpp"
 
 #include <cstdint>
 #include <optional>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// One face of a result of the MediaPipe FaceLandmarker.
@@ -47,4 +47,4 @@ private:
 /// \throws FaceLandmarkerError if the text is no such object.
 FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std::vector<std::string>& blendshapes);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,14 @@
-#include "facelandmarkerrows.hpp"
+#include "mediapipe/facelandmarkerrows.hpp"
 
-#include "description.hpp"
-#include "mapping.hpp"
+#include "face/mapping.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -122,4 +123,4 @@ std::vector<std::string> FaceLandmarkerRows::takeWarnings()
   return std::exchange(_warnings, {});
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "blendshapereadings.hpp"
-#include "facelandmarkerresult.hpp"
-#include "facerows.hpp"
-#include "jsonpieces.hpp"
-#include "recording.hpp"
+#include "face/blendshapereadings.hpp"
+#include "face/facerows.hpp"
+#include "input/jsonpieces.hpp"
+#include "mediapipe/facelandmarkerresult.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
 #include <deque>
@@ -12,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it holds results of the MediaPipe FaceLandmarker as JSON.
@@ -24,7 +25,7 @@ class FaceLandmarkerRows : public FaceRows
 public:
   /// Opens the file.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   FaceLandmarkerRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
@@ -55,4 +56,4 @@ private:
   std::vector<std::string> _warnings;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
-#include "facetransformation.hpp"
+#include "mediapipe/facetransformation.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -50,4 +50,4 @@ std::optional<FacePose> poseOf(const FaceMatrix& matrix)
   return {};
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "facereadings.hpp"
+#include "face/facereadings.hpp"
 
 #include <array>
 #include <optional>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The 4x4 matrix by which MediaPipe turns and moves a face from its own coordinates into those of the camera: X to the
@@ -17,4 +17,4 @@ using FaceMatrix = std::array<double, 16>;
 /// Column by column, as MediaPipe writes it, and row by row are told apart by where 0, 0, 0, 1 stand.
 std::optional<FacePose> poseOf(const FaceMatrix& matrix);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,12 +1,13 @@
-#include "openfacecolumns.hpp"
+#include "openface/openfacecolumns.hpp"
 
-#include "actionunits.hpp"
-#include "description.hpp"
-#include "recording.hpp"
+#include "face/actionunits.hpp"
+
+#include <skeigiot/recordings/description.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -35,20 +36,19 @@ bool isActionUnit(const std::string& name)
 void refuseOpenFace3(const CsvHeader& header)
 {
   if (header.has("AU03_r"))
-    throw RecordingError(
-        {header.place().file, header.place().line, "AU03_r"},
-        "OpenFace 2 has no such action unit: this is the layout of OpenFace 3, whose columns AU01_r to "
-        "AU08_r hold other action units than their names say; expected a file of OpenFace 2");
+    throw Error({header.place().file, header.place().line, "AU03_r"},
+                "OpenFace 2 has no such action unit: this is the layout of OpenFace 3, whose columns AU01_r to "
+                "AU08_r hold other action units than their names say; expected a file of OpenFace 2");
 }
 
-void refuseWhatTellsNothing(const OpenFaceColumns& columns, const RecordingError::Place& place)
+void refuseWhatTellsNothing(const OpenFaceColumns& columns, const Error::Place& place)
 {
   if (!columns.frame && !columns.timestamp)
-    throw RecordingError(place, "there is no column frame and none timestamp; expected one of them at least");
+    throw Error(place, "there is no column frame and none timestamp; expected one of them at least");
   if (!columns.rotation && !columns.hasGaze() && !columns.hasActionUnits())
-    throw RecordingError(place, "there is nothing to read; expected head pose (" + listed(rotationNames) + "), gaze (" +
-                                    listed(gazeAngleNames) + "; or " + listed(gazeVectorNames) +
-                                    ") or action units (such as AU06_r, AU12_r)");
+    throw Error(place, "there is nothing to read; expected head pose (" + listed(rotationNames) + "), gaze (" +
+                           listed(gazeAngleNames) + "; or " + listed(gazeVectorNames) +
+                           ") or action units (such as AU06_r, AU12_r)");
 }
 
 }  // namespace
@@ -92,4 +92,4 @@ OpenFaceColumns findOpenFaceColumns(const CsvHeader& header, const std::vector<s
   return columns;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

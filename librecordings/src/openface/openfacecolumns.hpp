@@ -1,14 +1,14 @@
 #pragma once
 
-#include "csvheader.hpp"
-#include "landmarks.hpp"
+#include "csv/csvheader.hpp"
+#include "face/landmarks.hpp"
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Where an OpenFace file has the columns that are read; a group is there only if all of its columns are.
@@ -38,8 +38,8 @@ bool isOfOpenFace(const std::string& name);
 
 /// Finds the columns in the header of a file; `actionUnits` are named AU01, AU02, and so on.
 ///
-/// \throws RecordingError if the file cannot be read as one of OpenFace 2: a column missing without which nothing can
+/// \throws Error if the file cannot be read as one of OpenFace 2: a column missing without which nothing can
 ///   be told, or the layout of OpenFace 3.
 OpenFaceColumns findOpenFaceColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,13 @@
-#include "openfaceface.hpp"
+#include "openface/openfaceface.hpp"
 
-#include "actionunits.hpp"
+#include "face/actionunits.hpp"
 
 #include <cmath>
 #include <limits>
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -104,4 +104,4 @@ FaceReadings readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& 
   return readings;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

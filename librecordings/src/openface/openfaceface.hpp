@@ -1,11 +1,11 @@
 #pragma once
 
-#include "csvnumbers.hpp"
-#include "facereadings.hpp"
-#include "openfacecolumns.hpp"
-#include "scoretable.hpp"
+#include "csv/csvnumbers.hpp"
+#include "face/facereadings.hpp"
+#include "face/scoretable.hpp"
+#include "openface/openfacecolumns.hpp"
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Reads the face of a row of OpenFace, tracked with this confidence; `units` are those whose columns were looked for.
@@ -16,4 +16,4 @@ namespace tools
 FaceReadings readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const ScoreReadings& units,
                               const ReadingOptions& options, float confidence);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,14 @@
-#include "openfacerows.hpp"
+#include "openface/openfacerows.hpp"
 
-#include "description.hpp"
-#include "mapping.hpp"
-#include "openfaceface.hpp"
+#include "face/mapping.hpp"
+#include "openface/openfaceface.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 
 OpenFaceRows::OpenFaceRows(const std::string& path, const ReadingOptions& options)
@@ -94,4 +95,4 @@ std::string OpenFaceRows::describePersons() const
                           {_columns.landmarks.has_value(), "landmarks"}});
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,16 +1,17 @@
 #pragma once
 
-#include "csvfacerows.hpp"
-#include "csvpersons.hpp"
-#include "openfacecolumns.hpp"
-#include "recording.hpp"
-#include "scoretable.hpp"
+#include "csv/csvpersons.hpp"
+#include "face/csvfacerows.hpp"
+#include "face/scoretable.hpp"
+#include "openface/openfacecolumns.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The rows of a CSV file of OpenFace 2, or of an older version.
@@ -19,7 +20,7 @@ class OpenFaceRows : public CsvFaceRows
 public:
   /// Opens the file and reads its header.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   OpenFaceRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
@@ -38,4 +39,4 @@ private:
   FrameCounter _frames;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,4 +1,4 @@
-#include "approximaterate.hpp"
+#include "pyfeat/approximaterate.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -54,4 +54,4 @@ std::optional<AssumedRate> ApproximateRate::rate() const
   return assumed;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

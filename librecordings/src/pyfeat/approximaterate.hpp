@@ -1,11 +1,11 @@
 #pragma once
 
-#include "frametimes.hpp"
+#include "face/frametimes.hpp"
 
 #include <cstdint>
 #include <optional>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Finds the rate of a video whose file tells the time of each frame only in whole seconds.
@@ -25,4 +25,4 @@ private:
   double _greatest = 1e9;  // [frames/s] inclusive
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,9 +1,9 @@
-#include "pyfeatangles.hpp"
+#include "pyfeat/pyfeatangles.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -145,4 +145,4 @@ std::string PyFeatConvention::describeGaze() const
          (_given.gazePitchIsUp ? "up" : "down");
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "mapping.hpp"
+#include "face/mapping.hpp"
 
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Angles as a table of py-feat has them; NaN is unknown.
@@ -81,4 +81,4 @@ private:
   std::string _warning;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,14 @@
-#include "pyfeatcolumns.hpp"
+#include "pyfeat/pyfeatcolumns.hpp"
 
-#include "actionunits.hpp"
-#include "emotions.hpp"
-#include "recording.hpp"
+#include "face/actionunits.hpp"
+#include "face/emotions.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <algorithm>
 #include <map>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -107,10 +108,10 @@ PyFeatColumns findPyFeatColumns(const CsvHeader& header, const std::vector<std::
   columns.nod = header.findAll<2 * nodLandmarks.size()>(nodNames());
 
   if (!columns.rotation && !columns.gaze && !columns.hasActionUnits() && !columns.hasEmotions())
-    throw RecordingError(header.place(),
-                         "there is nothing to read; expected head pose (Pitch, Roll, Yaw), gaze (gaze_pitch, "
-                         "gaze_yaw), action units (such as AU06, AU12) or emotions (such as Happy or happiness)");
+    throw Error(header.place(),
+                "there is nothing to read; expected head pose (Pitch, Roll, Yaw), gaze (gaze_pitch, "
+                "gaze_yaw), action units (such as AU06, AU12) or emotions (such as Happy or happiness)");
   return columns;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

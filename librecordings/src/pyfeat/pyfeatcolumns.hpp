@@ -1,7 +1,7 @@
 #pragma once
 
-#include "csvheader.hpp"
-#include "landmarks.hpp"
+#include "csv/csvheader.hpp"
+#include "face/landmarks.hpp"
 
 #include <array>
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The landmarks, of the usual 68, by whose heights a nod is seen: both ends of the jaw, at the ears, and the outer and
@@ -44,8 +44,8 @@ bool isOfPyFeat(const std::string& name);
 
 /// Finds the columns in the header of a file.
 ///
-/// \throws RecordingError if there is nothing to read.
+/// \throws Error if there is nothing to read.
 PyFeatColumns findPyFeatColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits,
                                 const std::vector<std::string>& emotions);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,8 +1,9 @@
-#include "pyfeatrows.hpp"
+#include "pyfeat/pyfeatrows.hpp"
 
-#include "actionunits.hpp"
-#include "approximaterate.hpp"
-#include "description.hpp"
+#include "face/actionunits.hpp"
+#include "pyfeat/approximaterate.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -10,7 +11,7 @@
 #include <limits>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -191,7 +192,7 @@ std::int32_t PyFeatRows::_personOf(const Raw& raw)
   return _facesInFrame++;
 }
 
-RecordingError::Place PyFeatRows::_placeOf(const Raw& raw, const std::string& field) const
+Error::Place PyFeatRows::_placeOf(const Raw& raw, const std::string& field) const
 {
   return {path(), raw.row.line, field};
 }
@@ -244,4 +245,4 @@ std::vector<std::string> PyFeatRows::takeWarnings()
   return warnings;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,13 +1,14 @@
 #pragma once
 
-#include "csvfacerows.hpp"
-#include "csvpersons.hpp"
-#include "lookahead.hpp"
-#include "mapping.hpp"
-#include "pyfeatangles.hpp"
-#include "pyfeatcolumns.hpp"
-#include "recording.hpp"
-#include "scoretable.hpp"
+#include "csv/csvpersons.hpp"
+#include "face/csvfacerows.hpp"
+#include "face/mapping.hpp"
+#include "face/scoretable.hpp"
+#include "pyfeat/pyfeatangles.hpp"
+#include "pyfeat/pyfeatcolumns.hpp"
+#include "recording/lookahead.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +16,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// The rows of a table of py-feat (Fex, as CSV).
@@ -27,7 +28,7 @@ class PyFeatRows : public CsvFaceRows
 public:
   /// Opens the file, and looks at its header and first rows.
   ///
-  /// \throws RecordingError if it cannot be read.
+  /// \throws Error if it cannot be read.
   PyFeatRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
@@ -54,7 +55,7 @@ private:
   PyFeatAngles _readAngles(const CsvNumbers& numbers) const;
   void _learnFromFirstRows();
   std::int32_t _personOf(const Raw& raw);
-  RecordingError::Place _placeOf(const Raw& raw, const std::string& field) const;
+  Error::Place _placeOf(const Raw& raw, const std::string& field) const;
 
   ReadingOptions _options;
   ScoreReadings _units;
@@ -75,4 +76,4 @@ private:
   LookAhead<Raw> _ahead;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

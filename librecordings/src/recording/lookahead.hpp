@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <deque>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <variant>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Rows of a file, of which the first can be looked at before they are handed out.
@@ -33,7 +33,7 @@ public:
         if (auto row = _readNext())
           _ahead.emplace_back(std::move(*row));
       }
-      catch (const RecordingError&)
+      catch (const Error&)
       {
         _ahead.emplace_back(std::current_exception());
       }
@@ -55,7 +55,7 @@ public:
   /// Returns the next row, or nothing at the end.
   ///
   /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
-  /// \throws RecordingError where the rest of the file cannot be read; there is no row after it.
+  /// \throws Error where the rest of the file cannot be read; there is no row after it.
   std::optional<Row> next()
   {
     if (_ahead.empty())
@@ -82,7 +82,7 @@ private:
     {
       throw;
     }
-    catch (const RecordingError&)
+    catch (const Error&)
     {
       _ended = true;
       throw;
@@ -94,4 +94,4 @@ private:
   bool _ended = false;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

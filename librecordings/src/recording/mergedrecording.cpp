@@ -1,6 +1,6 @@
-#include "mergedrecording.hpp"
+#include <skeigiot/recordings/mergedrecording.hpp>
 
-#include "readings.hpp"
+#include <skeigiot/readings.hpp>
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include <numeric>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -26,7 +26,7 @@ TimePoint shifted(TimePoint time, Duration offset)
   return TimePoint(Duration(sum));
 }
 
-void shift(RecordingEntry& entry, Duration offset)
+void shift(Step& entry, Duration offset)
 {
   entry.time = shifted(entry.time, offset);
   forEachReading([&](const char*, auto member) {
@@ -37,7 +37,7 @@ void shift(RecordingEntry& entry, Duration offset)
 }
 
 // Nothing but what was observed of a person.
-bool isObservation(const RecordingEntry& entry)
+bool isObservation(const Step& entry)
 {
   return entry.person && entry.scopeStarts.empty() && entry.scopeStops.empty() && !entry.ambianceActivity &&
          entry.movements == 0;
@@ -51,7 +51,7 @@ bool collide(const KV::PersonObservation& left, const KV::PersonObservation& rig
 }
 
 // Whoever is observed by one input is observed, though others do not see them.
-bool takeIn(RecordingEntry& target, const RecordingEntry& other)
+bool takeIn(Step& target, const Step& other)
 {
   if (collide(target.observation, other.observation))
     return false;
@@ -89,7 +89,7 @@ MergedRecording::MergedRecording(std::vector<RecordingInput> inputs)
     _inputs.emplace_back().from = std::move(input);
 }
 
-boost::optional<RecordingEntry> MergedRecording::next()
+boost::optional<Step> MergedRecording::next()
 {
   if (!_begun)
     _fetchFirst();
@@ -155,7 +155,7 @@ void MergedRecording::_fetch(std::size_t number)
       return;
     shift(*entry, input.from.offset);
     if (entry->time < TimePoint())
-      throw RecordingError({input.from.path, 0, {}}, "the offset moves it to before 1970");
+      throw Error({input.from.path, 0, {}}, "the offset moves it to before 1970");
     if (entry->person)
       input.persons.insert(*entry->person);
     input.last = entry->time;
@@ -166,7 +166,7 @@ void MergedRecording::_fetch(std::size_t number)
   {
     input.ahead = Item{input.last, number, {}, std::current_exception()};
   }
-  catch (const RecordingError&)
+  catch (const Error&)
   {
     input.ahead = Item{input.last, number, {}, std::current_exception()};
     input.ended = true;
@@ -191,7 +191,7 @@ void MergedRecording::_fetchFirst()
   }
   if (earliest == nullptr || latest->last - earliest->last <= greatestDistance)
     return;
-  throw RecordingError(
+  throw Error(
       {latest->from.path, 0, {}},
       "begins at " + dateOf(latest->last) + ", but " + earliest->from.path + " at " + dateOf(earliest->last) +
           ": one counts from its start (which is placed at 2020), the other since 1970, or they are no inputs of one "
@@ -227,7 +227,7 @@ void MergedRecording::_readUntil(TimePoint time)
 }
 
 // Takes in what other inputs tell of the same person at the same time.
-void MergedRecording::_takeInSimultaneous(RecordingEntry& entry)
+void MergedRecording::_takeInSimultaneous(Step& entry)
 {
   if (!entry.person)
     return;
@@ -275,4 +275,4 @@ void MergedRecording::_warnOfLonelyPersons()
   }
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

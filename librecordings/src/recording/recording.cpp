@@ -1,10 +1,10 @@
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
-std::string composed(const RecordingError::Place& place, const std::string& message)
+std::string composed(const Error::Place& place, const std::string& message)
 {
   std::string text = place.file;
   if (place.line > 0)
@@ -18,8 +18,8 @@ std::string composed(const RecordingError::Place& place, const std::string& mess
 
 }  // namespace
 
-RecordingError::RecordingError(const Place& place, const std::string& message)
+Error::Error(const Place& place, const std::string& message)
   : std::runtime_error(composed(place, message)), _place(place)
 {}
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,11 +1,11 @@
-#include "recordingclock.hpp"
+#include "recording/recordingclock.hpp"
 
 #include <boost/chrono/duration.hpp>
 
 #include <cmath>
 #include <cstdint>
 
-namespace tools
+namespace KV::recordings
 {
 
 // Whole seconds and the rest apart: a double does not hold the nanoseconds since 1970.
@@ -18,4 +18,4 @@ ko::SystemClock::time_point timeAfter(double origin, double seconds)
                                      boost::chrono::nanoseconds(nanoseconds));
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

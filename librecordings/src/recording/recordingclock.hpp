@@ -2,7 +2,7 @@
 
 #include <ko/systemclock.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// [s] since 1970: where a recording is placed whose times count from its start (2020-01-01T00:00:00Z). A clock that
@@ -19,4 +19,4 @@ constexpr double greatestSecond = 9.2e9;
 /// beyond greatestSecond.
 ko::SystemClock::time_point timeAfter(double origin, double seconds);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,9 +1,9 @@
-#include "ros4hripersons.hpp"
+#include "ros4hri/ros4hripersons.hpp"
 
-#include "description.hpp"
-#include "quote.hpp"
+#include <skeigiot/recordings/description.hpp>
+#include <skeigiot/recordings/quote.hpp>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -61,4 +61,4 @@ std::int32_t RosbagPersons::_numberOf(const std::string& person)
   return entry->second;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

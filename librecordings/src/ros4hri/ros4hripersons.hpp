@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Numbers the persons of a bag: first those that have a name, in the order of their first messages, then faces that
@@ -43,4 +43,4 @@ private:
   std::int32_t _next = 0;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

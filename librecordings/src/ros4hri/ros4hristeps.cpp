@@ -1,9 +1,10 @@
-#include "ros4hristeps.hpp"
+#include "ros4hri/ros4hristeps.hpp"
 
-#include "mapping.hpp"
-#include "quote.hpp"
-#include "rosangles.hpp"
-#include "rosreadings.hpp"
+#include "face/mapping.hpp"
+#include "ros4hri/rosangles.hpp"
+#include "ros4hri/rosreadings.hpp"
+
+#include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -12,7 +13,7 @@
 #include <iterator>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -126,11 +127,11 @@ void RosbagCycles::finish()
     _close();
 }
 
-boost::optional<RecordingEntry> RosbagCycles::take()
+boost::optional<Step> RosbagCycles::take()
 {
   if (_entries.empty())
     return {};
-  RecordingEntry entry = std::move(_entries.front());
+  Step entry = std::move(_entries.front());
   _entries.pop_front();
   return entry;
 }
@@ -190,7 +191,7 @@ RosbagCycles::Face& RosbagCycles::_readingOf(const std::string& name)
 void RosbagCycles::_close()
 {
   std::set<std::int32_t> seen;
-  std::vector<RecordingEntry> entries;
+  std::vector<Step> entries;
   for (const std::string& name : _cycle->faces)
   {
     const auto person = _persons.ofFace(name);
@@ -203,7 +204,7 @@ void RosbagCycles::_close()
       entries.push_back(std::move(*entry));
   }
   std::stable_sort(entries.begin(), entries.end(),
-                   [](const RecordingEntry& left, const RecordingEntry& right) { return left.time < right.time; });
+                   [](const Step& left, const Step& right) { return left.time < right.time; });
   _entries.insert(_entries.end(), entries.begin(), entries.end());
   _told.insert(seen.begin(), seen.end());
   _tellMissing(seen);
@@ -211,9 +212,9 @@ void RosbagCycles::_close()
   _cycle = boost::none;
 }
 
-boost::optional<RecordingEntry> RosbagCycles::_entryOf(const std::string& name, Face& face, std::int32_t person)
+boost::optional<Step> RosbagCycles::_entryOf(const std::string& name, Face& face, std::int32_t person)
 {
-  RecordingEntry entry;
+  Step entry;
   entry.person = person;
   entry.time = _cycle->begin;
   entry.observation = std::exchange(face.pending, {});
@@ -289,7 +290,7 @@ void RosbagCycles::_tellMissing(const std::set<std::int32_t>& seen)
   _lastMissing = _cycle->begin;
   for (const std::int32_t person : _inView.endCycle())
   {
-    RecordingEntry entry;
+    Step entry;
     entry.time = _now;
     entry.person = person;
     entry.seen = false;
@@ -304,4 +305,4 @@ bool RosbagCycles::_isAround(const std::string& name, const Face& face) const
   return face.posedAt && _now - *face.posedAt <= longestUnknown;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,12 +1,13 @@
 #pragma once
 
-#include "facereadings.hpp"
-#include "personsinview.hpp"
-#include "recording.hpp"
-#include "ros4hripersons.hpp"
-#include "rosmessages.hpp"
-#include "scoretable.hpp"
-#include "transformtree.hpp"
+#include "face/facereadings.hpp"
+#include "face/personsinview.hpp"
+#include "face/scoretable.hpp"
+#include "ros4hri/ros4hripersons.hpp"
+#include "ros4hri/rosmessages.hpp"
+#include "ros4hri/transformtree.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -17,7 +18,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Makes steps of a recording out of what the nodes of a robot tell one by one.
@@ -47,7 +48,7 @@ public:
   void finish();
 
   /// Takes the next step that is complete, if there is one.
-  boost::optional<RecordingEntry> take();
+  boost::optional<Step> take();
 
   /// What the frames of gazes tell.
   enum class Gaze
@@ -81,7 +82,7 @@ private:
   void _noteGaze(const std::string& name);
   Face& _readingOf(const std::string& name);
   void _close();
-  boost::optional<RecordingEntry> _entryOf(const std::string& name, Face& face, std::int32_t person);
+  boost::optional<Step> _entryOf(const std::string& name, Face& face, std::int32_t person);
   void _addPose(const std::string& name, Face& face, KV::PersonObservation& observation) const;
   boost::optional<std::string> _cameraOf(const std::string& face) const;
   void _tellMissing(const std::set<std::int32_t>& seen);
@@ -101,8 +102,8 @@ private:
   std::map<std::int32_t, KV::PersonObservation::Reading<bool>> _speaking;
   PersonsInView _inView;
   std::set<std::int32_t> _told;  // persons with a step
-  std::deque<RecordingEntry> _entries;
+  std::deque<Step> _entries;
   Gaze _gaze = Gaze::None;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

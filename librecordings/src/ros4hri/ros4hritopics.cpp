@@ -1,4 +1,4 @@
-#include "ros4hritopics.hpp"
+#include "ros4hri/ros4hritopics.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -59,4 +59,4 @@ std::optional<RosTopic> rosTopicOf(const std::string& name)
   return {};
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

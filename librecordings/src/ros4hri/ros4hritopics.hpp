@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// What a topic tells.
@@ -31,4 +31,4 @@ struct RosTopic
 /// Returns what the topic with this name tells; nothing if it is not read.
 std::optional<RosTopic> rosTopicOf(const std::string& name);
 
-}  // namespace tools
+}  // namespace KV::recordings

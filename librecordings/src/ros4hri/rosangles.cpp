@@ -1,8 +1,8 @@
-#include "rosangles.hpp"
+#include "ros4hri/rosangles.hpp"
 
 #include <cmath>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -44,4 +44,4 @@ KV::Gaze gazeOf(const Transform& gazeInCamera)
   return {-degrees(gaze.ownRight), degrees(gaze.up)};  // a gaze yaw counts to the own left
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

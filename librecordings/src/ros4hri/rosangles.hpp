@@ -1,9 +1,9 @@
 #pragma once
 
-#include "facereadings.hpp"
-#include "transformtree.hpp"
+#include "face/facereadings.hpp"
+#include "ros4hri/transformtree.hpp"
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Returns how a face is placed and turned, from its frame in that of the camera.
@@ -15,4 +15,4 @@ FacePose poseOf(const Transform& faceInCamera);
 /// Returns where a person looks, from the frame of the gaze in that of the camera: its z points along the gaze.
 KV::Gaze gazeOf(const Transform& gazeInCamera);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
-#include "rosmessages.hpp"
+#include "ros4hri/rosmessages.hpp"
 
 #include <fastcdr/Cdr.h>
 #include <fastcdr/FastBuffer.h>
 #include <fastcdr/exceptions/Exception.h>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -178,4 +178,4 @@ bool readBool(RosData& data)
   return guarded(data, [](Message& message) { return message.read<bool>(); });
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// A message that does not hold what its type says.
@@ -93,4 +93,4 @@ RosSpeech readSpeech(RosData& data);
 std::string readString(RosData& data);  ///< std_msgs/msg/String
 bool readBool(RosData& data);           ///< std_msgs/msg/Bool
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,7 +1,7 @@
-#include "rosreadings.hpp"
+#include "ros4hri/rosreadings.hpp"
 
-#include "actionunits.hpp"
-#include "landmarks.hpp"
+#include "face/actionunits.hpp"
+#include "face/landmarks.hpp"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -104,4 +104,4 @@ KV::FacialPoints facialPointsOf(const RosLandmarks& landmarks)
   return points;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

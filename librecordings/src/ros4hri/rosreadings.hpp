@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rosmessages.hpp"
-#include "scoretable.hpp"
+#include "face/scoretable.hpp"
+#include "ros4hri/rosmessages.hpp"
 
 #include <skeigiot/expressions.hpp>
 #include <skeigiot/facialpoints.hpp>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Returns what a named expression, or else its valence, says of the readings; nothing if neither is told.
@@ -30,4 +30,4 @@ RosScores scoresOf(const RosActionUnits& units, const std::vector<std::string>& 
 /// Returns the facial points among the landmarks, in pixels.
 KV::FacialPoints facialPointsOf(const RosLandmarks& landmarks);
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
-#include "transformtree.hpp"
+#include "ros4hri/transformtree.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -104,9 +104,9 @@ std::vector<std::string> TransformTree::ancestors(const std::string& frame) cons
 }
 
 // The frame in itself, in its parent, and so on.
-std::vector<TransformTree::Step> TransformTree::_pathToRoot(const std::string& frame) const
+std::vector<TransformTree::Link> TransformTree::_pathToRoot(const std::string& frame) const
 {
-  std::vector<Step> path{{frame, Transform()}};
+  std::vector<Link> path{{frame, Transform()}};
   while (path.size() < deepestTree)
   {
     const auto found = _parents.find(path.back().first);
@@ -118,4 +118,4 @@ std::vector<TransformTree::Step> TransformTree::_pathToRoot(const std::string& f
   return path;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

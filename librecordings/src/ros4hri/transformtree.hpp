@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 using Vector3 = std::array<double, 3>;
@@ -62,10 +62,10 @@ public:
   std::vector<std::string> ancestors(const std::string& frame) const;
 
 private:
-  using Step = std::pair<std::string, Transform>;
-  std::vector<Step> _pathToRoot(const std::string& frame) const;
+  using Link = std::pair<std::string, Transform>;
+  std::vector<Link> _pathToRoot(const std::string& frame) const;
 
-  std::map<std::string, Step> _parents;
+  std::map<std::string, Link> _parents;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

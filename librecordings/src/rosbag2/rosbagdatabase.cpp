@@ -1,6 +1,6 @@
-#include "rosbagdatabase.hpp"
+#include "rosbag2/rosbagdatabase.hpp"
 
-#include "unpackedfile.hpp"
+#include "input/unpackedfile.hpp"
 
 #include <sqlite3.h>
 
@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -91,7 +91,7 @@ void RosbagDatabase::_open(const std::string& file)
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
   _database.reset(database);
   if (status != SQLITE_OK)
-    throw RecordingError({_path, 0, {}}, std::string("cannot be opened: ") + sqlite3_errstr(status));
+    throw Error({_path, 0, {}}, std::string("cannot be opened: ") + sqlite3_errstr(status));
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
@@ -224,7 +224,7 @@ std::string RosbagDatabase::_nameOf(const BagMessage& message) const
 
 void RosbagDatabase::_fail(const std::string& what) const
 {
-  throw RecordingError({_path, 0, {}}, what);
+  throw Error({_path, 0, {}}, what);
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
 #include <functional>
@@ -13,7 +13,7 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace tools
+namespace KV::recordings
 {
 
 class UnpackedFile;
@@ -43,7 +43,7 @@ class RosbagDatabase
 public:
   /// Opens the file. One that is compressed is unpacked into a temporary file, which is gone at the end.
   ///
-  /// \throws RecordingError if it cannot be read, or has not the tables of a bag.
+  /// \throws Error if it cannot be read, or has not the tables of a bag.
   explicit RosbagDatabase(const std::string& path);
   ~RosbagDatabase();
   RosbagDatabase(RosbagDatabase&& other) noexcept;
@@ -66,7 +66,7 @@ public:
   /// Reads the next of the selected messages; false at the end.
   ///
   /// \throws BadLine for a message that cannot be used; the next call goes on behind it.
-  /// \throws RecordingError if the file is damaged.
+  /// \throws Error if the file is damaged.
   bool next(BagMessage& message);
 
   /// Hands each different message of these topics once to `take`, in the order in which they came first.
@@ -108,4 +108,4 @@ private:
   Statement _messages;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

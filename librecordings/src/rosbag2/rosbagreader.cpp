@@ -1,8 +1,9 @@
-#include "rosbagreader.hpp"
+#include "rosbag2/rosbagreader.hpp"
 
-#include "description.hpp"
-#include "quote.hpp"
-#include "recordingclock.hpp"
+#include "recording/recordingclock.hpp"
+
+#include <skeigiot/recordings/description.hpp>
+#include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -14,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -32,7 +33,7 @@ std::vector<std::string> filesOf(const std::string& path)
 {
   std::error_code error;
   if (!fs::exists(path, error))
-    throw RecordingError({path, 0, {}}, "there is no such file");
+    throw Error({path, 0, {}}, "there is no such file");
   if (!fs::is_directory(path, error))
     return {path};
 
@@ -47,16 +48,15 @@ std::vector<std::string> filesOf(const std::string& path)
       other = entry.path().filename().string();
   }
   if (files.empty())
-    throw RecordingError({path, 0, {}}, "there is no .db3 file in the folder" +
-                                            (other.empty() ? "" : "; " + quote(other) + " must be converted first"));
+    throw Error({path, 0, {}}, "there is no .db3 file in the folder" +
+                                   (other.empty() ? "" : "; " + quote(other) + " must be converted first"));
   return files;
 }
 
 void expectCdr(const RosbagDatabase& database, const BagTopic& topic)
 {
   if (topic.format != "cdr")
-    throw RecordingError({database.path(), 0, topic.name},
-                         "expected messages in the format cdr, found " + quote(topic.format));
+    throw Error({database.path(), 0, topic.name}, "expected messages in the format cdr, found " + quote(topic.format));
 }
 
 std::int64_t beginOf(const RosbagDatabase& database)
@@ -105,7 +105,7 @@ RosbagReader::RosbagReader(const std::string& path, const ReadingOptions& option
   _beginFile();
 }
 
-boost::optional<RecordingEntry> RosbagReader::next()
+boost::optional<Step> RosbagReader::next()
 {
   for (;;)
   {
@@ -154,7 +154,7 @@ void RosbagReader::_openAll(const std::string& path)
     return beginOf(left.database) < beginOf(right.database);
   });
   if (std::all_of(_files.begin(), _files.end(), [](const File& file) { return file.topics.empty(); }))
-    throw RecordingError({path, 0, {}}, "has no topic that is read: expected /tf or topics of ROS4HRI below /humans");
+    throw Error({path, 0, {}}, "has no topic that is read: expected /tf or topics of ROS4HRI below /humans");
 }
 
 RosbagReader::File RosbagReader::_opened(const std::string& path)
@@ -288,4 +288,4 @@ std::string RosbagReader::_describeTopics() const
                           {has(RosTopicKind::Speaking) || has(RosTopicKind::Speech), "speech"}});
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "recording.hpp"
-#include "ros4hristeps.hpp"
-#include "rosbagdatabase.hpp"
-#include "ros4hripersons.hpp"
-#include "ros4hritopics.hpp"
+#include "ros4hri/ros4hripersons.hpp"
+#include "ros4hri/ros4hristeps.hpp"
+#include "ros4hri/ros4hritopics.hpp"
+#include "rosbag2/rosbagdatabase.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it is a database of SQLite.
@@ -26,15 +27,15 @@ bool isRosbagFolder(const std::string& path);
 /// Times are those at which the messages were received, as a running robot would have had them: stamps come from the
 /// clocks of other machines, may be 0 and, of static frames, are older than the bag. Bags of a simulation, whose times
 /// count from 0, are placed at recordingEpoch.
-class RosbagReader : public RecordingReader
+class RosbagReader : public Reader
 {
 public:
   /// Opens the file, or all files of the folder.
   ///
-  /// \throws RecordingError if it cannot be read, or has no topic that is read.
+  /// \throws Error if it cannot be read, or has no topic that is read.
   RosbagReader(const std::string& path, const ReadingOptions& options);
 
-  boost::optional<RecordingEntry> next() override;
+  boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
   double progress() const override;
@@ -70,4 +71,4 @@ private:
   bool _finished = false;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,10 +1,10 @@
-#include "tidycsvtable.hpp"
+#include "tidy/tidycsvtable.hpp"
 
-#include "csvheader.hpp"
+#include "csv/csvheader.hpp"
 
 #include <algorithm>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -28,7 +28,7 @@ bool looksLikeTidyCsv(const std::string& head)
 TidyCsvTable::TidyCsvTable(const std::string& path) : _rows(path), _numbers(_rows, _names)
 {
   if (!_rows.next())
-    throw RecordingError({path, 0, {}}, "the file is empty");
+    throw Error({path, 0, {}}, "the file is empty");
   _findColumns();
 }
 
@@ -42,7 +42,7 @@ void TidyCsvTable::_findColumns()
   _columns = header.columns();
   for (const TidyColumn needed : {TidyColumn::Time, TidyColumn::Reading})
     if (!hasColumn(needed))
-      throw RecordingError(place(), std::string("there is no column ") + nameOf(needed));
+      throw Error(place(), std::string("there is no column ") + nameOf(needed));
 }
 
 bool TidyCsvTable::next()
@@ -81,9 +81,9 @@ double TidyCsvTable::seconds(TidyColumn column) const
   return *seconds;
 }
 
-RecordingError::Place TidyCsvTable::placeOf(TidyColumn column) const
+Error::Place TidyCsvTable::placeOf(TidyColumn column) const
 {
   return {_rows.file().path(), _rows.file().lineNumber(), nameOf(column)};
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

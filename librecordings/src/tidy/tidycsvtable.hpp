@@ -1,8 +1,9 @@
 #pragma once
 
-#include "csvnumbers.hpp"
-#include "csvrows.hpp"
-#include "tidytable.hpp"
+#include "csv/csvnumbers.hpp"
+#include "csv/csvrows.hpp"
+
+#include <skeigiot/recordings/tidytable.hpp>
 
 #include <array>
 #include <cstddef>
@@ -10,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::recordings
 {
 
 /// Tells from the first bytes of a file whether it is a table with the columns time and reading.
@@ -22,7 +23,7 @@ class TidyCsvTable : public TidyTable
 public:
   /// Opens the file and reads its header.
   ///
-  /// \throws RecordingError if it cannot be read, there is no time or no reading, a column is there twice, or no commas
+  /// \throws Error if it cannot be read, there is no time or no reading, a column is there twice, or no commas
   ///   separate them.
   explicit TidyCsvTable(const std::string& path);
 
@@ -33,9 +34,9 @@ public:
   double number(TidyColumn column) const override;
   std::int64_t wholeNumber(TidyColumn column, double least, double greatest) const override;
   double seconds(TidyColumn column) const override;
-  RecordingError::Place placeOf(TidyColumn column) const override;
-  RecordingError::Place place() const override { return {_rows.file().path(), _rows.file().lineNumber(), {}}; }
-  const RecordingColumns& columns() const override { return _columns; }
+  Error::Place placeOf(TidyColumn column) const override;
+  Error::Place place() const override { return {_rows.file().path(), _rows.file().lineNumber(), {}}; }
+  const Columns& columns() const override { return _columns; }
   const char* kind() const override { return "Tidy CSV"; }
   double progress() const override { return _rows.file().progress(); }
 
@@ -48,9 +49,9 @@ private:
 
   CsvRows _rows;
   std::vector<std::string> _names;  // of all columns of the file
-  RecordingColumns _columns;
+  Columns _columns;
   std::array<std::optional<std::size_t>, tidyColumnCount> _indices;
   CsvNumbers _numbers;
 };
 
-}  // namespace tools
+}  // namespace KV::recordings

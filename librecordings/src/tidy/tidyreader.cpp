@@ -1,16 +1,17 @@
-#include "tidyreader.hpp"
+#include <skeigiot/recordings/tidyreader.hpp>
 
-#include "description.hpp"
-#include "recordingclock.hpp"
+#include "recording/recordingclock.hpp"
+
+#include <skeigiot/recordings/description.hpp>
 
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
 // Of scopes there may be several at one time, of all else one.
-std::string keyOf(const std::string& reading, const RecordingEntry& entry)
+std::string keyOf(const std::string& reading, const Step& entry)
 {
   if (reading == "start")
     return "start " + entry.scopeStarts.back().name;
@@ -23,7 +24,7 @@ std::string keyOf(const std::string& reading, const RecordingEntry& entry)
 
 TidyReader::TidyReader(std::unique_ptr<TidyTable> table) : _table(std::move(table))
 {
-  const RecordingColumns& columns = _table->columns();
+  const Columns& columns = _table->columns();
   if (!columns.ignored.empty())
     _warnings.push_back("columns that are not read: " + listed(columns.ignored));
   try
@@ -35,10 +36,10 @@ TidyReader::TidyReader(std::unique_ptr<TidyTable> table) : _table(std::move(tabl
     _firstError = std::current_exception();
   }
   if (_ended)
-    throw RecordingError(_table->place(), "there is no row below the header");
+    throw Error(_table->place(), "there is no row below the header");
 }
 
-boost::optional<RecordingEntry> TidyReader::next()
+boost::optional<Step> TidyReader::next()
 {
   if (const auto error = std::exchange(_firstError, nullptr))
     std::rethrow_exception(error);
@@ -53,7 +54,7 @@ boost::optional<RecordingEntry> TidyReader::next()
     else
       return {};
   }
-  RecordingEntry entry = std::move(_ready.front());
+  Step entry = std::move(_ready.front());
   _ready.pop_front();
   return entry;
 }
@@ -118,7 +119,7 @@ void TidyReader::_takeRow()
   _time = _rowTime;
   _anyTime = true;
 
-  Step step = _stepOf(row.person);
+  StepInMaking step = _stepOf(row.person);
   if (!addTidyReading(*_table, row.reading, step.entry))
     return;
   if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
@@ -129,14 +130,14 @@ void TidyReader::_takeRow()
   (row.person ? _steps[*row.person] : _room) = std::move(step);
 }
 
-TidyReader::Step TidyReader::_stepOf(const std::optional<std::int32_t>& person) const
+TidyReader::StepInMaking TidyReader::_stepOf(const std::optional<std::int32_t>& person) const
 {
   if (!person)
     return _room;
   const auto found = _steps.find(*person);
   if (found != _steps.end())
     return found->second;
-  Step step;
+  StepInMaking step;
   step.entry.time = _time;
   step.entry.person = *person;
   return step;
@@ -147,7 +148,7 @@ void TidyReader::_endTime()
 {
   for (auto& [person, step] : _steps)
     _ready.push_back(std::move(step.entry));
-  RecordingEntry& room = _room.entry;
+  Step& room = _room.entry;
   if (_ready.empty() && !_room.readings.empty())
     _ready.emplace_back().time = _time;
   if (!_ready.empty())
@@ -158,8 +159,8 @@ void TidyReader::_endTime()
     _ready.back().scopeStops = std::move(room.scopeStops);
   }
   _steps.clear();
-  _room = Step();
+  _room = StepInMaking();
   _anyTime = false;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

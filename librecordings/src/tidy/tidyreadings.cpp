@@ -1,7 +1,8 @@
-#include "tidyreadings.hpp"
+#include <skeigiot/recordings/tidyreadings.hpp>
 
-#include "quote.hpp"
-#include "utf8.hpp"
+#include "input/utf8.hpp"
+
+#include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +10,7 @@
 #include <map>
 #include <utility>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -92,19 +93,19 @@ private:
 };
 
 template <auto Member>
-void addTruth(const Fields& fields, RecordingEntry& step)
+void addTruth(const Fields& fields, Step& step)
 {
   (step.observation.*Member).emplace(step.time, fields.truth(Column::Value));
 }
 
 template <auto Member>
-void addNumber(const Fields& fields, RecordingEntry& step)
+void addNumber(const Fields& fields, Step& step)
 {
   (step.observation.*Member).emplace(step.time, fields.number(Column::Value));
 }
 
 template <auto Member, typename Direction>
-void addDirection(const Fields& fields, RecordingEntry& step)
+void addDirection(const Fields& fields, Step& step)
 {
   const Direction direction(fields.number(Column::Yaw), fields.number(Column::Pitch));
   (step.observation.*Member).emplace(step.time, direction);
@@ -112,7 +113,7 @@ void addDirection(const Fields& fields, RecordingEntry& step)
 
 /// One of several scores: it joins those that the step has already.
 template <auto Member, typename Scores, auto Score>
-void addScore(const Fields& fields, RecordingEntry& step)
+void addScore(const Fields& fields, Step& step)
 {
   const auto score = fields.withConfidence(fields.number(Column::Value));
   auto& scores = step.observation.*Member;
@@ -128,7 +129,7 @@ template <auto Score>
 constexpr auto addVoice = addScore<&KV::PersonObservation::voiceEmotion, KV::VoiceEmotion, Score>;
 
 template <int Point>
-void addFacialPoint(const Fields& fields, RecordingEntry& step)
+void addFacialPoint(const Fields& fields, Step& step)
 {
   const auto point = fields.withConfidence(std::make_pair(fields.number(Column::X), fields.number(Column::Y)));
   auto& points = step.observation.facialPoints;
@@ -137,54 +138,54 @@ void addFacialPoint(const Fields& fields, RecordingEntry& step)
   points->value.setFacialPoint(static_cast<KV::PointDescription>(Point), point);
 }
 
-void addSmile(const Fields& fields, RecordingEntry& step)
+void addSmile(const Fields& fields, Step& step)
 {
   step.observation.smile.emplace(step.time, KV::Smile(fields.number(Column::Value), fields.confidence()));
 }
 
-void addHeadPosture(const Fields& fields, RecordingEntry& step)
+void addHeadPosture(const Fields& fields, Step& step)
 {
   const KV::HeadPosture posture(fields.number(Column::Yaw), fields.number(Column::Pitch), fields.number(Column::Roll));
   step.observation.headPosture.emplace(step.time, posture);
 }
 
-void addGender(const Fields& fields, RecordingEntry& step)
+void addGender(const Fields& fields, Step& step)
 {
   step.observation.gender.emplace(step.time, fields.withConfidence(fields.truth(Column::Value)));
 }
 
-void addAge(const Fields& fields, RecordingEntry& step)
+void addAge(const Fields& fields, Step& step)
 {
   step.observation.age.emplace(step.time, fields.withConfidence(fields.whole<unsigned int>(Column::Value)));
 }
 
-void addTouch(const Fields& fields, RecordingEntry& step)
+void addTouch(const Fields& fields, Step& step)
 {
   step.observation.touchEmotion.emplace(step.time, fields.whole<std::int32_t>(Column::Value));
 }
 
-void addContext(const Fields& fields, RecordingEntry& step)
+void addContext(const Fields& fields, Step& step)
 {
   const KV::ContextEmotion emotion(fields.whole<std::int32_t>(Column::Valence), fields.number(Column::Lifetime));
   step.observation.contextEmotion.emplace(step.time, emotion);
 }
 
-void addSeen(const Fields& fields, RecordingEntry& step)
+void addSeen(const Fields& fields, Step& step)
 {
   step.seen = fields.truth(Column::Value);
 }
 
-void addActivity(const Fields& fields, RecordingEntry& step)
+void addActivity(const Fields& fields, Step& step)
 {
   step.ambianceActivity = fields.number(Column::Value);
 }
 
-void addMovements(const Fields& fields, RecordingEntry& step)
+void addMovements(const Fields& fields, Step& step)
 {
   step.movements = fields.whole<int>(Column::Value, 0);
 }
 
-void addStart(const Fields& fields, RecordingEntry& step)
+void addStart(const Fields& fields, Step& step)
 {
   ScopeStart start{fields.utf8Text(Column::Value)};
   if (fields.has(Column::Samples))
@@ -192,7 +193,7 @@ void addStart(const Fields& fields, RecordingEntry& step)
   step.scopeStarts.push_back(start);
 }
 
-void addStop(const Fields& fields, RecordingEntry& step)
+void addStop(const Fields& fields, Step& step)
 {
   step.scopeStops.push_back(fields.utf8Text(Column::Value));
 }
@@ -200,7 +201,7 @@ void addStop(const Fields& fields, RecordingEntry& step)
 /// What one reading wants of a row.
 struct Reading
 {
-  using Add = void (*)(const Fields& fields, RecordingEntry& step);
+  using Add = void (*)(const Fields& fields, Step& step);
 
   std::vector<Column> needed;
   Add add = nullptr;
@@ -314,7 +315,7 @@ TidyRow readTidyRow(const TidyTable& table)
   return row;
 }
 
-bool addTidyReading(const TidyTable& table, const std::string& name, RecordingEntry& step)
+bool addTidyReading(const TidyTable& table, const std::string& name, Step& step)
 {
   const Reading& reading = readings().at(name);
   refuseWhatTheReadingHasNot(table, reading, name);
@@ -326,4 +327,4 @@ bool addTidyReading(const TidyTable& table, const std::string& name, RecordingEn
   return true;
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

@@ -1,11 +1,11 @@
-#include "tidytable.hpp"
+#include <skeigiot/recordings/tidytable.hpp>
 
-#include "quote.hpp"
+#include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
 #include <array>
 
-namespace tools
+namespace KV::recordings
 {
 namespace
 {
@@ -44,4 +44,4 @@ void TidyTable::refuseValue(TidyColumn column, const std::string& expected) cons
   refuse(column, "expected " + expected + ", found " + quote(text(column)));
 }
 
-}  // namespace tools
+}  // namespace KV::recordings

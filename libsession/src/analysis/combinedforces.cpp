@@ -1,8 +1,8 @@
-#include "combinedforces.hpp"
+#include <skeigiot/session/combinedforces.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -38,4 +38,4 @@ std::vector<CombinedForce> combined(const std::vector<ActedForce>& forces)
   return result;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,8 +1,8 @@
-#include "explainer.hpp"
+#include <skeigiot/session/explainer.hpp>
 
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 Explainer::Explainer(std::int32_t person, std::function<void(Explanation)> onUpdate)
@@ -38,4 +38,4 @@ void Explainer::_noteUpdate(const Snapshot& snapshot)
   updates->second.last = snapshot.sinceStart;
 }
 
-}  // namespace tools
+}  // namespace KV::session

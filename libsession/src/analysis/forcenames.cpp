@@ -1,8 +1,8 @@
-#include "forcenames.hpp"
+#include <skeigiot/session/forcenames.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -101,4 +101,4 @@ std::string describeSource(const SourceMovement& movement)
   return plainSource(movement.source) + (tellsMood ? " (" + moodOf(movement) + ")" : "");
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,17 +1,13 @@
-#include "inquiry.hpp"
+#include <skeigiot/session/inquiry.hpp>
 
-#include "exactnumber.hpp"
-#include "interruption.hpp"
-#include "librarylog.hpp"
-#include "notedreading.hpp"
-#include "session.hpp"
-#include "text.hpp"
+#include <skeigiot/session/exactnumber.hpp>
+#include <skeigiot/session/explainer.hpp>
 
 #include <cstddef>
 #include <limits>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -26,63 +22,38 @@ std::string secondsText(Duration duration)
   return text + " s";
 }
 
-/// Reads the recording of an inquiry into a session that watches forces.
-class InquiryReading
+void noteProblems(const Inquiry& inquiry, const Outcome& outcome)
 {
-public:
-  InquiryReading(const Inquiry& inquiry, Explainer& explainer)
-    : _inquiry(inquiry),
-      _explainer(explainer),
-      _session({}, {&explainer}, Forces::Watched),
-      _reading(inquiry.reader, inquiry.skipBad)
-  {}
+  for (const std::string& warning : outcome.warningLines())
+    inquiry.note("warning: " + warning);
+  if (outcome.badLines > 0)
+    inquiry.note(inquiry.name + ": " + outcome.skippedText());
+  if (!outcome.leftOut.empty())
+    inquiry.note("warning: " + inquiry.name + ": " + outcome.leftOut);
+  for (const std::string& line : outcome.libraryWarnings)
+    inquiry.note(inquiry.name + ": " + line);
+}
 
-  /// Plays until that time is over and the person was seen, or to the end; returns how much was played.
-  Duration playUntil(Duration end)
-  {
-    boost::optional<RecordingEntry> entry;
-    while (!_isAnswered(end) && _reading.next(entry) != NotedReading::Step::End)
-    {
-      if (entry)
-        _session.play(*entry);
-      Interruption::check();
-    }
-    _noteProblems();
-    if (_reading.error())
-      throw RecordingError(*_reading.error());
-    return _session.length();
-  }
-
-private:
-  bool _isAnswered(Duration end) const
-  {
-    return _session.length() > end && _explainer.persons().count(_inquiry.person) > 0;
-  }
-
-  void _noteProblems()
-  {
-    for (const std::string& warning : _reading.warnings())
-      _inquiry.messages.note("warning: " + warning);
-    const std::string skipped = _reading.skippedText();
-    if (!skipped.empty())
-      _inquiry.messages.note(_inquiry.name + ": " + skipped);
-    const std::string leftOut = _session.takeLeftOut();
-    if (!leftOut.empty())
-      _inquiry.messages.note("warning: " + _inquiry.name + ": " + leftOut);
-    for (const std::string& line : _log.take())
-      _inquiry.messages.note(_inquiry.name + ": " + line);
-  }
-
-  const Inquiry& _inquiry;
-  Explainer& _explainer;
-  LibraryLog _log;
-  Session _session;
-  NotedReading _reading;
-};
+/// Plays until that time is over and the person was seen, or to the end; returns how much was played.
+Duration playUntil(const Inquiry& inquiry, Explainer& explainer, Duration end)
+{
+  PlayerOptions options;
+  options.skipBad = inquiry.skipBad;
+  options.forces = Forces::Watched;
+  const Player player(options, [&](const Progress& progress) {
+    const bool isAnswered = progress.length > end && explainer.persons().count(inquiry.person) > 0;
+    return (!inquiry.goOn || inquiry.goOn(progress)) && !isAnswered;
+  });
+  const Outcome outcome = player.play(inquiry.open, {&explainer});
+  noteProblems(inquiry, outcome);
+  if (outcome.error)
+    throw recordings::Error(*outcome.error);
+  return outcome.length;
+}
 
 [[noreturn]] void refuse(const Inquiry& inquiry, const std::string& text)
 {
-  throw RecordingError({inquiry.name, 0, {}}, text);
+  throw recordings::Error({inquiry.name, 0, {}}, text);
 }
 
 void refuseTimeOutside(const Inquiry& inquiry, Duration time, Duration length)
@@ -130,7 +101,7 @@ Explanation explainMoment(const Inquiry& inquiry, Duration at)
     if (explanation.after.sinceStart <= at)
       moment = std::move(explanation);
   });
-  const Duration length = InquiryReading(inquiry, explainer).playUntil(at);
+  const Duration length = playUntil(inquiry, explainer, at);
   const Explainer::Updates updates = updatesOfPerson(inquiry, explainer);
   refuseTimeOutside(inquiry, at, length);
   if (!moment)
@@ -147,7 +118,7 @@ SpanExplanation explainSpan(const Inquiry& inquiry, Duration from, const boost::
     if (from <= explanation.after.sinceStart && explanation.after.sinceStart <= last)
       span.add(explanation);
   });
-  const Duration length = InquiryReading(inquiry, explainer).playUntil(last);
+  const Duration length = playUntil(inquiry, explainer, last);
   const Explainer::Updates updates = updatesOfPerson(inquiry, explainer);
   refuseTimeOutside(inquiry, from, length);
   refuseTimeOutside(inquiry, to.value_or(length), length);
@@ -158,4 +129,4 @@ SpanExplanation explainSpan(const Inquiry& inquiry, Duration from, const boost::
   return span;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,12 +1,12 @@
-#include "inspection.hpp"
+#include <skeigiot/session/inspection.hpp>
 
-#include "readings.hpp"
+#include <skeigiot/readings.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <type_traits>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -105,12 +105,12 @@ void NumberRange::add(double value)
   greatest = std::max(greatest, value);
 }
 
-void Inspection::add(const RecordingEntry& entry)
+void Inspection::add(const recordings::Step& entry)
 {
   _addTime(entry.time);
   if (entry.person)
     _addPerson(entry);
-  for (const ScopeStart& scope : entry.scopeStarts)
+  for (const recordings::ScopeStart& scope : entry.scopeStarts)
     ++_scopes[scope.name];
   if (entry.ambianceActivity)
     _numbers["ambiance.activity"].add(static_cast<double>(*entry.ambianceActivity));
@@ -148,7 +148,7 @@ void Inspection::_addTime(TimePoint time)
   _last = time;
 }
 
-void Inspection::_addPerson(const RecordingEntry& entry)
+void Inspection::_addPerson(const recordings::Step& entry)
 {
   const auto [person, isNew] = _persons.try_emplace(*entry.person);
   PersonSpan& span = person->second;
@@ -158,4 +158,4 @@ void Inspection::_addPerson(const RecordingEntry& entry)
   ++(entry.seen ? span.seen : span.notSeen);
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,17 +1,12 @@
-#include "inspectionreport.hpp"
+#include <skeigiot/session/inspectionreport.hpp>
 
-#include "description.hpp"
-#include "interruption.hpp"
-#include "text.hpp"
+#include <skeigiot/session/sessionobserver.hpp>
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <memory>
+#include <map>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -19,118 +14,22 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t mostWarnings = 10;
-constexpr std::size_t labelWidth = 12;
-
 double inSeconds(ko::SystemClock::duration duration)
 {
   return static_cast<double>(duration.count()) * 1e-9;
 }
 
-std::string rounded(double value)
-{
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.4g", value);
-  return text.data();
-}
-
-void takeWarnings(RecordingReader& reader, InspectionReport& report)
-{
-  for (const std::string& warning : reader.takeWarnings())
-  {
-    if (report.warnings.size() < mostWarnings)
-      report.warnings.push_back(warning);
-    else
-      ++report.moreWarnings;
-  }
-}
-
-/// Adds the next step to the report; false at the end.
-bool addStep(RecordingReader& reader, InspectionReport& report)
-{
-  try
-  {
-    const auto entry = reader.next();
-    if (entry)
-      report.contents.add(*entry);
-    return entry.has_value();
-  }
-  catch (const BadLine& error)
-  {
-    if (++report.badLines == 1)
-      report.firstBadLine = error.what();
-    return true;
-  }
-  catch (const RecordingError& error)
-  {
-    report.error = error.what();
-    return false;
-  }
-}
-
-/// Writes labelled lines of a certain width.
-class Lines
+/// Looks at each step that a player reads.
+class Inspector : public SessionObserver
 {
 public:
-  Lines(std::ostream& stream, int width) : _stream(stream), _width(static_cast<std::size_t>(width)) {}
+  explicit Inspector(Inspection& contents) : _contents(contents) {}
 
-  void add(const std::string& label, const std::string& text)
-  {
-    _stream << "  " << padRight(label, labelWidth - 2);
-    for (const char character : wrapped(text, _width - labelWidth, 0))
-    {
-      _stream << character;
-      if (character == '\n')
-        _stream << std::string(labelWidth, ' ');
-    }
-    _stream << '\n';
-  }
+  void stepBegins(const recordings::Step& entry) override { _contents.add(entry); }
 
 private:
-  std::ostream& _stream;
-  std::size_t _width;
+  Inspection& _contents;
 };
-
-std::string describeSpan(const Inspection& contents)
-{
-  const double rate = contents.timesPerSecond();
-  return clockText(contents.length()) + ", " + counted(contents.steps(), "step") +
-         (rate > 0. ? ", " + rounded(rate) + " times a second" : "");
-}
-
-std::string describeGaps(const Inspection::Gaps& gaps)
-{
-  if (gaps.count == 0)
-    return "none of a second or more";
-  return counted(gaps.count, "gap") + " of a second or more, the longest of " + rounded(inSeconds(gaps.longest)) +
-         " s at " + clockText(gaps.at);
-}
-
-std::string describePerson(const PersonSpan& span, Inspection::TimePoint first)
-{
-  return "seen in " + counted(span.seen, "step") + ", not seen in " + std::to_string(span.notSeen) + ", from " +
-         clockText(span.first - first) + " to " + clockText(span.last - first);
-}
-
-void writeNumbers(std::ostream& stream, const std::map<std::string, NumberRange>& numbers)
-{
-  constexpr std::size_t nameWidth = 34;
-  constexpr std::size_t width = 11;
-  if (numbers.empty())
-    return;
-  stream << padRight("  readings", nameWidth);
-  for (const char* const column : {"count", "least", "mean", "greatest"})
-    stream << padLeft(column, width);
-  stream << '\n';
-  for (const auto& [name, range] : numbers)
-  {
-    stream << padRight("    " + name, nameWidth) << padLeft(std::to_string(range.count), width);
-    if (range.count > 0)
-      for (const double value : {range.least, range.mean(), range.greatest})
-        stream << padLeft(rounded(value), width);
-    stream << '\n';
-  }
-}
 
 Json asJson(const PersonSpan& span, Inspection::TimePoint first)
 {
@@ -154,54 +53,29 @@ Json asJson(const NumberRange& range)
 
 }  // namespace
 
-InspectionReport inspect(const std::string& path, const std::string& format, const ReadingOptions& options)
+InspectionReport inspect(const std::string& path, const std::string& format, const recordings::ReadingOptions& options,
+                         const Player::GoOn& goOn)
 {
   InspectionReport report;
   report.path = path;
-  report.format = format.empty() ? formatNameOf(path) : format;
-  const std::unique_ptr<RecordingReader> reader = openRecording(path, report.format, options);
-  bool more = true;
-  while (more)
-  {
-    more = addStep(*reader, report);
-    takeWarnings(*reader, report);
-    Interruption::check();
-  }
-  report.description = reader->describe();
-  report.columns = reader->columns();
+  report.format = format.empty() ? recordings::formatNameOf(path) : format;
+  Inspector inspector(report.contents);
+  PlayerOptions playing;
+  playing.skipBad = true;
+  playing.estimates = false;
+  const Outcome outcome =
+      Player(playing, goOn).play([&] { return recordings::openRecording(path, report.format, options); }, {&inspector});
+  if (!outcome.opened)
+    throw recordings::Error(*outcome.error);
+  report.description = outcome.description;
+  report.columns = outcome.columns;
+  report.warnings = outcome.warnings;
+  report.moreWarnings = outcome.moreWarnings;
+  report.badLines = outcome.badLines;
+  report.firstBadLine = outcome.firstBadLine;
+  if (outcome.error)
+    report.error = outcome.error->what();
   return report;
-}
-
-void writeAsText(std::ostream& stream, const InspectionReport& report, int width)
-{
-  const Inspection& contents = report.contents;
-  Lines lines(stream, width);
-  stream << report.path << '\n';
-  lines.add("format", report.format);
-  for (const std::string& line : report.description)
-    lines.add(&line == &report.description.front() ? "read as" : "", line);
-  if (contents.steps() > 0)
-  {
-    lines.add("span", describeSpan(contents));
-    lines.add("gaps", describeGaps(contents.gaps()));
-  }
-  for (const auto& [person, span] : contents.persons())
-    lines.add("person " + std::to_string(person), describePerson(span, contents.first()));
-  for (const auto& [scope, count] : contents.scopes())
-    lines.add("scope", "'" + scope + "', started " + counted(count, "time"));
-  if (!report.columns.used.empty())
-    lines.add("columns", counted(report.columns.used.size(), "column") + " used: " + listed(report.columns.used));
-  if (!report.columns.ignored.empty())
-    lines.add("", counted(report.columns.ignored.size(), "column") + " not read: " + listed(report.columns.ignored));
-  writeNumbers(stream, contents.numbers());
-  for (const std::string& warning : report.warnings)
-    lines.add("warning", warning);
-  if (report.moreWarnings > 0)
-    lines.add("warning", counted(report.moreWarnings, "more warning"));
-  if (report.badLines > 0)
-    lines.add("bad", counted(report.badLines, "line") + " that cannot be used, the first: " + report.firstBadLine);
-  if (!report.error.empty())
-    lines.add("error", report.error);
 }
 
 void writeAsJson(std::ostream& stream, const InspectionReport& report)
@@ -230,4 +104,4 @@ void writeAsJson(std::ostream& stream, const InspectionReport& report)
   stream << json.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,10 +1,11 @@
-#include "movements.hpp"
+#include <skeigiot/session/movements.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <numeric>
 
-namespace tools
+namespace KV::session
 {
 
 void Movements::add(std::string_view source, KV::Quantity quantity, float target, float before, float after)
@@ -58,4 +59,29 @@ double totalDistance(const std::vector<SourceMovement>& movements)
                          [](double sum, const SourceMovement& movement) { return sum + movement.distance(); });
 }
 
-}  // namespace tools
+std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceMovement>& movements)
+{
+  constexpr int whole = 1000;
+  std::vector<int> shares(movements.size(), 0);
+  const double total = totalDistance(movements);
+  if (!(total > 0.))
+    return shares;
+
+  std::vector<double> remainders;
+  for (std::size_t i = 0; i < movements.size(); ++i)
+  {
+    const double exact = whole * movements[i].distance() / total;
+    shares[i] = static_cast<int>(exact);
+    remainders.push_back(exact - shares[i]);
+  }
+  // What rounding down left over goes to those who lost most by it.
+  for (int left = whole - std::accumulate(shares.begin(), shares.end(), 0); left > 0; --left)
+  {
+    const auto greatest = std::max_element(remainders.begin(), remainders.end());
+    ++shares[static_cast<std::size_t>(greatest - remainders.begin())];
+    *greatest = -1.;
+  }
+  return shares;
+}
+
+}  // namespace KV::session

@@ -1,12 +1,13 @@
-#include "sentence.hpp"
+#include <skeigiot/session/sentence.hpp>
 
-#include "forcenames.hpp"
-#include "text.hpp"
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
 #include <cstddef>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -88,4 +89,34 @@ std::string describeChange(KV::Quantity quantity, float before, float after,
   return quantityName(quantity) + howItChanged + ": " + describePulls(movements, change);
 }
 
-}  // namespace tools
+namespace
+{
+
+std::vector<std::string> sentencesOnChange(const Snapshot& before, const Snapshot& after, const Movements& movements)
+{
+  return {
+      describeChange(KV::ValenceQuantity, before.valence.value, after.valence.value, movements.of(KV::ValenceQuantity)),
+      describeChange(KV::AttentionQuantity, before.attention.value, after.attention.value,
+                     movements.of(KV::AttentionQuantity))};
+}
+
+}  // namespace
+
+std::vector<std::string> sentencesOn(const Explanation& explanation)
+{
+  Movements movements;
+  for (const ActedForce& force : explanation.forces)
+    movements.add(force.source, force.quantity, force.target, force.before, force.after);
+  std::vector<std::string> sentences = sentencesOnChange(explanation.before, explanation.after, movements);
+  for (const SeenZoneChange& change : explanation.zoneChanges)
+    sentences.push_back("the zone changed from " + zoneName(change.from) + " to " + zoneName(change.to) +
+                        ", decided by: " + evidenceName(change.evidence));
+  return sentences;
+}
+
+std::vector<std::string> sentencesOn(const SpanExplanation& explanation)
+{
+  return sentencesOnChange(explanation.before, explanation.after, explanation.movements);
+}
+
+}  // namespace KV::session

@@ -1,9 +1,9 @@
-#include "timeline.hpp"
+#include <skeigiot/session/timeline.hpp>
 
 #include <algorithm>
 #include <array>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -101,4 +101,4 @@ void Timeline::_keepWithin(Duration time)
     rows = merged(rows, step);
 }
 
-}  // namespace tools
+}  // namespace KV::session

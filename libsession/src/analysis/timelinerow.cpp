@@ -1,8 +1,8 @@
-#include "timelinerow.hpp"
+#include <skeigiot/session/timelinerow.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -59,4 +59,4 @@ KV::PleasureState TimelineRow::pleasure() const
   return static_cast<KV::PleasureState>(mostFrequent(_pleasures));
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,9 +1,9 @@
-#include "csvexport.hpp"
+#include "export/csvexport.hpp"
 
-#include "exactnumber.hpp"
-#include "exportfields.hpp"
+#include <skeigiot/session/exactnumber.hpp>
+#include <skeigiot/session/exportfields.hpp>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -52,4 +52,4 @@ void CsvExport::personUpdated(const Snapshot& snapshot)
   _stream << _line;
 }
 
-}  // namespace tools
+}  // namespace KV::session

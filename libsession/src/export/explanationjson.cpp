@@ -1,15 +1,17 @@
-#include "explanationjson.hpp"
+#include <skeigiot/session/explanationjson.hpp>
 
-#include "explanationtext.hpp"
-#include "forcenames.hpp"
-#include "names.hpp"
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/sentence.hpp>
+
+#include <nlohmann/json.hpp>
 
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -91,36 +93,42 @@ Json sharesJson(const Movements& all)
   return json;
 }
 
+std::string textOf(const Json& json)
+{
+  constexpr int indentation = 2;
+  return json.dump(indentation, ' ', false, Json::error_handler_t::replace);
+}
+
 }  // namespace
 
-nlohmann::ordered_json explanationJson(const Explanation& explanation, const std::string& recording)
+std::string explanationJson(const Explanation& explanation, const std::string& recording)
 {
   const Snapshot& after = explanation.after;
   const double time = secondsOf(after.sinceStart);
-  return {{"recording", recording},
-          {"person", after.person},
-          {"time", time},
-          {"seen", after.seen},
-          {"before", stateJson(explanation.before)},
-          {"after", stateJson(after)},
-          {"forces", forcesJson(explanation.forces, time)},
-          {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
-          {"sentences", sentencesOn(explanation)}};
+  return textOf({{"recording", recording},
+                 {"person", after.person},
+                 {"time", time},
+                 {"seen", after.seen},
+                 {"before", stateJson(explanation.before)},
+                 {"after", stateJson(after)},
+                 {"forces", forcesJson(explanation.forces, time)},
+                 {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+                 {"sentences", sentencesOn(explanation)}});
 }
 
-nlohmann::ordered_json explanationJson(const SpanExplanation& explanation, const std::string& recording)
+std::string explanationJson(const SpanExplanation& explanation, const std::string& recording)
 {
   const Snapshot& after = explanation.after;
-  return {{"recording", recording},
-          {"person", after.person},
-          {"updates", explanation.updates},
-          {"first", secondsOf(explanation.first)},
-          {"last", secondsOf(after.sinceStart)},
-          {"before", stateJson(explanation.before)},
-          {"after", stateJson(after)},
-          {"shares", sharesJson(explanation.movements)},
-          {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
-          {"sentences", sentencesOn(explanation)}};
+  return textOf({{"recording", recording},
+                 {"person", after.person},
+                 {"updates", explanation.updates},
+                 {"first", secondsOf(explanation.first)},
+                 {"last", secondsOf(after.sinceStart)},
+                 {"before", stateJson(explanation.before)},
+                 {"after", stateJson(after)},
+                 {"shares", sharesJson(explanation.movements)},
+                 {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+                 {"sentences", sentencesOn(explanation)}});
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,10 +1,10 @@
-#include "exports.hpp"
+#include <skeigiot/session/exports.hpp>
 
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -68,4 +68,4 @@ void Exports::_addWriter(ExportWriters& writers, Form form, std::ostream& stream
   }
 }
 
-}  // namespace tools
+}  // namespace KV::session

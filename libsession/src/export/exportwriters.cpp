@@ -1,10 +1,29 @@
-#include "exportwriters.hpp"
+#include <skeigiot/session/exportwriters.hpp>
 
-#include "csvexport.hpp"
-#include "jsonlexport.hpp"
+#include "export/csvexport.hpp"
+#include "export/jsonlexport.hpp"
 
-namespace tools
+#include <skeigiot/recordings/jsonlineswriter.hpp>
+
+namespace KV::session
 {
+
+namespace
+{
+
+/// Writes the steps of a recording in the own format.
+class RecordingExport : public SessionObserver
+{
+public:
+  explicit RecordingExport(std::ostream& stream) : _writer(stream) {}
+
+  void stepBegins(const recordings::Step& entry) override { _writer.write(entry); }
+
+private:
+  recordings::JsonLinesWriter _writer;
+};
+
+}  // namespace
 
 void ExportWriters::addCsv(std::ostream& stream, Header header)
 {
@@ -20,7 +39,7 @@ void ExportWriters::addJsonl(std::ostream& stream)
 
 void ExportWriters::addRecording(std::ostream& stream)
 {
-  _recordings.push_back(std::make_unique<JsonLinesWriter>(stream));
+  _recordings.push_back(std::make_unique<RecordingExport>(stream));
 }
 
 void ExportWriters::beginRecording(int number)
@@ -29,18 +48,14 @@ void ExportWriters::beginRecording(int number)
     updates->beginRecording(number);
 }
 
-void ExportWriters::write(const RecordingEntry& entry)
-{
-  for (const auto& recording : _recordings)
-    recording->write(entry);
-}
-
 std::vector<SessionObserver*> ExportWriters::observers() const
 {
   std::vector<SessionObserver*> observers = _others;
   for (const auto& updates : _updates)
     observers.push_back(updates.get());
+  for (const auto& recording : _recordings)
+    observers.push_back(recording.get());
   return observers;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,11 +1,11 @@
-#include "jsonlexport.hpp"
+#include "export/jsonlexport.hpp"
 
-#include "exactnumber.hpp"
-#include "exportfields.hpp"
+#include <skeigiot/session/exactnumber.hpp>
+#include <skeigiot/session/exportfields.hpp>
 
 #include <cmath>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -52,4 +52,4 @@ void JsonlExport::personUpdated(const Snapshot& snapshot)
   _stream << _line;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "updateexport.hpp"
+#include <skeigiot/session/updateexport.hpp>
 
 #include <ostream>
 #include <string>
 
-namespace tools
+namespace KV::session
 {
 
 /// Writes every update as a JSON object on a line of its own.
@@ -24,4 +24,4 @@ private:
   std::string _line;  // kept for its memory
 };
 
-}  // namespace tools
+}  // namespace KV::session

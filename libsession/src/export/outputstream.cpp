@@ -1,12 +1,12 @@
-#include "outputstream.hpp"
-
-#include <unistd.h>
+#include <skeigiot/session/outputstream.hpp>
 
 #include <cerrno>
 #include <system_error>
 #include <utility>
 
-namespace tools
+#include <unistd.h>
+
+namespace KV::session
 {
 
 WriteError::WriteError(const std::string& target, int errorNumber)
@@ -55,4 +55,4 @@ int OutputStream::Buffer::sync()
   return 0;
 }
 
-}  // namespace tools
+}  // namespace KV::session

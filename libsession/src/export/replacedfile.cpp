@@ -1,14 +1,14 @@
-#include "replacedfile.hpp"
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <skeigiot/session/replacedfile.hpp>
 
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
 
-namespace tools
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace KV::session
 {
 
 namespace
@@ -83,4 +83,4 @@ void ReplacedFile::_openBeside()
     _temporary = pattern;
 }
 
-}  // namespace tools
+}  // namespace KV::session

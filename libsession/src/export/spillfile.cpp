@@ -1,4 +1,4 @@
-#include "spillfile.hpp"
+#include <skeigiot/session/spillfile.hpp>
 
 #include <fcntl.h>
 #include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkostemp is not in the C++ header
@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -57,4 +57,4 @@ void SpillFile::copyTo(std::ostream& target)
   }
 }
 
-}  // namespace tools
+}  // namespace KV::session

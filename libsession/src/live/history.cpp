@@ -1,10 +1,10 @@
-#include "history.hpp"
+#include <skeigiot/session/history.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -72,4 +72,4 @@ std::string sparkline(const std::vector<double>& values, double low, double high
   return text;
 }
 
-}  // namespace tools
+}  // namespace KV::session

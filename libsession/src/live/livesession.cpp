@@ -1,8 +1,7 @@
-#include "livesession.hpp"
-
-#include "boundary.hpp"
+#include <skeigiot/session/livesession.hpp>
 
 #include <skeigiot/leaveoutahead.hpp>
+#include <skeigiot/session/boundary.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -11,7 +10,7 @@
 #include <string>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -46,7 +45,7 @@ public:
   BoundaryChange& operator=(const BoundaryChange&) = delete;
 
   /// \throws MemberError if the library rejects one.
-  void set(const BoundarySettings& settings)
+  void set(const recordings::BoundarySettings& settings)
   {
     _set("positive", "boundary-positive", settings.positive);
     _set("negative", "boundary-negative", settings.negative);
@@ -71,7 +70,7 @@ private:
     }
     catch (const std::invalid_argument&)
     {
-      throw MemberError("boundaries." + member, "expected a number that lies " + boundary.interval);
+      throw recordings::MemberError("boundaries." + member, "expected a number that lies " + boundary.interval);
     }
   }
 
@@ -89,7 +88,7 @@ std::vector<std::int32_t> LiveSession::take(std::string_view line)
 {
   if (isBlank(line))
     return {};
-  StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
+  recordings::StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
 
   BoundaryChange change;
   change.set(read.boundaries);
@@ -108,24 +107,26 @@ TimePoint LiveSession::present() const
 }
 
 // The time of the line, if it has one, is that of its readings.
-StreamLine LiveSession::_readAtArrival(std::string_view text) const
+recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
 {
   const TimePoint arrival = present();
-  StreamLine line = streamLineFromJson(text, arrival);
+  recordings::StreamLine line = recordings::streamLineFromJson(text, arrival);
   if (line.entry.time > arrival + furthestAhead)
-    throw MemberError("time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");
+    throw recordings::MemberError(
+        "time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");
   if (KV::leaveOutAhead(line.entry.observation, arrival + furthestAhead) > 0)
-    throw MemberError("observation", "a reading lies more than a second ahead: it would count as new until then");
+    throw recordings::MemberError("observation",
+                                  "a reading lies more than a second ahead: it would count as new until then");
   line.entry.time = arrival;
   return line;
 }
 
-StreamLine LiveSession::_readAtItsTime(std::string_view text) const
+recordings::StreamLine LiveSession::_readAtItsTime(std::string_view text) const
 {
-  StreamLine line = streamLineFromJson(text, boost::none);
+  recordings::StreamLine line = recordings::streamLineFromJson(text, boost::none);
   if (line.entry.time < _now)
-    throw MemberError("time", "time runs backwards, expected the lines in the order of their times");
+    throw recordings::MemberError("time", "time runs backwards, expected the lines in the order of their times");
   return line;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,8 +1,8 @@
-#include "persontable.hpp"
+#include <skeigiot/session/persontable.hpp>
 
-#include "forcenames.hpp"
-#include "names.hpp"
-#include "text.hpp"
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/names.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -73,4 +73,4 @@ void PersonTable::removeOld(TimePoint now)
   }
 }
 
-}  // namespace tools
+}  // namespace KV::session

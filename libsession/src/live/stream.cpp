@@ -1,6 +1,6 @@
-#include "stream.hpp"
+#include <skeigiot/session/stream.hpp>
 
-#include "exportfields.hpp"
+#include <skeigiot/session/exportfields.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -80,7 +80,7 @@ std::string Stream::answer(std::string_view line)
   {
     _session.take(line);
   }
-  catch (const MemberError& error)
+  catch (const recordings::MemberError& error)
   {
     _log.take();  // what the library warned of is in the error
     return _refusal(error.member(), error.what());
@@ -123,4 +123,4 @@ std::string Stream::_state()
   return lineOf(object);
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,10 +1,10 @@
-#include "notedreading.hpp"
+#include "player/notedreading.hpp"
 
-#include "text.hpp"
+#include <skeigiot/session/wording.hpp>
 
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -14,10 +14,10 @@ constexpr std::size_t mostWarnings = 10;
 
 }  // namespace
 
-NotedReading::Step NotedReading::next(boost::optional<RecordingEntry>& entry)
+NotedReading::Read NotedReading::next(boost::optional<recordings::Step>& entry)
 {
   entry = boost::none;
-  const Step step = _read(entry);
+  const Read step = _read(entry);
   _noteWarnings();
   return step;
 }
@@ -35,28 +35,28 @@ std::string NotedReading::skippedText() const
   return _skipped == 0 ? "" : "skipped " + counted(_skipped, "bad line") + ", the first: " + _firstSkipped;
 }
 
-NotedReading::Step NotedReading::_read(boost::optional<RecordingEntry>& entry)
+NotedReading::Read NotedReading::_read(boost::optional<recordings::Step>& entry)
 {
   try
   {
     entry = _reader.next();
-    return entry ? Step::Taken : Step::End;
+    return entry ? Read::Taken : Read::End;
   }
-  catch (const BadLine& error)
+  catch (const recordings::BadLine& error)
   {
     if (_skipBad)
     {
       if (++_skipped == 1)
         _firstSkipped = error.what();
-      return Step::Skipped;
+      return Read::Skipped;
     }
     _error = error;
   }
-  catch (const RecordingError& error)
+  catch (const recordings::Error& error)
   {
     _error = error;
   }
-  return Step::End;
+  return Read::End;
 }
 
 void NotedReading::_noteWarnings()
@@ -70,4 +70,4 @@ void NotedReading::_noteWarnings()
   }
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace tools
+namespace KV::session
 {
 
 /// Reads a recording to its end, or to where it turns bad, and notes what there is to say of it: the first few warnings
@@ -16,7 +16,7 @@ namespace tools
 class NotedReading
 {
 public:
-  enum class Step
+  enum class Read
   {
     Taken,
     Skipped,  ///< a bad line stands in its place
@@ -24,10 +24,10 @@ public:
   };
 
   /// The reader must outlive it. `skipBad` goes on behind lines that cannot be used.
-  NotedReading(RecordingReader& reader, bool skipBad) : _reader(reader), _skipBad(skipBad) {}
+  NotedReading(recordings::Reader& reader, bool skipBad) : _reader(reader), _skipBad(skipBad) {}
 
   /// Reads the next entry, which is there if the step is taken.
-  Step next(boost::optional<RecordingEntry>& entry);
+  Read next(boost::optional<recordings::Step>& entry);
 
   /// Returns the warnings so far, and how many more there were, a line each.
   std::vector<std::string> warnings() const;
@@ -35,20 +35,28 @@ public:
   /// Says how many lines were skipped, and what was wrong with the first; empty if there were none.
   std::string skippedText() const;
 
+  /// These return what warnings() and skippedText() are made of.
+  /// @{
+  const std::vector<std::string>& firstWarnings() const { return _warnings; }
+  std::size_t moreWarnings() const { return _moreWarnings; }
+  std::size_t skipped() const { return _skipped; }
+  const std::string& firstSkipped() const { return _firstSkipped; }
+  /// @}
+
   /// Returns what ended the recording before its end.
-  const boost::optional<RecordingError>& error() const { return _error; }
+  const boost::optional<recordings::Error>& error() const { return _error; }
 
 private:
-  Step _read(boost::optional<RecordingEntry>& entry);
+  Read _read(boost::optional<recordings::Step>& entry);
   void _noteWarnings();
 
-  RecordingReader& _reader;
+  recordings::Reader& _reader;
   bool _skipBad;
   std::vector<std::string> _warnings;
   std::size_t _moreWarnings = 0;
   std::size_t _skipped = 0;
   std::string _firstSkipped;
-  boost::optional<RecordingError> _error;
+  boost::optional<recordings::Error> _error;
 };
 
-}  // namespace tools
+}  // namespace KV::session

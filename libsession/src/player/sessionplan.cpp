@@ -1,7 +1,7 @@
-#include "sessionplan.hpp"
+#include <skeigiot/session/sessionplan.hpp>
 
-#include "mergedrecording.hpp"
-#include "text.hpp"
+#include <skeigiot/recordings/mergedrecording.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -15,7 +15,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -50,7 +50,7 @@ std::vector<fs::path> sortedContents(const std::string& folder)
       paths.push_back(entry->path());
   }
   if (error)
-    throw RecordingError({folder, 0, {}}, "cannot be read: " + error.message());
+    throw recordings::Error({folder, 0, {}}, "cannot be read: " + error.message());
   std::sort(paths.begin(), paths.end());
   return paths;
 }
@@ -70,13 +70,13 @@ void addContents(const std::string& folder, const std::string& format, SessionPl
   const std::size_t before = plan.sessions.size();
   for (const fs::path& path : sortedContents(folder))
   {
-    if (!format.empty() || isRecording(path.string()))
+    if (!format.empty() || recordings::isRecording(path.string()))
       plan.sessions.push_back({{{path.string(), Duration(0)}}});
     else
       passedOver.push_back(path.filename().string());
   }
   if (plan.sessions.size() == before)
-    throw RecordingError({folder, 0, {}}, "there is no recording in this folder");
+    throw recordings::Error({folder, 0, {}}, "there is no recording in this folder");
   if (!passedOver.empty())
     plan.notes.push_back(noteOn(folder, passedOver));
 }
@@ -151,15 +151,16 @@ void parseOffset(const std::string& text, std::map<std::string, ko::SystemClock:
     throw std::invalid_argument("'" + text.substr(0, equals) + "' is moved twice");
 }
 
-std::unique_ptr<RecordingReader> openSession(
-    const SessionInputs& session, const std::function<std::unique_ptr<RecordingReader>(const std::string& path)>& open)
+std::unique_ptr<recordings::Reader> openSession(
+    const SessionInputs& session,
+    const std::function<std::unique_ptr<recordings::Reader>(const std::string& path)>& open)
 {
   if (session.inputs.size() == 1)
     return open(session.inputs.front().path);
-  std::vector<RecordingInput> inputs;
+  std::vector<recordings::RecordingInput> inputs;
   for (const SessionInputs::Input& input : session.inputs)
     inputs.push_back({input.path, open(input.path), input.offset});
-  return std::make_unique<MergedRecording>(std::move(inputs));
+  return std::make_unique<recordings::MergedRecording>(std::move(inputs));
 }
 
-}  // namespace tools
+}  // namespace KV::session

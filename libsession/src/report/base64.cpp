@@ -1,9 +1,9 @@
-#include "base64.hpp"
+#include "report/base64.hpp"
 
 #include <boost/archive/iterators/base64_from_binary.hpp>
 #include <boost/archive/iterators/transform_width.hpp>
 
-namespace tools
+namespace KV::session
 {
 
 std::string base64(std::string_view bytes)
@@ -26,4 +26,4 @@ std::string base64(std::string_view bytes)
   return text;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <vector>
 
-namespace tools
+namespace KV::session
 {
 
 /// Returns the bytes in base64, filled up with "=".
@@ -21,4 +21,4 @@ std::string base64(const std::vector<Number>& numbers)
   return base64(std::string_view(reinterpret_cast<const char*>(numbers.data()), numbers.size() * sizeof(Number)));
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -6,11 +6,11 @@ string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
 string(REGEX REPLACE "(('....',)('....',)('....',)('....',)('....',)('....',)('....',)('....',))" "\\1\n" bytes "${bytes}")
 file(WRITE "${OUTPUT}" "// Made from the page of the report.
 
-#include \"reportpage.hpp\"
+#include <skeigiot/session/reportpage.hpp>
 
 #include <cstddef>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -25,5 +25,5 @@ std::string_view reportTemplate()
   return {page, sizeof(page) - 1};
 }
 
-}  // namespace tools
+}  // namespace KV::session
 ")

@@ -1,8 +1,9 @@
-#include "reportdata.hpp"
+#include <skeigiot/session/reportdata.hpp>
 
-#include "base64.hpp"
-#include "boundary.hpp"
-#include "names.hpp"
+#include "report/base64.hpp"
+
+#include <skeigiot/session/boundary.hpp>
+#include <skeigiot/session/names.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -11,7 +12,7 @@
 #include <limits>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -253,4 +254,4 @@ std::string textForScript(const Json& data)
   return escaped;
 }
 
-}  // namespace tools
+}  // namespace KV::session

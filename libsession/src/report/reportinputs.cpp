@@ -1,9 +1,9 @@
-#include "reportinputs.hpp"
+#include <skeigiot/session/reportinputs.hpp>
 
 #include <algorithm>
 #include <limits>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -108,4 +108,4 @@ ReportInputValues reportInputsOf(const KV::PersonObservation& observation)
   return values;
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,8 +1,8 @@
-#include "reportpage.hpp"
+#include <skeigiot/session/reportpage.hpp>
 
 #include <stdexcept>
 
-namespace tools
+namespace KV::session
 {
 
 void writeReport(std::ostream& stream, std::string_view page, const std::string& data)
@@ -14,4 +14,4 @@ void writeReport(std::ostream& stream, std::string_view page, const std::string&
   stream << page.substr(0, position) << data << page.substr(position + place.size());
 }
 
-}  // namespace tools
+}  // namespace KV::session

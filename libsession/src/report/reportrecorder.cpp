@@ -1,6 +1,6 @@
-#include "reportrecorder.hpp"
+#include <skeigiot/session/reportrecorder.hpp>
 
-#include "thinning.hpp"
+#include "report/thinning.hpp"
 
 #include <boost/chrono/duration.hpp>
 
@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -65,7 +65,7 @@ bool comesFirst(const ScopeVerdict& left, const ScopeVerdict& right)
 
 }  // namespace
 
-void ReportRecorder::stepBegins(const RecordingEntry& entry)
+void ReportRecorder::stepBegins(const recordings::Step& entry)
 {
   _entry = &entry;
   _forces.clear();
@@ -158,4 +158,4 @@ void ReportRecorder::_count()
   }
 }
 
-}  // namespace tools
+}  // namespace KV::session

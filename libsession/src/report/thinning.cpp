@@ -1,4 +1,4 @@
-#include "thinning.hpp"
+#include "report/thinning.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -143,4 +143,4 @@ void thin(std::vector<Moment>& moments, Duration stretch)
   moments = std::move(kept);
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "moment.hpp"
-#include "snapshot.hpp"
+#include <skeigiot/session/moment.hpp>
+#include <skeigiot/session/snapshot.hpp>
 
 #include <vector>
 
-namespace tools
+namespace KV::session
 {
 
 /// Leaves out moments of one person where many fall into one stretch of time of the given length.
@@ -17,4 +17,4 @@ namespace tools
 /// Thinning with one length and then with a multiple of it keeps the extremes of the original.
 void thin(std::vector<Moment>& moments, Duration stretch);
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,14 +1,13 @@
-#include "boundary.hpp"
-
-#include "exactnumber.hpp"
-#include "librarylog.hpp"
+#include <skeigiot/session/boundary.hpp>
 
 #include <skeigiot/ambiancestate.hpp>
 #include <skeigiot/personstate.hpp>
+#include <skeigiot/session/exactnumber.hpp>
+#include <skeigiot/session/librarylog.hpp>
 
 #include <stdexcept>
 
-namespace tools
+namespace KV::session
 {
 
 const std::vector<Boundary>& boundaries()
@@ -45,4 +44,4 @@ void setBoundary(const Boundary& boundary, float value)
   throw std::invalid_argument("--" + boundary.option + ": " + number + " does not lie " + boundary.interval);
 }
 
-}  // namespace tools
+}  // namespace KV::session

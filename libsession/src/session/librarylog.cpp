@@ -1,10 +1,10 @@
-#include "librarylog.hpp"
+#include <skeigiot/session/librarylog.hpp>
 
-#include "text.hpp"
+#include <skeigiot/session/wording.hpp>
 
 #include <thread>
 
-namespace tools
+namespace KV::session
 {
 
 // Another thread that hands out a record just now may call the handler when the log is gone: it must not touch it.
@@ -40,4 +40,4 @@ void LibraryLog::_add(const ko::log::Record& record)
     ++kind->second.more;
 }
 
-}  // namespace tools
+}  // namespace KV::session

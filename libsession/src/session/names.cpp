@@ -1,6 +1,6 @@
-#include "names.hpp"
+#include <skeigiot/session/names.hpp>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -42,4 +42,4 @@ std::string easeName(const KV::BodyLanguageEase& ease)
   return ease.level < atEaseFrom ? "neutral" : "at ease";
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,13 +1,12 @@
-#include "nonfinitereadings.hpp"
-
-#include "text.hpp"
+#include <skeigiot/session/nonfinitereadings.hpp>
 
 #include <skeigiot/isfinite.hpp>
+#include <skeigiot/session/wording.hpp>
 
-namespace tools
+namespace KV::session
 {
 
-const KV::PersonObservation& NonFiniteReadings::withoutThem(const RecordingEntry& entry, Duration sinceStart)
+const KV::PersonObservation& NonFiniteReadings::withoutThem(const recordings::Step& entry, Duration sinceStart)
 {
   if (KV::isFinite(entry.observation))
     return entry.observation;
@@ -29,4 +28,4 @@ std::string NonFiniteReadings::take()
   return text;
 }
 
-}  // namespace tools
+}  // namespace KV::session

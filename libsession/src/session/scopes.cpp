@@ -1,8 +1,8 @@
-#include "scopes.hpp"
+#include <skeigiot/session/scopes.hpp>
 
 #include <algorithm>
 
-namespace tools
+namespace KV::session
 {
 
 ScopeVerdict::OfPerson ScopeVerdict::of(std::int32_t person) const
@@ -109,4 +109,4 @@ ScopeVerdict Scopes::_judgeAtTheEnd(const Span& span, Duration now)
   return _judge(span.span.name, *span.open, now, complete ? ScopeEnd::Complete : ScopeEnd::CutShort);
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,11 +1,11 @@
-#include "scopespan.hpp"
+#include <skeigiot/session/scopespan.hpp>
 
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <stdexcept>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -57,4 +57,4 @@ ScopeSpan parseScopeSpan(const std::string& text)
   return span;
 }
 
-}  // namespace tools
+}  // namespace KV::session

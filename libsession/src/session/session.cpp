@@ -1,10 +1,10 @@
-#include "session.hpp"
+#include <skeigiot/session/session.hpp>
 
 #include <algorithm>
 #include <limits>
 #include <utility>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -35,7 +35,7 @@ Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserve
     _watchForces();
 }
 
-void Session::play(const RecordingEntry& entry)
+void Session::play(const recordings::Step& entry)
 {
   if (!_start)
     _start = entry.time;
@@ -45,7 +45,7 @@ void Session::play(const RecordingEntry& entry)
   for (SessionObserver* observer : _observers)
     observer->stepBegins(entry);
   _report(_scopes.advance(length()));
-  for (const ScopeStart& scope : entry.scopeStarts)
+  for (const recordings::ScopeStart& scope : entry.scopeStarts)
     _scopes.start(scope.name, scope.samples, length());
   _updateAmbiance(entry);
   _updatePerson(entry);
@@ -71,7 +71,7 @@ void Session::_watchForces()
   _forceObserver.emplace(showForce, showZoneChange);
 }
 
-void Session::_updateAmbiance(const RecordingEntry& entry)
+void Session::_updateAmbiance(const recordings::Step& entry)
 {
   for (int movement = 0; movement < std::min(entry.movements, largestMovementCount); ++movement)
     _ambiance.incrementMovementDetected();
@@ -84,7 +84,7 @@ void Session::_updateAmbiance(const RecordingEntry& entry)
     observer->ambianceUpdated(agitation, excitation);
 }
 
-void Session::_updatePerson(const RecordingEntry& entry)
+void Session::_updatePerson(const recordings::Step& entry)
 {
   if (!entry.person)
     return;
@@ -100,7 +100,7 @@ void Session::_updatePerson(const RecordingEntry& entry)
     });
 }
 
-void Session::_report(const KV::Person& person, const RecordingEntry& entry)
+void Session::_report(const KV::Person& person, const recordings::Step& entry)
 {
   _scopes.update(person.personID, person.personState);
 
@@ -125,4 +125,4 @@ void Session::_report(const std::vector<ScopeVerdict>& verdicts)
     _report(verdict);
 }
 
-}  // namespace tools
+}  // namespace KV::session

@@ -1,11 +1,11 @@
-#include "exactnumber.hpp"
+#include <skeigiot/session/exactnumber.hpp>
 
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 
-namespace tools
+namespace KV::session
 {
 
 namespace
@@ -50,4 +50,4 @@ void appendExactSeconds(std::string& text, Duration duration)
   text += decimals;
 }
 
-}  // namespace tools
+}  // namespace KV::session

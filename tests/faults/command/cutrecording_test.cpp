@@ -1,8 +1,8 @@
-#include "observationjson.hpp"
-#include "recording.hpp"
-
-#include "support/tablename.hpp"
 #include "librecordings/support.hpp"
+#include "support/tablename.hpp"
+
+#include <skeigiot/recordings/observationjson.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <gtest/gtest.h>
 
@@ -35,11 +35,11 @@ std::string contentOf(const std::string& file)
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-std::vector<std::string> textsOf(const std::vector<tools::RecordingEntry>& entries)
+std::vector<std::string> textsOf(const std::vector<KV::recordings::Step>& entries)
 {
   std::vector<std::string> texts;
-  for (const tools::RecordingEntry& entry : entries)
-    texts.push_back(tools::entryToJson(entry));
+  for (const KV::recordings::Step& entry : entries)
+    texts.push_back(KV::recordings::stepToJson(entry));
   return texts;
 }
 
@@ -58,7 +58,7 @@ class CutRecording : public ::testing::TestWithParam<CutCase>
 protected:
   Contents read(std::size_t size) const
   {
-    tools::ReadingOptions options;
+    KV::recordings::ReadingOptions options;
     options.framesPerSecond = GetParam().framesPerSecond;
     std::filesystem::remove(folder.path("cut"));  // some file systems write at once what replaces a file
     return support::contentsOf(folder.write("cut", whole.substr(0, size)), GetParam().format, options);

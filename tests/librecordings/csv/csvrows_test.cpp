@@ -1,6 +1,5 @@
-#include "csvrows.hpp"
-
-#include "support.hpp"
+#include "csv/csvrows.hpp"
+#include "librecordings/support.hpp"
 
 #include <ostream>
 
@@ -13,7 +12,7 @@ class CsvRows : public ::testing::Test
 protected:
   std::vector<Row> rowsOf(const std::string& text) const
   {
-    tools::CsvRows rows(folder.write("f", text));
+    KV::recordings::CsvRows rows(folder.write("f", text));
     std::vector<Row> all;
     while (rows.next())
       all.emplace_back(rows.fields().begin(), rows.fields().end());
@@ -30,7 +29,7 @@ TEST_F(CsvRows, TakesTheSpacesAroundFieldsAway)
 
 TEST_F(CsvRows, SkipsEmptyLinesAndCountsThem)
 {
-  tools::CsvRows rows(folder.write("f", "a\n\n  \nb\n"));
+  KV::recordings::CsvRows rows(folder.write("f", "a\n\n  \nb\n"));
   ASSERT_TRUE(rows.next());
   ASSERT_TRUE(rows.next());
   EXPECT_EQ(4u, rows.file().lineNumber());
@@ -44,14 +43,14 @@ TEST_F(CsvRows, TakesQuotesAway)
 
 TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
 {
-  tools::CsvRows rows(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n"));
+  KV::recordings::CsvRows rows(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n"));
   ASSERT_TRUE(rows.next());
   try
   {
     rows.next();
     ADD_FAILURE() << "an open quote was taken";
   }
-  catch (const tools::BadLine& error)
+  catch (const KV::recordings::BadLine& error)
   {
     EXPECT_EQ(folder.path("f") + ":2: a quote is out of place or not closed", error.what());
   }
@@ -61,9 +60,9 @@ TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
 
 TEST_F(CsvRows, RefusesAQuoteWithinAFieldAndGoesOnBehindIt)
 {
-  tools::CsvRows rows(folder.write("f", "a,5\"\nb,\"c\"d\ne,f\n"));
-  EXPECT_THROW(rows.next(), tools::BadLine);
-  EXPECT_THROW(rows.next(), tools::BadLine);
+  KV::recordings::CsvRows rows(folder.write("f", "a,5\"\nb,\"c\"d\ne,f\n"));
+  EXPECT_THROW(rows.next(), KV::recordings::BadLine);
+  EXPECT_THROW(rows.next(), KV::recordings::BadLine);
   ASSERT_TRUE(rows.next());
   EXPECT_EQ((Row{"e", "f"}), Row(rows.fields().begin(), rows.fields().end()));
 }

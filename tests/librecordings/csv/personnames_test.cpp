@@ -1,4 +1,4 @@
-#include "personnames.hpp"
+#include "csv/personnames.hpp"
 
 #include <gmock/gmock.h>
 
@@ -7,11 +7,11 @@ namespace
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const tools::RecordingError::Place place{"file", 3, "who"};
+const KV::recordings::Error::Place place{"file", 3, "who"};
 
 TEST(PersonNames, KeepWholeNumbers)
 {
-  tools::PersonNames names;
+  KV::recordings::PersonNames names;
   EXPECT_EQ(7, names.numberOf("7", place));
   EXPECT_EQ(-2, names.numberOf("-2", place));
   EXPECT_EQ(3, names.numberOf("3.0", place));
@@ -21,7 +21,7 @@ TEST(PersonNames, KeepWholeNumbers)
 
 TEST(PersonNames, CountOtherNamesAsTheyAppear)
 {
-  tools::PersonNames names;
+  KV::recordings::PersonNames names;
   EXPECT_EQ(0, names.numberOf("ben", place));
   EXPECT_EQ(1, names.numberOf("anna", place));
   EXPECT_EQ(0, names.numberOf("ben", place));
@@ -33,7 +33,7 @@ TEST(PersonNames, TakeForANameWhatIsNoNumberOfAPerson)
 {
   for (const char* const name : {"2147483648", "1.5", "nan", "1e99", "0x1", "1 2"})
   {
-    tools::PersonNames names;
+    KV::recordings::PersonNames names;
     EXPECT_EQ(0, names.numberOf(name, place)) << name;
     EXPECT_EQ(1u, names.takeWarnings().size()) << name;
   }
@@ -41,23 +41,23 @@ TEST(PersonNames, TakeForANameWhatIsNoNumberOfAPerson)
 
 TEST(PersonNames, MayNotBeMixedWithNumbers)
 {
-  tools::PersonNames names;
+  KV::recordings::PersonNames names;
   names.numberOf("4", place);
-  EXPECT_THROW(names.numberOf("anna", place), tools::BadLine);
+  EXPECT_THROW(names.numberOf("anna", place), KV::recordings::BadLine);
   EXPECT_EQ(5, names.numberOf("5", place));
 }
 
 TEST(PersonNames, AreLimited)
 {
-  tools::PersonNames names;
-  for (std::size_t i = 0; i < tools::PersonNames::mostNames; ++i)
+  KV::recordings::PersonNames names;
+  for (std::size_t i = 0; i < KV::recordings::PersonNames::mostNames; ++i)
     names.numberOf("p" + std::to_string(i), place);
   try
   {
     names.numberOf("one more", place);
     ADD_FAILURE() << "there was no limit";
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     EXPECT_STREQ("file:3: who: there are more than 10000 names of persons: this column does not name persons",
                  error.what());

@@ -1,4 +1,4 @@
-#include "actionunits.hpp"
+#include "face/actionunits.hpp"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,9 @@ constexpr float fullScale = 5.f;
 constexpr float confidence = 0.9f;
 constexpr float unknown = std::numeric_limits<float>::quiet_NaN();
 
-const tools::ScoreReadings& readings()
+const KV::recordings::ScoreReadings& readings()
 {
-  static const tools::ScoreReadings readings(tools::actionUnitTable());
+  static const KV::recordings::ScoreReadings readings(KV::recordings::actionUnitTable());
   return readings;
 }
 
@@ -28,7 +28,7 @@ std::vector<float> faceWith(const std::map<std::string, double>& intensities, fl
   for (const std::string& unit : readings().names())
   {
     const auto found = intensities.find(unit);
-    scores.push_back(found == intensities.end() ? others : tools::actionUnitScore(found->second, fullScale));
+    scores.push_back(found == intensities.end() ? others : KV::recordings::actionUnitScore(found->second, fullScale));
   }
   return scores;
 }
@@ -40,27 +40,27 @@ KV::Expressions expressionsWith(const std::map<std::string, double>& intensities
 
 TEST(ActionUnits, ArePartsOfTheFullScale)
 {
-  EXPECT_FLOAT_EQ(0.5f, tools::actionUnitScore(2.5, 5.f));
-  EXPECT_FLOAT_EQ(1.f, tools::actionUnitScore(5.0, 5.f));
-  EXPECT_FLOAT_EQ(0.8f, tools::actionUnitScore(2.4, 3.f));
+  EXPECT_FLOAT_EQ(0.5f, KV::recordings::actionUnitScore(2.5, 5.f));
+  EXPECT_FLOAT_EQ(1.f, KV::recordings::actionUnitScore(5.0, 5.f));
+  EXPECT_FLOAT_EQ(0.8f, KV::recordings::actionUnitScore(2.4, 3.f));
 }
 
 TEST(ActionUnits, StayWithinZeroAndOne)
 {
-  EXPECT_FLOAT_EQ(1.f, tools::actionUnitScore(5.5, 5.f));
-  EXPECT_FLOAT_EQ(0.f, tools::actionUnitScore(-0.1, 5.f));
+  EXPECT_FLOAT_EQ(1.f, KV::recordings::actionUnitScore(5.5, 5.f));
+  EXPECT_FLOAT_EQ(0.f, KV::recordings::actionUnitScore(-0.1, 5.f));
 }
 
 TEST(ActionUnits, AreUnknownIfTheIntensityIs)
 {
-  EXPECT_TRUE(std::isnan(tools::actionUnitScore(std::nan(""), 5.f)));
+  EXPECT_TRUE(std::isnan(KV::recordings::actionUnitScore(std::nan(""), 5.f)));
 }
 
 TEST(ActionUnits, AreNamedWithTwoDigits)
 {
-  EXPECT_TRUE(tools::isActionUnitName("AU06"));
+  EXPECT_TRUE(KV::recordings::isActionUnitName("AU06"));
   for (const char* const other : {"AU6", "AU006", "au06", "AU0x", "AU06_r", ""})
-    EXPECT_FALSE(tools::isActionUnitName(other)) << other;
+    EXPECT_FALSE(KV::recordings::isActionUnitName(other)) << other;
 }
 
 TEST(ActionUnits, AreCappedOneByOneBeforeTheMean)

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "bits.hpp"
-#include "jsonlineswriter.hpp"
-#include "support.hpp"
+#include "librecordings/bits.hpp"
+#include "librecordings/support.hpp"
+
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 
 #include <gtest/gtest.h>
 
@@ -29,7 +30,7 @@ class FaceReaderTest : public RecordingTest
 {
 protected:
   /// Returns what a recording tells that can be read without an error.
-  Contents readWell(const std::string& text, const tools::ReadingOptions& options = {}) const
+  Contents readWell(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     Contents contents = read(text, options);
     EXPECT_EQ("", contents.fatal);
@@ -37,22 +38,22 @@ protected:
     return contents;
   }
 
-  std::vector<std::string> stepsIn(const std::string& text, const tools::ReadingOptions& options = {}) const
+  std::vector<std::string> stepsIn(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     return stepsOf(readWell(text, options));
   }
 
   /// Returns the observation of the first entry.
-  KV::PersonObservation observed(const std::string& text, const tools::ReadingOptions& options = {}) const
+  KV::PersonObservation observed(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     const Contents contents = readWell(text, options);
     EXPECT_FALSE(contents.entries.empty());
     return contents.entries.empty() ? KV::PersonObservation() : contents.entries.front().observation;
   }
 
-  tools::ReadingOptions mappedBy(const std::string& json) const
+  KV::recordings::ReadingOptions mappedBy(const std::string& json) const
   {
-    tools::ReadingOptions options;
+    KV::recordings::ReadingOptions options;
     options.mapping = folder.write("mapping.json", json);
     return options;
   }
@@ -63,7 +64,7 @@ inline void expectSameBitsFromJsonLines(const Contents& contents)
 {
   const TemporaryFolder folder;
   std::ofstream file(folder.path("own.jsonl"));
-  tools::JsonLinesWriter writer(file);
+  KV::recordings::JsonLinesWriter writer(file);
   for (const auto& entry : contents.entries)
     writer.write(entry);
   file.close();

@@ -1,11 +1,10 @@
-#include "frametimes.hpp"
-
-#include "support.hpp"
+#include "face/frametimes.hpp"
+#include "librecordings/support.hpp"
 
 namespace
 {
-using tools::Frame;
-using tools::FrameTimes;
+using KV::recordings::Frame;
+using KV::recordings::FrameTimes;
 
 constexpr std::int64_t second = 1000000000;  // [ns]
 

@@ -1,6 +1,5 @@
-#include "mapping.hpp"
-
-#include "support.hpp"
+#include "face/mapping.hpp"
+#include "librecordings/support.hpp"
 
 #include <gmock/gmock.h>
 
@@ -13,7 +12,10 @@ using ::testing::ElementsAre;
 class Mapping : public ::testing::Test
 {
 protected:
-  tools::Mapping read(const std::string& json) const { return tools::readMapping(folder.write("m.json", json)); }
+  KV::recordings::Mapping read(const std::string& json) const
+  {
+    return KV::recordings::readMapping(folder.write("m.json", json));
+  }
 
   /// Returns the message behind the name of the file; empty if there is no error.
   std::string errorOf(const std::string& json) const
@@ -23,7 +25,7 @@ protected:
       read(json);
       return {};
     }
-    catch (const tools::RecordingError& error)
+    catch (const KV::recordings::Error& error)
     {
       return std::string(error.what()).substr(folder.path("m.json").size() + 2);
     }
@@ -47,13 +49,13 @@ TEST_F(Mapping, ReplacesWhatItNamesAndNothingElse)
 
 TEST_F(Mapping, IsTheBuiltInOneWithoutAFile)
 {
-  EXPECT_THAT(tools::readMapping("").emotions.sorrow.sum.front().of, ElementsAre("sad"));
-  EXPECT_FLOAT_EQ(30.f, tools::readMapping("").eyes.yaw);
+  EXPECT_THAT(KV::recordings::readMapping("").emotions.sorrow.sum.front().of, ElementsAre("sad"));
+  EXPECT_FLOAT_EQ(30.f, KV::recordings::readMapping("").eyes.yaw);
 }
 
 TEST_F(Mapping, NeedsAFileThatIsThere)
 {
-  EXPECT_THROW(tools::readMapping(folder.path("none.json")), tools::RecordingError);
+  EXPECT_THROW(KV::recordings::readMapping(folder.path("none.json")), KV::recordings::Error);
 }
 
 struct BadMappingCase

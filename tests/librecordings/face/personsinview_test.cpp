@@ -1,4 +1,4 @@
-#include "personsinview.hpp"
+#include "face/personsinview.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +8,14 @@ using Persons = std::vector<std::int32_t>;
 
 TEST(PersonsInView, MissNobodyWhoWasNeverSeen)
 {
-  tools::PersonsInView persons;
+  KV::recordings::PersonsInView persons;
   EXPECT_TRUE(persons.empty());
   EXPECT_EQ(Persons(), persons.endCycle());
 }
 
 TEST(PersonsInView, MissWhoeverWasSeenBeforeInAscendingOrder)
 {
-  tools::PersonsInView persons;
+  KV::recordings::PersonsInView persons;
   for (const int person : {7, -2, 3})
     EXPECT_TRUE(persons.see(person));
   EXPECT_EQ(Persons(), persons.endCycle());
@@ -25,7 +25,7 @@ TEST(PersonsInView, MissWhoeverWasSeenBeforeInAscendingOrder)
 
 TEST(PersonsInView, NoticeAPersonSeenTwiceInACycle)
 {
-  tools::PersonsInView persons;
+  KV::recordings::PersonsInView persons;
   EXPECT_TRUE(persons.see(1));
   EXPECT_FALSE(persons.see(1));
   persons.endCycle();
@@ -34,10 +34,10 @@ TEST(PersonsInView, NoticeAPersonSeenTwiceInACycle)
 
 TEST(PersonsInView, ForgetWhoIsMissedForLong)
 {
-  tools::PersonsInView persons;
+  KV::recordings::PersonsInView persons;
   persons.see(1);
   persons.endCycle();
-  for (int cycle = 1; cycle <= tools::PersonsInView::longestAbsence; ++cycle)
+  for (int cycle = 1; cycle <= KV::recordings::PersonsInView::longestAbsence; ++cycle)
     EXPECT_EQ(Persons{1}, persons.endCycle()) << "in cycle " << cycle;
   EXPECT_EQ(Persons(), persons.endCycle());
   EXPECT_TRUE(persons.empty());
@@ -45,12 +45,12 @@ TEST(PersonsInView, ForgetWhoIsMissedForLong)
 
 TEST(PersonsInView, CountAnewWhenAPersonIsBack)
 {
-  tools::PersonsInView persons;
+  KV::recordings::PersonsInView persons;
   for (int time = 0; time < 3; ++time)
   {
     persons.see(1);
     persons.endCycle();
-    for (int cycle = 1; cycle < tools::PersonsInView::longestAbsence; ++cycle)
+    for (int cycle = 1; cycle < KV::recordings::PersonsInView::longestAbsence; ++cycle)
       EXPECT_EQ(Persons{1}, persons.endCycle());
   }
 }

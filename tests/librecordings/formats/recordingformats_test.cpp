@@ -1,4 +1,4 @@
-#include "support.hpp"
+#include "librecordings/support.hpp"
 
 #include <set>
 #include <string>
@@ -13,7 +13,7 @@ using RecordingFormats = support::RecordingTest;
 std::string known()
 {
   std::string text;
-  for (const auto& format : tools::recordingFormats())
+  for (const auto& format : KV::recordings::recordingFormats())
     text += (text.empty() ? "" : ", ") + format.name + " (" + format.description + ")";
   return text;
 }
@@ -21,7 +21,7 @@ std::string known()
 TEST_F(RecordingFormats, HaveNamesAndDescriptions)
 {
   std::set<std::string> names;
-  for (const auto& format : tools::recordingFormats())
+  for (const auto& format : KV::recordings::recordingFormats())
   {
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_FALSE(format.description.empty());
@@ -85,7 +85,7 @@ TEST_F(RecordingFormats, OfFaceAnalysersTellWhichColumnsTheyRead)
   };
   for (const auto& table : tables)
   {
-    const auto reader = tools::openRecording(folder.write("f", table.text), "", {});
+    const auto reader = KV::recordings::openRecording(folder.write("f", table.text), "", {});
     EXPECT_EQ(table.used, reader->columns().used) << table.text;
     EXPECT_EQ(std::vector<std::string>{"other"}, reader->columns().ignored) << table.text;
   }

@@ -1,6 +1,6 @@
-#include "inputfile.hpp"
+#include "librecordings/support.hpp"
 
-#include "support.hpp"
+#include <skeigiot/recordings/inputfile.hpp>
 
 namespace
 {
@@ -9,7 +9,7 @@ class InputFile : public ::testing::Test
 protected:
   std::vector<std::string> linesOf(const std::string& path) const
   {
-    tools::InputFile file(path);
+    KV::recordings::InputFile file(path);
     std::vector<std::string> lines;
     std::string_view line;
     while (file.readLine(line))
@@ -23,7 +23,7 @@ protected:
     {
       linesOf(path);
     }
-    catch (const tools::RecordingError& error)
+    catch (const KV::recordings::Error& error)
     {
       return error.what();
     }
@@ -55,15 +55,15 @@ TEST_F(InputFile, SkipsAByteOrderMark)
                                            "\xEF\xBB\xBF"
                                            "a\n\xEF\xBB\xBF"
                                            "b\n")));
-  EXPECT_EQ("a\nb", tools::InputFile::head(folder.write("f",
-                                                        "\xEF\xBB\xBF"
-                                                        "a\nb"),
-                                           100));
+  EXPECT_EQ("a\nb", KV::recordings::InputFile::head(folder.write("f",
+                                                                 "\xEF\xBB\xBF"
+                                                                 "a\nb"),
+                                                    100));
 }
 
 TEST_F(InputFile, CountsLinesAndTellsWhetherTheLastOneEnded)
 {
-  tools::InputFile file(folder.write("f", "a\nb"));
+  KV::recordings::InputFile file(folder.write("f", "a\nb"));
   std::string_view line;
   ASSERT_TRUE(file.readLine(line));
   EXPECT_EQ(1u, file.lineNumber());
@@ -83,12 +83,12 @@ TEST_F(InputFile, KeepsLinesLongerThanItsBuffer)
 
 TEST_F(InputFile, RefusesAnEndlessLineAndGoesOnBehindIt)
 {
-  const std::string longest(tools::InputFile::longestLine, 'x');
-  tools::InputFile file(folder.write("f", longest + "\n" + longest + longest + "\nb\n"));
+  const std::string longest(KV::recordings::InputFile::longestLine, 'x');
+  KV::recordings::InputFile file(folder.write("f", longest + "\n" + longest + longest + "\nb\n"));
   std::string_view line;
   ASSERT_TRUE(file.readLine(line));
   EXPECT_EQ(longest.size(), line.size());
-  EXPECT_THROW(file.readLine(line), tools::BadLine);
+  EXPECT_THROW(file.readLine(line), KV::recordings::BadLine);
   EXPECT_EQ(2u, file.lineNumber());
   ASSERT_TRUE(file.readLine(line));
   EXPECT_EQ("b", line);
@@ -102,7 +102,7 @@ TEST_F(InputFile, TellsHowFarItIs)
     text += std::to_string(i) + "\n";
   for (const std::string& path : {folder.write("f", text), folder.writeCompressed("f.gz", text)})
   {
-    tools::InputFile file(path);
+    KV::recordings::InputFile file(path);
     std::string_view line;
     double last = 0.0;
     while (file.readLine(line))
@@ -130,14 +130,14 @@ TEST_F(InputFile, SaysThatCompressedDataAreCut)
   EXPECT_NE(std::string::npos, errorOf(path).find("the compressed data end too early: the file was cut"));
 
   std::size_t linesBefore = 0;
-  tools::InputFile file(path);
+  KV::recordings::InputFile file(path);
   std::string_view line;
   try
   {
     while (file.readLine(line))
       ++linesBefore;
   }
-  catch (const tools::RecordingError&)
+  catch (const KV::recordings::Error&)
   {}
   EXPECT_GT(linesBefore, 30000u) << "what stands before the cut is lost";
 }

@@ -1,7 +1,8 @@
-#include "bits.hpp"
-#include "jsonlineswriter.hpp"
-#include "randomentries.hpp"
-#include "support.hpp"
+#include "librecordings/bits.hpp"
+#include "librecordings/randomentries.hpp"
+#include "librecordings/support.hpp"
+
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 
 #include <gmock/gmock.h>
 
@@ -17,10 +18,10 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-std::string written(const tools::RecordingEntry& entry)
+std::string written(const KV::recordings::Step& entry)
 {
   std::ostringstream stream;
-  tools::JsonLinesWriter(stream).write(entry);
+  KV::recordings::JsonLinesWriter(stream).write(entry);
   return stream.str();
 }
 
@@ -28,13 +29,13 @@ class JsonLines : public support::RecordingTest
 {
 protected:
   /// Returns the one step of a recording.
-  tools::RecordingEntry entryOf(const std::string& line) const
+  KV::recordings::Step entryOf(const std::string& line) const
   {
     const auto contents = read(line + "\n");
     EXPECT_EQ("", contents.fatal);
     EXPECT_THAT(contents.badLines, IsEmpty());
     EXPECT_EQ(1u, contents.entries.size());
-    return contents.entries.empty() ? tools::RecordingEntry() : contents.entries.front();
+    return contents.entries.empty() ? KV::recordings::Step() : contents.entries.front();
   }
 
   float smileOf(const std::string& value) const
@@ -285,7 +286,7 @@ TEST_F(JsonLines, RefuseWhatIsTooMuchForOneStep)
 
 TEST_F(JsonLines, AreWrittenWithoutWhatGoesWithoutSaying)
 {
-  tools::RecordingEntry entry;
+  KV::recordings::Step entry;
   entry.time = support::timeOf(7);
   EXPECT_EQ("{\"time\":7}\n", written(entry));
   entry.person = 3;
@@ -299,7 +300,7 @@ TEST_F(JsonLines, AreWrittenWithoutWhatGoesWithoutSaying)
 
 TEST_F(JsonLines, AreWrittenWithTheTextsOfNumbersThatJsonHasNoFormFor)
 {
-  tools::RecordingEntry entry;
+  KV::recordings::Step entry;
   entry.time = support::timeOf(0);
   entry.ambianceActivity = std::numeric_limits<float>::quiet_NaN();
   EXPECT_EQ("{\"time\":0,\"ambiance\":{\"activity\":\"NaN\"}}\n", written(entry));
@@ -311,7 +312,7 @@ TEST_F(JsonLines, ReadBackToTheSameBits)
 {
   constexpr std::uint32_t seed = 20240229;
   support::RandomEntries random(seed);
-  std::vector<tools::RecordingEntry> entries;
+  std::vector<KV::recordings::Step> entries;
   std::string text;
   for (int i = 0; i < 2000; ++i)
   {

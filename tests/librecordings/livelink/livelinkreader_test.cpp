@@ -1,5 +1,5 @@
-#include "facesteps.hpp"
-#include "timecode.hpp"
+#include "librecordings/face/facesteps.hpp"
+#include "livelink/timecode.hpp"
 
 #include <gmock/gmock.h>
 
@@ -14,9 +14,9 @@ constexpr float tolerance = 1e-4f;  // [deg] single precision at some tens of de
 
 TEST(Timecode, CountsSixtiethsOfASecond)
 {
-  EXPECT_DOUBLE_EQ(0.0, tools::secondsOfTimecode("00:00:00:00.000").value());
-  EXPECT_DOUBLE_EQ(44519.5, tools::secondsOfTimecode("12:21:59:30").value());
-  EXPECT_NEAR(3723.0 + 6.595 / 60.0, tools::secondsOfTimecode("01:02:03:06.595").value(), 1e-9);
+  EXPECT_DOUBLE_EQ(0.0, KV::recordings::secondsOfTimecode("00:00:00:00.000").value());
+  EXPECT_DOUBLE_EQ(44519.5, KV::recordings::secondsOfTimecode("12:21:59:30").value());
+  EXPECT_NEAR(3723.0 + 6.595 / 60.0, KV::recordings::secondsOfTimecode("01:02:03:06.595").value(), 1e-9);
 }
 
 TEST(Timecode, IsRefusedIfItIsNone)
@@ -24,7 +24,7 @@ TEST(Timecode, IsRefusedIfItIsNone)
   for (const char* const text :
        {"", "12:21:59", "12:21:59:60", "24:00:00:00", "12:60:00:00", "12:21:60:00", "12.5:00:00:00", "-1:00:00:00",
         "12:21:59:06:5", "12:21:59:06x", "12:21:59:", "a", "nan:00:00:00", "00:00:00:nan", "1e1:00:00:00"})
-    EXPECT_FALSE(tools::secondsOfTimecode(text)) << text;
+    EXPECT_FALSE(KV::recordings::secondsOfTimecode(text)) << text;
 }
 
 class LiveLinkReader : public support::FaceReaderTest
@@ -92,7 +92,7 @@ TEST_F(LiveLinkReader, TakesTheGazeFromTheScoresWithoutAngles)
 
 TEST_F(LiveLinkReader, ExchangesLeftAndRightOfAMirrorImage)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.mirrored = true;
   const auto observation = observed(header + row("00:00:00:00.0", "0,0", "0.1,0,0", "0.1,0.2,0,0.1,0.2,0"), options);
   EXPECT_NEAR(-5.7296f, observation.headPosture.value().value.yaw(), tolerance);
@@ -117,7 +117,7 @@ TEST_F(LiveLinkReader, GoesOnOverMidnight)
 
 TEST_F(LiveLinkReader, CountsRowsAtAGivenRate)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.framesPerSecond = 10.0;
   EXPECT_THAT(
       stepsIn(header + row("00:00:00:00.0", "0,0", still, stillEyes) + row("00:00:00:02.0", "0,0", still, stillEyes),

@@ -1,4 +1,4 @@
-#include "facesteps.hpp"
+#include "librecordings/face/facesteps.hpp"
 
 #include <gmock/gmock.h>
 
@@ -86,14 +86,14 @@ const std::string nobody = R"({"faceLandmarks":[],"faceBlendshapes":[],"facialTr
 class FaceLandmarkerReader : public support::FaceReaderTest
 {
 protected:
-  static tools::ReadingOptions fromTheAxis()
+  static KV::recordings::ReadingOptions fromTheAxis()
   {
-    tools::ReadingOptions options;
+    KV::recordings::ReadingOptions options;
     options.lineOfSight = false;
     return options;
   }
 
-  KV::HeadPosture postureOf(const Matrix& matrix, const tools::ReadingOptions& options = fromTheAxis()) const
+  KV::HeadPosture postureOf(const Matrix& matrix, const KV::recordings::ReadingOptions& options = fromTheAxis()) const
   {
     return observed(resultOf(matrix), options).headPosture.value().value;
   }
@@ -127,7 +127,7 @@ TEST_F(FaceLandmarkerReader, MeasuresDistanceInMetres)
 
 TEST_F(FaceLandmarkerReader, MeasuresTheHeightFromTheCamera)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.cameraHeight = 1.2f;
   EXPECT_FLOAT_EQ(1.5f, observed(resultOf(turned(0, 0, 30)), options).headHeight.value().value);
 }

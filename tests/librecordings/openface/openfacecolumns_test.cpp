@@ -1,6 +1,5 @@
-#include "openfacecolumns.hpp"
-
-#include "support.hpp"
+#include "openface/openfacecolumns.hpp"
+#include "librecordings/support.hpp"
 
 namespace
 {
@@ -8,14 +7,14 @@ using OpenFaceColumns = support::RecordingTest;
 
 TEST(OpenFaceHeader, IsKnownByTwoOfItsNames)
 {
-  EXPECT_TRUE(tools::looksLikeOpenFace("frame,face_id,timestamp,confidence,success,AU01_r\n1,0,0,1,1,0\n"));
-  EXPECT_TRUE(tools::looksLikeOpenFace(",frame, gaze_0_x, gaze_0_y\r\n"));
-  EXPECT_TRUE(tools::looksLikeOpenFace("\"frame\",\"AU12_c\""));
-  EXPECT_TRUE(tools::looksLikeOpenFace("\n\nframe;timestamp"));
-  EXPECT_FALSE(tools::looksLikeOpenFace("frame,AU12,Pitch,Roll,Yaw\n"));
-  EXPECT_FALSE(tools::looksLikeOpenFace("t_s,face_id,person_id\n"));
-  EXPECT_FALSE(tools::looksLikeOpenFace("1,0,0.000,0.98,1\nframe,timestamp\n"));
-  EXPECT_FALSE(tools::looksLikeOpenFace(""));
+  EXPECT_TRUE(KV::recordings::looksLikeOpenFace("frame,face_id,timestamp,confidence,success,AU01_r\n1,0,0,1,1,0\n"));
+  EXPECT_TRUE(KV::recordings::looksLikeOpenFace(",frame, gaze_0_x, gaze_0_y\r\n"));
+  EXPECT_TRUE(KV::recordings::looksLikeOpenFace("\"frame\",\"AU12_c\""));
+  EXPECT_TRUE(KV::recordings::looksLikeOpenFace("\n\nframe;timestamp"));
+  EXPECT_FALSE(KV::recordings::looksLikeOpenFace("frame,AU12,Pitch,Roll,Yaw\n"));
+  EXPECT_FALSE(KV::recordings::looksLikeOpenFace("t_s,face_id,person_id\n"));
+  EXPECT_FALSE(KV::recordings::looksLikeOpenFace("1,0,0.000,0.98,1\nframe,timestamp\n"));
+  EXPECT_FALSE(KV::recordings::looksLikeOpenFace(""));
 }
 
 TEST_F(OpenFaceColumns, MustTellAFrameOrATime)

@@ -1,6 +1,6 @@
-#include "facesteps.hpp"
-#include "openfacecolumns.hpp"
-#include "personsinview.hpp"
+#include "face/personsinview.hpp"
+#include "librecordings/face/facesteps.hpp"
+#include "openface/openfacecolumns.hpp"
 
 #include <gmock/gmock.h>
 
@@ -26,7 +26,7 @@ class OpenFaceReader : public support::FaceReaderTest
 {
 protected:
   /// Returns the observation of a recording of one row.
-  KV::PersonObservation observed(const std::string& text, const tools::ReadingOptions& options = {}) const
+  KV::PersonObservation observed(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     EXPECT_EQ(1u, readWell(text, options).entries.size());
     return FaceReaderTest::observed(text, options);
@@ -115,7 +115,7 @@ TEST_F(OpenFaceReader, CountsAnglesFromTheLineOfSight)
 
 TEST_F(OpenFaceReader, CountsAnglesFromTheOpticalAxisIfAsked)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.lineOfSight = false;
   const auto observation = observed(full + "1,0,0,1,1, -0.785398,0, 500,0,500, 0,0.785398,0, 0,0\n", options);
   EXPECT_NEAR(45.f, observation.headPosture.value().value.yaw(), tolerance);
@@ -127,7 +127,7 @@ TEST_F(OpenFaceReader, ExchangesLeftAndRightOfAMirrorImage)
 {
   const std::string text = full + "1,0,0,1,1, 0.1,0.2, 200,100,500, 0.1,0.3,0.4, 0,0\n";
   const auto plain = observed(text);
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.mirrored = true;
   const auto mirrored = observed(text, options);
   EXPECT_FLOAT_EQ(-plain.headPosture.value().value.yaw(), mirrored.headPosture.value().value.yaw());
@@ -140,7 +140,7 @@ TEST_F(OpenFaceReader, ExchangesLeftAndRightOfAMirrorImage)
 
 TEST_F(OpenFaceReader, MeasuresTheHeightFromTheCamera)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.cameraHeight = 1.2f;
   const auto observation = observed(full + "1,0,0,1,1, 0,0, 200,-300,500, 0,0,0, 0,0\n", options);
   EXPECT_FLOAT_EQ(1.5f, observation.headHeight.value().value);
@@ -148,7 +148,7 @@ TEST_F(OpenFaceReader, MeasuresTheHeightFromTheCamera)
 
 TEST_F(OpenFaceReader, TakesActionUnitsAsPartsOfTheFullScale)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.actionUnitFullScale = 3.f;
   const std::string header = "frame,AU12_r\n";
   EXPECT_FLOAT_EQ(0.5f, observed(header + "1,1.5\n", options).smile.value().value.value);
@@ -170,17 +170,17 @@ TEST_F(OpenFaceReader, TakesTwelveLandmarksAsFacialPoints)
   for (std::size_t i = 0; i < 12; ++i)
   {
     const auto point = points.facialPoint(static_cast<KV::PointDescription>(i));
-    EXPECT_FLOAT_EQ(static_cast<float>(tools::facialPointLandmarks.at(i)) + 0.25f, point.value.first);
-    EXPECT_FLOAT_EQ(static_cast<float>(tools::facialPointLandmarks.at(i)) + 0.75f, point.value.second);
+    EXPECT_FLOAT_EQ(static_cast<float>(KV::recordings::facialPointLandmarks.at(i)) + 0.25f, point.value.first);
+    EXPECT_FLOAT_EQ(static_cast<float>(KV::recordings::facialPointLandmarks.at(i)) + 0.75f, point.value.second);
     EXPECT_FLOAT_EQ(0.8f, point.confidence);
   }
 
   // In a mirror image OpenFace takes the left corner of the mouth (54) for the right one (48).
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.mirrored = true;
   const auto mirrored = observed(header + "\n" + row + "\n", options).facialPoints.value().value;
   const auto rightCorner = mirrored.facialPoint(KV::FacialPoint7);
-  EXPECT_EQ(48, tools::facialPointLandmarks.at(7));
+  EXPECT_EQ(48, KV::recordings::facialPointLandmarks.at(7));
   EXPECT_FLOAT_EQ(54.25f, rightCorner.value.first);
   EXPECT_FLOAT_EQ(54.75f, rightCorner.value.second);
 }
@@ -190,7 +190,7 @@ TEST_F(OpenFaceReader, LeavesAnUnknownLandmarkAtConfidenceZero)
   std::string header = "frame,AU12_r";
   std::string row = "1,0";
   for (const std::string axis : {"x_", "y_"})
-    for (const int landmark : tools::facialPointLandmarks)
+    for (const int landmark : KV::recordings::facialPointLandmarks)
     {
       header += "," + axis + std::to_string(landmark);
       row += landmark == 30 ? ",NaN" : ",5";
@@ -260,7 +260,7 @@ TEST_F(OpenFaceReader, CapsTheConfidenceAtOne)
 
 TEST_F(OpenFaceReader, TakesThePersonFromAnotherColumn)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.personColumn = "participant";
   const auto contents = readWell("frame,face_id,AU12_r,participant\n1,9,1,p7\n1,9,1,p2\n2,9,1,p2\n", options);
   EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "0 1+", "33 1+", "33 0-"));
@@ -273,7 +273,7 @@ TEST_F(OpenFaceReader, TakesThePersonFromAnotherColumn)
 
 TEST_F(OpenFaceReader, RefusesPersonsWhoAreNotTold)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.personColumn = "participant";
   EXPECT_EQ("1: participant: there is no such column to take persons from", errorOf("frame,AU12_r\n1,1\n", options));
   EXPECT_EQ("2: participant: expected the number or name of a person, found ''",
@@ -353,7 +353,7 @@ TEST_F(OpenFaceReader, SaysNothingOfAFaceThatWasNeverTracked)
 
 TEST_F(OpenFaceReader, TakesTheMinimalConfidenceFromTheOptions)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.minimalConfidence = 0.2f;
   EXPECT_THAT(stepsIn("frame,confidence,AU12_r\n1,0.2,1\n2,0.19,1\n", options), ElementsAre("0 0+", "33 0-"));
 }
@@ -400,7 +400,7 @@ TEST_F(OpenFaceReader, MissesNoFramesWhereTheTimeDoesNotJump)
 TEST_F(OpenFaceReader, AgesNobodyForLongerThanItCanBeSeen)
 {
   const auto steps = stepsIn("frame,AU12_r\n1,1\n2,1\n3,1\n2000000000,1\n");
-  ASSERT_EQ(3u + tools::PersonsInView::longestAbsence + 1u, steps.size());
+  ASSERT_EQ(3u + KV::recordings::PersonsInView::longestAbsence + 1u, steps.size());
   EXPECT_EQ("67 0+", steps[2]);
   EXPECT_EQ("100 0-", steps[3]);
   EXPECT_EQ("10067 0-", steps[302]);
@@ -411,7 +411,7 @@ TEST_F(OpenFaceReader, AgesNobodyForLongerThanItCanBeSeen)
 
 TEST_F(OpenFaceReader, BeginsAtAnyFrame)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.framesPerSecond = 10.0;
   EXPECT_THAT(stepsIn("frame,timestamp,AU12_r\n25,7.0,1\n26,7.001,1\n", options), ElementsAre("0 0+", "100 0+"));
 }
@@ -525,9 +525,9 @@ TEST_F(OpenFaceReader, GoesOnBehindBadLinesWhereNobodyCountsAsSeen)
 
 TEST_F(OpenFaceReader, TellsOfBadLinesWhereTheyStand)
 {
-  const auto reader = tools::openRecording(folder.write("f", "timestamp,AU12_r\n1,1\n2,x\n3,1\n"), "", {});
+  const auto reader = KV::recordings::openRecording(folder.write("f", "timestamp,AU12_r\n1,1\n2,x\n3,1\n"), "", {});
   EXPECT_EQ(1.0, secondsOf(reader->next().value()));
-  EXPECT_THROW(reader->next(), tools::BadLine);
+  EXPECT_THROW(reader->next(), KV::recordings::BadLine);
   EXPECT_EQ(3.0, secondsOf(reader->next().value()));
   EXPECT_FALSE(reader->next());
   EXPECT_FALSE(reader->next());
@@ -541,7 +541,7 @@ TEST_F(OpenFaceReader, GivesWhatStandsBeforeTheCutOfACompressedFile)
   const std::string path = folder.writeCompressed("f.gz", text);
   std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
 
-  const auto reader = tools::openRecording(path, "", {});
+  const auto reader = KV::recordings::openRecording(path, "", {});
   int entries = 0;
   try
   {
@@ -549,11 +549,11 @@ TEST_F(OpenFaceReader, GivesWhatStandsBeforeTheCutOfACompressedFile)
       ++entries;
     ADD_FAILURE() << "the cut was not noticed";
   }
-  catch (const tools::BadLine& error)
+  catch (const KV::recordings::BadLine& error)
   {
     ADD_FAILURE() << "one line only: " << error.what();
   }
-  catch (const tools::RecordingError& error)
+  catch (const KV::recordings::Error& error)
   {
     EXPECT_THAT(error.what(), HasSubstr("the compressed data end too early: the file was cut"));
   }
@@ -584,7 +584,7 @@ TEST_F(OpenFaceReader, DescribesHowItReadsInTwoLines)
 
 TEST_F(OpenFaceReader, DescribesWhatTheOptionsChange)
 {
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.mirrored = true;
   options.lineOfSight = false;
   options.framesPerSecond = 12.5;
@@ -603,7 +603,7 @@ TEST_F(OpenFaceReader, ReadsToTheEndByItsProgress)
   std::string text = "frame,AU12_r\n";
   for (int frame = 1; frame < 200000; ++frame)
     text += std::to_string(frame) + ",1\n";
-  const auto reader = tools::openRecording(folder.write("f", text), "", {});
+  const auto reader = KV::recordings::openRecording(folder.write("f", text), "", {});
   EXPECT_LT(reader->progress(), 0.5);
   while (reader->next())
   {}

@@ -1,13 +1,13 @@
-#include "approximaterate.hpp"
+#include "pyfeat/approximaterate.hpp"
 
 #include <gtest/gtest.h>
 
 namespace
 {
 
-tools::ApproximateRate shownAt(double framesPerSecond, int frames)
+KV::recordings::ApproximateRate shownAt(double framesPerSecond, int frames)
 {
-  tools::ApproximateRate rate;
+  KV::recordings::ApproximateRate rate;
   for (int frame = 0; frame < frames; ++frame)
     rate.add(frame, static_cast<std::int64_t>(frame / framesPerSecond));
   return rate;
@@ -33,7 +33,7 @@ TEST(ApproximateRate, IsBetweenTheBoundsIfNoUsualOneFits)
 
 TEST(ApproximateRate, IsDoubtfulIfTheBoundsAreFarApart)
 {
-  tools::ApproximateRate rate;
+  KV::recordings::ApproximateRate rate;
   rate.add(20, 0);
   rate.add(40, 1);
   EXPECT_DOUBLE_EQ(30.0, rate.rate().value().framesPerSecond);
@@ -45,13 +45,13 @@ TEST(ApproximateRate, IsDoubtfulIfTheBoundsAreFarApart)
 
 TEST(ApproximateRate, IsUnknownBeforeTheFirstSecondIsOver)
 {
-  EXPECT_FALSE(tools::ApproximateRate().rate());
+  EXPECT_FALSE(KV::recordings::ApproximateRate().rate());
   EXPECT_FALSE(shownAt(25.0, 25).rate());
 }
 
 TEST(ApproximateRate, IsUnknownIfTheTimesContradictEachOther)
 {
-  tools::ApproximateRate rate;
+  KV::recordings::ApproximateRate rate;
   rate.add(100, 1);
   rate.add(110, 10);
   EXPECT_FALSE(rate.rate());

@@ -1,4 +1,4 @@
-#include "facesteps.hpp"
+#include "librecordings/face/facesteps.hpp"
 
 #include <gmock/gmock.h>
 
@@ -19,14 +19,14 @@ const std::string poseHeader = "FaceScore,Pitch,Roll,Yaw,frame\n";
 class PyFeatReader : public support::FaceReaderTest
 {
 protected:
-  static tools::ReadingOptions atThirty()
+  static KV::recordings::ReadingOptions atThirty()
   {
-    tools::ReadingOptions options;
+    KV::recordings::ReadingOptions options;
     options.framesPerSecond = 30.0;
     return options;
   }
 
-  KV::HeadPosture postureIn(const std::string& text, const tools::ReadingOptions& options = atThirty()) const
+  KV::HeadPosture postureIn(const std::string& text, const KV::recordings::ReadingOptions& options = atThirty()) const
   {
     return observed(text, options).headPosture.value().value;
   }

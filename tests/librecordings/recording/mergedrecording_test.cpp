@@ -1,7 +1,8 @@
-#include "mergedrecording.hpp"
-#include "bits.hpp"
-#include "jsonlineswriter.hpp"
-#include "support.hpp"
+#include "librecordings/bits.hpp"
+#include "librecordings/support.hpp"
+
+#include <skeigiot/recordings/jsonlineswriter.hpp>
+#include <skeigiot/recordings/mergedrecording.hpp>
 
 #include <gmock/gmock.h>
 
@@ -28,16 +29,16 @@ class MergedRecordings : public support::RecordingTest
 protected:
   using RecordingTest::read;
 
-  std::unique_ptr<tools::MergedRecording> open(const std::vector<File>& files) const
+  std::unique_ptr<KV::recordings::MergedRecording> open(const std::vector<File>& files) const
   {
-    std::vector<tools::RecordingInput> inputs;
+    std::vector<KV::recordings::RecordingInput> inputs;
     for (const File& file : files)
     {
-      auto reader = tools::openRecording(folder.write(file.name, file.text), "", {});
+      auto reader = KV::recordings::openRecording(folder.write(file.name, file.text), "", {});
       const auto offset = ko::SystemClock::duration(static_cast<std::int64_t>(file.offset * 1e9));
       inputs.push_back({file.name, std::move(reader), offset});
     }
-    return std::make_unique<tools::MergedRecording>(std::move(inputs));
+    return std::make_unique<KV::recordings::MergedRecording>(std::move(inputs));
   }
 
   support::Contents read(const std::vector<File>& files) const
@@ -50,7 +51,7 @@ protected:
   static std::vector<std::string> told(const support::Contents& contents)
   {
     std::vector<std::string> steps;
-    for (const tools::RecordingEntry& entry : contents.entries)
+    for (const KV::recordings::Step& entry : contents.entries)
     {
       std::ostringstream step;
       step << secondsOf(entry);
@@ -164,7 +165,7 @@ TEST_F(MergedRecordings, GiveTheSameFromTheOwnFormat)
   const auto contents = read({{"a", header + "1,1,smile,1\n1.1,2,smile,0.3\n"},
                               {"b", header + "0.9,1,asrEmotion,1\n1.3,1,asrEmotion,1\n", 0.013}});
   std::ostringstream file;
-  tools::JsonLinesWriter writer(file);
+  KV::recordings::JsonLinesWriter writer(file);
   for (const auto& entry : contents.entries)
     writer.write(entry);
   const auto again = RecordingTest::read(file.str());
@@ -209,7 +210,7 @@ TEST_F(MergedRecordings, TellWhatIsWrongWhereTheInputHadComeTo)
     recording->next();
     FAIL() << "expected an error";
   }
-  catch (const tools::BadLine& error)
+  catch (const KV::recordings::BadLine& error)
   {
     EXPECT_THAT(error.what(), StartsWith(folder.path("b") + ":3: value: expected a number"));
   }

@@ -1,25 +1,25 @@
-#include "recording.hpp"
+#include <skeigiot/recordings/recording.hpp>
 
 #include <gtest/gtest.h>
 
 namespace
 {
-TEST(RecordingError, NamesFileLineAndField)
+TEST(Error, NamesFileLineAndField)
 {
   EXPECT_STREQ("face.csv:7: pose_Rx: expected a number",
-               tools::RecordingError({"face.csv", 7, "pose_Rx"}, "expected a number").what());
+               KV::recordings::Error({"face.csv", 7, "pose_Rx"}, "expected a number").what());
 }
 
-TEST(RecordingError, LeavesOutWhatIsNotKnown)
+TEST(Error, LeavesOutWhatIsNotKnown)
 {
-  EXPECT_STREQ("face.csv: the file is empty", tools::RecordingError({"face.csv", 0, {}}, "the file is empty").what());
-  EXPECT_STREQ("face.csv:7: is cut", tools::RecordingError({"face.csv", 7, {}}, "is cut").what());
-  EXPECT_STREQ("is cut", tools::RecordingError({{}, 0, {}}, "is cut").what());
+  EXPECT_STREQ("face.csv: the file is empty", KV::recordings::Error({"face.csv", 0, {}}, "the file is empty").what());
+  EXPECT_STREQ("face.csv:7: is cut", KV::recordings::Error({"face.csv", 7, {}}, "is cut").what());
+  EXPECT_STREQ("is cut", KV::recordings::Error({{}, 0, {}}, "is cut").what());
 }
 
-TEST(RecordingError, KeepsItsPlace)
+TEST(Error, KeepsItsPlace)
 {
-  const tools::BadLine error({"face.csv", 7, "pose_Rx"}, "expected a number");
+  const KV::recordings::BadLine error({"face.csv", 7, "pose_Rx"}, "expected a number");
   EXPECT_EQ("face.csv", error.place().file);
   EXPECT_EQ(7u, error.place().line);
   EXPECT_EQ("pose_Rx", error.place().field);

@@ -1,6 +1,5 @@
-#include "rosmessages.hpp"
-
-#include "bagwriter.hpp"
+#include "ros4hri/rosmessages.hpp"
+#include "librecordings/rosbag2/bagwriter.hpp"
 
 #include <gmock/gmock.h>
 
@@ -8,10 +7,10 @@
 
 namespace
 {
+using KV::recordings::RosData;
+using KV::recordings::RosMessageError;
 using support::CdrWriter;
 using testing::ElementsAre;
-using tools::RosData;
-using tools::RosMessageError;
 
 RosData dataOf(const std::string& bytes)
 {
@@ -43,7 +42,7 @@ TEST(RosMessages, TellFrames)
   {
     RosData data = dataOf(
         support::tfMessage({{"map", "base", {1., 2., 3.}, {0., 0., 0.6, 0.8}}, {"base", "x", {}, {}}}, bigEndian));
-    const auto transforms = tools::readTransforms(data);
+    const auto transforms = KV::recordings::readTransforms(data);
     ASSERT_EQ(2u, transforms.size());
     EXPECT_EQ("map", transforms[0].parent);
     EXPECT_EQ("base", transforms[0].child);
@@ -56,7 +55,7 @@ TEST(RosMessages, TellFrames)
 TEST(RosMessages, TellIds)
 {
   RosData data = dataOf(support::idsMessage({"23ed9", "", "f00000"}, "camera"));
-  const auto list = tools::readIdsList(data);
+  const auto list = KV::recordings::readIdsList(data);
   EXPECT_EQ("camera", list.header.frame);
   EXPECT_THAT(list.ids, ElementsAre("23ed9", "", "f00000"));
 }
@@ -64,7 +63,7 @@ TEST(RosMessages, TellIds)
 TEST(RosMessages, TellExpressions)
 {
   RosData data = dataOf(support::expressionMessage("happy", 0.5f, 0.75f));
-  const auto expression = tools::readExpression(data);
+  const auto expression = KV::recordings::readExpression(data);
   EXPECT_EQ("happy", expression.expression);
   EXPECT_EQ(0.5f, expression.valence);
   EXPECT_EQ(0.75f, expression.confidence);
@@ -73,7 +72,7 @@ TEST(RosMessages, TellExpressions)
 TEST(RosMessages, TellActionUnits)
 {
   RosData data = dataOf(actionUnitsMessage());
-  const auto units = tools::readActionUnits(data);
+  const auto units = KV::recordings::readActionUnits(data);
   EXPECT_EQ(12.f, units.intensity[12]);
   EXPECT_EQ(99.f + 12.f, units.confidence[12]);
 }
@@ -81,7 +80,7 @@ TEST(RosMessages, TellActionUnits)
 TEST(RosMessages, TellLandmarks)
 {
   RosData data = dataOf(landmarksMessage());
-  const auto landmarks = tools::readLandmarks(data);
+  const auto landmarks = KV::recordings::readLandmarks(data);
   EXPECT_EQ(3.f, landmarks.points[1].x);
   EXPECT_EQ(4.f, landmarks.points[1].y);
   EXPECT_EQ(5.f, landmarks.points[1].confidence);
@@ -92,11 +91,11 @@ TEST(RosMessages, TellLandmarks)
 TEST(RosMessages, TellTextsAndTruths)
 {
   RosData text = dataOf(support::stringMessage("rorql"));
-  EXPECT_EQ("rorql", tools::readString(text));
+  EXPECT_EQ("rorql", KV::recordings::readString(text));
   RosData truth = dataOf(support::boolMessage(true));
-  EXPECT_TRUE(tools::readBool(truth));
+  EXPECT_TRUE(KV::recordings::readBool(truth));
   RosData speech = dataOf(support::speechMessage("hel", "hello"));
-  EXPECT_EQ("hello", tools::readSpeech(speech).final);
+  EXPECT_EQ("hello", KV::recordings::readSpeech(speech).final);
 }
 
 struct MessageCase
@@ -140,15 +139,16 @@ TEST_P(CutRosMessage, WithTurnedBytesIsReadOrRefused)
 
 INSTANTIATE_TEST_SUITE_P(
     OfEachType, CutRosMessage,
-    ::testing::Values(MessageCase{"Frames", support::tfMessage({{"map", "base", {}, {}}}),
-                                  [](RosData& d) { tools::readTransforms(d); }},
-                      MessageCase{"Ids", support::idsMessage({"a", "b"}), [](RosData& d) { tools::readIdsList(d); }},
-                      MessageCase{"Expression", support::expressionMessage("sad", 0.f, 1.f),
-                                  [](RosData& d) { tools::readExpression(d); }},
-                      MessageCase{"ActionUnits", actionUnitsMessage(), [](RosData& d) { tools::readActionUnits(d); }},
-                      MessageCase{"Landmarks", landmarksMessage(), [](RosData& d) { tools::readLandmarks(d); }},
-                      MessageCase{"Text", support::stringMessage("abc"), [](RosData& d) { tools::readString(d); }},
-                      MessageCase{"Truth", support::boolMessage(true), [](RosData& d) { tools::readBool(d); }}),
+    ::testing::Values(
+        MessageCase{"Frames", support::tfMessage({{"map", "base", {}, {}}}),
+                    [](RosData& d) { KV::recordings::readTransforms(d); }},
+        MessageCase{"Ids", support::idsMessage({"a", "b"}), [](RosData& d) { KV::recordings::readIdsList(d); }},
+        MessageCase{"Expression", support::expressionMessage("sad", 0.f, 1.f),
+                    [](RosData& d) { KV::recordings::readExpression(d); }},
+        MessageCase{"ActionUnits", actionUnitsMessage(), [](RosData& d) { KV::recordings::readActionUnits(d); }},
+        MessageCase{"Landmarks", landmarksMessage(), [](RosData& d) { KV::recordings::readLandmarks(d); }},
+        MessageCase{"Text", support::stringMessage("abc"), [](RosData& d) { KV::recordings::readString(d); }},
+        MessageCase{"Truth", support::boolMessage(true), [](RosData& d) { KV::recordings::readBool(d); }}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(RosMessages, AreRefusedWhereTheyLieAboutTheirLength)
@@ -158,7 +158,7 @@ TEST(RosMessages, AreRefusedWhereTheyLieAboutTheirLength)
   RosData data = dataOf(writer.bytes());
   try
   {
-    tools::readTransforms(data);
+    KV::recordings::readTransforms(data);
     FAIL() << "four milliards of frames in 20 bytes";
   }
   catch (const RosMessageError& error)
@@ -172,7 +172,7 @@ TEST(RosMessages, AreRefusedInOtherFormats)
   for (const std::string& bytes : {std::string("\x28\xb5\x2f\xfd\x04\x00", 6), std::string("\x00\x0b\x00\x00\x01", 5)})
   {
     RosData data = dataOf(bytes);
-    EXPECT_THROW(tools::readBool(data), RosMessageError);
+    EXPECT_THROW(KV::recordings::readBool(data), RosMessageError);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "transformtree.hpp"
+#include "ros4hri/transformtree.hpp"
 
 #include <gmock/gmock.h>
 
@@ -6,13 +6,13 @@
 
 namespace
 {
+using KV::recordings::Rotation;
+using KV::recordings::Transform;
+using KV::recordings::TransformTree;
+using KV::recordings::Vector3;
 using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using tools::Rotation;
-using tools::Transform;
-using tools::TransformTree;
-using tools::Vector3;
 
 constexpr double rounding = 1e-12;  // double precision, a few products
 

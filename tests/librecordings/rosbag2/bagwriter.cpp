@@ -1,6 +1,6 @@
-#include "bagwriter.hpp"
+#include "librecordings/rosbag2/bagwriter.hpp"
 
-#include "ros4hritopics.hpp"
+#include "ros4hri/ros4hritopics.hpp"
 
 #include <sqlite3.h>
 
@@ -115,7 +115,7 @@ void BagWriter::topic(const std::string& name, const std::string& type, const st
 void BagWriter::add(double seconds, const std::string& topicName, const std::string& data)
 {
   if (_topics.count(topicName) == 0)
-    topic(topicName, tools::rosTopicOf(topicName).value().type);
+    topic(topicName, KV::recordings::rosTopicOf(topicName).value().type);
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(_database, "INSERT INTO messages(topic_id, timestamp, data) VALUES(?, ?, ?)", -1, &statement,
                      nullptr);

@@ -1,6 +1,6 @@
-#include "bagwriter.hpp"
-#include "personsinview.hpp"
-#include "support.hpp"
+#include "face/personsinview.hpp"
+#include "librecordings/rosbag2/bagwriter.hpp"
+#include "librecordings/support.hpp"
 
 #include <gmock/gmock.h>
 
@@ -33,7 +33,7 @@ protected:
   std::string path() const { return folder.path("bag.db3"); }
 
   /// Closes the bag, and reads it.
-  Contents read(const tools::ReadingOptions& options = {})
+  Contents read(const KV::recordings::ReadingOptions& options = {})
   {
     _bag.reset();
     return contentsOf(path(), "", options);
@@ -103,7 +103,7 @@ TEST_F(RosbagReaderTest, CountsAnglesFromTheLineOfSightUnlessToldOtherwise)
     EXPECT_FLOAT_EQ(std::sqrt(5.f), entry.observation.distance->value);
   }
 
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.lineOfSight = false;
   options.cameraHeight = 1.5f;
   entries = read(options).entries;
@@ -115,7 +115,7 @@ TEST_F(RosbagReaderTest, CountsAnglesFromTheLineOfSightUnlessToldOtherwise)
 TEST_F(RosbagReaderTest, ExchangesLeftAndRightOfAMirrorImage)
 {
   image(0., {faceFrame("a", {0., 0., 2.}, 20., 10., 5.)});
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.mirrored = true;
   const auto contents = read(options);
   const auto& head = contents.entries.at(0).observation.headPosture->value;
@@ -246,7 +246,7 @@ TEST_F(RosbagReaderTest, TellsOfAMissingPersonForALimitedTime)
   image(0., {faceFrame("a", {0., 0., 2.})});
   for (int i = 1; i <= 400; ++i)
     image(0.033 * i, {});
-  EXPECT_EQ(1u + tools::PersonsInView::longestAbsence, read().entries.size());
+  EXPECT_EQ(1u + KV::recordings::PersonsInView::longestAbsence, read().entries.size());
 }
 
 TEST_F(RosbagReaderTest, KnowsAPersonWhoseFaceIsFoundAnew)
@@ -539,7 +539,7 @@ TEST_F(RosbagReaderTest, ReadsAnEmptyBag)
 TEST_F(RosbagReaderTest, SaysThatARateHasNoEffect)
 {
   image(0., {faceFrame("a", {0., 0., 2.})});
-  tools::ReadingOptions options;
+  KV::recordings::ReadingOptions options;
   options.framesPerSecond = 25.;
   EXPECT_THAT(read(options).warnings, Contains(HasSubstr("messages of a bag have times of their own")));
 }

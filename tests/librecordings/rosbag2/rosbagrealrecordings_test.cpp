@@ -1,5 +1,5 @@
-#include "csvrows.hpp"
-#include "support.hpp"
+#include "csv/csvrows.hpp"
+#include "librecordings/support.hpp"
 
 #include <gmock/gmock.h>
 
@@ -30,7 +30,7 @@ protected:
   /// The rows of the table about one face.
   static std::vector<std::map<std::string, double>> rowsOf(const std::string& face)
   {
-    tools::CsvRows rows(path(".faces.csv.gz"));
+    KV::recordings::CsvRows rows(path(".faces.csv.gz"));
     rows.next();
     const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
     std::vector<std::map<std::string, double>> found;
@@ -46,14 +46,14 @@ protected:
     return found;
   }
 
-  static std::vector<tools::RecordingEntry> stepsOf(std::int32_t person, bool lineOfSight)
+  static std::vector<KV::recordings::Step> stepsOf(std::int32_t person, bool lineOfSight)
   {
-    tools::ReadingOptions options;
+    KV::recordings::ReadingOptions options;
     options.lineOfSight = lineOfSight;
     const Contents contents = contentsOf(path(".db3.gz"), "", options);
     EXPECT_EQ("", contents.fatal);
     EXPECT_TRUE(contents.badLines.empty());
-    std::vector<tools::RecordingEntry> steps;
+    std::vector<KV::recordings::Step> steps;
     for (const auto& entry : contents.entries)
       if (entry.person == person && entry.seen)
         steps.push_back(entry);

@@ -1,7 +1,6 @@
-#include "bits.hpp"
-#include "support.hpp"
-
-#include "../../support/tablename.hpp"
+#include "librecordings/bits.hpp"
+#include "librecordings/support.hpp"
+#include "support/tablename.hpp"
 
 #include <gmock/gmock.h>
 
@@ -16,13 +15,13 @@ class TidyCsv : public support::RecordingTest
 {
 protected:
   /// Returns the one step of a file with all columns, of one row at 0 s about person 1.
-  tools::RecordingEntry entryOf(const std::string& reading, const std::string& cells) const
+  KV::recordings::Step entryOf(const std::string& reading, const std::string& cells) const
   {
     const auto contents = read(allColumns + "0,1," + reading + "," + cells + "\n");
     EXPECT_EQ("", contents.fatal);
     EXPECT_THAT(contents.badLines, IsEmpty());
     EXPECT_EQ(1u, contents.entries.size()) << reading;
-    return contents.entries.empty() ? tools::RecordingEntry() : contents.entries.front();
+    return contents.entries.empty() ? KV::recordings::Step() : contents.entries.front();
   }
 
   const std::string allColumns = "time,person,reading,value,confidence,yaw,pitch,roll,valence,lifetime,x,y,samples\n";

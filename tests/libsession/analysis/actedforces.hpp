@@ -1,12 +1,13 @@
 #pragma once
 
-#include "explanation.hpp"
+#include <skeigiot/session/explanation.hpp>
 
 namespace explaintests
 {
 
 /// A force that acts on `before` by the rule of all forces.
-inline tools::ActedForce acted(const char* source, KV::Quantity quantity, float target, float weight, float before)
+inline KV::session::ActedForce acted(const char* source, KV::Quantity quantity, float target, float weight,
+                                     float before)
 {
   KV::Force force{};
   force.source = source;
@@ -15,7 +16,7 @@ inline tools::ActedForce acted(const char* source, KV::Quantity quantity, float 
   force.weight = weight;
   force.before = before;
   force.after = before + weight * (target - before);
-  return tools::ActedForce(force);
+  return KV::session::ActedForce(force);
 }
 
 }  // namespace explaintests

@@ -1,6 +1,6 @@
-#include "combinedforces.hpp"
+#include "libsession/analysis/actedforces.hpp"
 
-#include "actedforces.hpp"
+#include <skeigiot/session/combinedforces.hpp>
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@ namespace
 {
 
 using explaintests::acted;
-using tools::ActedForce;
-using tools::combined;
-using tools::CombinedForce;
+using KV::session::ActedForce;
+using KV::session::combined;
+using KV::session::CombinedForce;
 
 TEST(CombinedForces, DoTogetherWhatTheirForcesDidOneByOne)
 {

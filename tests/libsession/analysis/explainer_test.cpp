@@ -1,7 +1,7 @@
-#include "explainer.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
-#include "session.hpp"
+#include <skeigiot/session/explainer.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <gtest/gtest.h>
 
@@ -11,10 +11,10 @@ namespace
 {
 
 using namespace replaytests;
-using tools::Explainer;
-using tools::Explanation;
-using tools::Forces;
-using tools::Session;
+using KV::session::Explainer;
+using KV::session::Explanation;
+using KV::session::Forces;
+using KV::session::Session;
 
 class ExplainerTest : public ::testing::Test
 {
@@ -38,7 +38,7 @@ TEST_F(ExplainerTest, HandsOnEachUpdateOfThePersonWithTheForcesOfThatUpdate)
 
   EXPECT_EQ(explanations[0].after.valence.value, explanations[1].before.valence.value);
   ASSERT_EQ(6u, explanations[1].forces.size()) << "those of the other person, or of the update before, are in it";
-  for (const tools::ActedForce& force : explanations[1].forces)
+  for (const KV::session::ActedForce& force : explanations[1].forces)
     EXPECT_EQ("Not visible", force.source);
   EXPECT_TRUE(explanations[1].zoneChanges.empty());
 }

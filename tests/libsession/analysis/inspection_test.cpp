@@ -1,6 +1,6 @@
-#include "inspection.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
+#include <skeigiot/session/inspection.hpp>
 
 #include <gtest/gtest.h>
 
@@ -10,13 +10,13 @@ namespace
 {
 
 using namespace replaytests;
-using tools::Inspection;
+using KV::session::Inspection;
 
 TEST(Inspection, OfNothingIsEmpty)
 {
   const Inspection inspection;
   EXPECT_EQ(0U, inspection.steps());
-  EXPECT_EQ(tools::Duration(0), inspection.length());
+  EXPECT_EQ(KV::session::Duration(0), inspection.length());
   EXPECT_DOUBLE_EQ(0., inspection.timesPerSecond());
 }
 
@@ -53,7 +53,7 @@ TEST(Inspection, TellsWhenEachPersonWasThere)
   inspection.add(notSeenAt(1., 7));
   inspection.add(seenAt(1.5, 1));
   ASSERT_EQ(2U, inspection.persons().size());
-  const tools::PersonSpan& span = inspection.persons().at(7);
+  const KV::session::PersonSpan& span = inspection.persons().at(7);
   EXPECT_EQ(1U, span.seen);
   EXPECT_EQ(1U, span.notSeen);
   EXPECT_EQ(start + inNanoseconds(0.5), span.first);
@@ -65,12 +65,12 @@ TEST(Inspection, TellsTheRangeOfEachNumber)
   Inspection inspection;
   for (const float yaw : {-20.f, 5.f, std::numeric_limits<float>::quiet_NaN()})
   {
-    tools::RecordingEntry entry = entryAt(0.);
+    KV::recordings::Step entry = entryAt(0.);
     entry.person = 1;
     entry.observation.headPosture.emplace(entry.time, KV::HeadPosture(yaw, 1.f, 2.f));
     inspection.add(entry);
   }
-  const tools::NumberRange& yaw = inspection.numbers().at("headPosture.yaw");
+  const KV::session::NumberRange& yaw = inspection.numbers().at("headPosture.yaw");
   EXPECT_EQ(2U, yaw.count) << "what is no number does not count";
   EXPECT_DOUBLE_EQ(-20., yaw.least);
   EXPECT_DOUBLE_EQ(5., yaw.greatest);
@@ -81,7 +81,7 @@ TEST(Inspection, TellsTheRangeOfEachNumber)
 TEST(Inspection, LeavesOutScoresThatWereNotMeasured)
 {
   Inspection inspection;
-  tools::RecordingEntry entry = seenAt(0., 1, 0.25f);
+  KV::recordings::Step entry = seenAt(0., 1, 0.25f);
   entry.observation.touchEmotion.emplace(entry.time, -1);
   entry.ambianceActivity = 0.5f;
   inspection.add(entry);
@@ -94,7 +94,7 @@ TEST(Inspection, LeavesOutScoresThatWereNotMeasured)
 TEST(Inspection, CountsScopes)
 {
   Inspection inspection;
-  tools::RecordingEntry entry = entryAt(0.);
+  KV::recordings::Step entry = entryAt(0.);
   entry.scopeStarts = {{"greeting", -1}, {"talk", 5}, {"talk", 5}};
   inspection.add(entry);
   EXPECT_EQ((std::map<std::string, std::size_t>{{"greeting", 1}, {"talk", 2}}), inspection.scopes());

@@ -1,21 +1,23 @@
-#include "movements.hpp"
-
-#include "forcenames.hpp"
+#include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/movements.hpp>
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <numeric>
+#include <random>
 #include <string>
 #include <vector>
 
 namespace
 {
 
+using KV::session::Movements;
+using KV::session::SourceMovement;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using tools::Movements;
-using tools::SourceMovement;
 
 std::vector<std::string> sourcesOf(const std::vector<SourceMovement>& movements)
 {
@@ -44,8 +46,8 @@ TEST(Movements, KeepQuantitiesApart)
   movements.add("No observation", KV::ValenceQuantity, 0.f, 0.5f, 0.25f);
   movements.add("No observation", KV::ValenceConfidenceQuantity, 0.f, 0.5f, 0.f);
 
-  EXPECT_EQ(0.25, tools::totalDistance(movements.of(KV::ValenceQuantity)));
-  EXPECT_EQ(0.5, tools::totalDistance(movements.of(KV::ValenceConfidenceQuantity)));
+  EXPECT_EQ(0.25, KV::session::totalDistance(movements.of(KV::ValenceQuantity)));
+  EXPECT_EQ(0.5, KV::session::totalDistance(movements.of(KV::ValenceConfidenceQuantity)));
   EXPECT_THAT(movements.of(KV::AttentionQuantity), IsEmpty());
 }
 
@@ -91,6 +93,30 @@ TEST(SourceDescription, TellsTheMoodThatASourcePulledTo)
   EXPECT_EQ("voice (mixed)", described("Voice emotion", -1.f, 1.f));
   EXPECT_EQ("not being visible", described("Not visible", 0.f, 0.f)) << "rest is no mood";
   EXPECT_EQ("A source of tomorrow", described("A source of tomorrow", 1.f, 1.f));
+}
+
+TEST(Shares, AddUpToAllWhateverTheyAreRoundedTo)
+{
+  constexpr std::mt19937::result_type seed = 11;
+  SCOPED_TRACE(seed);
+  std::mt19937 random(seed);
+  std::uniform_real_distribution<double> distance(0., 1.);
+  for (std::size_t count = 1; count < 40; ++count)
+  {
+    std::vector<SourceMovement> movements(count);
+    for (SourceMovement& movement : movements)
+      movement.up = distance(random);
+    const double total = totalDistance(movements);
+    const std::vector<int> shares = sharesInTenthsOfPercent(movements);
+    EXPECT_EQ(1000, std::accumulate(shares.begin(), shares.end(), 0));
+    for (std::size_t i = 0; i < count; ++i)
+      EXPECT_NEAR(1000. * movements[i].distance() / total, shares[i], 1.) << "each is rounded up or down";
+  }
+}
+
+TEST(Shares, AreNoneWhereNothingMoved)
+{
+  EXPECT_THAT(sharesInTenthsOfPercent(std::vector<SourceMovement>(2)), ElementsAre(0, 0));
 }
 
 }  // namespace

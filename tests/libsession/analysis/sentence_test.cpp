@@ -1,12 +1,12 @@
-#include "sentence.hpp"
+#include <skeigiot/session/sentence.hpp>
 
 #include <gtest/gtest.h>
 
 namespace
 {
 
-using tools::describeChange;
-using tools::SourceMovement;
+using KV::session::describeChange;
+using KV::session::SourceMovement;
 
 SourceMovement movement(const char* source, double up, double down, float target)
 {

@@ -1,8 +1,7 @@
-#include "timeline.hpp"
-
-#include "entries.hpp"
-
+#include "libsession/entries.hpp"
 #include "support/tablename.hpp"
+
+#include <skeigiot/session/timeline.hpp>
 
 #include <gtest/gtest.h>
 
@@ -16,9 +15,9 @@ namespace
 {
 
 using namespace replaytests;
-using tools::Duration;
-using tools::Timeline;
-using tools::TimelineRow;
+using KV::session::Duration;
+using KV::session::Timeline;
+using KV::session::TimelineRow;
 
 struct StepCase
 {
@@ -99,7 +98,7 @@ TEST(Timeline, KnowsWhatMovedEachRowAlsoWhereRowsWereMerged)
   timeline.personUpdated(snapshotAt(0.));
   timeline.forceActed(touchFrom(0.5f, 0.25f));
   timeline.personUpdated(snapshotAt(1.));
-  tools::Snapshot other = snapshotAt(2.);
+  KV::session::Snapshot other = snapshotAt(2.);
   other.person = 8;
   timeline.personUpdated(other);
   timeline.personUpdated(snapshotAt(300.));
@@ -119,7 +118,7 @@ TEST(Timeline, TakesTheLongestTimesThatAClockCanTell)
 {
   Timeline timeline(boost::none);
   timeline.personUpdated(snapshotAt(0.));
-  tools::Snapshot last = snapshotAt(0.);
+  KV::session::Snapshot last = snapshotAt(0.);
   last.sinceStart = Duration(std::numeric_limits<Duration::rep>::max());
   timeline.personUpdated(last);
   EXPECT_LE(timeline.rows().at(0).size(), 40U);
@@ -149,7 +148,7 @@ TEST(Timeline, HasRowsOfTheSameLengthForAllPersons)
 {
   Timeline timeline(boost::none);
   timeline.personUpdated(snapshotAt(0.));
-  tools::Snapshot other = snapshotAt(1.5);
+  KV::session::Snapshot other = snapshotAt(1.5);
   other.person = 8;
   timeline.personUpdated(other);
   timeline.personUpdated(snapshotAt(300.));
@@ -170,7 +169,7 @@ TEST(TimelineRow, HasTheMeansOfItsUpdates)
 TEST(TimelineRow, HasTheZoneAndTheStateOfPleasureOfMostUpdates)
 {
   TimelineRow row(Duration(0));
-  tools::Snapshot snapshot = snapshotAt(0.);
+  KV::session::Snapshot snapshot = snapshotAt(0.);
   snapshot.zone = ko::human::AttentionState::LookingDown;
   snapshot.pleasure = KV::PleasurePositive;
   row.add(snapshot);
@@ -182,7 +181,7 @@ TEST(TimelineRow, HasTheZoneAndTheStateOfPleasureOfMostUpdates)
 
 TEST(TimelineRow, IsSeenIfThePersonWasInHalfOfItsUpdates)
 {
-  tools::Snapshot unseen = snapshotAt(0.);
+  KV::session::Snapshot unseen = snapshotAt(0.);
   unseen.seen = false;
   TimelineRow row(Duration(0));
   row.add(unseen);

@@ -1,6 +1,5 @@
-#include "csvexport.hpp"
-
-#include "entries.hpp"
+#include "export/csvexport.hpp"
+#include "libsession/entries.hpp"
 
 #include <gtest/gtest.h>
 
@@ -19,15 +18,15 @@ const char* const header =
 TEST(CsvExport, HasAHeader)
 {
   std::ostringstream file;
-  tools::CsvExport::writeHeader(file);
+  KV::session::CsvExport::writeHeader(file);
   EXPECT_EQ(header, file.str());
 }
 
 TEST(CsvExport, HasALineForEachUpdate)
 {
   std::ostringstream file;
-  tools::CsvExport csv(file);
-  tools::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
+  KV::session::CsvExport csv(file);
+  KV::session::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
   snapshot.person = -3;
   snapshot.seen = false;
   snapshot.valenceBinary = {-1, 0.5f};
@@ -47,7 +46,7 @@ TEST(CsvExport, HasALineForEachUpdate)
 TEST(CsvExport, NamesWhatIsNoNumber)
 {
   std::ostringstream file;
-  tools::CsvExport csv(file);
+  KV::session::CsvExport csv(file);
   csv.personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN()));
   EXPECT_NE(std::string::npos, file.str().find("1,0,0,1577836800,1,nan,1,"));
 }

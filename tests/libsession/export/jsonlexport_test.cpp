@@ -1,6 +1,5 @@
-#include "jsonlexport.hpp"
-
-#include "entries.hpp"
+#include "export/jsonlexport.hpp"
+#include "libsession/entries.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -16,8 +15,8 @@ using namespace replaytests;
 TEST(JsonlExport, HasAnObjectForEachUpdate)
 {
   std::ostringstream file;
-  tools::JsonlExport jsonl(file);
-  tools::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
+  KV::session::JsonlExport jsonl(file);
+  KV::session::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
   snapshot.seen = false;
   snapshot.zone = ko::human::AttentionState::LookingAtRobot;
   jsonl.personUpdated(snapshot);
@@ -32,7 +31,7 @@ TEST(JsonlExport, HasAnObjectForEachUpdate)
 TEST(JsonlExport, IsJsonEvenForWhatIsNoNumber)
 {
   std::ostringstream file;
-  tools::JsonlExport jsonl(file);
+  KV::session::JsonlExport jsonl(file);
   jsonl.beginRecording(3);
   jsonl.personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN(), -std::numeric_limits<float>::infinity()));
   const nlohmann::json object = nlohmann::json::parse(file.str());

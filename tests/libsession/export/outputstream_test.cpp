@@ -1,21 +1,21 @@
-#include "outputstream.hpp"
-
-#include "temporaryfolder.hpp"
-
+#include "support/temporaryfolder.hpp"
 #include "support/thrown.hpp"
 
-#include <fcntl.h>
+#include <skeigiot/session/outputstream.hpp>
+
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <csignal>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace
 {
 
+using KV::session::OutputStream;
+using KV::session::WriteError;
 using replaytests::TemporaryFolder;
-using tools::OutputStream;
-using tools::WriteError;
 
 /// A file descriptor that is closed at the end of a test.
 class Descriptor

@@ -1,18 +1,18 @@
-#include "replacedfile.hpp"
-
-#include "temporaryfolder.hpp"
-
+#include "support/temporaryfolder.hpp"
 #include "support/thrown.hpp"
 
+#include <skeigiot/session/replacedfile.hpp>
+
 #include <gtest/gtest.h>
+
 #include <sys/stat.h>
 
 namespace
 {
 
+using KV::session::ReplacedFile;
+using KV::session::WriteError;
 using replaytests::TemporaryFolder;
-using tools::ReplacedFile;
-using tools::WriteError;
 using Names = std::set<std::string>;
 
 TEST(ReplacedFile, TakesItsPlaceWhenItIsCommitted)

@@ -1,6 +1,6 @@
-#include "spillfile.hpp"
+#include "support/temporaryfolder.hpp"
 
-#include "temporaryfolder.hpp"
+#include <skeigiot/session/spillfile.hpp>
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ using replaytests::TemporaryFolder;
 TEST(SpillFile, GivesBackWhatWasWritten)
 {
   const TemporaryFolder folder;
-  tools::SpillFile file(folder.path(""));
+  KV::session::SpillFile file(folder.path(""));
   std::string text;
   for (int i = 0; i < 50'000; ++i)
     text += std::to_string(i) + '\n';
@@ -28,14 +28,14 @@ TEST(SpillFile, GivesBackWhatWasWritten)
 TEST(SpillFile, HasNoName)
 {
   const TemporaryFolder folder;
-  const tools::SpillFile file(folder.path(""));
+  const KV::session::SpillFile file(folder.path(""));
   EXPECT_TRUE(folder.names().empty());
 }
 
 TEST(SpillFile, NeedsAFolder)
 {
   const TemporaryFolder folder;
-  EXPECT_THROW(tools::SpillFile(folder.path("none")), tools::WriteError);
+  EXPECT_THROW(KV::session::SpillFile(folder.path("none")), KV::session::WriteError);
 }
 
 }  // namespace

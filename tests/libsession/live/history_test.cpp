@@ -1,6 +1,6 @@
-#include "history.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
+#include <skeigiot/session/history.hpp>
 
 #include <gmock/gmock.h>
 
@@ -11,11 +11,11 @@ namespace
 {
 
 using namespace replaytests;
+using KV::session::History;
+using KV::session::sparkline;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsNan;
-using tools::History;
-using tools::sparkline;
 
 constexpr double none = std::numeric_limits<double>::quiet_NaN();
 

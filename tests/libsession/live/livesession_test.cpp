@@ -1,6 +1,6 @@
-#include "livesession.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
+#include <skeigiot/session/livesession.hpp>
 
 #include <gtest/gtest.h>
 
@@ -11,12 +11,12 @@ namespace
 {
 
 using namespace replaytests;
-using tools::LiveSession;
-using tools::MemberError;
-using tools::Snapshot;
-using tools::StreamTimes;
+using KV::recordings::MemberError;
+using KV::session::LiveSession;
+using KV::session::Snapshot;
+using KV::session::StreamTimes;
 
-struct Log : tools::SessionObserver
+struct Log : KV::session::SessionObserver
 {
   void personUpdated(const Snapshot& snapshot) override { snapshots.push_back(snapshot); }
   std::vector<Snapshot> snapshots;

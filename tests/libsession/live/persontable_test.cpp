@@ -1,6 +1,6 @@
-#include "persontable.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
+#include <skeigiot/session/persontable.hpp>
 
 #include <gtest/gtest.h>
 
@@ -8,8 +8,8 @@ namespace
 {
 
 using namespace replaytests;
-using tools::PersonTable;
-using tools::Snapshot;
+using KV::session::PersonTable;
+using KV::session::Snapshot;
 
 Snapshot snapshotOf(std::int32_t person, double sinceStart, bool seen = true)
 {

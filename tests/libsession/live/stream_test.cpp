@@ -1,11 +1,10 @@
-#include "stream.hpp"
+#include "export/jsonlexport.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
-#include "jsonlexport.hpp"
-
-#include <nlohmann/json.hpp>
+#include <skeigiot/session/stream.hpp>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <limits>
 #include <sstream>
@@ -14,10 +13,10 @@ namespace
 {
 
 using namespace replaytests;
+using KV::session::Stream;
+using KV::session::StreamTimes;
 using nlohmann::json;
 using testing::HasSubstr;
-using tools::Stream;
-using tools::StreamTimes;
 
 class StreamTest : public ::testing::Test
 {
@@ -32,9 +31,9 @@ protected:
   Stream stream{StreamTimes::Lines, [] { return start; }};
 };
 
-std::string lineOf(const tools::RecordingEntry& entry)
+std::string lineOf(const KV::recordings::Step& entry)
 {
-  return tools::entryToJson(entry);
+  return KV::recordings::stepToJson(entry);
 }
 
 TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
@@ -44,8 +43,8 @@ TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
   };
   std::stringstream exported;
   {
-    tools::JsonlExport replayed(exported);
-    tools::Session session({}, {&replayed});
+    KV::session::JsonlExport replayed(exported);
+    KV::session::Session session({}, {&replayed});
     for (int i = 0; i < 50; ++i)
       session.play(entry(i));
   }
@@ -77,7 +76,7 @@ TEST_F(StreamTest, SaysNothingOfPersonsInALineAboutNobody)
 
 TEST_F(StreamTest, TellsOfTheRoom)
 {
-  tools::RecordingEntry entry = entryAt(1.);
+  KV::recordings::Step entry = entryAt(1.);
   entry.ambianceActivity = 0.9f;
   const json found = answer(lineOf(entry));
   EXPECT_GT(found["agitation"], 0.);
@@ -87,11 +86,11 @@ TEST_F(StreamTest, TellsOfTheRoom)
 
 TEST_F(StreamTest, TellsTheVerdictsOfStoppedScopes)
 {
-  tools::RecordingEntry first = seenAt(0., 3);
+  KV::recordings::Step first = seenAt(0., 3);
   first.scopeStarts = {{"greeting", -1}, {"short", 1}};
   answer(lineOf(first));
   answer(lineOf(seenAt(0.1, 5)));
-  tools::RecordingEntry last = seenAt(0.2, 3);
+  KV::recordings::Step last = seenAt(0.2, 3);
   last.scopeStops = {"short", "greeting", "other"};
 
   const json verdicts = answer(lineOf(last))["verdicts"];
@@ -109,7 +108,7 @@ TEST_F(StreamTest, TellsTheVerdictsOfStoppedScopes)
 
 TEST_F(StreamTest, PassesTheWarningsOfTheLibraryOn)
 {
-  tools::RecordingEntry old = entryAt(4.);
+  KV::recordings::Step old = entryAt(4.);
   old.person = 3;
   old.observation.voiceEmotion.emplace(start, KV::VoiceEmotion());
   const json found = answer(lineOf(old));
@@ -121,7 +120,7 @@ TEST_F(StreamTest, PassesTheWarningsOfTheLibraryOn)
 TEST_F(StreamTest, LeavesOutReadingsThatAreNotFinite)
 {
   answer(lineOf(seenAt(0., 3)));
-  tools::RecordingEntry bad = seenAt(0.5, 3);
+  KV::recordings::Step bad = seenAt(0.5, 3);
   bad.observation.gaze->value.yaw = std::numeric_limits<float>::quiet_NaN();
   const json found = answer(lineOf(bad));
 
@@ -164,7 +163,7 @@ TEST_F(StreamTest, ChangesNothingByALineThatItRefuses)
 {
   const json bad = answer(R"({"time":1577836801000000000,"start":[{"scope":"s"}],"stop":["s",1]})");
   EXPECT_TRUE(bad.contains("error"));
-  tools::RecordingEntry stop = entryAt(2.);
+  KV::recordings::Step stop = entryAt(2.);
   stop.scopeStops = {"s"};
   EXPECT_EQ("error", answer(lineOf(stop))["verdicts"][0]["verdict"]);
 }

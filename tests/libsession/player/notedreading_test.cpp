@@ -1,7 +1,6 @@
-#include "notedreading.hpp"
-
-#include "entries.hpp"
-#include "scriptedreader.hpp"
+#include "player/notedreading.hpp"
+#include "libsession/entries.hpp"
+#include "libsession/scriptedreader.hpp"
 
 #include <gmock/gmock.h>
 
@@ -12,21 +11,21 @@ namespace
 {
 
 using namespace replaytests;
+using KV::session::NotedReading;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using tools::NotedReading;
-using Step = NotedReading::Step;
+using Read = NotedReading::Read;
 
 /// Reads to the end; returns what became of each step.
-std::vector<Step> stepsOf(NotedReading& reading)
+std::vector<Read> stepsOf(NotedReading& reading)
 {
-  std::vector<Step> steps;
-  boost::optional<tools::RecordingEntry> entry;
+  std::vector<Read> steps;
+  boost::optional<KV::recordings::Step> entry;
   do
   {
     steps.push_back(reading.next(entry));
-    EXPECT_EQ(steps.back() == Step::Taken, entry.has_value());
-  } while (steps.back() != Step::End);
+    EXPECT_EQ(steps.back() == Read::Taken, entry.has_value());
+  } while (steps.back() != Read::End);
   return steps;
 }
 
@@ -34,7 +33,7 @@ TEST(NotedReading, HasNothingToSayOfAGoodRecording)
 {
   ScriptedReader reader({ScriptedReader::entry(entryAt(0)), ScriptedReader::entry(entryAt(1))});
   NotedReading reading(reader, false);
-  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::Taken, Step::Taken, Step::End));
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Read::Taken, Read::Taken, Read::End));
   EXPECT_FALSE(reading.error());
   EXPECT_THAT(reading.warnings(), IsEmpty());
   EXPECT_EQ("", reading.skippedText());
@@ -44,7 +43,7 @@ TEST(NotedReading, EndsAtABadLineAndKeepsItsError)
 {
   ScriptedReader reader({ScriptedReader::badLine(7), ScriptedReader::entry(entryAt(0))});
   NotedReading reading(reader, false);
-  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::End));
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Read::End));
   ASSERT_TRUE(reading.error());
   EXPECT_EQ(7u, reading.error()->place().line);
   EXPECT_STREQ("face.csv:7: pose_Rx: expected a number, found 'abc'", reading.error()->what());
@@ -54,7 +53,7 @@ TEST(NotedReading, SkipsBadLinesWhereItMayAndCountsThem)
 {
   ScriptedReader reader({ScriptedReader::badLine(2), ScriptedReader::entry(entryAt(0)), ScriptedReader::badLine(4)});
   NotedReading reading(reader, true);
-  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::Skipped, Step::Taken, Step::Skipped, Step::End));
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Read::Skipped, Read::Taken, Read::Skipped, Read::End));
   EXPECT_FALSE(reading.error());
   EXPECT_EQ("skipped 2 bad lines, the first: face.csv:2: pose_Rx: expected a number, found 'abc'",
             reading.skippedText());
@@ -64,7 +63,7 @@ TEST(NotedReading, EndsWhereTheFileIsDamagedThoughItMaySkipBadLines)
 {
   ScriptedReader reader({ScriptedReader::damage(3)});
   NotedReading reading(reader, true);
-  EXPECT_THAT(stepsOf(reading), ElementsAre(Step::End));
+  EXPECT_THAT(stepsOf(reading), ElementsAre(Read::End));
   ASSERT_TRUE(reading.error());
   EXPECT_STREQ("face.csv:3: damaged", reading.error()->what());
 }

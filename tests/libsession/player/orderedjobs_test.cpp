@@ -1,4 +1,4 @@
-#include "orderedjobs.hpp"
+#include <skeigiot/session/orderedjobs.hpp>
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 namespace
 {
 
-using Jobs = tools::OrderedJobs<std::size_t>;
+using Jobs = KV::session::OrderedJobs<std::size_t>;
 
 void nothing() {}
 

@@ -1,8 +1,7 @@
-#include "sessionplan.hpp"
-
-#include "temporaryfolder.hpp"
-
 #include "support/tablename.hpp"
+#include "support/temporaryfolder.hpp"
+
+#include <skeigiot/session/sessionplan.hpp>
 
 #include <gmock/gmock.h>
 
@@ -28,7 +27,7 @@ protected:
   std::vector<std::string> planned() const
   {
     std::vector<std::string> names;
-    for (const tools::SessionInputs& session : tools::planSessions(arguments).sessions)
+    for (const KV::session::SessionInputs& session : KV::session::planSessions(arguments).sessions)
     {
       std::string name = session.name();
       for (std::size_t at = name.find(folder.path("")); at != std::string::npos; at = name.find(folder.path("")))
@@ -42,13 +41,13 @@ protected:
   {
     try
     {
-      tools::planSessions(arguments);
+      KV::session::planSessions(arguments);
     }
     catch (const std::invalid_argument& error)
     {
       return error.what();
     }
-    catch (const tools::RecordingError& error)
+    catch (const KV::recordings::Error& error)
     {
       return error.what();
     }
@@ -56,7 +55,7 @@ protected:
   }
 
   TemporaryFolder folder;
-  tools::SessionArguments arguments;
+  KV::session::SessionArguments arguments;
 };
 
 TEST_F(SessionPlanTest, TakesFilesNamedTogetherForInputsOfOneSession)
@@ -75,8 +74,8 @@ TEST_F(SessionPlanTest, GivesEachFileASessionOfItsOwnIfItIsToldTo)
 TEST_F(SessionPlanTest, MovesTheInputsThatHaveAnOffset)
 {
   arguments.paths = {"face.csv", "voice.csv"};
-  tools::parseOffset("voice.csv=-0.25", arguments.offsets);
-  const auto inputs = tools::planSessions(arguments).sessions.front().inputs;
+  KV::session::parseOffset("voice.csv=-0.25", arguments.offsets);
+  const auto inputs = KV::session::planSessions(arguments).sessions.front().inputs;
   EXPECT_EQ(Duration(0), inputs[0].offset);
   EXPECT_EQ(Duration(-250'000'000), inputs[1].offset);
 }
@@ -97,7 +96,7 @@ TEST_F(SessionPlanTest, PassesOverWhatIsNoRecordingAndSaysSo)
   std::filesystem::create_directory(folder.path("deeper"));
   arguments.paths = {folder.path(".")};
   EXPECT_THAT(planned(), ElementsAre("./a.csv"));
-  EXPECT_THAT(tools::planSessions(arguments).notes,
+  EXPECT_THAT(KV::session::planSessions(arguments).notes,
               ElementsAre(folder.path(".") + ": passed over 1 file of no known format: labels.txt"));
 }
 
@@ -108,7 +107,7 @@ TEST_F(SessionPlanTest, TakesEveryFileOfAFolderWhoseFormatIsGiven)
   arguments.paths = {folder.path(".")};
   arguments.format = "tidy";
   EXPECT_THAT(planned(), ElementsAre("./a.csv", "./odd"));
-  EXPECT_THAT(tools::planSessions(arguments).notes, IsEmpty());
+  EXPECT_THAT(KV::session::planSessions(arguments).notes, IsEmpty());
 }
 
 TEST_F(SessionPlanTest, TakesABagForOneRecording)
@@ -179,7 +178,7 @@ class Offset : public ::testing::TestWithParam<OffsetCase>
 TEST_P(Offset, HasAFileAndSeconds)
 {
   std::map<std::string, Duration> offsets;
-  tools::parseOffset(GetParam().text, offsets);
+  KV::session::parseOffset(GetParam().text, offsets);
   EXPECT_EQ((std::map<std::string, Duration>{{GetParam().path, Duration(GetParam().nanoseconds)}}), offsets);
 }
 
@@ -196,7 +195,7 @@ class BadOffset : public ::testing::TestWithParam<const char*>
 TEST_P(BadOffset, IsRefused)
 {
   std::map<std::string, Duration> offsets;
-  EXPECT_THROW(tools::parseOffset(GetParam(), offsets), std::invalid_argument);
+  EXPECT_THROW(KV::session::parseOffset(GetParam(), offsets), std::invalid_argument);
   EXPECT_THAT(offsets, IsEmpty());
 }
 
@@ -207,8 +206,8 @@ INSTANTIATE_TEST_SUITE_P(Texts, BadOffset,
 TEST(Offsets, AreGivenOnceForEachFile)
 {
   std::map<std::string, Duration> offsets;
-  tools::parseOffset("a=1", offsets);
-  EXPECT_THROW(tools::parseOffset("a=2", offsets), std::invalid_argument);
+  KV::session::parseOffset("a=1", offsets);
+  EXPECT_THROW(KV::session::parseOffset("a=2", offsets), std::invalid_argument);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "moment.hpp"
+#include <skeigiot/session/moment.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -10,9 +10,9 @@ namespace reporttests
 {
 
 /// A moment in which the valence was this, and nothing was observed.
-inline tools::Moment momentAt(int milliseconds, float valence)
+inline KV::session::Moment momentAt(int milliseconds, float valence)
 {
-  tools::Moment moment;
+  KV::session::Moment moment;
   moment.snapshot.sinceStart = boost::chrono::milliseconds(milliseconds);
   moment.snapshot.valence.value = valence;
   moment.inputs.fill(std::numeric_limits<float>::quiet_NaN());

@@ -1,6 +1,6 @@
-#include "reportdata.hpp"
-#include "reportpage.hpp"
-#include "session.hpp"
+#include <skeigiot/session/reportdata.hpp>
+#include <skeigiot/session/reportpage.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -18,14 +18,15 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using Json = nlohmann::ordered_json;
 
-constexpr tools::TimePoint beginning{boost::chrono::seconds(1577836800)};
+constexpr KV::session::TimePoint beginning{boost::chrono::seconds(1577836800)};
 
 /// Two updates of person 7: a smile at 0 s, and not visible at 0.5 s; and a scope with this name.
 Json dataOf(const std::string& scope)
 {
-  tools::ReportRecorder recorder{tools::ReportRecorder::Limits()};
-  tools::Session session({{scope, tools::Duration(0), boost::none}}, {&recorder}, tools::Forces::Watched);
-  tools::RecordingEntry entry;
+  KV::session::ReportRecorder recorder{KV::session::ReportRecorder::Limits()};
+  KV::session::Session session({{scope, KV::session::Duration(0), boost::none}}, {&recorder},
+                               KV::session::Forces::Watched);
+  KV::recordings::Step entry;
   entry.time = beginning;
   entry.person = 7;
   entry.observation.smile = KV::Timestamped(entry.time, KV::Smile(0.5f, 0.9f));
@@ -36,7 +37,7 @@ Json dataOf(const std::string& scope)
   session.play(entry);
   session.finish();
   recorder.finish();
-  return tools::reportData(recorder, {"face.csv"}, {"a note"});
+  return KV::session::reportData(recorder, {"face.csv"}, {"a note"});
 }
 
 TEST(ReportData, HoldsTheSeriesOfEachPerson)
@@ -69,28 +70,28 @@ TEST(ReportData, LeavesNothingThatCouldEndItsElement)
 {
   const std::string name = "</script><script>alert(1)</script><!--";
   const Json data = dataOf(name);
-  const std::string text = tools::textForScript(data);
+  const std::string text = KV::session::textForScript(data);
   EXPECT_THAT(text, Not(HasSubstr("<")));
   EXPECT_EQ(name, Json::parse(text)["scopes"][0]["name"]);
 }
 
 TEST(ReportData, TakesNamesThatAreNoUtf8)
 {
-  const std::string text = tools::textForScript(dataOf("a\xff"));
+  const std::string text = KV::session::textForScript(dataOf("a\xff"));
   EXPECT_EQ("a\xef\xbf\xbd", Json::parse(text)["scopes"][0]["name"]);
 }
 
 TEST(ReportPage, PutsTheDataInItsPlace)
 {
   std::ostringstream page;
-  tools::writeReport(page, "<a>/*data*/</a>", "{\"x\":\"/*data*/\"}");
+  KV::session::writeReport(page, "<a>/*data*/</a>", "{\"x\":\"/*data*/\"}");
   EXPECT_EQ("<a>{\"x\":\"/*data*/\"}</a>", page.str());
 }
 
 TEST(ReportPage, RefusesATemplateWithoutAPlace)
 {
   std::ostringstream page;
-  EXPECT_THROW(tools::writeReport(page, "<a></a>", "{}"), std::logic_error);
+  EXPECT_THROW(KV::session::writeReport(page, "<a></a>", "{}"), std::logic_error);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-#include "reportrecorder.hpp"
-#include "session.hpp"
+#include <skeigiot/session/reportrecorder.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -13,16 +13,16 @@ namespace
 {
 
 using boost::chrono::milliseconds;
-using tools::Moment;
-using tools::RecordingEntry;
-using tools::ReportRecorder;
+using KV::recordings::Step;
+using KV::session::Moment;
+using KV::session::ReportRecorder;
 
-constexpr tools::TimePoint beginning{boost::chrono::seconds(1577836800)};
+constexpr KV::session::TimePoint beginning{boost::chrono::seconds(1577836800)};
 
 /// Somebody who smiles more and less, and looks aside more and less.
-RecordingEntry stepAt(int number)
+Step stepAt(int number)
 {
-  RecordingEntry entry;
+  Step entry;
   entry.time = beginning + milliseconds(100 * number);
   entry.person = 1;
   const auto phase = static_cast<float>(number);
@@ -37,7 +37,7 @@ RecordingEntry stepAt(int number)
 
 void play(ReportRecorder& recorder, int steps)
 {
-  tools::Session session({}, {&recorder}, tools::Forces::Watched);
+  KV::session::Session session({}, {&recorder}, KV::session::Forces::Watched);
   for (int i = 0; i < steps; ++i)
     session.play(stepAt(i));
   session.finish();
@@ -50,13 +50,13 @@ TEST(ReportRecorder, KeepsTheForcesOfEachUpdate)
   play(recorder, 30);
   const auto& moments = recorder.moments().at(1);
   ASSERT_EQ(30U, moments.size());
-  EXPECT_EQ(tools::Duration(0), recorder.stretch());
+  EXPECT_EQ(KV::session::Duration(0), recorder.stretch());
 
   float valence = 0.f;
   std::size_t forces = 0;
   for (const Moment& moment : moments)
   {
-    for (const tools::MomentForce& force : moment.forces)
+    for (const KV::session::MomentForce& force : moment.forces)
     {
       if (force.quantity != KV::ValenceQuantity)
         continue;
@@ -75,7 +75,7 @@ TEST(ReportRecorder, SumsUpHowFarEachSourceMovedTheValence)
   play(recorder, 30);
   double sum = 0.;
   for (const Moment& moment : recorder.moments().at(1))
-    for (const tools::Movement& movement : moment.movements)
+    for (const KV::session::Movement& movement : moment.movements)
       sum += movement.quantity == KV::ValenceQuantity ? movement.distance : 0.;
   const double last = static_cast<double>(recorder.moments().at(1).back().snapshot.valence.value);
   EXPECT_NEAR(last, sum, 1e-9);  // sums of doubles; it began at 0
@@ -93,7 +93,7 @@ TEST(ReportRecorder, ThinsALongRecordingAndKeepsItsExtremes)
   const auto& kept = thinned.moments().at(1);
   ASSERT_EQ(static_cast<std::size_t>(steps), all.size());
   EXPECT_LE(kept.size(), 600U);
-  EXPECT_GT(thinned.stretch(), tools::Duration(0));
+  EXPECT_GT(thinned.stretch(), KV::session::Duration(0));
   const auto byValence = [](const Moment& left, const Moment& right) {
     return left.snapshot.valence.value < right.snapshot.valence.value;
   };
@@ -118,10 +118,10 @@ TEST(ReportRecorder, ThinsARecordingWithManyForces)
 TEST(ReportRecorder, KnowsTheRoomAndTheScopes)
 {
   ReportRecorder recorder{ReportRecorder::Limits()};
-  tools::Session session({{"all", tools::Duration(0), boost::none}}, {&recorder});
+  KV::session::Session session({{"all", KV::session::Duration(0), boost::none}}, {&recorder});
   for (int i = 0; i < 10; ++i)
   {
-    RecordingEntry entry = stepAt(i);
+    Step entry = stepAt(i);
     entry.ambianceActivity = 0.1f;
     session.play(entry);
   }

@@ -1,5 +1,5 @@
-#include "thinning.hpp"
-#include "moments.hpp"
+#include "report/thinning.hpp"
+#include "libsession/report/moments.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@ namespace
 {
 
 using boost::chrono::milliseconds;
+using KV::session::Moment;
 using reporttests::momentAt;
-using tools::Moment;
 using Moments = std::vector<Moment>;
 
 std::vector<long> timesOf(const Moments& moments)
@@ -26,7 +26,7 @@ std::vector<long> timesOf(const Moments& moments)
 
 std::size_t inputNamed(const std::string& name)
 {
-  const auto& inputs = tools::reportInputs();
+  const auto& inputs = KV::session::reportInputs();
   const auto found = std::find_if(inputs.begin(), inputs.end(), [&](const auto& input) { return name == input.name; });
   return static_cast<std::size_t>(found - inputs.begin());
 }
@@ -35,7 +35,7 @@ TEST(Thinning, KeepsTheFirstTheExtremesAndTheLastOfAll)
 {
   Moments moments{momentAt(0, 0.1f),    momentAt(100, 0.2f), momentAt(200, 0.9f), momentAt(300, 0.2f),
                   momentAt(400, -0.9f), momentAt(500, 0.f),  momentAt(600, 0.1f), momentAt(700, 0.f)};
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   EXPECT_EQ((std::vector<long>{0, 200, 400, 700}), timesOf(moments));
 }
 
@@ -43,7 +43,7 @@ TEST(Thinning, LooksAtEachStretchByItself)
 {
   Moments moments{momentAt(0, 0.f), momentAt(900, 0.5f), momentAt(1000, 0.1f), momentAt(1500, 0.2f),
                   momentAt(1900, 0.3f)};
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   EXPECT_EQ((std::vector<long>{0, 900, 1000, 1900}), timesOf(moments));
 }
 
@@ -56,7 +56,7 @@ TEST(Thinning, KeepsTheExtremesOfInputs)
   for (const int i : {2, 3, 4})
     moments[static_cast<std::size_t>(i)].inputs.at(smile) = 0.5f;
   moments[5].inputs.at(smile) = 0.7f;
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   EXPECT_EQ((std::vector<long>{0, 200, 500, 800}), timesOf(moments));
 }
 
@@ -68,7 +68,7 @@ TEST(Thinning, KeepsEventsAndChangesOfState)
   moments[3].inputs.at(inputNamed("touch")) = 1.f;
   for (std::size_t i = 6; i < moments.size(); ++i)
     moments[i].snapshot.seen = false;
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   EXPECT_EQ((std::vector<long>{0, 300, 600, 800}), timesOf(moments));
 }
 
@@ -77,7 +77,7 @@ TEST(Thinning, AddsWhatIsLeftOutToTheNextMoment)
   Moments moments{momentAt(0, 0.f), momentAt(100, 0.f), momentAt(200, 0.f), momentAt(300, 0.f)};
   for (Moment& moment : moments)
     moment.movements = {{0, KV::ValenceQuantity, 0.25}, {1, KV::AttentionQuantity, -0.5}};
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   ASSERT_EQ((std::vector<long>{0, 300}), timesOf(moments));
   EXPECT_EQ(1U, moments[0].updates);
   EXPECT_EQ(3U, moments[1].updates);
@@ -95,9 +95,9 @@ TEST(Thinning, KeepsTheExtremesOfTheOriginalWhenItIsRepeated)
   for (int i = 0; i < 2000; ++i)
     moments.push_back(momentAt(10 * i, std::uniform_real_distribution<float>(-1.f, 1.f)(random)));
   Moments once = moments;
-  tools::thin(once, milliseconds(2000));
+  KV::session::thin(once, milliseconds(2000));
   for (const int stretch : {250, 500, 1000, 2000})
-    tools::thin(moments, milliseconds(stretch));
+    KV::session::thin(moments, milliseconds(stretch));
   EXPECT_LT(moments.size(), 50U);
   EXPECT_EQ(timesOf(once), timesOf(moments));
 }
@@ -105,7 +105,7 @@ TEST(Thinning, KeepsTheExtremesOfTheOriginalWhenItIsRepeated)
 TEST(Thinning, LeavesNothingAsItIs)
 {
   Moments moments;
-  tools::thin(moments, milliseconds(1000));
+  KV::session::thin(moments, milliseconds(1000));
   EXPECT_TRUE(moments.empty());
 }
 

@@ -1,6 +1,6 @@
-#include "boundary.hpp"
-
 #include "support/thrown.hpp"
+
+#include <skeigiot/session/boundary.hpp>
 
 #include <gtest/gtest.h>
 
@@ -14,13 +14,13 @@
 namespace
 {
 
-using tools::Boundary;
-using tools::setBoundary;
+using KV::session::Boundary;
+using KV::session::setBoundary;
 
 std::vector<std::string> optionNames()
 {
   std::vector<std::string> names;
-  for (const Boundary& boundary : tools::boundaries())
+  for (const Boundary& boundary : KV::session::boundaries())
     names.push_back(boundary.option);
   return names;
 }
@@ -34,7 +34,7 @@ protected:
 
   static const Boundary& boundary()
   {
-    for (const Boundary& candidate : tools::boundaries())
+    for (const Boundary& candidate : KV::session::boundaries())
     {
       if (candidate.option == GetParam())
         return candidate;
@@ -55,14 +55,14 @@ protected:
 TEST_P(BoundaryOption, IsSetAndLeavesTheOthersAlone)
 {
   std::vector<float> before;
-  for (const Boundary& other : tools::boundaries())
+  for (const Boundary& other : KV::session::boundaries())
     before.push_back(other.get());
 
   setBoundary(boundary(), 0.125f);
 
   for (std::size_t i = 0; i < before.size(); ++i)
   {
-    const Boundary& other = tools::boundaries()[i];
+    const Boundary& other = KV::session::boundaries()[i];
     EXPECT_EQ(other.option == GetParam() ? 0.125f : before[i], other.get()) << other.option;
   }
 }

@@ -1,6 +1,6 @@
-#include "librarylog.hpp"
-
 #include "support/capturedstream.hpp"
+
+#include <skeigiot/session/librarylog.hpp>
 
 #include <gmock/gmock.h>
 
@@ -9,8 +9,8 @@
 namespace
 {
 
+using KV::session::LibraryLog;
 using ::testing::ElementsAre;
-using tools::LibraryLog;
 using Level = ko::log::Level;
 
 void write(Level level, const std::string& message, int line = 1)

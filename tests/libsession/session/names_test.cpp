@@ -1,6 +1,6 @@
-#include "names.hpp"
-
 #include "support/tablename.hpp"
+
+#include <skeigiot/session/names.hpp>
 
 #include <gtest/gtest.h>
 
@@ -13,21 +13,21 @@ using ko::human::AttentionState;
 
 TEST(Names, OfAZoneIsTheNameThatTheLibraryGivesIt)
 {
-  EXPECT_EQ("LookingAtRobot", tools::zoneName(AttentionState::LookingAtRobot));
-  EXPECT_EQ("LookingDownRight", tools::zoneName(AttentionState::LookingDownRight));
+  EXPECT_EQ("LookingAtRobot", KV::session::zoneName(AttentionState::LookingAtRobot));
+  EXPECT_EQ("LookingDownRight", KV::session::zoneName(AttentionState::LookingDownRight));
 }
 
 TEST(Names, OfNoZoneIsTheSameAsForAPersonWithoutOne)
 {
-  EXPECT_EQ(KV::PersonState().personAttentionZone(), tools::zoneName(AttentionState::Unknown));
+  EXPECT_EQ(KV::PersonState().personAttentionZone(), KV::session::zoneName(AttentionState::Unknown));
 }
 
 TEST(Names, TellTheFourPleasureStatesApart)
 {
-  EXPECT_EQ("unknown", tools::pleasureName(KV::PleasureUnknown));
-  EXPECT_EQ("negative", tools::pleasureName(KV::PleasureNegative));
-  EXPECT_EQ("neutral", tools::pleasureName(KV::PleasureNeutral));
-  EXPECT_EQ("positive", tools::pleasureName(KV::PleasurePositive));
+  EXPECT_EQ("unknown", KV::session::pleasureName(KV::PleasureUnknown));
+  EXPECT_EQ("negative", KV::session::pleasureName(KV::PleasureNegative));
+  EXPECT_EQ("neutral", KV::session::pleasureName(KV::PleasureNeutral));
+  EXPECT_EQ("positive", KV::session::pleasureName(KV::PleasurePositive));
 }
 
 struct EaseCase
@@ -42,7 +42,7 @@ class EaseName : public ::testing::TestWithParam<EaseCase>
 
 TEST_P(EaseName, FollowsTheLevel)
 {
-  EXPECT_EQ(GetParam().word, tools::easeName({GetParam().level, 0.5f}));
+  EXPECT_EQ(GetParam().word, KV::session::easeName({GetParam().level, 0.5f}));
 }
 
 INSTANTIATE_TEST_SUITE_P(AtTheLimits, EaseName,
@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(AtTheLimits, EaseName,
 
 TEST(EaseNames, IsADashBeforeTheFirstEstimate)
 {
-  EXPECT_EQ("-", tools::easeName(KV::BodyLanguageEase()));
+  EXPECT_EQ("-", KV::session::easeName(KV::BodyLanguageEase()));
 }
 
 }  // namespace

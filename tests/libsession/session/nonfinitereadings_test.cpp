@@ -1,9 +1,8 @@
-#include "nonfinitereadings.hpp"
-
-#include "entries.hpp"
-#include "session.hpp"
+#include "libsession/entries.hpp"
 
 #include <skeigiot/person.hpp>
+#include <skeigiot/session/nonfinitereadings.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <gtest/gtest.h>
 
@@ -14,14 +13,14 @@ namespace
 {
 
 using namespace replaytests;
-using tools::NonFiniteReadings;
-using tools::RecordingEntry;
+using KV::recordings::Step;
+using KV::session::NonFiniteReadings;
 
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-RecordingEntry withNanGaze(double sinceStart, std::int32_t person)
+Step withNanGaze(double sinceStart, std::int32_t person)
 {
-  RecordingEntry entry = seenAt(sinceStart, person);
+  Step entry = seenAt(sinceStart, person);
   entry.observation.gaze->value.yaw = nan;
   return entry;
 }
@@ -29,7 +28,7 @@ RecordingEntry withNanGaze(double sinceStart, std::int32_t person)
 TEST(NonFiniteReadings, HandsFiniteObservationsOnWithoutACopy)
 {
   NonFiniteReadings readings;
-  const RecordingEntry entry = seenAt(1., 3);
+  const Step entry = seenAt(1., 3);
 
   EXPECT_EQ(&entry.observation, &readings.withoutThem(entry, inNanoseconds(1.)));
   EXPECT_EQ("", readings.take());
@@ -52,7 +51,7 @@ TEST(NonFiniteReadings, TellsHowManyThereWereAndWhereTheFirstWas)
   NonFiniteReadings readings;
   readings.withoutThem(seenAt(1., 3), inNanoseconds(1.));
   readings.withoutThem(withNanGaze(61.25, 3), inNanoseconds(61.25));
-  RecordingEntry second = withNanGaze(62., 4);
+  Step second = withNanGaze(62., 4);
   second.observation.smile->value.value = nan;
   readings.withoutThem(second, inNanoseconds(62.));
 
@@ -74,16 +73,16 @@ TEST(NonFiniteReadings, CountsAnewOnceItHasTold)
 // What the session plays is what a person is shown who never gets the bad reading.
 TEST(NonFiniteReadings, DoNotReachTheEstimatorOfASession)
 {
-  struct Latest : tools::SessionObserver
+  struct Latest : KV::session::SessionObserver
   {
-    void personUpdated(const tools::Snapshot& shown) override { snapshot = shown; }
-    tools::Snapshot snapshot;
+    void personUpdated(const KV::session::Snapshot& shown) override { snapshot = shown; }
+    KV::session::Snapshot snapshot;
   } latest;
-  tools::Session session({}, {&latest});
+  KV::session::Session session({}, {&latest});
   KV::Person person(4);
   for (int i = 0; i < 20; ++i)
   {
-    RecordingEntry entry = seenAt(0.1 * i, 4);
+    Step entry = seenAt(0.1 * i, 4);
     if (i == 7)
       entry = withNanGaze(0.1 * i, 4);
     session.play(entry);

@@ -1,8 +1,7 @@
-#include "scopes.hpp"
-
-#include "entries.hpp"
+#include "libsession/entries.hpp"
 
 #include <skeigiot/emotionrecorder.hpp>
+#include <skeigiot/session/scopes.hpp>
 
 #include <gtest/gtest.h>
 
@@ -14,11 +13,11 @@
 namespace
 {
 
+using KV::session::ScopeEnd;
+using KV::session::Scopes;
+using KV::session::ScopeSpan;
+using KV::session::ScopeVerdict;
 using replaytests::inNanoseconds;
-using tools::ScopeEnd;
-using tools::Scopes;
-using tools::ScopeSpan;
-using tools::ScopeVerdict;
 
 const KV::PersonState positive(1.f, 1.f, 0.f, 0.f);
 const KV::PersonState negative(-1.f, 1.f, 0.f, 0.f);

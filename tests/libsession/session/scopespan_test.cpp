@@ -1,9 +1,8 @@
-#include "scopespan.hpp"
-
-#include "entries.hpp"
-
+#include "libsession/entries.hpp"
 #include "support/tablename.hpp"
 #include "support/thrown.hpp"
+
+#include <skeigiot/session/scopespan.hpp>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +11,12 @@
 namespace
 {
 
+using KV::session::parseScopeSpan;
 using replaytests::inNanoseconds;
-using tools::parseScopeSpan;
 
 TEST(ScopeSpan, HasANameAndTwoTimes)
 {
-  const tools::ScopeSpan span = parseScopeSpan("greeting=1.5..12");
+  const KV::session::ScopeSpan span = parseScopeSpan("greeting=1.5..12");
   EXPECT_EQ("greeting", span.name);
   EXPECT_EQ(inNanoseconds(1.5), span.from);
   EXPECT_EQ(inNanoseconds(12.), span.to.value());
@@ -25,7 +24,7 @@ TEST(ScopeSpan, HasANameAndTwoTimes)
 
 TEST(ScopeSpan, BeginsWithTheRecordingIfItsBeginningIsLeftOut)
 {
-  const tools::ScopeSpan span = parseScopeSpan("a=..2");
+  const KV::session::ScopeSpan span = parseScopeSpan("a=..2");
   EXPECT_EQ(inNanoseconds(0.), span.from);
   EXPECT_EQ(inNanoseconds(2.), span.to.value());
 }
@@ -43,7 +42,7 @@ TEST(ScopeSpan, MayHaveAnEqualsSignInItsName)
 
 TEST(ScopeSpan, MayBeASingleMoment)
 {
-  const tools::ScopeSpan span = parseScopeSpan("a=2..2");
+  const KV::session::ScopeSpan span = parseScopeSpan("a=2..2");
   EXPECT_EQ(span.from, span.to.value());
 }
 

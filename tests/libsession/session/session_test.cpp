@@ -1,8 +1,7 @@
-#include "session.hpp"
-
-#include "entries.hpp"
+#include "libsession/entries.hpp"
 
 #include <skeigiot/person.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <gtest/gtest.h>
 
@@ -12,19 +11,19 @@ namespace
 {
 
 using namespace replaytests;
-using tools::Session;
-using tools::Snapshot;
+using KV::session::Session;
+using KV::session::Snapshot;
 
 /// Keeps all that a session reports.
-struct Log : tools::SessionObserver
+struct Log : KV::session::SessionObserver
 {
   void personUpdated(const Snapshot& snapshot) override { snapshots.push_back(snapshot); }
   void ambianceUpdated(float agitation, KV::ExcitationState) override { agitations.push_back(agitation); }
-  void scopeJudged(const tools::ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
+  void scopeJudged(const KV::session::ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
 
   std::vector<Snapshot> snapshots;
   std::vector<float> agitations;
-  std::vector<tools::ScopeVerdict> verdicts;
+  std::vector<KV::session::ScopeVerdict> verdicts;
 };
 
 class SessionTest : public ::testing::Test
@@ -39,7 +38,7 @@ TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
   KV::Person person(4);
   for (int i = 0; i < 20; ++i)
   {
-    const tools::RecordingEntry entry = seenAt(0.1 * i, 4, 0.05f * static_cast<float>(i));
+    const KV::recordings::Step entry = seenAt(0.1 * i, 4, 0.05f * static_cast<float>(i));
     session.play(entry);
     person.update(entry.observation);  // the session's clock is that of the thread
 
@@ -120,7 +119,7 @@ TEST_F(SessionTest, KeepsPersonsApart)
 TEST_F(SessionTest, CountsMovementsBeforeItUpdatesTheAmbiance)
 {
   Session session({}, {&log});
-  tools::RecordingEntry entry = entryAt(0.);
+  KV::recordings::Step entry = entryAt(0.);
   entry.movements = 3;
   entry.ambianceActivity = 0.f;
   session.play(entry);
@@ -131,12 +130,12 @@ TEST_F(SessionTest, CountsMovementsBeforeItUpdatesTheAmbiance)
 TEST_F(SessionTest, KeepsMovementsForTheNextUpdateOfTheAmbiance)
 {
   Session session({}, {&log});
-  tools::RecordingEntry movements = entryAt(0.);
+  KV::recordings::Step movements = entryAt(0.);
   movements.movements = 2;
   session.play(movements);
   EXPECT_TRUE(log.agitations.empty());
 
-  tools::RecordingEntry activity = entryAt(1.);
+  KV::recordings::Step activity = entryAt(1.);
   activity.ambianceActivity = 0.05f;
   session.play(activity);
   ASSERT_EQ(1U, log.agitations.size());
@@ -146,7 +145,7 @@ TEST_F(SessionTest, KeepsMovementsForTheNextUpdateOfTheAmbiance)
 TEST_F(SessionTest, TakesAnAbsurdCountOfMovementsWithoutWaitingForIt)
 {
   Session session({}, {&log});
-  tools::RecordingEntry entry = entryAt(0.);
+  KV::recordings::Step entry = entryAt(0.);
   entry.movements = std::numeric_limits<int>::max();
   entry.ambianceActivity = 0.f;
   session.play(entry);
@@ -156,7 +155,7 @@ TEST_F(SessionTest, TakesAnAbsurdCountOfMovementsWithoutWaitingForIt)
 TEST_F(SessionTest, StartsScopesBeforeTheUpdateAndStopsThemAfterIt)
 {
   Session session({}, {&log});
-  tools::RecordingEntry entry = seenAt(0., 1);
+  KV::recordings::Step entry = seenAt(0., 1);
   entry.scopeStarts.push_back({"a", -1});
   entry.scopeStops.push_back("a");
   session.play(entry);
@@ -168,7 +167,7 @@ TEST_F(SessionTest, StartsScopesBeforeTheUpdateAndStopsThemAfterIt)
 TEST_F(SessionTest, JudgesEachScopeOnce)
 {
   Session session({{"all", inNanoseconds(0.), boost::none}, {"early", inNanoseconds(0.), inNanoseconds(1.)}}, {&log});
-  tools::RecordingEntry first = seenAt(0., 1);
+  KV::recordings::Step first = seenAt(0., 1);
   first.scopeStarts.push_back({"open", -1});
   session.play(first);
   session.play(seenAt(2., 1));
@@ -180,7 +179,7 @@ TEST_F(SessionTest, JudgesEachScopeOnce)
   EXPECT_EQ("all", log.verdicts[1].name);
   EXPECT_EQ(2U, log.verdicts[1].of(1).updates);
   EXPECT_EQ("open", log.verdicts[2].name);
-  EXPECT_EQ(tools::ScopeEnd::NotStopped, log.verdicts[2].end);
+  EXPECT_EQ(KV::session::ScopeEnd::NotStopped, log.verdicts[2].end);
 }
 
 TEST_F(SessionTest, WithoutAnEntryHasNoLength)

@@ -1,6 +1,6 @@
-#include "exactnumber.hpp"
-
 #include "support/tablename.hpp"
+
+#include <skeigiot/session/exactnumber.hpp>
 
 #include <gtest/gtest.h>
 
@@ -16,14 +16,14 @@ template <typename Number>
 std::string exact(Number number)
 {
   std::string text;
-  tools::appendExact(text, number);
+  KV::session::appendExact(text, number);
   return text;
 }
 
 std::string exactSeconds(std::int64_t nanoseconds)
 {
   std::string text;
-  tools::appendExactSeconds(text, tools::Duration(nanoseconds));
+  KV::session::appendExactSeconds(text, KV::session::Duration(nanoseconds));
   return text;
 }
 

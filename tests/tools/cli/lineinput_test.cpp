@@ -1,19 +1,19 @@
-#include "lineinput.hpp"
+#include "cli/lineinput.hpp"
 
 #include <gmock/gmock.h>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <system_error>
 #include <vector>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace
 {
 
+using KV::tools::LineInput;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using tools::LineInput;
 
 class LineInputTest : public ::testing::Test
 {

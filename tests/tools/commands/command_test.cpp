@@ -1,9 +1,9 @@
-#include "command.hpp"
-#include "entries.hpp"
-#include "jsonlineswriter.hpp"
-#include "temporaryfolder.hpp"
-
+#include "support/command.hpp"
+#include "libsession/entries.hpp"
 #include "support/tablename.hpp"
+#include "support/temporaryfolder.hpp"
+
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 
 #include <gmock/gmock.h>
 
@@ -28,19 +28,19 @@ using ::testing::Not;
 using ::testing::StartsWith;
 using Names = std::set<std::string>;
 
-std::string asJsonLines(const std::vector<tools::RecordingEntry>& entries)
+std::string asJsonLines(const std::vector<KV::recordings::Step>& entries)
 {
   std::ostringstream file;
-  tools::JsonLinesWriter writer(file);
-  for (const tools::RecordingEntry& entry : entries)
+  KV::recordings::JsonLinesWriter writer(file);
+  for (const KV::recordings::Step& entry : entries)
     writer.write(entry);
   return file.str();
 }
 
 /// Two persons over some seconds, one of whom goes away; with an ambiance and a scope of its own.
-std::vector<tools::RecordingEntry> meeting()
+std::vector<KV::recordings::Step> meeting()
 {
-  std::vector<tools::RecordingEntry> entries;
+  std::vector<KV::recordings::Step> entries;
   for (int i = 0; i < 60; ++i)
   {
     const double time = 0.1 * i;
@@ -428,7 +428,7 @@ TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
 
 TEST_F(CommandTest, LeavesOutReadingsThatAreNotFiniteAndSaysSo)
 {
-  std::vector<tools::RecordingEntry> entries = meeting();
+  std::vector<KV::recordings::Step> entries = meeting();
   KV::VoiceEmotion voice;
   voice.KV::Expressions::joy.value = std::numeric_limits<float>::quiet_NaN();
   for (const std::size_t bad : {std::size_t{8}, std::size_t{20}})

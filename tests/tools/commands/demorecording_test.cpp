@@ -1,6 +1,6 @@
-#include "command.hpp"
-#include "rebuildrecording.hpp"
-#include "temporaryfolder.hpp"
+#include "support/command.hpp"
+#include "support/temporaryfolder.hpp"
+#include "tools/commands/rebuildrecording.hpp"
 
 #include <gtest/gtest.h>
 

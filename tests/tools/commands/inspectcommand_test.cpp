@@ -1,5 +1,5 @@
-#include "command.hpp"
-#include "temporaryfolder.hpp"
+#include "support/command.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
-#include "stream.hpp"
+#include "libsession/entries.hpp"
 
-#include "entries.hpp"
+#include <skeigiot/session/stream.hpp>
 
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ TEST(LivePage, ShowsTheAnswersThatItsLinesGet)
   const auto answers = linesBehind("```json answers");
   ASSERT_EQ(5u, input.size());
   ASSERT_EQ(input.size(), answers.size());
-  tools::Stream stream(tools::StreamTimes::Lines, [] { return support::start; });
+  KV::session::Stream stream(KV::session::StreamTimes::Lines, [] { return support::start; });
   for (std::size_t i = 0; i < input.size(); ++i)
     EXPECT_EQ(answers[i] + "\n", stream.answer(input[i]));
   KV::PersonState::setBinaryBoundaryPositive(before);

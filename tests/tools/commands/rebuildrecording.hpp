@@ -1,10 +1,10 @@
 #pragma once
 
-#include "explainer.hpp"
-#include "rebuiltestimate.hpp"
+#include "tools/commands/rebuiltestimate.hpp"
 
-#include "recording.hpp"
-#include "session.hpp"
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/explainer.hpp>
+#include <skeigiot/session/session.hpp>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,20 +25,20 @@ struct Rebuilt
 };
 
 /// Plays the recording, and rebuilds all estimates of a person from their forces; also returns who else is there.
-inline std::pair<Rebuilt, std::map<std::int32_t, tools::Explainer::Updates>> rebuild(const std::string& path,
-                                                                                     std::int32_t person)
+inline std::pair<Rebuilt, std::map<std::int32_t, KV::session::Explainer::Updates>> rebuild(const std::string& path,
+                                                                                           std::int32_t person)
 {
   Rebuilt rebuilt;
   RebuiltEstimate estimate;
-  tools::Explainer explainer(person, [&](const tools::Explanation& explanation) {
+  KV::session::Explainer explainer(person, [&](const KV::session::Explanation& explanation) {
     ++rebuilt.updates;
     rebuilt.forces += explanation.forces.size();
     const std::string difference = estimate.apply(explanation);
     if (rebuilt.firstDifference.empty() && !difference.empty())
       rebuilt.firstDifference = std::to_string(rebuilt.updates) + ": " + difference;
   });
-  const std::unique_ptr<tools::RecordingReader> reader = tools::openRecording(path, "", {});
-  tools::Session session({}, {&explainer}, tools::Forces::Watched);
+  const std::unique_ptr<KV::recordings::Reader> reader = KV::recordings::openRecording(path, "", {});
+  KV::session::Session session({}, {&explainer}, KV::session::Forces::Watched);
   while (const auto entry = reader->next())
     session.play(*entry);
   return {rebuilt, explainer.persons()};

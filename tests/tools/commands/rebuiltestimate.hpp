@@ -1,7 +1,7 @@
 #pragma once
 
-#include "explanation.hpp"
-#include "forcenames.hpp"
+#include <skeigiot/session/explanation.hpp>
+#include <skeigiot/session/forcenames.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -17,12 +17,12 @@ class RebuiltEstimate
 {
 public:
   /// Lets all forces of an update act, and returns what differs from what the library came to; empty if not a bit does.
-  std::string apply(const tools::Explanation& explanation)
+  std::string apply(const KV::session::Explanation& explanation)
   {
     _difference.clear();
-    for (const tools::ActedForce& force : explanation.forces)
+    for (const KV::session::ActedForce& force : explanation.forces)
       _apply(force);
-    for (const tools::SeenZoneChange& change : explanation.zoneChanges)
+    for (const KV::session::SeenZoneChange& change : explanation.zoneChanges)
     {
       if (change.from != _zone)
         _difference += "the zone was another before it changed; ";
@@ -33,16 +33,16 @@ public:
   }
 
 private:
-  void _apply(const tools::ActedForce& force)
+  void _apply(const KV::session::ActedForce& force)
   {
     float& value = _values[force.quantity];
-    _compare(tools::quantityName(force.quantity) + " before " + force.source, value, force.before);
+    _compare(KV::session::quantityName(force.quantity) + " before " + force.source, value, force.before);
     const bool isValence = force.quantity == KV::ValenceQuantity || force.quantity == KV::UnsmoothedValenceQuantity;
     value = std::clamp(value + force.weight * (force.target - value), isValence ? -1.f : 0.f, 1.f);
-    _compare(tools::quantityName(force.quantity) + " after " + force.source, value, force.after);
+    _compare(KV::session::quantityName(force.quantity) + " after " + force.source, value, force.after);
   }
 
-  void _compare(const tools::Snapshot& after)
+  void _compare(const KV::session::Snapshot& after)
   {
     _compare("valence", _values[KV::ValenceQuantity], after.valence.value);
     _compare("valence confidence", _values[KV::ValenceConfidenceQuantity], after.valence.confidence);

@@ -1,10 +1,9 @@
-#include "replay.hpp"
+#include "commands/replay.hpp"
+#include "libsession/entries.hpp"
+#include "libsession/scriptedreader.hpp"
+#include "support/temporaryfolder.hpp"
 
-#include "outputstream.hpp"
-
-#include "entries.hpp"
-#include "scriptedreader.hpp"
-#include "temporaryfolder.hpp"
+#include <skeigiot/session/outputstream.hpp>
 
 #include <gmock/gmock.h>
 
@@ -31,25 +30,25 @@ class ReplayTest : public ::testing::Test
 {
 protected:
   /// Replays each script in a session of its own.
-  tools::ExitStatus replay()
+  KV::tools::ExitStatus replay()
   {
     for (const auto& [path, steps] : scripts)
       options.sessions.push_back({{{path, {}}}});
     return replayAsPlanned();
   }
 
-  tools::ExitStatus replayAsPlanned()
+  KV::tools::ExitStatus replayAsPlanned()
   {
-    const tools::ReplaySurroundings surroundings{
-        [this](const std::string& path) { return open(path); }, output, 100, tools::Style(false), errors, false};
-    return tools::replay(options, surroundings);
+    const KV::tools::ReplaySurroundings surroundings{
+        [this](const std::string& path) { return open(path); }, output, 100, KV::tools::Style(false), errors, false};
+    return KV::tools::replay(options, surroundings);
   }
 
-  std::unique_ptr<tools::RecordingReader> open(const std::string& path)
+  std::unique_ptr<KV::recordings::Reader> open(const std::string& path)
   {
     const std::vector<Step>& steps = scripts.at(path);
     if (steps.empty())
-      throw tools::RecordingError({path, 0, ""}, "cannot be opened");
+      throw KV::recordings::Error({path, 0, ""}, "cannot be opened");
     return std::make_unique<ScriptedReader>(steps, warnings);
   }
 
@@ -64,7 +63,7 @@ protected:
   }
 
   TemporaryFolder folder;
-  tools::ReplayOptions options;
+  KV::tools::ReplayOptions options;
   std::map<std::string, std::vector<Step>> scripts;
   std::vector<std::string> warnings;
   std::ostringstream output;
@@ -90,7 +89,7 @@ TEST_F(ReplayTest, TellsWhatMovedEachRowIfThatIsWanted)
 TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
 {
   scripts["face.csv"] = {seen(0., 2), seen(0.5, 7), seen(1., 2)};
-  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(KV::tools::Success, replay());
   const std::string text = output.str();
   EXPECT_EQ(0U, text.find("face.csv\nsigns as scripted\nrate as scripted\n\nPerson 2\n"));
   EXPECT_THAT(text, HasSubstr("  span       0:00.0 to 0:01.0, 2 updates"));
@@ -102,7 +101,7 @@ TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
 TEST_F(ReplayTest, SaysIfNobodyWasSeen)
 {
   scripts["face.csv"] = {ScriptedReader::entry(notSeenAt(0., 1))};
-  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(KV::tools::Success, replay());
   EXPECT_THAT(output.str(), HasSubstr("Nobody was seen in this recording.\n"));
 }
 
@@ -124,7 +123,7 @@ TEST_F(ReplayTest, CountsWarningsBeyondTheFirstTen)
 
 TEST_F(ReplayTest, ShowsTheAmbianceIfItWasRecorded)
 {
-  tools::RecordingEntry entry = seenAt(0., 1);
+  KV::recordings::Step entry = seenAt(0., 1);
   entry.ambianceActivity = 0.05f;
   scripts["face.csv"] = {ScriptedReader::entry(entry)};
   replay();
@@ -144,7 +143,7 @@ TEST_F(ReplayTest, StartsAFreshSessionForEachRecording)
 {
   scripts["face.csv"] = {seen(100.), seen(101.)};
   scripts["second.csv"] = {seen(0.)};
-  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(KV::tools::Success, replay());
   EXPECT_THAT(output.str(), HasSubstr("\n\nsecond.csv\n"));
   EXPECT_THAT(output.str(), HasSubstr("  span       0:00.0 to 0:00.0, 1 update,"));
 }
@@ -166,7 +165,7 @@ TEST_F(ReplayTest, ShowsAndExportsWhatCameBeforeABadLine)
   scripts["face.csv"] = {seen(0.), seen(1.), ScriptedReader::badLine(4), seen(2.)};
   options.csv = folder.path("export.csv");
   options.jsonl = folder.path("export.jsonl");
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("skeigiot: face.csv:4: pose_Rx: expected a number, found 'abc'\n", errors.str());
   EXPECT_THAT(output.str(), HasSubstr("0:00.0 to 0:01.0, 2 updates"));
   EXPECT_EQ(3U, linesOf(folder.read("export.csv")));
@@ -178,7 +177,7 @@ TEST_F(ReplayTest, GoesOnWithTheNextRecordingAfterABadOne)
 {
   scripts["face.csv"] = {};
   scripts["second.csv"] = {seen(0.)};
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("skeigiot: face.csv: cannot be opened\n", errors.str());
   EXPECT_THAT(output.str(), HasSubstr("Person 0"));
 }
@@ -188,7 +187,7 @@ TEST_F(ReplayTest, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
   folder.write("export.csv", "old");
   scripts["face.csv"] = {};
   options.csv = folder.path("export.csv");
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("old", folder.read("export.csv"));
   EXPECT_EQ((Names{"export.csv"}), folder.names());
 }
@@ -197,7 +196,7 @@ TEST_F(ReplayTest, PassesOverBadLinesIfItMayAndCountsThem)
 {
   scripts["face.csv"] = {ScriptedReader::badLine(2), seen(0.), ScriptedReader::badLine(4), seen(1.)};
   options.skipBad = true;
-  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(KV::tools::Success, replay());
   EXPECT_EQ(
       "skeigiot: face.csv: skipped 2 bad lines, the first: "
       "face.csv:2: pose_Rx: expected a number, found 'abc'\n",
@@ -209,7 +208,7 @@ TEST_F(ReplayTest, DoesNotPassOverDamage)
 {
   scripts["face.csv"] = {seen(0.), ScriptedReader::damage(3), seen(1.)};
   options.skipBad = true;
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("skeigiot: face.csv:3: damaged\n", errors.str());
   EXPECT_THAT(output.str(), HasSubstr("1 update,"));
 }
@@ -217,12 +216,12 @@ TEST_F(ReplayTest, DoesNotPassOverDamage)
 TEST_F(ReplayTest, TellsWarningsOfTheLibraryOnce)
 {
   const auto withOldVoice = [](double sinceStart) {
-    tools::RecordingEntry entry = seenAt(sinceStart, 0);
+    KV::recordings::Step entry = seenAt(sinceStart, 0);
     entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
     return ScriptedReader::entry(entry);
   };
   scripts["face.csv"] = {withOldVoice(0.), withOldVoice(1.), withOldVoice(2.)};
-  EXPECT_EQ(tools::Success, replay());
+  EXPECT_EQ(KV::tools::Success, replay());
   EXPECT_THAT(errors.str(), HasSubstr("skeigiot: face.csv: kvmood.emotionalstate: "));
   EXPECT_THAT(errors.str(), HasSubstr(" (and 2 more times)\n"));
   EXPECT_EQ(1U, linesOf(errors.str()));
@@ -234,7 +233,7 @@ TEST_F(ReplayTest, WritesNothingButErrorsIfItIsQuiet)
   warnings = {"the rate is odd"};
   options.skipBad = true;
   options.quiet = true;
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("", output.str());
   EXPECT_EQ("skeigiot: face.csv:4: damaged\n", errors.str());
 }
@@ -244,7 +243,7 @@ TEST_F(ReplayTest, WritesTheRecordingItself)
   scripts["face.csv"] = {seen(0.), seen(1.)};
   options.toJsonl = folder.path("own.jsonl");
   replay();
-  const auto reader = tools::openRecording(folder.path("own.jsonl"), "jsonl", {});
+  const auto reader = KV::recordings::openRecording(folder.path("own.jsonl"), "jsonl", {});
   EXPECT_EQ(start, reader->next().value().time);
   EXPECT_EQ(start + seconds(1), reader->next().value().time);
   EXPECT_FALSE(reader->next());
@@ -268,7 +267,7 @@ protected:
         steps.push_back(ScriptedReader::badLine(99));
       if (i == 3)
         continue;
-      tools::RecordingEntry entry = seenAt(100., i);
+      KV::recordings::Step entry = seenAt(100., i);
       entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
       steps.insert(steps.begin(), ScriptedReader::entry(entryAt(0.)));
       steps.push_back(ScriptedReader::entry(entry));
@@ -284,7 +283,7 @@ protected:
     options.sessions.clear();
     options.csv = folder.path("export.csv");
     options.jsonl = folder.path("export.jsonl");
-    EXPECT_EQ(tools::BadInput, replay());
+    EXPECT_EQ(KV::tools::BadInput, replay());
     return {output.str(), errors.str(), folder.read("export.csv"), folder.read("export.jsonl")};
   }
 };
@@ -308,7 +307,7 @@ TEST_F(ParallelReplay, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
   scripts["b"] = {};
   options.jobs = 2;
   options.csv = folder.path("export.csv");
-  EXPECT_EQ(tools::BadInput, replay());
+  EXPECT_EQ(KV::tools::BadInput, replay());
   EXPECT_EQ("old", folder.read("export.csv"));
   EXPECT_EQ("skeigiot: a: cannot be opened\nskeigiot: b: cannot be opened\n", errors.str());
 }
@@ -321,11 +320,11 @@ TEST_F(ReplayTest, MergesTheInputsOfASession)
   scripts["voice.csv"] = {seen(0.5, 2)};
   options.sessions = {{{{"face.csv", {}}, {"voice.csv", inNanoseconds(0.25)}}}};
   options.toJsonl = folder.path("own.jsonl");
-  EXPECT_EQ(tools::Success, replayAsPlanned());
+  EXPECT_EQ(KV::tools::Success, replayAsPlanned());
   EXPECT_THAT(output.str(), HasSubstr("face.csv + voice.csv\nOne session of 2 inputs"));
   EXPECT_THAT(output.str(), HasSubstr("\nPerson 1\n"));
   EXPECT_THAT(output.str(), HasSubstr("\nPerson 2\n"));
-  const auto reader = tools::openRecording(folder.path("own.jsonl"), "jsonl", {});
+  const auto reader = KV::recordings::openRecording(folder.path("own.jsonl"), "jsonl", {});
   EXPECT_EQ(start, reader->next().value().time);
   EXPECT_EQ(start + milliseconds(750), reader->next().value().time);
   EXPECT_EQ(start + seconds(1), reader->next().value().time);
@@ -336,7 +335,7 @@ TEST_F(ReplayTest, ReplaysNothingOfASessionOfWhichAnInputIsMissing)
   scripts["face.csv"] = {seen(0., 1)};
   scripts["voice.csv"] = {};
   options.sessions = {{{{"face.csv", {}}, {"voice.csv", {}}}}};
-  EXPECT_EQ(tools::BadInput, replayAsPlanned());
+  EXPECT_EQ(KV::tools::BadInput, replayAsPlanned());
   EXPECT_EQ("skeigiot: voice.csv: cannot be opened\n", errors.str());
   EXPECT_THAT(output.str(), Not(HasSubstr("Person")));
 }
@@ -344,7 +343,7 @@ TEST_F(ReplayTest, ReplaysNothingOfASessionOfWhichAnInputIsMissing)
 /// An output whose reader has gone away.
 class ClosedPipe : public std::streambuf
 {
-  int_type overflow(int_type) override { throw tools::WriteError("standard output", EPIPE); }
+  int_type overflow(int_type) override { throw KV::session::WriteError("standard output", EPIPE); }
 };
 
 TEST_F(ReplayTest, ExportsToTheEndThoughNobodyReadsItsOutput)
@@ -356,10 +355,10 @@ TEST_F(ReplayTest, ExportsToTheEndThoughNobodyReadsItsOutput)
   ClosedPipe pipe;
   std::ostream closed(&pipe);
   closed.exceptions(std::ios::badbit);
-  tools::ReplaySurroundings surroundings{
-      [this](const std::string& path) { return open(path); }, closed, 100, tools::Style(false), errors, false};
+  KV::tools::ReplaySurroundings surroundings{
+      [this](const std::string& path) { return open(path); }, closed, 100, KV::tools::Style(false), errors, false};
 
-  EXPECT_EQ(tools::Failure, tools::replay(options, surroundings));
+  EXPECT_EQ(KV::tools::Failure, KV::tools::replay(options, surroundings));
 
   EXPECT_EQ("", errors.str());
   EXPECT_EQ(4U, linesOf(folder.read("export.csv")));

@@ -1,7 +1,7 @@
-#include "command.hpp"
-#include "temporaryfolder.hpp"
+#include "support/command.hpp"
+#include "support/temporaryfolder.hpp"
 
-#include "reportpage.hpp"
+#include <skeigiot/session/reportpage.hpp>
 
 #include <gmock/gmock.h>
 
@@ -21,7 +21,7 @@ class ReportCommand : public ::testing::Test
 protected:
   void SetUp() override
   {
-    if (tools::reportTemplate().empty())
+    if (KV::session::reportTemplate().empty())
       GTEST_SKIP() << "built without the page of the report";
   }
 

@@ -1,11 +1,10 @@
-#include "childprocess.hpp"
+#include "libsession/entries.hpp"
+#include "support/childprocess.hpp"
 
-#include "entries.hpp"
-#include "observationjson.hpp"
-
-#include <nlohmann/json.hpp>
+#include <skeigiot/recordings/observationjson.hpp>
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <csignal>
 
@@ -27,7 +26,7 @@ TEST(StreamProcess, AnswersEachLineBeforeTheNextIsWritten)
   for (int i = 0; i < 300; ++i)
   {
     ASSERT_FALSE(stream.hasOutput()) << "there is an answer to what was not asked yet";
-    stream.write(tools::entryToJson(seenAt(i / 30., i % 2)) + "\n");
+    stream.write(KV::recordings::stepToJson(seenAt(i / 30., i % 2)) + "\n");
     const json answer = json::parse(stream.readLine());
     ASSERT_EQ(i + 1, answer["line"]);
     ASSERT_EQ(i % 2, answer["person"]);

@@ -1,4 +1,4 @@
-#include "command.hpp"
+#include "support/command.hpp"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

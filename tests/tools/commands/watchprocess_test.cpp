@@ -1,7 +1,12 @@
-#include "entries.hpp"
-#include "observationjson.hpp"
+#include "libsession/entries.hpp"
+
+#include <skeigiot/recordings/observationjson.hpp>
 
 #include <gmock/gmock.h>
+
+#include <array>
+#include <csignal>
+#include <cstring>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -10,10 +15,6 @@
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
-
-#include <array>
-#include <csignal>
-#include <cstring>
 
 // The command in a terminal of the test's own: what it draws is looked for as text between the marks of the terminal.
 
@@ -129,7 +130,7 @@ private:
 
 std::string lineAbout(std::int32_t person)
 {
-  return tools::entryToJson(seenAt(0., person)) + "\n";
+  return KV::recordings::stepToJson(seenAt(0., person)) + "\n";
 }
 
 TEST_F(WatchProcess, ShowsARowForEachPersonUntilItIsQuit)
@@ -166,9 +167,9 @@ TEST_F(WatchProcess, ShowsWhatIsWrongWithALine)
 
 TEST_F(WatchProcess, SaysAtItsEndWhatItLeftOut)
 {
-  tools::RecordingEntry entry = seenAt(0., 12);
+  KV::recordings::Step entry = seenAt(0., 12);
   entry.observation.smile->value.value = std::numeric_limits<float>::quiet_NaN();
-  write(tools::entryToJson(entry) + "\n");
+  write(KV::recordings::stepToJson(entry) + "\n");
   ASSERT_TRUE(sees("LookingAtRobot"));
   press('q');
   EXPECT_TRUE(sees(leavesThePage));

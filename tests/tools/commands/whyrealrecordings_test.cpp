@@ -1,6 +1,5 @@
-#include "rebuildrecording.hpp"
-
 #include "support/tablename.hpp"
+#include "tools/commands/rebuildrecording.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,4 @@
-#include "bar.hpp"
-
+#include "terminal/bar.hpp"
 #include "support/tablename.hpp"
 
 #include <gtest/gtest.h>
@@ -23,7 +22,7 @@ class Bar : public ::testing::TestWithParam<BarCase>
 
 TEST_P(Bar, FillsInProportionToTheValue)
 {
-  EXPECT_EQ(GetParam().text, tools::bar(GetParam().value, 4));
+  EXPECT_EQ(GetParam().text, KV::tools::bar(GetParam().value, 4));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -41,7 +40,7 @@ class CentredBar : public ::testing::TestWithParam<BarCase>
 
 TEST_P(CentredBar, GrowsFromItsCentre)
 {
-  EXPECT_EQ(GetParam().text, tools::centredBar(GetParam().value, 4));
+  EXPECT_EQ(GetParam().text, KV::tools::centredBar(GetParam().value, 4));
 }
 
 INSTANTIATE_TEST_SUITE_P(InFourCellsToEachSide, CentredBar,

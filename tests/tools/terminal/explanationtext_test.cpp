@@ -1,11 +1,8 @@
-#include "explanationtext.hpp"
-
-#include "actedforces.hpp"
+#include "terminal/explanationtext.hpp"
+#include "libsession/analysis/actedforces.hpp"
 
 #include <gmock/gmock.h>
 
-#include <numeric>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -13,19 +10,17 @@ namespace
 {
 
 using explaintests::acted;
-using testing::ElementsAre;
+using KV::session::Explanation;
+using KV::session::SpanExplanation;
+using KV::tools::explanationText;
 using testing::HasSubstr;
 using testing::Not;
-using tools::Explanation;
-using tools::explanationText;
-using tools::SourceMovement;
-using tools::SpanExplanation;
 
 Explanation touchedTwice()
 {
   Explanation explanation;
   explanation.after.person = 3;
-  explanation.after.sinceStart = tools::Duration(12'500'000'000);
+  explanation.after.sinceStart = KV::session::Duration(12'500'000'000);
   explanation.after.valence.value = 0.75f;
   explanation.after.zone = ko::human::AttentionState::LookingAtRobot;
   for (const float before : {0.f, 0.5f})
@@ -56,7 +51,7 @@ TEST(ExplanationText, ShowsRepeatedForcesAsOneRowAndZonesLikewise)
 
 TEST(ExplanationText, ShowsEachForceIfThatIsWanted)
 {
-  tools::ExplanationLayout layout;
+  KV::tools::ExplanationLayout layout;
   layout.showsEach = true;
   EXPECT_THAT(explanationText(touchedTwice(), layout),
               HasSubstr("source         quantity            weight  target     from              to\n"
@@ -87,7 +82,7 @@ TEST(ExplanationText, ShowsTheShareOfEachSourceOverASpan)
   span.add(touchedTwice());
   Explanation later = touchedTwice();
   later.before = later.after;
-  later.after.sinceStart = tools::Duration(13'000'000'000);
+  later.after.sinceStart = KV::session::Duration(13'000'000'000);
   later.after.valence.value = 0.5f;
   later.forces = {acted("Not visible", KV::ValenceQuantity, 0.5f, 1.f, 0.75f),
                   acted("Not visible", KV::UnsmoothedValenceQuantity, 0.5f, 1.f, 0.75f)};
@@ -104,34 +99,10 @@ TEST(ExplanationText, ShowsTheShareOfEachSourceOverASpan)
       "  pulled 25 % the other way\n"
       "attention stayed at 0.00: nothing moved it\n",
       explanationText(span, {}));
-  tools::ExplanationLayout layout;
+  KV::tools::ExplanationLayout layout;
   layout.showsEach = true;
   EXPECT_THAT(explanationText(span, {}), Not(HasSubstr("unsmoothed")));
   EXPECT_THAT(explanationText(span, layout), HasSubstr("unsmoothed valence  Touch emotion       2  75.0 %"));
-}
-
-TEST(Shares, AddUpToAllWhateverTheyAreRoundedTo)
-{
-  constexpr std::mt19937::result_type seed = 11;
-  SCOPED_TRACE(seed);
-  std::mt19937 random(seed);
-  std::uniform_real_distribution<double> distance(0., 1.);
-  for (std::size_t count = 1; count < 40; ++count)
-  {
-    std::vector<SourceMovement> movements(count);
-    for (SourceMovement& movement : movements)
-      movement.up = distance(random);
-    const double total = totalDistance(movements);
-    const std::vector<int> shares = sharesInTenthsOfPercent(movements);
-    EXPECT_EQ(1000, std::accumulate(shares.begin(), shares.end(), 0));
-    for (std::size_t i = 0; i < count; ++i)
-      EXPECT_NEAR(1000. * movements[i].distance() / total, shares[i], 1.) << "each is rounded up or down";
-  }
-}
-
-TEST(Shares, AreNoneWhereNothingMoved)
-{
-  EXPECT_THAT(tools::sharesInTenthsOfPercent(std::vector<SourceMovement>(2)), ElementsAre(0, 0));
 }
 
 }  // namespace

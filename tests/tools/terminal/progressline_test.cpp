@@ -1,6 +1,5 @@
-#include "progressline.hpp"
-
-#include "entries.hpp"
+#include "terminal/progressline.hpp"
+#include "libsession/entries.hpp"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +9,8 @@
 namespace
 {
 
+using KV::tools::ProgressLine;
 using replaytests::inNanoseconds;
-using tools::ProgressLine;
 
 TEST(ProgressLine, ShowsHowFarTheFileWasRead)
 {

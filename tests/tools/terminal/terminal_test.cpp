@@ -1,16 +1,17 @@
-#include "terminal.hpp"
+#include "terminal/terminal.hpp"
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cstdlib>
-
 namespace
 {
 
-using tools::ColorChoice;
+using KV::tools::ColorChoice;
 
 /// A terminal of 77 columns; and no setting of colours in the environment other than those that the test makes.
 class TerminalTest : public ::testing::Test
@@ -44,67 +45,67 @@ protected:
 
 TEST_F(TerminalTest, IsToldFromAFile)
 {
-  EXPECT_TRUE(tools::isTerminal(terminal));
-  EXPECT_FALSE(tools::isTerminal(notATerminal()));
+  EXPECT_TRUE(KV::tools::isTerminal(terminal));
+  EXPECT_FALSE(KV::tools::isTerminal(notATerminal()));
 }
 
 TEST_F(TerminalTest, SaysHowWideItIs)
 {
-  EXPECT_EQ(77, tools::terminalWidth(terminal, 100));
+  EXPECT_EQ(77, KV::tools::terminalWidth(terminal, 100));
 }
 
 TEST_F(TerminalTest, IsAsWideAsAssumedIfItIsNone)
 {
-  EXPECT_EQ(100, tools::terminalWidth(notATerminal(), 100));
+  EXPECT_EQ(100, KV::tools::terminalWidth(notATerminal(), 100));
 }
 
 TEST_F(TerminalTest, IsAsWideAsAssumedIfItDoesNotKnow)
 {
   const winsize unknown{};
   ASSERT_EQ(0, ioctl(terminal, TIOCSWINSZ, &unknown));
-  EXPECT_EQ(100, tools::terminalWidth(terminal, 100));
+  EXPECT_EQ(100, KV::tools::terminalWidth(terminal, 100));
 }
 
 TEST_F(TerminalTest, GetsColorsByItself)
 {
-  EXPECT_TRUE(tools::useColors(ColorChoice::Auto, terminal));
+  EXPECT_TRUE(KV::tools::useColors(ColorChoice::Auto, terminal));
 }
 
 TEST_F(TerminalTest, AloneGetsColors)
 {
-  EXPECT_FALSE(tools::useColors(ColorChoice::Auto, notATerminal()));
+  EXPECT_FALSE(KV::tools::useColors(ColorChoice::Auto, notATerminal()));
 }
 
 TEST_F(TerminalTest, GetsNoColorsAgainstTheUsersWish)
 {
   setenv("NO_COLOR", "1", 1);
-  EXPECT_FALSE(tools::useColors(ColorChoice::Auto, terminal));
+  EXPECT_FALSE(KV::tools::useColors(ColorChoice::Auto, terminal));
 }
 
 TEST_F(TerminalTest, GetsColorsIfTheWishIsEmpty)
 {
   setenv("NO_COLOR", "", 1);
-  EXPECT_TRUE(tools::useColors(ColorChoice::Auto, terminal));
+  EXPECT_TRUE(KV::tools::useColors(ColorChoice::Auto, terminal));
 }
 
 TEST_F(TerminalTest, GetsNoColorsIfItIsDumb)
 {
   setenv("TERM", "dumb", 1);
-  EXPECT_FALSE(tools::useColors(ColorChoice::Auto, terminal));
+  EXPECT_FALSE(KV::tools::useColors(ColorChoice::Auto, terminal));
 }
 
 TEST_F(TerminalTest, IsOverruledByTheOption)
 {
   setenv("NO_COLOR", "1", 1);
-  EXPECT_TRUE(tools::useColors(ColorChoice::Always, notATerminal()));
+  EXPECT_TRUE(KV::tools::useColors(ColorChoice::Always, notATerminal()));
   unsetenv("NO_COLOR");
-  EXPECT_FALSE(tools::useColors(ColorChoice::Never, terminal));
+  EXPECT_FALSE(KV::tools::useColors(ColorChoice::Never, terminal));
 }
 
 TEST(Style, MarksTextOnlyIfItMayUseColors)
 {
-  EXPECT_EQ("\033[32mgood\033[0m", tools::Style(true).green("good"));
-  EXPECT_EQ("good", tools::Style(false).green("good"));
+  EXPECT_EQ("\033[32mgood\033[0m", KV::tools::Style(true).green("good"));
+  EXPECT_EQ("good", KV::tools::Style(false).green("good"));
 }
 
 }  // namespace

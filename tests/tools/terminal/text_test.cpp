@@ -1,119 +1,41 @@
-#include "text.hpp"
-
-#include "support/tablename.hpp"
+#include "terminal/text.hpp"
 
 #include <gtest/gtest.h>
-
-#include <limits>
 
 namespace
 {
 
-using tools::Duration;
-
-struct ClockCase
-{
-  const char* name;
-  std::int64_t milliseconds;
-  int decimals;
-  const char* text;
-};
-
-class ClockText : public ::testing::TestWithParam<ClockCase>
-{};
-
-TEST_P(ClockText, ShowsMinutesAndSeconds)
-{
-  EXPECT_EQ(GetParam().text, tools::clockText(Duration(GetParam().milliseconds * 1'000'000), GetParam().decimals));
-}
-
-INSTANTIATE_TEST_SUITE_P(Times, ClockText,
-                         ::testing::Values(ClockCase{"TheStart", 0, 1, "0:00.0"},
-                                           ClockCase{"LeadingZerosOfSeconds", 5'300, 1, "0:05.3"},
-                                           ClockCase{"RoundingCarriesIntoTheMinute", 59'960, 1, "1:00.0"},
-                                           ClockCase{"JustBelowTheHalfIsRoundedDown", 59'949, 1, "0:59.9"},
-                                           ClockCase{"ManyMinutes", 59 * 60'000 + 59'000, 1, "59:59.0"},
-                                           ClockCase{"FromAnHourOnHours", 3'600'000, 1, "1:00:00.0"},
-                                           ClockCase{"HoursMinutesSeconds", 3'723'400, 1, "1:02:03.4"},
-                                           ClockCase{"WithoutDecimals", 61'400, 0, "1:01"},
-                                           ClockCase{"LeadingZerosOfDecimals", 1'005, 3, "0:01.005"}),
-                         support::RowName());
-
-struct NumberCase
-{
-  const char* name;
-  double value;
-  const char* text;
-};
-
-class SignedNumber : public ::testing::TestWithParam<NumberCase>
-{};
-
-TEST_P(SignedNumber, HasASignUnlessItIsShownAsZero)
-{
-  EXPECT_EQ(GetParam().text, tools::signedNumber(GetParam().value));
-}
-
-INSTANTIATE_TEST_SUITE_P(Numbers, SignedNumber,
-                         ::testing::Values(NumberCase{"Positive", 0.414, "+0.41"}, NumberCase{"Negative", -1., "-1.00"},
-                                           NumberCase{"Zero", 0., " 0.00"}, NumberCase{"MinusZero", -0., " 0.00"},
-                                           NumberCase{"NearlyZeroFromBelow", -0.004, " 0.00"},
-                                           NumberCase{"SmallestShown", -0.006, "-0.01"},
-                                           NumberCase{"Nan", std::numeric_limits<double>::quiet_NaN(), "  nan"}),
-                         support::RowName());
-
-class Percentage : public ::testing::TestWithParam<NumberCase>
-{};
-
-TEST_P(Percentage, NeverClaimsAllOrNothingThatIsNot)
-{
-  EXPECT_EQ(GetParam().text, tools::percentage(GetParam().value));
-}
-
-INSTANTIATE_TEST_SUITE_P(Shares, Percentage,
-                         ::testing::Values(NumberCase{"Nothing", 0., "0 %"}, NumberCase{"NearlyNothing", 0.001, "<1 %"},
-                                           NumberCase{"Some", 0.424, "42 %"}, NumberCase{"NearlyAll", 0.999, ">99 %"},
-                                           NumberCase{"All", 1., "100 %"}),
-                         support::RowName());
-
-TEST(Counted, PutsTheNounIntoThePluralUnlessThereIsOne)
-{
-  EXPECT_EQ("0 updates", tools::counted(0, "update"));
-  EXPECT_EQ("1 update", tools::counted(1, "update"));
-  EXPECT_EQ("2 updates", tools::counted(2, "update"));
-}
-
 TEST(DisplayWidth, CountsCharactersAndNotBytes)
 {
-  EXPECT_EQ(0U, tools::displayWidth(""));
-  EXPECT_EQ(3U, tools::displayWidth("a│é"));
+  EXPECT_EQ(0U, KV::tools::displayWidth(""));
+  EXPECT_EQ(3U, KV::tools::displayWidth("a│é"));
 }
 
 TEST(Padding, FillsUpToTheWidthInColumns)
 {
-  EXPECT_EQ("█  ", tools::padRight("█", 3));
-  EXPECT_EQ("  █", tools::padLeft("█", 3));
+  EXPECT_EQ("█  ", KV::tools::padRight("█", 3));
+  EXPECT_EQ("  █", KV::tools::padLeft("█", 3));
 }
 
 TEST(Padding, LeavesAWiderTextWhole)
 {
-  EXPECT_EQ("abcd", tools::padRight("abcd", 3));
-  EXPECT_EQ("abcd", tools::padLeft("abcd", 3));
+  EXPECT_EQ("abcd", KV::tools::padRight("abcd", 3));
+  EXPECT_EQ("abcd", KV::tools::padLeft("abcd", 3));
 }
 
 TEST(Wrapping, BreaksAtBlanksAndIndentsWhatFollows)
 {
-  EXPECT_EQ("one two\n  three\n  four", tools::wrapped("one two three four", 8, 2));
+  EXPECT_EQ("one two\n  three\n  four", KV::tools::wrapped("one two three four", 8, 2));
 }
 
 TEST(Wrapping, KeepsALineThatFitsExactly)
 {
-  EXPECT_EQ("one two", tools::wrapped("one two", 7, 2));
+  EXPECT_EQ("one two", KV::tools::wrapped("one two", 7, 2));
 }
 
 TEST(Wrapping, KeepsALongWordWhole)
 {
-  EXPECT_EQ("a\n  incomprehensibilities\n  b", tools::wrapped("a incomprehensibilities b", 8, 2));
+  EXPECT_EQ("a\n  incomprehensibilities\n  b", KV::tools::wrapped("a incomprehensibilities b", 8, 2));
 }
 
 }  // namespace

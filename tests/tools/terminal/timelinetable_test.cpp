@@ -1,7 +1,6 @@
-#include "timelinetable.hpp"
-
-#include "entries.hpp"
-#include "text.hpp"
+#include "terminal/timelinetable.hpp"
+#include "libsession/entries.hpp"
+#include "terminal/text.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,11 +12,11 @@ namespace
 {
 
 using namespace replaytests;
-using tools::Style;
-using tools::TimelineRow;
-using tools::timelineTable;
+using KV::session::TimelineRow;
+using KV::tools::Style;
+using KV::tools::timelineTable;
 
-TimelineRow rowOf(const tools::Snapshot& snapshot)
+TimelineRow rowOf(const KV::session::Snapshot& snapshot)
 {
   TimelineRow row(snapshot.sinceStart);
   row.add(snapshot);
@@ -33,9 +32,9 @@ std::vector<std::string> linesOf(const std::string& text)
   return lines;
 }
 
-tools::Snapshot longestWords(double sinceStart)
+KV::session::Snapshot longestWords(double sinceStart)
 {
-  tools::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 1.f);
+  KV::session::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 1.f);
   snapshot.zone = ko::human::AttentionState::LookingDownRight;
   snapshot.pleasure = KV::PleasurePositive;
   snapshot.ease = {0.5f, 0.5f};
@@ -44,7 +43,7 @@ tools::Snapshot longestWords(double sinceStart)
 
 TEST(TimelineTable, ShowsARowForPeopleToRead)
 {
-  tools::Snapshot snapshot = snapshotAt(62., 0.5f, 0.25f);
+  KV::session::Snapshot snapshot = snapshotAt(62., 0.5f, 0.25f);
   snapshot.zone = ko::human::AttentionState::LookingAtRobot;
   snapshot.pleasure = KV::PleasurePositive;
   const auto lines = linesOf(timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false)));
@@ -62,7 +61,7 @@ TEST(TimelineTable, NeverGetsWiderThanItMay)
       const auto lines =
           linesOf(timelineTable({rowOf(longestWords(sinceStart))}, inNanoseconds(0.001), width, Style(false)));
       for (const std::string& line : lines)
-        EXPECT_LE(tools::displayWidth(line), static_cast<std::size_t>(width)) << line;
+        EXPECT_LE(KV::tools::displayWidth(line), static_cast<std::size_t>(width)) << line;
     }
   }
 }
@@ -70,7 +69,7 @@ TEST(TimelineTable, NeverGetsWiderThanItMay)
 TEST(TimelineTable, UsesTheWidthThatItMay)
 {
   const auto lines = linesOf(timelineTable({rowOf(longestWords(0.))}, inNanoseconds(1.), 100, Style(false)));
-  EXPECT_GE(tools::displayWidth(lines.at(1)), 98U);
+  EXPECT_GE(KV::tools::displayWidth(lines.at(1)), 98U);
 }
 
 TEST(TimelineTable, AlignsTheColumnsOfAllRows)
@@ -78,7 +77,7 @@ TEST(TimelineTable, AlignsTheColumnsOfAllRows)
   const auto lines = linesOf(
       timelineTable({rowOf(snapshotAt(0., 0.f, 0.f)), rowOf(longestWords(1.))}, inNanoseconds(1.), 100, Style(false)));
   const auto columnOf = [&lines](std::size_t line, const std::string& text) {
-    return tools::displayWidth(lines.at(line).substr(0, lines.at(line).find(text)));
+    return KV::tools::displayWidth(lines.at(line).substr(0, lines.at(line).find(text)));
   };
   EXPECT_EQ(columnOf(0, "zone"), columnOf(1, "Unknown"));
   EXPECT_EQ(columnOf(0, "zone"), columnOf(2, "LookingDownRight"));
@@ -89,7 +88,7 @@ TEST(TimelineTable, AlignsTheColumnsOfAllRows)
 
 TEST(TimelineTable, SaysThatAPersonWasNotVisible)
 {
-  tools::Snapshot snapshot = longestWords(0.);
+  KV::session::Snapshot snapshot = longestWords(0.);
   snapshot.seen = false;
   const std::string table = timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false));
   EXPECT_NE(std::string::npos, table.find("not visible"));
@@ -98,7 +97,7 @@ TEST(TimelineTable, SaysThatAPersonWasNotVisible)
 
 TEST(TimelineTable, ShowsADashWhereThereIsNoEstimate)
 {
-  tools::Snapshot snapshot = snapshotAt(0.);
+  KV::session::Snapshot snapshot = snapshotAt(0.);
   snapshot.valence.confidence = 0.f;
   snapshot.attention.confidence = 0.f;
   const auto lines = linesOf(timelineTable({rowOf(snapshot)}, inNanoseconds(1.), 80, Style(false)));
@@ -121,7 +120,7 @@ TEST(TimelineTable, ShowsAsManyDecimalsAsTheStepNeeds)
 
 TEST(TimelineTable, TellsBelowARowWhatMovedItMost)
 {
-  tools::Movements movements;
+  KV::session::Movements movements;
   movements.add("Touch emotion", KV::ValenceQuantity, 1.f, 0.f, 0.75f);
   movements.add("Not visible", KV::ValenceQuantity, 0.f, 0.75f, 0.25f);
   movements.add("Smile", KV::ValenceQuantity, 1.f, 0.25f, 0.5f);

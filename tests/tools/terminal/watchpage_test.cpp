@@ -1,7 +1,6 @@
-#include "watchpage.hpp"
-
-#include "entries.hpp"
-#include "text.hpp"
+#include "terminal/watchpage.hpp"
+#include "libsession/entries.hpp"
+#include "terminal/text.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +8,10 @@ namespace
 {
 
 using namespace replaytests;
-using tools::InputStatus;
-using tools::Look;
-using tools::PersonTable;
-using tools::Snapshot;
+using KV::session::PersonTable;
+using KV::session::Snapshot;
+using KV::tools::InputStatus;
+using KV::tools::Look;
 
 class WatchPageTest : public ::testing::Test
 {
@@ -30,7 +29,7 @@ protected:
   std::vector<std::string> page(std::size_t width, std::size_t height) const
   {
     std::vector<std::string> lines;
-    for (const auto& line : tools::watchPage(table, status, start, width, height))
+    for (const auto& line : KV::tools::watchPage(table, status, start, width, height))
     {
       lines.emplace_back();
       for (const auto& span : line)
@@ -65,7 +64,7 @@ TEST_F(WatchPageTest, HasTheHeadingAboveItsColumns)
   {
     const auto lines = page(width, 24);
     const auto columnOf = [](const std::string& line, const std::string& text) {
-      return tools::displayWidth(line.substr(0, line.find(text)));
+      return KV::tools::displayWidth(line.substr(0, line.find(text)));
     };
     EXPECT_EQ(columnOf(lines.at(2), "LookingDownRight"), columnOf(lines.at(1), "zone")) << width;
     EXPECT_EQ(columnOf(lines.at(2), "positive"), columnOf(lines.at(1), "why")) << width;
@@ -84,7 +83,7 @@ TEST_F(WatchPageTest, FitsIntoEveryTerminal)
       const auto lines = page(width, height);
       ASSERT_LE(lines.size(), height);
       for (const std::string& line : lines)
-        ASSERT_LE(tools::displayWidth(line), width) << line;
+        ASSERT_LE(KV::tools::displayWidth(line), width) << line;
     }
 }
 
@@ -118,7 +117,7 @@ TEST_F(WatchPageTest, ColorsTheMoodOfThoseWhoAreThere)
   add(1, 0.5f, 0.5f);
   add(2, -0.5f, 0.5f);
   add(3, 0.5f, 0.5f, false);
-  const auto lines = tools::watchPage(table, status, start, 200, 24);
+  const auto lines = KV::tools::watchPage(table, status, start, 200, 24);
   EXPECT_EQ(Look::Good, lines.at(2).back().look);
   EXPECT_EQ(Look::Bad, lines.at(3).back().look);
   for (const auto& span : lines.at(4))

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct gzFile_s;
+
+namespace KV::recordings
+{
+
+/// A text file, plain or compressed by gzip, read line by line in bounded memory.
+class SKEIGIOT_API InputFile
+{
+public:
+  static constexpr std::size_t longestLine = std::size_t{16} << 20U;  ///< [bytes]
+
+  /// Opens the file; a byte order mark of UTF-8 at its beginning is skipped.
+  ///
+  /// \throws Error if it cannot be opened.
+  explicit InputFile(const std::string& path);
+
+  /// Reads the next line into `line`, without its line end (LF or CR LF); returns false at the end of the file.
+  ///
+  /// The view is valid until the next call.
+  ///
+  /// \throws BadLine if the line is longer than `longestLine`; the next call goes on behind it.
+  /// \throws Error if the file cannot be read, or its compressed data are damaged or cut.
+  bool readLine(std::string_view& line);
+
+  /// Hands out what stands behind what was read so far, as much as there is at once; returns false at the end of the
+  /// file. Lines are not counted.
+  ///
+  /// The view is valid until the next call.
+  ///
+  /// \throws Error if the file cannot be read, or its compressed data are damaged or cut.
+  bool readBlock(std::string_view& block);
+
+  /// Returns the number of the line read last, from 1.
+  std::size_t lineNumber() const { return _lineNumber; }
+
+  /// Returns whether the line read last had a line end: only the last line of a file may have none.
+  bool lineEnded() const { return _lineEnded; }
+
+  const std::string& path() const { return _path; }
+
+  /// Returns which part of the file, compressed as it is, was taken in: in [0, 1].
+  double progress() const;
+
+  /// Returns up to `count` bytes from the beginning of the file, decompressed, without a byte order mark; fewer where
+  /// the file is cut or damaged.
+  ///
+  /// \throws Error if nothing of it can be read.
+  static std::string head(const std::string& path, std::size_t count);
+
+private:
+  struct Close
+  {
+    void operator()(gzFile_s* file) const;
+  };
+
+  std::string_view _unread() const { return {_buffer.data() + _begin, _end - _begin}; }
+  void _readAtLeast(std::size_t count);
+  bool _readMore();
+  bool _readOn();
+  void _makeRoom();
+  void _handOut(std::size_t length, bool ended, std::string_view& line);
+  void _skipLine();
+
+  std::string _path;
+  std::unique_ptr<gzFile_s, Close> _file;
+  std::size_t _size = 0;  // [bytes] of the file as it is stored, 0 if unknown
+  std::vector<char> _buffer;
+  std::size_t _begin = 0;  // of what is not handed out yet
+  std::size_t _end = 0;
+  bool _atEnd = false;
+  std::string _fault;  // of the file, met and not thrown yet
+  std::size_t _lineNumber = 0;
+  bool _lineEnded = true;
+};
+
+}  // namespace KV::recordings

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/recording.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <boost/chrono/duration.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// One of the files of a session.
+struct SKEIGIOT_API RecordingInput
+{
+  std::string path;
+  std::unique_ptr<Reader> reader;
+  ko::SystemClock::duration offset{0};  ///< added to all its times
+};
+
+/// Reads several recordings of one session as one: their steps in the order of their times, those of one time in the
+/// order of the inputs.
+///
+/// A person is to be updated once for each perception cycle, as each update lets every remembered reading act again.
+/// The first input sets the cycles: what another one tells of a person waits for the next step of the first about that
+/// person, for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs
+/// that are of one kind, or for which no such step comes, make steps of their own.
+///
+/// Holds no more than the steps of longestWait.
+class SKEIGIOT_API MergedRecording : public Reader
+{
+public:
+  static constexpr ko::SystemClock::duration longestWait = boost::chrono::milliseconds(200);
+
+  /// The first steps of two inputs may not be further apart: one that counts from its start and one that counts since
+  /// 1970 do not fit together.
+  static constexpr ko::SystemClock::duration greatestDistance = boost::chrono::hours(24);
+
+  /// Takes two inputs or more.
+  explicit MergedRecording(std::vector<RecordingInput> inputs);
+
+  /// \throws Error as well if the inputs begin at times that do not fit together, or an offset moves one to
+  ///   before 1970.
+  boost::optional<Step> next() override;
+  std::vector<std::string> describe() const override;
+  std::vector<std::string> takeWarnings() override;
+  double progress() const override;
+
+private:
+  using TimePoint = ko::SystemClock::time_point;
+
+  /// A step of an input, or what is wrong in its place.
+  struct Item
+  {
+    TimePoint time;
+    std::size_t input = 0;
+    Step entry;
+    std::exception_ptr error;
+
+    bool isOf(const boost::optional<std::int32_t>& person) const { return !error && entry.person == person; }
+  };
+
+  struct Input
+  {
+    RecordingInput from;
+    std::optional<Item> ahead;
+    TimePoint last = TimePoint::min();
+    bool ended = false;
+    std::set<std::int32_t> persons;
+  };
+
+  void _fetch(std::size_t number);
+  void _fetchFirst();
+  bool _readOne();
+  void _readUntil(TimePoint time);
+  void _takeInSimultaneous(Step& entry);
+  bool _isTakenInLater(const Item& item);
+  void _warnOfLonelyPersons();
+
+  std::vector<Input> _inputs;
+  bool _begun = false;
+  std::deque<Item> _read;                 // what is read, and not told yet
+  TimePoint _reached = TimePoint::min();  // of what was read last
+  std::vector<std::string> _warnings;
+};
+
+}  // namespace KV::recordings

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/tidytable.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// What a reading consists of.
+struct SKEIGIOT_API TidyReading
+{
+  std::vector<TidyColumn> needed;
+  std::vector<TidyColumn> optional;  ///< besides the confidence, which any may have
+  bool ofPerson = true;              ///< false: about the room or a scope
+};
+
+/// Returns the reading with this name, if there is one.
+SKEIGIOT_API std::optional<TidyReading> tidyReadingNamed(const std::string& name);
+
+/// Where the row of a table belongs.
+struct SKEIGIOT_API TidyRow
+{
+  double seconds = 0.;                                ///< from the start or since 1970, as the table counts
+  std::optional<ko::SystemClock::time_point> moment;  ///< the time, if the table has it; then the seconds are none
+  std::string reading;                                ///< its name
+  std::optional<std::int32_t> person;                 ///< whose it is; nobody's if it is about the room or a scope
+};
+
+/// Reads where the row belongs that the table stands on.
+///
+/// \throws BadLine if time or person is none, or there is no such reading.
+SKEIGIOT_API TidyRow readTidyRow(const TidyTable& table);
+
+/// Adds what the row says of the reading `name` to its step; returns false if the fields that the reading needs are all
+/// empty: it is unknown.
+///
+/// \throws BadLine if one of these fields is missing, holds something else than wanted, or a field is filled that the
+///   reading does not have. The step is as it was then.
+SKEIGIOT_API bool addTidyReading(const TidyTable& table, const std::string& name, Step& step);
+
+}  // namespace KV::recordings

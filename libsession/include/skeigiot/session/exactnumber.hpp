@@ -1,0 +1,19 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/snapshot.hpp>
+
+#include <string>
+
+namespace KV::session
+{
+
+/// Appends the shortest decimal text that reads back as the same number; "nan", "inf" and "-inf" for what is none.
+SKEIGIOT_API void appendExact(std::string& text, float number);
+
+SKEIGIOT_API void appendExact(std::string& text, int number);
+
+/// Appends the duration in seconds, to the nanosecond and without zeros at the end.
+SKEIGIOT_API void appendExactSeconds(std::string& text, Duration duration);
+
+}  // namespace KV::session

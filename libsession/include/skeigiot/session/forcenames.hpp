@@ -1,0 +1,30 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+#include <skeigiot/session/movements.hpp>
+
+#include <array>
+#include <string>
+
+namespace KV::session
+{
+
+/// All quantities, in the order in which they are shown.
+constexpr std::array<KV::Quantity, 6> allQuantities{
+    KV::ValenceQuantity,           KV::UnsmoothedValenceQuantity,           KV::AttentionQuantity,
+    KV::ValenceConfidenceQuantity, KV::UnsmoothedValenceConfidenceQuantity, KV::AttentionConfidenceQuantity};
+
+/// Returns "valence", "unsmoothed valence confidence", and so on.
+SKEIGIOT_API std::string quantityName(KV::Quantity quantity);
+
+/// Returns what decided on a zone, in plain words: "gaze", "no head or gaze".
+SKEIGIOT_API std::string evidenceName(KV::ZoneEvidence evidence);
+
+/// Returns the source in plain words: "touch" for "Touch emotion"; a source that is not known stays as it is.
+SKEIGIOT_API std::string plainSource(const std::string& source);
+
+/// Returns the source of the movements in plain words, with the mood it pulled to if it tells one: "touch (positive)".
+SKEIGIOT_API std::string describeSource(const SourceMovement& movement);
+
+}  // namespace KV::session

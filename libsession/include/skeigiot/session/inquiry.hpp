@@ -1,0 +1,40 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/explanation.hpp>
+#include <skeigiot/session/player.hpp>
+#include <skeigiot/session/spanexplanation.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace KV::session
+{
+
+/// What is asked, and of which recording.
+struct SKEIGIOT_API Inquiry
+{
+  Player::Open open;
+  std::string name;  ///< of the recording, in messages
+  std::int32_t person = 0;
+  bool skipBad = false;                          ///< read on behind a line that cannot be used
+  std::function<void(const std::string&)> note;  ///< takes warnings of the reader and of the library
+  Player::GoOn goOn;                             ///< see Player
+};
+
+/// Returns the last update of the person at that time since the start or before it.
+///
+/// The recording is read no further than needed.
+///
+/// \throws Error if it cannot be read, ends before, or has no such update.
+SKEIGIOT_API Explanation explainMoment(const Inquiry& inquiry, Duration at);
+
+/// Returns all updates of the person in that span, both ends included; without an end it is that of the recording.
+///
+/// \throws Error likewise.
+SKEIGIOT_API SpanExplanation explainSpan(const Inquiry& inquiry, Duration from, const boost::optional<Duration>& to);
+
+}  // namespace KV::session

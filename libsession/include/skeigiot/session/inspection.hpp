@@ -1,0 +1,92 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/recording.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <boost/chrono/duration.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// What the values of one number in a recording were.
+struct SKEIGIOT_API NumberRange
+{
+  std::size_t count = 0;  ///< of what is a number
+  double least = std::numeric_limits<double>::infinity();
+  double greatest = -std::numeric_limits<double>::infinity();
+  double sum = 0.;
+
+  void add(double value);
+  double mean() const { return sum / static_cast<double>(count); }
+};
+
+/// What a recording tells of one person.
+struct SKEIGIOT_API PersonSpan
+{
+  std::size_t seen = 0;     ///< steps in which the person was observed
+  std::size_t notSeen = 0;  ///< steps that say that the person was not
+  ko::SystemClock::time_point first;
+  ko::SystemClock::time_point last;
+};
+
+/// What is in a recording.
+class SKEIGIOT_API Inspection
+{
+public:
+  using TimePoint = ko::SystemClock::time_point;
+  using Duration = ko::SystemClock::duration;
+
+  /// Times that follow each other are told as a gap from here on.
+  static constexpr Duration shortestGap = boost::chrono::seconds(1);
+
+  struct Gaps
+  {
+    std::size_t count = 0;
+    Duration longest{0};
+    Duration at{0};  ///< since the first step, where the longest begins
+  };
+
+  /// Adds the next step.
+  void add(const recordings::Step& entry);
+
+  std::size_t steps() const { return _steps; }
+  TimePoint first() const { return _first; }
+  Duration length() const { return _last - _first; }
+
+  /// Returns how many different times there are a second, gaps left out; 0 if that cannot be told.
+  double timesPerSecond() const;
+
+  const Gaps& gaps() const { return _gaps; }
+  const std::map<std::int32_t, PersonSpan>& persons() const { return _persons; }
+
+  /// Returns the range of each number, named as in JSON Lines: "headPosture.yaw"; truths count as 0 and 1.
+  const std::map<std::string, NumberRange>& numbers() const { return _numbers; }
+
+  /// Returns the names of the scopes that are started.
+  const std::map<std::string, std::size_t>& scopes() const { return _scopes; }
+
+private:
+  void _addTime(TimePoint time);
+  void _addPerson(const recordings::Step& entry);
+
+  std::size_t _steps = 0;
+  std::size_t _times = 0;
+  TimePoint _first;
+  TimePoint _last;
+  Gaps _gaps;
+  Duration _timeInGaps{0};
+  std::map<std::int32_t, PersonSpan> _persons;
+  std::map<std::string, NumberRange> _numbers;
+  std::map<std::string, std::size_t> _scopes;
+};
+
+}  // namespace KV::session

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/inspection.hpp>
+#include <skeigiot/session/player.hpp>
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Everything that there is to say of a recording.
+struct SKEIGIOT_API InspectionReport
+{
+  std::string path;
+  std::string format;                    ///< its name
+  std::vector<std::string> description;  ///< how it is read
+  recordings::Columns columns;
+  Inspection contents;
+  std::vector<std::string> warnings;  ///< the first few
+  std::size_t moreWarnings = 0;
+  std::size_t badLines = 0;
+  std::string firstBadLine;
+  std::string error;  ///< why it was not read to its end
+};
+
+/// Reads all of the recording, over bad lines.
+///
+/// \param goOn see Player
+/// \throws Error if it cannot be opened.
+SKEIGIOT_API InspectionReport inspect(const std::string& path, const std::string& format,
+                                      const recordings::ReadingOptions& options, const Player::GoOn& goOn = {});
+
+/// Writes the report as a JSON object; times in seconds, the first since 1970, others since the first.
+SKEIGIOT_API void writeAsJson(std::ostream& stream, const InspectionReport& report);
+
+}  // namespace KV::session

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+#include <skeigiot/session/reportinputs.hpp>
+#include <skeigiot/session/snapshot.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace KV::session
+{
+
+/// A force, its source being a number of a table of names.
+struct SKEIGIOT_API MomentForce
+{
+  std::uint16_t source = 0;
+  KV::Quantity quantity = KV::ValenceQuantity;
+  float target = 0.f;
+  float weight = 0.f;
+  float before = 0.f;
+  float after = 0.f;
+};
+
+/// How far one source moved one quantity, in total.
+struct SKEIGIOT_API Movement
+{
+  std::uint16_t source = 0;
+  KV::Quantity quantity = KV::ValenceQuantity;
+  double distance = 0.;
+};
+
+/// One update of a person: what was observed, what the library thought then, and why.
+struct SKEIGIOT_API Moment
+{
+  Snapshot snapshot;
+  ReportInputValues inputs{};
+  std::vector<MomentForce> forces;  ///< in their order
+
+  std::vector<Movement> movements;  ///< of valence and attention, since the moment before
+  std::size_t updates = 1;          ///< since the moment before, this one included
+};
+
+}  // namespace KV::session

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KV::session
+{
+
+/// How far one source moved one quantity, in total.
+struct SKEIGIOT_API SourceMovement
+{
+  std::string source;
+  KV::Quantity quantity = KV::ValenceQuantity;
+  std::size_t forces = 0;
+  double up = 0.;
+  double down = 0.;
+  float leastTarget = 0.f;
+  float greatestTarget = 0.f;
+
+  double distance() const { return up + down; }
+  double net() const { return up - down; }
+};
+
+/// How far each source moved each quantity, over any number of forces.
+class SKEIGIOT_API Movements
+{
+public:
+  void add(const KV::Force& force) { add(force.source, force.quantity, force.target, force.before, force.after); }
+  void add(std::string_view source, KV::Quantity quantity, float target, float before, float after);
+  void add(const Movements& others);
+
+  void clear() { _movements.clear(); }
+
+  /// Returns those of one quantity, the greatest distance first; equal ones in the order in which they came up.
+  std::vector<SourceMovement> of(KV::Quantity quantity) const;
+
+private:
+  SourceMovement& _movement(std::string_view source, KV::Quantity quantity, float target);
+
+  std::vector<SourceMovement> _movements;  // a dozen or two: searching them takes less than a map
+};
+
+/// Returns the sum of the distances.
+SKEIGIOT_API double totalDistance(const std::vector<SourceMovement>& movements);
+
+/// Returns the shares of the distances in their sum, in tenths of a percent that add up to 1000, or all 0 if nothing
+/// moved.
+SKEIGIOT_API std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceMovement>& movements);
+
+}  // namespace KV::session

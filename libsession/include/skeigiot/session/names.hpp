@@ -1,0 +1,25 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/bodylanguageease.hpp>
+#include <skeigiot/personstate.hpp>
+
+#include <ko/human/attentionstate.hpp>
+
+#include <string>
+
+namespace KV::session
+{
+
+/// Returns the library's name of the zone; "Unknown" if it has none.
+SKEIGIOT_API std::string zoneName(ko::human::AttentionState zone);
+
+/// Returns "unknown", "negative", "neutral" or "positive".
+SKEIGIOT_API std::string pleasureName(KV::PleasureState pleasure);
+
+/// Returns "uneasy", "neutral" or "at ease", and "-" before the first estimate.
+///
+/// The limits are those of the library's own, longer text.
+SKEIGIOT_API std::string easeName(const KV::BodyLanguageEase& ease);
+
+}  // namespace KV::session

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/history.hpp>
+#include <skeigiot/session/movements.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace KV::session
+{
+
+/// What is known of one person at the moment.
+struct SKEIGIOT_API PersonRow
+{
+  /// Returns in a few words what the estimate rests on, with the source that moved it most in the last update.
+  std::string why(TimePoint now) const;
+
+  Snapshot last;
+  Movements movements;  ///< of the last update
+  boost::optional<TimePoint> lastSeen;
+  History valence;
+  History attention;
+};
+
+/// Keeps the state of everybody who was seen during the last minute.
+class SKEIGIOT_API PersonTable : public SessionObserver
+{
+public:
+  void forceActed(const KV::Force& force) override { _movements.add(force); }
+  void personUpdated(const Snapshot& snapshot) override;
+
+  void remove(std::int32_t person) { _rows.erase(person); }
+
+  /// Drops whoever was not seen for a minute.
+  void removeOld(TimePoint now);
+
+  const std::map<std::int32_t, PersonRow>& rows() const { return _rows; }
+
+private:
+  std::map<std::int32_t, PersonRow> _rows;
+  Movements _movements;  // of the update that is under way
+};
+
+}  // namespace KV::session

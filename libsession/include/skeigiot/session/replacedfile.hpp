@@ -1,0 +1,48 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/outputstream.hpp>
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+namespace KV::session
+{
+
+/// A file that is written beside its target and takes its place only when it is complete.
+///
+/// Whoever reads the target sees the old file or the whole new one. A target that is no regular file, such as a device
+/// or a named pipe, cannot be replaced and is written directly; so is standard output, which goes by the name "-".
+class SKEIGIOT_API ReplacedFile
+{
+public:
+  /// Opens the file for writing.
+  ///
+  /// \throws WriteError if that fails; no file is left behind then.
+  explicit ReplacedFile(const std::string& target);
+
+  /// Drops what was written, unless it was committed.
+  ~ReplacedFile();
+
+  ReplacedFile(const ReplacedFile&) = delete;
+  ReplacedFile& operator=(const ReplacedFile&) = delete;
+
+  std::ostream& stream() { return *_stream; }
+
+  /// Brings all that was written to the disk, and puts it in the place of the target.
+  ///
+  /// \throws WriteError if that fails; the target is as it was then.
+  void commit();
+
+private:
+  void _openBeside();
+
+  std::string _name;       // as the user gave it, for errors
+  std::string _target;     // where links lead to
+  std::string _temporary;  // empty: written directly
+  int _fileDescriptor = -1;
+  std::unique_ptr<OutputStream> _stream;
+};
+
+}  // namespace KV::session

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/personobservation.hpp>
+
+#include <array>
+#include <cstddef>
+
+namespace KV::session
+{
+
+/// One number of an observation, as a report shows it.
+struct SKEIGIOT_API ReportInput
+{
+  const char* name;
+  float (*of)(const KV::PersonObservation&);  ///< NaN if it was not observed
+  bool isEvent;                               ///< happens now and then, and each time matters
+};
+
+constexpr std::size_t reportInputCount = 20;
+using ReportInputs = std::array<ReportInput, reportInputCount>;
+using ReportInputValues = std::array<float, reportInputCount>;
+
+/// Returns all of them, in their fixed order.
+SKEIGIOT_API const ReportInputs& reportInputs();
+
+/// Returns the values of an observation, in that order.
+SKEIGIOT_API ReportInputValues reportInputsOf(const KV::PersonObservation& observation);
+
+}  // namespace KV::session

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/inspection.hpp>
+#include <skeigiot/session/moment.hpp>
+#include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+#include <skeigiot/session/summary.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Collects what a report shows of one session, in bounded memory: a long recording is thinned as it goes on.
+class SKEIGIOT_API ReportRecorder : public SessionObserver
+{
+public:
+  /// How much is kept; more than it is thinned. So a report stays small enough to be sent and opened.
+  struct Limits
+  {
+    std::size_t moments = 20'000;
+    std::size_t forces = 360'000;
+  };
+
+  struct Ambiance
+  {
+    Duration time{0};
+    float agitation = 0.f;
+    bool excited = false;
+  };
+
+  explicit ReportRecorder(const Limits& limits) : _limits(limits) {}
+
+  void stepBegins(const recordings::Step& entry) override;
+  void forceActed(const KV::Force& force) override;
+  void personUpdated(const Snapshot& snapshot) override;
+  void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
+  void scopeJudged(const ScopeVerdict& verdict) override;
+
+  /// Completes the report; call it once, after the session was finished.
+  void finish();
+
+  const std::map<std::int32_t, std::vector<Moment>>& moments() const { return _moments; }
+  const std::vector<std::string>& sources() const { return _sources; }
+  const std::vector<Ambiance>& ambiance() const { return _ambiance; }
+  const std::vector<ScopeVerdict>& scopes() const { return _scopes; }
+  const Summary& summary() const { return _summary; }
+  const Inspection& inspection() const { return _inspection; }
+
+  /// Returns how long the stretches are of which only some moments were kept; 0 if all were.
+  Duration stretch() const { return _stretch; }
+
+private:
+  std::uint16_t _numberOfSource(std::string_view name);
+  bool _isTooMuch() const;
+  void _thin();
+  void _thinAll();
+  void _count();
+
+  Limits _limits;
+  const recordings::Step* _entry = nullptr;  // the step that is played
+  std::vector<MomentForce> _forces;          // of that step
+
+  std::map<std::int32_t, std::vector<Moment>> _moments;
+  std::size_t _momentCount = 0;
+  std::size_t _forceCount = 0;
+  Duration _stretch{0};
+  std::vector<std::string> _sources;
+  std::vector<Ambiance> _ambiance;
+  std::vector<ScopeVerdict> _scopes;
+  Summary _summary;
+  Inspection _inspection;
+};
+
+}  // namespace KV::session

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/scopespan.hpp>
+#include <skeigiot/session/snapshot.hpp>
+#include <skeigiot/verdict.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// How a scope came to its end.
+enum class ScopeEnd
+{
+  Complete,    ///< stopped by the recording, or all of its span lies in the recording
+  NotStopped,  ///< the recording started it and never stopped it
+  CutShort,    ///< the recording ended inside its span
+  NotReached,  ///< the recording ended before its span
+  NotOpen      ///< the recording stopped what it had not started
+};
+
+/// How a scope went, for each person with an update in it.
+struct SKEIGIOT_API ScopeVerdict
+{
+  struct OfPerson
+  {
+    std::string word;         ///< "positive", "neutral", "negative" or "unknown"
+    std::size_t updates = 0;  ///< how many updates it stands on
+  };
+
+  /// Returns the verdict on `person`: that of a scope without updates if they had none in it, "error" if the scope was
+  /// not open, and "-" if it was not reached.
+  OfPerson of(std::int32_t person) const;
+
+  std::string name;
+  Duration from{0};  ///< since the start of the recording
+  Duration to{0};    ///< since the start of the recording; of the last update where that is what ended it
+  ScopeEnd end = ScopeEnd::Complete;
+  std::map<std::int32_t, OfPerson> persons;
+};
+
+/// The scopes of one recording: those that it starts and stops itself, and spans given beforehand.
+///
+/// Judges as KV::KVEmotionRecorder does, one recorder for each person, but in constant memory. All times are since the
+/// start of the recording and never decrease.
+class SKEIGIOT_API Scopes
+{
+public:
+  explicit Scopes(const std::vector<ScopeSpan>& spans);
+
+  /// Moves on to `now`: opens the spans that it reaches, and closes and returns those that it has left behind.
+  std::vector<ScopeVerdict> advance(Duration now);
+
+  /// Opens a scope for that many updates of each person (negative: without limit); one of that name starts anew.
+  void start(const std::string& name, std::int32_t samples, Duration now);
+
+  /// Adds the state, as it is now, to every open scope that still takes updates of this person.
+  void update(std::int32_t person, const KV::PersonState& state);
+
+  /// Closes a scope that start() opened.
+  ScopeVerdict stop(const std::string& name, Duration now);
+
+  /// Closes all that is open, and returns the verdicts on it and on the spans that were never reached.
+  std::vector<ScopeVerdict> finish(Duration now);
+
+private:
+  struct Tally
+  {
+    KV::Verdict verdict;
+    std::size_t updates = 0;
+  };
+
+  struct Open
+  {
+    Duration from{0};
+    std::int32_t samples = -1;
+    std::map<std::int32_t, Tally> tallies;
+  };
+
+  struct Span
+  {
+    ScopeSpan span;
+    boost::optional<Open> open;
+    bool closed = false;
+  };
+
+  static void _add(Open& scope, std::int32_t person, const KV::PersonState& state);
+  static ScopeVerdict _judge(const std::string& name, const Open& scope, Duration to, ScopeEnd end);
+  static ScopeVerdict _judgeAtTheEnd(const Span& span, Duration now);
+
+  std::map<std::string, Open> _started;
+  std::vector<Span> _spans;
+};
+
+}  // namespace KV::session

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <skeigiot/ambiancestate.hpp>
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/nonfinitereadings.hpp>
+#include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+#include <skeigiot/socialgraph.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Whether a session tells its observers of each force, which takes time.
+enum class Forces
+{
+  Unwatched,
+  Watched
+};
+
+/// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
+///
+/// Readings that are not finite are left out, and counted.
+class SKEIGIOT_API Session
+{
+public:
+  /// Makes a session in which nobody is known yet; the observers must outlive it.
+  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers,
+          Forces forces = Forces::Unwatched);
+
+  /// Takes one step: scope starts, ambiance, person, scope stops.
+  void play(const recordings::Step& entry);
+
+  /// Forgets a person: who comes back under that number is somebody new.
+  void forget(std::int32_t person) { _graph.remove(person); }
+
+  /// Ends the recording, which judges the scopes that are still open.
+  void finish();
+
+  /// Returns a line about the readings that were left out since the last call, empty if there were none.
+  std::string takeLeftOut() { return _nonFinite.take(); }
+
+  /// Returns how much of the recording was played.
+  Duration length() const { return _now - _start.value_or(_now); }
+
+private:
+  void _watchForces();
+  void _updateAmbiance(const recordings::Step& entry);
+  void _updatePerson(const recordings::Step& entry);
+  void _report(const KV::Person& person, const recordings::Step& entry);
+  void _report(const ScopeVerdict& verdict);
+  void _report(const std::vector<ScopeVerdict>& verdicts);
+
+  ko::ManualClock _clock;
+  ko::ScopedClockSource _clockOfThisThread;
+  boost::optional<TimePoint> _start;
+  TimePoint _now;
+
+  NonFiniteReadings _nonFinite;
+  KV::SocialGraph _graph;
+  KV::AmbianceState _ambiance;
+  Scopes _scopes;
+  std::vector<SessionObserver*> _observers;
+  boost::optional<KV::ScopedForceObserver> _forceObserver;
+};
+
+}  // namespace KV::session

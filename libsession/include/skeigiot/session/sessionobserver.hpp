@@ -1,0 +1,47 @@
+#pragma once
+
+#include <skeigiot/ambiancestate.hpp>
+#include <skeigiot/api.hpp>
+#include <skeigiot/forceobserver.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/snapshot.hpp>
+
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Watches one session after the other.
+class SKEIGIOT_API SessionObserver
+{
+public:
+  SessionObserver() = default;
+  SessionObserver(const SessionObserver&) = delete;
+  SessionObserver& operator=(const SessionObserver&) = delete;
+  virtual ~SessionObserver() = default;
+
+  /// A force acted on the person whose update is told next; only a session that watches forces tells of them.
+  virtual void forceActed(const KV::Force&) {}
+
+  /// The attention zone of that person changed; told likewise.
+  virtual void zoneChanged(const KV::ZoneChange&) {}
+
+  /// The recording was opened: says how signs, units and rate are read. Told by a player, before the first step.
+  virtual void recordingDescribed(const std::vector<std::string>&) {}
+
+  /// The step is about to be played; it stays what it is until the next one.
+  virtual void stepBegins(const recordings::Step&) {}
+
+  /// A person was updated, or aged.
+  virtual void personUpdated(const Snapshot&) {}
+
+  /// The ambiance of the room was updated.
+  virtual void ambianceUpdated(float /*agitation*/, KV::ExcitationState) {}
+
+  /// A scope ended.
+  virtual void scopeJudged(const ScopeVerdict&) {}
+};
+
+}  // namespace KV::session

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/recording.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// The files of one session.
+struct SKEIGIOT_API SessionInputs
+{
+  struct Input
+  {
+    std::string path;
+    ko::SystemClock::duration offset{0};  ///< added to all its times
+  };
+
+  std::vector<Input> inputs;  ///< one at least; if there are several, they are merged
+
+  /// Returns the paths, as messages call the session.
+  std::string name() const;
+};
+
+/// What the command line says of sessions.
+struct SKEIGIOT_API SessionArguments
+{
+  std::vector<std::string> paths;                            ///< of files and folders
+  std::map<std::string, ko::SystemClock::duration> offsets;  ///< by path
+  bool separately = false;                                   ///< each file is a session of its own
+  std::string format;                                        ///< of the recordings; empty: found out
+};
+
+/// Which sessions there are.
+struct SKEIGIOT_API SessionPlan
+{
+  std::vector<SessionInputs> sessions;
+  std::vector<std::string> notes;  ///< on what was passed over
+};
+
+/// Finds out which sessions there are: files named together are inputs of one, unless they are to be separate; a folder
+/// stands for every recording in it, each in a session of its own, in the order of their names.
+///
+/// \throws Error for a folder that cannot be read or holds no recording.
+/// \throws std::invalid_argument for arguments that do not go together.
+SKEIGIOT_API SessionPlan planSessions(const SessionArguments& arguments);
+
+/// Reads "FILE=SECONDS" into the offsets.
+///
+/// \throws std::invalid_argument if it is not that.
+SKEIGIOT_API void parseOffset(const std::string& text, std::map<std::string, ko::SystemClock::duration>& offsets);
+
+/// Opens all inputs of a session, each by `open`, and returns what reads them as one.
+///
+/// \throws Error if one cannot be read.
+SKEIGIOT_API std::unique_ptr<recordings::Reader> openSession(
+    const SessionInputs& session,
+    const std::function<std::unique_ptr<recordings::Reader>(const std::string& path)>& open);
+
+}  // namespace KV::session

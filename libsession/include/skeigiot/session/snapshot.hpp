@@ -1,0 +1,37 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/bodylanguageease.hpp>
+#include <skeigiot/personstate.hpp>
+#include <skeigiot/valueconfidence.hpp>
+
+#include <ko/human/attentionstate.hpp>
+#include <ko/systemclock.hpp>
+
+#include <cstdint>
+
+namespace KV::session
+{
+
+using Duration = ko::SystemClock::duration;
+using TimePoint = ko::SystemClock::time_point;
+
+/// What the library thought of one person after one update: a copy, which later updates leave alone.
+struct SKEIGIOT_API Snapshot
+{
+  TimePoint time;
+  Duration sinceStart{0};  ///< since the first step of the recording
+
+  std::int32_t person = 0;
+  bool seen = true;  ///< false: the person was not observed in this cycle
+
+  KV::ValueConfidence<float> valence;                ///< in [-1, 1]
+  KV::ValueConfidence<int> valenceBinary;            ///< -1, 0 or 1
+  KV::ValueConfidence<int> unsmoothedValenceBinary;  ///< -1, 0 or 1
+  KV::ValueConfidence<float> attention;              ///< in [0, 1]
+  ko::human::AttentionState zone = ko::human::AttentionState::Unknown;
+  KV::PleasureState pleasure = KV::PleasureUnknown;
+  KV::BodyLanguageEase ease;
+};
+
+}  // namespace KV::session

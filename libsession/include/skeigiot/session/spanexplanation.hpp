@@ -1,0 +1,38 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/explanation.hpp>
+#include <skeigiot/session/movements.hpp>
+
+#include <cstddef>
+#include <vector>
+
+namespace KV::session
+{
+
+/// All updates of one person in a span of time, and what moved her estimates in it.
+struct SKEIGIOT_API SpanExplanation
+{
+  void add(const Explanation& explanation)
+  {
+    if (updates == 0)
+    {
+      first = explanation.after.sinceStart;
+      before = explanation.before;
+    }
+    ++updates;
+    after = explanation.after;
+    for (const ActedForce& force : explanation.forces)
+      movements.add(force.source, force.quantity, force.target, force.before, force.after);
+    zoneChanges.insert(zoneChanges.end(), explanation.zoneChanges.begin(), explanation.zoneChanges.end());
+  }
+
+  std::size_t updates = 0;
+  Duration first{0};  ///< when the first update was
+  Snapshot before;    ///< after the last update before the span
+  Snapshot after;     ///< after its last update
+  Movements movements;
+  std::vector<SeenZoneChange> zoneChanges;
+};
+
+}  // namespace KV::session

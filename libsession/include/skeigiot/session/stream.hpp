@@ -1,0 +1,61 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/librarylog.hpp>
+#include <skeigiot/session/livesession.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Answers each line of a live stream by one line: what the library thinks of the person whom the line is about, or
+/// what is wrong with it.
+class SKEIGIOT_API Stream
+{
+public:
+  Stream(StreamTimes times, std::function<TimePoint()> wallClock);
+
+  /// Returns the answer to the next line, with its line end.
+  std::string answer(std::string_view line);
+
+  /// Returns the answer to a line that was longer than `longest` bytes.
+  std::string answerToLongLine(std::size_t longest);
+
+private:
+  /// Keeps what the session says of one line.
+  struct Observer : SessionObserver
+  {
+    struct Ambiance
+    {
+      float agitation = 0.f;
+      KV::ExcitationState excitation = KV::ExcitationUnknown;
+    };
+
+    void personUpdated(const Snapshot& snapshot) override { person = snapshot; }
+    void ambianceUpdated(float agitation, KV::ExcitationState state) override { ambiance = Ambiance{agitation, state}; }
+    void scopeJudged(const ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
+    void clear();
+
+    boost::optional<Snapshot> person;
+    boost::optional<Ambiance> ambiance;
+    std::vector<ScopeVerdict> verdicts;
+  };
+
+  std::string _refusal(const std::string& member, const std::string& message) const;
+  std::string _state();
+
+  Observer _observer;
+  LiveSession _session;
+  LibraryLog _log;
+  std::size_t _lineNumber = 0;
+};
+
+}  // namespace KV::session

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+/// What one recording showed of one person on the whole.
+///
+/// Means and shares are over time: what an update says holds until the next one, for a second at most, so that a
+/// stretch without updates does not count for what was last said before it.
+class SKEIGIOT_API PersonSummary
+{
+public:
+  void add(const Snapshot& snapshot);
+
+  /// Lets the last update count; call it once, after the last.
+  void finish();
+
+  Duration from() const { return _from; }
+  Duration to() const { return _last->sinceStart; }
+  std::size_t updates() const { return _updates; }
+
+  // Means over the time.
+  double valence() const { return _valence / _time; }
+  double valenceConfidence() const { return _valenceConfidence / _time; }
+  double attention() const { return _attention / _time; }
+  double attentionConfidence() const { return _attentionConfidence / _time; }
+
+  // Shares of the time.
+  double seenShare() const { return _seen / _time; }
+  double share(ko::human::AttentionState zone) const;  ///< seen, and looking there
+  double share(KV::PleasureState pleasure) const;
+  double lookingAtRobotShare() const
+  {
+    return _lookingAtRobot / _time;
+  }  ///< seen, and attention at the boundary or above
+  double strictlyLookingAtRobotShare() const { return _strictlyLookingAtRobot / _time; }  ///< likewise
+
+private:
+  void _countLast(double seconds);
+
+  std::size_t _updates = 0;
+  Duration _from{0};
+  boost::optional<Snapshot> _last;
+  double _lastInterval = 0.;  // [s]
+
+  // Sums over the time, in seconds
+  double _time = 0.;
+  double _seen = 0.;
+  double _valence = 0.;
+  double _valenceConfidence = 0.;
+  double _attention = 0.;
+  double _attentionConfidence = 0.;
+  double _lookingAtRobot = 0.;
+  double _strictlyLookingAtRobot = 0.;
+  std::array<double, 10> _zones{};
+  std::array<double, 4> _pleasures{};
+};
+
+/// What one recording showed on the whole.
+class SKEIGIOT_API Summary : public SessionObserver
+{
+public:
+  void personUpdated(const Snapshot& snapshot) override;
+  void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
+  void scopeJudged(const ScopeVerdict& verdict) override;
+
+  /// Completes the sums; call it once, after the session was finished.
+  void finish();
+
+  const std::map<std::int32_t, PersonSummary>& persons() const { return _persons; }
+
+  /// Returns the verdicts by their start, longer scopes first; complete once the summary is finished.
+  const std::vector<ScopeVerdict>& verdicts() const { return _verdicts; }
+
+  /// What was said of the ambiance of the room.
+  struct Ambiance
+  {
+    std::size_t updates = 0;
+    std::size_t excited = 0;
+    double agitation = 0.;  ///< summed up
+    float lastAgitation = 0.f;
+  };
+  const Ambiance& ambiance() const { return _ambiance; }
+
+private:
+  std::map<std::int32_t, PersonSummary> _persons;
+  std::vector<ScopeVerdict> _verdicts;
+  Ambiance _ambiance;
+};
+
+}  // namespace KV::session

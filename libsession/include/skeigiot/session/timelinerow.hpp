@@ -1,0 +1,61 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/movements.hpp>
+#include <skeigiot/session/snapshot.hpp>
+
+#include <array>
+#include <cstddef>
+
+namespace KV::session
+{
+
+/// The updates of one person in one stretch of a recording, summed up.
+class SKEIGIOT_API TimelineRow
+{
+public:
+  /// Makes an empty row that begins `from` after the start of the recording.
+  explicit TimelineRow(Duration from) : _from(from) {}
+
+  void add(const Snapshot& snapshot);
+  void add(const Movements& movements) { _movements.add(movements); }
+  void add(const TimelineRow& later);
+
+  Duration from() const { return _from; }
+
+  /// Tells whether the person was seen in at least half of the updates.
+  bool seen() const { return 2 * _seen >= _updates; }
+
+  // Means over the updates.
+  double valence() const { return _mean(_valence); }
+  double valenceConfidence() const { return _mean(_valenceConfidence); }
+  double attention() const { return _mean(_attention); }
+  double attentionConfidence() const { return _mean(_attentionConfidence); }
+
+  // What held in most updates.
+  ko::human::AttentionState zone() const;
+  KV::PleasureState pleasure() const;
+
+  /// The ease after the last update.
+  KV::BodyLanguageEase ease() const { return _ease; }
+
+  /// What moved the estimates; empty if nobody watched that.
+  const Movements& movements() const { return _movements; }
+
+private:
+  double _mean(double sum) const { return sum / static_cast<double>(_updates); }
+
+  Duration _from;
+  std::size_t _updates = 0;
+  std::size_t _seen = 0;
+  double _valence = 0.;
+  double _valenceConfidence = 0.;
+  double _attention = 0.;
+  double _attentionConfidence = 0.;
+  std::array<std::size_t, 10> _zones{};
+  std::array<std::size_t, 4> _pleasures{};
+  KV::BodyLanguageEase _ease;
+  Movements _movements;
+};
+
+}  // namespace KV::session

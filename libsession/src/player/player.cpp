@@ -1,0 +1,145 @@
+#include <skeigiot/session/player.hpp>
+
+#include "player/notedreading.hpp"
+
+#include <skeigiot/session/librarylog.hpp>
+#include <skeigiot/session/wording.hpp>
+
+#include <utility>
+
+namespace KV::session
+{
+
+namespace
+{
+
+using recordings::Error;
+using recordings::Reader;
+using recordings::Step;
+
+/// Plays one recording, whose outcome it fills in.
+class Playing
+{
+public:
+  Playing(const PlayerOptions& options, const Player::GoOn& goOn, Reader& reader,
+          const std::vector<SessionObserver*>& observers, Outcome& outcome)
+    : _goOn(goOn), _reader(reader), _observers(observers), _outcome(outcome), _reading(reader, options.skipBad)
+  {
+    if (options.estimates)
+      _session.emplace(options.scopes, observers, options.forces);
+  }
+
+  void run()
+  {
+    bool more = _advance();
+    _describe();  // the reader knows more after the first step
+    while (more)
+    {
+      _play();
+      if (!_isWanted())
+        break;
+      more = _advance();
+    }
+    _finish();
+  }
+
+private:
+  /// Reads the next step, which is missing where a bad line was skipped; returns false at the end.
+  bool _advance()
+  {
+    const bool more = _reading.next(_entry) != NotedReading::Read::End;
+    if (!more)
+      _isWanted();  // an interruption may be what ended it
+    return more;
+  }
+
+  /// Tells whether the caller wants more.
+  bool _isWanted()
+  {
+    if (_goOn && !_goOn({_reader.progress(), _length()}))
+      _outcome.stopped = true;
+    return !_outcome.stopped;
+  }
+
+  void _describe()
+  {
+    for (SessionObserver* const observer : _observers)
+      observer->recordingDescribed(_reader.describe());
+  }
+
+  void _play()
+  {
+    if (!_entry)
+      return;
+    if (_session)
+      _session->play(*_entry);
+    else
+      for (SessionObserver* const observer : _observers)
+        observer->stepBegins(*_entry);
+  }
+
+  void _finish()
+  {
+    if (_session && !_outcome.stopped)
+      _session->finish();
+    _outcome.description = _reader.describe();
+    _outcome.columns = _reader.columns();
+    _outcome.warnings = _reading.firstWarnings();
+    _outcome.moreWarnings = _reading.moreWarnings();
+    _outcome.badLines = _reading.skipped();
+    _outcome.firstBadLine = _reading.firstSkipped();
+    _outcome.error = _reading.error();
+    _outcome.length = _length();
+    if (_session)
+      _outcome.leftOut = _session->takeLeftOut();
+    _outcome.libraryWarnings = _log.take();
+  }
+
+  Duration _length() const { return _session ? _session->length() : Duration(0); }
+
+  const Player::GoOn& _goOn;
+  Reader& _reader;
+  const std::vector<SessionObserver*>& _observers;
+  Outcome& _outcome;
+  LibraryLog _log;
+  boost::optional<Session> _session;
+  NotedReading _reading;
+  boost::optional<Step> _entry;
+};
+
+}  // namespace
+
+std::vector<std::string> Outcome::warningLines() const
+{
+  std::vector<std::string> lines = warnings;
+  if (moreWarnings > 0)
+    lines.push_back(counted(moreWarnings, "more warning"));
+  return lines;
+}
+
+std::string Outcome::skippedText() const
+{
+  return badLines == 0 ? "" : "skipped " + counted(badLines, "bad line") + ", the first: " + firstBadLine;
+}
+
+Player::Player(PlayerOptions options, GoOn goOn) : _options(std::move(options)), _goOn(std::move(goOn)) {}
+
+Outcome Player::play(const Open& open, const std::vector<SessionObserver*>& observers) const
+{
+  Outcome outcome;
+  try
+  {
+    const std::unique_ptr<Reader> reader = open();
+    outcome.opened = true;
+    Playing(_options, _goOn, *reader, observers, outcome).run();
+  }
+  catch (const Error& error)
+  {
+    if (_goOn)
+      _goOn({});  // an interruption may be the reason
+    outcome.error = error;
+  }
+  return outcome;
+}
+
+}  // namespace KV::session

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "terminal/terminal.hpp"
+
+#include <skeigiot/session/summary.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace KV::tools
+{
+
+/// Returns the summary of one person as lines for people to read, of at most that many columns where that can be.
+std::string summaryText(const session::Summary& summary, std::int32_t person, int width, const Style& style);
+
+/// Returns what was said of the ambiance of the room; nothing if it was not recorded.
+std::string ambianceText(const session::Summary::Ambiance& ambiance, const Style& style);
+
+}  // namespace KV::tools
