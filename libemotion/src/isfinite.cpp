@@ -1,9 +1,10 @@
 #include <skeigiot/isfinite.hpp>
 
-#include "eachreading.hpp"
+#include "leaveout.hpp"
 
 #include <cmath>
 #include <type_traits>
+#include <utility>
 
 namespace KV
 {
@@ -11,12 +12,8 @@ namespace KV
 namespace
 {
 
-// A NaN is not less than anything. All are compared, which takes less time than a branch for each.
-template <typename... Numbers>
-bool areFinite(Numbers... numbers)
-{
-  return static_cast<bool>((static_cast<unsigned>(std::fabs(numbers) <= greatestReading) & ...));
-}
+template <typename Value>
+bool areFinitePartsOf(const Value& value);
 
 template <typename T>
 bool isFiniteValue(const T& value)
@@ -24,66 +21,75 @@ bool isFiniteValue(const T& value)
   if constexpr (std::is_integral_v<T>)
     return true;
   else if constexpr (std::is_floating_point_v<T>)
-    return areFinite(value);
+    return std::fabs(value) <= greatestReading;  // a NaN is not less than anything
   else
-    return isFinite(value);
+    return areFinitePartsOf(value);
 }
 
-template <typename T>
-bool isFiniteValue(const ValueConfidence<T>& value)
+bool isFiniteValue(const std::pair<float, float>& position)
 {
-  return isFiniteValue(value.value) && areFinite(value.confidence);
+  return isFiniteValue(position.first) && isFiniteValue(position.second);
+}
+
+// A surprise that a voice cannot have is examined with the other scores.
+bool isFiniteValue(const VoiceEmotion& emotion)
+{
+  return isFinite(static_cast<const Expressions&>(emotion));
+}
+
+// All are compared, which takes less time than a branch for each.
+template <typename Value>
+bool areFinitePartsOf(const Value& value)
+{
+  unsigned areAll = 1;
+  forEachPart<Value>([&](const auto& part) { areAll &= static_cast<unsigned>(isFiniteValue(part.in(value))); });
+  return areAll != 0;
 }
 
 }  // namespace
 
 bool isFinite(const Gaze& gaze)
 {
-  return areFinite(gaze.yaw, gaze.pitch);
+  return areFinitePartsOf(gaze);
 }
 
 bool isFinite(const HeadPosture& posture)
 {
-  return areFinite(posture.yaw(), posture.pitch(), posture.roll());
+  return areFinitePartsOf(posture);
 }
 
 bool isFinite(const RobotHeadPosture& posture)
 {
-  return areFinite(posture.yaw, posture.pitch);
+  return areFinitePartsOf(posture);
 }
 
 bool isFinite(const Smile& smile)
 {
-  return areFinite(smile.value, smile.confidence);
+  return areFinitePartsOf(smile);
 }
 
 bool isFinite(const Expressions& expressions)
 {
-  return isFiniteValue(expressions.calm) && isFiniteValue(expressions.anger) && isFiniteValue(expressions.joy) &&
-         isFiniteValue(expressions.sorrow) && isFiniteValue(expressions.laughter) &&
-         isFiniteValue(expressions.excitement) && isFiniteValue(expressions.surprise);
+  return areFinitePartsOf(expressions);
 }
 
 bool isFinite(const FacialPoints& points)
 {
-  for (int i = FacialPoint0; i <= FacialPoint11; ++i)
-  {
-    const FacialPoints::Point point = points.facialPoint(static_cast<PointDescription>(i));
-    if (!areFinite(point.value.first, point.value.second, point.confidence))
-      return false;
-  }
-  return true;
+  return areFinitePartsOf(points);
 }
 
 bool isFinite(const ContextEmotion& emotion)
 {
-  return areFinite(emotion.lifetime);
+  return areFinitePartsOf(emotion);
 }
 
 bool isFinite(const PersonObservation& observation)
 {
   bool areAll = true;
-  forEachReading(observation, [&areAll](const auto& reading) { areAll &= !reading || isFiniteValue(reading->value); });
+  forEachReading([&](const auto& known) {
+    const auto& reading = known.in(observation);
+    areAll &= !reading || isFiniteValue(reading->value);
+  });
   return areAll;
 }
 

@@ -1,6 +1,6 @@
 #include <skeigiot/leaveoutahead.hpp>
 
-#include "eachreading.hpp"
+#include "leaveout.hpp"
 
 namespace KV
 {

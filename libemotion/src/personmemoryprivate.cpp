@@ -1,10 +1,15 @@
 #include "personmemoryprivate.hpp"
 
+#include <skeigiot/readings.hpp>
+
 #include <ko/log.hpp>
 
 #include <boost/thread/lock_guard.hpp>
 
+#include <cstddef>
 #include <stdexcept>
+#include <tuple>
+#include <type_traits>
 
 namespace KV
 {
@@ -24,45 +29,11 @@ bool hasRecords(ShortTermMemory<T>& memory)
   return !memory.records().empty();
 }
 
-/// Files the reading, if there is one, without a line in the report.
+/// For values that are written as they are.
 template <typename T>
-void file(const PersonObservation::Reading<T>& reading, ShortTermMemory<T>& memory)
+void writeYoungest(DiagnosticText& out, ShortTermMemory<T>& memory)
 {
-  if (reading)
-    memory.record(*reading);
-}
-
-/// Files the reading, if there is one, and reports the youngest record, which need not be the reading just filed.
-///
-/// `write` receives the report and the memory.
-template <typename T, typename Write>
-void fileAndReport(const PersonObservation::Reading<T>& reading, ShortTermMemory<T>& memory, DiagnosticText& report,
-                   const char* label, Write write)
-{
-  if (!reading)
-    return;
-  memory.record(*reading);
-  if (!hasRecords(memory))
-    return;
-  report << label;
-  try
-  {
-    write(report, memory);
-  }
-  catch (const std::range_error&)
-  {
-    // The last record has passed its horizon since it was counted: there is nothing to write.
-  }
-  report << '\n';
-}
-
-/// As above, for values that are written as they are.
-template <typename T>
-void fileAndReport(const PersonObservation::Reading<T>& reading, ShortTermMemory<T>& memory, DiagnosticText& report,
-                   const char* label)
-{
-  fileAndReport(reading, memory, report, label,
-                [](DiagnosticText& out, ShortTermMemory<T>& from) { out << from.youngest().value; });
+  out << memory.youngest().value;
 }
 
 /// For values with a confidence, which is not reported.
@@ -107,6 +78,124 @@ void writeFacialPoints(DiagnosticText& out, ShortTermMemory<FacialPoints>& memor
   out << memory.youngest().value.globalConfidence();
 }
 
+template <typename T>
+using FieldOf = PersonObservation::Reading<T> PersonObservation::*;
+
+template <typename T>
+using MemoryOf = ShortTermMemory<T> PersonMemoryPrivate::*;
+
+/// Where a reading is filed.
+template <typename T>
+struct Filing
+{
+  FieldOf<T> reading;
+  MemoryOf<T> memory;
+};
+
+/// As above, with a line of the report about it.
+template <typename T>
+struct ReportedFiling
+{
+  FieldOf<T> reading;
+  MemoryOf<T> memory;
+  const char* label;
+  void (*write)(DiagnosticText& report, ShortTermMemory<T>& memory);
+};
+
+template <typename T>
+constexpr Filing<T> filing(FieldOf<T> reading, MemoryOf<T> memory)
+{
+  return {reading, memory};
+}
+
+template <typename T>
+constexpr ReportedFiling<T> filing(FieldOf<T> reading, MemoryOf<T> memory, const char* label,
+                                   void (*write)(DiagnosticText&, ShortTermMemory<T>&) = writeYoungest<T>)
+{
+  return {reading, memory, label, write};
+}
+
+using Observation = PersonObservation;
+using Memories = PersonMemoryPrivate;
+
+/// In the order of filing, which is not that of the readings: the report and the clock readings have it.
+constexpr auto filings = std::make_tuple(
+    filing(&Observation::age, &Memories::ageMemory, "\t Age : ", writeValue<unsigned int>),
+    filing(&Observation::faceDetected, &Memories::faceDetectedMemory, "\t Face detected : "),
+    filing(&Observation::distance, &Memories::distanceMemory, "\t Distance : "),
+    filing(&Observation::expressions, &Memories::expressionsMemory, "\t Expressions : ", writeExpressions),
+    filing(&Observation::gaze, &Memories::gazeMemory, "\t Gaze Direction : ", writeYawAndPitch<Gaze>),
+    filing(&Observation::gender, &Memories::genderMemory, "\t Gender : ", writeValue<bool>),
+    filing(&Observation::headPosture, &Memories::headPostureMemory, "\t Head Posture : ", writeHeadPosture),
+    filing(&Observation::smile, &Memories::smileMemory, "\t Smile from youngest: ", writeSmile),
+    filing(&Observation::lookingAtRobot, &Memories::lookingAtRobotMemory, "\t Looking At Robot : "),
+    filing(&Observation::facialPoints, &Memories::facialPointsMemory, "\t Facial Points : ", writeFacialPoints),
+    filing(&Observation::touchEmotion, &Memories::touchEmotionMemory, "\t Touch Emotion : "),
+    filing(&Observation::asrEmotion, &Memories::asrEmotionMemory),
+    filing(&Observation::contextEmotion, &Memories::contextEmotionMemory),
+    filing(&Observation::speaking, &Memories::speakingMemory, "\t Speaking Memory : "),
+    filing(&Observation::robotHeadPosture, &Memories::robotHeadPostureMemory,
+           "\t Robot Head Posture : ", writeYawAndPitch<RobotHeadPosture>));
+
+/// Act on the state alone.
+constexpr auto neverRemembered = std::make_tuple(&Observation::headHeight, &Observation::voiceEmotion);
+
+template <typename Field, typename Other>
+constexpr bool isSame(Field field, Other other)
+{
+  if constexpr (std::is_same_v<Field, Other>)
+    return field == other;
+  else
+    return false;
+}
+
+template <typename T>
+constexpr std::size_t timesListed(const NamedReading<T>& known)
+{
+  const auto filed = [&known](const auto&... all) { return (std::size_t{isSame(all.reading, known.field)} + ...); };
+  const auto others = [&known](auto... fields) { return (std::size_t{isSame(fields, known.field)} + ...); };
+  return std::apply(filed, filings) + std::apply(others, neverRemembered);
+}
+
+constexpr bool isEachListedOnce()
+{
+  return std::apply([](const auto&... known) { return ((timesListed(known) == 1) && ...); }, readings);
+}
+
+static_assert(isEachListedOnce(), "a reading is missing from the filings, and is not listed as never remembered");
+
+/// Files the reading, if there is one.
+template <typename T>
+void file(const Filing<T>& place, const PersonObservation& observation, PersonMemoryPrivate& memories, DiagnosticText&)
+{
+  if (const auto& reading = observation.*place.reading)
+    (memories.*place.memory).record(*reading);
+}
+
+/// Files the reading, if there is one, and reports the youngest record, which need not be the reading just filed.
+template <typename T>
+void file(const ReportedFiling<T>& place, const PersonObservation& observation, PersonMemoryPrivate& memories,
+          DiagnosticText& report)
+{
+  const PersonObservation::Reading<T>& reading = observation.*place.reading;
+  if (!reading)
+    return;
+  ShortTermMemory<T>& memory = memories.*place.memory;
+  memory.record(*reading);
+  if (!hasRecords(memory))
+    return;
+  report << place.label;
+  try
+  {
+    place.write(report, memory);
+  }
+  catch (const std::range_error&)
+  {
+    // The last record has passed its horizon since it was counted: there is nothing to write.
+  }
+  report << '\n';
+}
+
 }  // namespace
 
 void PersonMemoryPrivate::add(const PersonObservation& observation)
@@ -118,22 +207,7 @@ void PersonMemoryPrivate::add(const PersonObservation& observation)
 void PersonMemoryPrivate::add(const PersonObservation& observation, DiagnosticText& report)
 {
   report << "Person updated with observations :\n";
-  fileAndReport(observation.age, ageMemory, report, "\t Age : ", writeValue<unsigned int>);
-  fileAndReport(observation.faceDetected, faceDetectedMemory, report, "\t Face detected : ");
-  fileAndReport(observation.distance, distanceMemory, report, "\t Distance : ");
-  fileAndReport(observation.expressions, expressionsMemory, report, "\t Expressions : ", writeExpressions);
-  fileAndReport(observation.gaze, gazeMemory, report, "\t Gaze Direction : ", writeYawAndPitch<Gaze>);
-  fileAndReport(observation.gender, genderMemory, report, "\t Gender : ", writeValue<bool>);
-  fileAndReport(observation.headPosture, headPostureMemory, report, "\t Head Posture : ", writeHeadPosture);
-  fileAndReport(observation.smile, smileMemory, report, "\t Smile from youngest: ", writeSmile);
-  fileAndReport(observation.lookingAtRobot, lookingAtRobotMemory, report, "\t Looking At Robot : ");
-  fileAndReport(observation.facialPoints, facialPointsMemory, report, "\t Facial Points : ", writeFacialPoints);
-  fileAndReport(observation.touchEmotion, touchEmotionMemory, report, "\t Touch Emotion : ");
-  file(observation.asrEmotion, asrEmotionMemory);
-  file(observation.contextEmotion, contextEmotionMemory);
-  fileAndReport(observation.speaking, speakingMemory, report, "\t Speaking Memory : ");
-  fileAndReport(observation.robotHeadPosture, robotHeadPostureMemory, report,
-                "\t Robot Head Posture : ", writeYawAndPitch<RobotHeadPosture>);
+  std::apply([&](const auto&... places) { (file(places, observation, *this, report), ...); }, filings);
 }
 
 }  // namespace KV

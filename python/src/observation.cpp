@@ -3,11 +3,15 @@
 #include "timestamped.hpp"
 #include "valueconfidence.hpp"
 
-#include <skeigiot/personobservation.hpp>
+#include <skeigiot/readings.hpp>
 
 #include <boost/none.hpp>
 
 #include <array>
+#include <cstddef>
+#include <string>
+#include <tuple>
+#include <utility>
 
 namespace py = pybind11;
 
@@ -21,7 +25,7 @@ namespace
 struct Reading
 {
   const char* name;
-  const char* doc;
+  std::string doc;
   py::object (*get)(const KV::PersonObservation&);
   void (*set)(KV::PersonObservation&, py::handle, ko::SystemClock::time_point now, const char* name);
 };
@@ -42,40 +46,35 @@ py::object readingOrNone(const boost::optional<KV::Timestamped<T>>& reading)
   return reading ? objectOf(*reading) : py::none();
 }
 
-template <auto member>
-constexpr Reading reading(const char* name, const char* doc)
+template <std::size_t Number>
+Reading makeReading()
 {
-  return {name, doc, [](const KV::PersonObservation& self) { return readingOrNone(self.*member); },
-          [](KV::PersonObservation& self, py::handle source, ko::SystemClock::time_point now, const char* what) {
-            assign(self.*member, source, now, what);
+  static constexpr auto known = std::get<Number>(KV::readings);
+  const std::string unit = known.scale.unit;
+  return {known.name, (unit.empty() ? "" : "[" + unit + "] ") + known.about,
+          [](const KV::PersonObservation& self) { return readingOrNone(known.in(self)); },
+          [](KV::PersonObservation& self, py::handle source, ko::SystemClock::time_point now, const char* name) {
+            assign(known.in(self), source, now, name);
           }};
+}
+
+template <std::size_t... Numbers>
+std::array<Reading, KV::readingCount> makeReadings(std::index_sequence<Numbers...>)
+{
+  return {makeReading<Numbers>()...};
+}
+
+const std::array<Reading, KV::readingCount>& readings()
+{
+  static const auto all = makeReadings(std::make_index_sequence<KV::readingCount>());
+  return all;
 }
 
 using Observation = KV::PersonObservation;
 
-constexpr std::array readings = {
-    reading<&Observation::lookingAtRobot>("lookingAtRobot", "whether the person looks at the robot"),
-    reading<&Observation::headHeight>("headHeight", "[m] above the floor; kept in the state, never remembered"),
-    reading<&Observation::distance>("distance", "[m] from the robot"),
-    reading<&Observation::gaze>("gaze", "direction of the gaze"),
-    reading<&Observation::smile>("smile", "how much the person smiles"),
-    reading<&Observation::expressions>("expressions", "facial expressions"),
-    reading<&Observation::headPosture>("headPosture", "orientation of the head"),
-    reading<&Observation::gender>("gender", "a bool with a confidence"),
-    reading<&Observation::age>("age", "[years], with a confidence"),
-    reading<&Observation::faceDetected>("faceDetected", "whether a face is seen"),
-    reading<&Observation::facialPoints>("facialPoints", "landmarks of the face"),
-    reading<&Observation::voiceEmotion>("voiceEmotion", "acts once per time stamp, never remembered"),
-    reading<&Observation::asrEmotion>("asrEmotion", "valence of the recognised speech; only its sign counts"),
-    reading<&Observation::touchEmotion>("touchEmotion",
-                                        "above 0 is a pleasant touch, everything else an unpleasant one"),
-    reading<&Observation::contextEmotion>("contextEmotion", "an emotion that the context imposes"),
-    reading<&Observation::speaking>("speaking", "whether the person speaks"),
-    reading<&Observation::robotHeadPosture>("robotHeadPosture", "orientation of the robot's own head")};
-
 const Reading& readingNamed(const std::string& name)
 {
-  for (const Reading& known : readings)
+  for (const Reading& known : readings())
     if (name == known.name)
       return known;
   throw py::type_error("PersonObservation() got an unexpected keyword argument '" + name + "'");
@@ -97,7 +96,7 @@ Observation make(const py::dict& named)
 py::dict readingsIn(const Observation& self)
 {
   py::dict there;
-  for (const Reading& known : readings)
+  for (const Reading& known : readings())
     if (const py::object value = known.get(self); !value.is_none())
       there[known.name] = value;
   return there;
@@ -127,13 +126,13 @@ void bindObservation(py::module_& module)
       "modifies an observation and never assumes that a reading is there; one without any reading is valid.\n\n"
       "Raises TypeError for an unknown name or a value of another type, ValueError for a time without a time zone.");
   record.def(py::init([](const py::kwargs& named) { return make(named); }));
-  for (const Reading& known : readings)
+  for (const Reading& known : readings())
     record.def_property(
         known.name, [known](const Observation& self) { return known.get(self); },
         [known](Observation& self, const py::object& source) {
           known.set(self, source, ko::SystemClock::now(), known.name);
         },
-        known.doc);
+        known.doc.c_str());
   record.def("__repr__", &shown)
       .def(
           "__eq__",

@@ -30,6 +30,12 @@ EVERY_READING: dict[str, Any] = {
 }
 
 
+def test_these_are_all_readings() -> None:
+    names = [name for name, found in vars(kv.PersonObservation).items() if isinstance(found, property)]
+
+    assert names == list(EVERY_READING)
+
+
 def test_an_observation_without_readings_is_valid() -> None:
     observation = kv.PersonObservation()
 

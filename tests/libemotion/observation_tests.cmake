@@ -9,6 +9,7 @@ set(OBSERVATION_TESTS
     isfinite_test.cpp
     leaveoutahead_test.cpp
     personobservation_test.cpp
+    readings_test.cpp
     robotheadposture_test.cpp
     smile_test.cpp
     timestamped_test.cpp

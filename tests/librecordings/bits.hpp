@@ -1,5 +1,6 @@
 #pragma once
 
+#include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
@@ -119,23 +120,7 @@ private:
 
   void _add(const KV::PersonObservation& observation)
   {
-    _add(observation.lookingAtRobot);
-    _add(observation.headHeight);
-    _add(observation.distance);
-    _add(observation.gaze);
-    _add(observation.smile);
-    _add(observation.expressions);
-    _add(observation.headPosture);
-    _add(observation.gender);
-    _add(observation.age);
-    _add(observation.faceDetected);
-    _add(observation.facialPoints);
-    _add(observation.voiceEmotion);
-    _add(observation.asrEmotion);
-    _add(observation.touchEmotion);
-    _add(observation.contextEmotion);
-    _add(observation.speaking);
-    _add(observation.robotHeadPosture);
+    KV::forEachReading([&](const auto& known) { _add(known.in(observation)); });
   }
 
   std::vector<std::uint64_t> _bits;

@@ -1,10 +1,10 @@
 // What a memory holds does not depend on how the readings came in.
 
-#include "eachreading.hpp"
 #include "fingerprint.hpp"
 #include "randomlife.hpp"
 
 #include <skeigiot/person.hpp>
+#include <skeigiot/readings.hpp>
 
 #include <gtest/gtest.h>
 
@@ -23,8 +23,8 @@ using Observations = std::vector<KV::PersonObservation>;
 /// Sets the time of every reading of the observation.
 void setTime(KV::PersonObservation& observation, ko::SystemClock::time_point time)
 {
-  KV::forEachReading(observation, [time](auto& reading) {
-    if (reading)
+  KV::forEachReading([&](const auto& known) {
+    if (auto& reading = known.in(observation))
       reading->time = time;
   });
 }

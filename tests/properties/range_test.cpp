@@ -1,12 +1,12 @@
 // Where estimates may be, and where they stay.
 
-#include "eachreading.hpp"
 #include "personstateprivate.hpp"
 #include "randomlife.hpp"
 
 #include "support/estimate.hpp"
 
 #include <skeigiot/person.hpp>
+#include <skeigiot/readings.hpp>
 
 #include <gtest/gtest.h>
 
@@ -144,8 +144,8 @@ TEST(FixedPoints, AreReachedUnderReadingsThatStayTheSame)
     Estimate rest;
     for (int frame = 0; frame < framesUntilRest + framesOfRest; ++frame)
     {
-      KV::forEachReading(observation, [](auto& reading) {
-        if (reading)
+      KV::forEachReading([&observation](const auto& known) {
+        if (auto& reading = known.in(observation))
           reading->time = ko::SystemClock::now();
       });
       person.update(observation);

@@ -1,5 +1,6 @@
 #include <skeigiot/recordings/observationjson.hpp>
 
+#include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -40,84 +41,24 @@ struct Ambiance
   boost::optional<float> activity;
 };
 
-template <typename Visitor, typename T>
-void visit(Visitor& members, KV::ValueConfidence<T>& value)
-{
-  members.required("value", value.value);
-  members.required("confidence", value.confidence);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::Gaze& gaze)
-{
-  members.required("yaw", gaze.yaw);
-  members.required("pitch", gaze.pitch);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::RobotHeadPosture& posture)
-{
-  members.required("yaw", posture.yaw);
-  members.required("pitch", posture.pitch);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::HeadPosture& posture)
-{
-  float yaw = posture.yaw();
-  float pitch = posture.pitch();
-  float roll = posture.roll();
-  members.required("yaw", yaw);
-  members.required("pitch", pitch);
-  members.required("roll", roll);
-  posture.setHeadPosture(yaw, pitch, roll);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::Smile& smile)
-{
-  members.required("value", smile.value);
-  members.required("confidence", smile.confidence);
-}
-
 // A score that was not measured has confidence 0.
-template <typename Visitor>
-void visitScore(Visitor& members, const char* name, KV::ValueConfidence<float>& score)
+bool isDefault(const KV::ValueConfidence<float>& score)
 {
-  const bool isDefault =
-      score.value == 0.f && !std::signbit(score.value) && score.confidence == 0.f && !std::signbit(score.confidence);
-  members.optional(name, score, isDefault);
+  return score.value == 0.f && !std::signbit(score.value) && score.confidence == 0.f && !std::signbit(score.confidence);
 }
 
-template <typename Visitor>
-void visitScoresOfVoice(Visitor& members, KV::Expressions& expressions)
+// The parts of a value. Scores may be left out.
+template <typename Visitor, typename Value>
+void visit(Visitor& members, Value& value)
 {
-  visitScore(members, "calm", expressions.calm);
-  visitScore(members, "anger", expressions.anger);
-  visitScore(members, "joy", expressions.joy);
-  visitScore(members, "sorrow", expressions.sorrow);
-  visitScore(members, "laughter", expressions.laughter);
-  visitScore(members, "excitement", expressions.excitement);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::Expressions& expressions)
-{
-  visitScoresOfVoice(members, expressions);
-  visitScore(members, "surprise", expressions.surprise);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::VoiceEmotion& emotion)
-{
-  visitScoresOfVoice(members, emotion);
-}
-
-template <typename Visitor>
-void visit(Visitor& members, KV::ContextEmotion& emotion)
-{
-  members.required("valence", emotion.valence);
-  members.required("lifetime", emotion.lifetime);
+  forEachPart<Value>([&](const auto& known) {
+    auto part = known.in(value);
+    if constexpr (std::is_base_of_v<KV::Expressions, Value>)
+      members.optional(known.name, part, isDefault(part));
+    else
+      members.required(known.name, part);
+    known.put(part, value);
+  });
 }
 
 template <typename Visitor>
@@ -139,34 +80,13 @@ void visit(Visitor& members, KV::FacialPoints& facialPoints)
   }
 }
 
-// A reading that is one number or truth.
-template <typename Visitor, typename T>
-void visit(Visitor& members, T& value)
-{
-  members.required("value", value);
-}
-
 template <typename Visitor>
 void visit(Visitor& members, KV::PersonObservation& observation)
 {
-  const auto reading = [&members](const char* name, auto& field) { members.optional(name, field, !field); };
-  reading("lookingAtRobot", observation.lookingAtRobot);
-  reading("headHeight", observation.headHeight);
-  reading("distance", observation.distance);
-  reading("gaze", observation.gaze);
-  reading("smile", observation.smile);
-  reading("expressions", observation.expressions);
-  reading("headPosture", observation.headPosture);
-  reading("gender", observation.gender);
-  reading("age", observation.age);
-  reading("faceDetected", observation.faceDetected);
-  reading("facialPoints", observation.facialPoints);
-  reading("voiceEmotion", observation.voiceEmotion);
-  reading("asrEmotion", observation.asrEmotion);
-  reading("touchEmotion", observation.touchEmotion);
-  reading("contextEmotion", observation.contextEmotion);
-  reading("speaking", observation.speaking);
-  reading("robotHeadPosture", observation.robotHeadPosture);
+  forEachReading([&](const auto& known) {
+    auto& reading = known.in(observation);
+    members.optional(known.name, reading, !reading);
+  });
 }
 
 template <typename Visitor>
@@ -183,7 +103,12 @@ void visit(Visitor& members, ScopeStart& start)
   members.optional("samples", start.samples, start.samples == ScopeStart().samples);
 }
 
-bool isEmpty(const KV::PersonObservation& observation);
+bool isEmpty(const KV::PersonObservation& observation)
+{
+  bool isAnyThere = false;
+  forEachReading([&](const auto& known) { isAnyThere = isAnyThere || known.in(observation); });
+  return !isAnyThere;
+}
 
 // The step without its time, which the readings refer to.
 template <typename Visitor>
@@ -219,26 +144,6 @@ void visit(Visitor& members, StreamLine& line)
   members.optional("boundaries", line.boundaries, false);
   members.optional("leave", line.leaving, line.leaving.empty());
   visit(members, line.entry);
-}
-
-// Counts the readings.
-struct ReadingCounter
-{
-  template <typename Field>
-  void optional(const char*, Field&, bool isVoid)
-  {
-    count += isVoid ? 0 : 1;
-  }
-
-  int count = 0;
-};
-
-bool isEmpty(const KV::PersonObservation& observation)
-{
-  KV::PersonObservation copy = observation;
-  ReadingCounter counter;
-  visit(counter, copy);
-  return counter.count == 0;
 }
 
 std::int64_t nanosecondsOf(TimePoint time)
@@ -490,7 +395,7 @@ private:
     ObjectReader members(value, path, _stepTime);
     std::int64_t time = nanosecondsOf(_stepTime);
     members.optional("time", time, false);
-    T content = _blank<T>();
+    T content = blankReading<T>();
     visit(members, content);
     members.finish();
     field.emplace(timeOf(time), content);
@@ -502,15 +407,6 @@ private:
     ObjectReader members(value, path, _stepTime);
     visit(members, record);
     members.finish();
-  }
-
-  template <typename T>
-  static T _blank()
-  {
-    if constexpr (std::is_same_v<T, KV::ContextEmotion>)
-      return T(0, 0.f);
-    else
-      return T();
   }
 
   const Json& _object;

@@ -29,9 +29,8 @@ TimePoint shifted(TimePoint time, Duration offset)
 void shift(Step& entry, Duration offset)
 {
   entry.time = shifted(entry.time, offset);
-  forEachReading([&](const char*, auto member) {
-    auto& reading = entry.observation.*member;
-    if (reading)
+  forEachReading([&](const auto& known) {
+    if (auto& reading = known.in(entry.observation))
       reading->time = shifted(reading->time, offset);
   });
 }
@@ -46,7 +45,7 @@ bool isObservation(const Step& entry)
 bool collide(const KV::PersonObservation& left, const KV::PersonObservation& right)
 {
   bool result = false;
-  forEachReading([&](const char*, auto member) { result = result || (left.*member && right.*member); });
+  forEachReading([&](const auto& known) { result = result || (known.in(left) && known.in(right)); });
   return result;
 }
 
@@ -56,9 +55,9 @@ bool takeIn(Step& target, const Step& other)
   if (collide(target.observation, other.observation))
     return false;
   target.seen = target.seen || other.seen;
-  forEachReading([&](const char*, auto member) {
-    if (other.observation.*member)
-      target.observation.*member = other.observation.*member;
+  forEachReading([&](const auto& known) {
+    if (const auto& reading = known.in(other.observation))
+      known.in(target.observation) = reading;
   });
   return true;
 }

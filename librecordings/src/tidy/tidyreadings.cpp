@@ -2,12 +2,15 @@
 
 #include "input/utf8.hpp"
 
+#include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <map>
+#include <type_traits>
 #include <utility>
 
 namespace KV::recordings
@@ -76,12 +79,6 @@ public:
   /// A reading without a confidence is sure.
   float confidence() const { return has(Column::Confidence) ? number(Column::Confidence) : 1.f; }
 
-  template <typename T>
-  KV::ValueConfidence<T> withConfidence(const T& value) const
-  {
-    return {value, confidence()};
-  }
-
 private:
   void _refuseMissing(Column column) const
   {
@@ -92,82 +89,64 @@ private:
   const TidyTable& _table;
 };
 
-template <auto Member>
-void addTruth(const Fields& fields, Step& step)
+/// Reads one number or truth.
+template <typename T>
+T read(const Fields& fields, Column column)
 {
-  (step.observation.*Member).emplace(step.time, fields.truth(Column::Value));
+  if constexpr (std::is_same_v<T, bool>)
+    return fields.truth(column);
+  else if constexpr (std::is_floating_point_v<T>)
+    return fields.number(column);
+  else
+    return fields.whole<T>(column);
 }
 
-template <auto Member>
-void addNumber(const Fields& fields, Step& step)
+/// The column of a part has its name. There is one for each part of each reading.
+template <typename Part>
+Column columnOf(const Part& part)
 {
-  (step.observation.*Member).emplace(step.time, fields.number(Column::Value));
+  return tidyColumnNamed(part.name).value();
 }
 
-template <auto Member, typename Direction>
-void addDirection(const Fields& fields, Step& step)
+template <typename Value>
+std::vector<Column> columnsNeededBy()
 {
-  const Direction direction(fields.number(Column::Yaw), fields.number(Column::Pitch));
-  (step.observation.*Member).emplace(step.time, direction);
+  std::vector<Column> columns;
+  forEachPart<Value>([&columns](const auto& part) {
+    if (const Column column = columnOf(part); column != Column::Confidence)
+      columns.push_back(column);
+  });
+  return columns;
 }
 
-/// One of several scores: it joins those that the step has already.
-template <auto Member, typename Scores, auto Score>
-void addScore(const Fields& fields, Step& step)
+/// Reads a value from the columns of its parts. One without a confidence is sure.
+template <typename Value>
+Value readAll(const Fields& fields)
 {
-  const auto score = fields.withConfidence(fields.number(Column::Value));
-  auto& scores = step.observation.*Member;
-  if (!scores)
-    scores.emplace(step.time, Scores());
-  scores->value.*Score = score;
+  auto value = blankReading<Value>();
+  forEachPart<Value>([&](const auto& part) {
+    const Column column = columnOf(part);
+    if (column == Column::Confidence && !fields.has(column))
+      part.put(1.f, value);
+    else
+      part.put(read<std::decay_t<decltype(part.in(value))>>(fields, column), value);
+  });
+  return value;
 }
 
-template <auto Score>
-constexpr auto addExpression = addScore<&KV::PersonObservation::expressions, KV::Expressions, Score>;
-
-template <auto Score>
-constexpr auto addVoice = addScore<&KV::PersonObservation::voiceEmotion, KV::VoiceEmotion, Score>;
-
-template <int Point>
-void addFacialPoint(const Fields& fields, Step& step)
+/// A point has two coordinates where others have a value.
+template <>
+KV::FacialPoints::Point readAll(const Fields& fields)
 {
-  const auto point = fields.withConfidence(std::make_pair(fields.number(Column::X), fields.number(Column::Y)));
-  auto& points = step.observation.facialPoints;
-  if (!points)
-    points.emplace(step.time, KV::FacialPoints());
-  points->value.setFacialPoint(static_cast<KV::PointDescription>(Point), point);
+  const float x = fields.number(Column::X);
+  const float y = fields.number(Column::Y);
+  return {{x, y}, fields.confidence()};
 }
 
-void addSmile(const Fields& fields, Step& step)
+template <>
+std::vector<Column> columnsNeededBy<KV::FacialPoints::Point>()
 {
-  step.observation.smile.emplace(step.time, KV::Smile(fields.number(Column::Value), fields.confidence()));
-}
-
-void addHeadPosture(const Fields& fields, Step& step)
-{
-  const KV::HeadPosture posture(fields.number(Column::Yaw), fields.number(Column::Pitch), fields.number(Column::Roll));
-  step.observation.headPosture.emplace(step.time, posture);
-}
-
-void addGender(const Fields& fields, Step& step)
-{
-  step.observation.gender.emplace(step.time, fields.withConfidence(fields.truth(Column::Value)));
-}
-
-void addAge(const Fields& fields, Step& step)
-{
-  step.observation.age.emplace(step.time, fields.withConfidence(fields.whole<unsigned int>(Column::Value)));
-}
-
-void addTouch(const Fields& fields, Step& step)
-{
-  step.observation.touchEmotion.emplace(step.time, fields.whole<std::int32_t>(Column::Value));
-}
-
-void addContext(const Fields& fields, Step& step)
-{
-  const KV::ContextEmotion emotion(fields.whole<std::int32_t>(Column::Valence), fields.number(Column::Lifetime));
-  step.observation.contextEmotion.emplace(step.time, emotion);
+  return {Column::X, Column::Y};
 }
 
 void addSeen(const Fields& fields, Step& step)
@@ -201,67 +180,61 @@ void addStop(const Fields& fields, Step& step)
 /// What one reading wants of a row.
 struct Reading
 {
-  using Add = void (*)(const Fields& fields, Step& step);
-
   std::vector<Column> needed;
-  Add add = nullptr;
+  std::function<void(const Fields& fields, Step& step)> add;
   bool ofPerson = true;
   std::vector<Column> optional = {};
 };
 
-const std::map<std::string, Reading>& readings()
+using Readings = std::map<std::string, Reading>;
+
+/// A reading of several scores or points has a row for each; they join those that the step has already.
+template <typename Known>
+void addRowForEachPart(Readings& all, const Known& known)
 {
-  using KV::Expressions;
-  using Observation = KV::PersonObservation;
+  using Value = typename Known::Value;
+  forEachPart<Value>([&all, known](const auto& part) {
+    using Part = std::decay_t<decltype(part.in(std::declval<const Value&>()))>;
+    all[known.name + std::string(".") + part.name] = {columnsNeededBy<Part>(),
+                                                      [known, part](const Fields& fields, Step& step) {
+                                                        const Part read = readAll<Part>(fields);
+                                                        auto& reading = known.in(step.observation);
+                                                        if (!reading)
+                                                          reading.emplace(step.time, Value());
+                                                        part.put(read, reading->value);
+                                                      }};
+  });
+}
+
+template <typename Known>
+void addReading(Readings& all, const Known& known)
+{
+  using Value = typename Known::Value;
+  if constexpr (std::is_base_of_v<KV::Expressions, Value> || std::is_same_v<KV::FacialPoints, Value>)
+    addRowForEachPart(all, known);
+  else
+    all[known.name] = {columnsNeededBy<Value>(), [known](const Fields& fields, Step& step) {
+                         known.in(step.observation).emplace(step.time, readAll<Value>(fields));
+                       }};
+}
+
+Readings makeReadings()
+{
   const std::vector<Column> value = {Column::Value};
-  const std::vector<Column> direction = {Column::Yaw, Column::Pitch};
-  const std::vector<Column> point = {Column::X, Column::Y};
-  static const std::map<std::string, Reading> all = {
+  Readings all = {
       {"seen", {value, addSeen}},
-      {"lookingAtRobot", {value, addTruth<&Observation::lookingAtRobot>}},
-      {"headHeight", {value, addNumber<&Observation::headHeight>}},
-      {"distance", {value, addNumber<&Observation::distance>}},
-      {"gaze", {direction, addDirection<&Observation::gaze, KV::Gaze>}},
-      {"smile", {value, addSmile}},
-      {"expressions.calm", {value, addExpression<&Expressions::calm>}},
-      {"expressions.anger", {value, addExpression<&Expressions::anger>}},
-      {"expressions.joy", {value, addExpression<&Expressions::joy>}},
-      {"expressions.sorrow", {value, addExpression<&Expressions::sorrow>}},
-      {"expressions.laughter", {value, addExpression<&Expressions::laughter>}},
-      {"expressions.excitement", {value, addExpression<&Expressions::excitement>}},
-      {"expressions.surprise", {value, addExpression<&Expressions::surprise>}},
-      {"headPosture", {{Column::Yaw, Column::Pitch, Column::Roll}, addHeadPosture}},
-      {"gender", {value, addGender}},
-      {"age", {value, addAge}},
-      {"faceDetected", {value, addTruth<&Observation::faceDetected>}},
-      {"facialPoints.0", {point, addFacialPoint<0>}},
-      {"facialPoints.1", {point, addFacialPoint<1>}},
-      {"facialPoints.2", {point, addFacialPoint<2>}},
-      {"facialPoints.3", {point, addFacialPoint<3>}},
-      {"facialPoints.4", {point, addFacialPoint<4>}},
-      {"facialPoints.5", {point, addFacialPoint<5>}},
-      {"facialPoints.6", {point, addFacialPoint<6>}},
-      {"facialPoints.7", {point, addFacialPoint<7>}},
-      {"facialPoints.8", {point, addFacialPoint<8>}},
-      {"facialPoints.9", {point, addFacialPoint<9>}},
-      {"facialPoints.10", {point, addFacialPoint<10>}},
-      {"facialPoints.11", {point, addFacialPoint<11>}},
-      {"voiceEmotion.calm", {value, addVoice<&Expressions::calm>}},
-      {"voiceEmotion.anger", {value, addVoice<&Expressions::anger>}},
-      {"voiceEmotion.joy", {value, addVoice<&Expressions::joy>}},
-      {"voiceEmotion.sorrow", {value, addVoice<&Expressions::sorrow>}},
-      {"voiceEmotion.laughter", {value, addVoice<&Expressions::laughter>}},
-      {"voiceEmotion.excitement", {value, addVoice<&Expressions::excitement>}},
-      {"asrEmotion", {value, addNumber<&Observation::asrEmotion>}},
-      {"touchEmotion", {value, addTouch}},
-      {"contextEmotion", {{Column::Valence, Column::Lifetime}, addContext}},
-      {"speaking", {value, addTruth<&Observation::speaking>}},
-      {"robotHeadPosture", {direction, addDirection<&Observation::robotHeadPosture, KV::RobotHeadPosture>}},
       {"ambiance.activity", {value, addActivity, false}},
       {"ambiance.movements", {value, addMovements, false}},
       {"start", {value, addStart, false, {Column::Samples}}},
       {"stop", {value, addStop, false}},
   };
+  forEachReading([&all](const auto& known) { addReading(all, known); });
+  return all;
+}
+
+const Readings& readings()
+{
+  static const Readings all = makeReadings();
   return all;
 }
 

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace KV::session
@@ -12,86 +15,36 @@ namespace KV::session
 namespace
 {
 
-/// Adds all numbers of one reading to their ranges.
-class Numbers
+using Ranges = std::map<std::string, NumberRange>;
+
+template <typename Value>
+void addNumbers(Ranges& ranges, const std::string& name, const Value& value);
+
+// A score with confidence 0 was not measured.
+void addScores(Ranges& ranges, const std::string& name, const KV::Expressions& scores)
 {
-public:
-  Numbers(std::map<std::string, NumberRange>& ranges, std::string name) : _ranges(ranges), _name(std::move(name)) {}
+  forEachPart<KV::Expressions>([&](const auto& part) {
+    if (const auto& score = part.in(scores); score.confidence != 0.f)
+      addNumbers(ranges, name + "." + part.name, score);
+  });
+}
 
-  template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number>>>
-  void add(Number number)
-  {
-    _ranges[_name].add(static_cast<double>(number));
-  }
-
-  template <typename T>
-  void add(const KV::ValueConfidence<T>& value)
-  {
-    _add("", value.value);
-    _add("confidence", value.confidence);
-  }
-
-  void add(const KV::Smile& smile)
-  {
-    _add("", smile.value);
-    _add("confidence", smile.confidence);
-  }
-
-  void add(const KV::Gaze& gaze) { _addDirection(gaze); }
-  void add(const KV::RobotHeadPosture& posture) { _addDirection(posture); }
-
-  void add(const KV::HeadPosture& posture)
-  {
-    _add("yaw", posture.yaw());
-    _add("pitch", posture.pitch());
-    _add("roll", posture.roll());
-  }
-
-  void add(const KV::ContextEmotion& emotion)
-  {
-    _add("valence", emotion.valence);
-    _add("lifetime", emotion.lifetime);
-  }
-
-  void add(const KV::FacialPoints& points) { _add("confidence", points.globalConfidence()); }
-
-  void add(const KV::Expressions& scores)
-  {
-    _addScore("calm", scores.calm);
-    _addScore("anger", scores.anger);
-    _addScore("joy", scores.joy);
-    _addScore("sorrow", scores.sorrow);
-    _addScore("laughter", scores.laughter);
-    _addScore("excitement", scores.excitement);
-    _addScore("surprise", scores.surprise);
-  }
-
-  void add(const KV::VoiceEmotion& emotion) { add(static_cast<const KV::Expressions&>(emotion)); }
-
-private:
-  template <typename Direction>
-  void _addDirection(const Direction& direction)
-  {
-    _add("yaw", direction.yaw);
-    _add("pitch", direction.pitch);
-  }
-
-  /// A score with confidence 0 was not measured.
-  void _addScore(const std::string& member, const KV::ValueConfidence<float>& score)
-  {
-    if (score.confidence != 0.f)
-      Numbers(_ranges, _name + "." + member).add(score);
-  }
-
-  template <typename Number>
-  void _add(const std::string& member, Number number)
-  {
-    _ranges[_name + (member.empty() ? "" : ".") + member].add(static_cast<double>(number));
-  }
-
-  std::map<std::string, NumberRange>& _ranges;
-  std::string _name;
-};
+/// Adds all numbers of a value to their ranges; a part "value" is known by the name of the reading alone.
+template <typename Value>
+void addNumbers(Ranges& ranges, const std::string& name, const Value& value)
+{
+  if constexpr (std::is_arithmetic_v<Value>)
+    ranges[name].add(static_cast<double>(value));
+  else if constexpr (std::is_base_of_v<KV::Expressions, Value>)
+    addScores(ranges, name, value);
+  else if constexpr (std::is_same_v<KV::FacialPoints, Value>)
+    ranges[name + ".confidence"].add(static_cast<double>(value.globalConfidence()));
+  else
+    forEachPart<Value>([&](const auto& part) {
+      const bool isValue = std::string_view(part.name) == "value";
+      addNumbers(ranges, isValue ? name : name + "." + part.name, part.in(value));
+    });
+}
 
 }  // namespace
 
@@ -114,9 +67,9 @@ void Inspection::add(const recordings::Step& entry)
     ++_scopes[scope.name];
   if (entry.ambianceActivity)
     _numbers["ambiance.activity"].add(static_cast<double>(*entry.ambianceActivity));
-  forEachReading([&](const char* name, auto member) {
-    if (const auto& reading = entry.observation.*member)
-      Numbers(_numbers, name).add(reading->value);
+  forEachReading([&](const auto& known) {
+    if (const auto& reading = known.in(entry.observation))
+      addNumbers(_numbers, known.name, reading->value);
   });
 }
 

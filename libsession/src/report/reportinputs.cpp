@@ -1,7 +1,14 @@
 #include <skeigiot/session/reportinputs.hpp>
 
+#include <skeigiot/readings.hpp>
+
 #include <algorithm>
 #include <limits>
+#include <map>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace KV::session
 {
@@ -9,94 +16,72 @@ namespace KV::session
 namespace
 {
 
-using KV::Expressions;
-using KV::PersonObservation;
-using Score = KV::ValueConfidence<float>;
+using Number = std::function<float(const KV::PersonObservation&)>;
 
 constexpr float missing = std::numeric_limits<float>::quiet_NaN();
 
-template <auto reading>
-float number(const PersonObservation& observation)
-{
-  const auto& value = observation.*reading;
-  return value ? static_cast<float>(value->value) : missing;
-}
-
 /// A score with confidence 0 was not measured.
-float measured(const Score& score)
+float numberOf(const KV::ValueConfidence<float>& score)
 {
   return score.confidence == 0.f ? missing : score.value;
 }
 
-template <Score Expressions::*score>
-float face(const PersonObservation& observation)
+template <typename T, typename = std::enable_if_t<std::is_arithmetic_v<T>>>
+float numberOf(T number)
 {
-  return observation.expressions ? measured(observation.expressions->value.*score) : missing;
+  return static_cast<float>(number);
 }
 
-template <Score Expressions::*score>
-float voice(const PersonObservation& observation)
+/// The numbers that readings consist of, by their names: "distance", "gaze.yaw", "expressions.joy". There is none of
+/// the points of a face.
+std::map<std::string, Number> numbersOfReadings()
 {
-  if (!observation.voiceEmotion)
-    return missing;
-  const Expressions& scores = observation.voiceEmotion->value;
-  return measured(scores.*score);
+  std::map<std::string, Number> all;
+  forEachReading([&all](const auto& known) {
+    using Value = typename std::decay_t<decltype(known)>::Value;
+    if constexpr (!std::is_same_v<Value, KV::FacialPoints>)
+      forEachPart<Value>([&all, known](const auto& part) {
+        const bool isValue = std::string_view(part.name) == "value";
+        all[isValue ? known.name : known.name + std::string(".") + part.name] =
+            [known, part](const KV::PersonObservation& observation) {
+              const auto& reading = known.in(observation);
+              return reading ? numberOf(part.in(reading->value)) : missing;
+            };
+      });
+  });
+  return all;
 }
 
-float smile(const PersonObservation& observation)
+ReportInputs makeReportInputs()
 {
-  return observation.smile ? observation.smile->value.value : missing;
-}
-
-float headYaw(const PersonObservation& observation)
-{
-  return observation.headPosture ? observation.headPosture->value.yaw() : missing;
-}
-
-float headPitch(const PersonObservation& observation)
-{
-  return observation.headPosture ? observation.headPosture->value.pitch() : missing;
-}
-
-float gazeYaw(const PersonObservation& observation)
-{
-  return observation.gaze ? observation.gaze->value.yaw : missing;
-}
-
-float gazePitch(const PersonObservation& observation)
-{
-  return observation.gaze ? observation.gaze->value.pitch : missing;
-}
-
-float context(const PersonObservation& observation)
-{
-  return observation.contextEmotion ? static_cast<float>(observation.contextEmotion->value.valence) : missing;
+  const auto numbers = numbersOfReadings();
+  return {{{"smile", numbers.at("smile"), false},
+           {"joy", numbers.at("expressions.joy"), false},
+           {"sorrow", numbers.at("expressions.sorrow"), false},
+           {"anger", numbers.at("expressions.anger"), false},
+           {"surprise", numbers.at("expressions.surprise"), false},
+           {"calm", numbers.at("expressions.calm"), false},
+           {"voiceJoy", numbers.at("voiceEmotion.joy"), false},
+           {"voiceSorrow", numbers.at("voiceEmotion.sorrow"), false},
+           {"voiceAnger", numbers.at("voiceEmotion.anger"), false},
+           {"voiceCalm", numbers.at("voiceEmotion.calm"), false},
+           {"headYaw", numbers.at("headPosture.yaw"), false},
+           {"headPitch", numbers.at("headPosture.pitch"), false},
+           {"gazeYaw", numbers.at("gaze.yaw"), false},
+           {"gazePitch", numbers.at("gaze.pitch"), false},
+           {"distance", numbers.at("distance"), false},
+           {"headHeight", numbers.at("headHeight"), false},
+           {"speaking", numbers.at("speaking"), false},
+           {"speech", numbers.at("asrEmotion"), true},
+           {"touch", numbers.at("touchEmotion"), true},
+           {"context", numbers.at("contextEmotion.valence"), true}}};
 }
 
 }  // namespace
 
 const ReportInputs& reportInputs()
 {
-  static const ReportInputs all{{{"smile", smile, false},
-                                 {"joy", face<&Expressions::joy>, false},
-                                 {"sorrow", face<&Expressions::sorrow>, false},
-                                 {"anger", face<&Expressions::anger>, false},
-                                 {"surprise", face<&Expressions::surprise>, false},
-                                 {"calm", face<&Expressions::calm>, false},
-                                 {"voiceJoy", voice<&Expressions::joy>, false},
-                                 {"voiceSorrow", voice<&Expressions::sorrow>, false},
-                                 {"voiceAnger", voice<&Expressions::anger>, false},
-                                 {"voiceCalm", voice<&Expressions::calm>, false},
-                                 {"headYaw", headYaw, false},
-                                 {"headPitch", headPitch, false},
-                                 {"gazeYaw", gazeYaw, false},
-                                 {"gazePitch", gazePitch, false},
-                                 {"distance", number<&PersonObservation::distance>, false},
-                                 {"headHeight", number<&PersonObservation::headHeight>, false},
-                                 {"speaking", number<&PersonObservation::speaking>, false},
-                                 {"speech", number<&PersonObservation::asrEmotion>, true},
-                                 {"touch", number<&PersonObservation::touchEmotion>, true},
-                                 {"context", context, true}}};
+  static const ReportInputs all = makeReportInputs();
   return all;
 }
 

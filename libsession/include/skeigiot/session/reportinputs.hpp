@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 
 namespace KV::session
 {
@@ -13,8 +14,8 @@ namespace KV::session
 struct SKEIGIOT_API ReportInput
 {
   const char* name;
-  float (*of)(const KV::PersonObservation&);  ///< NaN if it was not observed
-  bool isEvent;                               ///< happens now and then, and each time matters
+  std::function<float(const KV::PersonObservation&)> of;  ///< NaN if it was not observed
+  bool isEvent;                                           ///< happens now and then, and each time matters
 };
 
 constexpr std::size_t reportInputCount = 20;
