@@ -13,8 +13,9 @@ each with the text that the C++ exception has; ``TypeError`` for an argument of 
 
 from . import classification, ko
 from ._boundaries import restoredBoundaries
-from ._errors import RecordingError, RecordingWarning
-from ._replay import FORMATS, Columns, PersonVerdict, Replay, ScopeVerdict, replay, replay_all
+from ._replay import replay, replay_all
+from ._result import Columns, PersonVerdict, RecordingError, RecordingWarning, Replay, ScopeVerdict
+from ._settings import FORMATS
 from ._skeigiot import (
     AmbianceDescription,
     AmbianceState,

@@ -10,7 +10,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _skeigiot
-from ._errors import RecordingError
+from ._result import RecordingError
 
 PackedColumn = Tuple[str, Union["npt.NDArray[np.float64]", List[str]]]
 PackedFrame = Tuple[str, int, Optional["npt.NDArray[np.int64]"], List[PackedColumn]]

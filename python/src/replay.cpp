@@ -332,7 +332,7 @@ void translateRecordingError(std::exception_ptr exception)
   }
   catch (const KV::recordings::Error& error)
   {
-    const py::object type = py::module_::import("skeigiot._errors").attr("RecordingError");
+    const py::object type = py::module_::import("skeigiot._result").attr("RecordingError");
     PyErr_SetObject(type.ptr(), type(*errorOf(error).cast<py::tuple>()).ptr());
   }
 }

@@ -1,7 +1,13 @@
 """The package as a whole."""
 
+import ast
+import graphlib
+import inspect
 import sys
+from pathlib import Path
+from typing import Any
 
+import pytest
 import skeigiot
 
 
@@ -33,3 +39,37 @@ def test_signatures_show_the_names_that_users_write() -> None:
     assert "self: skeigiot.PersonState, description: PersonDescription" in (
         skeigiot.PersonState.personEmotion.__doc__ or ""
     )
+
+
+def imports_of(module: Path) -> set[str]:
+    """Returns the names of the package's own modules that this one imports, for type checkers as well."""
+    modules: set[str] = set()
+    for node in ast.walk(ast.parse(module.read_text(encoding="utf-8"))):
+        if isinstance(node, ast.ImportFrom) and node.level > 0:
+            modules.update([node.module] if node.module else [alias.name for alias in node.names])
+    return modules
+
+
+def test_modules_import_each_other_in_no_circle() -> None:
+    package = Path(skeigiot.__file__ or "").parent
+    imports = {module.stem: imports_of(module) for module in package.glob("*.py")}
+    order = list(graphlib.TopologicalSorter(imports).static_order())
+
+    assert order.index("_skeigiot") < order.index("_result") < order.index("_replay") < order.index("__init__")
+
+
+def test_every_call_that_replays_takes_the_same_settings() -> None:
+    one = inspect.signature(skeigiot.replay).parameters
+    several = inspect.signature(skeigiot.replay_all).parameters
+
+    assert set(one) - set(several) == {"recording", "offsets"}
+    assert set(several) - set(one) == {"recordings", "jobs"}
+    assert len(set(one) & set(several)) == 13
+    assert all(one[name] == several[name] for name in set(one) & set(several))
+    assert all(parameter.kind == parameter.KEYWORD_ONLY for parameter in list(one.values())[1:])
+
+
+def test_a_wrong_argument_of_a_replay_is_told_by_its_name() -> None:
+    wrong: dict[str, Any] = {"fbs": 25}
+    with pytest.raises(TypeError, match=r"^replay\(\) got an unexpected keyword argument 'fbs'$"):
+        skeigiot.replay("face.csv", **wrong)

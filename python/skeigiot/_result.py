@@ -1,0 +1,179 @@
+"""What came of a replay, and what may be wrong with recordings."""
+
+from __future__ import annotations
+
+from collections.abc import Mapping
+from dataclasses import dataclass
+from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+if TYPE_CHECKING:
+    import pandas  # type: ignore[import]
+
+
+class RecordingError(ValueError):
+    """A recording that cannot be read; the text says where, and what was expected.
+
+    file, line and field (a column, or a member of JSON) are None where they say nothing. For a frame, the file is
+    "frame, row N", with rows counted from 0. What came before the error stands in replay, unless nothing was read.
+    """
+
+    def __init__(self, text: str, file: str = "", line: int = 0, field: str = "") -> None:
+        super().__init__(text)
+        self.file: Optional[str] = file or None
+        self.line: Optional[int] = line or None
+        self.field: Optional[str] = field or None
+        self.replay: Optional[Replay] = None
+
+
+class RecordingWarning(UserWarning):
+    """Something about a recording that is to be known, and does not keep it from being read."""
+
+
+class Columns(Dict[str, "npt.NDArray[Any]"]):
+    """A table: a dict of NumPy arrays of one length, by the names of the columns."""
+
+    @property
+    def rows(self) -> int:
+        """How many rows there are."""
+        return next((len(column) for column in self.values()), 0)
+
+    def where(self, mask: npt.NDArray[Any]) -> Columns:
+        """Returns the rows for which the mask is true, or whose numbers it holds."""
+        return Columns((name, column[mask]) for name, column in self.items())
+
+    def to_pandas(self) -> pandas.DataFrame:
+        """Returns the table as a pandas frame, with the column clock in UTC.
+
+        Raises ImportError if there is no pandas.
+        """
+        import pandas
+
+        frame = pandas.DataFrame(dict(self))
+        if "clock" in self:
+            frame["clock"] = frame["clock"].dt.tz_localize("UTC")
+        return frame
+
+
+@dataclass(frozen=True)
+class PersonVerdict:
+    """How a scope went for one person."""
+
+    word: str
+    """"positive", "neutral", "negative" or "unknown\""""
+    updates: int
+    """how many updates it stands on"""
+
+
+@dataclass(frozen=True)
+class ScopeVerdict:
+    """How a scope went, for each person with an update in it."""
+
+    scope: str
+    """the name; "whole recording" for all of it"""
+    start: float
+    """[s] since the start of the recording"""
+    stop: float
+    """[s] since the start of the recording; of the last update where that is what ended it"""
+    end: str
+    """"complete", "not stopped", "cut short", "not reached" or "not open" (stopped, though never started)"""
+    persons: Dict[int, PersonVerdict]
+
+
+class Replay:
+    """What the library thought of the persons in a recording.
+
+    updates has a row for each update of each person, in their order, with the columns that `skeigiot replay --csv`
+    exports:
+
+    - recording: number of the session, from 1
+    - person: identifier
+    - time: [s] since the start of the recording
+    - clock: the time itself, datetime64[ns] in UTC
+    - seen: whether the person was observed in this update, or only aged
+    - valence, valence_confidence: -1 to 1, 0 to 1, in single precision as all estimates
+    - valence_binary: 1, 0 or -1
+    - unsmoothed_valence_binary, unsmoothed_valence_confidence: of the valence that follows the observations at once
+    - attention, attention_confidence: 0 to 1 each
+    - zone: "LookingAtRobot", "LookingUp", ..., "LookingDownRight" or "Unknown"
+    - pleasure: "positive", "neutral", "negative" or "unknown"
+    - ease, ease_confidence: of the body language, -0.5 to 0.5, 0 to 1
+
+    persons has the rows of each person, by the number of the person.
+
+    With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
+    update in updates), person, time, source (such as "Touch emotion"), quantity ("valence", "attention confidence",
+    ...), target, weight, before and after: after is before + weight * (target - before), held in the range of the
+    quantity. zone_changes has row, person, time, from, to, and evidence, which is what decided. Otherwise they have no
+    columns.
+
+    ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was
+    none. verdicts are those on the whole recording and on all scopes. description says in which way the recording was
+    read; warnings are the texts of all warnings; length is in seconds; name names the recording; error is what ended it
+    before its end, None if nothing did.
+    """
+
+    def __init__(self, outcome: Dict[str, Any]) -> None:
+        self.name: str = outcome["name"]
+        self.length: float = outcome["length"]
+        self.description: List[str] = outcome["description"]
+        self.warnings: List[str] = outcome["warnings"]
+        self.updates = _timed(_columns(outcome["updates"]))
+        self.forces = self._with_persons(_columns(outcome["forces"]))
+        self.zone_changes = self._with_persons(_columns(outcome["zone_changes"]))
+        self.ambiance = _timed(_columns(outcome["ambiance"]))
+        self.persons: Dict[int, Columns] = self._persons()
+        self.verdicts = [_verdict(*verdict) for verdict in outcome["verdicts"]]
+        self.error: Optional[RecordingError] = None
+        if outcome["error"] is not None:
+            self.error = RecordingError(*outcome["error"])
+            self.error.replay = self
+
+    def to_pandas(self) -> pandas.DataFrame:
+        """Returns the updates as a pandas frame. Raises ImportError if there is no pandas."""
+        return self.updates.to_pandas()
+
+    def __repr__(self) -> str:
+        return f"<Replay of {self.name}: {self.updates.rows} updates of {len(self.persons)} persons, {self.length:g} s>"
+
+    def _persons(self) -> Dict[int, Columns]:
+        if not self.updates:
+            return {}
+        person = self.updates["person"]
+        return {int(number): self.updates.where(person == number) for number in np.unique(person)}
+
+    def _with_persons(self, table: Columns) -> Columns:
+        if not table:
+            return table
+        row = table["row"]
+        return Columns(
+            {"row": row, "person": self.updates["person"][row], "time": self.updates["time"][row]}, **table
+        )
+
+
+def _columns(raw: Dict[str, Any]) -> Columns:
+    columns = Columns()
+    for name, values in raw.items():
+        if isinstance(values, tuple):
+            codes, texts = values
+            columns[name] = np.array(texts, dtype=object)[codes]
+        else:
+            columns[name] = values
+    return columns
+
+
+def _timed(table: Columns) -> Columns:
+    if table:
+        table["time"] = table["time"] / 1e9
+        table["clock"] = table["clock"].view("datetime64[ns]")
+    return table
+
+
+def _verdict(
+    scope: str, start: float, stop: float, end: str, persons: Mapping[int, Tuple[str, int]]
+) -> ScopeVerdict:
+    return ScopeVerdict(
+        scope, start, stop, end, {person: PersonVerdict(*verdict) for person, verdict in persons.items()}
+    )
