@@ -1,5 +1,7 @@
 #include "ros4hri/ros4hritopics.hpp"
 
+#include <skeigiot/recordings/description.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -57,6 +59,29 @@ std::optional<RosTopic> rosTopicOf(const std::string& name)
     if (const auto id = idIn(name, pattern))
       return RosTopic{pattern.kind, std::string(pattern.type), *id};
   return {};
+}
+
+bool isAboutPersons(const RosTopic& topic)
+{
+  return topic.kind == RosTopicKind::FaceOfPerson || topic.kind == RosTopicKind::VoiceOfPerson;
+}
+
+std::string expectedRosTopics()
+{
+  return "expected /tf or topics of ROS4HRI below /humans";
+}
+
+std::string describeRosTopics(const std::vector<RosTopic>& topics)
+{
+  const auto has = [&topics](RosTopicKind kind) {
+    return std::any_of(topics.begin(), topics.end(), [kind](const RosTopic& topic) { return topic.kind == kind; });
+  };
+  return describeMissing({{has(RosTopicKind::Transforms), "frames"},
+                          {has(RosTopicKind::TrackedFaces), "tracked faces"},
+                          {has(RosTopicKind::Expression), "expressions"},
+                          {has(RosTopicKind::ActionUnits), "action units"},
+                          {has(RosTopicKind::Landmarks), "landmarks"},
+                          {has(RosTopicKind::Speaking) || has(RosTopicKind::Speech), "speech"}});
 }
 
 }  // namespace KV::recordings

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace KV::recordings
 {
@@ -30,5 +31,14 @@ struct RosTopic
 
 /// Returns what the topic with this name tells; nothing if it is not read.
 std::optional<RosTopic> rosTopicOf(const std::string& name);
+
+/// Tells whether the topic says who has which face or voice.
+bool isAboutPersons(const RosTopic& topic);
+
+/// Says which topics are read, for an error about a source that has none of them.
+std::string expectedRosTopics();
+
+/// Says which kinds of topics these are, and which are missing.
+std::string describeRosTopics(const std::vector<RosTopic>& topics);
 
 }  // namespace KV::recordings

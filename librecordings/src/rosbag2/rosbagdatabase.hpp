@@ -22,7 +22,7 @@ class UnpackedFile;
 struct BagTopic
 {
   std::string name;
-  std::string type;    ///< such as "std_msgs/msg/Bool"
+  std::string type;    ///< of its messages, as ROS writes it
   std::string format;  ///< of its messages: "cdr"
 };
 

@@ -2,7 +2,6 @@
 
 #include "recording/recordingclock.hpp"
 
-#include <skeigiot/recordings/description.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -10,7 +9,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -91,7 +89,7 @@ bool isRosbagFolder(const std::string& path)
 }
 
 RosbagReader::RosbagReader(const std::string& path, const ReadingOptions& options)
-  : _options(options), _cycles(options, _persons)
+  : _options(options), _dispatch(options)
 {
   _openAll(path);
   _readPersons();
@@ -109,7 +107,7 @@ boost::optional<Step> RosbagReader::next()
 {
   for (;;)
   {
-    if (auto entry = _cycles.take())
+    if (auto entry = _dispatch.next())
       return entry;
     if (_finished)
       return {};
@@ -131,7 +129,7 @@ std::vector<std::string> RosbagReader::describe() const
               _describeTopics(),
           "times at which the messages were received" +
               std::string(_origin == 0 ? "" : ", placed at 2020-01-01 since they count from the start") + "; " +
-              _persons.describe()};
+              _dispatch.describePersons()};
 }
 
 std::vector<std::string> RosbagReader::takeWarnings()
@@ -154,7 +152,7 @@ void RosbagReader::_openAll(const std::string& path)
     return beginOf(left.database) < beginOf(right.database);
   });
   if (std::all_of(_files.begin(), _files.end(), [](const File& file) { return file.topics.empty(); }))
-    throw Error({path, 0, {}}, "has no topic that is read: expected /tf or topics of ROS4HRI below /humans");
+    throw Error({path, 0, {}}, "has no topic that is read: " + expectedRosTopics());
 }
 
 RosbagReader::File RosbagReader::_opened(const std::string& path)
@@ -184,17 +182,10 @@ void RosbagReader::_readPersons()
   {
     std::vector<std::int64_t> keys;
     for (const auto& [key, topic] : file.topics)
-      if (topic.kind == RosTopicKind::FaceOfPerson || topic.kind == RosTopicKind::VoiceOfPerson)
+      if (isAboutPersons(topic))
         keys.push_back(key);
     file.database.forEachDifferent(keys, [&](BagMessage& message) {
-      const RosTopic& topic = file.topics.at(message.topic);
-      guarded(file.database, message, [&] {
-        const std::string id = readString(message.data);
-        if (topic.kind == RosTopicKind::FaceOfPerson)
-          _persons.addFace(topic.id, id);
-        else
-          _persons.addVoice(topic.id, id);
-      });
+      guarded(file.database, message, [&] { _dispatch.takePerson(file.topics.at(message.topic), message.data); });
     });
   }
 }
@@ -217,43 +208,10 @@ bool RosbagReader::_readMessage()
     return false;
   _time = message.time;
   guarded(file.database, message, [&] {
-    _cycles.advance(_timeOf(message.time));
-    _take(file.topics.at(message.topic), message);
+    _dispatch.advance(_timeOf(message.time));
+    _dispatch.take(file.topics.at(message.topic), message.data);
   });
   return true;
-}
-
-void RosbagReader::_take(const RosTopic& topic, BagMessage& message)
-{
-  switch (topic.kind)
-  {
-    case RosTopicKind::Transforms:
-      return _cycles.transform(readTransforms(message.data));
-    case RosTopicKind::TrackedFaces:
-      return _cycles.trackedFaces(readIdsList(message.data));
-    case RosTopicKind::Expression:
-      return _cycles.expression(topic.id, readExpression(message.data));
-    case RosTopicKind::ActionUnits:
-      return _cycles.actionUnits(topic.id, readActionUnits(message.data));
-    case RosTopicKind::Landmarks:
-      return _cycles.landmarks(topic.id, readLandmarks(message.data));
-    case RosTopicKind::Speaking:
-      return _cycles.speaking(topic.id, readBool(message.data));
-    case RosTopicKind::Speech:
-      return _takeSpeech(topic.id, message);
-    default:
-      return;  // persons were read before
-  }
-}
-
-// Who is recognised while speaking speaks; with the final text the sentence is over.
-void RosbagReader::_takeSpeech(const std::string& voice, BagMessage& message)
-{
-  const RosSpeech speech = readSpeech(message.data);
-  if (!speech.final.empty())
-    _cycles.speaking(voice, false);
-  else if (!speech.incremental.empty())
-    _cycles.speaking(voice, true);
 }
 
 ko::SystemClock::time_point RosbagReader::_timeOf(std::int64_t nanoseconds) const
@@ -266,26 +224,18 @@ ko::SystemClock::time_point RosbagReader::_timeOf(std::int64_t nanoseconds) cons
 void RosbagReader::_finish()
 {
   _finished = true;
-  _cycles.finish();
-  if (_cycles.gaze() == RosbagCycles::Gaze::FollowsFace)
-    _warnings.emplace_back("the eyes were not tracked: the frames of the gazes never move against those of the faces");
-  if (_cycles.gaze() == RosbagCycles::Gaze::None)
-    _warnings.emplace_back("there are no frames of gazes: the attention of who faces the camera cannot be told");
+  _dispatch.finish();
+  for (const std::string& warning : _dispatch.warnings())
+    _warnings.push_back(warning);
 }
 
 std::string RosbagReader::_describeTopics() const
 {
-  std::set<RosTopicKind> kinds;
+  std::vector<RosTopic> topics;
   for (const File& file : _files)
     for (const auto& [key, topic] : file.topics)
-      kinds.insert(topic.kind);
-  const auto has = [&kinds](RosTopicKind kind) { return kinds.count(kind) > 0; };
-  return describeMissing({{has(RosTopicKind::Transforms), "frames"},
-                          {has(RosTopicKind::TrackedFaces), "tracked faces"},
-                          {has(RosTopicKind::Expression), "expressions"},
-                          {has(RosTopicKind::ActionUnits), "action units"},
-                          {has(RosTopicKind::Landmarks), "landmarks"},
-                          {has(RosTopicKind::Speaking) || has(RosTopicKind::Speech), "speech"}});
+      topics.push_back(topic);
+  return describeRosTopics(topics);
 }
 
 }  // namespace KV::recordings

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "ros4hri/ros4hripersons.hpp"
-#include "ros4hri/ros4hristeps.hpp"
+#include "ros4hri/ros4hridispatch.hpp"
 #include "ros4hri/ros4hritopics.hpp"
 #include "rosbag2/rosbagdatabase.hpp"
 
@@ -22,7 +21,7 @@ bool looksLikeRosbag(const std::string& head);
 /// Tells whether the path is the folder of a bag of ROS 2.
 bool isRosbagFolder(const std::string& path);
 
-/// Reads a bag of ROS 2 stored by SQLite, with what the nodes of ROS4HRI tell of persons.
+/// Reads a bag of ROS 2 stored by SQLite: hands its messages to a Ros4hriDispatch, which knows the topics.
 ///
 /// Times are those at which the messages were received, as a running robot would have had them: stamps come from the
 /// clocks of other machines, may be 0 and, of static frames, are older than the bag. Bags of a simulation, whose times
@@ -52,16 +51,13 @@ private:
   void _readPersons();
   void _beginFile();
   bool _readMessage();
-  void _take(const RosTopic& topic, BagMessage& message);
-  void _takeSpeech(const std::string& voice, BagMessage& message);
   ko::SystemClock::time_point _timeOf(std::int64_t nanoseconds) const;
   void _finish();
   std::string _describeTopics() const;
 
   ReadingOptions _options;
   std::vector<File> _files;  // by the times of their first messages
-  RosbagPersons _persons;
-  RosbagCycles _cycles;
+  Ros4hriDispatch _dispatch;
   std::vector<std::string> _warnings;
   std::size_t _file = 0;  // being read
   std::int64_t _first = 0;

@@ -1,0 +1,82 @@
+#include "ros4hri/ros4hridispatch.hpp"
+
+namespace KV::recordings
+{
+
+Ros4hriDispatch::Ros4hriDispatch(const ReadingOptions& options) : _cycles(options, _persons) {}
+
+void Ros4hriDispatch::advance(RosbagCycles::TimePoint time)
+{
+  _cycles.advance(time);
+}
+
+void Ros4hriDispatch::takePerson(const RosTopic& topic, RosData& data)
+{
+  if (topic.kind == RosTopicKind::FaceOfPerson)
+    _persons.addFace(topic.id, readString(data));
+  else if (topic.kind == RosTopicKind::VoiceOfPerson)
+    _persons.addVoice(topic.id, readString(data));
+}
+
+void Ros4hriDispatch::take(const RosTopic& topic, RosData& data)
+{
+  switch (topic.kind)
+  {
+    case RosTopicKind::Transforms:
+      return _cycles.transform(readTransforms(data));
+    case RosTopicKind::TrackedFaces:
+      return _cycles.trackedFaces(readIdsList(data));
+    case RosTopicKind::Expression:
+      return _cycles.expression(topic.id, readExpression(data));
+    case RosTopicKind::ActionUnits:
+      return _cycles.actionUnits(topic.id, readActionUnits(data));
+    case RosTopicKind::Landmarks:
+      return _cycles.landmarks(topic.id, readLandmarks(data));
+    case RosTopicKind::Speaking:
+      return _cycles.speaking(topic.id, readBool(data));
+    case RosTopicKind::Speech:
+      return _takeSpeech(topic.id, data);
+    default:
+      return;  // takePerson() reads them
+  }
+}
+
+// Who is recognised while speaking speaks; with the final text the sentence is over.
+void Ros4hriDispatch::_takeSpeech(const std::string& voice, RosData& data)
+{
+  const RosSpeech speech = readSpeech(data);
+  if (!speech.final.empty())
+    _cycles.speaking(voice, false);
+  else if (!speech.incremental.empty())
+    _cycles.speaking(voice, true);
+}
+
+void Ros4hriDispatch::finish()
+{
+  _cycles.finish();
+}
+
+boost::optional<Step> Ros4hriDispatch::next()
+{
+  return _cycles.take();
+}
+
+std::vector<std::string> Ros4hriDispatch::warnings() const
+{
+  switch (_cycles.gaze())
+  {
+    case RosbagCycles::Gaze::FollowsFace:
+      return {"the eyes were not tracked: the frames of the gazes never move against those of the faces"};
+    case RosbagCycles::Gaze::None:
+      return {"there are no frames of gazes: the attention of who faces the camera cannot be told"};
+    default:
+      return {};
+  }
+}
+
+std::string Ros4hriDispatch::describePersons() const
+{
+  return _persons.describe();
+}
+
+}  // namespace KV::recordings
