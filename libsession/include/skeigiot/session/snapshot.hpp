@@ -3,18 +3,15 @@
 #include <skeigiot/api.hpp>
 #include <skeigiot/bodylanguageease.hpp>
 #include <skeigiot/personstate.hpp>
+#include <skeigiot/session/duration.hpp>
 #include <skeigiot/valueconfidence.hpp>
 
 #include <ko/human/attentionstate.hpp>
-#include <ko/systemclock.hpp>
 
 #include <cstdint>
 
 namespace KV::session
 {
-
-using Duration = ko::SystemClock::duration;
-using TimePoint = ko::SystemClock::time_point;
 
 /// What the library thought of one person after one update: a copy, which later updates leave alone.
 struct SKEIGIOT_API Snapshot

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
-#include <skeigiot/session/snapshot.hpp>
+#include <skeigiot/session/duration.hpp>
 
 #include <cstddef>
 #include <string>
