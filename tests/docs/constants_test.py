@@ -5,7 +5,7 @@ import unittest
 
 from support import ROOT
 
-SOURCES = ["personstateupdate.cpp", "personstateprivate.cpp", "sensorlimits.cpp", "bodylanguagestateprivate.cpp",
+SOURCES = ["personstateupdate.cpp", "personstateprivate.cpp", "sensorlimits.cpp", "attentionzone.cpp", "bodylanguagestateprivate.cpp",
            "softstep.hpp", "ambiancestate.cpp"]
 
 # Shortcuts of the code, which no result depends on.

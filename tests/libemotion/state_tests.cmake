@@ -1,5 +1,6 @@
 # Tests of the person state, its update, persons, the social graph and the recorder.
 set(STATE_TESTS
+    attentionzone_test.cpp
     forceobserver_test.cpp
     personstate_test.cpp
     personstateprivate_test.cpp
