@@ -59,7 +59,7 @@ enum AttentionChannel : std::size_t
 /// Estimates move only by forces: a quantity q becomes q + weight * (target - q), then clamped. The values of the
 /// valences lie in [-1, 1], everything else in [0, 1].
 ///
-/// Where two locks are held, observationsMutex is taken first, then the mutex of a memory, then that of a quantity.
+/// Where two locks are held, observationsMutex is taken first, then the mutex of a memory or of a quantity.
 struct PersonStatePrivate
 {
   PersonStatePrivate();

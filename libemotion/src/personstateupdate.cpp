@@ -2,6 +2,7 @@
 
 #include "age.hpp"
 #include "clamp.hpp"
+#include "forcewatch.hpp"
 #include "initialisedearly.hpp"
 #include "personmemoryprivate.hpp"
 #include "softstep.hpp"
@@ -12,9 +13,11 @@
 #include <skeigiot/personmemory.hpp>
 #include <skeigiot/personobservation.hpp>
 
+#include <boost/container/small_vector.hpp>
 #include <boost/thread/lock_guard.hpp>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -187,13 +190,16 @@ public:
   }
 
 private:
-  /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex.
+  /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex; returns what it
+  /// returns.
+  ///
+  /// Forces act after that: whoever observes them may use the memory.
   template <typename T, typename Read>
-  static void _readPruned(ShortTermMemory<T>& memory, Read read)
+  static auto _readPruned(ShortTermMemory<T>& memory, Read read)
   {
     const boost::lock_guard<boost::mutex> lock(memory.mutex());
     memory._forgetOld();
-    read(memory.records());
+    return read(memory.records());
   }
 
   // Sources of the valence confidence
@@ -201,12 +207,14 @@ private:
   /// Well seen facial points raise the valence confidence towards their own.
   void _weighFacialPoints()
   {
-    _readPruned(_memory.facialPointsMemory, [this](const auto& records) {
+    struct Seen
+    {
+      float confidence;
+      float weight;
+    };
+    const auto seen = _readPruned(_memory.facialPointsMemory, [](const auto& records) -> std::optional<Seen> {
       if (records.empty())
-      {
-        _trace << "\t - NO FACIAL POINTS IN MEMORY\n";
-        return;
-      }
+        return std::nullopt;
       float confidenceSum = 0.f;
       float weightSum = 0.f;
       for (const Timestamped<FacialPoints>& record : records)
@@ -216,29 +224,35 @@ private:
         weightSum += weight;
       }
       const float confidence = maximum(0.f, confidenceSum / weightSum);
-      const float youngestWeight = softStep(ageInSeconds(records.begin()->time), halfLife::facialPoints);
-      _trace << "\t - Confidence: " << confidence << " with weight " << youngestWeight << '\n';
-      _state._applyForceValenceConfidence(confidence * youngestWeight, gain::confidence, "Points confidence");
+      return Seen{confidence, softStep(ageInSeconds(records.begin()->time), halfLife::facialPoints)};
     });
+    if (!seen)
+    {
+      _trace << "\t - NO FACIAL POINTS IN MEMORY\n";
+      return;
+    }
+    _trace << "\t - Confidence: " << seen->confidence << " with weight " << seen->weight << '\n';
+    _state._applyForceValenceConfidence(seen->confidence * seen->weight, gain::confidence, "Points confidence");
   }
 
   /// A mouth that speaks tells less of the mood.
   void _weighSpeaking()
   {
-    _readPruned(_memory.speakingMemory, [this](const auto& records) {
+    const auto age = _readPruned(_memory.speakingMemory, [](const auto& records) -> std::optional<float> {
       for (const Timestamped<bool>& record : records)
       {
         if (!record.value)
           continue;
-        const float age = ageInSeconds(record.time);
-        if (!(age < lifetime::speaking))
-          continue;
-        _state._applyForceValenceConfidence(0.f, gain::speaking * softStep(age, halfLife::speaking),
-                                            "User is speaking");
-        _speaking = true;
-        return;
+        const float ageOfRecord = ageInSeconds(record.time);
+        if (ageOfRecord < lifetime::speaking)
+          return ageOfRecord;
       }
+      return std::nullopt;
     });
+    if (!age)
+      return;
+    _state._applyForceValenceConfidence(0.f, gain::speaking * softStep(*age, halfLife::speaking), "User is speaking");
+    _speaking = true;
   }
 
   // What the observation itself brings
@@ -368,16 +382,43 @@ private:
   }
 
   /// Keeps the time of the youngest record, and calls `pull` with each record's value and age [s].
+  ///
+  /// The records are copied, and their ages read, under the memory's mutex; `pull` is called without it. While somebody
+  /// observes forces, each age is read just before its forces instead, since they read the clock for their times: so
+  /// the clock is read in one order, observed or not. A clock that fails leaves the forces of the records before.
   template <typename T, typename Pull>
   void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel, Pull pull)
   {
-    _readPruned(memory, [&](const auto& records) {
-      if (records.empty())
-        return;
-      _state.lastObservationTimes[channel] = records.begin()->time;
+    const bool observed = ForceWatch::isOn();
+    boost::container::small_vector<Timestamped<T>, 16> records;
+    boost::container::small_vector<float, 16> ages;
+    const auto pullByAges = [&] {
+      for (std::size_t i = 0; i < ages.size(); ++i)
+        pull(records[i].value, ages[i]);
+    };
+    try
+    {
+      _readPruned(memory, [&](const auto& remembered) {
+        if (remembered.empty())
+          return;
+        _state.lastObservationTimes[channel] = remembered.begin()->time;
+        records.assign(remembered.begin(), remembered.end());
+        if (observed)
+          return;
+        ages.reserve(records.size());
+        for (const Timestamped<T>& record : records)
+          ages.push_back(ageInSeconds(record.time));
+      });
+    }
+    catch (...)
+    {
+      pullByAges();
+      throw;
+    }
+    pullByAges();
+    if (observed)
       for (const Timestamped<T>& record : records)
         pull(record.value, ageInSeconds(record.time));
-    });
   }
 
   void _pullValence(float target, float weight, std::string_view source)
@@ -391,25 +432,39 @@ private:
   /// A head seen lately pulls the valence by its body language and says how much attention it pays.
   void _followHead()
   {
-    _readPruned(_memory.headPostureMemory, [this](const auto& records) {
+    const bool seenLately = _readPruned(_memory.headPostureMemory, [this](const auto& records) {
       if (records.empty())
-        return;
+        return false;
       _state.lastObservationTimes[HeadPostureChannel] = records.begin()->time;
-      if (!(ageInSeconds(records.begin()->time) < lifetime::angles))
-        return;
-
-      const BodyLanguageEase ease = _state.bodyLanguageState.bodyLanguageState(BodyLanguageEaseDescription);
-      _state._applyForceValence(ease.level, gain::bodyLanguage, "Body Language");
-
-      MeanAngles mean;
-      for (const Timestamped<HeadPosture>& record : records)
-        mean.add(record.value.yaw(), record.value.pitch(), softStep(ageInSeconds(record.time), halfLife::angles));
-      _meanHeadYaw = mean.yaw();
-      _meanHeadPitch = mean.pitch();
-      _headShare = headShare(_meanHeadYaw);
-      _estimateAttention(HeadAttention, headMagnitude(_meanHeadYaw, _meanHeadPitch), angle::attentiveHead);
-      _reportAttention("head", _meanHeadYaw, _meanHeadPitch, HeadAttention);
+      return ageInSeconds(records.begin()->time) < lifetime::angles;
     });
+    if (!seenLately)
+      return;
+
+    const BodyLanguageEase ease = _state.bodyLanguageState.bodyLanguageState(BodyLanguageEaseDescription);
+    _state._applyForceValence(ease.level, gain::bodyLanguage, "Body Language");
+
+    const std::optional<MeanAngles> mean = _meanOfHeadPostures();
+    if (!mean)
+      return;
+    _meanHeadYaw = mean->yaw();
+    _meanHeadPitch = mean->pitch();
+    _headShare = headShare(_meanHeadYaw);
+    _estimateAttention(HeadAttention, headMagnitude(_meanHeadYaw, _meanHeadPitch), angle::attentiveHead);
+    _reportAttention("head", _meanHeadYaw, _meanHeadPitch, HeadAttention);
+  }
+
+  /// Nothing if the memory is empty, as an observer of forces can leave it.
+  std::optional<MeanAngles> _meanOfHeadPostures()
+  {
+    const boost::lock_guard<boost::mutex> lock(_memory.headPostureMemory.mutex());
+    const auto& records = _memory.headPostureMemory.records();
+    if (records.empty())
+      return std::nullopt;
+    MeanAngles mean;
+    for (const Timestamped<HeadPosture>& record : records)
+      mean.add(record.value.yaw(), record.value.pitch(), softStep(ageInSeconds(record.time), halfLife::angles));
+    return mean;
   }
 
   /// A gaze seen lately says how much attention it pays.

@@ -4,6 +4,7 @@
 #include "personstateprivate.hpp"
 
 #include "support/clocktest.hpp"
+#include "support/estimate.hpp"
 #include "support/heldmutex.hpp"
 #include "support/thrown.hpp"
 
@@ -12,11 +13,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <future>
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace
@@ -27,6 +34,7 @@ using support::milliseconds;
 using support::start;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 
 /// A force as it was seen, with a source of its own.
 struct SeenForce
@@ -84,6 +92,28 @@ protected:
     observation.headPosture = now(KV::HeadPosture(headYaw, headPitch, 0.f));
     observation.gaze = now(KV::Gaze(gazeYaw, gazePitch));
     person.update(observation);
+  }
+
+  /// All readings, with the present time.
+  KV::PersonObservation everyReading() const
+  {
+    KV::PersonObservation observation;
+    observation.lookingAtRobot = now(true);
+    observation.headHeight = now(1.7f);
+    observation.distance = now(1.f);
+    observation.gaze = now(KV::Gaze(1.f, 2.f));
+    observation.smile = now(KV::Smile(0.75f, 0.5f));
+    observation.expressions = now(KV::Expressions());
+    observation.headPosture = now(KV::HeadPosture(1.f, 2.f, 0.f));
+    observation.faceDetected = now(true);
+    observation.facialPoints = now(KV::FacialPoints());
+    observation.voiceEmotion = now(KV::VoiceEmotion());
+    observation.asrEmotion = now(0.5f);
+    observation.touchEmotion = now<std::int32_t>(1);
+    observation.contextEmotion = now(KV::ContextEmotion(1, 4.f));
+    observation.speaking = now(true);
+    observation.robotHeadPosture = now(KV::RobotHeadPosture(0.1f, 0.2f));
+    return observation;
   }
 
   KV::Person person;
@@ -317,7 +347,78 @@ TEST_F(ForceObserver, SeesExpressionsTrustedBeforeTheyPull)
   EXPECT_THAT(trusts, ElementsAre(0.5f, 0.5f));
 }
 
-// Speech pulls while the mutexes of its memory and of the remembered emotions are held.
+// Every memory has a reading, so every source of forces acts.
+TEST_F(ForceObserver, IsCalledWhileNoMemoryIsLocked)
+{
+  KV::PersonMemoryPrivate& memory = *person.personMemory._p;
+  const std::vector<boost::mutex*> mutexes = {
+      &memory.headPostureMemory.mutex(),    &memory.distanceMemory.mutex(),     &memory.lookingAtRobotMemory.mutex(),
+      &memory.smileMemory.mutex(),          &memory.gazeMemory.mutex(),         &memory.expressionsMemory.mutex(),
+      &memory.genderMemory.mutex(),         &memory.ageMemory.mutex(),          &memory.faceDetectedMemory.mutex(),
+      &memory.facialPointsMemory.mutex(),   &memory.touchEmotionMemory.mutex(), &memory.asrEmotionMemory.mutex(),
+      &memory.contextEmotionMemory.mutex(), &memory.speakingMemory.mutex(),     &memory.robotHeadPostureMemory.mutex()};
+  std::vector<std::string> lockedDuring;
+  const KV::ScopedForceObserver observer([&](const KV::Force& force) {
+    forces.emplace_back(force);
+    for (boost::mutex* mutex : mutexes)
+      if (!support::isFree(*mutex))
+        lockedDuring.emplace_back(force.source);
+  });
+  person.update(everyReading());
+
+  EXPECT_THAT(lockedDuring, IsEmpty());
+  EXPECT_THAT(sources(),
+              IsSupersetOf({"Points confidence", "User is speaking", "Smile", "Body Language", "Voice emotion",
+                            "Asr emotion", "Touch emotion", "Context emotion", "Distance limitation",
+                            "Okao and robot movement limits", "Gaze and head based attention"}));
+}
+
+// Each emotion adds an older one to the memory that it comes from, which was read: so it does not act in this update.
+TEST_F(ForceObserver, MayReadAndWriteTheMemoriesOfThePersonFromItsCallback)
+{
+  const KV::PersonObservation observation = everyReading();
+  clock.advance(milliseconds(500));
+  KV::Person unwatched;
+  unwatched.update(observation);
+
+  KV::PersonMemoryPrivate& memory = *person.personMemory._p;
+  int calls = 0;
+  const auto onForce = [&](const KV::Force& force) {
+    ++calls;
+    const ko::SystemClock::time_point older = start - milliseconds(calls);
+    if (force.source == "Asr emotion")
+      memory.asrEmotionMemory.record({older, -1.f});
+    if (force.source == "Touch emotion")
+      memory.touchEmotionMemory.record({older, -1});
+    if (force.source == "Context emotion")
+      memory.contextEmotionMemory.record({older, KV::ContextEmotion(-1, 4.f)});
+    EXPECT_EQ(start, memory.headPostureMemory.youngest().time) << force.source;
+    EXPECT_EQ(start, memory.asrEmotionMemory.youngest().time) << force.source;
+  };
+  const auto updateWatched = [&] {
+    const ko::ScopedClockSource elsewhere(clock);
+    const KV::ScopedForceObserver observer(onForce);
+    person.update(observation);
+  };
+  std::packaged_task<void()> task(updateWatched);
+  std::future<void> done = task.get_future();
+  std::thread thread(std::move(task));
+  if (done.wait_for(std::chrono::seconds(60)) != std::future_status::ready)
+  {
+    ADD_FAILURE() << "the update waits for a mutex that it holds itself";
+    std::abort();  // nothing can end that thread
+  }
+  thread.join();
+  done.get();
+
+  EXPECT_GT(calls, 20);
+  EXPECT_EQ(3U, memory.asrEmotionMemory.records().size()) << "a force on the valence moves two quantities";
+  EXPECT_EQ(3U, memory.touchEmotionMemory.records().size());
+  EXPECT_EQ(3U, memory.contextEmotionMemory.records().size());
+  EXPECT_EQ(support::estimateOf(*unwatched.personState._p), support::estimateOf(*person.personState._p));
+}
+
+// Speech pulls while the mutex of the remembered emotions is held.
 TEST_F(ForceObserver, LetsAnErrorOfItsCallbackThroughAndNoMutexLocked)
 {
   KV::PersonObservation observation;

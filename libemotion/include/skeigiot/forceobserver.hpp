@@ -61,8 +61,9 @@ struct ZoneChange
 /// Scopes nest: the innermost one counts, and its end brings the one around it back. Destroy a scope on the thread that
 /// made it, in reverse order of making. Without one, a force costs one look at the thread's storage more.
 ///
-/// A callback runs after the force has acted, and with no mutex of an estimated quantity held; but mutexes of the
-/// person's memories may be, so it must not update or read a memory of the same person. It may read the person's state.
+/// A callback runs after the force has acted, and no mutex of an estimated quantity or of a memory is held: it may read
+/// the person's state, and read and write the person's memories. It must not update the person, whose update is
+/// running. A record that it adds does not act before the next update, unless its memory is read later in this one.
 /// What it throws passes to whoever called the update, whose earlier forces stay applied, and no mutex stays locked.
 /// While it is watched, a force reads the clock once more, for its time.
 ///
