@@ -3,7 +3,6 @@
 #include <skeigiot/recordings/inputfile.hpp>
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,8 +18,7 @@ public:
   ///
   /// \throws Error if it cannot be opened.
   explicit CsvRows(const std::string& path);
-  ~CsvRows();
-  CsvRows(const CsvRows&) = delete;
+  CsvRows(const CsvRows&) = delete;  // the fields stand in it
   CsvRows& operator=(const CsvRows&) = delete;
 
   /// Reads the next line that is not empty; returns false at the end of the file.
@@ -35,10 +33,14 @@ public:
   const InputFile& file() const { return _file; }
 
 private:
-  class Parser;
+  // Splits the line into _fields; false if a quote is out of place or not closed.
+  bool _split(std::string_view line);
+
+  // Adds the field that begins with a quote, and takes it and the blanks behind it from `rest`; false as above.
+  bool _addQuoted(std::string_view& rest);
 
   InputFile _file;
-  std::unique_ptr<Parser> _parser;
+  std::string _unquoted;  // the fields of the row that had quotes, one behind the other
   std::vector<std::string_view> _fields;
 };
 

@@ -41,6 +41,33 @@ TEST_F(CsvRows, TakesQuotesAway)
   EXPECT_EQ((std::vector<Row>{{"a,b", "c\"d", "e"}}), rowsOf("\"a,b\", \"c\"\"d\" ,e\n"));
 }
 
+TEST_F(CsvRows, TakesQuotedFieldsAsTheyAre)
+{
+  EXPECT_EQ((std::vector<Row>{{" a ", "", "\"", "\"\"", ",", "e"}}),
+            rowsOf("\" a \",\"\",\"\"\"\", \"\"\"\"\"\"\t,\",\",e\r\n"));
+  EXPECT_EQ((std::vector<Row>{{""}, {"a", ""}, {"", "b"}}), rowsOf("\"\"\n\"a\",\n,\"b\""));
+}
+
+TEST_F(CsvRows, KeepsLongFieldsWithQuotesWhereTheyAre)
+{
+  const std::string longField(1000, 'x');
+  EXPECT_EQ((std::vector<Row>{{longField + "\"", "a", longField}}),
+            rowsOf("\"" + longField + "\"\"\",a,\"" + longField + "\"\n"));
+}
+
+TEST_F(CsvRows, PassesTheByteOrderMarkOver)
+{
+  EXPECT_EQ((std::vector<Row>{{"a", "b"}}), rowsOf("\xEF\xBB\xBF\"a\",b\n"));
+}
+
+TEST_F(CsvRows, EndsARowAtTheEndOfALineInQuotesToo)
+{
+  KV::recordings::CsvRows rows(folder.write("f", "a,\"b\nc\"\n"));
+  EXPECT_THROW(rows.next(), KV::recordings::BadLine);
+  EXPECT_THROW(rows.next(), KV::recordings::BadLine);
+  EXPECT_FALSE(rows.next());
+}
+
 TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
 {
   KV::recordings::CsvRows rows(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n"));
