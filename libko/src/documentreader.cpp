@@ -3,6 +3,7 @@
 #include "jsontree.hpp"
 #include "place.hpp"
 
+#include <ko/utf8.hpp>
 #include <ko/wirelimits.hpp>
 
 #include <limits>

@@ -3,9 +3,8 @@
 #include "floattext.hpp"
 
 #include <ko/typeerror.hpp>
+#include <ko/utf8.hpp>
 #include <ko/wirelimits.hpp>
-
-#include <boost/locale/utf.hpp>
 
 #include <cmath>
 
@@ -174,20 +173,6 @@ DocumentTree::DocumentTree(const ValueView& view, WireForm form) : DocumentTree(
 DocumentTree::~DocumentTree()
 {
   takeDown(_root);
-}
-
-bool isUtf8(std::string_view text)
-{
-  using Utf8 = boost::locale::utf::utf_traits<char>;
-  const char* next = text.data();
-  const char* const end = next + text.size();
-  while (next != end)
-  {
-    const boost::locale::utf::code_point point = Utf8::decode(next, end);
-    if (point == boost::locale::utf::illegal || point == boost::locale::utf::incomplete)
-      return false;
-  }
-  return true;
 }
 
 }  // namespace ko

@@ -4,8 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <string_view>
-
 namespace ko
 {
 
@@ -39,8 +37,5 @@ private:
 
   JsonTree _root;
 };
-
-/// Whether the text is well-formed UTF-8.
-bool isUtf8(std::string_view text);
 
 }  // namespace ko

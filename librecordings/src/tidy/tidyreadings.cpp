@@ -1,9 +1,9 @@
 #include <skeigiot/recordings/tidyreadings.hpp>
 
-#include "input/utf8.hpp"
-
 #include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
+
+#include <ko/utf8.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -37,7 +37,7 @@ public:
   std::string utf8Text(Column column) const
   {
     std::string word = text(column);
-    if (!isUtf8(word))
+    if (!ko::isUtf8(word))
       _table.refuseValue(column, "text in UTF-8");
     return word;
   }

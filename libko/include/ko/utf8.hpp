@@ -1,11 +1,17 @@
-#include "input/utf8.hpp"
+#pragma once
 
 #include <boost/locale/utf.hpp>
 
-namespace KV::recordings
+#include <string_view>
+
+namespace ko
 {
 
-bool isUtf8(std::string_view text)
+/// Tells whether the text is well-formed UTF-8; the empty text is.
+///
+/// \par Complexity
+///   Linear in the length of the text.
+inline bool isUtf8(std::string_view text)
 {
   namespace utf = boost::locale::utf;
   const char* next = text.data();
@@ -19,4 +25,4 @@ bool isUtf8(std::string_view text)
   return true;
 }
 
-}  // namespace KV::recordings
+}  // namespace ko
