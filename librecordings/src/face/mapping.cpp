@@ -2,9 +2,9 @@
 
 #include "face/actionunits.hpp"
 #include "face/emotions.hpp"
+#include "input/jsonvalue.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
-#include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <nlohmann/json.hpp>
@@ -25,27 +25,7 @@ using Json = nlohmann::json;
 constexpr std::size_t largestFile = std::size_t{1} << 20U;  // [bytes]
 constexpr int deepestNesting = 16;
 
-/// A value of the file, and where it stands.
-struct Value
-{
-  const Json& json;
-  const std::string& file;
-  std::string path;
-
-  [[noreturn]] void refuse(const std::string& expected) const
-  {
-    throw Error({file, 0, path}, "expected " + expected + ", found " + quote(json.dump()));
-  }
-
-  [[noreturn]] void refuseMember(const std::string& name, const std::string& expected) const
-  {
-    throw Error({file, 0, memberPath(name)}, "there is no such member; expected " + expected);
-  }
-
-  std::string memberPath(const std::string& name) const { return path.empty() ? name : path + "." + name; }
-
-  Value element(std::size_t index) const { return {json[index], file, path + "[" + std::to_string(index) + "]"}; }
-};
+using Value = JsonValue<Json>;
 
 struct Member
 {
@@ -59,21 +39,21 @@ void readObject(const Value& object, const std::vector<Member>& members)
   std::string names;
   for (const Member& member : members)
     names += (names.empty() ? "" : ", ") + std::string(member.name);
-  if (!object.json.is_object())
+  if (!object->is_object())
     object.refuse("an object with members of " + names);
-  for (const auto& [name, json] : object.json.items())
+  for (const auto& [name, json] : object->items())
   {
     const auto found = std::find_if(members.begin(), members.end(),
                                     [&name = name](const Member& member) { return name == member.name; });
     if (found == members.end())
       object.refuseMember(name, names);
-    found->read({json, object.file, object.memberPath(name)});
+    found->read(Value(object, name, json));
   }
 }
 
 float readNumber(const Value& value)
 {
-  const double number = value.json.is_number() ? value.json.get<double>() : std::numeric_limits<double>::quiet_NaN();
+  const double number = value->is_number() ? value->get<double>() : std::numeric_limits<double>::quiet_NaN();
   if (!(std::abs(number) <= 1e6))
     value.refuse("a number of no more than a million");
   return static_cast<float>(number);
@@ -82,9 +62,9 @@ float readNumber(const Value& value)
 // One of two words.
 bool readWord(const Value& value, const std::string& yes, const std::string& no)
 {
-  if (value.json == yes)
+  if (*value == yes)
     return true;
-  if (value.json != no)
+  if (*value != no)
     value.refuse("\"" + yes + "\" or \"" + no + "\"");
   return false;
 }
@@ -98,25 +78,25 @@ struct ScoreNames
 
 std::vector<std::string> readNames(const Value& value, const ScoreNames& names)
 {
-  if (!value.json.is_array() || value.json.empty())
+  if (!value->is_array() || value->empty())
     value.refuse("a list of " + std::string(names.expected));
   std::vector<std::string> result;
-  for (std::size_t i = 0; i < value.json.size(); ++i)
+  for (std::size_t i = 0; i < value->size(); ++i)
   {
     const Value element = value.element(i);
-    if (!element.json.is_string() || !names.isOne(element.json.get<std::string>()))
+    if (!element->is_string() || !names.isOne(element->get<std::string>()))
       element.refuse(names.expected);
-    result.push_back(element.json.get<std::string>());
+    result.push_back(element->get<std::string>());
   }
   return result;
 }
 
 std::vector<ScoreTerm> readTerms(const Value& value, const ScoreNames& names)
 {
-  if (!value.json.is_array())
+  if (!value->is_array())
     value.refuse("a list of terms");
   std::vector<ScoreTerm> terms;
-  for (std::size_t i = 0; i < value.json.size(); ++i)
+  for (std::size_t i = 0; i < value->size(); ++i)
   {
     const Value element = value.element(i);
     ScoreTerm term;
@@ -133,7 +113,7 @@ std::vector<ScoreTerm> readTerms(const Value& value, const ScoreNames& names)
 Composition readComposition(const Value& value, const ScoreNames& names)
 {
   Composition composition;
-  if (value.json.is_null())
+  if (value->is_null())
     return composition;
   readObject(value, {{"sum", [&](const Value& sum) { composition.sum = readTerms(sum, names); }},
                      {"limit", [&](const Value& limit) { composition.limit = readTerms(limit, names); }}});
@@ -199,11 +179,7 @@ Json parsed(const std::string& file)
   }
   catch (const Json::exception& error)
   {
-    // "[json.exception...] what"
-    const std::string what = error.what();
-    const std::size_t begin = what.find("] ");
-    throw Error({file, 0, {}},
-                "expected a JSON object, but " + what.substr(begin == std::string::npos ? 0 : begin + 2));
+    throw Error({file, 0, {}}, "expected a JSON object, but " + withoutErrorCode(error.what()));
   }
 }
 
@@ -218,11 +194,18 @@ Mapping readMapping(const std::string& file)
   const ScoreNames actionUnits{isActionUnitName, "the name of an action unit, such as AU06"};
   const ScoreNames emotions{isEmotion, "one of neutral, happy, sad, surprise, fear, disgust, anger"};
   const Json json = parsed(file);
-  readObject({json, file, {}},
-             {{"actionUnits", [&](const Value& value) { readTable(value, mapping.actionUnits, actionUnits); }},
-              {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
-              {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
-              {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
+  try
+  {
+    readObject(Value(json),
+               {{"actionUnits", [&](const Value& value) { readTable(value, mapping.actionUnits, actionUnits); }},
+                {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
+                {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
+                {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
+  }
+  catch (const JsonError& error)
+  {
+    throw Error({file, 0, error.path()}, error.what());
+  }
   return mapping;
 }
 

@@ -1,5 +1,7 @@
 #include <skeigiot/recordings/observationjson.hpp>
 
+#include "input/jsonvalue.hpp"
+
 #include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
@@ -242,157 +244,136 @@ private:
   TimePoint _stepTime;
 };
 
-// Where in the text a value stands.
-struct Path
-{
-  const Path* parent = nullptr;
-  std::string_view name;  // of a member
-  std::size_t index = 0;  // of an element, if there is no name
-
-  std::string text() const
-  {
-    const std::string before = parent != nullptr ? parent->text() : std::string();
-    if (name.empty())
-      return parent != nullptr ? before + "[" + std::to_string(index) + "]" : before;
-    return before + (before.empty() ? "" : ".") + std::string(name);
-  }
-};
-
-[[noreturn]] void refuse(const Json& value, const Path& path, const std::string& expected)
-{
-  throw MemberError(path.text(), "expected " + expected + ", found " + quote(value.dump()));
-}
+using Value = JsonValue<Json>;
 
 // Reads the members of one record from a JSON object.
 class ObjectReader
 {
 public:
-  ObjectReader(const Json& object, const Path& path, TimePoint stepTime)
-    : _object(object), _path(path), _stepTime(stepTime)
+  // The object has to outlive the reader.
+  ObjectReader(const Value& object, TimePoint stepTime) : _object(object), _stepTime(stepTime)
   {
-    if (!object.is_object())
-      refuse(object, path, "an object");
+    if (!object->is_object())
+      object.refuse("an object");
   }
 
   template <typename Field>
   void required(const char* name, Field& field)
   {
-    const Path path{&_path, name};
     const auto found = _find(name);
-    if (found == _object.end())
-      throw MemberError(path.text(), "is missing");
-    _read(*found, path, field);
+    if (found == _object->end())
+      throw JsonError(_object.memberPath(name), "is missing");
+    _read(Value(_object, name, *found), field);
   }
 
   template <typename Field>
   void optional(const char* name, Field& field, bool)
   {
     const auto found = _find(name);
-    if (found != _object.end())
-      _read(*found, Path{&_path, name}, field);
+    if (found != _object->end())
+      _read(Value(_object, name, *found), field);
   }
 
   // Refuses members that nobody asked for.
   void finish() const
   {
-    for (const auto& [name, value] : _object.items())
+    for (const auto& [name, value] : _object->items())
       if (std::find(_known.begin(), _known.end(), name) == _known.end())
-        throw MemberError(Path{&_path, name}.text(), "there is no such member" + _expectedMembers());
+        _object.refuseMember(name, _expectedMembers());
   }
 
 private:
   Json::const_iterator _find(const char* name)
   {
     _known.emplace_back(name);
-    return _object.find(name);
+    return _object->find(name);
   }
 
   std::string _expectedMembers() const
   {
     std::string text;
     for (const std::string_view name : _known)
-      text += (text.empty() ? "; expected " : ", ") + std::string(name);
+      text += (text.empty() ? "" : ", ") + std::string(name);
     return text;
   }
 
-  static void _read(const Json& value, const Path& path, bool& field)
+  static void _read(const Value& value, bool& field)
   {
-    if (!value.is_boolean())
-      refuse(value, path, "true or false");
-    field = value.get<bool>();
+    if (!value->is_boolean())
+      value.refuse("true or false");
+    field = value->get<bool>();
   }
 
-  static void _read(const Json& value, const Path& path, std::string& field)
+  static void _read(const Value& value, std::string& field)
   {
-    if (!value.is_string())
-      refuse(value, path, "a text");
-    field = value.get<std::string>();
+    if (!value->is_string())
+      value.refuse("a text");
+    field = value->get<std::string>();
   }
 
-  static void _read(const Json& value, const Path& path, float& field)
+  static void _read(const Value& value, float& field)
   {
-    if (value.is_number())
-      field = value.get<float>();
-    else if (value == "NaN")
+    if (value->is_number())
+      field = value->get<float>();
+    else if (*value == "NaN")
       field = std::numeric_limits<float>::quiet_NaN();
-    else if (value == "Infinity")
+    else if (*value == "Infinity")
       field = std::numeric_limits<float>::infinity();
-    else if (value == "-Infinity")
+    else if (*value == "-Infinity")
       field = -std::numeric_limits<float>::infinity();
     else
-      refuse(value, path, R"(a number, "NaN", "Infinity" or "-Infinity")");
+      value.refuse(R"(a number, "NaN", "Infinity" or "-Infinity")");
   }
 
   template <typename Integer>
-  static void _readInteger(const Json& value, const Path& path, Integer& field)
+  static void _readInteger(const Value& value, Integer& field)
   {
     using Limits = std::numeric_limits<Integer>;
     // JSON for Modern C++ keeps what is not negative as an unsigned number.
-    const bool fits = value.is_number_unsigned()
-                          ? value.get<std::uint64_t>() <= static_cast<std::uint64_t>(Limits::max())
-                          : value.is_number_integer() && Limits::is_signed &&
-                                value.get<std::int64_t>() >= static_cast<std::int64_t>(Limits::min());
+    const bool fits = value->is_number_unsigned()
+                          ? value->get<std::uint64_t>() <= static_cast<std::uint64_t>(Limits::max())
+                          : value->is_number_integer() && Limits::is_signed &&
+                                value->get<std::int64_t>() >= static_cast<std::int64_t>(Limits::min());
     if (!fits)
-      refuse(value, path,
-             "a whole number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max()));
-    field = value.get<Integer>();
+      value.refuse("a whole number from " + std::to_string(Limits::min()) + " to " + std::to_string(Limits::max()));
+    field = value->get<Integer>();
   }
 
-  static void _read(const Json& value, const Path& path, std::int32_t& field) { _readInteger(value, path, field); }
-  static void _read(const Json& value, const Path& path, std::uint32_t& field) { _readInteger(value, path, field); }
-  static void _read(const Json& value, const Path& path, std::int64_t& field) { _readInteger(value, path, field); }
+  static void _read(const Value& value, std::int32_t& field) { _readInteger(value, field); }
+  static void _read(const Value& value, std::uint32_t& field) { _readInteger(value, field); }
+  static void _read(const Value& value, std::int64_t& field) { _readInteger(value, field); }
 
   template <typename T, std::size_t Count>
-  void _read(const Json& value, const Path& path, std::array<T, Count>& fields) const
+  void _read(const Value& value, std::array<T, Count>& fields) const
   {
-    if (!value.is_array() || value.size() != Count)
-      refuse(value, path, "an array of " + std::to_string(Count) + " elements");
+    if (!value->is_array() || value->size() != Count)
+      value.refuse("an array of " + std::to_string(Count) + " elements");
     for (std::size_t i = 0; i < Count; ++i)
-      _read(value[i], Path{&path, {}, i}, fields.at(i));
+      _read(value.element(i), fields.at(i));
   }
 
   template <typename T>
-  void _read(const Json& value, const Path& path, std::vector<T>& fields) const
+  void _read(const Value& value, std::vector<T>& fields) const
   {
-    if (!value.is_array())
-      refuse(value, path, "an array");
-    fields.resize(value.size());
+    if (!value->is_array())
+      value.refuse("an array");
+    fields.resize(value->size());
     for (std::size_t i = 0; i < fields.size(); ++i)
-      _read(value[i], Path{&path, {}, i}, fields[i]);
+      _read(value.element(i), fields[i]);
   }
 
   template <typename T>
-  void _read(const Json& value, const Path& path, boost::optional<T>& field) const
+  void _read(const Value& value, boost::optional<T>& field) const
   {
     T content{};
-    _read(value, path, content);
+    _read(value, content);
     field = content;
   }
 
   template <typename T>
-  void _read(const Json& value, const Path& path, KV::PersonObservation::Reading<T>& field) const
+  void _read(const Value& value, KV::PersonObservation::Reading<T>& field) const
   {
-    ObjectReader members(value, path, _stepTime);
+    ObjectReader members(value, _stepTime);
     std::int64_t time = nanosecondsOf(_stepTime);
     members.optional("time", time, false);
     T content = blankReading<T>();
@@ -402,15 +383,14 @@ private:
   }
 
   template <typename T>
-  void _read(const Json& value, const Path& path, T& record) const
+  void _read(const Value& value, T& record) const
   {
-    ObjectReader members(value, path, _stepTime);
+    ObjectReader members(value, _stepTime);
     visit(members, record);
     members.finish();
   }
 
-  const Json& _object;
-  const Path& _path;
+  const Value& _object;
   TimePoint _stepTime;
   std::vector<std::string_view> _known;
 };
@@ -481,11 +461,10 @@ void refuseContradictions(const Step& entry)
     throw MemberError("observation", "there is none of a person who was not seen");
 }
 
-TimePoint timeOfLine(const Json& object, const boost::optional<TimePoint>& otherwise)
+TimePoint timeOfLine(const Value& object, const boost::optional<TimePoint>& otherwise)
 {
   std::int64_t time = nanosecondsOf(otherwise.value_or(TimePoint()));
-  const Path root;
-  ObjectReader members(object, root, TimePoint());
+  ObjectReader members(object, TimePoint());
   if (otherwise)
     members.optional("time", time, false);
   else
@@ -502,14 +481,20 @@ void readLine(std::string_view text, const boost::optional<TimePoint>& otherwise
   const Json object = parsed(text);
   if (!object.is_object())
     throw MemberError("", "expected a JSON object on one line, found " + quote(text));
-  time = timeOfLine(object, otherwise);
-
-  const Path root;
-  ObjectReader members(object, root, time);
-  std::int64_t known = 0;
-  members.optional("time", known, false);
-  visit(members, line);
-  members.finish();
+  try
+  {
+    const Value document(object);
+    time = timeOfLine(document, otherwise);
+    ObjectReader members(document, time);
+    std::int64_t known = 0;
+    members.optional("time", known, false);
+    visit(members, line);
+    members.finish();
+  }
+  catch (const JsonError& error)
+  {
+    throw MemberError(error.path(), error.what());
+  }
 }
 
 }  // namespace

@@ -1,14 +1,14 @@
 #include "mediapipe/facelandmarkerresult.hpp"
 
 #include "face/blendshapes.hpp"
-
-#include <skeigiot/recordings/quote.hpp>
+#include "input/jsonvalue.hpp"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <initializer_list>
 #include <limits>
 
 namespace KV::recordings
@@ -21,45 +21,33 @@ constexpr float unknown = std::numeric_limits<float>::quiet_NaN();
 constexpr double greatestNumber = 1e15;
 constexpr double latestSecond = 9.2e9;  // that a clock in nanoseconds can show
 
-// A value, and where it stands in the result.
-struct Value
+using Value = JsonValue<Json>;
+
+// Whichever of these members there is; nothing if there is none, or it is null.
+std::optional<Value> memberOf(const Value& object, std::initializer_list<const char*> names)
 {
-  const Json* json;
-  std::string path;
-
-  [[noreturn]] void refuse(const std::string& expected) const
+  for (const char* const name : names)
   {
-    throw FaceLandmarkerError(path, "expected " + expected + ", found " + quote(json->dump()));
+    const auto found = object->find(name);
+    if (found != object->end() && !found->is_null())
+      return Value(object, name, *found);
   }
+  return {};
+}
 
-  // Whichever of these members there is; nothing if there is none, or it is null.
-  std::optional<Value> member(std::initializer_list<const char*> names) const
-  {
-    for (const char* const name : names)
-    {
-      const auto found = json->find(name);
-      if (found != json->end() && !found->is_null())
-        return Value{&*found, path.empty() ? name : path + "." + name};
-    }
-    return {};
-  }
+std::size_t sizeOf(const Value& array, const std::string& expected)
+{
+  if (!array->is_array())
+    array.refuse(expected);
+  return array->size();
+}
 
-  std::size_t size(const std::string& expected) const
-  {
-    if (!json->is_array())
-      refuse(expected);
-    return json->size();
-  }
-
-  Value element(std::size_t index) const { return {&(*json)[index], path + "[" + std::to_string(index) + "]"}; }
-
-  double number(const std::string& expected) const
-  {
-    if (!json->is_number() || !(std::abs(json->get<double>()) <= greatestNumber))
-      refuse(expected);
-    return json->get<double>();
-  }
-};
+double numberOf(const Value& value, const std::string& expected)
+{
+  if (!value->is_number() || !(std::abs(value->get<double>()) <= greatestNumber))
+    value.refuse(expected);
+  return value->get<double>();
+}
 
 Json parsed(const std::string& text)
 {
@@ -69,28 +57,24 @@ Json parsed(const std::string& text)
   }
   catch (const Json::exception& error)
   {
-    // "[json.exception...] what"
-    const std::string what = error.what();
-    const std::size_t begin = what.find("] ");
-    throw FaceLandmarkerError(
-        "", "expected a JSON object, but " + what.substr(begin == std::string::npos ? 0 : begin + 2, 200));
+    throw JsonError("", "expected a JSON object, but " + withoutErrorCode(error.what()).substr(0, 200));
   }
 }
 
 // Puts the score of one category, {"score": ..., "categoryName": ...}, where it is asked for.
 void readCategory(const Value& category, const std::vector<std::string>& blendshapes, std::vector<float>& scores)
 {
-  if (!category.json->is_object())
+  if (!category->is_object())
     category.refuse("a category, with score and categoryName");
-  const auto name = category.member({"categoryName", "category_name"});
-  if (!name || !name->json->is_string())
+  const auto name = memberOf(category, {"categoryName", "category_name"});
+  if (!name || !(*name)->is_string())
     category.refuse("a category with a text categoryName");
-  const auto score = category.member({"score"});
+  const auto score = memberOf(category, {"score"});
   if (!score)
     category.refuse("a category with a score");
-  const float value = blendshapeScore(score->number("a number"));
+  const float value = blendshapeScore(numberOf(*score, "a number"));
   for (std::size_t i = 0; i < blendshapes.size(); ++i)
-    if (blendshapes[i] == name->json->get_ref<const std::string&>())
+    if (blendshapes[i] == (*name)->get_ref<const std::string&>())
       scores[i] = value;
 }
 
@@ -98,9 +82,9 @@ void readCategory(const Value& category, const std::vector<std::string>& blendsh
 std::vector<float> readScores(const Value& value, const std::vector<std::string>& blendshapes)
 {
   std::vector<float> scores(blendshapes.size(), unknown);
-  const auto inner = value.json->is_object() ? value.member({"categories"}) : std::nullopt;
+  const auto inner = value->is_object() ? memberOf(value, {"categories"}) : std::nullopt;
   const Value categories = inner.value_or(value);
-  const std::size_t count = categories.size("a list of categories");
+  const std::size_t count = sizeOf(categories, "a list of categories");
   for (std::size_t i = 0; i < count; ++i)
     readCategory(categories.element(i), blendshapes, scores);
   return scores;
@@ -111,9 +95,9 @@ const char* const matrixExpected = "a transformation: 4 times 4 numbers, of whic
 // {"data": [16 numbers]}, or 16 numbers, or four times four.
 FacePose readMatrix(const Value& value)
 {
-  const auto inner = value.json->is_object() ? value.member({"data"}) : std::nullopt;
+  const auto inner = value->is_object() ? memberOf(value, {"data"}) : std::nullopt;
   const Value data = inner.value_or(value);
-  const std::size_t count = data.size(matrixExpected);
+  const std::size_t count = sizeOf(data, matrixExpected);
   FaceMatrix matrix{};
   if (count != 16 && count != 4)
     data.refuse(matrixExpected);
@@ -121,13 +105,13 @@ FacePose readMatrix(const Value& value)
   {
     if (count == 16)
     {
-      matrix.at(i) = data.element(i).number("a number");
+      matrix.at(i) = numberOf(data.element(i), "a number");
       continue;
     }
     const Value row = data.element(i / 4);
-    if (row.size(matrixExpected) != 4)
+    if (sizeOf(row, matrixExpected) != 4)
       row.refuse(matrixExpected);
-    matrix.at(i) = row.element(i % 4).number("a number");
+    matrix.at(i) = numberOf(row.element(i % 4), "a number");
   }
   const auto pose = poseOf(matrix);
   if (!pose)
@@ -137,7 +121,7 @@ FacePose readMatrix(const Value& value)
 
 std::size_t sizeOf(const std::optional<Value>& list)
 {
-  return list ? list->size("a list with an element for each face") : 0;
+  return list ? sizeOf(*list, "a list with an element for each face") : 0;
 }
 
 // Lists that were not asked of the analyser are empty.
@@ -156,13 +140,13 @@ std::size_t faceCount(const std::vector<std::optional<Value>>& lists)
 
 std::optional<double> readTimestamp(const Value& result)
 {
-  const auto milliseconds = result.member({"timestampMs", "timestamp_ms"});
+  const auto milliseconds = memberOf(result, {"timestampMs", "timestamp_ms"});
   if (milliseconds)
-    return milliseconds->number("milliseconds") / 1000.0;
-  const auto seconds = result.member({"timestamp", "time"});
+    return numberOf(*milliseconds, "milliseconds") / 1000.0;
+  const auto seconds = memberOf(result, {"timestamp", "time"});
   if (!seconds)
     return {};
-  const double value = seconds->number("seconds");
+  const double value = numberOf(*seconds, "seconds");
   if (std::abs(value) > latestSecond)
     seconds->refuse("seconds, from the start of the recording or since 1970");
   return value;
@@ -170,10 +154,10 @@ std::optional<double> readTimestamp(const Value& result)
 
 std::optional<std::int64_t> readFrame(const Value& result)
 {
-  const auto frame = result.member({"frame"});
+  const auto frame = memberOf(result, {"frame"});
   if (!frame)
     return {};
-  const double number = frame->number("a whole number");
+  const double number = numberOf(*frame, "a whole number");
   if (number != std::floor(number))
     frame->refuse("a whole number");
   return static_cast<std::int64_t>(number);
@@ -184,18 +168,18 @@ std::optional<std::int64_t> readFrame(const Value& result)
 FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std::vector<std::string>& blendshapes)
 {
   const Json json = parsed(text);
-  const Value root{&json, {}};
+  const Value root(json);
   FaceLandmarkerResult result;
   result.frame = readFrame(root);
   result.timestamp = readTimestamp(root);
 
-  const auto shapes = root.member({"faceBlendshapes", "face_blendshapes"});
-  const auto matrices = root.member({"facialTransformationMatrixes", "facial_transformation_matrixes"});
-  const auto landmarks = root.member({"faceLandmarks", "face_landmarks"});
+  const auto shapes = memberOf(root, {"faceBlendshapes", "face_blendshapes"});
+  const auto matrices = memberOf(root, {"facialTransformationMatrixes", "facial_transformation_matrixes"});
+  const auto landmarks = memberOf(root, {"faceLandmarks", "face_landmarks"});
   if (!shapes && !matrices && !landmarks)
-    throw FaceLandmarkerError("faceBlendshapes",
-                              "is missing, and so are facialTransformationMatrixes and "
-                              "faceLandmarks: this is no result of a FaceLandmarker");
+    throw JsonError("faceBlendshapes",
+                    "is missing, and so are facialTransformationMatrixes and "
+                    "faceLandmarks: this is no result of a FaceLandmarker");
   const std::size_t count = faceCount({shapes, matrices, landmarks});
   for (std::size_t i = 0; i < count; ++i)
   {

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -26,25 +25,10 @@ struct FaceLandmarkerResult
   std::vector<FaceLandmarkerFace> faces;
 };
 
-/// A result that cannot be used.
-class FaceLandmarkerError : public std::runtime_error
-{
-public:
-  /// `member` is the path of the member that the message is about; empty if the text is no JSON object at all.
-  FaceLandmarkerError(const std::string& member, const std::string& message)
-    : std::runtime_error(message), _member(member)
-  {}
-
-  const std::string& member() const { return _member; }
-
-private:
-  std::string _member;
-};
-
 /// Reads a result as the JavaScript or the Python API has it, dumped as a JSON object; `blendshapes` are the names of
 /// the scores to read. Members that are not known are passed over.
 ///
-/// \throws FaceLandmarkerError if the text is no such object.
+/// \throws JsonError if the text is no such object; its path is empty if the text is no JSON object at all.
 FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std::vector<std::string>& blendshapes);
 
 }  // namespace KV::recordings

@@ -1,6 +1,7 @@
 #include "mediapipe/facelandmarkerrows.hpp"
 
 #include "face/mapping.hpp"
+#include "input/jsonvalue.hpp"
 
 #include <skeigiot/recordings/description.hpp>
 
@@ -70,9 +71,9 @@ bool FaceLandmarkerRows::_readResult()
       ++row.face;
     }
   }
-  catch (const FaceLandmarkerError& error)
+  catch (const JsonError& error)
   {
-    throw BadLine({path(), _pieces.lineNumber(), error.member()}, error.what());
+    throw BadLine({path(), _pieces.lineNumber(), error.path()}, error.what());
   }
   return true;
 }
