@@ -4,6 +4,7 @@
 #include <skeigiot/ambiancestate.hpp>
 #include <skeigiot/emotionrecorder.hpp>
 #include <skeigiot/forceobserver.hpp>
+#include <skeigiot/session/boundary.hpp>
 #include <skeigiot/socialgraph.hpp>
 
 #include <ko/cbor.hpp>
@@ -191,28 +192,6 @@ void expectSame(const Replica& left, const Replica& right)
          "replicas have one agitation, in its range");
 }
 
-/// The boundaries of the process, brought back at the end.
-class BoundaryChanges
-{
-public:
-  BoundaryChanges() = default;
-  ~BoundaryChanges()
-  {
-    KV::PersonState::setBinaryBoundaryPositive(_positive);
-    KV::PersonState::setBinaryBoundaryNegative(_negative);
-    KV::PersonState::setBinaryBoundaryConfidence(_confidence);
-    KV::AmbianceState::setBinaryBoundaryExcited(_excited);
-  }
-  BoundaryChanges(const BoundaryChanges&) = delete;
-  BoundaryChanges& operator=(const BoundaryChanges&) = delete;
-
-private:
-  float _positive = KV::PersonState::getBinaryBoundaryPositive();
-  float _negative = KV::PersonState::getBinaryBoundaryNegative();
-  float _confidence = KV::PersonState::getBinaryBoundaryConfidence();
-  float _excited = KV::AmbianceState::getBinaryBoundaryExcited();
-};
-
 /// Takes calls from the bytes and makes them, on both replicas.
 class Calls
 {
@@ -335,7 +314,7 @@ private:
   ByteReader _bytes;
   ko::ManualClock _clock{Time(seconds(1577836800))};
   ko::ScopedClockSource _scopeOfClock{_clock};
-  BoundaryChanges _boundaries;
+  KV::session::SavedBoundaries _boundaries;
   Replica _plain;
   Replica _watched;
 };

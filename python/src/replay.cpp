@@ -17,6 +17,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -67,24 +69,17 @@ public:
   /// \throws std::invalid_argument if the library rejects a value.
   explicit SetBoundaries(const std::map<std::string, float>& values)
   {
-    if (!values.empty())
-      _lock = std::unique_lock<std::mutex>(mutex());
+    if (values.empty())
+      return;
+    _lock = std::unique_lock<std::mutex>(mutex());
+    _saved.emplace();
     for (const KV::session::Boundary& boundary : KV::session::boundaries())
     {
       const auto value = values.find(boundary.option);
-      if (value == values.end())
-        continue;
-      const float before = boundary.get();
       const SilencedLog silenced;
-      KV::session::setBoundary(boundary, value->second);
-      _before.emplace_back(&boundary, before);
+      if (value != values.end() && !KV::session::setBoundary(boundary, value->second))
+        throw std::invalid_argument(KV::session::boundaryRefusal(boundary, value->second));
     }
-  }
-
-  ~SetBoundaries()
-  {
-    for (const auto& [boundary, value] : _before)
-      boundary->set(value);
   }
 
   SetBoundaries(const SetBoundaries&) = delete;
@@ -98,7 +93,7 @@ private:
   }
 
   std::unique_lock<std::mutex> _lock;
-  std::vector<std::pair<const KV::session::Boundary*, float>> _before;
+  std::optional<KV::session::SavedBoundaries> _saved;
 };
 
 /// Decodes what may hold the name of a file, which is any bytes.

@@ -33,6 +33,19 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
       ->allow_extra_args(false);
 }
 
+/// \throws CLI::ValidationError if the text is no number.
+float numberOf(const std::string& option, const std::string& text)
+{
+  try
+  {
+    return parseNumber<float>(option, text);
+  }
+  catch (const std::invalid_argument& error)
+  {
+    throw CLI::ValidationError(error.what());
+  }
+}
+
 }  // namespace
 
 CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::Duration>& offsets)
@@ -68,14 +81,9 @@ void addBoundaryOptions(CLI::App& command)
   {
     const std::string option = "--" + boundary.option;
     const auto set = [&boundary, option](const std::string& text) {
-      try
-      {
-        session::setBoundary(boundary, parseNumber<float>(option, text));
-      }
-      catch (const std::invalid_argument& error)
-      {
-        throw CLI::ValidationError(error.what());
-      }
+      const float value = numberOf(option, text);
+      if (!session::setBoundary(boundary, value))
+        throw CLI::ValidationError(option + ": " + session::boundaryRefusal(boundary, value));
     };
     std::string now = std::to_string(boundary.get());
     now.erase(now.find_last_not_of('0') + 1);

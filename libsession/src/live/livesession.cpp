@@ -6,7 +6,8 @@
 #include <boost/chrono/duration.hpp>
 
 #include <algorithm>
-#include <stdexcept>
+#include <array>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -31,51 +32,43 @@ const Boundary& boundaryOf(const std::string& option)
                        [&option](const Boundary& boundary) { return boundary.option == option; });
 }
 
-/// Sets boundaries, and takes all of that back unless it is kept.
-class BoundaryChange
+/// A member of a line, and the boundary that it sets.
+struct BoundaryMember
 {
-public:
-  BoundaryChange() = default;
-  ~BoundaryChange()
-  {
-    for (const auto& [boundary, before] : _before)
-      boundary->set(before);
-  }
-  BoundaryChange(const BoundaryChange&) = delete;
-  BoundaryChange& operator=(const BoundaryChange&) = delete;
-
-  /// \throws MemberError if the library rejects one.
-  void set(const recordings::BoundarySettings& settings)
-  {
-    _set("positive", "boundary-positive", settings.positive);
-    _set("negative", "boundary-negative", settings.negative);
-    _set("confidence", "boundary-confidence", settings.confidence);
-    _set("lookingAtRobot", "boundary-looking-at-robot", settings.lookingAtRobot);
-    _set("strictlyLookingAtRobot", "boundary-strictly-looking-at-robot", settings.strictlyLookingAtRobot);
-    _set("excited", "boundary-excited", settings.excited);
-  }
-
-  void keep() { _before.clear(); }
-
-private:
-  void _set(const std::string& member, const std::string& option, const boost::optional<float>& value)
-  {
-    if (!value)
-      return;
-    const Boundary& boundary = boundaryOf(option);
-    _before.emplace_back(&boundary, boundary.get());
-    try
-    {
-      setBoundary(boundary, *value);
-    }
-    catch (const std::invalid_argument&)
-    {
-      throw recordings::MemberError("boundaries." + member, "expected a number that lies " + boundary.interval);
-    }
-  }
-
-  std::vector<std::pair<const Boundary*, float>> _before;
+  const char* member;
+  const char* option;
+  boost::optional<float> recordings::BoundarySettings::*value;
 };
+
+/// Sets all or none.
+///
+/// \throws MemberError if the library rejects one.
+void setBoundaries(const recordings::BoundarySettings& settings)
+{
+  using Settings = recordings::BoundarySettings;
+  static constexpr std::array<BoundaryMember, 6> members = {
+      {{"positive", "boundary-positive", &Settings::positive},
+       {"negative", "boundary-negative", &Settings::negative},
+       {"confidence", "boundary-confidence", &Settings::confidence},
+       {"lookingAtRobot", "boundary-looking-at-robot", &Settings::lookingAtRobot},
+       {"strictlyLookingAtRobot", "boundary-strictly-looking-at-robot", &Settings::strictlyLookingAtRobot},
+       {"excited", "boundary-excited", &Settings::excited}}};
+  std::optional<SavedBoundaries> saved;
+  for (const BoundaryMember& member : members)
+  {
+    const boost::optional<float>& value = settings.*member.value;
+    if (!value)
+      continue;
+    if (!saved)
+      saved.emplace();
+    const Boundary& boundary = boundaryOf(member.option);
+    if (!setBoundary(boundary, *value))
+      throw recordings::MemberError(std::string("boundaries.") + member.member,
+                                    "expected a number that lies " + boundary.interval);
+  }
+  if (saved)
+    saved->keep();
+}
 
 }  // namespace
 
@@ -90,9 +83,7 @@ std::vector<std::int32_t> LiveSession::take(std::string_view line)
     return {};
   recordings::StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
 
-  BoundaryChange change;
-  change.set(read.boundaries);
-  change.keep();
+  setBoundaries(read.boundaries);
   for (const std::int32_t person : read.leaving)
     _session.forget(person);
   _now = read.entry.time;

@@ -5,7 +5,7 @@
 #include <skeigiot/session/exactnumber.hpp>
 #include <skeigiot/session/librarylog.hpp>
 
-#include <stdexcept>
+#include <cstddef>
 
 namespace KV::session
 {
@@ -32,16 +32,32 @@ const std::vector<Boundary>& boundaries()
   return all;
 }
 
-void setBoundary(const Boundary& boundary, float value)
+bool setBoundary(const Boundary& boundary, float value)
 {
-  // The library alone knows what it takes: it logs a rejected value and keeps the old one.
+  // The library alone knows what it takes: it logs a rejected value and keeps the old one. Another thread may set the
+  // boundary at the same time, so its value does not tell.
   LibraryLog log;
   boundary.set(value);
-  if (log.take().empty())
-    return;
-  std::string number;
-  appendExact(number, value);
-  throw std::invalid_argument("--" + boundary.option + ": " + number + " does not lie " + boundary.interval);
+  return log.take().empty();
+}
+
+std::string boundaryRefusal(const Boundary& boundary, float value)
+{
+  std::string text;
+  appendExact(text, value);
+  return text + " does not lie " + boundary.interval;
+}
+
+SavedBoundaries::SavedBoundaries()
+{
+  for (const Boundary& boundary : boundaries())
+    _values.push_back(boundary.get());
+}
+
+SavedBoundaries::~SavedBoundaries()
+{
+  for (std::size_t i = 0; i < _values.size(); ++i)
+    boundaries()[i].set(_values[i]);
 }
 
 }  // namespace KV::session

@@ -1,6 +1,6 @@
 #include "libsession/entries.hpp"
-#include "support/restoredboundaries.hpp"
 
+#include <skeigiot/session/boundary.hpp>
 #include <skeigiot/session/summary.hpp>
 
 #include <gtest/gtest.h>
@@ -88,7 +88,7 @@ TEST(PersonSummary, DoesNotCountTheZoneOfSomebodyWhoIsNotSeen)
 
 TEST(PersonSummary, CountsEngagementByTheBoundaries)
 {
-  const support::RestoredBoundaries restored;
+  const KV::session::SavedBoundaries saved;
   KV::PersonState::setBinaryBoundaryLookingAtRobot(0.5f);
   KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot(0.75f);
   PersonSummary summary;

@@ -1,5 +1,6 @@
 #include "libsession/entries.hpp"
 
+#include <skeigiot/session/boundary.hpp>
 #include <skeigiot/session/livesession.hpp>
 
 #include <gtest/gtest.h>
@@ -138,16 +139,7 @@ TEST_F(LiveSessionTest, TakesNothingFromABlankLine)
 class LiveBoundaries : public LiveSessionTest
 {
 protected:
-  ~LiveBoundaries() override
-  {
-    KV::PersonState::setBinaryBoundaryPositive(0.2f);
-    KV::PersonState::setBinaryBoundaryNegative(-0.2f);
-    KV::PersonState::setBinaryBoundaryConfidence(0.4f);
-    KV::PersonState::setBinaryBoundaryLookingAtRobot(0.6f);
-    KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot(0.9f);
-    KV::AmbianceState::setBinaryBoundaryExcited(0.4f);
-  }
-
+  KV::session::SavedBoundaries saved;
   LiveSession live = session(StreamTimes::Arrival);
 };
 

@@ -1,4 +1,4 @@
-#include "support/thrown.hpp"
+#include "support/capturedstream.hpp"
 
 #include <skeigiot/session/boundary.hpp>
 
@@ -25,13 +25,10 @@ std::vector<std::string> optionNames()
   return names;
 }
 
-/// Each boundary in turn, set back to what it was when the test is over.
+/// Each boundary in turn.
 class BoundaryOption : public ::testing::TestWithParam<std::string>
 {
 protected:
-  BoundaryOption() : former(boundary().get()) {}
-  ~BoundaryOption() override { boundary().set(former); }
-
   static const Boundary& boundary()
   {
     for (const Boundary& candidate : KV::session::boundaries())
@@ -42,14 +39,16 @@ protected:
     throw std::logic_error("no such boundary");
   }
 
+  /// Sets the boundary; the reason if it was not taken.
   static std::string refusalOf(float value)
   {
-    return support::textThrownBy<std::invalid_argument>([value] { setBoundary(boundary(), value); });
+    return setBoundary(boundary(), value) ? "" : KV::session::boundaryRefusal(boundary(), value);
   }
 
   static bool isOfValence() { return boundary().interval == "strictly between -1 and 1"; }
 
-  float former;
+  const KV::session::SavedBoundaries saved;
+  const float former = boundary().get();
 };
 
 TEST_P(BoundaryOption, IsSetAndLeavesTheOthersAlone)
@@ -58,7 +57,7 @@ TEST_P(BoundaryOption, IsSetAndLeavesTheOthersAlone)
   for (const Boundary& other : KV::session::boundaries())
     before.push_back(other.get());
 
-  setBoundary(boundary(), 0.125f);
+  EXPECT_TRUE(setBoundary(boundary(), 0.125f));
 
   for (std::size_t i = 0; i < before.size(); ++i)
   {
@@ -70,22 +69,22 @@ TEST_P(BoundaryOption, IsSetAndLeavesTheOthersAlone)
 TEST_P(BoundaryOption, TakesWhatLiesStrictlyInItsInterval)
 {
   const float largest = std::nextafter(1.f, 0.f);
-  setBoundary(boundary(), largest);
+  EXPECT_TRUE(setBoundary(boundary(), largest));
   EXPECT_EQ(largest, boundary().get());
   const float smallest = isOfValence() ? -largest : std::numeric_limits<float>::denorm_min();
-  setBoundary(boundary(), smallest);
+  EXPECT_TRUE(setBoundary(boundary(), smallest));
   EXPECT_EQ(smallest, boundary().get());
 }
 
 TEST_P(BoundaryOption, RefusesTheEndsOfItsInterval)
 {
   const std::string end = " does not lie " + boundary().interval;
-  EXPECT_EQ("--" + GetParam() + ": 1" + end, refusalOf(1.f));
+  EXPECT_EQ("1" + end, refusalOf(1.f));
   if (isOfValence())
-    EXPECT_EQ("--" + GetParam() + ": -1" + end, refusalOf(-1.f));
+    EXPECT_EQ("-1" + end, refusalOf(-1.f));
   else
-    EXPECT_EQ("--" + GetParam() + ": 0" + end, refusalOf(0.f));
-  EXPECT_EQ("--" + GetParam() + ": nan" + end, refusalOf(std::numeric_limits<float>::quiet_NaN()));
+    EXPECT_EQ("0" + end, refusalOf(0.f));
+  EXPECT_EQ("nan" + end, refusalOf(std::numeric_limits<float>::quiet_NaN()));
   EXPECT_EQ(former, boundary().get());
 }
 
@@ -94,6 +93,50 @@ INSTANTIATE_TEST_SUITE_P(All, BoundaryOption, ::testing::ValuesIn(optionNames())
   name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
   return name;
 });
+
+TEST_P(BoundaryOption, TakesTheValueThatItHas)
+{
+  EXPECT_TRUE(setBoundary(boundary(), former));
+}
+
+TEST_P(BoundaryOption, IsRefusedWithoutAWarning)
+{
+  const support::CapturedStandardError error;
+  EXPECT_FALSE(setBoundary(boundary(), 2.f));
+  EXPECT_EQ("", error.text());
+}
+
+std::vector<float> allValues()
+{
+  std::vector<float> values;
+  for (const Boundary& boundary : KV::session::boundaries())
+    values.push_back(boundary.get());
+  return values;
+}
+
+TEST(SavedBoundaries, ComeBackAllSix)
+{
+  const std::vector<float> before = allValues();
+  {
+    const KV::session::SavedBoundaries saved;
+    for (const Boundary& boundary : KV::session::boundaries())
+      EXPECT_TRUE(setBoundary(boundary, 0.125f));
+    EXPECT_EQ(std::vector<float>(6, 0.125f), allValues());
+  }
+  EXPECT_EQ(before, allValues());
+}
+
+TEST(SavedBoundaries, MayBeKeptAsTheyAreNow)
+{
+  const KV::session::SavedBoundaries around;
+  {
+    KV::session::SavedBoundaries saved;
+    for (const Boundary& boundary : KV::session::boundaries())
+      EXPECT_TRUE(setBoundary(boundary, 0.125f));
+    saved.keep();
+  }
+  EXPECT_EQ(std::vector<float>(6, 0.125f), allValues());
+}
 
 TEST(Boundaries, ArePartOfTheCommandLineAllSix)
 {

@@ -8,10 +8,10 @@
 namespace KV::session
 {
 
-/// One of the library's process-wide boundaries, as the command line sets it.
+/// One of the library's process-wide boundaries, as users name it.
 struct SKEIGIOT_API Boundary
 {
-  std::string option;       ///< without the dashes
+  std::string option;       ///< its name, such as "boundary-positive"
   std::string description;  ///< for the help
   std::string interval;     ///< which values the library takes, in words
   void (*set)(float);
@@ -21,9 +21,30 @@ struct SKEIGIOT_API Boundary
 /// Returns all boundaries.
 SKEIGIOT_API const std::vector<Boundary>& boundaries();
 
-/// Sets the boundary.
+/// Sets the boundary, and tells whether the library took the value; one that it rejects changes nothing.
 ///
-/// \throws std::invalid_argument if the library rejects the value.
-SKEIGIOT_API void setBoundary(const Boundary& boundary, float value);
+/// The library's own warning of a rejected value is not logged: the result says it.
+[[nodiscard]] SKEIGIOT_API bool setBoundary(const Boundary& boundary, float value);
+
+/// Says that the boundary rejects the value: "1.5 does not lie strictly between 0 and 1".
+SKEIGIOT_API std::string boundaryRefusal(const Boundary& boundary, float value);
+
+/// Gives all boundaries, when it ends, the values that they had when it was made.
+///
+/// Boundaries are process-wide: what other threads set meanwhile is undone as well.
+class SKEIGIOT_API SavedBoundaries
+{
+public:
+  SavedBoundaries();
+  ~SavedBoundaries();
+  SavedBoundaries(const SavedBoundaries&) = delete;
+  SavedBoundaries& operator=(const SavedBoundaries&) = delete;
+
+  /// Leaves the boundaries as they are now.
+  void keep() { _values.clear(); }
+
+private:
+  std::vector<float> _values;  // in the order of boundaries(); none if they are kept
+};
 
 }  // namespace KV::session
