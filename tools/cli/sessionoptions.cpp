@@ -33,6 +33,23 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
       ->allow_extra_args(false);
 }
 
+/// Says which option the message is about, or helps.
+std::string withOptions(const session::PlanError& error)
+{
+  const std::string message = error.what();
+  switch (error.fault())
+  {
+    case session::PlanFault::FilesBesideFolders:
+      return message + ": give --separately to replay all of them one by one";
+    case session::PlanFault::NothingToMove:
+    case session::PlanFault::NoSuchInput:
+      return "--offset: " + message;
+    case session::PlanFault::NamedTwice:
+      return message + ": give --separately to replay it twice";
+  }
+  return message;
+}
+
 /// \throws CLI::ValidationError if the text is no number.
 float numberOf(const std::string& option, const std::string& text)
 {
@@ -69,9 +86,9 @@ session::SessionPlan planNamedSessions(const session::SessionArguments& argument
   {
     return session::planSessions(arguments);
   }
-  catch (const std::invalid_argument& error)
+  catch (const session::PlanError& error)
   {
-    throw CLI::ValidationError(error.what());
+    throw CLI::ValidationError(withOptions(error));
   }
 }
 

@@ -85,18 +85,17 @@ void refuseContradictions(const SessionArguments& arguments, std::size_t folders
 {
   const std::size_t files = arguments.paths.size() - folders;
   if (folders > 0 && files > 0 && !arguments.separately)
-    throw std::invalid_argument(
-        "files named together are inputs of one session, recordings in a folder are sessions of their own: give "
-        "--separately to replay all of them one by one");
+    throw PlanError(PlanFault::FilesBesideFolders,
+                    "files named together are inputs of one session, recordings in a folder are sessions of their own");
   if (!arguments.offsets.empty() && (arguments.separately || folders > 0 || files < 2))
-    throw std::invalid_argument("--offset: there is no other input of the same session to be moved against");
+    throw PlanError(PlanFault::NothingToMove, "there is no other input of the same session to be moved against");
 
   const std::set<std::string> paths(arguments.paths.begin(), arguments.paths.end());
   for (const auto& [path, offset] : arguments.offsets)
     if (paths.count(path) == 0)
-      throw std::invalid_argument("--offset: there is no input '" + path + "'");
+      throw PlanError(PlanFault::NoSuchInput, "there is no input '" + path + "'");
   if (paths.size() < arguments.paths.size() && folders == 0 && !arguments.separately)
-    throw std::invalid_argument("one input is named twice: give --separately to replay it twice");
+    throw PlanError(PlanFault::NamedTwice, "one input is named twice");
 }
 
 }  // namespace

@@ -132,10 +132,8 @@ TEST_F(SessionPlanTest, RefusesFilesBesideFoldersUnlessTheyAreSeparate)
 {
   folder.write("a.csv", tidy);
   arguments.paths = {folder.path("."), "b.csv"};
-  EXPECT_EQ(
-      "files named together are inputs of one session, recordings in a folder are sessions of their own: give "
-      "--separately to replay all of them one by one",
-      refusal());
+  EXPECT_EQ("files named together are inputs of one session, recordings in a folder are sessions of their own",
+            refusal());
   arguments.separately = true;
   EXPECT_THAT(planned(), ElementsAre("./a.csv", "b.csv"));
 }
@@ -144,12 +142,12 @@ TEST_F(SessionPlanTest, RefusesOffsetsOfWhatIsNoInput)
 {
   arguments.paths = {"face.csv", "voice.csv"};
   arguments.offsets["touch.csv"] = Duration(1);
-  EXPECT_EQ("--offset: there is no input 'touch.csv'", refusal());
+  EXPECT_EQ("there is no input 'touch.csv'", refusal());
 }
 
 TEST_F(SessionPlanTest, RefusesOffsetsWhereThereIsNothingToMoveAgainst)
 {
-  const std::string expected = "--offset: there is no other input of the same session to be moved against";
+  const std::string expected = "there is no other input of the same session to be moved against";
   arguments.offsets["face.csv"] = Duration(1);
   arguments.paths = {"face.csv"};
   EXPECT_EQ(expected, refusal());
@@ -161,7 +159,7 @@ TEST_F(SessionPlanTest, RefusesOffsetsWhereThereIsNothingToMoveAgainst)
 TEST_F(SessionPlanTest, RefusesAnInputTwiceInOneSession)
 {
   arguments.paths = {"face.csv", "face.csv"};
-  EXPECT_EQ("one input is named twice: give --separately to replay it twice", refusal());
+  EXPECT_EQ("one input is named twice", refusal());
 }
 
 struct OffsetCase

@@ -359,6 +359,16 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"OffsetWithoutFile", {"--offset", "0.25"}, "--offset: '0.25' is not FILE=SECONDS"},
         UsageCase{
             "OffsetOfNoInput", {"another.csv", "--offset", "voice.csv=1"}, "--offset: there is no input 'voice.csv'"},
+        UsageCase{"OffsetOfTheOnlyInput",
+                  {"--offset", "voice.csv=1"},
+                  "--offset: there is no other input of the same session to be moved against"},
+        UsageCase{"AnInputTwice",
+                  {"another.csv", "another.csv"},
+                  "one input is named twice: give --separately to replay it twice"},
+        UsageCase{"AFileBesideAFolder",
+                  {"."},
+                  "files named together are inputs of one session, recordings in a folder are sessions of their own: "
+                  "give --separately to replay all of them one by one"},
         UsageCase{"AnUnknownOption", {"--speed"}, "The following argument was not expected: --speed"}),
     support::RowName());
 

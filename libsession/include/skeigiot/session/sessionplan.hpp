@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,7 @@ struct SKEIGIOT_API SessionInputs
   std::string name() const;
 };
 
-/// What the command line says of sessions.
+/// What a user says of sessions.
 struct SKEIGIOT_API SessionArguments
 {
   std::vector<std::string> paths;                            ///< of files and folders
@@ -45,11 +46,32 @@ struct SKEIGIOT_API SessionPlan
   std::vector<std::string> notes;  ///< on what was passed over
 };
 
+/// Why inputs and offsets are no sessions.
+enum class PlanFault
+{
+  FilesBesideFolders,  ///< some are inputs of one session, others are sessions of their own
+  NothingToMove,       ///< an offset, though no session has another input
+  NoSuchInput,         ///< an offset of what is no input
+  NamedTwice           ///< the same input twice in one session
+};
+
+/// Arguments that do not go together. The message does not say how a user interface asks for something else.
+class SKEIGIOT_API PlanError : public std::invalid_argument
+{
+public:
+  PlanError(PlanFault fault, const std::string& message) : std::invalid_argument(message), _fault(fault) {}
+
+  PlanFault fault() const { return _fault; }
+
+private:
+  PlanFault _fault;
+};
+
 /// Finds out which sessions there are: files named together are inputs of one, unless they are to be separate; a folder
 /// stands for every recording in it, each in a session of its own, in the order of their names.
 ///
 /// \throws Error for a folder that cannot be read or holds no recording.
-/// \throws std::invalid_argument for arguments that do not go together.
+/// \throws PlanError for arguments that do not go together.
 SKEIGIOT_API SessionPlan planSessions(const SessionArguments& arguments);
 
 /// Reads "FILE=SECONDS" into the offsets.
