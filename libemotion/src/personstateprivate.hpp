@@ -136,13 +136,13 @@ struct PersonStatePrivate
   /// Stores the zone under the attention mutex; `evidence` is what an observer is told of a change.
   void _setAttentionZone(ko::human::AttentionState zone, ZoneEvidence evidence = NoAttentionEvidence);
 
-  // NOLINTBEGIN(bugprone-reserved-identifier): the update keeps its name with two underscores.
+  // NOLINTBEGIN(clang-diagnostic-reserved-identifier): the update keeps its name with two underscores.
   /// Fuses what the memory holds and what the observation brings; see personstateupdate.cpp for the order of sources.
   void __update(const PersonObservation& observation, const PersonMemory& memory);
 
   /// As above, and appends the trace of the update to `trace`.
   void __update(const PersonObservation& observation, const PersonMemory& memory, DiagnosticText& trace);
-  // NOLINTEND(bugprone-reserved-identifier)
+  // NOLINTEND(clang-diagnostic-reserved-identifier)
 
   /// What a new record holds in attentionAngles (no angle: any first one differs by more than the dead band) and in
   /// attentionEstimates.
