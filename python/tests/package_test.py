@@ -3,6 +3,8 @@
 import ast
 import graphlib
 import inspect
+import shutil
+import subprocess
 import sys
 from pathlib import Path
 from typing import Any
@@ -17,6 +19,18 @@ def test_the_package_says_what_it_is_for() -> None:
 
 def test_the_package_says_which_version_it_is() -> None:
     assert [part.isdigit() for part in skeigiot.__version__.split(".")] == [True] * 3
+
+
+def test_another_python_is_told_which_one_the_package_was_built_for(tmp_path: Path) -> None:
+    package = tmp_path / "skeigiot"
+    shutil.copytree(Path(skeigiot.__file__).parent, package, ignore=shutil.ignore_patterns("_skeigiot.*so"))
+    (package / "_skeigiot.cpython-32-x86_64-linux-gnu.so").touch()
+
+    done = subprocess.run([sys.executable, "-c", "import skeigiot"], cwd=tmp_path, env={}, capture_output=True, text=True)
+
+    assert done.returncode == 1
+    here = f"{sys.version_info[0]}.{sys.version_info[1]}"
+    assert f"skeigiot in {package} was built for Python 3.2, but this is Python {here} " in done.stderr.splitlines()[-1]
 
 
 def test_all_names_of_the_package_are_there_and_say_where_they_live() -> None:
