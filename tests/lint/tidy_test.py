@@ -98,6 +98,12 @@ class Tidy(unittest.TestCase):
             settings.write("# changed\n")
         self.expect_clean(1, 1, "a.cpp")
 
+    def test_a_reserved_name_is_found_and_can_be_permitted_where_warnings_are_errors(self):
+        self.tree.write("a.cpp", "void __update();\n")
+        self.expect_finding("identifier '__update' is reserved", "a.cpp", options="-Werror")
+        self.tree.write("a.cpp", "void __update();  // NOLINT(clang-diagnostic-reserved-identifier)\n")
+        self.expect_clean(1, 1, "a.cpp", options="-Werror")
+
     def test_of_several_sources_those_with_findings_are_named(self):
         self.tree.write("a.cpp", CLEAN)
         self.tree.write("b.cpp", FINDING)
