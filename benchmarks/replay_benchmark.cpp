@@ -1,6 +1,7 @@
 #include "fullobservation.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/player.hpp>
 #include <skeigiot/session/session.hpp>
 
 #include <benchmark/benchmark.h>
@@ -61,15 +62,6 @@ private:
   std::filesystem::path _path;
 };
 
-/// Reads the file step by step, and hands each step to `use`.
-template <typename Use>
-void readAll(const FaceFile& file, Use use)
-{
-  const auto reader = KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions());
-  while (const auto entry = reader->next())
-    use(*entry);
-}
-
 void countTime(benchmark::State& state)
 {
   const double secondsOfFace = static_cast<double>(rows) / rowsPerSecond;
@@ -81,7 +73,11 @@ void BM_ReplayReadingAlone(benchmark::State& state)
 {
   const FaceFile file;
   for (auto _ : state)
-    readAll(file, [](const KV::recordings::Step& entry) { benchmark::DoNotOptimize(entry.time); });
+  {
+    const auto reader = KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions());
+    while (const auto step = reader->next())
+      benchmark::DoNotOptimize(step->time);
+  }
   countTime(state);
 }
 BENCHMARK(BM_ReplayReadingAlone)->Unit(benchmark::kMillisecond);
@@ -91,9 +87,9 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   const FaceFile file;
   for (auto _ : state)
   {
-    KV::session::Session session({}, {});
-    readAll(file, [&session](const KV::recordings::Step& entry) { session.play(entry); });
-    session.finish();
+    const KV::session::Player player{KV::session::PlayerOptions()};
+    benchmark::DoNotOptimize(player.play(
+        [&file] { return KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions()); }, {}));
   }
   countTime(state);
 }

@@ -1,4 +1,3 @@
-#include "face/mapping.hpp"
 #include "inputasfile.hpp"
 #include "ros4hri/rosmessages.hpp"
 #include "target.hpp"
@@ -64,12 +63,6 @@ void fuzzGzip(std::string_view input)
   const bool byBlocks = succeeds([&path] { readBlocks(path); });
   expect(byLines == byBlocks, "lines and blocks read alike");
   succeeds([&path] { KV::recordings::InputFile::head(path, 1000); });
-}
-
-void fuzzMapping(std::string_view input)
-{
-  const InputAsFile file(input);
-  succeeds([&file] { KV::recordings::readMapping(file.path()); });
 }
 
 void fuzzRosMessages(std::string_view input)

@@ -3,10 +3,15 @@
 
 #include <skeigiot/recordings/observationjson.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/player.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+
+#include <ko/systemclock.hpp>
 
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace fuzz
 {
@@ -16,7 +21,7 @@ namespace
 
 using KV::recordings::Step;
 
-constexpr int mostEntries = 200;  // of one input; what comes behind is more of the same
+constexpr int mostSteps = 200;  // of one input; what comes behind is more of the same
 
 /// Readings under each of several options; which is chosen by the length of the input, so that an input stays a file.
 KV::recordings::ReadingOptions optionsFor(std::size_t length)
@@ -44,110 +49,116 @@ KV::recordings::ReadingOptions optionsFor(std::size_t length)
 }
 
 /// What was read can be written, and reads back as the same.
-void expectRoundTrip(const Step& entry)
+void expectRoundTrip(const Step& step)
 {
-  const std::string text = KV::recordings::stepToJson(entry);
+  const std::string text = KV::recordings::stepToJson(step);
   expect(KV::recordings::stepToJson(KV::recordings::stepFromJson(text)) == text, "a step reads back as it was written");
 }
 
-/// Returns the next step; nothing at the end, or where the file cannot be read on.
-std::optional<Step> nextOf(KV::recordings::Reader& reader)
+/// Looks at each step on its way into a session.
+class Steps : public KV::session::SessionObserver
 {
-  for (int badLines = 0; badLines < mostEntries; ++badLines)
+public:
+  int count() const { return _count; }
+
+  void recordingDescribed(const std::vector<std::string>& description) override
   {
-    try
-    {
-      const auto entry = reader.next();
-      return entry ? std::optional<Step>(*entry) : std::nullopt;
-    }
-    catch (const KV::recordings::BadLine& error)
-    {
-      expect(*error.what() != '\0', "a bad line is complained of");
-    }
-    catch (const KV::recordings::Error&)
-    {
-      return std::nullopt;
-    }
+    expect(!description.empty(), "a recording is described");
   }
-  return std::nullopt;
+
+  void stepBegins(const Step& step) override
+  {
+    ++_count;
+    expect(!_before || step.time >= *_before, "times do not run backwards");
+    _before = step.time;
+    expectRoundTrip(step);
+  }
+
+private:
+  int _count = 0;
+  std::optional<ko::SystemClock::time_point> _before;
+};
+
+void play(const InputAsFile& file, const std::string& format, const KV::recordings::ReadingOptions& reading)
+{
+  Steps steps;
+  KV::session::PlayerOptions options;
+  options.skipBad = true;
+  const KV::session::Player player(options, [&steps](const KV::session::Progress& progress) {
+    expect(progress.share >= 0. && progress.share <= 1., "the progress is in its range");
+    return steps.count() < mostSteps;
+  });
+  const KV::session::Outcome outcome =
+      player.play([&] { return KV::recordings::openRecording(file.path(), format, reading); }, {&steps});
+  expect(!outcome.error || *outcome.error->what() != '\0', "a recording that cannot be read is complained of");
+  expect(outcome.badLines == 0 || !outcome.firstBadLine.empty(), "a bad line is complained of");
 }
 
-void readToItsEnd(KV::recordings::Reader& reader)
+void play(std::string_view input, const std::string& format)
 {
-  expect(!reader.describe().empty(), "a recording is described");
-  std::optional<ko::SystemClock::time_point> before;
-  for (int i = 0; i < mostEntries; ++i)
-  {
-    const std::optional<Step> entry = nextOf(reader);
-    if (!entry)
-      break;
-    expect(!before || entry->time >= *before, "times do not run backwards");
-    before = entry->time;
-    expectRoundTrip(*entry);
-    expect(reader.progress() >= 0. && reader.progress() <= 1., "the progress is in its range");
-  }
-  reader.takeWarnings();
-  reader.columns();
-}
-
-void read(std::string_view input, const std::string& format)
-{
-  const InputAsFile file(input);
-  try
-  {
-    readToItsEnd(*KV::recordings::openRecording(file.path(), format, optionsFor(input.size())));
-  }
-  catch (const KV::recordings::Error& error)
-  {
-    expect(*error.what() != '\0', "a recording that cannot be read is complained of");
-  }
+  play(InputAsFile(input), format, optionsFor(input.size()));
 }
 
 }  // namespace
 
 void fuzzOpenface(std::string_view input)
 {
-  read(input, "openface");
+  play(input, "openface");
 }
 
 void fuzzPyfeat(std::string_view input)
 {
-  read(input, "pyfeat");
+  play(input, "pyfeat");
 }
 
 void fuzzMediapipe(std::string_view input)
 {
-  read(input, "mediapipe");
+  play(input, "mediapipe");
 }
 
 void fuzzBlendshapes(std::string_view input)
 {
-  read(input, "blendshapes");
+  play(input, "blendshapes");
 }
 
 void fuzzLivelink(std::string_view input)
 {
-  read(input, "livelink");
+  play(input, "livelink");
 }
 
 void fuzzRosbag2(std::string_view input)
 {
-  read(input, "rosbag2");
+  play(input, "rosbag2");
 }
 
 void fuzzTidy(std::string_view input)
 {
-  read(input, "tidy");
+  play(input, "tidy");
 }
 
 void fuzzJsonl(std::string_view input)
 {
-  read(input, "jsonl");
+  play(input, "jsonl");
 }
 
 void fuzzAnyRecording(std::string_view input)
 {
-  read(input, "");
+  play(input, "");
+}
+
+/// The mapping of a face whose action units are all there.
+void fuzzMapping(std::string_view input)
+{
+  const InputAsFile mapping(input);
+  const InputAsFile face(
+      "frame,face_id,timestamp,confidence,success,AU01_r,AU02_r,AU04_r,AU05_r,AU06_r,AU07_r,AU12_r,AU15_r,AU23_r,AU25_"
+      "r,"
+      "AU26_r\n"
+      "1,0,0,0.98,1,0.15,1.7,0.3,0.4,1.7,3.3,0.5,0.9,2.5,3.8,2.3\n"
+      "2,0,0.033,0.98,1,3.3,0,2.3,2.6,1.5,2.2,5,0.2,0.8,2.7,1.7\n");
+  KV::recordings::ReadingOptions options;
+  options.mapping = mapping.path();
+  play(face, "openface", options);
 }
 
 }  // namespace fuzz

@@ -25,9 +25,13 @@ struct ReplayTables
 class ReplayRecord : public KV::session::SessionObserver
 {
 public:
-  /// `recording` is the number of the session, as exports have it. The tables must outlive the record.
-  ReplayRecord(std::int32_t recording, ReplayTables& tables) : _recording(recording), _tables(tables) {}
+  /// `recording` is the number of the session, as exports have it; `explain` fills the tables of forces and of changes
+  /// of zones. The tables must outlive the record.
+  ReplayRecord(std::int32_t recording, bool explain, ReplayTables& tables)
+    : _recording(recording), _explain(explain), _tables(tables)
+  {}
 
+  bool watchesForces() const override { return _explain; }
   void forceActed(const KV::Force& force) override;
   void zoneChanged(const KV::ZoneChange& change) override;
   void stepBegins(const KV::recordings::Step& entry) override;
@@ -37,6 +41,7 @@ public:
 
 private:
   std::int32_t _recording;
+  bool _explain;
   ReplayTables& _tables;
   std::int64_t _updates = 0;
   bool _begun = false;

@@ -35,7 +35,6 @@ KV::session::PlayerOptions optionsOf(const ReplayRequest& request)
 {
   KV::session::PlayerOptions options;
   options.skipBad = request.skipBad;
-  options.forces = request.explain ? KV::session::Forces::Watched : KV::session::Forces::Unwatched;
   options.scopes.push_back({"whole recording", KV::session::Duration(0), boost::none});
   options.scopes.insert(options.scopes.end(), request.scopes.begin(), request.scopes.end());
   return options;
@@ -47,7 +46,7 @@ ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& 
 {
   ReplayOutcome result;
   result.name = request.session.name();
-  ReplayRecord record(request.number, result.tables);
+  ReplayRecord record(request.number, request.explain, result.tables);
   const SilencedLog silenced;
   const KV::session::Player player(optionsOf(request), [&check](const KV::session::Progress&) {
     check();

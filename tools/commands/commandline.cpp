@@ -1,12 +1,12 @@
 #include "commands/commandline.hpp"
 
-#include "commands/inspectcommand.hpp"
-#include "commands/replaycommand.hpp"
-#include "commands/reportcommand.hpp"
-#include "commands/streamcommand.hpp"
-#include "commands/typescommand.hpp"
-#include "commands/watchcommand.hpp"
-#include "commands/whycommand.hpp"
+#include "commands/inspect.hpp"
+#include "commands/replay.hpp"
+#include "commands/report.hpp"
+#include "commands/stream.hpp"
+#include "commands/types.hpp"
+#include "commands/watch.hpp"
+#include "commands/why.hpp"
 
 namespace KV::tools
 {
@@ -19,7 +19,7 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   app->set_version_flag("--version", "skeigiot " SKEIGIOT_VERSION, "Print the version and exit");
   app->get_formatter()->column_width(optionColumnWidth);
   app->require_subcommand(1);
-  addReplayCommand(*app, status, reportWriter());
+  addReplayCommand(*app, status);
   addInspectCommand(*app, status);
   addReportCommand(*app, status);
   addStreamCommand(*app, status);

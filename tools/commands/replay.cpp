@@ -1,13 +1,30 @@
 #include "commands/replay.hpp"
 
-#include "cli/interruption.hpp"
-#include "commands/sessionreplay.hpp"
+#include "cli/argumentparsing.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "commands/replayrun.hpp"
 
-#include <skeigiot/session/exports.hpp>
-#include <skeigiot/session/orderedjobs.hpp>
+#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/exportformat.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/report.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
-#include <sstream>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
 
 namespace KV::tools
 {
@@ -15,141 +32,233 @@ namespace KV::tools
 namespace
 {
 
-const std::string standardOutput = "-";
+const char* const description = "Shows what the library thought of the persons in a recording";
 
-/// The replay of a session was stopped, as nobody wants its result any more.
-struct Cancelled
-{};
+const char* const footer =
+    R"(Files named together are inputs of one session, merged by time: what several of them tell of a person in one cycle
+is one update. The first input, best the face, sets the cycles; what others tell waits for its next step about the
+same person, for 0.2 s at most. Times that count from 0 are aligned at their zeros, and placed at a fixed time of the
+clock; times since 1970 stay. A folder stands for every recording in it, each in a session of its own, with persons
+and scopes of its own.
 
-/// A session that was replayed while those before it were not shown yet.
-struct Buffered
+The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
+the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
+right being the person's own, and the state of pleasure. The ease is what the body language said last. With --explain,
+the sources that moved valence and attention most in each row follow below it, each with the sum of its steps.
+
+The verdict on a scope weighs each update by its confidence: "unknown" if that is too low on average, else "positive",
+"neutral" or "negative".
+
+Exports have a line for each update of each person, with these fields:
+  recording                          number of the session, from 1
+  person                             identifier
+  time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC
+  seen                               whether the person was observed in this update, or only aged
+  valence, valence_confidence        -1 to 1, 0 to 1
+  valence_binary                     1 above 0.2, -1 from -0.2 downwards, else 0
+  unsmoothed_valence_binary, unsmoothed_valence_confidence
+                                     the same of the valence that follows the observations at once
+  attention, attention_confidence    0 to 1 each
+  zone                               LookingAtRobot, LookingUp, ..., LookingDownRight, or Unknown
+  pleasure                           positive, neutral, negative, or unknown
+  ease, ease_confidence              of the body language: -0.5 to 0.5, 0 to 1
+
+Exit status: 0 if all went well, 2 if a recording or the command line cannot be used (what came before the bad input
+is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
+
+Examples:
+  skeigiot replay face.csv
+  skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
+  skeigiot replay face.csv voice.csv touch.csv --offset voice.csv=0.25
+  skeigiot replay recordings/ --csv states.csv
+  skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S)";
+
+const char* const reportOption = "--report";
+
+/// Everything that the command line can say.
+struct Arguments
 {
-  SessionOutcome outcome;
-  std::string output;
-  std::string errors;
-  std::unique_ptr<session::SpilledExports> exports;
+  ReplayOptions replay;
+  session::SessionArguments sessions;
+  ReadingArguments reading;
+  ColorChoice color = ColorChoice::Auto;
 };
 
-class Replay
+void addSessionOptions(CLI::App& command, Arguments& arguments)
 {
-public:
-  Replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
-    : _options(options),
-      _surroundings(surroundings),
-      _display(surroundings.output, !options.quiet && options.csv != standardOutput &&
-                                        options.jsonl != standardOutput && options.toJsonl != standardOutput),
-      _messages(surroundings.errors, options.quiet),
-      _progress(surroundings.errors, surroundings.showProgress && !options.quiet)
-  {
-    if (!_options.csv.empty())
-      _exports.addCsv(_options.csv);
-    if (!_options.jsonl.empty())
-      _exports.addJsonl(_options.jsonl);
-    if (!_options.toJsonl.empty())
-      _exports.addRecording(_options.toJsonl);
-  }
+  const std::string group = "Sessions";
+  command.add_option("RECORDING", arguments.sessions.paths, "Files to replay, or folders of them")
+      ->required()
+      ->type_name("");
+  addOffsetOption(command, arguments.sessions.offsets)->group(group);
+  command
+      .add_flag("--separately", arguments.sessions.separately,
+                "Replay each file in a session of its own, instead of all as inputs of\none")
+      ->group(group);
+  addNumber(
+      command, "--jobs",
+      "How many sessions are replayed at a time; the output is the same\n(default: one for each core)", "NUMBER",
+      "a whole number from 1 to 1024",
+      [](double number) { return number >= 1. && number <= 1024. && number == std::floor(number); },
+      [&arguments](double number) { arguments.replay.jobs = static_cast<std::size_t>(number); })
+      ->group(group);
+}
 
-  ExitStatus all()
-  {
-    if (_options.jobs > 1 && _options.sessions.size() > 1)
-      _inParallel();
-    else
-      _oneByOne();
-    if (_anyOpened)
-      _exports.commit();
-    return _display.closed() ? Failure : _status;
-  }
+void addShowingOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "What is shown";
+  addScopeOption(command, arguments.replay.scopes)->group(group);
+  addNumber(
+      command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
+      "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
+      [&arguments](double seconds) {
+        arguments.replay.step = session::Duration(static_cast<session::Duration::rep>(std::llround(seconds * 1e9)));
+      })
+      ->group(group);
+  addChoice<ColorChoice>(
+      command, "--color", "auto (default: on a terminal, unless NO_COLOR is set), always, never", "WHEN",
+      {{"auto", ColorChoice::Auto}, {"always", ColorChoice::Always}, {"never", ColorChoice::Never}}, arguments.color)
+      ->group(group);
+  command
+      .add_flag("--explain", arguments.replay.explain,
+                "Show below each row of the timeline which sources moved valence and\nattention most")
+      ->group(group);
+  command.add_flag("-q,--quiet", arguments.replay.quiet, "Write nothing but errors")->group(group);
+}
 
-private:
-  void _oneByOne()
-  {
-    const SessionOutlets outlets{_display, _messages, _exports.writers(), _progress, Interruption::check};
-    for (std::size_t i = 0; i < _options.sessions.size() && !_isInVain(); ++i)
-    {
-      _separate(i);
-      _exports.writers().beginRecording(numberOf(i));
-      _add(replaySession(_options.sessions[i], _options, _surroundings, outlets));
-    }
-  }
+/// Returns the option that exports in this format: its name, but what writes a recording says into which format.
+std::string exportOption(const session::ExportFormat& format)
+{
+  return format.name == "recording" ? "--to-jsonl" : "--" + format.name;
+}
 
-  void _inParallel()
+void addExportOptions(CLI::App& command, Arguments& arguments)
+{
+  const std::string group = "Exports (\"-\" is standard output, which then holds nothing else)";
+  for (const session::ExportFormat& format : session::exportFormats())
   {
-    const std::size_t count = _options.sessions.size();
-    session::OrderedJobs<Buffered> jobs(
-        count, _options.jobs,
-        [this](std::size_t i, const std::atomic<bool>& cancelled) { return _buffered(i, cancelled); });
-    for (std::size_t i = 0; i < count && !_isInVain(); ++i)
-    {
-      const Buffered session = jobs.take([this, i, count] { _wait(i, count); });
-      _progress.erase();
-      _separate(i);
-      _display.show(session.output);
-      _surroundings.errors << session.errors << std::flush;
-      _exports.append(*session.exports);
-      _add(session.outcome);
-    }
-  }
-
-  /// Replays a session on a thread of its own; only what is constant is shared.
-  Buffered _buffered(std::size_t i, const std::atomic<bool>& cancelled) const
-  {
-    std::ostringstream output;
-    std::ostringstream errors;
-    Buffered session;
-    session.exports = _exports.spill(numberOf(i));
-    Display display(output, _display.shows());
-    Messages messages(errors, _options.quiet);
-    ProgressLine progress(errors, false);
-    const auto check = [&cancelled] {
-      Interruption::check();
-      if (cancelled)
-        throw Cancelled();
+    const auto add = [&replay = arguments.replay, name = format.name](const std::string& target) {
+      replay.exports[name] = target;
     };
-    const SessionOutlets outlets{display, messages, session.exports->writers(), progress, check};
-    session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
-    session.output = output.str();
-    session.errors = errors.str();
-    return session;
+    command.add_option_function<std::string>(exportOption(format), add, "Write " + format.description)
+        ->type_name("FILE")
+        ->group(group);
   }
+  command
+      .add_option_function<std::string>(
+          reportOption, [&replay = arguments.replay](const std::string& target) { replay.report = target; },
+          "Write a page of it, as \"skeigiot report\" does; not to standard output")
+      ->type_name("FILE")
+      ->group(group);
+}
 
-  void _wait(std::size_t done, std::size_t all)
+/// Tells whether none of them has to be waited for, such as a pipe: a thread that waits cannot be interrupted.
+bool areFiles(const std::vector<std::string>& paths)
+{
+  return std::none_of(paths.begin(), paths.end(), [](const std::string& path) {
+    std::error_code error;
+    const auto status = std::filesystem::status(path, error);
+    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+           !std::filesystem::is_directory(status);
+  });
+}
+
+/// \throws CLI::ValidationError if a file would hold several sessions and its format takes one.
+void checkSessionsOfExports(const ReplayOptions& options)
+{
+  if (options.sessions.size() == 1)
+    return;
+  for (const auto& [name, target] : options.exports)
   {
-    Interruption::check();
-    if (_progress.isDue())
-      _progress.showCount(done, all);
+    const session::ExportFormat& format = session::exportFormat(name);
+    if (!format.oneSession.empty())
+      throw CLI::ValidationError(exportOption(format), "takes one session only: " + format.oneSession);
   }
+}
 
-  void _separate(std::size_t i)
+/// \throws CLI::ValidationError if two exports, or an export and the report, go to one file.
+void checkTargets(const ReplayOptions& options)
+{
+  std::map<std::string, std::string> optionOfTarget;
+  const auto add = [&optionOfTarget](const std::string& option, const std::string& target) {
+    const auto [other, isNew] = optionOfTarget.emplace(target, option);
+    if (!isNew)
+      throw CLI::ValidationError(option, "writes to '" + target + "', as does " + other->second);
+  };
+  for (const auto& [name, target] : options.exports)
+    add(exportOption(session::exportFormat(name)), target);
+  if (options.report)
+    add(reportOption, *options.report);
+}
+
+/// \throws CLI::ValidationError if this replay can have no report.
+void checkReport(const ReplayOptions& options)
+{
+  if (!options.report)
+    return;
+  if (!session::Report::isAvailable())
+    throw CLI::ValidationError(reportOption, "this command was built without the page: it needs npm");
+  if (*options.report == "-")
+    throw CLI::ValidationError(reportOption, "needs a file; standard output shows the replay");
+  if (options.sessions.size() != 1)
+    throw CLI::ValidationError(reportOption, "is about one session: name the inputs of one recording");
+}
+
+/// Fills in the sessions, and which of their options follow from them.
+///
+/// \throws Error, CLI::ValidationError if there can be no such sessions.
+void plan(Arguments& arguments, Messages& messages)
+{
+  arguments.sessions.format = arguments.reading.format;
+  session::SessionPlan plan = planNamedSessions(arguments.sessions);
+  arguments.replay.sessions = std::move(plan.sessions);
+  for (const std::string& note : plan.notes)
+    messages.note(note);
+  if (!areFiles(arguments.sessions.paths))
+    arguments.replay.jobs = 1;
+  checkSessionsOfExports(arguments.replay);
+  checkTargets(arguments.replay);
+  checkReport(arguments.replay);
+}
+
+ExitStatus run(Arguments& arguments)
+{
+  Messages messages(std::cerr, arguments.replay.quiet);
+  try
   {
-    if (i > 0)
-      _display.show("\n");
+    plan(arguments, messages);
   }
-
-  void _add(const SessionOutcome& outcome)
+  catch (const recordings::Error& error)
   {
-    _status = graver(_status, outcome.status);
-    _anyOpened = _anyOpened || outcome.opened;
+    messages.error(error.what());
+    return BadInput;
   }
-
-  bool _isInVain() const { return _display.closed() && _exports.empty(); }
-
-  static int numberOf(std::size_t i) { return static_cast<int>(i) + 1; }
-
-  const ReplayOptions& _options;
-  const ReplaySurroundings& _surroundings;
-  Display _display;
-  Messages _messages;
-  ProgressLine _progress;
-  session::Exports _exports;
-  ExitStatus _status = Success;
-  bool _anyOpened = false;
-};
+  session::OutputStream output(STDOUT_FILENO, "standard output");
+  const auto open = [&arguments](const std::string& path) {
+    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
+  };
+  return replay(arguments.replay,
+                {open, output, std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),
+                 Style(useColors(arguments.color, STDOUT_FILENO)), std::cerr, isTerminal(STDERR_FILENO)});
+}
 
 }  // namespace
 
-ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
+void addReplayCommand(CLI::App& app, ExitStatus& status)
 {
-  return Replay(options, surroundings).all();
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& command = *app.add_subcommand("replay", description);
+  arguments->replay.jobs = std::max(1U, std::thread::hardware_concurrency());
+  addSessionOptions(command, *arguments);
+  addShowingOptions(command, *arguments);
+  addExportOptions(command, *arguments);
+  addReadingOptions(command, arguments->reading);
+  addBoundaryOptions(command);
+  command.footer(footer);
+  command.callback([arguments, &status] {
+    arguments->replay.skipBad = arguments->reading.skipBad;
+    status = run(*arguments);
+  });
 }
 
 }  // namespace KV::tools

@@ -1,16 +1,20 @@
 #include "commands/report.hpp"
 
-#include "cli/interruption.hpp"
-#include "commands/sessionreplay.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "commands/replayrun.hpp"
+#include "terminal/terminal.hpp"
 
-#include <skeigiot/forceobserver.hpp>
-#include <skeigiot/session/replacedfile.hpp>
-#include <skeigiot/session/reportdata.hpp>
-#include <skeigiot/session/reportpage.hpp>
-#include <skeigiot/session/reportrecorder.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/report.hpp>
+#include <skeigiot/session/sessionplan.hpp>
 
-#include <sstream>
-#include <vector>
+#include <iostream>
+#include <memory>
+#include <utility>
+
+#include <unistd.h>
 
 namespace KV::tools
 {
@@ -18,53 +22,85 @@ namespace KV::tools
 namespace
 {
 
-std::vector<std::string> linesOf(const std::string& text)
+const char* const description = "Makes a page of what the library thought of the persons in a recording, and why";
+
+const char* const footer =
+    R"(The page is one HTML file that opens in any browser, without a network. It shows valence and attention of each person
+over time with their confidences, what was observed, and what pulled; and for a moment that is clicked, every force in
+order. Files named together are inputs of one session, as for "skeigiot replay".
+
+A long recording is thinned so that the page stays below 15 MB: extremes are kept, and the page says so.
+
+Exit status: as that of "skeigiot replay".
+
+Examples:
+  skeigiot report face.csv -o report.html
+  skeigiot report face.csv voice.csv --scope greeting=0..12.5 -o report.html)";
+
+const char* const withoutPage =
+    "this command was built without the page of the report: install npm (on Debian: nodejs and npm), and build it anew";
+
+struct Arguments
 {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);)
-    lines.push_back(line);
-  return lines;
+  ReplayOptions replay;
+  session::SessionArguments sessions;
+  ReadingArguments reading;
+  std::string target;
+};
+
+/// \throws Error, CLI::ValidationError if there can be no such session.
+void plan(Arguments& arguments)
+{
+  arguments.sessions.format = arguments.reading.format;
+  arguments.replay.skipBad = arguments.reading.skipBad;
+  arguments.replay.shown = false;
+  arguments.replay.report = arguments.target;
+  arguments.replay.sessions = planNamedSessions(arguments.sessions).sessions;
+  if (arguments.replay.sessions.size() != 1)
+    throw CLI::ValidationError(
+        "a report is about one session: name the inputs of one recording, and no folder of several");
 }
 
-std::vector<std::string> pathsOf(const session::SessionInputs& session)
+ExitStatus run(Arguments& arguments)
 {
-  std::vector<std::string> paths;
-  for (const session::SessionInputs::Input& input : session.inputs)
-    paths.push_back(input.path);
-  return paths;
+  Messages messages(std::cerr, false);
+  if (!session::Report::isAvailable())
+  {
+    messages.error(withoutPage);
+    return Failure;
+  }
+  try
+  {
+    plan(arguments);
+  }
+  catch (const recordings::Error& error)
+  {
+    messages.error(error.what());
+    return BadInput;
+  }
+  session::OutputStream output(STDOUT_FILENO, "standard output");
+  const auto open = [&arguments](const std::string& path) {
+    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
+  };
+  return replay(arguments.replay, {open, output, widestTable, Style(false), std::cerr, isTerminal(STDERR_FILENO)});
 }
 
 }  // namespace
 
-ExitStatus writeReport(const ReplayOptions& options, const ReplaySurroundings& surroundings, std::string_view page,
-                       const std::string& target)
+void addReportCommand(CLI::App& app, ExitStatus& status)
 {
-  session::ReplacedFile file(target);
-  std::ostringstream said;
-  Display display(surroundings.output, false);
-  Messages messages(said, false);
-  session::ExportWriters observers;
-  ProgressLine progress(surroundings.errors, surroundings.showProgress && !options.quiet);
-  session::ReportRecorder recorder{session::ReportRecorder::Limits()};
-  observers.add(recorder);
-
-  const session::SessionInputs& session = options.sessions.front();
-  SessionOutcome outcome;
-  {
-    const KV::ScopedForceObserver watch([&recorder](const KV::Force& force) { recorder.forceActed(force); });
-    outcome =
-        replaySession(session, options, surroundings, {display, messages, observers, progress, Interruption::check});
-  }
-  surroundings.errors << said.str() << std::flush;
-  if (!outcome.opened)
-    return outcome.status;
-
-  recorder.finish();
-  session::writeReport(file.stream(), page,
-                       session::textForScript(session::reportData(recorder, pathsOf(session), linesOf(said.str()))));
-  file.commit();
-  return outcome.status;
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& command = *app.add_subcommand("report", description);
+  command.add_option("RECORDING", arguments->sessions.paths, "Files of one session")->required()->type_name("");
+  command.add_option("-o,--output", arguments->target, "Where the page goes, \"-\" for standard output")
+      ->required()
+      ->type_name("FILE");
+  addOffsetOption(command, arguments->sessions.offsets);
+  addScopeOption(command, arguments->replay.scopes);
+  addReadingOptions(command, arguments->reading);
+  addBoundaryOptions(command);
+  command.footer(footer);
+  command.callback([arguments, &status] { status = run(*arguments); });
 }
 
 }  // namespace KV::tools

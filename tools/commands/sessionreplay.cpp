@@ -47,9 +47,9 @@ public:
   {
     _show(_surroundings.style.bold(_name) + "\n");
     DescriptionShown description(_outlets.display, _surroundings.outputWidth);
-    session::Timeline timeline(_options.step);
+    session::Timeline timeline(_options.step, _options.explain);
     session::Summary summary;
-    std::vector<session::SessionObserver*> observers = _outlets.exports.observers();
+    std::vector<session::SessionObserver*> observers = _outlets.observers;
     observers.insert(observers.end(), {&description, &timeline, &summary});
 
     const session::Outcome outcome =
@@ -58,8 +58,8 @@ public:
     if (outcome.opened)
       _showOutcome(outcome, timeline, summary);
     if (outcome.error)
-      _outlets.messages.error(outcome.error->what());
-    return {outcome.error ? BadInput : Success, outcome.opened};
+      _sayError(outcome.error->what());
+    return {outcome.error ? BadInput : Success, outcome.opened, _said};
   }
 
 private:
@@ -67,7 +67,6 @@ private:
   {
     session::PlayerOptions options;
     options.skipBad = _options.skipBad;
-    options.forces = _options.explain ? session::Forces::Watched : session::Forces::Unwatched;
     options.scopes.push_back({"whole recording", session::Duration(0), boost::none});
     options.scopes.insert(options.scopes.end(), _options.scopes.begin(), _options.scopes.end());
     return session::Player(options, [this](const session::Progress& progress) {
@@ -85,11 +84,11 @@ private:
       _show(_surroundings.style.yellow("warning: " + text) + "\n");
     _showPersons(timeline, summary);
     if (!outcome.leftOut.empty())
-      _outlets.messages.note("warning: " + _name + ": " + outcome.leftOut);
+      _say("warning: " + _name + ": " + outcome.leftOut);
     for (const std::string& line : outcome.libraryWarnings)
-      _outlets.messages.note(_name + ": " + line);
+      _say(_name + ": " + line);
     if (outcome.badLines > 0)
-      _outlets.messages.note(_name + ": " + outcome.skippedText());
+      _say(_name + ": " + outcome.skippedText());
   }
 
   void _showPersons(const session::Timeline& timeline, const session::Summary& summary)
@@ -106,6 +105,18 @@ private:
       _show("\n" + ambiance);
   }
 
+  void _say(const std::string& text)
+  {
+    _said.push_back(text);
+    _outlets.messages.note(text);
+  }
+
+  void _sayError(const std::string& text)
+  {
+    _said.push_back(text);
+    _outlets.messages.error(text);
+  }
+
   void _show(const std::string& text) { _outlets.display.show(text); }
 
   const session::SessionInputs& _inputs;
@@ -113,6 +124,7 @@ private:
   const ReplayOptions& _options;
   const ReplaySurroundings& _surroundings;
   const SessionOutlets& _outlets;
+  std::vector<std::string> _said;  // warnings and errors
 };
 
 }  // namespace

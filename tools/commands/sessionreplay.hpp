@@ -2,13 +2,15 @@
 
 #include "cli/exitstatus.hpp"
 #include "cli/messages.hpp"
-#include "commands/replay.hpp"
+#include "commands/replayrun.hpp"
 #include "terminal/display.hpp"
 #include "terminal/progressline.hpp"
 
-#include <skeigiot/session/exportwriters.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 namespace KV::tools
 {
@@ -18,7 +20,7 @@ struct SessionOutlets
 {
   Display& display;
   Messages& messages;
-  session::ExportWriters& exports;
+  std::vector<session::SessionObserver*> observers;  ///< who else is told of the session
   ProgressLine& progress;
   std::function<void()> checkInterruption;  ///< called for each step; ends the replay by throwing
 };
@@ -27,7 +29,8 @@ struct SessionOutlets
 struct SessionOutcome
 {
   ExitStatus status = Success;
-  bool opened = false;  ///< there was a recording to read
+  bool opened = false;            ///< there was a recording to read
+  std::vector<std::string> said;  ///< its warnings and errors
 };
 
 /// Replays one session, the clock of this thread being set to its time, and shows what the library thought.

@@ -61,7 +61,9 @@ std::vector<TimelineRow> merged(const std::vector<TimelineRow>& rows, Duration s
 
 }  // namespace
 
-Timeline::Timeline(const boost::optional<Duration>& step) : _givenStep(step), _keptStep(step.value_or(second)) {}
+Timeline::Timeline(const boost::optional<Duration>& step, bool explained)
+  : _givenStep(step), _explained(explained), _keptStep(step.value_or(second))
+{}
 
 void Timeline::personUpdated(const Snapshot& snapshot)
 {

@@ -1,7 +1,6 @@
-#include "export/csvexport.hpp"
-
 #include <skeigiot/session/exactnumber.hpp>
 #include <skeigiot/session/exportfields.hpp>
+#include <skeigiot/session/exportformat.hpp>
 
 namespace KV::session
 {
@@ -33,23 +32,42 @@ private:
   std::string& _line;
 };
 
+/// Writes every update as a line of comma-separated values.
+///
+/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1. No field needs quotes.
+class CsvExport : public Exporter
+{
+public:
+  explicit CsvExport(std::ostream& stream) : _stream(stream) {}
+
+  void writeHeader() override
+  {
+    std::string header;
+    forEachExportedField(1, Snapshot(), [&header](const char* name, const auto&) {
+      header += (header.empty() ? "" : ",") + std::string(name);
+    });
+    _stream << header << '\n';
+  }
+
+  void personUpdated(const Snapshot& snapshot) override
+  {
+    _line.clear();
+    forEachExportedField(session(), snapshot, CsvFields(_line));
+    _line += '\n';
+    _stream << _line;
+  }
+
+private:
+  std::ostream& _stream;
+  std::string _line;  // kept for its memory
+};
+
 }  // namespace
 
-void CsvExport::writeHeader(std::ostream& stream)
+ExportFormat csvExport()
 {
-  std::string header;
-  forEachExportedField(1, Snapshot(), [&header](const char* name, const auto&) {
-    header += (header.empty() ? "" : ",") + std::string(name);
-  });
-  stream << header << '\n';
-}
-
-void CsvExport::personUpdated(const Snapshot& snapshot)
-{
-  _line.clear();
-  forEachExportedField(recording(), snapshot, CsvFields(_line));
-  _line += '\n';
-  _stream << _line;
+  return {"csv", "every update as comma-separated values", "",
+          [](std::ostream& stream) { return std::make_unique<CsvExport>(stream); }};
 }
 
 }  // namespace KV::session

@@ -1,8 +1,13 @@
 #include <skeigiot/session/exports.hpp>
 
+#include "export/spillfile.hpp"
+
+#include <skeigiot/session/replacedfile.hpp>
+
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace KV::session
 {
@@ -23,49 +28,90 @@ std::string folderFor(const std::string& target)
   return error || folder.empty() ? "." : folder.string();
 }
 
+template <typename File>
+std::vector<SessionObserver*> exportersOf(const std::vector<File>& files)
+{
+  std::vector<SessionObserver*> exporters;
+  exporters.reserve(files.size());
+  for (const File& file : files)
+    exporters.push_back(file.exporter.get());
+  return exporters;
+}
+
 }  // namespace
 
-std::unique_ptr<SpilledExports> Exports::spill(int number) const
+struct Exports::File
 {
-  auto spilled = std::make_unique<SpilledExports>();
+  const ExportFormat& format;
+  std::string folder;  // for temporary files
+  std::unique_ptr<ReplacedFile> file;
+  std::unique_ptr<Exporter> exporter;
+};
+
+struct Exports::Spilled::File
+{
+  std::unique_ptr<SpillFile> file;
+  std::unique_ptr<Exporter> exporter;
+};
+
+Exports::Spilled::Spilled() = default;
+Exports::Spilled::~Spilled() = default;
+
+std::vector<SessionObserver*> Exports::Spilled::observers() const
+{
+  return exportersOf(_files);
+}
+
+Exports::Exports() = default;
+Exports::~Exports() = default;
+
+void Exports::add(const std::string& format, const std::string& target)
+{
+  File file{exportFormat(format), folderFor(target), std::make_unique<ReplacedFile>(target), nullptr};
+  file.exporter = file.format.make(file.file->stream());
+  file.exporter->writeHeader();
+  _files.push_back(std::move(file));
+}
+
+bool Exports::empty() const
+{
+  return _files.empty();
+}
+
+void Exports::beginSession(int number)
+{
+  for (const File& file : _files)
+    file.exporter->beginSession(number);
+}
+
+std::vector<SessionObserver*> Exports::observers() const
+{
+  return exportersOf(_files);
+}
+
+std::unique_ptr<Exports::Spilled> Exports::spill(int number) const
+{
+  std::unique_ptr<Spilled> spilled(new Spilled);
   for (const File& file : _files)
   {
-    spilled->_files.push_back(std::make_unique<SpillFile>(file.folder));
-    _addWriter(spilled->_writers, file.form, spilled->_files.back()->stream(), ExportWriters::Header::LeftOut);
+    Spilled::File part{std::make_unique<SpillFile>(file.folder), nullptr};
+    part.exporter = file.format.make(part.file->stream());
+    part.exporter->beginSession(number);
+    spilled->_files.push_back(std::move(part));
   }
-  spilled->_writers.beginRecording(number);
   return spilled;
 }
 
-void Exports::append(SpilledExports& spilled)
+void Exports::append(Spilled& spilled)
 {
   for (std::size_t i = 0; i < _files.size(); ++i)
-    spilled._files[i]->copyTo(_files[i].file->stream());
+    spilled._files[i].file->copyTo(_files[i].file->stream());
 }
 
 void Exports::commit()
 {
   for (const File& file : _files)
     file.file->commit();
-}
-
-void Exports::_add(Form form, const std::string& target)
-{
-  _files.push_back({form, folderFor(target), std::make_unique<ReplacedFile>(target)});
-  _addWriter(_writers, form, _files.back().file->stream(), ExportWriters::Header::Written);
-}
-
-void Exports::_addWriter(ExportWriters& writers, Form form, std::ostream& stream, ExportWriters::Header header)
-{
-  switch (form)
-  {
-    case Form::Csv:
-      return writers.addCsv(stream, header);
-    case Form::Jsonl:
-      return writers.addJsonl(stream);
-    case Form::Recording:
-      return writers.addRecording(stream);
-  }
 }
 
 }  // namespace KV::session

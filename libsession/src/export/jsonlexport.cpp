@@ -1,7 +1,6 @@
-#include "export/jsonlexport.hpp"
-
 #include <skeigiot/session/exactnumber.hpp>
 #include <skeigiot/session/exportfields.hpp>
+#include <skeigiot/session/exportformat.hpp>
 
 #include <cmath>
 
@@ -42,14 +41,33 @@ private:
   std::string& _line;
 };
 
+/// Writes every update as a JSON object on a line of its own.
+///
+/// Floats have the shortest text that reads back as the same number; what is no number becomes null.
+class JsonlExport : public Exporter
+{
+public:
+  explicit JsonlExport(std::ostream& stream) : _stream(stream) {}
+
+  void personUpdated(const Snapshot& snapshot) override
+  {
+    _line.clear();
+    forEachExportedField(session(), snapshot, JsonFields(_line));
+    _line += "}\n";
+    _stream << _line;
+  }
+
+private:
+  std::ostream& _stream;
+  std::string _line;  // kept for its memory
+};
+
 }  // namespace
 
-void JsonlExport::personUpdated(const Snapshot& snapshot)
+ExportFormat jsonlExport()
 {
-  _line.clear();
-  forEachExportedField(recording(), snapshot, JsonFields(_line));
-  _line += "}\n";
-  _stream << _line;
+  return {"jsonl", "every update as JSON Lines", "",
+          [](std::ostream& stream) { return std::make_unique<JsonlExport>(stream); }};
 }
 
 }  // namespace KV::session

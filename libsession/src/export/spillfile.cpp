@@ -1,4 +1,4 @@
-#include <skeigiot/session/spillfile.hpp>
+#include "export/spillfile.hpp"
 
 #include <fcntl.h>
 #include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkostemp is not in the C++ header

@@ -73,8 +73,8 @@ void setBoundaries(const recordings::BoundarySettings& settings)
 }  // namespace
 
 LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock,
-                         std::vector<SessionObserver*> observers, Forces forces)
-  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), forces)
+                         std::vector<SessionObserver*> observers)
+  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers))
 {}
 
 std::vector<std::int32_t> LiveSession::take(std::string_view line)

@@ -6,7 +6,7 @@ string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
 string(REGEX REPLACE "(('....',)('....',)('....',)('....',)('....',)('....',)('....',)('....',))" "\\1\n" bytes "${bytes}")
 file(WRITE "${OUTPUT}" "// Made from the page of the report.
 
-#include <skeigiot/session/reportpage.hpp>
+#include \"report/reportpage.hpp\"
 
 #include <cstddef>
 

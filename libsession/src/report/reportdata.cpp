@@ -1,4 +1,4 @@
-#include <skeigiot/session/reportdata.hpp>
+#include "report/reportdata.hpp"
 
 #include "report/base64.hpp"
 

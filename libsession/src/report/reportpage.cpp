@@ -1,4 +1,4 @@
-#include <skeigiot/session/reportpage.hpp>
+#include "report/reportpage.hpp"
 
 #include <stdexcept>
 

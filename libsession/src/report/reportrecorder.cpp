@@ -1,4 +1,4 @@
-#include <skeigiot/session/reportrecorder.hpp>
+#include "report/reportrecorder.hpp"
 
 #include "report/thinning.hpp"
 

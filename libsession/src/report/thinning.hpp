@@ -1,6 +1,7 @@
 #pragma once
 
-#include <skeigiot/session/moment.hpp>
+#include "report/moment.hpp"
+
 #include <skeigiot/session/snapshot.hpp>
 
 #include <vector>

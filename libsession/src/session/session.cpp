@@ -1,6 +1,7 @@
 #include <skeigiot/session/session.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -28,10 +29,12 @@ Snapshot snapshotOf(const KV::PersonState& state)
 
 }  // namespace
 
-Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Forces forces)
+Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers)
   : _clock(TimePoint()), _clockOfThisThread(_clock), _scopes(spans), _observers(std::move(observers))
 {
-  if (forces == Forces::Watched)
+  std::copy_if(_observers.begin(), _observers.end(), std::back_inserter(_forceObservers),
+               [](const SessionObserver* observer) { return observer->watchesForces(); });
+  if (!_forceObservers.empty())
     _watchForces();
 }
 
@@ -61,14 +64,14 @@ void Session::finish()
 void Session::_watchForces()
 {
   const auto showForce = [this](const KV::Force& force) {
-    for (SessionObserver* observer : _observers)
+    for (SessionObserver* observer : _forceObservers)
       observer->forceActed(force);
   };
   const auto showZoneChange = [this](const KV::ZoneChange& change) {
-    for (SessionObserver* observer : _observers)
+    for (SessionObserver* observer : _forceObservers)
       observer->zoneChanged(change);
   };
-  _forceObserver.emplace(showForce, showZoneChange);
+  _forceWatch.emplace(showForce, showZoneChange);
 }
 
 void Session::_updateAmbiance(const recordings::Step& entry)

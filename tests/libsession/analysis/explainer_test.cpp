@@ -13,7 +13,6 @@ namespace
 using namespace replaytests;
 using KV::session::Explainer;
 using KV::session::Explanation;
-using KV::session::Forces;
 using KV::session::Session;
 
 class ExplainerTest : public ::testing::Test
@@ -25,7 +24,7 @@ protected:
 
 TEST_F(ExplainerTest, HandsOnEachUpdateOfThePersonWithTheForcesOfThatUpdate)
 {
-  Session session({}, {&explainer}, Forces::Watched);
+  Session session({}, {&explainer});
   session.play(seenAt(0., 1));
   session.play(seenAt(0.1, 2));
   session.play(notSeenAt(0.2, 1));
@@ -45,7 +44,7 @@ TEST_F(ExplainerTest, HandsOnEachUpdateOfThePersonWithTheForcesOfThatUpdate)
 
 TEST_F(ExplainerTest, NotesWhenEverybodyWasUpdated)
 {
-  Session session({}, {&explainer}, Forces::Watched);
+  Session session({}, {&explainer});
   session.play(seenAt(0., 1));
   session.play(seenAt(0.5, 7));
   session.play(seenAt(1., 7));
@@ -71,7 +70,7 @@ TEST_F(ExplainerTest, SeesNothingMoreWhenItsSessionIsOver)
 {
   KV::Person person(1);
   {
-    Session session({}, {&explainer}, Forces::Watched);
+    Session session({}, {&explainer});
     session.play(seenAt(0., 1));
   }
   person.decreaseSinceNotSeen();

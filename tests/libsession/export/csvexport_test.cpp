@@ -1,5 +1,6 @@
-#include "export/csvexport.hpp"
 #include "libsession/entries.hpp"
+
+#include <skeigiot/session/exportformat.hpp>
 
 #include <gtest/gtest.h>
 
@@ -18,14 +19,14 @@ const char* const header =
 TEST(CsvExport, HasAHeader)
 {
   std::ostringstream file;
-  KV::session::CsvExport::writeHeader(file);
+  KV::session::exportFormat("csv").make(file)->writeHeader();
   EXPECT_EQ(header, file.str());
 }
 
 TEST(CsvExport, HasALineForEachUpdate)
 {
   std::ostringstream file;
-  KV::session::CsvExport csv(file);
+  const auto csv = KV::session::exportFormat("csv").make(file);
   KV::session::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
   snapshot.person = -3;
   snapshot.seen = false;
@@ -34,9 +35,9 @@ TEST(CsvExport, HasALineForEachUpdate)
   snapshot.zone = ko::human::AttentionState::LookingUpLeft;
   snapshot.pleasure = KV::PleasureNegative;
   snapshot.ease = {-0.5f, 0.5f};
-  csv.beginRecording(2);
-  csv.personUpdated(snapshot);
-  csv.personUpdated(snapshotAt(2.));
+  csv->beginSession(2);
+  csv->personUpdated(snapshot);
+  csv->personUpdated(snapshotAt(2.));
   EXPECT_EQ(
       "2,-3,1.25,1577836801.25,0,0.1,1,-1,1,0.25,0.7,1,LookingUpLeft,negative,-0.5,0.5\n"
       "2,0,2,1577836802,1,0,1,0,0,0,0,1,Unknown,neutral,0,0\n",
@@ -46,8 +47,8 @@ TEST(CsvExport, HasALineForEachUpdate)
 TEST(CsvExport, NamesWhatIsNoNumber)
 {
   std::ostringstream file;
-  KV::session::CsvExport csv(file);
-  csv.personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN()));
+  const auto csv = KV::session::exportFormat("csv").make(file);
+  csv->personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN()));
   EXPECT_NE(std::string::npos, file.str().find("1,0,0,1577836800,1,nan,1,"));
 }
 

@@ -1,5 +1,6 @@
-#include "export/jsonlexport.hpp"
 #include "libsession/entries.hpp"
+
+#include <skeigiot/session/exportformat.hpp>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -15,11 +16,11 @@ using namespace replaytests;
 TEST(JsonlExport, HasAnObjectForEachUpdate)
 {
   std::ostringstream file;
-  KV::session::JsonlExport jsonl(file);
+  const auto jsonl = KV::session::exportFormat("jsonl").make(file);
   KV::session::Snapshot snapshot = snapshotAt(1.25, 0.1f, 0.7f);
   snapshot.seen = false;
   snapshot.zone = ko::human::AttentionState::LookingAtRobot;
-  jsonl.personUpdated(snapshot);
+  jsonl->personUpdated(snapshot);
   EXPECT_EQ(
       "{\"recording\":1,\"person\":0,\"time\":1.25,\"clock\":1577836801.25,\"seen\":false,\"valence\":0.1,"
       "\"valence_confidence\":1,\"valence_binary\":0,\"unsmoothed_valence_binary\":0,"
@@ -31,9 +32,10 @@ TEST(JsonlExport, HasAnObjectForEachUpdate)
 TEST(JsonlExport, IsJsonEvenForWhatIsNoNumber)
 {
   std::ostringstream file;
-  KV::session::JsonlExport jsonl(file);
-  jsonl.beginRecording(3);
-  jsonl.personUpdated(snapshotAt(0., std::numeric_limits<float>::quiet_NaN(), -std::numeric_limits<float>::infinity()));
+  const auto jsonl = KV::session::exportFormat("jsonl").make(file);
+  jsonl->beginSession(3);
+  jsonl->personUpdated(
+      snapshotAt(0., std::numeric_limits<float>::quiet_NaN(), -std::numeric_limits<float>::infinity()));
   const nlohmann::json object = nlohmann::json::parse(file.str());
   EXPECT_TRUE(object.at("valence").is_null());
   EXPECT_TRUE(object.at("attention").is_null());

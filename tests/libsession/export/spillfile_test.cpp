@@ -1,6 +1,5 @@
+#include "export/spillfile.hpp"
 #include "support/temporaryfolder.hpp"
-
-#include <skeigiot/session/spillfile.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
-#include "export/jsonlexport.hpp"
 #include "libsession/entries.hpp"
 
+#include <skeigiot/session/exportformat.hpp>
+#include <skeigiot/session/session.hpp>
 #include <skeigiot/session/stream.hpp>
 
 #include <gmock/gmock.h>
@@ -43,8 +44,8 @@ TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
   };
   std::stringstream exported;
   {
-    KV::session::JsonlExport replayed(exported);
-    KV::session::Session session({}, {&replayed});
+    const auto replayed = KV::session::exportFormat("jsonl").make(exported);
+    KV::session::Session session({}, {replayed.get()});
     for (int i = 0; i < 50; ++i)
       session.play(entry(i));
   }

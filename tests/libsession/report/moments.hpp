@@ -1,6 +1,6 @@
 #pragma once
 
-#include <skeigiot/session/moment.hpp>
+#include "report/moment.hpp"
 
 #include <boost/chrono/duration.hpp>
 

@@ -1,6 +1,6 @@
-#include <skeigiot/session/reportdata.hpp>
-#include <skeigiot/session/reportpage.hpp>
+#include "report/reportdata.hpp"
 #include <skeigiot/session/session.hpp>
+#include "report/reportpage.hpp"
 
 #include <boost/chrono/duration.hpp>
 
@@ -24,8 +24,7 @@ constexpr KV::session::TimePoint beginning{boost::chrono::seconds(1577836800)};
 Json dataOf(const std::string& scope)
 {
   KV::session::ReportRecorder recorder{KV::session::ReportRecorder::Limits()};
-  KV::session::Session session({{scope, KV::session::Duration(0), boost::none}}, {&recorder},
-                               KV::session::Forces::Watched);
+  KV::session::Session session({{scope, KV::session::Duration(0), boost::none}}, {&recorder});
   KV::recordings::Step entry;
   entry.time = beginning;
   entry.person = 7;

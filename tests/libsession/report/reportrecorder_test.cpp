@@ -1,4 +1,4 @@
-#include <skeigiot/session/reportrecorder.hpp>
+#include "report/reportrecorder.hpp"
 #include <skeigiot/session/session.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -37,7 +37,7 @@ Step stepAt(int number)
 
 void play(ReportRecorder& recorder, int steps)
 {
-  KV::session::Session session({}, {&recorder}, KV::session::Forces::Watched);
+  KV::session::Session session({}, {&recorder});
   for (int i = 0; i < steps; ++i)
     session.play(stepAt(i));
   session.finish();

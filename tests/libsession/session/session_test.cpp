@@ -190,4 +190,27 @@ TEST_F(SessionTest, WithoutAnEntryHasNoLength)
   EXPECT_TRUE(log.snapshots.empty());
 }
 
+TEST_F(SessionTest, TellsForcesToObserversThatWatchThemOnly)
+{
+  struct ForceLog : KV::session::SessionObserver
+  {
+    explicit ForceLog(bool watching) : watches(watching) {}
+    bool watchesForces() const override { return watches; }
+    void forceActed(const KV::Force&) override { ++forces; }
+    void zoneChanged(const KV::ZoneChange&) override { ++zoneChanges; }
+
+    bool watches;
+    int forces = 0;
+    int zoneChanges = 0;
+  };
+  ForceLog watching(true);
+  ForceLog other(false);
+  Session session({}, {&other, &watching});
+  session.play(seenAt(0., 1));
+  EXPECT_LT(0, watching.forces);
+  EXPECT_LT(0, watching.zoneChanges);
+  EXPECT_EQ(0, other.forces);
+  EXPECT_EQ(0, other.zoneChanges);
+}
+
 }  // namespace

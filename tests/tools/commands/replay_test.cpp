@@ -1,20 +1,23 @@
-#include "commands/replay.hpp"
 #include "libsession/entries.hpp"
-#include "libsession/scriptedreader.hpp"
+#include "support/command.hpp"
+#include "support/tablename.hpp"
 #include "support/temporaryfolder.hpp"
 
-#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <map>
-#include <memory>
+#include <csignal>
+#include <filesystem>
+#include <limits>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
+
+/// \file
+/// The built command as a whole.
 
 namespace
 {
@@ -22,346 +25,433 @@ namespace
 using namespace replaytests;
 using ::testing::HasSubstr;
 using ::testing::Not;
-using Step = ScriptedReader::Step;
+using ::testing::StartsWith;
 using Names = std::set<std::string>;
 
-/// Replays scripted recordings, named "face.csv", "second.csv" and so on; one that is not scripted is missing.
-class ReplayTest : public ::testing::Test
+std::string asJsonLines(const std::vector<KV::recordings::Step>& entries)
+{
+  std::ostringstream file;
+  KV::recordings::JsonLinesWriter writer(file);
+  for (const KV::recordings::Step& entry : entries)
+    writer.write(entry);
+  return file.str();
+}
+
+/// Two persons over some seconds, one of whom goes away; with an ambiance and a scope of its own.
+std::vector<KV::recordings::Step> meeting()
+{
+  std::vector<KV::recordings::Step> entries;
+  for (int i = 0; i < 60; ++i)
+  {
+    const double time = 0.1 * i;
+    entries.push_back(seenAt(time, 1, static_cast<float>(i) / 60.f));
+    entries.push_back(i < 30 ? seenAt(time, 2, 0.f) : notSeenAt(time, 2));
+  }
+  entries.front().scopeStarts.push_back({"greeting", -1});
+  entries[40].scopeStops.push_back("greeting");
+  entries[10].ambianceActivity = 0.01f;
+  return entries;
+}
+
+std::size_t linesOf(const std::string& text)
+{
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+class CommandTest : public ::testing::Test
 {
 protected:
-  /// Replays each script in a session of its own.
-  KV::tools::ExitStatus replay()
-  {
-    for (const auto& [path, steps] : scripts)
-      options.sessions.push_back({{{path, {}}}});
-    return replayAsPlanned();
-  }
+  CommandTest() : recording(folder.write("meeting.jsonl", asJsonLines(meeting()))) {}
 
-  KV::tools::ExitStatus replayAsPlanned()
+  CommandResult replay(std::vector<std::string> arguments) const
   {
-    const KV::tools::ReplaySurroundings surroundings{
-        [this](const std::string& path) { return open(path); }, output, 100, KV::tools::Style(false), errors, false};
-    return KV::tools::replay(options, surroundings);
-  }
-
-  std::unique_ptr<KV::recordings::Reader> open(const std::string& path)
-  {
-    const std::vector<Step>& steps = scripts.at(path);
-    if (steps.empty())
-      throw KV::recordings::Error({path, 0, ""}, "cannot be opened");
-    return std::make_unique<ScriptedReader>(steps, warnings);
-  }
-
-  static Step seen(double sinceStart, std::int32_t person = 0)
-  {
-    return ScriptedReader::entry(seenAt(sinceStart, person));
-  }
-
-  static std::size_t linesOf(const std::string& text)
-  {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    arguments.insert(arguments.begin(), "replay");
+    return runCommand(arguments);
   }
 
   TemporaryFolder folder;
-  KV::tools::ReplayOptions options;
-  std::map<std::string, std::vector<Step>> scripts;
-  std::vector<std::string> warnings;
-  std::ostringstream output;
-  std::ostringstream errors;
+  std::string recording;
 };
 
-TEST_F(ReplayTest, TellsWhatMovedEachRowIfThatIsWanted)
+TEST_F(CommandTest, TellsItsVersion)
 {
-  scripts["face.csv"] = {seen(0.)};
-  replay();
-  const std::string plain = output.str();
-  EXPECT_THAT(plain, Not(HasSubstr("face characteristics")));
-
-  output.str("");
-  options.sessions.clear();
-  options.explain = true;
-  replay();
-  EXPECT_THAT(output.str(), HasSubstr("\n        valence: face characteristics +"));
-  EXPECT_THAT(output.str(), HasSubstr("; attention: gaze and head +"));
-  EXPECT_EQ(linesOf(plain) + 1, linesOf(output.str())) << "one row, and all else as before";
+  const CommandResult result = runCommand({"--version"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("skeigiot " SKEIGIOT_VERSION "\n", result.output);
 }
 
-TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
+TEST_F(CommandTest, ListsItsCommandsInItsHelp)
 {
-  scripts["face.csv"] = {seen(0., 2), seen(0.5, 7), seen(1., 2)};
-  EXPECT_EQ(KV::tools::Success, replay());
-  const std::string text = output.str();
-  EXPECT_EQ(0U, text.find("face.csv\nsigns as scripted\nrate as scripted\n\nPerson 2\n"));
-  EXPECT_THAT(text, HasSubstr("  span       0:00.0 to 0:01.0, 2 updates"));
-  EXPECT_THAT(text, HasSubstr("\nPerson 7\n"));
-  EXPECT_THAT(text, HasSubstr("'whole recording' (0:00.0 to 0:01.0, 1 update)"));
-  EXPECT_EQ("", errors.str());
+  const CommandResult result = runCommand({"--help"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, HasSubstr("  replay "));
 }
 
-TEST_F(ReplayTest, SaysIfNobodyWasSeen)
+TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
 {
-  scripts["face.csv"] = {ScriptedReader::entry(notSeenAt(0., 1))};
-  EXPECT_EQ(KV::tools::Success, replay());
-  EXPECT_THAT(output.str(), HasSubstr("Nobody was seen in this recording.\n"));
+  const CommandResult result = replay({"--help"});
+  EXPECT_EQ(0, result.status);
+  for (const char* option : {"--scope NAME=FROM..TO",
+                             "--offset FILE=SECONDS",
+                             "--separately",
+                             "--jobs NUMBER",
+                             "--step SECONDS",
+                             "--color WHEN",
+                             "--quiet",
+                             "--csv FILE",
+                             "--jsonl FILE",
+                             "--to-jsonl FILE",
+                             "--report FILE",
+                             "--format NAME",
+                             "--fps HZ",
+                             "--mirrored",
+                             "--frame FRAME",
+                             "--camera-height METRES",
+                             "--min-confidence SHARE",
+                             "--au-full-scale INTENSITY",
+                             "--skip-bad",
+                             "--boundary-positive",
+                             "--boundary-negative",
+                             "--boundary-confidence",
+                             "--boundary-looking-at-robot",
+                             "--boundary-strictly-looking-at-robot",
+                             "--boundary-excited"})
+    EXPECT_THAT(result.output, HasSubstr(std::string(option) + " "));
 }
 
-TEST_F(ReplayTest, ShowsWarningsOfTheReader)
+TEST_F(CommandTest, ExplainsEveryFieldOfAnExport)
 {
-  scripts["face.csv"] = {seen(0.)};
-  warnings = {"the rate is odd"};
-  replay();
-  EXPECT_THAT(output.str(), HasSubstr("\nwarning: the rate is odd\n"));
+  const std::string help = replay({"--help"}).output;
+  std::istringstream header(replay({recording, "--csv", "-"}).output);
+  std::string line;
+  std::getline(header, line);
+  std::istringstream fields(line);
+  for (std::string field; std::getline(fields, field, ',');)
+    EXPECT_THAT(help, HasSubstr(field));
 }
 
-TEST_F(ReplayTest, CountsWarningsBeyondTheFirstTen)
+TEST_F(CommandTest, ShowsATimelineAndASummaryOfEachPerson)
 {
-  scripts["face.csv"] = {seen(0.)};
-  warnings.assign(25, "the rate is odd");
-  replay();
-  EXPECT_THAT(output.str(), HasSubstr("\nwarning: 15 more warnings\n"));
+  const CommandResult result = replay({recording});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.output, HasSubstr("\nPerson 1\n"));
+  EXPECT_THAT(result.output, HasSubstr("\nPerson 2\n"));
+  EXPECT_THAT(result.output, HasSubstr("not visible 50 %"));
+  EXPECT_THAT(result.output, HasSubstr("'greeting' (0:00.0 to 0:02.0, 21 updates)"));
+  EXPECT_THAT(result.output, HasSubstr("\nRoom\n"));
 }
 
-TEST_F(ReplayTest, ShowsTheAmbianceIfItWasRecorded)
+TEST_F(CommandTest, UsesNoColorsOnAPipe)
 {
-  KV::recordings::Step entry = seenAt(0., 1);
-  entry.ambianceActivity = 0.05f;
-  scripts["face.csv"] = {ScriptedReader::entry(entry)};
-  replay();
-  EXPECT_THAT(output.str(), HasSubstr("\nRoom\n  ambiance   agitation 0.10"));
+  EXPECT_THAT(replay({recording}).output, Not(HasSubstr("\033")));
 }
 
-TEST_F(ReplayTest, JudgesTheScopesGivenAndTheWholeRecording)
+TEST_F(CommandTest, UsesColorsOnAPipeIfItIsToldTo)
 {
-  scripts["face.csv"] = {seen(0.), seen(1.), seen(2.)};
-  options.scopes.push_back({"middle", inNanoseconds(1.), inNanoseconds(1.)});
-  replay();
-  EXPECT_THAT(output.str(), HasSubstr("'whole recording' (0:00.0 to 0:02.0, 3 updates)"));
-  EXPECT_THAT(output.str(), HasSubstr("'middle' (0:01.0 to 0:01.0, 1 update)"));
+  EXPECT_THAT(replay({recording, "--color", "always"}).output, HasSubstr("\033[1m"));
 }
 
-TEST_F(ReplayTest, StartsAFreshSessionForEachRecording)
+TEST_F(CommandTest, SaysNothingIfItIsQuiet)
 {
-  scripts["face.csv"] = {seen(100.), seen(101.)};
-  scripts["second.csv"] = {seen(0.)};
-  EXPECT_EQ(KV::tools::Success, replay());
-  EXPECT_THAT(output.str(), HasSubstr("\n\nsecond.csv\n"));
-  EXPECT_THAT(output.str(), HasSubstr("  span       0:00.0 to 0:00.0, 1 update,"));
+  const CommandResult result = replay({recording, "--quiet"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.output + result.errors);
 }
 
-TEST_F(ReplayTest, NumbersTheRecordingsInAnExport)
+TEST_F(CommandTest, ExportsTheSameInEveryRun)
 {
-  scripts["face.csv"] = {seen(0.)};
-  scripts["second.csv"] = {seen(0.)};
-  options.csv = folder.path("export.csv");
-  replay();
-  const std::string csv = folder.read("export.csv");
-  EXPECT_EQ(3U, linesOf(csv));
-  EXPECT_THAT(csv, HasSubstr("\n1,0,0,"));
-  EXPECT_THAT(csv, HasSubstr("\n2,0,0,"));
+  for (const char* run : {"1", "2"})
+    replay({recording, "-q", "--csv", folder.path(std::string(run) + ".csv"), "--jsonl",
+            folder.path(std::string(run) + ".jsonl")});
+  EXPECT_EQ(121U, linesOf(folder.read("1.csv")));
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
+  EXPECT_EQ(folder.read("1.jsonl"), folder.read("2.jsonl"));
+  EXPECT_EQ((Names{"1.csv", "2.csv", "1.jsonl", "2.jsonl", "meeting.jsonl"}), folder.names());
 }
 
-TEST_F(ReplayTest, ShowsAndExportsWhatCameBeforeABadLine)
+TEST_F(CommandTest, WritesTheRecordingSuchThatItsReplayIsTheSame)
 {
-  scripts["face.csv"] = {seen(0.), seen(1.), ScriptedReader::badLine(4), seen(2.)};
-  options.csv = folder.path("export.csv");
-  options.jsonl = folder.path("export.jsonl");
-  EXPECT_EQ(KV::tools::BadInput, replay());
-  EXPECT_EQ("skeigiot: face.csv:4: pose_Rx: expected a number, found 'abc'\n", errors.str());
-  EXPECT_THAT(output.str(), HasSubstr("0:00.0 to 0:01.0, 2 updates"));
-  EXPECT_EQ(3U, linesOf(folder.read("export.csv")));
-  EXPECT_EQ(2U, linesOf(folder.read("export.jsonl")));
-  EXPECT_EQ((Names{"export.csv", "export.jsonl"}), folder.names());
+  replay({recording, "-q", "--to-jsonl", folder.path("own.jsonl"), "--csv", folder.path("1.csv")});
+  replay({folder.path("own.jsonl"), "-q", "--csv", folder.path("2.csv")});
+  EXPECT_EQ(folder.read("meeting.jsonl"), folder.read("own.jsonl"));
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
 }
 
-TEST_F(ReplayTest, GoesOnWithTheNextRecordingAfterABadOne)
+TEST_F(CommandTest, ExportsToStandardOutputAndThenWritesNothingElseThere)
 {
-  scripts["face.csv"] = {};
-  scripts["second.csv"] = {seen(0.)};
-  EXPECT_EQ(KV::tools::BadInput, replay());
-  EXPECT_EQ("skeigiot: face.csv: cannot be opened\n", errors.str());
-  EXPECT_THAT(output.str(), HasSubstr("Person 0"));
+  replay({recording, "-q", "--csv", folder.path("file.csv")});
+  EXPECT_EQ(folder.read("file.csv"), replay({recording, "--csv", "-"}).output);
 }
 
-TEST_F(ReplayTest, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
+TEST_F(CommandTest, ReplaysSeveralRecordingsInSessionsOfTheirOwn)
 {
-  folder.write("export.csv", "old");
-  scripts["face.csv"] = {};
-  options.csv = folder.path("export.csv");
-  EXPECT_EQ(KV::tools::BadInput, replay());
-  EXPECT_EQ("old", folder.read("export.csv"));
-  EXPECT_EQ((Names{"export.csv"}), folder.names());
+  const CommandResult result = replay({recording, recording, "--separately"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, StartsWith(recording + "\n"));
+  EXPECT_THAT(result.output, HasSubstr("\n\n" + recording + "\n"));
 }
 
-TEST_F(ReplayTest, PassesOverBadLinesIfItMayAndCountsThem)
+TEST_F(CommandTest, MergesFilesNamedTogetherAndGivesTheSameFromTheOwnFormat)
 {
-  scripts["face.csv"] = {ScriptedReader::badLine(2), seen(0.), ScriptedReader::badLine(4), seen(1.)};
-  options.skipBad = true;
-  EXPECT_EQ(KV::tools::Success, replay());
-  EXPECT_EQ(
-      "skeigiot: face.csv: skipped 2 bad lines, the first: "
-      "face.csv:2: pose_Rx: expected a number, found 'abc'\n",
-      errors.str());
-  EXPECT_THAT(output.str(), HasSubstr("2 updates"));
+  const std::string voice = folder.write("voice.csv",
+                                         "time,person,reading,value,confidence\n"
+                                         "0.25,1,voiceEmotion.anger,0.9,0.8\n"
+                                         "0.25,1,voiceEmotion.joy,0.1,0.8\n"
+                                         "2,2,asrEmotion,-1,\n"
+                                         "9,,start,afterwards,\n");
+  const CommandResult result = replay(
+      {recording, voice, "--offset", voice + "=0.5", "--csv", folder.path("1.csv"), "--to-jsonl", folder.path("own")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.output, StartsWith(recording + " + " + voice + "\n"));
+  EXPECT_EQ(121U, linesOf(folder.read("1.csv"))) << "updates are those of the cycles of the first input";
+  EXPECT_NE(replay({recording, "--csv", "-"}).output, folder.read("1.csv")) << "the voice has its effect";
+
+  replay({folder.path("own"), "-q", "--csv", folder.path("2.csv")});
+  EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
 }
 
-TEST_F(ReplayTest, DoesNotPassOverDamage)
+TEST_F(CommandTest, ReplaysAFolderOfRecordingsWithTheSameResultWhateverTheNumberOfJobs)
 {
-  scripts["face.csv"] = {seen(0.), ScriptedReader::damage(3), seen(1.)};
-  options.skipBad = true;
-  EXPECT_EQ(KV::tools::BadInput, replay());
-  EXPECT_EQ("skeigiot: face.csv:3: damaged\n", errors.str());
-  EXPECT_THAT(output.str(), HasSubstr("1 update,"));
-}
-
-TEST_F(ReplayTest, TellsWarningsOfTheLibraryOnce)
-{
-  const auto withOldVoice = [](double sinceStart) {
-    KV::recordings::Step entry = seenAt(sinceStart, 0);
-    entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
-    return ScriptedReader::entry(entry);
+  std::filesystem::create_directory(folder.path("recordings"));
+  for (const char* name : {"recordings/a.jsonl", "recordings/b.jsonl", "recordings/c.jsonl"})
+    folder.write(name, asJsonLines(meeting()));
+  folder.write("recordings/b.jsonl", asJsonLines(meeting()) + "oops\n");
+  folder.write("recordings/notes.txt", "engaged\n");
+  const auto run = [this](const std::string& jobs) {
+    return replay({folder.path("recordings"), "--jobs", jobs, "--csv", folder.path(jobs + ".csv")});
   };
-  scripts["face.csv"] = {withOldVoice(0.), withOldVoice(1.), withOldVoice(2.)};
-  EXPECT_EQ(KV::tools::Success, replay());
-  EXPECT_THAT(errors.str(), HasSubstr("skeigiot: face.csv: kvmood.emotionalstate: "));
-  EXPECT_THAT(errors.str(), HasSubstr(" (and 2 more times)\n"));
-  EXPECT_EQ(1U, linesOf(errors.str()));
+  const CommandResult one = run("1");
+  const CommandResult four = run("4");
+  EXPECT_EQ(2, one.status);
+  EXPECT_EQ(one.status, four.status);
+  EXPECT_EQ(one.output, four.output);
+  EXPECT_EQ(one.errors, four.errors);
+  EXPECT_EQ(folder.read("1.csv"), folder.read("4.csv"));
+  EXPECT_EQ(361U, linesOf(folder.read("4.csv")));
+  EXPECT_THAT(four.errors, HasSubstr("passed over 1 file of no known format: notes.txt\n"));
+  EXPECT_THAT(four.errors, HasSubstr("recordings/b.jsonl:121: "));
 }
 
-TEST_F(ReplayTest, WritesNothingButErrorsIfItIsQuiet)
+TEST_F(CommandTest, SetsABoundary)
 {
-  scripts["face.csv"] = {ScriptedReader::badLine(2), seen(0.), ScriptedReader::damage(4)};
-  warnings = {"the rate is odd"};
-  options.skipBad = true;
-  options.quiet = true;
-  EXPECT_EQ(KV::tools::BadInput, replay());
-  EXPECT_EQ("", output.str());
-  EXPECT_EQ("skeigiot: face.csv:4: damaged\n", errors.str());
+  EXPECT_THAT(replay({recording, "--boundary-confidence", "0.999999"}).output, Not(HasSubstr("pleasure   positive")));
+  EXPECT_THAT(replay({recording, "--boundary-positive", "-0.9", "--boundary-negative", "-0.95"}).output,
+              HasSubstr("positive  'whole recording'"));
 }
 
-TEST_F(ReplayTest, WritesTheRecordingItself)
+// Bad input
+
+TEST_F(CommandTest, ExportsWhatCameBeforeBadInput)
 {
-  scripts["face.csv"] = {seen(0.), seen(1.)};
-  options.toJsonl = folder.path("own.jsonl");
-  replay();
-  const auto reader = KV::recordings::openRecording(folder.path("own.jsonl"), "jsonl", {});
-  EXPECT_EQ(start, reader->next().value().time);
-  EXPECT_EQ(start + seconds(1), reader->next().value().time);
-  EXPECT_FALSE(reader->next());
+  const std::string good = asJsonLines({seenAt(0., 1), seenAt(1., 1)});
+  const std::string file = folder.write("cut.jsonl", good + "{\"time\": oops\n" + asJsonLines({seenAt(2., 1)}));
+  const CommandResult result = replay({file, "--csv", folder.path("export.csv")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ":3: "));
+  EXPECT_EQ(1U, linesOf(result.errors));
+  EXPECT_THAT(result.output, HasSubstr("2 updates"));
+  EXPECT_EQ(3U, linesOf(folder.read("export.csv")));
 }
 
-// Several sessions at a time
-
-class ParallelReplay : public ReplayTest
+TEST_F(CommandTest, PassesOverBadLinesAndCountsThem)
 {
-protected:
-  /// Nine sessions of different lengths: one cannot be opened, some go bad, all have a warning of the library.
-  void scriptSessions()
-  {
-    options.skipBad = false;
-    for (int i = 0; i < 9; ++i)
-    {
-      std::vector<Step>& steps = scripts["session" + std::to_string(i)];
-      for (int step = 0; i != 3 && step < 40 * (9 - i); ++step)
-        steps.push_back(seen(0.1 * step, i));
-      if (i == 5 || i == 6)
-        steps.push_back(ScriptedReader::badLine(99));
-      if (i == 3)
-        continue;
-      KV::recordings::Step entry = seenAt(100., i);
-      entry.observation.voiceEmotion.emplace(entry.time - seconds(5), KV::VoiceEmotion());
-      steps.insert(steps.begin(), ScriptedReader::entry(entryAt(0.)));
-      steps.push_back(ScriptedReader::entry(entry));
-    }
-  }
+  const std::string file =
+      folder.write("cut.jsonl", asJsonLines({seenAt(0., 1)}) + "oops\n" + asJsonLines({seenAt(2., 1)}));
+  const CommandResult result = replay({file, "--skip-bad"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ": skipped 1 bad line, the first: " + file + ":2: "));
+  EXPECT_THAT(result.output, HasSubstr("2 updates"));
+}
 
-  /// Everything that a replay with that many jobs writes, standard output and standard error apart.
-  std::vector<std::string> writtenWith(std::size_t jobs)
-  {
-    output.str("");
-    errors.str("");
-    options.jobs = jobs;
-    options.sessions.clear();
-    options.csv = folder.path("export.csv");
-    options.jsonl = folder.path("export.jsonl");
-    EXPECT_EQ(KV::tools::BadInput, replay());
-    return {output.str(), errors.str(), folder.read("export.csv"), folder.read("export.jsonl")};
-  }
+TEST_F(CommandTest, NamesTheColumnOfBadInput)
+{
+  const std::string file = folder.write(
+      "face.csv", "frame,face_id,timestamp,confidence,success,AU12_r\n1,0,0,0.9,1,2\n2,0,0.03,0.9,1,abc\n");
+  const CommandResult result = replay({file});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("skeigiot: " + file + ":3: AU12_r: expected a number, found 'abc'\n", result.errors);
+}
+
+struct BadFileCase
+{
+  const char* name;
+  const char* file;
 };
 
-TEST_F(ParallelReplay, WritesTheSameBytesWhateverTheNumberOfJobs)
-{
-  scriptSessions();
-  const std::vector<std::string> expected = writtenWith(1);
-  EXPECT_THAT(expected[1], HasSubstr("skeigiot: session3: cannot be opened\n"));
-  EXPECT_THAT(expected[1], HasSubstr("skeigiot: session4: kvmood.emotionalstate: "));
-  EXPECT_THAT(expected[2], HasSubstr("\n9,8,"));
-  for (const std::size_t jobs : {2, 3, 8, 100})
-    EXPECT_EQ(expected, writtenWith(jobs)) << jobs << " jobs";
-  EXPECT_EQ((Names{"export.csv", "export.jsonl"}), folder.names());
-}
+class BadFile : public CommandTest, public ::testing::WithParamInterface<BadFileCase>
+{};
 
-TEST_F(ParallelReplay, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
+TEST_P(BadFile, IsReportedWithItsNameAndLeavesExportsAlone)
 {
+  folder.write("empty.csv", "");
+  std::filesystem::create_directory(folder.path("folder.csv"));
   folder.write("export.csv", "old");
-  scripts["a"] = {};
-  scripts["b"] = {};
-  options.jobs = 2;
-  options.csv = folder.path("export.csv");
-  EXPECT_EQ(KV::tools::BadInput, replay());
+  const Names before = folder.names();
+  const std::string file = folder.path(GetParam().file);
+
+  const CommandResult result = replay({file, "--csv", folder.path("export.csv")});
+
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, StartsWith("skeigiot: " + file + ": "));
+  EXPECT_EQ(1U, linesOf(result.errors));
   EXPECT_EQ("old", folder.read("export.csv"));
-  EXPECT_EQ("skeigiot: a: cannot be opened\nskeigiot: b: cannot be opened\n", errors.str());
+  EXPECT_EQ(before, folder.names());
 }
 
-// Several inputs of one session
+INSTANTIATE_TEST_SUITE_P(Kinds, BadFile,
+                         ::testing::Values(BadFileCase{"Missing", "missing.csv"}, BadFileCase{"Empty", "empty.csv"},
+                                           BadFileCase{"AFolder", "folder.csv"}),
+                         support::RowName());
 
-TEST_F(ReplayTest, MergesTheInputsOfASession)
+struct UsageCase
 {
-  scripts["face.csv"] = {seen(0., 1), seen(1., 1)};
-  scripts["voice.csv"] = {seen(0.5, 2)};
-  options.sessions = {{{{"face.csv", {}}, {"voice.csv", inNanoseconds(0.25)}}}};
-  options.toJsonl = folder.path("own.jsonl");
-  EXPECT_EQ(KV::tools::Success, replayAsPlanned());
-  EXPECT_THAT(output.str(), HasSubstr("face.csv + voice.csv\nOne session of 2 inputs"));
-  EXPECT_THAT(output.str(), HasSubstr("\nPerson 1\n"));
-  EXPECT_THAT(output.str(), HasSubstr("\nPerson 2\n"));
-  const auto reader = KV::recordings::openRecording(folder.path("own.jsonl"), "jsonl", {});
-  EXPECT_EQ(start, reader->next().value().time);
-  EXPECT_EQ(start + milliseconds(750), reader->next().value().time);
-  EXPECT_EQ(start + seconds(1), reader->next().value().time);
-}
-
-TEST_F(ReplayTest, ReplaysNothingOfASessionOfWhichAnInputIsMissing)
-{
-  scripts["face.csv"] = {seen(0., 1)};
-  scripts["voice.csv"] = {};
-  options.sessions = {{{{"face.csv", {}}, {"voice.csv", {}}}}};
-  EXPECT_EQ(KV::tools::BadInput, replayAsPlanned());
-  EXPECT_EQ("skeigiot: voice.csv: cannot be opened\n", errors.str());
-  EXPECT_THAT(output.str(), Not(HasSubstr("Person")));
-}
-
-/// An output whose reader has gone away.
-class ClosedPipe : public std::streambuf
-{
-  int_type overflow(int_type) override { throw KV::session::WriteError("standard output", EPIPE); }
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* message;
 };
 
-TEST_F(ReplayTest, ExportsToTheEndThoughNobodyReadsItsOutput)
+class WrongUsage : public CommandTest, public ::testing::WithParamInterface<UsageCase>
+{};
+
+TEST_P(WrongUsage, IsRefusedWithTheReason)
 {
-  scripts["face.csv"] = {seen(0.), seen(1.)};
-  scripts["second.csv"] = {seen(0.)};
-  options.csv = folder.path("export.csv");
-  options.sessions = {{{{"face.csv", {}}}}, {{{"second.csv", {}}}}};
-  ClosedPipe pipe;
-  std::ostream closed(&pipe);
-  closed.exceptions(std::ios::badbit);
-  KV::tools::ReplaySurroundings surroundings{
-      [this](const std::string& path) { return open(path); }, closed, 100, KV::tools::Style(false), errors, false};
+  std::vector<std::string> arguments{recording};
+  arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+  const CommandResult result = replay(arguments);
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("", result.output);
+  EXPECT_EQ(std::string("skeigiot: ") + GetParam().message + "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'.\n",
+            result.errors);
+  EXPECT_EQ((Names{"meeting.jsonl"}), folder.names());
+}
 
-  EXPECT_EQ(KV::tools::Failure, KV::tools::replay(options, surroundings));
+INSTANTIATE_TEST_SUITE_P(
+    Options, WrongUsage,
+    ::testing::Values(
+        UsageCase{"ABoundaryOutOfItsInterval",
+                  {"--boundary-positive", "1.5"},
+                  "--boundary-positive: 1.5 does not lie strictly between -1 and 1"},
+        UsageCase{"ABoundaryThatRoundsToItsEnd",
+                  {"--boundary-excited", "0.99999999999"},
+                  "--boundary-excited: 1 does not lie strictly between 0 and 1"},
+        UsageCase{
+            "ABoundaryInWords", {"--boundary-excited", "high"}, "--boundary-excited: expected a number, found 'high'"},
+        UsageCase{"NoFrames", {"--fps", "0"}, "--fps: expected a number above 0, found '0'"},
+        UsageCase{"AConfidenceAboveAll",
+                  {"--min-confidence", "2"},
+                  "--min-confidence: expected a number from 0 to 1, found '2'"},
+        UsageCase{"ATooShortStep", {"--step", "1e-9"}, "--step: expected a number from 0.001 on, found '1e-9'"},
+        UsageCase{
+            "AnUnknownFrame", {"--frame", "robot"}, "--frame: expected one of line-of-sight, camera, found 'robot'"},
+        UsageCase{"AnUnknownChoiceOfColor",
+                  {"--color", "blue"},
+                  "--color: expected one of auto, always, never, found 'blue'"},
+        UsageCase{
+            "AScopeWithoutTimes", {"--scope", "greeting"}, "--scope: 'greeting' is not NAME=FROM..TO: '=' is missing"},
+        UsageCase{"TwoExportsToOneFile", {"--csv", "-", "--jsonl", "-"}, "--jsonl: writes to '-', as does --csv"},
+        UsageCase{"SeveralRecordingsIntoOne",
+                  {"another.csv", "--separately", "--to-jsonl", "-"},
+                  "--to-jsonl: takes one session only: times in a recording never go backwards"},
+        UsageCase{"NoJobs", {"--jobs", "0"}, "--jobs: expected a whole number from 1 to 1024, found '0'"},
+        UsageCase{"HalfAJob", {"--jobs", "1.5"}, "--jobs: expected a whole number from 1 to 1024, found '1.5'"},
+        UsageCase{"OffsetWithoutFile", {"--offset", "0.25"}, "--offset: '0.25' is not FILE=SECONDS"},
+        UsageCase{
+            "OffsetOfNoInput", {"another.csv", "--offset", "voice.csv=1"}, "--offset: there is no input 'voice.csv'"},
+        UsageCase{"OffsetOfTheOnlyInput",
+                  {"--offset", "voice.csv=1"},
+                  "--offset: there is no other input of the same session to be moved against"},
+        UsageCase{"AnInputTwice",
+                  {"another.csv", "another.csv"},
+                  "one input is named twice: give --separately to replay it twice"},
+        UsageCase{"AFileBesideAFolder",
+                  {"."},
+                  "files named together are inputs of one session, recordings in a folder are sessions of their own: "
+                  "give --separately to replay all of them one by one"},
+        UsageCase{"AnUnknownOption", {"--speed"}, "The following argument was not expected: --speed"}),
+    support::RowName());
 
-  EXPECT_EQ("", errors.str());
-  EXPECT_EQ(4U, linesOf(folder.read("export.csv")));
+TEST_F(CommandTest, WantsACommandAndARecording)
+{
+  EXPECT_EQ(2, runCommand({}).status);
+  EXPECT_EQ(2, runCommand({"nonsense"}).status);
+  EXPECT_EQ(2, replay({}).status);
+}
+
+// Outputs that do not take what is written
+
+TEST_F(CommandTest, ReportsAnExportThatCannotBeMade)
+{
+  const std::string target = folder.path("missing/export.csv");
+  const CommandResult result = replay({recording, "--csv", target});
+  EXPECT_EQ(1, result.status);
+  EXPECT_EQ("skeigiot: " + target + ": No such file or directory\n", result.errors);
+}
+
+TEST_F(CommandTest, ReportsAFullDisk)
+{
+  const CommandResult ofExport = replay({recording, "--csv", "/dev/full"});
+  EXPECT_EQ(1, ofExport.status);
+  EXPECT_EQ("skeigiot: /dev/full: No space left on device\n", ofExport.errors);
+
+  const CommandResult ofOutput = runShell("$skeigiot replay \"$1\" > /dev/full", {recording});
+  EXPECT_EQ(1, ofOutput.status);
+  EXPECT_EQ("skeigiot: standard output: No space left on device\n", ofOutput.errors);
+}
+
+TEST_F(CommandTest, EndsQuietlyWhenItsReaderHasGoneAway)
+{
+  const CommandResult ofText = runCommandIntoClosedPipe({"replay", recording});
+  EXPECT_EQ(1, ofText.status);
+  EXPECT_EQ("", ofText.errors);
+
+  const CommandResult ofExport = runCommandIntoClosedPipe({"replay", recording, "--csv", "-"});
+  EXPECT_EQ(1, ofExport.status);
+  EXPECT_EQ("", ofExport.errors);
+}
+
+TEST_F(CommandTest, ExportsThoughTheReaderOfItsTextHasGoneAway)
+{
+  runCommandIntoClosedPipe({"replay", recording, "--csv", folder.path("1.csv")});
+  replay({recording, "--quiet", "--csv", folder.path("2.csv")});
+  EXPECT_FALSE(folder.read("1.csv").empty());
+  EXPECT_EQ(folder.read("2.csv"), folder.read("1.csv"));
+}
+
+TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
+{
+  // The recording is a pipe that never ends, so the command is in the middle of it when the signal comes.
+  const CommandResult result = runShell(
+      "mkfifo \"$1/pipe.jsonl\"\n"
+      "$skeigiot replay --format jsonl \"$1/pipe.jsonl\" --csv \"$1/export.csv\" &\n"
+      "command=$!\n"
+      "exec 3>\"$1/pipe.jsonl\"\n"
+      "cat \"$2\" >&3\n"
+      "while [ -z \"$(ls \"$1\" | grep export)\" ]; do :; done\n"
+      "kill -TERM $command\n"
+      "wait $command\n",
+      {folder.path(""), recording});
+  EXPECT_EQ(128 + SIGTERM, result.status);
+  EXPECT_EQ((Names{"meeting.jsonl", "pipe.jsonl"}), folder.names());
+}
+
+TEST_F(CommandTest, LeavesOutReadingsThatAreNotFiniteAndSaysSo)
+{
+  std::vector<KV::recordings::Step> entries = meeting();
+  KV::VoiceEmotion voice;
+  voice.KV::Expressions::joy.value = std::numeric_limits<float>::quiet_NaN();
+  for (const std::size_t bad : {std::size_t{8}, std::size_t{20}})
+    entries[bad].observation.voiceEmotion.emplace(entries[bad].time, voice);
+  const CommandResult result = replay({folder.write("broken.jsonl", asJsonLines(entries))});
+  const CommandResult withoutThem = replay({recording});
+
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("broken.jsonl: left out 2 readings with numbers that are not finite, the first "
+                                       "of person 1 at 0:00.400"));
+  EXPECT_THAT(withoutThem.errors, Not(HasSubstr("left out")));
+  const auto withoutName = [](const std::string& output) { return output.substr(output.find('\n')); };
+  EXPECT_EQ(withoutName(withoutThem.output), withoutName(result.output));
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ public:
 
   Explainer(std::int32_t person, std::function<void(Explanation)> onUpdate);
 
+  bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override;
   void zoneChanged(const KV::ZoneChange& change) override;
   void personUpdated(const Snapshot& snapshot) override;

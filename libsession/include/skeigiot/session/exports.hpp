@@ -1,78 +1,82 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
-#include <skeigiot/session/exportwriters.hpp>
-#include <skeigiot/session/replacedfile.hpp>
-#include <skeigiot/session/spillfile.hpp>
+#include <skeigiot/session/exportformat.hpp>
 
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
 namespace KV::session
 {
 
-/// What one session exports while others that stand before it are not written yet.
-class SKEIGIOT_API SpilledExports
-{
-public:
-  ExportWriters& writers() { return _writers; }
-
-private:
-  friend class Exports;
-
-  std::vector<std::unique_ptr<SpillFile>> _files;  // as those of Exports
-  ExportWriters _writers;
-};
-
-/// The files that a replay writes, none of which is in its place before commit().
+/// The files that sessions are exported to. None is in its place before commit(): until then a file of that name stays
+/// as it is.
+///
+/// Sessions stand in the files in the order of their numbers. One that is played before its turn, on another thread, is
+/// spilled to temporary files and appended when its turn comes.
 class SKEIGIOT_API Exports
 {
 public:
-  /// Exports every update to a file of comma-separated values.
-  void addCsv(const std::string& target) { _add(Form::Csv, target); }
-  /// Exports every update to a file of JSON Lines.
-  void addJsonl(const std::string& target) { _add(Form::Jsonl, target); }
-  /// Writes the recording itself, in the own format.
-  void addRecording(const std::string& target) { _add(Form::Recording, target); }
+  /// A session that is exported before its turn.
+  class SKEIGIOT_API Spilled
+  {
+  public:
+    ~Spilled();
+    Spilled(const Spilled&) = delete;
+    Spilled& operator=(const Spilled&) = delete;
 
-  bool empty() const { return _files.empty(); }
+    /// Returns the observers of the session.
+    std::vector<SessionObserver*> observers() const;
 
-  /// Returns what writes to the files directly.
-  ExportWriters& writers() { return _writers; }
+  private:
+    friend class Exports;
+    struct File;
 
-  /// Returns what writes the session with this number to temporary files; may be called from several threads.
+    Spilled();
+
+    std::vector<File> _files;  // as those of Exports
+  };
+
+  Exports();
+  ~Exports();
+  Exports(const Exports&) = delete;
+  Exports& operator=(const Exports&) = delete;
+
+  /// Exports to one more file; "-" is standard output.
   ///
-  /// \throws WriteError if there can be no such files.
-  std::unique_ptr<SpilledExports> spill(int number) const;
+  /// \throws std::invalid_argument if there is no format with this name.
+  /// \throws WriteError if the file cannot be made.
+  void add(const std::string& format, const std::string& target);
 
-  /// Writes to the files what a session spilled.
-  void append(SpilledExports& spilled);
+  /// Tells whether nothing is exported.
+  bool empty() const;
+
+  /// Says that the session with this number, counted from 1, is the next for observers().
+  void beginSession(int number);
+
+  /// Returns the observers that write directly to the files; one session after the other.
+  std::vector<SessionObserver*> observers() const;
+
+  /// Begins to export the session with this number to temporary files; may be called from several threads.
+  ///
+  /// \throws WriteError if the temporary files cannot be made.
+  std::unique_ptr<Spilled> spill(int number) const;
+
+  /// Writes a spilled session to the files.
+  ///
+  /// \throws WriteError if that fails.
+  void append(Spilled& spilled);
 
   /// Puts all files in their places.
+  ///
+  /// \throws WriteError if that fails.
   void commit();
 
 private:
-  enum class Form
-  {
-    Csv,
-    Jsonl,
-    Recording
-  };
-
-  struct File
-  {
-    Form form;
-    std::string folder;  // for temporary files
-    std::unique_ptr<ReplacedFile> file;
-  };
-
-  void _add(Form form, const std::string& target);
-  static void _addWriter(ExportWriters& writers, Form form, std::ostream& stream, ExportWriters::Header header);
+  struct File;
 
   std::vector<File> _files;
-  ExportWriters _writers;
 };
 
 }  // namespace KV::session

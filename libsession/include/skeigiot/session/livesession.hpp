@@ -30,8 +30,7 @@ public:
   /// Makes a session in which nobody is known; the observers must outlive it.
   ///
   /// It sets the clock of its thread, so `wallClock`, which tells when a line came in, must not read that.
-  LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers,
-              Forces forces = Forces::Unwatched);
+  LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers);
 
   /// Takes one line, and returns who leaves; an empty one says nothing.
   ///

@@ -31,6 +31,7 @@ struct SKEIGIOT_API PersonRow
 class SKEIGIOT_API PersonTable : public SessionObserver
 {
 public:
+  bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override { _movements.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 

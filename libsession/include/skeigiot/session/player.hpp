@@ -22,7 +22,6 @@ namespace KV::session
 struct SKEIGIOT_API PlayerOptions
 {
   bool skipBad = false;                ///< go on behind a line that cannot be used
-  Forces forces = Forces::Unwatched;   ///< whether observers are told of each force, which takes time
   std::vector<ScopeSpan> scopes = {};  ///< stretches that are judged
   bool estimates = true;               ///< false: the recording is only read; observers are told of its steps alone
 };

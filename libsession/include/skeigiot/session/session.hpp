@@ -20,13 +20,6 @@
 namespace KV::session
 {
 
-/// Whether a session tells its observers of each force, which takes time.
-enum class Forces
-{
-  Unwatched,
-  Watched
-};
-
 /// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
 ///
 /// Readings that are not finite are left out, and counted.
@@ -34,8 +27,7 @@ class SKEIGIOT_API Session
 {
 public:
   /// Makes a session in which nobody is known yet; the observers must outlive it.
-  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers,
-          Forces forces = Forces::Unwatched);
+  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers);
 
   /// Takes one step: scope starts, ambiance, person, scope stops.
   void play(const recordings::Step& entry);
@@ -70,7 +62,8 @@ private:
   KV::AmbianceState _ambiance;
   Scopes _scopes;
   std::vector<SessionObserver*> _observers;
-  boost::optional<KV::ScopedForceObserver> _forceObserver;
+  std::vector<SessionObserver*> _forceObservers;  // those of them that watch forces
+  boost::optional<KV::ScopedForceObserver> _forceWatch;
 };
 
 }  // namespace KV::session

@@ -22,7 +22,10 @@ public:
   SessionObserver& operator=(const SessionObserver&) = delete;
   virtual ~SessionObserver() = default;
 
-  /// A force acted on the person whose update is told next; only a session that watches forces tells of them.
+  /// Tells whether to tell it of forces and of changes of zones, which takes time. Asked once, when a session begins.
+  virtual bool watchesForces() const { return false; }
+
+  /// A force acted on the person whose update is told next.
   virtual void forceActed(const KV::Force&) {}
 
   /// The attention zone of that person changed; told likewise.

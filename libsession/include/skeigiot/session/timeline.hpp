@@ -21,9 +21,11 @@ namespace KV::session
 class SKEIGIOT_API Timeline : public SessionObserver
 {
 public:
-  /// Makes an empty timeline; `step` is the length of a row if the user wants a certain one.
-  explicit Timeline(const boost::optional<Duration>& step);
+  /// Makes an empty timeline; `step` is the length of a row if the user wants a certain one, and `explained` says
+  /// whether rows tell which sources changed the estimates.
+  explicit Timeline(const boost::optional<Duration>& step, bool explained = false);
 
+  bool watchesForces() const override { return _explained; }
   void forceActed(const KV::Force& force) override { _movements.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
@@ -40,6 +42,7 @@ private:
   void _keepWithin(Duration time);
 
   boost::optional<Duration> _givenStep;
+  bool _explained;
   Duration _keptStep;
   Duration _last{0};
   std::map<std::int32_t, Rows> _rows;

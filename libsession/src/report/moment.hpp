@@ -1,8 +1,8 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
+#include "report/reportinputs.hpp"
+
 #include <skeigiot/forceobserver.hpp>
-#include <skeigiot/session/reportinputs.hpp>
 #include <skeigiot/session/snapshot.hpp>
 
 #include <cstddef>
@@ -13,7 +13,7 @@ namespace KV::session
 {
 
 /// A force, its source being a number of a table of names.
-struct SKEIGIOT_API MomentForce
+struct MomentForce
 {
   std::uint16_t source = 0;
   KV::Quantity quantity = KV::ValenceQuantity;
@@ -24,7 +24,7 @@ struct SKEIGIOT_API MomentForce
 };
 
 /// How far one source moved one quantity, in total.
-struct SKEIGIOT_API Movement
+struct Movement
 {
   std::uint16_t source = 0;
   KV::Quantity quantity = KV::ValenceQuantity;
@@ -32,7 +32,7 @@ struct SKEIGIOT_API Movement
 };
 
 /// One update of a person: what was observed, what the library thought then, and why.
-struct SKEIGIOT_API Moment
+struct Moment
 {
   Snapshot snapshot;
   ReportInputValues inputs{};

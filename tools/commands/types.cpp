@@ -1,4 +1,4 @@
-#include "commands/typescommand.hpp"
+#include "commands/types.hpp"
 
 #include "cli/messages.hpp"
 #include "terminal/typelisting.hpp"

@@ -1,4 +1,4 @@
-#include "commands/watchcommand.hpp"
+#include "commands/watch.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/session/librarylog.hpp>
@@ -54,8 +54,7 @@ class Watch
 {
 public:
   explicit Watch(session::StreamTimes times)
-    : _session(times, wallClock, {&_table}, session::Forces::Watched),
-      _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
+    : _session(times, wallClock, {&_table}), _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
   {}
 
   void run()

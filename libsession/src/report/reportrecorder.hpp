@@ -1,10 +1,10 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
+#include "report/moment.hpp"
+
 #include <skeigiot/forceobserver.hpp>
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/inspection.hpp>
-#include <skeigiot/session/moment.hpp>
 #include <skeigiot/session/scopes.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 #include <skeigiot/session/summary.hpp>
@@ -20,7 +20,7 @@ namespace KV::session
 {
 
 /// Collects what a report shows of one session, in bounded memory: a long recording is thinned as it goes on.
-class SKEIGIOT_API ReportRecorder : public SessionObserver
+class ReportRecorder : public SessionObserver
 {
 public:
   /// How much is kept; more than it is thinned. So a report stays small enough to be sent and opened.
@@ -40,6 +40,7 @@ public:
   explicit ReportRecorder(const Limits& limits) : _limits(limits) {}
 
   void stepBegins(const recordings::Step& entry) override;
+  bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override;
   void personUpdated(const Snapshot& snapshot) override;
   void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
 #include <skeigiot/personobservation.hpp>
 
 #include <array>
@@ -11,7 +10,7 @@ namespace KV::session
 {
 
 /// One number of an observation, as a report shows it.
-struct SKEIGIOT_API ReportInput
+struct ReportInput
 {
   const char* name;
   std::function<float(const KV::PersonObservation&)> of;  ///< NaN if it was not observed
@@ -23,9 +22,9 @@ using ReportInputs = std::array<ReportInput, reportInputCount>;
 using ReportInputValues = std::array<float, reportInputCount>;
 
 /// Returns all of them, in their fixed order.
-SKEIGIOT_API const ReportInputs& reportInputs();
+const ReportInputs& reportInputs();
 
 /// Returns the values of an observation, in that order.
-SKEIGIOT_API ReportInputValues reportInputsOf(const KV::PersonObservation& observation);
+ReportInputValues reportInputsOf(const KV::PersonObservation& observation);
 
 }  // namespace KV::session

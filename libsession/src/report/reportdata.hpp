@@ -1,7 +1,6 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
-#include <skeigiot/session/reportrecorder.hpp>
+#include "report/reportrecorder.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -15,10 +14,10 @@ namespace KV::session
 ///
 /// Series are little-endian arrays in base64; docs/report.md lists the members. Names from the recording are strings
 /// and nothing else.
-SKEIGIOT_API nlohmann::ordered_json reportData(const ReportRecorder& recorder, const std::vector<std::string>& inputs,
-                                               const std::vector<std::string>& notes);
+nlohmann::ordered_json reportData(const ReportRecorder& recorder, const std::vector<std::string>& inputs,
+                                  const std::vector<std::string>& notes);
 
 /// Returns the data as text that can stand in an HTML script element: no "<" is left in it.
-SKEIGIOT_API std::string textForScript(const nlohmann::ordered_json& data);
+std::string textForScript(const nlohmann::ordered_json& data);
 
 }  // namespace KV::session

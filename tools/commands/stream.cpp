@@ -1,4 +1,4 @@
-#include "commands/streamcommand.hpp"
+#include "commands/stream.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/session/outputstream.hpp>

@@ -1,7 +1,7 @@
 #include "support/command.hpp"
 #include "support/temporaryfolder.hpp"
 
-#include <skeigiot/session/reportpage.hpp>
+#include <skeigiot/session/report.hpp>
 
 #include <gmock/gmock.h>
 
@@ -21,7 +21,7 @@ class ReportCommand : public ::testing::Test
 protected:
   void SetUp() override
   {
-    if (KV::session::reportTemplate().empty())
+    if (!KV::session::Report::isAvailable())
       GTEST_SKIP() << "built without the page of the report";
   }
 
@@ -97,6 +97,19 @@ TEST_F(ReportCommand, IsWhatAReplayWritesBesideWhatItShows)
   EXPECT_EQ(shown.output, result.output);
   EXPECT_EQ(shown.errors, result.errors);
   EXPECT_EQ(folder.read("alone.html"), folder.read("beside.html"));
+}
+
+TEST_F(ReportCommand, OfAReplayReadsItsInputOnce)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result = runShell(
+      "cat \"$1\" | $skeigiot replay --format tidy /dev/stdin --csv \"$2/piped.csv\" --report \"$2/piped.html\"",
+      {recording, folder.path("")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  runCommand({"replay", recording, "-q", "--csv", folder.path("file.csv"), "--report", folder.path("file.html")});
+  EXPECT_EQ(folder.read("file.csv"), folder.read("piped.csv"));
+  EXPECT_THAT(folder.read("piped.html"), HasSubstr("\"name\":\"whole recording\""));
 }
 
 TEST_F(ReportCommand, OfAReplaySaysOnlyOnceWhatWasBad)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
 #include <skeigiot/session/outputstream.hpp>
 
 #include <memory>
@@ -11,7 +10,7 @@ namespace KV::session
 {
 
 /// A file without a name, for what is to be written elsewhere later; gone with the object, however the program ends.
-class SKEIGIOT_API SpillFile
+class SpillFile
 {
 public:
   /// Makes a file on the disk of that folder.

@@ -1,4 +1,4 @@
-#include "commands/inspectcommand.hpp"
+#include "commands/inspect.hpp"
 
 #include "cli/interruption.hpp"
 #include "cli/messages.hpp"

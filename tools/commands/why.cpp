@@ -1,4 +1,4 @@
-#include "commands/whycommand.hpp"
+#include "commands/why.hpp"
 
 #include "cli/argumentparsing.hpp"
 #include "cli/interruption.hpp"

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace KV::session
+{
+
+class ReportRecorder;
+
+/// The report of one session: an HTML page of the estimates of each person, the readings, and every force.
+///
+/// Memory is bounded: a long session is thinned while it is played, and the page says so.
+class SKEIGIOT_API Report : public SessionObserver
+{
+public:
+  /// Tells whether the library was built with the page.
+  static bool isAvailable();
+
+  Report();
+  ~Report() override;
+
+  bool watchesForces() const override { return true; }
+  void stepBegins(const recordings::Step& step) override;
+  void forceActed(const KV::Force& force) override;
+  void personUpdated(const Snapshot& snapshot) override;
+  void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
+  void scopeJudged(const ScopeVerdict& verdict) override;
+
+  /// Writes the page. Call it once, after the session has ended.
+  ///
+  /// \param inputs names of the inputs of the session, which the page shows
+  /// \param notes  warnings and errors, which the page shows
+  /// \throws std::logic_error if the library was built without the page.
+  void write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes);
+
+private:
+  std::unique_ptr<ReportRecorder> _recorder;
+};
+
+}  // namespace KV::session

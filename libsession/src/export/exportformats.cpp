@@ -1,0 +1,30 @@
+#include <skeigiot/session/exportformat.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace KV::session
+{
+
+// Each stands in a file of its own, and here; nothing else lists them.
+ExportFormat csvExport();
+ExportFormat jsonlExport();
+ExportFormat recordingExport();
+
+const std::vector<ExportFormat>& exportFormats()
+{
+  static const std::vector<ExportFormat> all = {csvExport(), jsonlExport(), recordingExport()};
+  return all;
+}
+
+const ExportFormat& exportFormat(const std::string& name)
+{
+  const std::vector<ExportFormat>& all = exportFormats();
+  const auto found =
+      std::find_if(all.begin(), all.end(), [&name](const ExportFormat& format) { return format.name == name; });
+  if (found == all.end())
+    throw std::invalid_argument("there is no export format '" + name + "'");
+  return *found;
+}
+
+}  // namespace KV::session

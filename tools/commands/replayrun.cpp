@@ -1,0 +1,175 @@
+#include "commands/replayrun.hpp"
+
+#include "cli/interruption.hpp"
+#include "commands/reportfile.hpp"
+#include "commands/sessionreplay.hpp"
+
+#include <skeigiot/session/exports.hpp>
+#include <skeigiot/session/orderedjobs.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <sstream>
+
+namespace KV::tools
+{
+
+namespace
+{
+
+bool usesStandardOutput(const std::map<std::string, std::string>& exports)
+{
+  return std::any_of(exports.begin(), exports.end(), [](const auto& one) { return one.second == "-"; });
+}
+
+/// The replay of a session was stopped, as nobody wants its result any more.
+struct Cancelled
+{};
+
+/// A session that was replayed while those before it were not shown yet.
+struct Buffered
+{
+  SessionOutcome outcome;
+  std::string output;
+  std::string errors;
+  std::unique_ptr<session::Exports::Spilled> exports;
+};
+
+class Replay
+{
+public:
+  Replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
+    : _options(options),
+      _surroundings(surroundings),
+      _display(surroundings.output, options.shown && !options.quiet && !usesStandardOutput(options.exports)),
+      _messages(surroundings.errors, options.quiet),
+      _progress(surroundings.errors, surroundings.showProgress && !options.quiet)
+  {
+    for (const auto& [format, target] : options.exports)
+      _exports.add(format, target);
+    if (options.report)
+      _report.emplace(*options.report);
+  }
+
+  ExitStatus all()
+  {
+    if (_options.jobs > 1 && _options.sessions.size() > 1)
+      _inParallel();
+    else
+      _oneByOne();
+    if (_anyOpened)
+      _commit();
+    return _display.closed() ? Failure : _status;
+  }
+
+private:
+  void _oneByOne()
+  {
+    const SessionOutlets outlets{_display, _messages, _observers(), _progress, Interruption::check};
+    for (std::size_t i = 0; i < _options.sessions.size() && !_isInVain(); ++i)
+    {
+      _separate(i);
+      _exports.beginSession(numberOf(i));
+      _add(replaySession(_options.sessions[i], _options, _surroundings, outlets));
+    }
+  }
+
+  void _inParallel()
+  {
+    const std::size_t count = _options.sessions.size();
+    session::OrderedJobs<Buffered> jobs(
+        count, _options.jobs,
+        [this](std::size_t i, const std::atomic<bool>& cancelled) { return _buffered(i, cancelled); });
+    for (std::size_t i = 0; i < count && !_isInVain(); ++i)
+    {
+      const Buffered session = jobs.take([this, i, count] { _wait(i, count); });
+      _progress.erase();
+      _separate(i);
+      _display.show(session.output);
+      _surroundings.errors << session.errors << std::flush;
+      _exports.append(*session.exports);
+      _add(session.outcome);
+    }
+  }
+
+  /// Replays a session on a thread of its own; only what is constant is shared.
+  Buffered _buffered(std::size_t i, const std::atomic<bool>& cancelled) const
+  {
+    std::ostringstream output;
+    std::ostringstream errors;
+    Buffered session;
+    session.exports = _exports.spill(numberOf(i));
+    Display display(output, _display.shows());
+    Messages messages(errors, _options.quiet);
+    ProgressLine progress(errors, false);
+    const auto check = [&cancelled] {
+      Interruption::check();
+      if (cancelled)
+        throw Cancelled();
+    };
+    const SessionOutlets outlets{display, messages, session.exports->observers(), progress, check};
+    session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+    session.output = output.str();
+    session.errors = errors.str();
+    return session;
+  }
+
+  void _wait(std::size_t done, std::size_t all)
+  {
+    Interruption::check();
+    if (_progress.isDue())
+      _progress.showCount(done, all);
+  }
+
+  void _separate(std::size_t i)
+  {
+    if (i > 0)
+      _display.show("\n");
+  }
+
+  std::vector<session::SessionObserver*> _observers()
+  {
+    std::vector<session::SessionObserver*> observers = _exports.observers();
+    if (_report)
+      observers.push_back(&_report->observer());
+    return observers;
+  }
+
+  void _commit()
+  {
+    _exports.commit();
+    if (_report)
+      _report->commit(_options.sessions.front(), _said);
+  }
+
+  void _add(const SessionOutcome& outcome)
+  {
+    _said.insert(_said.end(), outcome.said.begin(), outcome.said.end());
+    _status = graver(_status, outcome.status);
+    _anyOpened = _anyOpened || outcome.opened;
+  }
+
+  bool _isInVain() const { return _display.closed() && _exports.empty() && !_report; }
+
+  static int numberOf(std::size_t i) { return static_cast<int>(i) + 1; }
+
+  const ReplayOptions& _options;
+  const ReplaySurroundings& _surroundings;
+  Display _display;
+  Messages _messages;
+  ProgressLine _progress;
+  session::Exports _exports;
+  boost::optional<ReportFile> _report;
+  std::vector<std::string> _said;  // warnings and errors of all sessions
+  ExitStatus _status = Success;
+  bool _anyOpened = false;
+};
+
+}  // namespace
+
+ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings)
+{
+  return Replay(options, surroundings).all();
+}
+
+}  // namespace KV::tools

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <skeigiot/session/replacedfile.hpp>
+#include <skeigiot/session/report.hpp>
+#include <skeigiot/session/sessionplan.hpp>
+
+#include <string>
+#include <vector>
+
+namespace KV::tools
+{
+
+/// The report of one session, in a file that takes its place when it is complete.
+class ReportFile
+{
+public:
+  /// \throws WriteError if the file cannot be made.
+  explicit ReportFile(const std::string& target) : _file(target) {}
+
+  /// Returns what is to watch the session.
+  session::SessionObserver& observer() { return _report; }
+
+  /// Writes the page, with these messages of the command, and puts it in its place.
+  ///
+  /// \throws WriteError if that fails.
+  void commit(const session::SessionInputs& session, const std::vector<std::string>& messages);
+
+private:
+  session::ReplacedFile _file;
+  session::Report _report;
+};
+
+}  // namespace KV::tools
