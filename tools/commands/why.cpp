@@ -41,10 +41,10 @@ that time or before it. Forces of one source that follow each other, as those of
 one row with their number; what did the same to the unsmoothed valence has no row: --all shows every force. A zone has
 a row when it changes, with what decided on it.
 
-With --from, --to, or both, every source has its share in the total movement of each quantity in that span, both ends
+With --from, --to, or both, every source has its share in the total change of each quantity in that span, both ends
 included: "moved" is the sum of all its steps whichever way they went, "net" is their sum with signs.
 
-The sentences tell shares of the total movement, too.
+The sentences tell shares of the total change, too.
 
 Exit status: 0 if there is an answer, 2 if the recording or the command line cannot be used, or if it has no such
 person or time.

@@ -108,7 +108,7 @@ KV::Quantity smoothedOf(KV::Quantity quantity)
   return quantity == KV::UnsmoothedValenceQuantity ? KV::ValenceQuantity : KV::ValenceConfidenceQuantity;
 }
 
-bool moveAlike(const std::vector<session::SourceMovement>& left, const std::vector<session::SourceMovement>& right)
+bool moveAlike(const std::vector<session::SourceChange>& left, const std::vector<session::SourceChange>& right)
 {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](const auto& one, const auto& other) {
     return one.source == other.source && one.up == other.up && one.down == other.down;
@@ -116,12 +116,12 @@ bool moveAlike(const std::vector<session::SourceMovement>& left, const std::vect
 }
 
 /// Returns the quantities whose shares are shown: an unsmoothed one only if it moved otherwise than the smoothed one.
-std::vector<KV::Quantity> shownQuantities(const session::Movements& movements, bool showsEach)
+std::vector<KV::Quantity> shownQuantities(const session::Changes& changes, bool showsEach)
 {
   std::vector<KV::Quantity> quantities;
   for (const KV::Quantity quantity : session::allQuantities)
   {
-    const bool isEcho = isUnsmoothed(quantity) && moveAlike(movements.of(quantity), movements.of(smoothedOf(quantity)));
+    const bool isEcho = isUnsmoothed(quantity) && moveAlike(changes.of(quantity), changes.of(smoothedOf(quantity)));
     if (showsEach || !isEcho)
       quantities.push_back(quantity);
   }
@@ -131,16 +131,16 @@ std::vector<KV::Quantity> shownQuantities(const session::Movements& movements, b
 TextTable tableOf(const session::SpanExplanation& explanation, bool showsEach)
 {
   TextTable table({{"quantity"}, {"source"}, {"forces", true}, {"share", true}, {"moved", true}, {"net", true}});
-  for (const KV::Quantity quantity : shownQuantities(explanation.movements, showsEach))
+  for (const KV::Quantity quantity : shownQuantities(explanation.changes, showsEach))
   {
-    const std::vector<session::SourceMovement> movements = explanation.movements.of(quantity);
-    const std::vector<int> shares = session::sharesInTenthsOfPercent(movements);
-    for (std::size_t i = 0; i < movements.size(); ++i)
+    const std::vector<session::SourceChange> changes = explanation.changes.of(quantity);
+    const std::vector<int> shares = session::sharesInTenthsOfPercent(changes);
+    for (std::size_t i = 0; i < changes.size(); ++i)
     {
-      const session::SourceMovement& movement = movements[i];
-      table.add({i == 0 ? session::quantityName(quantity) : "", movement.source, std::to_string(movement.forces),
-                 formatted("%.1f %%", shares[i] / 10.), formatted("%.3f", movement.distance()),
-                 signedText(movement.net())});
+      const session::SourceChange& change = changes[i];
+      table.add({i == 0 ? session::quantityName(quantity) : "", change.source, std::to_string(change.forces),
+                 formatted("%.1f %%", shares[i] / 10.), formatted("%.3f", change.distance()),
+                 signedText(change.net())});
     }
   }
   return table;

@@ -21,7 +21,7 @@ struct ExplanationLayout
 /// Returns the forces of one update in their order, and sentences on what they did.
 std::string explanationText(const session::Explanation& explanation, const ExplanationLayout& layout);
 
-/// Returns the share of each source in the movement of each quantity, and sentences on the whole.
+/// Returns the share of each source in the change of each quantity, and sentences on the whole.
 std::string explanationText(const session::SpanExplanation& explanation, const ExplanationLayout& layout);
 
 }  // namespace KV::tools

@@ -151,27 +151,27 @@ std::string gapLine(session::Duration from, session::Duration to, const Layout& 
 }
 
 /// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if none did.
-std::string strongestSources(const session::Movements& movements, KV::Quantity quantity)
+std::string strongestSources(const session::Changes& changes, KV::Quantity quantity)
 {
   constexpr std::size_t most = 3;
   constexpr double leastShown = 0.005;
-  std::vector<session::SourceMovement> strongest = movements.of(quantity);
+  std::vector<session::SourceChange> strongest = changes.of(quantity);
   strongest.resize(std::min(strongest.size(), most));
   std::string text;
-  for (const session::SourceMovement& movement : strongest)
+  for (const session::SourceChange& change : strongest)
   {
-    if (std::abs(movement.net()) >= leastShown)
-      text += (text.empty() ? session::quantityName(quantity) + ": " : ", ") + session::plainSource(movement.source) +
-              " " + session::signedNumber(movement.net());
+    if (std::abs(change.net()) >= leastShown)
+      text += (text.empty() ? session::quantityName(quantity) + ": " : ", ") + session::plainSource(change.source) +
+              " " + session::signedNumber(change.net());
   }
   return text;
 }
 
 /// What moved the row most, with a line break; empty if it is not known, or nothing did.
-std::string explanation(const session::Movements& movements, const Layout& layout, int width, const Style& style)
+std::string explanation(const session::Changes& changes, const Layout& layout, int width, const Style& style)
 {
-  const std::string valence = strongestSources(movements, KV::ValenceQuantity);
-  const std::string attention = strongestSources(movements, KV::AttentionQuantity);
+  const std::string valence = strongestSources(changes, KV::ValenceQuantity);
+  const std::string attention = strongestSources(changes, KV::AttentionQuantity);
   const std::string text = valence + (valence.empty() || attention.empty() ? "" : "; ") + attention;
   if (text.empty())
     return {};
@@ -194,7 +194,7 @@ std::string timelineTable(const std::vector<session::TimelineRow>& rows, session
   {
     if (row.from() > next)
       table += gapLine(next, row.from(), layout, style) + "\n";
-    table += line(row, layout, style) + "\n" + explanation(row.movements(), layout, width, style);
+    table += line(row, layout, style) + "\n" + explanation(row.changes(), layout, width, style);
     next = row.from() + step;
   }
   return table;

@@ -39,13 +39,13 @@ const Source* find(const std::string& name)
   return found == sources.end() ? nullptr : found;
 }
 
-std::string moodOf(const SourceMovement& movement)
+std::string moodOf(const SourceChange& change)
 {
-  if (movement.leastTarget > 0.f)
+  if (change.leastTarget > 0.f)
     return "positive";
-  if (movement.greatestTarget < 0.f)
+  if (change.greatestTarget < 0.f)
     return "negative";
-  return movement.leastTarget == 0.f && movement.greatestTarget == 0.f ? "neutral" : "mixed";
+  return change.leastTarget == 0.f && change.greatestTarget == 0.f ? "neutral" : "mixed";
 }
 
 }  // namespace
@@ -94,11 +94,11 @@ std::string plainSource(const std::string& source)
   return known == nullptr ? source : known->plain;
 }
 
-std::string describeSource(const SourceMovement& movement)
+std::string describeSource(const SourceChange& change)
 {
-  const Source* const known = find(movement.source);
+  const Source* const known = find(change.source);
   const bool tellsMood = known != nullptr && known->tellsMood;
-  return plainSource(movement.source) + (tellsMood ? " (" + moodOf(movement) + ")" : "");
+  return plainSource(change.source) + (tellsMood ? " (" + moodOf(change) + ")" : "");
 }
 
 }  // namespace KV::session

@@ -58,17 +58,17 @@ void NumberRange::add(double value)
   greatest = std::max(greatest, value);
 }
 
-void Inspection::add(const recordings::Step& entry)
+void Inspection::add(const recordings::Step& step)
 {
-  _addTime(entry.time);
-  if (entry.person)
-    _addPerson(entry);
-  for (const recordings::ScopeStart& scope : entry.scopeStarts)
+  _addTime(step.time);
+  if (step.person)
+    _addPerson(step);
+  for (const recordings::ScopeStart& scope : step.scopeStarts)
     ++_scopes[scope.name];
-  if (entry.ambianceActivity)
-    _numbers["ambiance.activity"].add(static_cast<double>(*entry.ambianceActivity));
+  if (step.ambianceActivity)
+    _numbers["ambiance.activity"].add(static_cast<double>(*step.ambianceActivity));
   forEachReading([&](const auto& known) {
-    if (const auto& reading = known.in(entry.observation))
+    if (const auto& reading = known.in(step.observation))
       addNumbers(_numbers, known.name, reading->value);
   });
 }
@@ -101,14 +101,14 @@ void Inspection::_addTime(TimePoint time)
   _last = time;
 }
 
-void Inspection::_addPerson(const recordings::Step& entry)
+void Inspection::_addPerson(const recordings::Step& step)
 {
-  const auto [person, isNew] = _persons.try_emplace(*entry.person);
+  const auto [person, isNew] = _persons.try_emplace(*step.person);
   PersonSpan& span = person->second;
   if (isNew)
-    span.first = entry.time;
-  span.last = entry.time;
-  ++(entry.seen ? span.seen : span.notSeen);
+    span.first = step.time;
+  span.last = step.time;
+  ++(step.seen ? span.seen : span.notSeen);
 }
 
 }  // namespace KV::session

@@ -25,7 +25,7 @@ class Inspector : public SessionObserver
 public:
   explicit Inspector(Inspection& contents) : _contents(contents) {}
 
-  void stepBegins(const recordings::Step& entry) override { _contents.add(entry); }
+  void stepBegins(const recordings::Step& step) override { _contents.add(step); }
 
 private:
   Inspection& _contents;

@@ -17,7 +17,7 @@ constexpr std::size_t mostNamed = 3;
 constexpr double leastNamedShare = 0.005;
 constexpr double leastNamedDistance = 0.005;  // less does not show in two decimals
 
-enum class Change
+enum class Direction
 {
   None,
   Rise,
@@ -25,89 +25,89 @@ enum class Change
 };
 
 /// Numbers that look the same are the same to a reader.
-Change changeBetween(double before, double after)
+Direction directionBetween(double before, double after)
 {
   if (plainNumber(before) == plainNumber(after))
-    return Change::None;
-  return after > before ? Change::Rise : Change::Fall;
+    return Direction::None;
+  return after > before ? Direction::Rise : Direction::Fall;
 }
 
-bool isOpposed(const SourceMovement& movement, Change change)
+bool isOpposed(const SourceChange& change, Direction direction)
 {
-  return change == Change::Rise ? movement.net() < 0. : movement.net() > 0.;
+  return direction == Direction::Rise ? change.net() < 0. : change.net() > 0.;
 }
 
 /// Returns those to be named, the greatest first, but behind those that made the change those that opposed it.
-std::vector<SourceMovement> namedOf(const std::vector<SourceMovement>& movements, double total, Change change)
+std::vector<SourceChange> namedOf(const std::vector<SourceChange>& changes, double total, Direction direction)
 {
-  std::vector<SourceMovement> named;
-  for (const SourceMovement& movement : movements)
+  std::vector<SourceChange> named;
+  for (const SourceChange& change : changes)
   {
-    if (named.size() < mostNamed && movement.distance() / total >= leastNamedShare)
-      named.push_back(movement);
+    if (named.size() < mostNamed && change.distance() / total >= leastNamedShare)
+      named.push_back(change);
   }
-  if (change != Change::None)
+  if (direction != Direction::None)
     std::stable_partition(named.begin(), named.end(),
-                          [change](const SourceMovement& movement) { return !isOpposed(movement, change); });
+                          [direction](const SourceChange& change) { return !isOpposed(change, direction); });
   return named;
 }
 
-std::string wayOf(const SourceMovement& movement, Change change)
+std::string wayOf(const SourceChange& change, Direction direction)
 {
-  if (change == Change::None)
-    return movement.net() < 0. ? " down" : " up";
-  return isOpposed(movement, change) ? " the other way" : "";
+  if (direction == Direction::None)
+    return change.net() < 0. ? " down" : " up";
+  return isOpposed(change, direction) ? " the other way" : "";
 }
 
-std::string describePulls(const std::vector<SourceMovement>& movements, Change change)
+std::string describePulls(const std::vector<SourceChange>& changes, Direction direction)
 {
-  const double total = totalDistance(movements);
+  const double total = totalDistance(changes);
   if (!(total >= leastNamedDistance))
     return total > 0. ? "hardly anything moved it" : "nothing moved it";
   std::string text;
   double rest = total;
-  for (const SourceMovement& movement : namedOf(movements, total, change))
+  for (const SourceChange& change : namedOf(changes, total, direction))
   {
-    text += (text.empty() ? "" : ", ") + describeSource(movement) + " pulled " +
-            percentage(movement.distance() / total) + wayOf(movement, change);
-    rest -= movement.distance();
+    text += (text.empty() ? "" : ", ") + describeSource(change) + " pulled " + percentage(change.distance() / total) +
+            wayOf(change, direction);
+    rest -= change.distance();
   }
   return rest / total < leastNamedShare ? text : text + ", others pulled " + percentage(rest / total);
 }
 
 }  // namespace
 
-std::string describeChange(KV::Quantity quantity, float before, float after,
-                           const std::vector<SourceMovement>& movements)
+std::string describeChange(KV::Quantity quantity, float before, float after, const std::vector<SourceChange>& changes)
 {
   const auto from = static_cast<double>(before);
   const auto to = static_cast<double>(after);
-  const Change change = changeBetween(from, to);
-  const std::string howItChanged = change == Change::None ? " stayed at " + plainNumber(to)
-                                                          : (change == Change::Rise ? " rose from " : " fell from ") +
-                                                                plainNumber(from) + " to " + plainNumber(to);
-  return quantityName(quantity) + howItChanged + ": " + describePulls(movements, change);
+  const Direction direction = directionBetween(from, to);
+  const std::string howItChanged = direction == Direction::None
+                                       ? " stayed at " + plainNumber(to)
+                                       : (direction == Direction::Rise ? " rose from " : " fell from ") +
+                                             plainNumber(from) + " to " + plainNumber(to);
+  return quantityName(quantity) + howItChanged + ": " + describePulls(changes, direction);
 }
 
 namespace
 {
 
-std::vector<std::string> sentencesOnChange(const Snapshot& before, const Snapshot& after, const Movements& movements)
+std::vector<std::string> sentencesOnChange(const Snapshot& before, const Snapshot& after, const Changes& changes)
 {
   return {
-      describeChange(KV::ValenceQuantity, before.valence.value, after.valence.value, movements.of(KV::ValenceQuantity)),
+      describeChange(KV::ValenceQuantity, before.valence.value, after.valence.value, changes.of(KV::ValenceQuantity)),
       describeChange(KV::AttentionQuantity, before.attention.value, after.attention.value,
-                     movements.of(KV::AttentionQuantity))};
+                     changes.of(KV::AttentionQuantity))};
 }
 
 }  // namespace
 
 std::vector<std::string> sentencesOn(const Explanation& explanation)
 {
-  Movements movements;
+  Changes changes;
   for (const ActedForce& force : explanation.forces)
-    movements.add(force.source, force.quantity, force.target, force.before, force.after);
-  std::vector<std::string> sentences = sentencesOnChange(explanation.before, explanation.after, movements);
+    changes.add(force.source, force.quantity, force.target, force.before, force.after);
+  std::vector<std::string> sentences = sentencesOnChange(explanation.before, explanation.after, changes);
   for (const SeenZoneChange& change : explanation.zoneChanges)
     sentences.push_back("the zone changed from " + zoneName(change.from) + " to " + zoneName(change.to) +
                         ", decided by: " + evidenceName(change.evidence));
@@ -116,7 +116,7 @@ std::vector<std::string> sentencesOn(const Explanation& explanation)
 
 std::vector<std::string> sentencesOn(const SpanExplanation& explanation)
 {
-  return sentencesOnChange(explanation.before, explanation.after, explanation.movements);
+  return sentencesOnChange(explanation.before, explanation.after, explanation.changes);
 }
 
 }  // namespace KV::session

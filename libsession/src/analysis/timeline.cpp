@@ -76,8 +76,8 @@ void Timeline::personUpdated(const Snapshot& snapshot)
   if (rows.empty() || rows.back().from() != from)
     rows.emplace_back(from);
   rows.back().add(snapshot);
-  rows.back().add(_movements);
-  _movements.clear();
+  rows.back().add(_changes);
+  _changes.clear();
 }
 
 Duration Timeline::step() const

@@ -46,7 +46,7 @@ void TimelineRow::add(const TimelineRow& later)
   addTo(_zones, later._zones);
   addTo(_pleasures, later._pleasures);
   _ease = later._ease;
-  _movements.add(later._movements);
+  _changes.add(later._changes);
 }
 
 ko::human::AttentionState TimelineRow::zone() const

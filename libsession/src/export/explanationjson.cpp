@@ -75,20 +75,20 @@ Json forcesJson(const std::vector<ActedForce>& forces, double time)
   return json;
 }
 
-Json sharesJson(const Movements& all)
+Json sharesJson(const Changes& all)
 {
   Json json = Json::array();
   for (const KV::Quantity quantity : allQuantities)
   {
-    const std::vector<SourceMovement> movements = all.of(quantity);
-    const double total = totalDistance(movements);
-    for (const SourceMovement& movement : movements)
+    const std::vector<SourceChange> changes = all.of(quantity);
+    const double total = totalDistance(changes);
+    for (const SourceChange& change : changes)
       json.push_back({{"quantity", quantityName(quantity)},
-                      {"source", movement.source},
-                      {"forces", movement.forces},
-                      {"share", total > 0. ? movement.distance() / total : 0.},
-                      {"moved", movement.distance()},
-                      {"net", movement.net()}});
+                      {"source", change.source},
+                      {"forces", change.forces},
+                      {"share", total > 0. ? change.distance() / total : 0.},
+                      {"moved", change.distance()},
+                      {"net", change.net()}});
   }
   return json;
 }
@@ -126,7 +126,7 @@ std::string explanationJson(const SpanExplanation& explanation, const std::strin
                  {"last", secondsOf(after.sinceStart)},
                  {"before", stateJson(explanation.before)},
                  {"after", stateJson(after)},
-                 {"shares", sharesJson(explanation.movements)},
+                 {"shares", sharesJson(explanation.changes)},
                  {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
                  {"sentences", sentencesOn(explanation)}});
 }

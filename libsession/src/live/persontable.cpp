@@ -20,16 +20,16 @@ const boost::chrono::seconds minute(History::seconds);
 const boost::chrono::milliseconds longestCycle(500);  // between two looks at a person who is there
 
 /// ", valence +0.25 by touch": what moved valence or attention most; empty if nothing did so visibly.
-std::string strongestSource(const Movements& movements)
+std::string strongestSource(const Changes& changes)
 {
   constexpr double leastShown = 0.005;
-  SourceMovement strongest;
+  SourceChange strongest;
   for (const KV::Quantity quantity : {KV::ValenceQuantity, KV::AttentionQuantity})
   {
-    for (const SourceMovement& movement : movements.of(quantity))
+    for (const SourceChange& change : changes.of(quantity))
     {
-      if (std::abs(movement.net()) > std::abs(strongest.net()))
-        strongest = movement;
+      if (std::abs(change.net()) > std::abs(strongest.net()))
+        strongest = change;
     }
   }
   if (!(std::abs(strongest.net()) >= leastShown))
@@ -43,7 +43,7 @@ std::string strongestSource(const Movements& movements)
 std::string PersonRow::why(TimePoint now) const
 {
   std::string text = last.pleasure == KV::PleasureUnknown ? "mood unknown" : pleasureName(last.pleasure);
-  text += strongestSource(movements);
+  text += strongestSource(changes);
   if (last.ease.confidence > 0.f)
     text += ", body " + easeName(last.ease);
   if (!lastSeen)
@@ -57,7 +57,7 @@ void PersonTable::personUpdated(const Snapshot& snapshot)
 {
   PersonRow& row = _rows[snapshot.person];
   row.last = snapshot;
-  row.movements = std::exchange(_movements, {});
+  row.changes = std::exchange(_changes, {});
   if (snapshot.seen)
     row.lastSeen = snapshot.time;
   row.valence.add(snapshot.time, snapshot.valence.value);

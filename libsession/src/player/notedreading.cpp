@@ -14,12 +14,12 @@ constexpr std::size_t mostWarnings = 10;
 
 }  // namespace
 
-NotedReading::Read NotedReading::next(boost::optional<recordings::Step>& entry)
+NotedReading::Read NotedReading::next(boost::optional<recordings::Step>& step)
 {
-  entry = boost::none;
-  const Read step = _read(entry);
+  step = boost::none;
+  const Read read = _read(step);
   _noteWarnings();
-  return step;
+  return read;
 }
 
 std::vector<std::string> NotedReading::warnings() const
@@ -35,12 +35,12 @@ std::string NotedReading::skippedText() const
   return _skipped == 0 ? "" : "skipped " + counted(_skipped, "bad line") + ", the first: " + _firstSkipped;
 }
 
-NotedReading::Read NotedReading::_read(boost::optional<recordings::Step>& entry)
+NotedReading::Read NotedReading::_read(boost::optional<recordings::Step>& step)
 {
   try
   {
-    entry = _reader.next();
-    return entry ? Read::Taken : Read::End;
+    step = _reader.next();
+    return step ? Read::Taken : Read::End;
   }
   catch (const recordings::BadLine& error)
   {

@@ -26,8 +26,8 @@ public:
   /// The reader must outlive it. `skipBad` goes on behind lines that cannot be used.
   NotedReading(recordings::Reader& reader, bool skipBad) : _reader(reader), _skipBad(skipBad) {}
 
-  /// Reads the next entry, which is there if the step is taken.
-  Read next(boost::optional<recordings::Step>& entry);
+  /// Reads the next step, which is there if it is taken.
+  Read next(boost::optional<recordings::Step>& step);
 
   /// Returns the warnings so far, and how many more there were, a line each.
   std::vector<std::string> warnings() const;
@@ -47,7 +47,7 @@ public:
   const boost::optional<recordings::Error>& error() const { return _error; }
 
 private:
-  Read _read(boost::optional<recordings::Step>& entry);
+  Read _read(boost::optional<recordings::Step>& step);
   void _noteWarnings();
 
   recordings::Reader& _reader;

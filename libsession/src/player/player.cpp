@@ -47,7 +47,7 @@ private:
   /// Reads the next step, which is missing where a bad line was skipped; returns false at the end.
   bool _advance()
   {
-    const bool more = _reading.next(_entry) != NotedReading::Read::End;
+    const bool more = _reading.next(_step) != NotedReading::Read::End;
     if (!more)
       _isWanted();  // an interruption may be what ended it
     return more;
@@ -69,13 +69,13 @@ private:
 
   void _play()
   {
-    if (!_entry)
+    if (!_step)
       return;
     if (_session)
-      _session->play(*_entry);
+      _session->play(*_step);
     else
       for (SessionObserver* const observer : _observers)
-        observer->stepBegins(*_entry);
+        observer->stepBegins(*_step);
   }
 
   void _finish()
@@ -104,7 +104,7 @@ private:
   LibraryLog _log;
   boost::optional<Session> _session;
   NotedReading _reading;
-  boost::optional<Step> _entry;
+  boost::optional<Step> _step;
 };
 
 }  // namespace

@@ -24,7 +24,7 @@ struct MomentForce
 };
 
 /// How far one source moved one quantity, in total.
-struct Movement
+struct MomentChange
 {
   std::uint16_t source = 0;
   KV::Quantity quantity = KV::ValenceQuantity;
@@ -38,8 +38,8 @@ struct Moment
   ReportInputValues inputs{};
   std::vector<MomentForce> forces;  ///< in their order
 
-  std::vector<Movement> movements;  ///< of valence and attention, since the moment before
-  std::size_t updates = 1;          ///< since the moment before, this one included
+  std::vector<MomentChange> changes;  ///< of valence and attention, since the moment before
+  std::size_t updates = 1;            ///< since the moment before, this one included
 };
 
 }  // namespace KV::session

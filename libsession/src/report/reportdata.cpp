@@ -51,27 +51,27 @@ Json inputsOf(const Moments& moments)
   return inputs;
 }
 
-float movementOf(const Moment& moment, KV::Quantity quantity, std::size_t source)
+float changeOf(const Moment& moment, KV::Quantity quantity, std::size_t source)
 {
-  for (const Movement& movement : moment.movements)
+  for (const MomentChange& change : moment.changes)
   {
-    if (movement.quantity == quantity && movement.source == source)
-      return static_cast<float>(movement.distance);
+    if (change.quantity == quantity && change.source == source)
+      return static_cast<float>(change.distance);
   }
   return 0.f;
 }
 
-Json movementsOf(const Moments& moments, KV::Quantity quantity, const std::vector<std::string>& sources)
+Json changesOf(const Moments& moments, KV::Quantity quantity, const std::vector<std::string>& sources)
 {
-  Json movements = Json::object();
+  Json changes = Json::object();
   for (std::size_t source = 0; source < sources.size(); ++source)
   {
-    const auto distance = [=](const Moment& moment) { return movementOf(moment, quantity, source); };
+    const auto distance = [=](const Moment& moment) { return changeOf(moment, quantity, source); };
     const auto isMoved = [&](const Moment& moment) { return distance(moment) != 0.f; };
     if (std::any_of(moments.begin(), moments.end(), isMoved))
-      movements[std::to_string(source)] = series<float>(moments, distance);
+      changes[std::to_string(source)] = series<float>(moments, distance);
   }
-  return movements;
+  return changes;
 }
 
 Json forcesOf(const Moments& moments)
@@ -135,8 +135,8 @@ Json personOf(std::int32_t person, const Moments& moments, const ReportRecorder&
           {"pleasure", state([](const Moment& moment) { return moment.snapshot.pleasure; })},
           {"seen", state([](const Moment& moment) { return moment.snapshot.seen ? 1 : 0; })},
           {"inputs", inputsOf(moments)},
-          {"valenceMovements", movementsOf(moments, KV::ValenceQuantity, recorder.sources())},
-          {"attentionMovements", movementsOf(moments, KV::AttentionQuantity, recorder.sources())},
+          {"valenceMovements", changesOf(moments, KV::ValenceQuantity, recorder.sources())},
+          {"attentionMovements", changesOf(moments, KV::AttentionQuantity, recorder.sources())},
           {"forces", forcesOf(moments)}};
 }
 

@@ -17,24 +17,24 @@ namespace
 
 constexpr Duration shortestStretch = boost::chrono::milliseconds(250);
 
-bool isShownAsMovement(KV::Quantity quantity)
+bool isShown(KV::Quantity quantity)
 {
   return quantity == KV::ValenceQuantity || quantity == KV::AttentionQuantity;
 }
 
-std::vector<Movement> movementsOf(const std::vector<MomentForce>& forces)
+std::vector<MomentChange> changesOf(const std::vector<MomentForce>& forces)
 {
   std::map<std::pair<KV::Quantity, std::uint16_t>, double> distances;
   for (const MomentForce& force : forces)
   {
-    if (isShownAsMovement(force.quantity))
+    if (isShown(force.quantity))
       distances[{force.quantity, force.source}] += static_cast<double>(force.after) - static_cast<double>(force.before);
   }
-  std::vector<Movement> movements;
-  movements.reserve(distances.size());
+  std::vector<MomentChange> changes;
+  changes.reserve(distances.size());
   for (const auto& [key, distance] : distances)
-    movements.push_back({key.second, key.first, distance});
-  return movements;
+    changes.push_back({key.second, key.first, distance});
+  return changes;
 }
 
 /// Keeps of each stretch the first, the least and the greatest.
@@ -65,11 +65,11 @@ bool comesFirst(const ScopeVerdict& left, const ScopeVerdict& right)
 
 }  // namespace
 
-void ReportRecorder::stepBegins(const recordings::Step& entry)
+void ReportRecorder::stepBegins(const recordings::Step& step)
 {
-  _entry = &entry;
+  _step = &step;
   _forces.clear();
-  _inspection.add(entry);
+  _inspection.add(step);
 }
 
 void ReportRecorder::forceActed(const KV::Force& force)
@@ -83,8 +83,8 @@ void ReportRecorder::personUpdated(const Snapshot& snapshot)
   _summary.personUpdated(snapshot);
   Moment moment;
   moment.snapshot = snapshot;
-  moment.inputs = reportInputsOf(_entry->observation);
-  moment.movements = movementsOf(_forces);
+  moment.inputs = reportInputsOf(_step->observation);
+  moment.changes = changesOf(_forces);
   moment.forces = std::exchange(_forces, {});
   ++_momentCount;
   _forceCount += moment.forces.size();

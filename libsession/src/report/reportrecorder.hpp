@@ -39,7 +39,7 @@ public:
 
   explicit ReportRecorder(const Limits& limits) : _limits(limits) {}
 
-  void stepBegins(const recordings::Step& entry) override;
+  void stepBegins(const recordings::Step& step) override;
   bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override;
   void personUpdated(const Snapshot& snapshot) override;
@@ -67,8 +67,8 @@ private:
   void _count();
 
   Limits _limits;
-  const recordings::Step* _entry = nullptr;  // the step that is played
-  std::vector<MomentForce> _forces;          // of that step
+  const recordings::Step* _step = nullptr;  // the step that is played
+  std::vector<MomentForce> _forces;         // of that step
 
   std::map<std::int32_t, std::vector<Moment>> _moments;
   std::size_t _momentCount = 0;

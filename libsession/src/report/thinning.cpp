@@ -28,14 +28,14 @@ bool sameState(const Snapshot& left, const Snapshot& right)
   return left.seen == right.seen && left.zone == right.zone && left.pleasure == right.pleasure;
 }
 
-void addMovement(std::vector<Movement>& movements, const Movement& added)
+void addChange(std::vector<MomentChange>& changes, const MomentChange& added)
 {
-  const auto isSame = [&added](const Movement& movement) {
-    return movement.source == added.source && movement.quantity == added.quantity;
+  const auto isSame = [&added](const MomentChange& change) {
+    return change.source == added.source && change.quantity == added.quantity;
   };
-  const auto found = std::find_if(movements.begin(), movements.end(), isSame);
-  if (found == movements.end())
-    movements.push_back(added);
+  const auto found = std::find_if(changes.begin(), changes.end(), isSame);
+  if (found == changes.end())
+    changes.push_back(added);
   else
     found->distance += added.distance;
 }
@@ -127,17 +127,17 @@ void thin(std::vector<Moment>& moments, Duration stretch)
     return;
   const Selection selection = select(moments, stretch);
   std::vector<Moment> kept;
-  std::vector<Movement> movements;  // of those that were left out
+  std::vector<MomentChange> changes;  // of those that were left out
   std::size_t updates = 0;
   for (std::size_t index = 0; index < moments.size(); ++index)
   {
-    for (const Movement& movement : moments[index].movements)
-      addMovement(movements, movement);
+    for (const MomentChange& change : moments[index].changes)
+      addChange(changes, change);
     updates += moments[index].updates;
     if (!selection.stays(index))
       continue;
     kept.push_back(std::move(moments[index]));
-    kept.back().movements = std::exchange(movements, {});
+    kept.back().changes = std::exchange(changes, {});
     kept.back().updates = std::exchange(updates, 0);
   }
   moments = std::move(kept);

@@ -6,14 +6,14 @@
 namespace KV::session
 {
 
-const KV::PersonObservation& NonFiniteReadings::withoutThem(const recordings::Step& entry, Duration sinceStart)
+const KV::PersonObservation& NonFiniteReadings::withoutThem(const recordings::Step& step, Duration sinceStart)
 {
-  if (KV::isFinite(entry.observation))
-    return entry.observation;
+  if (KV::isFinite(step.observation))
+    return step.observation;
 
   if (_count == 0)
-    _firstPlace = "of person " + std::to_string(entry.person.value_or(0)) + " at " + clockText(sinceStart, 3);
-  _rest = entry.observation;
+    _firstPlace = "of person " + std::to_string(step.person.value_or(0)) + " at " + clockText(sinceStart, 3);
+  _rest = step.observation;
   _count += KV::leaveOutNonFinite(_rest);
   return _rest;
 }

@@ -38,21 +38,21 @@ Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserve
     _watchForces();
 }
 
-void Session::play(const recordings::Step& entry)
+void Session::play(const recordings::Step& step)
 {
   if (!_start)
-    _start = entry.time;
-  _now = entry.time;
+    _start = step.time;
+  _now = step.time;
   _clock.set(_now);
 
   for (SessionObserver* observer : _observers)
-    observer->stepBegins(entry);
+    observer->stepBegins(step);
   _report(_scopes.advance(length()));
-  for (const recordings::ScopeStart& scope : entry.scopeStarts)
+  for (const recordings::ScopeStart& scope : step.scopeStarts)
     _scopes.start(scope.name, scope.samples, length());
-  _updateAmbiance(entry);
-  _updatePerson(entry);
-  for (const std::string& scope : entry.scopeStops)
+  _updateAmbiance(step);
+  _updatePerson(step);
+  for (const std::string& scope : step.scopeStops)
     _report(_scopes.stop(scope, length()));
 }
 
@@ -74,36 +74,36 @@ void Session::_watchForces()
   _forceWatch.emplace(showForce, showZoneChange);
 }
 
-void Session::_updateAmbiance(const recordings::Step& entry)
+void Session::_updateAmbiance(const recordings::Step& step)
 {
-  for (int movement = 0; movement < std::min(entry.movements, largestMovementCount); ++movement)
+  for (int movement = 0; movement < std::min(step.movements, largestMovementCount); ++movement)
     _ambiance.incrementMovementDetected();
-  if (!entry.ambianceActivity)
+  if (!step.ambianceActivity)
     return;
-  _ambiance.updateAmbiance(*entry.ambianceActivity);
+  _ambiance.updateAmbiance(*step.ambianceActivity);
   const float agitation = _ambiance.ambientActivityLevel(KV::AmbianceActivity);
   const KV::ExcitationState excitation = _ambiance.excitationState();
   for (SessionObserver* observer : _observers)
     observer->ambianceUpdated(agitation, excitation);
 }
 
-void Session::_updatePerson(const recordings::Step& entry)
+void Session::_updatePerson(const recordings::Step& step)
 {
-  if (!entry.person)
+  if (!step.person)
     return;
-  if (entry.seen)
-    _graph.updateOrCreate(*entry.person, [&](KV::Person& person) {
-      person.update(_nonFinite.withoutThem(entry, length()));
-      _report(person, entry);
+  if (step.seen)
+    _graph.updateOrCreate(*step.person, [&](KV::Person& person) {
+      person.update(_nonFinite.withoutThem(step, length()));
+      _report(person, step);
     });
   else
-    _graph.update(*entry.person, [&](KV::Person& person) {
+    _graph.update(*step.person, [&](KV::Person& person) {
       person.decreaseSinceNotSeen();
-      _report(person, entry);
+      _report(person, step);
     });
 }
 
-void Session::_report(const KV::Person& person, const recordings::Step& entry)
+void Session::_report(const KV::Person& person, const recordings::Step& step)
 {
   _scopes.update(person.personID, person.personState);
 
@@ -111,7 +111,7 @@ void Session::_report(const KV::Person& person, const recordings::Step& entry)
   snapshot.time = _now;
   snapshot.sinceStart = length();
   snapshot.person = person.personID;
-  snapshot.seen = entry.seen;
+  snapshot.seen = step.seen;
   for (SessionObserver* observer : _observers)
     observer->personUpdated(snapshot);
 }

@@ -105,13 +105,13 @@ TEST(Timeline, KnowsWhatMovedEachRowAlsoWhereRowsWereMerged)
 
   const std::vector<TimelineRow> rows = timeline.rows().at(0);
   ASSERT_EQ(2U, rows.size());
-  const auto movements = rows[0].movements().of(KV::ValenceQuantity);
-  ASSERT_EQ(1U, movements.size());
-  EXPECT_EQ("Touch emotion", movements[0].source);
-  EXPECT_EQ(0.75, movements[0].distance());
-  EXPECT_EQ(0.25, movements[0].net());
-  EXPECT_TRUE(rows[1].movements().of(KV::ValenceQuantity).empty());
-  EXPECT_TRUE(timeline.rows().at(8).at(0).movements().of(KV::ValenceQuantity).empty()) << "it was somebody else's";
+  const auto changes = rows[0].changes().of(KV::ValenceQuantity);
+  ASSERT_EQ(1U, changes.size());
+  EXPECT_EQ("Touch emotion", changes[0].source);
+  EXPECT_EQ(0.75, changes[0].distance());
+  EXPECT_EQ(0.25, changes[0].net());
+  EXPECT_TRUE(rows[1].changes().of(KV::ValenceQuantity).empty());
+  EXPECT_TRUE(timeline.rows().at(8).at(0).changes().of(KV::ValenceQuantity).empty()) << "it was somebody else's";
 }
 
 TEST(Timeline, TakesTheLongestTimesThatAClockCanTell)

@@ -75,8 +75,8 @@ TEST(ReportRecorder, SumsUpHowFarEachSourceMovedTheValence)
   play(recorder, 30);
   double sum = 0.;
   for (const Moment& moment : recorder.moments().at(1))
-    for (const KV::session::Movement& movement : moment.movements)
-      sum += movement.quantity == KV::ValenceQuantity ? movement.distance : 0.;
+    for (const KV::session::MomentChange& change : moment.changes)
+      sum += change.quantity == KV::ValenceQuantity ? change.distance : 0.;
   const double last = static_cast<double>(recorder.moments().at(1).back().snapshot.valence.value);
   EXPECT_NEAR(last, sum, 1e-9);  // sums of doubles; it began at 0
 }

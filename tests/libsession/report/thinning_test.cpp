@@ -76,14 +76,14 @@ TEST(Thinning, AddsWhatIsLeftOutToTheNextMoment)
 {
   Moments moments{momentAt(0, 0.f), momentAt(100, 0.f), momentAt(200, 0.f), momentAt(300, 0.f)};
   for (Moment& moment : moments)
-    moment.movements = {{0, KV::ValenceQuantity, 0.25}, {1, KV::AttentionQuantity, -0.5}};
+    moment.changes = {{0, KV::ValenceQuantity, 0.25}, {1, KV::AttentionQuantity, -0.5}};
   KV::session::thin(moments, milliseconds(1000));
   ASSERT_EQ((std::vector<long>{0, 300}), timesOf(moments));
   EXPECT_EQ(1U, moments[0].updates);
   EXPECT_EQ(3U, moments[1].updates);
-  ASSERT_EQ(2U, moments[1].movements.size());
-  EXPECT_DOUBLE_EQ(0.75, moments[1].movements[0].distance);
-  EXPECT_DOUBLE_EQ(-1.5, moments[1].movements[1].distance);
+  ASSERT_EQ(2U, moments[1].changes.size());
+  EXPECT_DOUBLE_EQ(0.75, moments[1].changes[0].distance);
+  EXPECT_DOUBLE_EQ(-1.5, moments[1].changes[1].distance);
 }
 
 TEST(Thinning, KeepsTheExtremesOfTheOriginalWhenItIsRepeated)

@@ -120,15 +120,15 @@ TEST(TimelineTable, ShowsAsManyDecimalsAsTheStepNeeds)
 
 TEST(TimelineTable, TellsBelowARowWhatMovedItMost)
 {
-  KV::session::Movements movements;
-  movements.add("Touch emotion", KV::ValenceQuantity, 1.f, 0.f, 0.75f);
-  movements.add("Not visible", KV::ValenceQuantity, 0.f, 0.75f, 0.25f);
-  movements.add("Smile", KV::ValenceQuantity, 1.f, 0.25f, 0.5f);
-  movements.add("Voice emotion", KV::ValenceQuantity, 1.f, 0.5f, 0.625f);
-  movements.add("Not visible", KV::AttentionQuantity, 0.f, 0.25f, 0.f);
-  movements.add("No observation", KV::AttentionQuantity, 0.f, 0.f, 0.001f);
+  KV::session::Changes changes;
+  changes.add("Touch emotion", KV::ValenceQuantity, 1.f, 0.f, 0.75f);
+  changes.add("Not visible", KV::ValenceQuantity, 0.f, 0.75f, 0.25f);
+  changes.add("Smile", KV::ValenceQuantity, 1.f, 0.25f, 0.5f);
+  changes.add("Voice emotion", KV::ValenceQuantity, 1.f, 0.5f, 0.625f);
+  changes.add("Not visible", KV::AttentionQuantity, 0.f, 0.25f, 0.f);
+  changes.add("No observation", KV::AttentionQuantity, 0.f, 0.f, 0.001f);
   TimelineRow row = rowOf(snapshotAt(0.));
-  row.add(movements);
+  row.add(changes);
   const auto lines = linesOf(timelineTable({row, rowOf(snapshotAt(1.))}, inNanoseconds(1.), 100, Style(false)));
   ASSERT_EQ(5U, lines.size());
   EXPECT_EQ("        valence: touch +0.75, not being visible -0.50, smile +0.25; attention: not being visible",

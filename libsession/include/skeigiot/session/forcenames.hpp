@@ -2,7 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/forceobserver.hpp>
-#include <skeigiot/session/movements.hpp>
+#include <skeigiot/session/changes.hpp>
 
 #include <array>
 #include <string>
@@ -24,7 +24,7 @@ SKEIGIOT_API std::string evidenceName(KV::ZoneEvidence evidence);
 /// Returns the source in plain words: "touch" for "Touch emotion"; a source that is not known stays as it is.
 SKEIGIOT_API std::string plainSource(const std::string& source);
 
-/// Returns the source of the movements in plain words, with the mood it pulled to if it tells one: "touch (positive)".
-SKEIGIOT_API std::string describeSource(const SourceMovement& movement);
+/// Returns the source of the changes in plain words, with the mood it pulled to if it tells one: "touch (positive)".
+SKEIGIOT_API std::string describeSource(const SourceChange& change);
 
 }  // namespace KV::session

@@ -56,7 +56,7 @@ public:
   };
 
   /// Adds the next step.
-  void add(const recordings::Step& entry);
+  void add(const recordings::Step& step);
 
   std::size_t steps() const { return _steps; }
   TimePoint first() const { return _first; }
@@ -76,7 +76,7 @@ public:
 
 private:
   void _addTime(TimePoint time);
-  void _addPerson(const recordings::Step& entry);
+  void _addPerson(const recordings::Step& step);
 
   std::size_t _steps = 0;
   std::size_t _times = 0;

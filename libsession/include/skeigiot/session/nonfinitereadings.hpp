@@ -15,8 +15,8 @@ namespace KV::session
 class SKEIGIOT_API NonFiniteReadings
 {
 public:
-  /// Returns the observation of the entry without them; valid until the next call, and as long as the entry.
-  const KV::PersonObservation& withoutThem(const recordings::Step& entry, Duration sinceStart);
+  /// Returns the observation of the step without them; valid until the next call, and as long as the step.
+  const KV::PersonObservation& withoutThem(const recordings::Step& step, Duration sinceStart);
 
   /// Returns a line that says how many were left out since the last call, and where the first was; empty if there were
   /// none.

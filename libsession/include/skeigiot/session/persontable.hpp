@@ -1,8 +1,8 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/changes.hpp>
 #include <skeigiot/session/history.hpp>
-#include <skeigiot/session/movements.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <boost/optional/optional.hpp>
@@ -21,7 +21,7 @@ struct SKEIGIOT_API PersonRow
   std::string why(TimePoint now) const;
 
   Snapshot last;
-  Movements movements;  ///< of the last update
+  Changes changes;  ///< of the last update
   boost::optional<TimePoint> lastSeen;
   History valence;
   History attention;
@@ -32,7 +32,7 @@ class SKEIGIOT_API PersonTable : public SessionObserver
 {
 public:
   bool watchesForces() const override { return true; }
-  void forceActed(const KV::Force& force) override { _movements.add(force); }
+  void forceActed(const KV::Force& force) override { _changes.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
   void remove(std::int32_t person) { _rows.erase(person); }
@@ -44,7 +44,7 @@ public:
 
 private:
   std::map<std::int32_t, PersonRow> _rows;
-  Movements _movements;  // of the update that is under way
+  Changes _changes;  // of the update that is under way
 };
 
 }  // namespace KV::session

@@ -30,7 +30,7 @@ public:
   Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers);
 
   /// Takes one step: scope starts, ambiance, person, scope stops.
-  void play(const recordings::Step& entry);
+  void play(const recordings::Step& step);
 
   /// Forgets a person: who comes back under that number is somebody new.
   void forget(std::int32_t person) { _graph.remove(person); }
@@ -46,9 +46,9 @@ public:
 
 private:
   void _watchForces();
-  void _updateAmbiance(const recordings::Step& entry);
-  void _updatePerson(const recordings::Step& entry);
-  void _report(const KV::Person& person, const recordings::Step& entry);
+  void _updateAmbiance(const recordings::Step& step);
+  void _updatePerson(const recordings::Step& step);
+  void _report(const KV::Person& person, const recordings::Step& step);
   void _report(const ScopeVerdict& verdict);
   void _report(const std::vector<ScopeVerdict>& verdicts);
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/changes.hpp>
 #include <skeigiot/session/explanation.hpp>
-#include <skeigiot/session/movements.hpp>
 
 #include <cstddef>
 #include <vector>
@@ -23,7 +23,7 @@ struct SKEIGIOT_API SpanExplanation
     ++updates;
     after = explanation.after;
     for (const ActedForce& force : explanation.forces)
-      movements.add(force.source, force.quantity, force.target, force.before, force.after);
+      changes.add(force.source, force.quantity, force.target, force.before, force.after);
     zoneChanges.insert(zoneChanges.end(), explanation.zoneChanges.begin(), explanation.zoneChanges.end());
   }
 
@@ -31,7 +31,7 @@ struct SKEIGIOT_API SpanExplanation
   Duration first{0};  ///< when the first update was
   Snapshot before;    ///< after the last update before the span
   Snapshot after;     ///< after its last update
-  Movements movements;
+  Changes changes;
   std::vector<SeenZoneChange> zoneChanges;
 };
 

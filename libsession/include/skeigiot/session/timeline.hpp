@@ -26,7 +26,7 @@ public:
   explicit Timeline(const boost::optional<Duration>& step, bool explained = false);
 
   bool watchesForces() const override { return _explained; }
-  void forceActed(const KV::Force& force) override { _movements.add(force); }
+  void forceActed(const KV::Force& force) override { _changes.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
   /// Returns how long a row is: the given step, or the shortest readable one of at least a second with which the
@@ -46,7 +46,7 @@ private:
   Duration _keptStep;
   Duration _last{0};
   std::map<std::int32_t, Rows> _rows;
-  Movements _movements;  // of the update that is under way
+  Changes _changes;  // of the update that is under way
 };
 
 }  // namespace KV::session

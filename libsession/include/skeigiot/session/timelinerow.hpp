@@ -1,7 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
-#include <skeigiot/session/movements.hpp>
+#include <skeigiot/session/changes.hpp>
 #include <skeigiot/session/snapshot.hpp>
 
 #include <array>
@@ -18,7 +18,7 @@ public:
   explicit TimelineRow(Duration from) : _from(from) {}
 
   void add(const Snapshot& snapshot);
-  void add(const Movements& movements) { _movements.add(movements); }
+  void add(const Changes& changes) { _changes.add(changes); }
   void add(const TimelineRow& later);
 
   Duration from() const { return _from; }
@@ -40,7 +40,7 @@ public:
   KV::BodyLanguageEase ease() const { return _ease; }
 
   /// What moved the estimates; empty if nobody watched that.
-  const Movements& movements() const { return _movements; }
+  const Changes& changes() const { return _changes; }
 
 private:
   double _mean(double sum) const { return sum / static_cast<double>(_updates); }
@@ -55,7 +55,7 @@ private:
   std::array<std::size_t, 10> _zones{};
   std::array<std::size_t, 4> _pleasures{};
   KV::BodyLanguageEase _ease;
-  Movements _movements;
+  Changes _changes;
 };
 
 }  // namespace KV::session

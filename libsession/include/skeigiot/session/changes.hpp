@@ -12,7 +12,7 @@ namespace KV::session
 {
 
 /// How far one source moved one quantity, in total.
-struct SKEIGIOT_API SourceMovement
+struct SKEIGIOT_API SourceChange
 {
   std::string source;
   KV::Quantity quantity = KV::ValenceQuantity;
@@ -27,29 +27,29 @@ struct SKEIGIOT_API SourceMovement
 };
 
 /// How far each source moved each quantity, over any number of forces.
-class SKEIGIOT_API Movements
+class SKEIGIOT_API Changes
 {
 public:
   void add(const KV::Force& force) { add(force.source, force.quantity, force.target, force.before, force.after); }
   void add(std::string_view source, KV::Quantity quantity, float target, float before, float after);
-  void add(const Movements& others);
+  void add(const Changes& others);
 
-  void clear() { _movements.clear(); }
+  void clear() { _changes.clear(); }
 
   /// Returns those of one quantity, the greatest distance first; equal ones in the order in which they came up.
-  std::vector<SourceMovement> of(KV::Quantity quantity) const;
+  std::vector<SourceChange> of(KV::Quantity quantity) const;
 
 private:
-  SourceMovement& _movement(std::string_view source, KV::Quantity quantity, float target);
+  SourceChange& _change(std::string_view source, KV::Quantity quantity, float target);
 
-  std::vector<SourceMovement> _movements;  // a dozen or two: searching them takes less than a map
+  std::vector<SourceChange> _changes;  // a dozen or two: searching them takes less than a map
 };
 
 /// Returns the sum of the distances.
-SKEIGIOT_API double totalDistance(const std::vector<SourceMovement>& movements);
+SKEIGIOT_API double totalDistance(const std::vector<SourceChange>& changes);
 
 /// Returns the shares of the distances in their sum, in tenths of a percent that add up to 1000, or all 0 if nothing
 /// moved.
-SKEIGIOT_API std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceMovement>& movements);
+SKEIGIOT_API std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceChange>& changes);
 
 }  // namespace KV::session
