@@ -1,4 +1,4 @@
-# What every target of the project is built with, and how its two libraries are made.
+# What every target of the project is built with, and how its libraries are made.
 
 set(skeigiot_exports ${CMAKE_CURRENT_LIST_DIR}/exports.map)
 if(SKEIGIOT_HARDENED)
@@ -52,13 +52,18 @@ endfunction()
 #   SOURCES        the sources
 #   LINKS          libraries of ours that its headers need
 #   PRIVATE_LINKS  what only the sources need
-#   SOVERSION      of the interface; the project's major version by default
+#   VERSION        of the interface, its first number is the SOVERSION; the project's version by default
+#   COMPONENT      of an install, and so the package, that has the shared library; "runtime" by default
 #   STATIC_INSTALLED  the static library is installed as well
 function(skeigiot_add_library name alias)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "STATIC_INSTALLED" "SOVERSION" "SOURCES;LINKS;PRIVATE_LINKS")
-  if(NOT DEFINED arg_SOVERSION)
-    set(arg_SOVERSION ${PROJECT_VERSION_MAJOR})
+  cmake_parse_arguments(PARSE_ARGV 2 arg "STATIC_INSTALLED" "VERSION;COMPONENT" "SOURCES;LINKS;PRIVATE_LINKS")
+  if(NOT DEFINED arg_VERSION)
+    set(arg_VERSION ${PROJECT_VERSION})
   endif()
+  if(NOT DEFINED arg_COMPONENT)
+    set(arg_COMPONENT runtime)
+  endif()
+  string(REGEX MATCH "^[0-9]+" soversion ${arg_VERSION})
   string(REGEX REPLACE ".*::" "" export_name ${alias})
   set(include_folders $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
                       $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -83,7 +88,7 @@ function(skeigiot_add_library name alias)
 
   add_library(${name} SHARED $<TARGET_OBJECTS:${name}-objects>)
   add_library(${alias} ALIAS ${name})
-  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${arg_SOVERSION}
+  set_target_properties(${name} PROPERTIES VERSION ${arg_VERSION} SOVERSION ${soversion}
                                            EXPORT_NAME ${export_name} LINK_DEPENDS ${skeigiot_exports})
   skeigiot_configure_target(${name})
   target_include_directories(${name} PUBLIC ${include_folders})
@@ -115,7 +120,7 @@ function(skeigiot_add_library name alias)
     TARGETS ${installed}
     EXPORT skeigiotTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            COMPONENT runtime
+            COMPONENT ${arg_COMPONENT}
             NAMELINK_COMPONENT development
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
   install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development FILES_MATCHING PATTERN "*.hpp")
