@@ -1,14 +1,17 @@
 # Makes the object library `name`, in which every header below `include_dir` is the whole of one unit: a header that
-# leans on what others include fails to compile. What links the object library finds definitions that are not inline.
+# leans on what others include fails to compile, and one that includes what foreign.hpp lists. What links the object library
+# finds definitions that are not inline.
 function(skeigiot_compile_headers_alone name library include_dir)
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${include_dir} ${include_dir}/*.hpp)
   set(units "")
   foreach(header IN LISTS headers)
     set(unit ${CMAKE_CURRENT_BINARY_DIR}/${name}/${header}.cpp)
-    file(CONFIGURE OUTPUT ${unit} CONTENT "#include <${header}>\n#include <${header}>  // may be included twice\n")
+    file(CONFIGURE OUTPUT ${unit} CONTENT
+         "#include <${header}>\n#include <${header}>  // may be included twice\n#include \"support/foreign.hpp\"\n")
     list(APPEND units ${unit})
   endforeach()
   add_library(${name} OBJECT ${units})
   skeigiot_configure_target(${name})
-  target_include_directories(${name} PRIVATE $<TARGET_PROPERTY:${library},INTERFACE_INCLUDE_DIRECTORIES>)
+  target_compile_options(${name} PRIVATE ${SKEIGIOT_TEST_OPTIONS})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests $<TARGET_PROPERTY:${library},INTERFACE_INCLUDE_DIRECTORIES>)
 endfunction()

@@ -1,0 +1,31 @@
+# Fails unless foreign.hpp misses each of these headers.
+#
+# usage: cmake -D CXX=... -D WORK=... -P missforeign.cmake
+
+function(check header complaint)
+  set(unit ${WORK}/unit.cpp)
+  file(WRITE ${unit} "#include <${header}>\n#include \"${CMAKE_CURRENT_LIST_DIR}/foreign.hpp\"\n")
+  execute_process(COMMAND ${CXX} -std=c++17 -E ${unit} RESULT_VARIABLE status OUTPUT_QUIET ERROR_VARIABLE errors)
+  if(complaint STREQUAL "")
+    if(NOT status EQUAL 0)
+      message(SEND_ERROR "<${header}> is refused: ${errors}")
+    endif()
+  elseif(status EQUAL 0 OR NOT errors MATCHES "A public header includes ${complaint}")
+    message(SEND_ERROR "<${header}> is not missed: ${errors}")
+  endif()
+endfunction()
+
+check(string "")
+check(nlohmann/json.hpp "a JSON library")
+check(nlohmann/json_fwd.hpp "a JSON library")
+check(getopt.h "an option parser")
+check(termios.h "a terminal")
+check(sys/ioctl.h "a terminal")
+if(TOOLS)
+  check(CLI/CLI.hpp "an option parser")
+  check(CLI/Validators.hpp "an option parser")
+  check(curses.h "a terminal")
+  check(zlib.h "a library for files")
+  check(sqlite3.h "a library for files")
+  check(fastcdr/Cdr.h "a library for files")
+endif()
