@@ -54,20 +54,30 @@ function(add_documents stage package)
   endif()
 endfunction()
 
-# Which package, of which version, a program depends on that uses a library, or a symbol of it.
-function(write_library_control stage package)
-  file(MAKE_DIRECTORY ${control})
-  file(GLOB libraries ${stage}/usr/lib/*/lib*.so.${CPACK_PACKAGE_VERSION_MAJOR})
-  list(TRANSFORM libraries PREPEND -e OUTPUT_VARIABLE each_library)
-  run(dpkg-gensymbols -q -c1 -p${package} -v${CPACK_PACKAGE_VERSION} -P${stage} -I${packaging}/${package}.symbols -O${control}/symbols
-      ${each_library})
+# Which package, of which version, a program depends on that uses a library, or a symbol of it. A library whose interface is
+# recorded stays compatible; of another, only the same version will do.
+function(write_library_control stage package component)
+  file(GLOB libraries ${stage}/usr/lib/*/lib*.so.[0-9])
+  if(NOT libraries)
+    return()
+  endif()
+  set(folder ${control}/${component})
+  file(MAKE_DIRECTORY ${folder})
+  set(needed "(= ${version})")
+  if(EXISTS ${packaging}/${package}.symbols)
+    set(needed "(>= ${CPACK_PACKAGE_VERSION})")
+    list(TRANSFORM libraries PREPEND -e OUTPUT_VARIABLE each_library)
+    run(dpkg-gensymbols -q -c1 -p${package} -v${CPACK_PACKAGE_VERSION} -P${stage} -I${packaging}/${package}.symbols
+        -O${folder}/symbols ${each_library})
+  endif()
 
   set(shlibs "")
   foreach(library IN LISTS libraries)
     cmake_path(GET library STEM name)
-    string(APPEND shlibs "${name} ${CPACK_PACKAGE_VERSION_MAJOR} ${package} (>= ${CPACK_PACKAGE_VERSION})\n")
+    string(REGEX MATCH "[0-9]+$" soversion ${library})
+    string(APPEND shlibs "${name} ${soversion} ${package} ${needed}\n")
   endforeach()
-  file(WRITE ${control}/shlibs "${shlibs}")
+  file(WRITE ${folder}/shlibs "${shlibs}")
 endfunction()
 
 execute_process(COMMAND dpkg-parsechangelog -l ${packaging}/changelog -S Version OUTPUT_VARIABLE changed_version
@@ -83,7 +93,5 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   strip_binaries(${stage})
   compress_manual_pages(${stage})
   add_documents(${stage} ${package})
-  if(component STREQUAL "runtime")
-    write_library_control(${stage} ${package})
-  endif()
+  write_library_control(${stage} ${package} ${component})
 endforeach()
