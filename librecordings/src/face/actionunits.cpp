@@ -1,10 +1,18 @@
 #include "face/actionunits.hpp"
 
+#include <skeigiot/recordings/actionunits.hpp>
+
 #include <algorithm>
 #include <cctype>
+#include <limits>
 
 namespace KV::recordings
 {
+
+ActionUnits::ActionUnits()  // NOLINT(*-member-init): all are set below
+{
+  intensity.fill(std::numeric_limits<float>::quiet_NaN());
+}
 
 // Joy, sorrow, surprise and anger: Ekman, Friesen & Hager, Facial Action Coding System, Investigator's Guide (2002),
 // the prototypes of EMFACS, without their variants.
@@ -32,6 +40,11 @@ bool isActionUnitName(const std::string& name)
 {
   const auto isDigit = [](char character) { return std::isdigit(static_cast<unsigned char>(character)) != 0; };
   return name.size() == 4 && name.compare(0, 2, "AU") == 0 && isDigit(name[2]) && isDigit(name[3]);
+}
+
+std::size_t actionUnitNumber(const std::string& name)
+{
+  return static_cast<std::size_t>(std::stoi(name.substr(2)));
 }
 
 float actionUnitScore(double intensity, float fullScale)

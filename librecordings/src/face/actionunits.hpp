@@ -2,6 +2,7 @@
 
 #include "face/scoretable.hpp"
 
+#include <cstddef>
 #include <string>
 
 namespace KV::recordings
@@ -12,6 +13,9 @@ const ScoreTable& actionUnitTable();
 
 /// Tells whether this is the name of an action unit as the table has it.
 bool isActionUnitName(const std::string& name);
+
+/// Returns the number in the name of an action unit: 12 of AU12.
+std::size_t actionUnitNumber(const std::string& name);
 
 /// Returns an intensity as part of the full scale, no more than 1 and no less than 0; NaN stays NaN.
 float actionUnitScore(double intensity, float fullScale);

@@ -2,8 +2,7 @@
 
 #include "face/blendshapes.hpp"
 
-#include <algorithm>
-#include <cmath>
+#include <cstddef>
 
 namespace KV::recordings
 {
@@ -25,11 +24,6 @@ std::optional<KV::Gaze> BlendshapeReadings::eyes(const std::vector<float>& score
 {
   const auto first = scores.end() - static_cast<std::ptrdiff_t>(eyeScoreNames().size());
   return eyeGaze({first, scores.end()}, _eyes);
-}
-
-bool areUnknown(const std::vector<float>& scores)
-{
-  return std::all_of(scores.begin(), scores.end(), [](float score) { return std::isnan(score); });
 }
 
 }  // namespace KV::recordings

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "face/facereadings.hpp"
 #include "face/mapping.hpp"
 #include "face/scoretable.hpp"
+
+#include <skeigiot/recordings/facereadings.hpp>
 
 #include <cstddef>
 #include <optional>
@@ -32,8 +33,5 @@ private:
   EyeScale _eyes;
   std::vector<std::string> _names;  // of the table, then of the eyes
 };
-
-/// Tells whether none of the scores is known.
-bool areUnknown(const std::vector<float>& scores);
 
 }  // namespace KV::recordings

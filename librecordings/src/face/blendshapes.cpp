@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace KV::recordings
 {
@@ -28,6 +29,32 @@ const std::vector<std::string>& blendshapeNames()
 bool isBlendshape(const std::string& name)
 {
   return std::binary_search(blendshapeNames().begin(), blendshapeNames().end(), name);
+}
+
+std::size_t blendshapeIndex(const std::string& name)
+{
+  const auto& names = blendshapeNames();
+  return static_cast<std::size_t>(std::lower_bound(names.begin(), names.end(), name) - names.begin());
+}
+
+Blendshapes::Blendshapes()  // NOLINT(*-member-init): all are set below
+{
+  _scores.fill(std::numeric_limits<float>::quiet_NaN());
+}
+
+bool Blendshapes::set(std::string_view name, float score)
+{
+  const auto& names = blendshapeNames();
+  const auto found = std::lower_bound(names.begin(), names.end(), name);
+  if (found == names.end() || *found != name)
+    return false;
+  _scores.at(static_cast<std::size_t>(found - names.begin())) = score;
+  return true;
+}
+
+bool Blendshapes::areUnknown() const
+{
+  return std::all_of(_scores.begin(), _scores.end(), [](float score) { return std::isnan(score); });
 }
 
 // A heuristic of our own: there is no standard for what blendshapes mean. They are read as the movements of the

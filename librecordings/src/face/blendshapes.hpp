@@ -4,7 +4,9 @@
 
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
+#include <skeigiot/recordings/blendshapes.hpp>
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,12 +14,11 @@
 namespace KV::recordings
 {
 
-/// Returns the names of the blendshapes of a face, as MediaPipe and ARKit both have them, in alphabetical order;
-/// without `_neutral` and `tongueOut`, which only one of them has.
-const std::vector<std::string>& blendshapeNames();
-
 /// Tells whether this is one of blendshapeNames().
 bool isBlendshape(const std::string& name);
+
+/// Returns the index of the name in blendshapeNames(), which must have it.
+std::size_t blendshapeIndex(const std::string& name);
 
 /// Returns which blendshapes make which readings.
 const ScoreTable& blendshapeTable();

@@ -2,6 +2,8 @@
 
 #include "face/scoretable.hpp"
 
+#include <skeigiot/recordings/emotionscores.hpp>
+
 #include <string>
 #include <vector>
 
@@ -10,6 +12,9 @@ namespace KV::recordings
 
 /// Returns the names of the emotions that analysers give scores for.
 const std::vector<std::string>& emotionNames();
+
+/// Returns the score of the emotion with this name, one of emotionNames().
+float EmotionScores::*emotionNamed(const std::string& name);
 
 /// Returns which emotions make which readings.
 const ScoreTable& emotionTable();

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "face/facereadings.hpp"
 #include "face/frametimes.hpp"
+
+#include <skeigiot/recordings/facereadings.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
 #include <cstdint>

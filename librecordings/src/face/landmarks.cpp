@@ -25,6 +25,12 @@ const std::vector<std::string>& landmarkNames()
   return names;
 }
 
+// Which landmark a facial point is.
+std::size_t numberOf(std::size_t point)
+{
+  return static_cast<std::size_t>(facialPointLandmarks.at(point));
+}
+
 // In a mirror image an analyser takes the left eye for the right one, and so on.
 std::size_t placeOf(std::size_t point, bool mirrored)
 {
@@ -44,22 +50,28 @@ bool isLandmark(const std::string& name)
   return std::find(landmarkNames().begin(), landmarkNames().end(), name) != landmarkNames().end();
 }
 
-std::optional<KV::FacialPoints> readFacialPoints(const CsvNumbers& numbers, const LandmarkColumns& columns,
-                                                 float confidence, bool mirrored)
+std::optional<FaceLandmarks> readLandmarks(const CsvNumbers& numbers, const LandmarkColumns& columns)
 {
   if (!columns)
     return {};
+  FaceLandmarks landmarks;
+  for (std::size_t i = 0; i < count; ++i)
+    landmarks.points.at(numberOf(i)) = {static_cast<float>(numbers.number((*columns)[i])),
+                                        static_cast<float>(numbers.number((*columns)[count + i]))};
+  return landmarks;
+}
+
+std::optional<KV::FacialPoints> facialPointsOf(const FaceLandmarks& landmarks, float confidence, bool mirrored)
+{
   std::optional<KV::FacialPoints> points;
   for (std::size_t i = 0; i < count; ++i)
   {
-    const double x = numbers.number((*columns)[i]);
-    const double y = numbers.number((*columns)[count + i]);
+    const auto& [x, y] = landmarks.points.at(numberOf(i));
     if (!std::isfinite(x) || !std::isfinite(y))
       continue;
     if (!points)
       points.emplace();
-    points->setFacialPoint(static_cast<KV::PointDescription>(placeOf(i, mirrored)),
-                           {{static_cast<float>(x), static_cast<float>(y)}, confidence});
+    points->setFacialPoint(static_cast<KV::PointDescription>(placeOf(i, mirrored)), {{x, y}, confidence});
   }
   return points;
 }

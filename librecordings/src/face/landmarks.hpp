@@ -4,6 +4,7 @@
 #include "csv/csvnumbers.hpp"
 
 #include <skeigiot/facialpoints.hpp>
+#include <skeigiot/recordings/facelandmarks.hpp>
 
 #include <array>
 #include <cstddef>
@@ -29,13 +30,15 @@ LandmarkColumns findLandmarks(const CsvHeader& header);
 /// Tells whether this is the name of a column of findLandmarks().
 bool isLandmark(const std::string& name);
 
-/// Reads the facial points, with this confidence each; a point that is unknown stays at (0, 0) with confidence 0, and
+/// Reads the landmarks of the facial points; nothing if there are no such columns.
+///
+/// \throws BadLine if a field holds no number.
+std::optional<FaceLandmarks> readLandmarks(const CsvNumbers& numbers, const LandmarkColumns& columns);
+
+/// Returns the facial points, with this confidence each; a point that is unknown stays at (0, 0) with confidence 0, and
 /// if all are there is nothing.
 ///
 /// In a mirror image the points of the right and left half change places; their positions stay those of the image.
-///
-/// \throws BadLine if a field holds no number.
-std::optional<KV::FacialPoints> readFacialPoints(const CsvNumbers& numbers, const LandmarkColumns& columns,
-                                                 float confidence, bool mirrored);
+std::optional<KV::FacialPoints> facialPointsOf(const FaceLandmarks& landmarks, float confidence, bool mirrored);
 
 }  // namespace KV::recordings

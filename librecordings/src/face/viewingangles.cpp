@@ -46,4 +46,9 @@ KV::Gaze unmirrored(const KV::Gaze& gaze)
   return {-gaze.yaw, gaze.pitch};
 }
 
+float degrees(double radians)
+{
+  return static_cast<float>(radians * degreesPerRadian);
+}
+
 }  // namespace KV::recordings

@@ -2,19 +2,10 @@
 
 #include <skeigiot/gaze.hpp>
 #include <skeigiot/headposture.hpp>
+#include <skeigiot/recordings/faceposition.hpp>
 
 namespace KV::recordings
 {
-
-/// Where a face is, seen from the camera, in any unit.
-struct FacePosition
-{
-  double right = 0.0;    ///< in the image
-  double down = 0.0;     ///< in the image
-  double forward = 0.0;  ///< away from the camera
-
-  double distance() const;
-};
 
 /// Direction from the camera to a face.
 struct Bearing
@@ -38,5 +29,8 @@ KV::HeadPosture unmirrored(const KV::HeadPosture& posture);
 
 /// As above, for a gaze.
 KV::Gaze unmirrored(const KV::Gaze& gaze);
+
+/// Returns the angle, given in radians, in degrees.
+float degrees(double radians);
 
 }  // namespace KV::recordings

@@ -1,22 +1,18 @@
 #include "livelink/livelinkrows.hpp"
 
-#include "face/blendshapes.hpp"
-#include "face/mapping.hpp"
+#include "face/csvscores.hpp"
 #include "livelink/timecode.hpp"
 
 #include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cmath>
-#include <limits>
 
 namespace KV::recordings
 {
 namespace
 {
-constexpr float confidence = 1.f;  // the rows have none
 constexpr double secondsPerDay = 86400.0;
 const std::vector<std::string> headNames = {"HeadYaw", "HeadPitch", "HeadRoll"};
 const std::vector<std::string> eyeNames = {"LeftEyeYaw", "RightEyeYaw", "LeftEyePitch", "RightEyePitch"};
@@ -53,19 +49,6 @@ bool isRead(const std::string& name)
   return isOneOf({"Timecode", "BlendShapeCount"}) || isOneOf(headNames) || isOneOf(eyeNames);
 }
 
-template <std::size_t Count>
-std::optional<std::array<double, Count>> readAll(const CsvNumbers& numbers, const ColumnGroup<Count>& columns)
-{
-  if (!columns)
-    return {};
-  std::array<double, Count> values{};
-  for (std::size_t i = 0; i < Count; ++i)
-    values.at(i) = numbers.number((*columns)[i]);
-  if (!std::all_of(values.begin(), values.end(), [](double value) { return std::isfinite(value); }))
-    return {};
-  return values;
-}
-
 }  // namespace
 
 bool looksLikeLiveLink(const std::string& head)
@@ -77,10 +60,10 @@ bool looksLikeLiveLink(const std::string& head)
 LiveLinkRows::LiveLinkRows(const std::string& path, const ReadingOptions& options)
   : CsvFaceRows(path, isRead),
     _options(options),
-    _blendshapes(readMapping(options.mapping)),
+    _adapter(options),
     _timecode(findNeeded(file().header(), "Timecode")),
     _count(findNeeded(file().header(), "BlendShapeCount")),
-    _scores(findScores(file().header(), _blendshapes.names())),
+    _scores(findScores(file().header(), _adapter.blendshapeNames())),
     _head(file().header().findAll<3>(headNames)),
     _eyes(file().header().findAll<4>(eyeNames)),
     _persons(file().header(), options.personColumn, "")
@@ -109,7 +92,7 @@ FaceRow LiveLinkRows::_readRow()
   if (row.tracked)
   {
     row.face = _persons.personOf(numbers, file().place());
-    row.readings = _readReadings(numbers);
+    row.readings = _adapter.read(faceOf(_readFace(numbers)));
   }
   return row;
 }
@@ -129,44 +112,26 @@ Frame LiveLinkRows::_readFrame(const CsvNumbers& numbers)
   return {_options.framesPerSecond ? _row : std::llround(seconds * timecodeRate), seconds};
 }
 
-FaceReadings LiveLinkRows::_readReadings(const CsvNumbers& numbers) const
+LiveLinkFace LiveLinkRows::_readFace(const CsvNumbers& numbers) const
 {
-  std::vector<float> scores;
-  scores.reserve(_scores.size());
-  for (const auto& column : _scores)
-    scores.push_back(column ? blendshapeScore(numbers.number(*column)) : std::numeric_limits<float>::quiet_NaN());
-
-  FaceReadings readings;
-  _blendshapes.setExpressions(readings, scores, confidence);
-  FacePose pose;
-  pose.headPosture = _readHead(numbers);
-  const auto measured = _readEyes(numbers);
-  if (const auto eyes = measured ? measured : _blendshapes.eyes(scores))
-    pose.gaze = gazeOf(*eyes, pose.headPosture);
-  setPose(readings, pose, _options);
-  return readings;
-}
-
-// Taken for the signs of the eyes. If rotation was not streamed, all three are 0.
-std::optional<KV::HeadPosture> LiveLinkRows::_readHead(const CsvNumbers& numbers) const
-{
-  const auto angles = readAll(numbers, _head);
-  if (!angles)
-    return {};
-  const auto [yaw, pitch, roll] = *angles;
-  if (yaw == 0.0 && pitch == 0.0 && roll == 0.0)
-    return {};
-  return KV::HeadPosture(degrees(yaw), -degrees(pitch), degrees(roll));
-}
-
-// An eye's yaw > 0 is to the own right, its pitch > 0 down.
-std::optional<KV::Gaze> LiveLinkRows::_readEyes(const CsvNumbers& numbers) const
-{
-  const auto angles = readAll(numbers, _eyes);
-  if (!angles)
-    return {};
-  const auto [leftYaw, rightYaw, leftPitch, rightPitch] = *angles;
-  return KV::Gaze(-degrees((leftYaw + rightYaw) / 2.0), -degrees((leftPitch + rightPitch) / 2.0));
+  LiveLinkFace face;
+  face.blendshapes = readBlendshapes(numbers, _scores, _adapter);
+  if (_head)
+  {
+    const auto& [yaw, pitch, roll] = *_head;
+    face.headYaw = numbers.number(yaw);
+    face.headPitch = numbers.number(pitch);
+    face.headRoll = numbers.number(roll);
+  }
+  if (_eyes)
+  {
+    const auto& [leftYaw, rightYaw, leftPitch, rightPitch] = *_eyes;
+    face.leftEyeYaw = numbers.number(leftYaw);
+    face.rightEyeYaw = numbers.number(rightYaw);
+    face.leftEyePitch = numbers.number(leftPitch);
+    face.rightEyePitch = numbers.number(rightPitch);
+  }
+  return face;
 }
 
 FaceRows::Fields LiveLinkRows::fields() const

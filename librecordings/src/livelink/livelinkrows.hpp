@@ -1,9 +1,10 @@
 #pragma once
 
 #include "csv/csvpersons.hpp"
-#include "face/blendshapereadings.hpp"
 #include "face/csvfacerows.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/livelinkface.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
@@ -36,12 +37,10 @@ public:
 private:
   FaceRow _readRow();
   Frame _readFrame(const CsvNumbers& numbers);
-  FaceReadings _readReadings(const CsvNumbers& numbers) const;
-  std::optional<KV::HeadPosture> _readHead(const CsvNumbers& numbers) const;
-  std::optional<KV::Gaze> _readEyes(const CsvNumbers& numbers) const;
+  LiveLinkFace _readFace(const CsvNumbers& numbers) const;
 
   ReadingOptions _options;
-  BlendshapeReadings _blendshapes;
+  FaceAdapter _adapter;
   std::size_t _timecode;
   std::size_t _count;
   std::vector<std::optional<std::size_t>> _scores;

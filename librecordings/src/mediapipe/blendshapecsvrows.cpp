@@ -1,14 +1,14 @@
 #include "mediapipe/blendshapecsvrows.hpp"
 
 #include "face/blendshapes.hpp"
-#include "face/mapping.hpp"
+#include "face/csvscores.hpp"
+#include "mediapipe/facetransformation.hpp"
 
 #include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 
 namespace KV::recordings
 {
@@ -44,11 +44,11 @@ bool looksLikeBlendshapeCsv(const std::string& head)
 BlendshapeCsvRows::BlendshapeCsvRows(const std::string& path, const ReadingOptions& options)
   : CsvFaceRows(path, isBlendshape),
     _options(options),
-    _blendshapes(readMapping(options.mapping)),
+    _adapter(options),
     _frame(file().header().find("frame")),
     _time(_findTime(file().header())),
     _confidence(file().header().find("confidence")),
-    _scores(file().header().find(_blendshapes.names())),
+    _scores(file().header().find(_adapter.blendshapeNames())),
     _matrix(_findMatrix(file().header())),
     _persons(file().header(), options.personColumn, faceColumnOf(file().header()))
 {}
@@ -94,22 +94,20 @@ FaceRow BlendshapeCsvRows::_readRow()
   row.line = file().lineNumber();
   row.frame = _readFrame(numbers);
   const double confidence = _confidence ? numbers.number(*_confidence) : 1.0;
-  row.tracked = static_cast<float>(confidence) >= _options.minimalConfidence;
+  MediaPipeFace face;
+  face.confidence = static_cast<float>(confidence);
+  row.tracked = _adapter.isTracked(face.confidence);
   if (!row.tracked)
     return row;
 
-  const auto scores = _readScores(numbers);
-  const auto pose = _readPose(numbers);
-  row.tracked = pose || !areUnknown(scores);
+  face.blendshapes = readBlendshapes(numbers, _scores, _adapter);
+  face.matrix = _readMatrix(numbers);
+  row.tracked = face.matrix || !face.blendshapes->areUnknown();
   if (!row.tracked)
     return row;
 
   row.face = _persons.personOf(numbers, file().place());
-  _blendshapes.setExpressions(row.readings, scores, std::min(static_cast<float>(confidence), 1.f));
-  FacePose whole = pose.value_or(FacePose());
-  if (const auto eyes = _blendshapes.eyes(scores))
-    whole.gaze = gazeOf(*eyes, whole.headPosture);
-  setPose(row.readings, whole, _options);
+  row.readings = _adapter.read(faceOf(face));
   return row;
 }
 
@@ -133,27 +131,19 @@ Frame BlendshapeCsvRows::_readFrame(const CsvNumbers& numbers)
   return frame;
 }
 
-std::vector<float> BlendshapeCsvRows::_readScores(const CsvNumbers& numbers) const
-{
-  std::vector<float> scores;
-  scores.reserve(_scores.size());
-  for (const auto& column : _scores)
-    scores.push_back(column ? blendshapeScore(numbers.number(*column)) : std::numeric_limits<float>::quiet_NaN());
-  return scores;
-}
-
-std::optional<FacePose> BlendshapeCsvRows::_readPose(const CsvNumbers& numbers) const
+// Nothing if a number of it is unknown.
+std::optional<FaceMatrix> BlendshapeCsvRows::_readMatrix(const CsvNumbers& numbers) const
 {
   if (!_matrix)
     return {};
   FaceMatrix matrix{};
   for (std::size_t i = 0; i < matrix.size(); ++i)
     matrix.at(i) = numbers.number((*_matrix)[i]);
-  const bool isKnown = std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); });
-  const auto pose = poseOf(matrix);
-  if (isKnown && !pose)
+  if (!std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); }))
+    return {};
+  if (!poseOf(matrix))
     numbers.refuse(_matrix->back(), "a transformation, of which the last row is 0, 0, 0, 1");
-  return pose;
+  return matrix;
 }
 
 FaceRows::Fields BlendshapeCsvRows::fields() const

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "csv/csvpersons.hpp"
-#include "face/blendshapereadings.hpp"
 #include "face/csvfacerows.hpp"
-#include "mediapipe/facetransformation.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/mediapipeface.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -47,11 +48,10 @@ private:
   static ColumnGroup<16> _findMatrix(const CsvHeader& header);
   FaceRow _readRow();
   Frame _readFrame(const CsvNumbers& numbers);
-  std::vector<float> _readScores(const CsvNumbers& numbers) const;
-  std::optional<FacePose> _readPose(const CsvNumbers& numbers) const;
+  std::optional<std::array<double, 16>> _readMatrix(const CsvNumbers& numbers) const;
 
   ReadingOptions _options;
-  BlendshapeReadings _blendshapes;
+  FaceAdapter _adapter;
   std::optional<std::size_t> _frame;
   std::optional<TimeColumn> _time;
   std::optional<std::size_t> _confidence;

@@ -1,7 +1,7 @@
 #include "mediapipe/facelandmarkerresult.hpp"
 
-#include "face/blendshapes.hpp"
 #include "input/jsonvalue.hpp"
+#include "mediapipe/facetransformation.hpp"
 
 #include <nlohmann/json.hpp>
 
@@ -9,7 +9,6 @@
 #include <cmath>
 #include <cstddef>
 #include <initializer_list>
-#include <limits>
 
 namespace KV::recordings
 {
@@ -17,7 +16,6 @@ namespace
 {
 using Json = nlohmann::json;
 
-constexpr float unknown = std::numeric_limits<float>::quiet_NaN();
 constexpr double greatestNumber = 1e15;
 constexpr double latestSecond = 9.2e9;  // that a clock in nanoseconds can show
 
@@ -61,8 +59,8 @@ Json parsed(const std::string& text)
   }
 }
 
-// Puts the score of one category, {"score": ..., "categoryName": ...}, where it is asked for.
-void readCategory(const Value& category, const std::vector<std::string>& blendshapes, std::vector<float>& scores)
+// Sets the score of one category, {"score": ..., "categoryName": ...}.
+void readCategory(const Value& category, Blendshapes& scores)
 {
   if (!category->is_object())
     category.refuse("a category, with score and categoryName");
@@ -72,28 +70,26 @@ void readCategory(const Value& category, const std::vector<std::string>& blendsh
   const auto score = memberOf(category, {"score"});
   if (!score)
     category.refuse("a category with a score");
-  const float value = blendshapeScore(numberOf(*score, "a number"));
-  for (std::size_t i = 0; i < blendshapes.size(); ++i)
-    if (blendshapes[i] == (*name)->get_ref<const std::string&>())
-      scores[i] = value;
+  const auto value = static_cast<float>(numberOf(*score, "a number"));
+  scores.set((*name)->get_ref<const std::string&>(), value);
 }
 
 // {"categories": [...]}, or the list alone.
-std::vector<float> readScores(const Value& value, const std::vector<std::string>& blendshapes)
+Blendshapes readScores(const Value& value)
 {
-  std::vector<float> scores(blendshapes.size(), unknown);
+  Blendshapes scores;
   const auto inner = value->is_object() ? memberOf(value, {"categories"}) : std::nullopt;
   const Value categories = inner.value_or(value);
   const std::size_t count = sizeOf(categories, "a list of categories");
   for (std::size_t i = 0; i < count; ++i)
-    readCategory(categories.element(i), blendshapes, scores);
+    readCategory(categories.element(i), scores);
   return scores;
 }
 
 const char* const matrixExpected = "a transformation: 4 times 4 numbers, of which the last row is 0, 0, 0, 1";
 
 // {"data": [16 numbers]}, or 16 numbers, or four times four.
-FacePose readMatrix(const Value& value)
+FaceMatrix readMatrix(const Value& value)
 {
   const auto inner = value->is_object() ? memberOf(value, {"data"}) : std::nullopt;
   const Value data = inner.value_or(value);
@@ -113,10 +109,9 @@ FacePose readMatrix(const Value& value)
       row.refuse(matrixExpected);
     matrix.at(i) = numberOf(row.element(i % 4), "a number");
   }
-  const auto pose = poseOf(matrix);
-  if (!pose)
+  if (!poseOf(matrix))
     data.refuse(matrixExpected);
-  return *pose;
+  return matrix;
 }
 
 std::size_t sizeOf(const std::optional<Value>& list)
@@ -165,7 +160,7 @@ std::optional<std::int64_t> readFrame(const Value& result)
 
 }  // namespace
 
-FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std::vector<std::string>& blendshapes)
+FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text)
 {
   const Json json = parsed(text);
   const Value root(json);
@@ -183,12 +178,12 @@ FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text, const std
   const std::size_t count = faceCount({shapes, matrices, landmarks});
   for (std::size_t i = 0; i < count; ++i)
   {
-    FaceLandmarkerFace face;
-    face.scores = sizeOf(shapes) > 0 ? readScores(shapes->element(i), blendshapes)
-                                     : std::vector<float>(blendshapes.size(), unknown);
+    MediaPipeFace face;
+    if (sizeOf(shapes) > 0)
+      face.blendshapes = readScores(shapes->element(i));
     if (sizeOf(matrices) > 0)
-      face.pose = readMatrix(matrices->element(i));
-    result.faces.push_back(std::move(face));
+      face.matrix = readMatrix(matrices->element(i));
+    result.faces.push_back(face);
   }
   return result;
 }

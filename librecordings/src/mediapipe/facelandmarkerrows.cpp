@@ -1,6 +1,5 @@
 #include "mediapipe/facelandmarkerrows.hpp"
 
-#include "face/mapping.hpp"
 #include "input/jsonvalue.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -11,11 +10,6 @@
 
 namespace KV::recordings
 {
-namespace
-{
-constexpr float confidence = 1.f;  // the results have none
-
-}  // namespace
 
 bool looksLikeFaceLandmarker(const std::string& head)
 {
@@ -30,7 +24,7 @@ bool looksLikeFaceLandmarker(const std::string& head)
 }
 
 FaceLandmarkerRows::FaceLandmarkerRows(const std::string& path, const ReadingOptions& options)
-  : _options(options), _blendshapes(readMapping(options.mapping)), _pieces(path)
+  : _options(options), _adapter(options), _pieces(path)
 {}
 
 std::optional<FaceRow> FaceLandmarkerRows::next()
@@ -50,7 +44,7 @@ bool FaceLandmarkerRows::_readResult()
     return false;
   try
   {
-    const auto result = readFaceLandmarkerResult(_piece, _blendshapes.names());
+    const auto result = readFaceLandmarkerResult(_piece);
     FaceRow row;
     row.line = _pieces.lineNumber();
     row.frame = {result.frame.value_or(index), result.timestamp};
@@ -61,12 +55,12 @@ bool FaceLandmarkerRows::_readResult()
     if (result.faces.size() > 1 && !std::exchange(_warnedOfSeveral, true))
       _warnings.emplace_back(
           "there are several faces in a result: they are counted in its order, which does not stay with one person");
-    for (const FaceLandmarkerFace& face : result.faces)
+    for (const MediaPipeFace& face : result.faces)
     {
       row.tracked = true;
-      row.readings = _readingsOf(face);
-      _haveScores = _haveScores || !areUnknown(face.scores);
-      _haveMatrices = _haveMatrices || face.pose;
+      row.readings = _adapter.read(faceOf(face));
+      _haveScores = _haveScores || (face.blendshapes && !face.blendshapes->areUnknown());
+      _haveMatrices = _haveMatrices || face.matrix;
       _rows.push_back(row);
       ++row.face;
     }
@@ -76,17 +70,6 @@ bool FaceLandmarkerRows::_readResult()
     throw BadLine({path(), _pieces.lineNumber(), error.path()}, error.what());
   }
   return true;
-}
-
-FaceReadings FaceLandmarkerRows::_readingsOf(const FaceLandmarkerFace& face) const
-{
-  FaceReadings readings;
-  _blendshapes.setExpressions(readings, face.scores, confidence);
-  FacePose pose = face.pose.value_or(FacePose());
-  if (const auto eyes = _blendshapes.eyes(face.scores))
-    pose.gaze = gazeOf(*eyes, pose.headPosture);
-  setPose(readings, pose, _options);
-  return readings;
 }
 
 FaceRows::Fields FaceLandmarkerRows::fields() const

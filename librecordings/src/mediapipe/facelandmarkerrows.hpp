@@ -1,10 +1,10 @@
 #pragma once
 
-#include "face/blendshapereadings.hpp"
 #include "face/facerows.hpp"
 #include "input/jsonpieces.hpp"
 #include "mediapipe/facelandmarkerresult.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
@@ -40,10 +40,9 @@ public:
 
 private:
   bool _readResult();
-  FaceReadings _readingsOf(const FaceLandmarkerFace& face) const;
 
   ReadingOptions _options;
-  BlendshapeReadings _blendshapes;
+  FaceAdapter _adapter;
   JsonPieces _pieces;
   std::string _piece;
   std::int64_t _results = 0;  // so far, whether they could be used or not

@@ -1,7 +1,12 @@
 #include "mediapipe/facetransformation.hpp"
 
+#include "face/viewingangles.hpp"
+
+#include <skeigiot/recordings/mediapipeface.hpp>
+
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace KV::recordings
@@ -24,6 +29,11 @@ FaceMatrix transposed(FaceMatrix matrix)
   return matrix;
 }
 
+bool areKnown(const FaceMatrix& matrix)
+{
+  return std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); });
+}
+
 // The third column is where the face looks to, the first is its axis from ear to ear.
 FacePose poseOfColumns(const FaceMatrix& m)
 {
@@ -41,13 +51,28 @@ FacePose poseOfColumns(const FaceMatrix& m)
 
 std::optional<FacePose> poseOf(const FaceMatrix& matrix)
 {
-  if (!std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); }))
+  if (!areKnown(matrix))
     return {};
   if (areZeroZeroZeroOne(matrix[3], matrix[7], matrix[11], matrix[15]))
     return poseOfColumns(matrix);
   if (areZeroZeroZeroOne(matrix[12], matrix[13], matrix[14], matrix[15]))
     return poseOfColumns(transposed(matrix));
   return {};
+}
+
+Face faceOf(const MediaPipeFace& told)
+{
+  Face face;
+  face.confidence = told.confidence;
+  face.blendshapes = told.blendshapes;
+  if (!told.matrix || !areKnown(*told.matrix))
+    return face;
+  const auto pose = poseOf(*told.matrix);
+  if (!pose)
+    throw std::invalid_argument(
+        "The matrix is no transformation: neither its last row nor its last column is 0, 0, 0, 1.");
+  face.pose = *pose;
+  return face;
 }
 
 }  // namespace KV::recordings

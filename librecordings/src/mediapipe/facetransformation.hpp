@@ -1,6 +1,6 @@
 #pragma once
 
-#include "face/facereadings.hpp"
+#include <skeigiot/recordings/facepose.hpp>
 
 #include <array>
 #include <optional>

@@ -1,107 +1,103 @@
 #include "openface/openfaceface.hpp"
 
-#include "face/actionunits.hpp"
+#include "face/csvscores.hpp"
+#include "face/viewingangles.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
-#include <utility>
-#include <vector>
+#include <cstddef>
+#include <optional>
 
 namespace KV::recordings
 {
 namespace
 {
 constexpr double millimetresPerMetre = 1000.0;
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-// Reads the face of one tracked row.
-class Face
+template <std::size_t Count>
+std::optional<std::array<double, Count>> readAll(const CsvNumbers& numbers, const ColumnGroup<Count>& columns)
 {
-public:
-  Face(const CsvNumbers& numbers, const OpenFaceColumns& columns) : _numbers(numbers), _columns(columns) {}
+  if (!columns)
+    return {};
+  std::array<double, Count> values{};
+  for (std::size_t i = 0; i < Count; ++i)
+    values.at(i) = numbers.number((*columns)[i]);
+  return values;
+}
 
-  FacePose pose() const { return {_position(), millimetresPerMetre, _headPosture(), _gaze()}; }
+template <std::size_t Count>
+bool areKnown(const std::optional<std::array<double, Count>>& values)
+{
+  return values && std::all_of(values->begin(), values->end(), [](double value) { return std::isfinite(value); });
+}
 
-  std::vector<float> actionUnits(float fullScale) const
-  {
-    std::vector<float> scores;
-    scores.reserve(_columns.actionUnits.size());
-    for (const auto& column : _columns.actionUnits)
-      scores.push_back(actionUnitScore(column ? _numbers.number(*column) : notANumber, fullScale));
-    return scores;
-  }
+std::optional<FacePosition> positionOf(const OpenFaceFace& told)
+{
+  if (!told.position)
+    return {};
+  const auto& [right, down, forward] = *told.position;
+  const FacePosition position{right, down, forward};
+  const double distance = position.distance();
+  if (!std::isfinite(distance) || distance <= 0.0)
+    return {};
+  return position;
+}
 
-private:
-  std::optional<FacePosition> _position() const
-  {
-    if (!_columns.position)
-      return {};
-    const auto& [x, y, z] = *_columns.position;
-    const FacePosition position{_numbers.number(x), _numbers.number(y), _numbers.number(z)};
-    const double distance = position.distance();
-    if (!std::isfinite(distance) || distance <= 0.0)
-      return {};
-    return position;
-  }
+// OpenFace: Rx > 0 is down, Ry > 0 to the person's own right, Rz > 0 tilted to the own left shoulder.
+std::optional<KV::HeadPosture> headPostureOf(const OpenFaceFace& told)
+{
+  if (!areKnown(told.rotation))
+    return {};
+  const auto& [pitch, yaw, roll] = *told.rotation;
+  return KV::HeadPosture(degrees(yaw), -degrees(pitch), -degrees(roll));
+}
 
-  // OpenFace: Rx > 0 is down, Ry > 0 to the person's own right, Rz > 0 tilted to the own left shoulder.
-  std::optional<KV::HeadPosture> _headPosture() const
-  {
-    if (!_columns.rotation)
-      return {};
-    const auto& [x, y, z] = *_columns.rotation;
-    const double pitch = _numbers.number(x);
-    const double yaw = _numbers.number(y);
-    const double roll = _numbers.number(z);
-    if (!std::isfinite(pitch) || !std::isfinite(yaw) || !std::isfinite(roll))
-      return {};
-    return KV::HeadPosture(degrees(yaw), -degrees(pitch), -degrees(roll));
-  }
+// The angles of the mean of both eyes, as OpenFace forms them.
+std::optional<std::array<double, 2>> gazeAngleOfVectors(const OpenFaceFace& told)
+{
+  if (!told.gazeVectors)
+    return {};
+  const auto& [x0, y0, z0, x1, y1, z1] = *told.gazeVectors;
+  const double x = x0 + x1;
+  const double y = y0 + y1;
+  const double z = z0 + z1;
+  return {{std::atan2(x, -z), std::atan2(y, -z)}};
+}
 
-  // OpenFace: x > 0 is to the person's own left, y > 0 down.
-  std::optional<KV::Gaze> _gaze() const
-  {
-    const auto [x, y] = _columns.gazeAngle ? _gazeAngle() : _gazeAngleOfVectors();
-    if (!std::isfinite(x) || !std::isfinite(y))
-      return {};
-    return KV::Gaze(degrees(x), -degrees(y));
-  }
-
-  std::pair<double, double> _gazeAngle() const
-  {
-    const auto& [x, y] = *_columns.gazeAngle;
-    return {_numbers.number(x), _numbers.number(y)};
-  }
-
-  // The angles of the mean of both eyes, as OpenFace forms them.
-  std::pair<double, double> _gazeAngleOfVectors() const
-  {
-    if (!_columns.gazeVectors)
-      return {notANumber, notANumber};
-    const auto& [x0, y0, z0, x1, y1, z1] = *_columns.gazeVectors;
-    const double x = _numbers.number(x0) + _numbers.number(x1);
-    const double y = _numbers.number(y0) + _numbers.number(y1);
-    const double z = _numbers.number(z0) + _numbers.number(z1);
-    return {std::atan2(x, -z), std::atan2(y, -z)};
-  }
-
-  const CsvNumbers& _numbers;
-  const OpenFaceColumns& _columns;
-};
+// OpenFace: x > 0 is to the person's own left, y > 0 down.
+std::optional<KV::Gaze> gazeOf(const OpenFaceFace& told)
+{
+  const auto angle = told.gazeAngle ? told.gazeAngle : gazeAngleOfVectors(told);
+  if (!areKnown(angle))
+    return {};
+  const auto& [x, y] = *angle;
+  return KV::Gaze(degrees(x), -degrees(y));
+}
 
 }  // namespace
 
-FaceReadings readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const ScoreReadings& units,
-                              const ReadingOptions& options, float confidence)
+OpenFaceFace readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const FaceAdapter& adapter)
 {
-  const Face face(numbers, columns);
-  FaceReadings readings;
-  setPose(readings, face.pose(), options);
-  const auto scores = face.actionUnits(options.actionUnitFullScale);
-  readings.smile = units.smile(scores, confidence);
-  readings.expressions = units.expressions(scores, confidence);
-  readings.facialPoints = readFacialPoints(numbers, columns.landmarks, confidence, options.mirrored);
-  return readings;
+  OpenFaceFace face;
+  face.position = readAll(numbers, columns.position);
+  face.rotation = readAll(numbers, columns.rotation);
+  face.gazeAngle = readAll(numbers, columns.gazeAngle);
+  if (!columns.gazeAngle)
+    face.gazeVectors = readAll(numbers, columns.gazeVectors);
+  face.actionUnits = readActionUnits(numbers, columns.actionUnits, adapter);
+  face.landmarks = readLandmarks(numbers, columns.landmarks);
+  return face;
+}
+
+Face faceOf(const OpenFaceFace& told)
+{
+  Face face;
+  face.confidence = told.confidence;
+  face.pose = {positionOf(told), millimetresPerMetre, headPostureOf(told), gazeOf(told)};
+  face.actionUnits = told.actionUnits;
+  face.landmarks = told.landmarks;
+  return face;
 }
 
 }  // namespace KV::recordings

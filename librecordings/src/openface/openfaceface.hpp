@@ -1,19 +1,17 @@
 #pragma once
 
 #include "csv/csvnumbers.hpp"
-#include "face/facereadings.hpp"
-#include "face/scoretable.hpp"
 #include "openface/openfacecolumns.hpp"
+
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/openfaceface.hpp>
 
 namespace KV::recordings
 {
 
-/// Reads the face of a row of OpenFace, tracked with this confidence; `units` are those whose columns were looked for.
-///
-/// A field without a finite number leaves its reading out.
+/// Reads the face of a row of OpenFace; the columns of action units are those that the adapter asks for.
 ///
 /// \throws BadLine if a column that is read holds something else than a number.
-FaceReadings readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const ScoreReadings& units,
-                              const ReadingOptions& options, float confidence);
+OpenFaceFace readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const FaceAdapter& adapter);
 
 }  // namespace KV::recordings

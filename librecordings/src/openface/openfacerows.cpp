@@ -1,11 +1,9 @@
 #include "openface/openfacerows.hpp"
 
-#include "face/mapping.hpp"
 #include "openface/openfaceface.hpp"
 
 #include <skeigiot/recordings/description.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 namespace KV::recordings
@@ -14,8 +12,8 @@ namespace KV::recordings
 OpenFaceRows::OpenFaceRows(const std::string& path, const ReadingOptions& options)
   : CsvFaceRows(path, isOfOpenFace),
     _options(options),
-    _units(readMapping(options.mapping).actionUnits),
-    _columns(findOpenFaceColumns(file().header(), _units.names())),
+    _adapter(options),
+    _columns(findOpenFaceColumns(file().header(), _adapter.actionUnitNames())),
     _persons(file().header(), options.personColumn, "face_id")
 {}
 
@@ -41,11 +39,13 @@ FaceRow OpenFaceRows::_readRow()
   const double success = _columns.success ? numbers.number(*_columns.success) : 1.0;
   const double confidence = _columns.confidence ? numbers.number(*_columns.confidence) : 1.0;
   const bool wasFound = std::isfinite(success) && success != 0.0;
-  row.tracked = wasFound && static_cast<float>(confidence) >= _options.minimalConfidence;
+  row.tracked = wasFound && _adapter.isTracked(static_cast<float>(confidence));
   if (row.tracked)
   {
     row.face = _persons.personOf(numbers, file().place());
-    row.readings = readOpenFaceFace(numbers, _columns, _units, _options, std::min(static_cast<float>(confidence), 1.f));
+    OpenFaceFace face = readOpenFaceFace(numbers, _columns, _adapter);
+    face.confidence = static_cast<float>(confidence);
+    row.readings = _adapter.read(faceOf(face));
     // Where no column tells whether a face was found, the readings do.
     if (!_columns.success && !_columns.confidence)
       row.tracked = !row.readings.empty();

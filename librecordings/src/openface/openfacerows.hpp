@@ -2,9 +2,9 @@
 
 #include "csv/csvpersons.hpp"
 #include "face/csvfacerows.hpp"
-#include "face/scoretable.hpp"
 #include "openface/openfacecolumns.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <optional>
@@ -33,7 +33,7 @@ private:
   FaceRow _readRow();
 
   ReadingOptions _options;
-  ScoreReadings _units;
+  FaceAdapter _adapter;
   OpenFaceColumns _columns;
   CsvPersons _persons;
   FrameCounter _frames;

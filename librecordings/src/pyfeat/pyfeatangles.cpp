@@ -8,17 +8,10 @@ namespace KV::recordings
 namespace
 {
 constexpr double greatestRadians = 3.2;  // a little more than half a turn
-constexpr double degreesPerRadian = 57.295779513082320877;
 
 // What chance hardly reaches.
 constexpr double tellingRows = 8.0;
 constexpr double tellingCorrelation = 0.6;
-
-template <std::size_t Count>
-bool areKnown(const std::array<double, Count>& angles)
-{
-  return std::all_of(angles.begin(), angles.end(), [](double angle) { return std::isfinite(angle); });
-}
 
 template <std::size_t Count>
 double greatestOf(const std::array<double, Count>& angles)
@@ -27,16 +20,6 @@ double greatestOf(const std::array<double, Count>& angles)
   for (const double angle : angles)
     greatest = std::max(greatest, std::abs(angle));  // passes over a NaN
   return greatest;
-}
-
-float inDegrees(double angle, bool isInDegrees)
-{
-  return static_cast<float>(isInDegrees ? angle : angle * degreesPerRadian);
-}
-
-float signedBy(bool isPositive, float angle)
-{
-  return isPositive ? angle : -angle;
 }
 
 }  // namespace
@@ -60,8 +43,10 @@ void PyFeatConvention::learn(const std::string& person, const PyFeatAngles& angl
 
 void PyFeatConvention::decide()
 {
-  _rotationInDegrees = _given.degrees.value_or(_greatestRotation > greatestRadians);
-  _gazeInDegrees = _greatestGaze > greatestRadians;
+  _units.rotationInDegrees = _given.degrees.value_or(_greatestRotation > greatestRadians);
+  _units.gazeInDegrees = _greatestGaze > greatestRadians;
+  _units.gazeYawIsLeft = _given.gazeYawIsLeft;
+  _units.gazePitchIsUp = _given.gazePitchIsUp;
   _decidePitch();
   _sums.clear();
 }
@@ -71,22 +56,22 @@ void PyFeatConvention::_decidePitch()
   const double correlation = _correlation();
   if (_given.pitchIsUp)
   {
-    _pitchIsUp = *_given.pitchIsUp;
+    _units.pitchIsUp = *_given.pitchIsUp;
     _pitchReason = "as given";
   }
   else if (std::abs(correlation) >= tellingCorrelation)
   {
-    _pitchIsUp = correlation > 0.0;
+    _units.pitchIsUp = correlation > 0.0;
     _pitchReason = "by the landmarks";
   }
   else
   {
     // The documentation says up. Tables in radians, of version 0.7 and later, were seen to count down.
-    _pitchIsUp = _rotationInDegrees;
+    _units.pitchIsUp = _units.rotationInDegrees;
     _pitchReason = "a guess";
     if (_anyRotation)
       _warning = std::string("the landmarks do not show whether Pitch counts up or down: it is taken for ") +
-                 (_pitchIsUp ? "up" : "down") + "; say so by pyFeat.pitch in a mapping (--mapping) if it is not";
+                 (_units.pitchIsUp ? "up" : "down") + "; say so by pyFeat.pitch in a mapping (--mapping) if it is not";
   }
 }
 
@@ -106,43 +91,25 @@ double PyFeatConvention::_correlation() const
   return within.count >= tellingRows && norm > 1e-12 ? within.product / norm : 0.0;
 }
 
-std::optional<KV::HeadPosture> PyFeatConvention::headPosture(const PyFeatAngles& angles) const
-{
-  if (!areKnown(angles.rotation))
-    return {};
-  const auto [pitch, roll, yaw] = angles.rotation;
-  return KV::HeadPosture(inDegrees(yaw, _rotationInDegrees), signedBy(_pitchIsUp, inDegrees(pitch, _rotationInDegrees)),
-                         inDegrees(roll, _rotationInDegrees));
-}
-
-std::optional<KV::Gaze> PyFeatConvention::gaze(const PyFeatAngles& angles) const
-{
-  if (!areKnown(angles.gaze))
-    return {};
-  const auto [pitch, yaw] = angles.gaze;
-  return KV::Gaze(signedBy(_given.gazeYawIsLeft, inDegrees(yaw, _gazeInDegrees)),
-                  signedBy(_given.gazePitchIsUp, inDegrees(pitch, _gazeInDegrees)));
-}
-
 bool PyFeatConvention::isContradictedBy(const PyFeatAngles& angles) const
 {
-  return (!_rotationInDegrees && greatestOf(angles.rotation) > greatestRadians) ||
-         (!_gazeInDegrees && greatestOf(angles.gaze) > greatestRadians);
+  return (!_units.rotationInDegrees && greatestOf(angles.rotation) > greatestRadians) ||
+         (!_units.gazeInDegrees && greatestOf(angles.gaze) > greatestRadians);
 }
 
 std::string PyFeatConvention::describeRotation() const
 {
   const std::string found = _given.degrees       ? " as given"
-                            : _rotationInDegrees ? ", since one of the first rows is beyond 3.2"
+                            : _units.rotationInDegrees ? ", since one of the first rows is beyond 3.2"
                                                  : ", since none of the first rows is beyond 3.2";
-  return "angles in " + std::string(_rotationInDegrees ? "degrees" : "radians") + found + ", Pitch " +
-         (_pitchIsUp ? "up" : "down") + " (" + _pitchReason + "), Yaw to the own right, Roll to the own right shoulder";
+  return "angles in " + std::string(_units.rotationInDegrees ? "degrees" : "radians") + found + ", Pitch " +
+         (_units.pitchIsUp ? "up" : "down") + " (" + _pitchReason + "), Yaw to the own right, Roll to the own right shoulder";
 }
 
 std::string PyFeatConvention::describeGaze() const
 {
-  return std::string("gaze_yaw to the own ") + (_given.gazeYawIsLeft ? "left" : "right") + ", gaze_pitch " +
-         (_given.gazePitchIsUp ? "up" : "down");
+  return std::string("gaze_yaw to the own ") + (_units.gazeYawIsLeft ? "left" : "right") + ", gaze_pitch " +
+         (_units.gazePitchIsUp ? "up" : "down");
 }
 
 }  // namespace KV::recordings

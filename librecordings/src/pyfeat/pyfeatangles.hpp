@@ -2,13 +2,11 @@
 
 #include "face/mapping.hpp"
 
-#include <skeigiot/gaze.hpp>
-#include <skeigiot/headposture.hpp>
+#include <skeigiot/recordings/pyfeatunits.hpp>
 
 #include <array>
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,7 +21,7 @@ struct PyFeatAngles
   double nod = 0.0;                  ///< how far the ears are below the eyes, as part of the width of the eyes
 };
 
-/// Finds out how a table of py-feat counts its angles, from its first rows, and reads them so.
+/// Finds out how a table of py-feat counts its angles, from its first rows.
 ///
 /// An angle beyond 3.2 shows that they are in degrees, else they are in radians. Whoever looks up lowers the ears
 /// against the eyes: by that the landmarks show whether a pitch above 0 is up.
@@ -38,11 +36,8 @@ public:
   /// Decides by what was learnt.
   void decide();
 
-  /// Returns the head posture; nothing if an angle is unknown.
-  std::optional<KV::HeadPosture> headPosture(const PyFeatAngles& angles) const;
-
-  /// Returns the gaze; nothing if an angle is unknown.
-  std::optional<KV::Gaze> gaze(const PyFeatAngles& angles) const;
+  /// Returns what was decided.
+  const PyFeatUnits& units() const { return _units; }
 
   /// Tells whether these angles contradict radians, if those were decided for.
   bool isContradictedBy(const PyFeatAngles& angles) const;
@@ -74,9 +69,7 @@ private:
   std::map<std::string, Sums> _sums;
   bool _anyRotation = false;
 
-  bool _rotationInDegrees = false;
-  bool _gazeInDegrees = false;
-  bool _pitchIsUp = true;
+  PyFeatUnits _units;
   std::string _pitchReason;
   std::string _warning;
 };

@@ -1,11 +1,13 @@
 #include "pyfeat/pyfeatrows.hpp"
 
-#include "face/actionunits.hpp"
+#include "face/csvscores.hpp"
+#include "face/faceadapterprivate.hpp"
 #include "pyfeat/approximaterate.hpp"
 
 #include <skeigiot/recordings/description.hpp>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -16,7 +18,6 @@ namespace KV::recordings
 namespace
 {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr float unitFullScale = 1.f;  // py-feat gives shares
 
 // "MM:SS" or "HH:MM:SS"; nothing if it is something else.
 std::optional<std::int64_t> readSeconds(std::string_view text)
@@ -39,13 +40,23 @@ std::optional<std::int64_t> readSeconds(std::string_view text)
   return {};
 }
 
-std::vector<float> readScores(const CsvNumbers& numbers, const std::vector<std::optional<std::size_t>>& columns)
+template <std::size_t Count>
+std::optional<std::array<double, Count>> readAll(const CsvNumbers& numbers, const ColumnGroup<Count>& columns)
 {
-  std::vector<float> scores;
-  scores.reserve(columns.size());
-  for (const auto& column : columns)
-    scores.push_back(actionUnitScore(column ? numbers.number(*column) : notANumber, unitFullScale));
-  return scores;
+  if (!columns)
+    return {};
+  std::array<double, Count> values{};
+  for (std::size_t i = 0; i < Count; ++i)
+    values.at(i) = numbers.number((*columns)[i]);
+  return values;
+}
+
+template <std::size_t Count>
+std::array<double, Count> unknownAngles()
+{
+  std::array<double, Count> angles{};
+  angles.fill(notANumber);
+  return angles;
 }
 
 // The middle of the first two nodLandmarks, at the ears, against that of the others, at the eyes: y counts down.
@@ -65,17 +76,12 @@ double nodOf(const CsvNumbers& numbers, const PyFeatColumns& columns)
 }  // namespace
 
 PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options)
-  : PyFeatRows(path, options, readMapping(options.mapping))
-{}
-
-PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options, const Mapping& mapping)
   : CsvFaceRows(path, isOfPyFeat),
     _options(options),
-    _units(mapping.actionUnits),
-    _emotions(mapping.emotions),
-    _columns(findPyFeatColumns(file().header(), _units.names(), _emotions.names())),
+    _adapter(options),
+    _columns(findPyFeatColumns(file().header(), _adapter.actionUnitNames(), _adapter.emotionNames())),
     _chosenPersons(file().header(), options.personColumn, "Identity"),
-    _convention(mapping.pyFeat),
+    _convention(_adapter._p->mapping.pyFeat),
     _ahead([this] { return _readRaw(); })
 {
   _learnFromFirstRows();
@@ -98,10 +104,8 @@ std::optional<FaceRow> PyFeatRows::next()
                   "an angle is beyond 3.2, and so in degrees, while the first rows were taken for radians; give the "
                   "unit by pyFeat.angles in a mapping (--mapping)");
   row.face = _personOf(*raw);
-  FacePose pose;
-  pose.headPosture = _convention.headPosture(raw->angles);
-  pose.gaze = _convention.gaze(raw->angles);
-  setPose(row.readings, pose, _options);
+  raw->face.units = _convention.units();
+  row.readings = _adapter.read(faceOf(raw->face));
   // Where no column tells whether a face was found, the readings do.
   if (!_columns.faceScore)
     row.tracked = !row.readings.empty();
@@ -125,7 +129,8 @@ std::optional<PyFeatRows::Raw> PyFeatRows::_readRaw()
     raw.second = readSeconds(numbers.text(*_columns.approximateTime));
 
   const double score = _columns.faceScore ? numbers.number(*_columns.faceScore) : 1.0;
-  raw.row.tracked = static_cast<float>(score) >= _options.minimalConfidence;
+  raw.face.confidence = static_cast<float>(score);
+  raw.row.tracked = _adapter.isTracked(raw.face.confidence);
   if (raw.row.tracked)
     _readFace(numbers, raw);
   return raw;
@@ -133,31 +138,19 @@ std::optional<PyFeatRows::Raw> PyFeatRows::_readRaw()
 
 void PyFeatRows::_readFace(const CsvNumbers& numbers, Raw& raw)
 {
-  const double score = _columns.faceScore ? numbers.number(*_columns.faceScore) : 1.0;
-  const float confidence = std::min(static_cast<float>(score), 1.f);
-  FaceReadings& readings = raw.row.readings;
-  const auto units = readScores(numbers, _columns.actionUnits);
-  readings.smile = _units.smile(units, confidence);
-  readings.expressions = _columns.hasEmotions()
-                             ? _emotions.expressions(readScores(numbers, _columns.emotions), confidence)
-                             : _units.expressions(units, confidence);
-  readings.facialPoints = readFacialPoints(numbers, _columns.landmarks, confidence, _options.mirrored);
-  raw.angles = _readAngles(numbers);
+  PyFeatFace& face = raw.face;
+  face.actionUnits = readActionUnits(numbers, _columns.actionUnits, _adapter);
+  if (_columns.hasEmotions())
+    face.emotions = readEmotions(numbers, _columns.emotions, _adapter);
+  face.landmarks = readLandmarks(numbers, _columns.landmarks);
+  face.rotation = readAll(numbers, _columns.rotation);
+  face.gaze = readAll(numbers, _columns.gaze);
+  raw.angles = {face.rotation.value_or(unknownAngles<3>()), face.gaze.value_or(unknownAngles<2>()),
+                nodOf(numbers, _columns)};
   if (!_options.personColumn.empty())
     raw.row.face = _chosenPersons.personOf(numbers, file().place());
   else if (_columns.identity)
     raw.identity = numbers.text(*_columns.identity);
-}
-
-PyFeatAngles PyFeatRows::_readAngles(const CsvNumbers& numbers) const
-{
-  PyFeatAngles angles;
-  for (std::size_t i = 0; i < angles.rotation.size(); ++i)
-    angles.rotation.at(i) = _columns.rotation ? numbers.number((*_columns.rotation)[i]) : notANumber;
-  for (std::size_t i = 0; i < angles.gaze.size(); ++i)
-    angles.gaze.at(i) = _columns.gaze ? numbers.number((*_columns.gaze)[i]) : notANumber;
-  angles.nod = nodOf(numbers, _columns);
-  return angles;
 }
 
 void PyFeatRows::_learnFromFirstRows()

@@ -2,12 +2,12 @@
 
 #include "csv/csvpersons.hpp"
 #include "face/csvfacerows.hpp"
-#include "face/mapping.hpp"
-#include "face/scoretable.hpp"
 #include "pyfeat/pyfeatangles.hpp"
 #include "pyfeat/pyfeatcolumns.hpp"
 #include "recording/lookahead.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/pyfeatface.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
@@ -39,27 +39,24 @@ public:
   std::vector<std::string> takeWarnings() override;
 
 private:
-  // A row whose angles and person are not settled yet.
+  // A row whose units and person are not settled yet.
   struct Raw
   {
     FaceRow row;
+    PyFeatFace face;
     PyFeatAngles angles;
     std::string identity;
     std::optional<std::int64_t> second;
   };
 
-  PyFeatRows(const std::string& path, const ReadingOptions& options, const Mapping& mapping);
-
   std::optional<Raw> _readRaw();
   void _readFace(const CsvNumbers& numbers, Raw& raw);
-  PyFeatAngles _readAngles(const CsvNumbers& numbers) const;
   void _learnFromFirstRows();
   std::int32_t _personOf(const Raw& raw);
   Error::Place _placeOf(const Raw& raw, const std::string& field) const;
 
   ReadingOptions _options;
-  ScoreReadings _units;
-  ScoreReadings _emotions;
+  FaceAdapter _adapter;
   PyFeatColumns _columns;
   CsvPersons _chosenPersons;
   FrameCounter _frames;

@@ -1,10 +1,9 @@
 #include "ros4hri/ros4hristeps.hpp"
 
-#include "face/mapping.hpp"
 #include "ros4hri/rosangles.hpp"
-#include "ros4hri/rosreadings.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
+#include <skeigiot/recordings/rosreadings.hpp>
 
 #include <boost/chrono/duration.hpp>
 
@@ -54,7 +53,7 @@ Transform transformOf(const RosTransform& told)
 }  // namespace
 
 RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons)
-  : _options(options), _persons(persons), _units(readMapping(options.mapping).actionUnits)
+  : _adapter(options), _persons(persons)
 {}
 
 void RosbagCycles::advance(TimePoint time)
@@ -94,25 +93,24 @@ void RosbagCycles::trackedFaces(const RosIdsList& list)
 
 void RosbagCycles::expression(const std::string& face, const RosExpression& expression)
 {
-  const auto expressions = expressionsOf(expression);
-  if (expressions)
-    _readingOf(face).pending.expressions.emplace(_now, *expressions);
+  const FaceReadings readings = readingsOf(expression);
+  if (readings.expressions)
+    _readingOf(face).pending.expressions.emplace(_now, *readings.expressions);
 }
 
 void RosbagCycles::actionUnits(const std::string& face, const RosActionUnits& units)
 {
-  const RosScores scores = scoresOf(units, _units.names(), _options.actionUnitFullScale);
+  const FaceReadings readings = readingsOf(units, _adapter);
   KV::PersonObservation& pending = _readingOf(face).pending;
-  if (const auto smile = _units.smile(scores.scores, scores.confidence))
-    pending.smile.emplace(_now, *smile);
-  const auto expressions = _units.expressions(scores.scores, scores.confidence);
-  if (expressions && !pending.expressions)  // a classifier of expressions knows better
-    pending.expressions.emplace(_now, *expressions);
+  if (readings.smile)
+    pending.smile.emplace(_now, *readings.smile);
+  if (readings.expressions && !pending.expressions)  // a classifier of expressions knows better
+    pending.expressions.emplace(_now, *readings.expressions);
 }
 
 void RosbagCycles::landmarks(const std::string& face, const RosLandmarks& landmarks)
 {
-  _readingOf(face).pending.facialPoints.emplace(_now, facialPointsOf(landmarks));
+  _readingOf(face).pending.facialPoints.emplace(_now, *readingsOf(landmarks).facialPoints);
 }
 
 void RosbagCycles::speaking(const std::string& voice, bool speaks)
@@ -242,13 +240,12 @@ void RosbagCycles::_addPose(const std::string& name, Face& face, KV::PersonObser
   const auto camera = _cameraOf(name);
   if (posed == _cycle->posed.end() || !camera)
     return;
-  FacePose pose = poseOf(*_tree.find(*camera, facePrefix + name));
+  recordings::Face told;
+  told.pose = poseOf(*_tree.find(*camera, facePrefix + name));
   const auto gaze = _tree.find(*camera, gazePrefix + name);
   if (gaze && std::exchange(face.gazeIsNew, false))
-    pose.gaze = gazeOf(*gaze);
-  FaceReadings readings;
-  setPose(readings, pose, _options);
-  const KV::PersonObservation posedObservation = readings.observedAt(posed->second);
+    told.pose.gaze = gazeOf(*gaze);
+  const KV::PersonObservation posedObservation = _adapter.read(told).observedAt(posed->second);
   observation.faceDetected = posedObservation.faceDetected;
   observation.headPosture = posedObservation.headPosture;
   observation.gaze = posedObservation.gaze;

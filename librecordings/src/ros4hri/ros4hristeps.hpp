@@ -1,12 +1,11 @@
 #pragma once
 
-#include "face/facereadings.hpp"
 #include "face/personsinview.hpp"
-#include "face/scoretable.hpp"
 #include "ros4hri/ros4hripersons.hpp"
 #include "ros4hri/rosmessages.hpp"
 #include "ros4hri/transformtree.hpp"
 
+#include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <boost/optional/optional.hpp>
@@ -88,9 +87,8 @@ private:
   void _tellMissing(const std::set<std::int32_t>& seen);
   bool _isAround(const std::string& name, const Face& face) const;
 
-  ReadingOptions _options;
+  FaceAdapter _adapter;
   RosbagPersons& _persons;
-  ScoreReadings _units;
   TransformTree _tree;
   TimePoint _now;
   boost::optional<Cycle> _cycle;

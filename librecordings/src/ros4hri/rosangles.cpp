@@ -1,5 +1,7 @@
 #include "ros4hri/rosangles.hpp"
 
+#include "face/viewingangles.hpp"
+
 #include <cmath>
 
 namespace KV::recordings

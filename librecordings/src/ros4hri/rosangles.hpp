@@ -1,7 +1,8 @@
 #pragma once
 
-#include "face/facereadings.hpp"
 #include "ros4hri/transformtree.hpp"
+
+#include <skeigiot/recordings/facepose.hpp>
 
 namespace KV::recordings
 {

@@ -145,7 +145,7 @@ RosLandmarks readLandmarks(RosData& data)
   return guarded(data, [](Message& message) {
     message.header();
     RosLandmarks landmarks;
-    for (RosPoint& point : landmarks.points)
+    for (RosLandmarks::Point& point : landmarks.points)
     {
       point.x = message.read<float>();
       point.y = message.read<float>();

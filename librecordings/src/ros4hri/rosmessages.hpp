@@ -1,8 +1,10 @@
 #pragma once
 
+#include <skeigiot/recordings/rosactionunits.hpp>
+#include <skeigiot/recordings/rosexpression.hpp>
+#include <skeigiot/recordings/roslandmarks.hpp>
+
 #include <array>
-#include <cstddef>
-#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -37,39 +39,6 @@ struct RosIdsList
 {
   RosHeader header;
   std::vector<std::string> ids;
-};
-
-/// hri_msgs/msg/Expression
-struct RosExpression
-{
-  std::string expression;
-  float valence = 0.f;     ///< -1 to 1
-  float arousal = 0.f;     ///< -1 to 1
-  float confidence = 0.f;  ///< 0 to 1
-};
-
-/// hri_msgs/msg/FacialActionUnits: the index is the number of the action unit
-struct RosActionUnits
-{
-  static constexpr std::size_t count = 99;
-  std::array<float, count> intensity{};
-  std::array<float, count> confidence{};
-};
-
-/// hri_msgs/msg/NormalizedPointOfInterest2D
-struct RosPoint
-{
-  float x = 0.f;  ///< share of the width of the image
-  float y = 0.f;  ///< share of its height
-  float confidence = 0.f;
-};
-
-/// hri_msgs/msg/FacialLandmarks
-struct RosLandmarks
-{
-  std::array<RosPoint, 70> points{};
-  std::uint32_t height = 0;
-  std::uint32_t width = 0;
 };
 
 /// hri_msgs/msg/LiveSpeech

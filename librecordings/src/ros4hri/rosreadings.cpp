@@ -1,4 +1,4 @@
-#include "ros4hri/rosreadings.hpp"
+#include <skeigiot/recordings/rosreadings.hpp>
 
 #include "face/actionunits.hpp"
 #include "face/landmarks.hpp"
@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace KV::recordings
@@ -46,14 +48,6 @@ KV::Expressions expressionsOfValence(float valence, float confidence)
   return expressions;
 }
 
-// "AU12" is 12; a mapping may name other scores, which do not exist here.
-std::size_t indexOf(const std::string& name)
-{
-  return isActionUnitName(name) ? static_cast<std::size_t>(std::stoi(name.substr(2))) : RosActionUnits::count;
-}
-
-}  // namespace
-
 std::optional<KV::Expressions> expressionsOf(const RosExpression& expression)
 {
   const auto* const known =
@@ -71,37 +65,53 @@ std::optional<KV::Expressions> expressionsOf(const RosExpression& expression)
   return expressionsOfValence(valence, expression.confidence);
 }
 
-RosScores scoresOf(const RosActionUnits& units, const std::vector<std::string>& names, float fullScale)
-{
-  RosScores result;
-  int known = 0;
-  for (const std::string& name : names)
-  {
-    const std::size_t index = indexOf(name);
-    const bool isKnown = index < RosActionUnits::count && units.confidence.at(index) > 0.f;
-    result.scores.push_back(isKnown ? actionUnitScore(static_cast<double>(units.intensity.at(index)), fullScale)
-                                    : std::numeric_limits<float>::quiet_NaN());
-    if (!isKnown)
-      continue;
-    result.confidence += units.confidence.at(index);
-    ++known;
-  }
-  if (known > 0)
-    result.confidence /= static_cast<float>(known);
-  return result;
-}
-
 KV::FacialPoints facialPointsOf(const RosLandmarks& landmarks)
 {
   KV::FacialPoints points;
   for (std::size_t i = 0; i < facialPointLandmarks.size(); ++i)
   {
-    const RosPoint& point = landmarks.points.at(static_cast<std::size_t>(facialPointLandmarks.at(i)));
+    const RosLandmarks::Point& point = landmarks.points.at(static_cast<std::size_t>(facialPointLandmarks.at(i)));
     points.setFacialPoint(static_cast<KV::PointDescription>(i), {{point.x * static_cast<float>(landmarks.width),
                                                                   point.y * static_cast<float>(landmarks.height)},
                                                                  point.confidence});
   }
   return points;
+}
+
+}  // namespace
+
+FaceReadings readingsOf(const RosExpression& expression)
+{
+  FaceReadings readings;
+  readings.expressions = expressionsOf(expression);
+  return readings;
+}
+
+FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter)
+{
+  Face face;
+  face.actionUnits.emplace();
+  face.confidence = 0.f;
+  int known = 0;
+  for (const std::string& name : adapter.actionUnitNames())
+  {
+    const std::size_t number = actionUnitNumber(name);
+    if (number >= RosActionUnits::count || !(units.confidence.at(number) > 0.f))
+      continue;
+    face.actionUnits->intensity.at(number) = units.intensity.at(number);
+    face.confidence += units.confidence.at(number);
+    ++known;
+  }
+  if (known > 0)
+    face.confidence /= static_cast<float>(known);
+  return adapter.read(face);
+}
+
+FaceReadings readingsOf(const RosLandmarks& landmarks)
+{
+  FaceReadings readings;
+  readings.facialPoints = facialPointsOf(landmarks);
+  return readings;
 }
 
 }  // namespace KV::recordings

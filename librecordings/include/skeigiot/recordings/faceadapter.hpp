@@ -1,0 +1,66 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/personobservation.hpp>
+#include <skeigiot/recordings/face.hpp>
+#include <skeigiot/recordings/facereadings.hpp>
+#include <skeigiot/recordings/recording.hpp>
+
+#include <ko/systemclock.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+struct FaceAdapterPrivate;
+
+/// Makes readings of what a front end tells of a face. All readers of recordings go through it: a live program that uses
+/// it gets the same readings as a recording of the same numbers, to the last bit.
+///
+/// Of the options it reads the mapping, mirrored, lineOfSight, cameraHeight, minimalConfidence and actionUnitFullScale.
+/// Copies share the record, which never changes.
+///
+/// \par Thread safety
+///   Not synchronised, and nothing changes: any number of threads may use one adapter.
+class SKEIGIOT_API FaceAdapter
+{
+public:
+  /// Reads the file of the mapping, if the options name one.
+  ///
+  /// \throws Error if it cannot be read or used: names the member, and what was expected.
+  explicit FaceAdapter(const ReadingOptions& options = {});
+
+  /// Returns the observation of this face, all readings made at `time`; nothing if the face is not tracked
+  /// (isTracked()): the person was not seen in this cycle.
+  boost::optional<KV::PersonObservation> observe(const Face& face, ko::SystemClock::time_point time) const;
+
+  /// Tells whether a face of this confidence counts: it is at least minimalConfidence; NaN is not.
+  bool isTracked(float confidence) const;
+
+  /// Returns the readings of a face, whatever its confidence.
+  ///
+  /// - headPosture, gaze: of the pose; relative to the line from the face to the camera if the position is known and
+  ///   lineOfSight is on, with left and right exchanged if the image is mirrored.
+  /// - distance [m]: to the camera. headHeight [m]: cameraHeight less how far the face is below the camera.
+  /// - smile: action units by their table; else blendshapes by theirs.
+  /// - expressions: emotions by their table, else action units, else blendshapes. Of a table the expressions whose
+  ///   scores are unknown get confidence 0.
+  /// - facialPoints: those of the landmarks that are known.
+  FaceReadings read(const Face& face) const;
+
+  /// Return which scores the tables read, each once: "AU06", "mouthSmileLeft", "happy". All others are passed over.
+  /// @{
+  const std::vector<std::string>& actionUnitNames() const;
+  const std::vector<std::string>& blendshapeNames() const;
+  const std::vector<std::string>& emotionNames() const;
+  /// @}
+
+  std::shared_ptr<const FaceAdapterPrivate> _p;  ///< the shared record, for the library's own components
+};
+
+}  // namespace KV::recordings

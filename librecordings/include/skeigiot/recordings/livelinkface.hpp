@@ -1,0 +1,33 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/face.hpp>
+
+#include <limits>
+#include <optional>
+
+namespace KV::recordings
+{
+
+/// One face as Live Link Face tells it: the blendshapes of ARKit, and angles in radians. A group with a number that is
+/// not finite counts as missing.
+struct SKEIGIOT_API LiveLinkFace
+{
+  static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+
+  std::optional<Blendshapes> blendshapes;
+
+  double headYaw = unknown;    ///< [rad] to the person's own right; if all three are 0, they were not streamed
+  double headPitch = unknown;  ///< [rad] down
+  double headRoll = unknown;   ///< [rad] to the own right shoulder
+
+  double leftEyeYaw = unknown;     ///< [rad] to the own right, in the head
+  double rightEyeYaw = unknown;    ///< [rad] likewise
+  double leftEyePitch = unknown;   ///< [rad] down, in the head
+  double rightEyePitch = unknown;  ///< [rad] likewise
+};
+
+/// Returns the face in the units and signs of the library; without angles of the eyes its blendshapes tell the gaze.
+SKEIGIOT_API Face faceOf(const LiveLinkFace& told);
+
+}  // namespace KV::recordings

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/facereadings.hpp>
+#include <skeigiot/recordings/rosactionunits.hpp>
+#include <skeigiot/recordings/rosexpression.hpp>
+#include <skeigiot/recordings/roslandmarks.hpp>
+
+/// \file
+/// What single messages of ROS4HRI tell of a face. The pose comes from transforms: RosFace.
+
+namespace KV::recordings
+{
+
+/// Returns the expressions by their name, or else by the valence; no reading if neither says anything.
+SKEIGIOT_API FaceReadings readingsOf(const RosExpression& expression);
+
+/// Returns smile and expressions. Their confidence is the mean of those of the action units that the adapter's table
+/// needs and that are known.
+SKEIGIOT_API FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter);
+
+/// Returns the facial points in pixels, each with its own confidence. They are not exchanged in a mirror image.
+SKEIGIOT_API FaceReadings readingsOf(const RosLandmarks& landmarks);
+
+}  // namespace KV::recordings

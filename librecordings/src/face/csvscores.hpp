@@ -1,0 +1,26 @@
+#pragma once
+
+#include "csv/csvnumbers.hpp"
+
+#include <skeigiot/recordings/faceadapter.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// Where a table has the scores that an adapter reads, in the order of their names.
+using ScoreColumns = std::vector<std::optional<std::size_t>>;
+
+/// Read the scores of a row; `columns` are those of the names that the adapter asks for. What has no column is unknown.
+///
+/// \throws BadLine if a field holds no number.
+/// @{
+ActionUnits readActionUnits(const CsvNumbers& numbers, const ScoreColumns& columns, const FaceAdapter& adapter);
+Blendshapes readBlendshapes(const CsvNumbers& numbers, const ScoreColumns& columns, const FaceAdapter& adapter);
+EmotionScores readEmotions(const CsvNumbers& numbers, const ScoreColumns& columns, const FaceAdapter& adapter);
+/// @}
+
+}  // namespace KV::recordings

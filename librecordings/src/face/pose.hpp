@@ -1,0 +1,14 @@
+#pragma once
+
+#include <skeigiot/recordings/facepose.hpp>
+#include <skeigiot/recordings/facereadings.hpp>
+#include <skeigiot/recordings/recording.hpp>
+
+namespace KV::recordings
+{
+
+/// Sets head posture, gaze, distance and head height, as the options want them: relative to the line of sight or not,
+/// mirrored or not.
+void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions& options);
+
+}  // namespace KV::recordings

@@ -1,0 +1,28 @@
+#include <skeigiot/recordings/rosface.hpp>
+
+#include "ros4hri/rosangles.hpp"
+
+#include <cmath>
+#include <stdexcept>
+
+namespace KV::recordings
+{
+
+Face faceOf(const RosFace& told)
+{
+  const auto& [x, y, z] = told.translation;
+  const auto rotation = Rotation::fromQuaternion(told.rotation);
+  if (!rotation || !std::isfinite(x + y + z))
+    throw std::invalid_argument("The pose of the face has a number that is not finite, or its rotation is 0.");
+  Face face;
+  face.pose = poseOf({*rotation, told.translation});
+  if (!told.gazeRotation)
+    return face;
+  const auto gaze = Rotation::fromQuaternion(*told.gazeRotation);
+  if (!gaze)
+    throw std::invalid_argument("The rotation of the gaze has a number that is not finite, or is 0.");
+  face.pose.gaze = gazeOf({*gaze, {}});
+  return face;
+}
+
+}  // namespace KV::recordings
