@@ -171,11 +171,11 @@ py::dict dictOf(ReplayOutcome& outcome)
 }
 
 /// The arrays of a frame must stay as they are for as long as it is used.
-Frame frameFrom(const py::tuple& source)
+KV::recordings::Table frameFrom(const py::tuple& source)
 {
   using Numbers = py::array_t<double, py::array::c_style>;
   using Moments = py::array_t<std::int64_t, py::array::c_style>;
-  Frame frame;
+  KV::recordings::Table frame;
   frame.name = source[0].cast<std::string>();
   frame.rows = source[1].cast<std::size_t>();
   if (!source[2].is_none())
@@ -183,7 +183,7 @@ Frame frameFrom(const py::tuple& source)
   for (const py::handle column : source[3].cast<py::list>())
   {
     const auto pair = column.cast<py::tuple>();
-    FrameColumn& added = frame.columns.emplace_back();
+    KV::recordings::TableColumn& added = frame.columns.emplace_back();
     added.name = pair[0].cast<std::string>();
     if (py::isinstance<Numbers>(pair[1]))
       added.numbers = pair[1].cast<Numbers>().data();
@@ -261,7 +261,7 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
       request.session.inputs.push_back({input[0].cast<std::string>(), offset});
       continue;
     }
-    Frame frame = frameFrom(input[0].cast<py::tuple>());
+    KV::recordings::Table frame = frameFrom(input[0].cast<py::tuple>());
     request.session.inputs.push_back({frame.name, offset});
     request.frames.emplace(frame.name, std::move(frame));
   }

@@ -2,7 +2,6 @@
 
 #include "silencedlog.hpp"
 
-#include <skeigiot/recordings/tidyreader.hpp>
 #include <skeigiot/session/player.hpp>
 
 #include <memory>
@@ -20,7 +19,7 @@ std::unique_ptr<KV::recordings::Reader> open(const ReplayRequest& request)
                                   [&request](const std::string& path) -> std::unique_ptr<KV::recordings::Reader> {
                                     const auto frame = request.frames.find(path);
                                     if (frame != request.frames.end())
-                                      return std::make_unique<KV::recordings::TidyReader>(tableOf(frame->second));
+                                      return KV::recordings::openTable(frame->second);
                                     return KV::recordings::openRecording(path, request.format, request.reading);
                                   });
 }

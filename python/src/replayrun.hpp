@@ -1,8 +1,8 @@
 #pragma once
 
-#include "frame.hpp"
 #include "replayrecord.hpp"
 
+#include <skeigiot/recordings/table.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -21,8 +21,8 @@ namespace binding
 struct ReplayRequest
 {
   KV::session::SessionInputs session;
-  std::map<std::string, Frame> frames;  ///< by their names in the session; all others are paths
-  std::string format;                   ///< of the files; empty: found out
+  std::map<std::string, KV::recordings::Table> frames;  ///< by their names in the session; all others are paths
+  std::string format;                                   ///< of the files; empty: found out
   KV::recordings::ReadingOptions reading;
   bool skipBad = false;
   bool explain = false;

@@ -11,7 +11,7 @@
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/recording.hpp>
-#include <skeigiot/recordings/tidyreader.hpp>
+#include "tidy/tidyreader.hpp"
 
 #include <algorithm>
 #include <filesystem>

@@ -99,11 +99,12 @@ bool PyFeatConvention::isContradictedBy(const PyFeatAngles& angles) const
 
 std::string PyFeatConvention::describeRotation() const
 {
-  const std::string found = _given.degrees       ? " as given"
+  const std::string found = _given.degrees             ? " as given"
                             : _units.rotationInDegrees ? ", since one of the first rows is beyond 3.2"
-                                                 : ", since none of the first rows is beyond 3.2";
+                                                       : ", since none of the first rows is beyond 3.2";
   return "angles in " + std::string(_units.rotationInDegrees ? "degrees" : "radians") + found + ", Pitch " +
-         (_units.pitchIsUp ? "up" : "down") + " (" + _pitchReason + "), Yaw to the own right, Roll to the own right shoulder";
+         (_units.pitchIsUp ? "up" : "down") + " (" + _pitchReason +
+         "), Yaw to the own right, Roll to the own right shoulder";
 }
 
 std::string PyFeatConvention::describeGaze() const

@@ -52,8 +52,7 @@ Transform transformOf(const RosTransform& told)
 
 }  // namespace
 
-RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons)
-  : _adapter(options), _persons(persons)
+RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons) : _adapter(options), _persons(persons)
 {}
 
 void RosbagCycles::advance(TimePoint time)

@@ -3,7 +3,7 @@
 #include "csv/csvnumbers.hpp"
 #include "csv/csvrows.hpp"
 
-#include <skeigiot/recordings/tidytable.hpp>
+#include "tidy/tidytable.hpp"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include <skeigiot/recordings/tidyreader.hpp>
+#include "tidy/tidyreader.hpp"
 
 #include "recording/recordingclock.hpp"
 

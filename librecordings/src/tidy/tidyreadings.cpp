@@ -1,4 +1,4 @@
-#include <skeigiot/recordings/tidyreadings.hpp>
+#include "tidy/tidyreadings.hpp"
 
 #include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>

@@ -1,4 +1,4 @@
-#include <skeigiot/recordings/tidytable.hpp>
+#include "tidy/tidytable.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
 

@@ -1,10 +1,16 @@
 #include "face/personsinview.hpp"
+#include "librecordings/bits.hpp"
 #include "librecordings/rosbag2/bagwriter.hpp"
 #include "librecordings/support.hpp"
+
+#include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/rosface.hpp>
+#include <skeigiot/recordings/rosreadings.hpp>
 
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <optional>
 
@@ -123,6 +129,39 @@ TEST_F(RosbagReaderTest, ExchangesLeftAndRightOfAMirrorImage)
   EXPECT_NEAR(10.f, head.pitch(), rounding);
   EXPECT_NEAR(-5.f, head.roll(), rounding);
   EXPECT_THAT(contents.description.front(), HasSubstr(", mirrored"));
+}
+
+// The same numbers, once as messages in a bag and once by hand.
+TEST_F(RosbagReaderTest, TellsToTheLastBitWhatTheAdapterMakesOfTheSameMessages)
+{
+  const FrameMessage face = faceFrame("a", {0.31, -0.17, 1.93}, 20., 10., 5.);
+  const FrameMessage gaze = {
+      "camera_optical", "gaze_a", {}, product(turned(171., {0., 1., 0.}), turned(3., {1., 0., 0.}))};
+  const KV::recordings::RosFace told{face.translation, face.rotation, gaze.rotation};
+  const KV::recordings::RosExpression expression{"", -0.37f, 0.2f, 0.81f};
+  for (const bool mirrored : {false, true})
+  {
+    begin += 1000000000;
+    bag().add(0., "/tf", tfMessage({face, gaze}));
+    bag().add(0.002, "/humans/faces/a/expression",
+              expressionMessage(expression.expression, expression.valence, expression.confidence));
+    bag().add(0.1, "/tf", tfMessage({face, gaze}));
+    KV::recordings::ReadingOptions options;
+    options.mirrored = mirrored;
+    options.cameraHeight = 1.21f;
+    const auto entries = read(options).entries;
+    ASSERT_EQ(2u, entries.size());
+
+    const KV::recordings::FaceAdapter adapter(options);
+    KV::recordings::Step adapted = entries[0];
+    adapted.observation = adapter.observe(faceOf(told), timeOf(begin)).value();
+    adapted.observation.expressions = readingsOf(expression).observedAt(timeOf(begin + 2000000)).expressions;
+    EXPECT_EQ(Bits::of(adapted), Bits::of(entries[0]));
+    adapted = entries[1];
+    adapted.observation = adapter.observe(faceOf(told), timeOf(begin + 100000000)).value();
+    EXPECT_EQ(Bits::of(adapted), Bits::of(entries[1]));
+    std::filesystem::remove(path());
+  }
 }
 
 // The eyes turn against the head: about the y of the gaze, which points down, to the own right.

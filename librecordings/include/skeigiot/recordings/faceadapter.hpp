@@ -2,9 +2,10 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/personobservation.hpp>
+#include <skeigiot/recordings/error.hpp>
 #include <skeigiot/recordings/face.hpp>
 #include <skeigiot/recordings/facereadings.hpp>
-#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/readingoptions.hpp>
 
 #include <ko/systemclock.hpp>
 
@@ -19,8 +20,8 @@ namespace KV::recordings
 
 struct FaceAdapterPrivate;
 
-/// Makes readings of what a front end tells of a face. All readers of recordings go through it: a live program that uses
-/// it gets the same readings as a recording of the same numbers, to the last bit.
+/// Makes readings of what a front end tells of a face. All readers of recordings go through it: a live program that
+/// uses it gets the same readings as a recording of the same numbers, to the last bit.
 ///
 /// Of the options it reads the mapping, mirrored, lineOfSight, cameraHeight, minimalConfidence and actionUnitFullScale.
 /// Copies share the record, which never changes.
@@ -53,7 +54,7 @@ public:
   /// - facialPoints: those of the landmarks that are known.
   FaceReadings read(const Face& face) const;
 
-  /// Return which scores the tables read, each once: "AU06", "mouthSmileLeft", "happy". All others are passed over.
+  /// Return which scores the tables read, such as "AU06", "mouthSmileLeft", "happy". All others are passed over.
   /// @{
   const std::vector<std::string>& actionUnitNames() const;
   const std::vector<std::string>& blendshapeNames() const;

@@ -9,8 +9,8 @@
 namespace KV::recordings
 {
 
-/// The usual 68 landmarks of a face, from 0: the jaw from the person's own right ear to the left one, brows, nose, eyes,
-/// mouth.
+/// The usual 68 landmarks of a face, from 0: the jaw from the person's own right ear to the left one, brows, nose,
+/// eyes, mouth.
 struct SKEIGIOT_API FaceLandmarks
 {
   static constexpr std::size_t count = 68;

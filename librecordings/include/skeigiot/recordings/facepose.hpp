@@ -16,10 +16,11 @@ namespace KV::recordings
 /// plane has 0 / 0 / 0, wherever it is. FaceAdapter makes angles of them that count from the line of sight.
 struct SKEIGIOT_API FacePose
 {
-  std::optional<FacePosition> position;        ///< every number finite, and not all 0; leave it out where it is unknown
-  double positionUnitsPerMetre = 1.0;          ///< 1 for metres, 100 for centimetres, 1000 for millimetres
-  std::optional<KV::HeadPosture> headPosture;  ///< yaw to the person's own right, pitch up, roll to the own right shoulder
-  std::optional<KV::Gaze> gaze;                ///< of the eyes in space: yaw to the person's own left, pitch up
+  std::optional<FacePosition> position;  ///< every number finite, and not all 0; leave it out where it is unknown
+  double positionUnitsPerMetre = 1.0;    ///< 1 for metres, 100 for centimetres, 1000 for millimetres
+  std::optional<KV::HeadPosture>
+      headPosture;               ///< yaw to the person's own right, pitch up, roll to the own right shoulder
+  std::optional<KV::Gaze> gaze;  ///< of the eyes in space: yaw to the person's own left, pitch up
 };
 
 }  // namespace KV::recordings

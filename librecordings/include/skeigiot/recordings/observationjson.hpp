@@ -1,7 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
-#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/step.hpp>
 
 #include <boost/optional/optional.hpp>
 

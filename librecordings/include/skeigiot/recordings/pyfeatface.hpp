@@ -19,7 +19,7 @@ struct SKEIGIOT_API PyFeatFace
   std::optional<std::array<double, 2>> gaze;      ///< gaze_pitch, gaze_yaw
   std::optional<ActionUnits> actionUnits;         ///< AU01 to AU43: shares, whatever their full scale says
   std::optional<EmotionScores> emotions;
-  std::optional<FaceLandmarks> landmarks;         ///< [pixels] x_0, y_0 to x_67, y_67
+  std::optional<FaceLandmarks> landmarks;  ///< [pixels] x_0, y_0 to x_67, y_67
 };
 
 /// Returns the face in the units and signs of the library.

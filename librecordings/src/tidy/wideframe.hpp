@@ -1,13 +1,13 @@
 #pragma once
 
-#include "frametable.hpp"
+#include "tidy/frametable.hpp"
 
 #include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
 
-namespace binding
+namespace KV::recordings
 {
 
 /// A frame with a column for each value, whose rows are taken apart into readings.
@@ -15,16 +15,16 @@ class WideFrame : public FrameTable
 {
 public:
   /// \throws Error if the frame has no times, or no readings.
-  explicit WideFrame(const Frame& frame);
+  explicit WideFrame(const Table& frame);
 
   bool next() override;
-  bool hasColumn(KV::recordings::TidyColumn column) const override;
-  bool has(KV::recordings::TidyColumn column) const override;
-  std::string text(KV::recordings::TidyColumn column) const override;
+  bool hasColumn(TidyColumn column) const override;
+  bool has(TidyColumn column) const override;
+  std::string text(TidyColumn column) const override;
 
 protected:
-  const FrameColumn* field(KV::recordings::TidyColumn column) const override;
-  std::string nameOfField(KV::recordings::TidyColumn column) const override;
+  const TableColumn* field(TidyColumn column) const override;
+  std::string nameOfField(TidyColumn column) const override;
 
 private:
   /// The columns of a reading.
@@ -32,22 +32,22 @@ private:
   {
     std::string name;
     bool ofPerson = true;
-    std::array<const FrameColumn*, KV::recordings::tidyColumnCount> fields{};
+    std::array<const TableColumn*, tidyColumnCount> fields{};
   };
 
-  bool _take(const FrameColumn& column);
-  bool _takeAs(const std::string& reading, KV::recordings::TidyColumn field, const FrameColumn& column);
+  bool _take(const TableColumn& column);
+  bool _takeAs(const std::string& reading, TidyColumn field, const TableColumn& column);
   bool _isThere(const Reading& reading) const;
   bool _hasSilentPerson() const { return _person ? isFilled(*_person) && !_saidOfPerson : !_saidAnything; }
   bool _saysOnlySeen() const { return _at == _readings.size(); }
 
   std::vector<Reading> _readings;
-  const FrameColumn* _time = nullptr;
-  const FrameColumn* _person = nullptr;
+  const TableColumn* _time = nullptr;
+  const TableColumn* _person = nullptr;
   bool _begun = false;
   std::size_t _at = 0;         // which reading of the row; behind the last: that the person was seen
   bool _saidAnything = false;  // of this row
   bool _saidOfPerson = false;
 };
 
-}  // namespace binding
+}  // namespace KV::recordings

@@ -1,4 +1,4 @@
-#include "frametable.hpp"
+#include "tidy/frametable.hpp"
 
 #include <skeigiot/recordings/limits.hpp>
 
@@ -8,13 +8,11 @@
 #include <cmath>
 #include <limits>
 
-namespace binding
+namespace KV::recordings
 {
-
 namespace
 {
-
-using Column = KV::recordings::TidyColumn;
+using Column = TidyColumn;
 
 std::string textOf(double number)
 {
@@ -35,32 +33,32 @@ double numberIn(std::string_view text)
 
 }  // namespace
 
-FrameTable::FrameTable(const Frame& frame) : _frame(frame)
+FrameTable::FrameTable(const Table& frame) : _frame(frame)
 {
-  const auto isTime = [](const FrameColumn& column) { return column.name == nameOf(Column::Time); };
+  const auto isTime = [](const TableColumn& column) { return column.name == nameOf(Column::Time); };
   if (!_frame.moments && std::none_of(_frame.columns.begin(), _frame.columns.end(), isTime))
-    throw KV::recordings::Error({_frame.name, 0, {}}, "there is no column time");
+    throw Error({_frame.name, 0, {}}, "there is no column time");
 }
 
 bool FrameTable::has(Column column) const
 {
   if (column == Column::Time && _frame.moments)
     return true;
-  const FrameColumn* const source = field(column);
+  const TableColumn* const source = field(column);
   return source && isFilled(*source);
 }
 
 std::string FrameTable::text(Column column) const
 {
-  const FrameColumn& source = *field(column);
+  const TableColumn& source = *field(column);
   return source.numbers ? textOf(source.numbers[_row]) : source.texts[_row];
 }
 
 double FrameTable::number(Column column) const
 {
-  const FrameColumn& source = *field(column);
+  const TableColumn& source = *field(column);
   const double value = source.numbers ? source.numbers[_row] : numberIn(source.texts[_row]);
-  if (!(std::abs(value) <= KV::recordings::greatestMeasurement))
+  if (!(std::abs(value) <= greatestMeasurement))
     refuseValue(column, "a number");
   return value;
 }
@@ -76,7 +74,7 @@ std::int64_t FrameTable::wholeNumber(Column column, double least, double greates
 double FrameTable::seconds(Column column) const
 {
   const double value = number(column);
-  if (value < KV::recordings::earliestTimestamp || value > KV::recordings::latestTimestamp)
+  if (value < earliestTimestamp || value > latestTimestamp)
     refuseValue(column, "seconds, from the start of the recording or since 1970");
   return value;
 }
@@ -88,12 +86,12 @@ std::optional<ko::SystemClock::time_point> FrameTable::moment() const
   return ko::SystemClock::time_point(ko::SystemClock::duration(_frame.moments[_row]));
 }
 
-KV::recordings::Error::Place FrameTable::placeOf(Column column) const
+Error::Place FrameTable::placeOf(Column column) const
 {
   return {place().file, 0, nameOfField(column)};
 }
 
-KV::recordings::Error::Place FrameTable::place() const
+Error::Place FrameTable::place() const
 {
   return {_frame.name + ", row " + std::to_string(_row), 0, {}};
 }
@@ -103,14 +101,14 @@ double FrameTable::progress() const
   return _frame.rows == 0 ? 1. : static_cast<double>(_row) / static_cast<double>(_frame.rows);
 }
 
-void FrameTable::note(const FrameColumn& column, bool isRead)
+void FrameTable::note(const TableColumn& column, bool isRead)
 {
   (isRead ? _columns.used : _columns.ignored).push_back(column.name);
 }
 
-bool FrameTable::isFilled(const FrameColumn& column) const
+bool FrameTable::isFilled(const TableColumn& column) const
 {
-  return column.numbers ? !std::isnan(column.numbers[_row]) : !KV::recordings::isEmptyField(column.texts[_row]);
+  return column.numbers ? !std::isnan(column.numbers[_row]) : !isEmptyField(column.texts[_row]);
 }
 
-}  // namespace binding
+}  // namespace KV::recordings

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
-#include <skeigiot/recordings/tidyreadings.hpp>
-#include <skeigiot/recordings/tidytable.hpp>
+#include "tidy/tidyreadings.hpp"
+#include "tidy/tidytable.hpp"
 
 #include <ko/systemclock.hpp>
 
@@ -23,7 +22,7 @@ namespace KV::recordings
 /// Reads a table with one reading in each row, see docs/recording-format.md.
 ///
 /// The rows of one time and person are one step; scopes start before the first step of a time and stop after the last.
-class SKEIGIOT_API TidyReader : public Reader
+class TidyReader : public Reader
 {
 public:
   /// Reads the first row.

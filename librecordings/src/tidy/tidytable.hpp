@@ -1,6 +1,5 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <ko/systemclock.hpp>
@@ -34,17 +33,17 @@ enum class TidyColumn : std::size_t
 
 constexpr std::size_t tidyColumnCount = 13;
 
-SKEIGIOT_API const char* nameOf(TidyColumn column);
+const char* nameOf(TidyColumn column);
 
 /// Returns the column with this name, if there is one.
-SKEIGIOT_API std::optional<TidyColumn> tidyColumnNamed(std::string_view name);
+std::optional<TidyColumn> tidyColumnNamed(std::string_view name);
 
 /// Tells whether a text stands for no value.
-SKEIGIOT_API bool isEmptyField(std::string_view field);
+bool isEmptyField(std::string_view field);
 
 /// A table with one reading in each row, wherever it comes from. Columns of it stand for the fields of the row that it
 /// stands on.
-class SKEIGIOT_API TidyTable
+class TidyTable
 {
 public:
   TidyTable() = default;

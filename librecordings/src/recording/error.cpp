@@ -1,4 +1,4 @@
-#include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/error.hpp>
 
 namespace KV::recordings
 {

@@ -1,29 +1,27 @@
-#include "wideframe.hpp"
+#include "tidy/wideframe.hpp"
 
-#include <skeigiot/recordings/tidyreadings.hpp>
+#include "tidy/tidyreadings.hpp"
 
 #include <algorithm>
 #include <utility>
 
-namespace binding
+namespace KV::recordings
 {
-
 namespace
 {
-
-using Column = KV::recordings::TidyColumn;
+using Column = TidyColumn;
 
 const char* const seen = "seen";  // the reading that a row without readings is
 
 }  // namespace
 
-WideFrame::WideFrame(const Frame& frame) : FrameTable(frame)
+WideFrame::WideFrame(const Table& frame) : FrameTable(frame)
 {
-  for (const FrameColumn& column : frameColumns())
+  for (const TableColumn& column : frameColumns())
     note(column, _take(column));
   if (_readings.empty())
-    throw KV::recordings::Error(
-        {frame.name, 0, {}}, "no column is a reading, such as 'smile', 'gaze.yaw' and 'gaze.pitch', 'expressions.joy'");
+    throw Error({frame.name, 0, {}},
+                "no column is a reading, such as 'smile', 'gaze.yaw' and 'gaze.pitch', 'expressions.joy'");
 }
 
 bool WideFrame::next()
@@ -64,7 +62,7 @@ std::string WideFrame::text(Column column) const
   return column == Column::Value && _saysOnlySeen() ? "true" : FrameTable::text(column);
 }
 
-const FrameColumn* WideFrame::field(Column column) const
+const TableColumn* WideFrame::field(Column column) const
 {
   if (column == Column::Time)
     return _time;
@@ -75,19 +73,19 @@ const FrameColumn* WideFrame::field(Column column) const
 
 std::string WideFrame::nameOfField(Column column) const
 {
-  const FrameColumn* const source = field(column);
+  const TableColumn* const source = field(column);
   if (source)
     return source->name;
   if (column == Column::Reading)
     return text(column);
   const bool isOfRow = column == Column::Time || column == Column::Person;
-  return isOfRow ? KV::recordings::nameOf(column) : text(Column::Reading) + "." + KV::recordings::nameOf(column);
+  return isOfRow ? nameOf(column) : text(Column::Reading) + "." + nameOf(column);
 }
 
-bool WideFrame::_take(const FrameColumn& column)
+bool WideFrame::_take(const TableColumn& column)
 {
   for (const auto& [name, target] : {std::make_pair(Column::Time, &_time), std::make_pair(Column::Person, &_person)})
-    if (column.name == KV::recordings::nameOf(name))
+    if (column.name == nameOf(name))
     {
       *target = &column;
       return true;
@@ -95,15 +93,14 @@ bool WideFrame::_take(const FrameColumn& column)
   if (_takeAs(column.name, Column::Value, column))
     return true;
   const std::size_t dot = column.name.rfind('.');
-  const auto field =
-      dot == std::string::npos ? std::nullopt : KV::recordings::tidyColumnNamed(column.name.substr(dot + 1));
+  const auto field = dot == std::string::npos ? std::nullopt : tidyColumnNamed(column.name.substr(dot + 1));
   return field && *field != Column::Value && _takeAs(column.name.substr(0, dot), *field, column);
 }
 
 /// Tells whether there is such a reading, and it has the field.
-bool WideFrame::_takeAs(const std::string& reading, Column field, const FrameColumn& column)
+bool WideFrame::_takeAs(const std::string& reading, Column field, const TableColumn& column)
 {
-  const auto known = KV::recordings::tidyReadingNamed(reading);
+  const auto known = tidyReadingNamed(reading);
   if (!known)
     return false;
   const auto contains = [field](const std::vector<Column>& fields) {
@@ -128,4 +125,4 @@ bool WideFrame::_isThere(const Reading& reading) const
   return false;
 }
 
-}  // namespace binding
+}  // namespace KV::recordings

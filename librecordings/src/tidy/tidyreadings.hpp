@@ -1,8 +1,7 @@
 #pragma once
 
-#include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
-#include <skeigiot/recordings/tidytable.hpp>
+#include "tidy/tidytable.hpp"
 
 #include <ko/systemclock.hpp>
 
@@ -15,7 +14,7 @@ namespace KV::recordings
 {
 
 /// What a reading consists of.
-struct SKEIGIOT_API TidyReading
+struct TidyReading
 {
   std::vector<TidyColumn> needed;
   std::vector<TidyColumn> optional;  ///< besides the confidence, which any may have
@@ -23,10 +22,10 @@ struct SKEIGIOT_API TidyReading
 };
 
 /// Returns the reading with this name, if there is one.
-SKEIGIOT_API std::optional<TidyReading> tidyReadingNamed(const std::string& name);
+std::optional<TidyReading> tidyReadingNamed(const std::string& name);
 
 /// Where the row of a table belongs.
-struct SKEIGIOT_API TidyRow
+struct TidyRow
 {
   double seconds = 0.;                                ///< from the start or since 1970, as the table counts
   std::optional<ko::SystemClock::time_point> moment;  ///< the time, if the table has it; then the seconds are none
@@ -37,13 +36,13 @@ struct SKEIGIOT_API TidyRow
 /// Reads where the row belongs that the table stands on.
 ///
 /// \throws BadLine if time or person is none, or there is no such reading.
-SKEIGIOT_API TidyRow readTidyRow(const TidyTable& table);
+TidyRow readTidyRow(const TidyTable& table);
 
 /// Adds what the row says of the reading `name` to its step; returns false if the fields that the reading needs are all
 /// empty: it is unknown.
 ///
 /// \throws BadLine if one of these fields is missing, holds something else than wanted, or a field is filled that the
 ///   reading does not have. The step is as it was then.
-SKEIGIOT_API bool addTidyReading(const TidyTable& table, const std::string& name, Step& step);
+bool addTidyReading(const TidyTable& table, const std::string& name, Step& step);
 
 }  // namespace KV::recordings

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/reader.hpp>
+#include <skeigiot/recordings/readingoptions.hpp>
+
+#include <memory>
+#include <string>
+
+namespace KV::recordings
+{
+
+/// One format of recordings.
+struct SKEIGIOT_API Format
+{
+  std::string name;         ///< as --format takes it
+  std::string description;  ///< one line for the help
+
+  /// Tells from the first bytes of the file (decompressed) whether it is of this format.
+  bool (*detect)(const std::string& head);
+
+  /// Opens the file.
+  ///
+  /// \throws Error if it cannot be read.
+  std::unique_ptr<Reader> (*open)(const std::string& path, const ReadingOptions& options);
+};
+
+}  // namespace KV::recordings

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/columns.hpp>
+#include <skeigiot/recordings/step.hpp>
+
+#include <boost/optional/optional.hpp>
+
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// Reads one recording, step by step and in constant memory.
+class SKEIGIOT_API Reader
+{
+public:
+  virtual ~Reader() = default;
+
+  /// Returns the next step, or nothing at the end.
+  ///
+  /// \throws BadLine for a line that cannot be used; the next call goes on behind it.
+  /// \throws Error where the rest of the file cannot be used either.
+  virtual boost::optional<Step> next() = 0;
+
+  /// Says in two lines how signs, units and rate are read, so that a wrong guess is seen.
+  virtual std::vector<std::string> describe() const = 0;
+
+  /// Returns the warnings that came up since the last call.
+  virtual std::vector<std::string> takeWarnings() { return {}; }
+
+  /// Returns which columns are read; nothing if there are none, or the format does not tell.
+  virtual Columns columns() const { return {}; }
+
+  /// Returns how far the file was read, in [0, 1].
+  virtual double progress() const = 0;
+};
+
+}  // namespace KV::recordings

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace KV::recordings
+{
+
+/// The start of a scope: a named stretch of a recording that is judged when it ends.
+struct SKEIGIOT_API ScopeStart
+{
+  std::string name;
+  std::int32_t samples = -1;  ///< how many updates of each person it takes; negative is without limit
+};
+
+}  // namespace KV::recordings

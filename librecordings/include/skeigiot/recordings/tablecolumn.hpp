@@ -1,0 +1,19 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// One column of a table in memory: numbers, of which NaN is none, or texts, of which the empty one is none.
+struct SKEIGIOT_API TableColumn
+{
+  std::string name;
+  const double* numbers = nullptr;  ///< as many as the table has rows, kept alive by whoever made them; null: texts
+  std::vector<std::string> texts;   ///< as many as the table has rows, where there are no numbers
+};
+
+}  // namespace KV::recordings

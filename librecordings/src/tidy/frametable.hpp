@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tidy/tidytable.hpp"
+
+#include <skeigiot/recordings/table.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace KV::recordings
+{
+
+/// What both forms of frames have in common: where the fields of a row are is for them to say.
+class FrameTable : public TidyTable
+{
+public:
+  bool has(TidyColumn column) const override;
+  std::string text(TidyColumn column) const override;
+  double number(TidyColumn column) const override;
+  std::int64_t wholeNumber(TidyColumn column, double least, double greatest) const override;
+  double seconds(TidyColumn column) const override;
+  std::optional<ko::SystemClock::time_point> moment() const override;
+  Error::Place placeOf(TidyColumn column) const override;
+  Error::Place place() const override;
+  const Columns& columns() const override { return _columns; }
+  const char* kind() const override { return "Frame"; }
+  double progress() const override;
+
+protected:
+  /// \throws Error if the frame has no times.
+  explicit FrameTable(const Table& frame);
+
+  /// Returns the column that holds the field; null if there is none.
+  virtual const TableColumn* field(TidyColumn column) const = 0;
+
+  /// Returns what the frame calls the field, there or not.
+  virtual std::string nameOfField(TidyColumn column) const = 0;
+
+  const std::vector<TableColumn>& frameColumns() const { return _frame.columns; }
+
+  /// Notes whether the column is read.
+  void note(const TableColumn& column, bool isRead);
+
+  bool isFilled(const TableColumn& column) const;
+  bool isAtEnd() const { return _row == _frame.rows; }
+  void nextRow() { ++_row; }
+
+private:
+  const Table _frame;
+  Columns _columns;
+  std::size_t _row = 0;
+};
+
+}  // namespace KV::recordings

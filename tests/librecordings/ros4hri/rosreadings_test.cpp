@@ -1,0 +1,48 @@
+#include <skeigiot/recordings/rosreadings.hpp>
+
+#include <skeigiot/recordings/rosface.hpp>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace
+{
+using KV::recordings::FaceAdapter;
+using KV::recordings::RosActionUnits;
+
+// Joy needs action units 6 and 12; the others are unknown.
+TEST(RosReadings, TakeTheMeanConfidenceOfTheActionUnitsThatAreKnown)
+{
+  RosActionUnits units;
+  units.intensity[6] = 2.5f;
+  units.confidence[6] = 0.5f;
+  units.intensity[12] = 5.f;
+  units.confidence[12] = 1.f;
+  units.intensity[43] = 5.f;  // in no table
+  units.confidence[43] = 0.1f;
+  const auto readings = readingsOf(units, FaceAdapter());
+  EXPECT_FLOAT_EQ(1.f, readings.smile.value().value);
+  EXPECT_FLOAT_EQ(0.75f, readings.smile.value().confidence);
+  EXPECT_FLOAT_EQ(0.75f, readings.expressions.value().joy.value);
+  EXPECT_FLOAT_EQ(0.f, readings.expressions.value().sorrow.confidence);
+}
+
+TEST(RosReadings, TellNothingOfActionUnitsWithoutConfidence)
+{
+  RosActionUnits units;
+  units.intensity.fill(3.f);
+  EXPECT_TRUE(readingsOf(units, FaceAdapter()).empty());
+}
+
+TEST(RosReadings, RefuseAPoseWithoutARotation)
+{
+  KV::recordings::RosFace told;
+  told.rotation = {0., 0., 0., 0.};
+  EXPECT_THROW(static_cast<void>(faceOf(told)), std::invalid_argument);
+  told.rotation = {0., 0., 0., 1.};
+  told.gazeRotation = {{0., 0., 0., 0.}};
+  EXPECT_THROW(static_cast<void>(faceOf(told)), std::invalid_argument);
+}
+
+}  // namespace
