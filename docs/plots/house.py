@@ -84,12 +84,10 @@ HEADERS = {
     "skeigiot/session/exporter.hpp": "export",
     "skeigiot/session/exportfields.hpp": "session",
     "skeigiot/session/exportformat.hpp": "export",
-    "skeigiot/session/moment.hpp": "report",
     "skeigiot/session/orderedjobs.hpp": "session",
     "skeigiot/session/sessionobserver.hpp": "session",
     "skeigiot/session/snapshot.hpp": "session",
     "skeigiot/session/spanexplanation.hpp": "analysis",
-    "skeigiot/session/updateexport.hpp": "export",
 }
 
 CPP = (".cpp", ".hpp")

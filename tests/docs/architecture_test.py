@@ -31,7 +31,7 @@ PLANTED = [
     ("other_parts_are_seen_through_public_headers", "tools/main.cpp", '#include "csv/csvrows.hpp"', "librecordings"),
     ("other_parts_are_seen_through_public_headers", "python/src/state.cpp", "#include <personstateprivate.hpp>",
      "libemotion"),
-    ("other_parts_are_seen_through_public_headers", "libsession/src/live/stream.cpp", '#include "input/utf8.hpp"',
+    ("other_parts_are_seen_through_public_headers", "libsession/src/live/stream.cpp", '#include "input/jsonpieces.hpp"',
      "librecordings"),
     ("other_parts_are_seen_through_public_headers", "fuzz/calls.cpp", '#include "report/thinning.hpp"', "libsession"),
     ("other_parts_are_seen_through_public_headers", "examples/firststeps.cpp", '#include "clamp.hpp"', "libemotion"),
@@ -44,7 +44,7 @@ PLANTED = [
     ("includes_are_written_from_the_root", "librecordings/src/face/mapping.cpp", '#include "../csv/csvrows.hpp"', "csvrows"),
     ("includes_are_written_from_the_root", "tools/commands/replay.cpp", '#include "sessionreplay.hpp"', "sessionreplay"),
     ("includes_are_written_from_the_root", "tools/main.cpp", "#include <skeigiot/recordings/nowhere.hpp>", "nowhere"),
-    ("no_circles", "librecordings/src/recording/recording.cpp", '#include "csv/csvrows.hpp"', "librecordings/csv"),
+    ("no_circles", "librecordings/src/recording/mergedrecording.cpp", '#include "csv/csvrows.hpp"', "librecordings/csv"),
     ("no_circles", "librecordings/src/face/mapping.cpp", '#include "openface/openfacerows.hpp"', "librecordings/openface"),
     ("no_circles", "libsession/src/session/session.cpp", "#include <skeigiot/session/player.hpp>", "libsession/player"),
     ("no_circles", "libsession/include/skeigiot/session/wording.hpp", "#include <skeigiot/session/snapshot.hpp>",
@@ -101,8 +101,7 @@ class Architecture(unittest.TestCase):
 
     def test_an_exception_that_nothing_needs_is_found(self):
         for exceptions, rule in ((rules.OF_OTHER_PARTS, rules.parts_include_allowed_parts_only),
-                                 (rules.PRIVATE, rules.other_parts_are_seen_through_public_headers),
-                                 (rules.OF_PUBLIC_HEADERS, rules.public_headers_include_public_headers_only)):
+                                 (rules.PRIVATE, rules.other_parts_are_seen_through_public_headers)):
             for path, header in exceptions:
                 with self.subTest(path):
                     without = re.sub(rf'#include [<"]{re.escape(header)}[>"]', "", TREE[path])
