@@ -10,7 +10,7 @@ import architecturerules as rules
 from support import BUILD, ROOT
 
 import architecture
-from house import House, read
+from house import HEADERS, House, read
 
 TREE = read(ROOT)
 
@@ -113,6 +113,14 @@ class Architecture(unittest.TestCase):
             planted("librecordings/src/attic/old.cpp", "").rooms()
         with self.assertRaisesRegex(SystemExit, "skeigiot/session/new.hpp"):
             planted("libsession/include/skeigiot/session/new.hpp", "").rooms()
+
+    def test_rooms_are_told_of_headers_that_need_it_only(self):
+        for header in HEADERS:
+            with self.subTest(header):
+                path = next((path for path in TREE if path.endswith(f"/include/{header}")), None)
+                self.assertIsNotNone(path, "there is no such header")
+                sources = f"{architecture.part_of(path)}/src/.+/{PurePosixPath(path).stem}.cpp"
+                self.assertEqual([], [source for source in TREE if re.fullmatch(sources, source)])
 
 
 class IncludePaths(unittest.TestCase):
