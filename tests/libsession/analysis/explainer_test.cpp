@@ -56,9 +56,22 @@ TEST_F(ExplainerTest, NotesWhenEverybodyWasUpdated)
   EXPECT_EQ(inNanoseconds(0.), persons.at(1).last);
 }
 
+/// Hands on who was updated, and does not watch forces.
+class UpdatesOnly : public KV::session::SessionObserver
+{
+public:
+  explicit UpdatesOnly(KV::session::SessionObserver& target) : _target(target) {}
+
+  void personUpdated(const KV::session::Snapshot& snapshot) override { _target.personUpdated(snapshot); }
+
+private:
+  KV::session::SessionObserver& _target;
+};
+
 TEST_F(ExplainerTest, SeesNoForcesInASessionThatDoesNotWatchThem)
 {
-  Session session({}, {&explainer});
+  UpdatesOnly updates(explainer);
+  Session session({}, {&updates});
   session.play(seenAt(0., 1));
 
   ASSERT_EQ(1u, explanations.size());
@@ -74,7 +87,8 @@ TEST_F(ExplainerTest, SeesNothingMoreWhenItsSessionIsOver)
     session.play(seenAt(0., 1));
   }
   person.decreaseSinceNotSeen();
-  Session session({}, {&explainer});
+  UpdatesOnly updates(explainer);
+  Session session({}, {&updates});
   session.play(seenAt(1., 1));
 
   EXPECT_TRUE(explanations.back().forces.empty());

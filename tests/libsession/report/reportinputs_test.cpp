@@ -1,4 +1,4 @@
-#include <skeigiot/session/reportinputs.hpp>
+#include "report/reportinputs.hpp"
 
 #include <skeigiot/readings.hpp>
 
