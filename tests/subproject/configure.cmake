@@ -1,6 +1,6 @@
 # Makes a project that adds SKEIGIOT as a subproject, without and, with TOOLS, with the libraries of the command, and compiles
-# its programs. The libraries are not compiled once more, which takes minutes: the build of each program is only shown, which
-# fails if anything in it is missing.
+# its programs. The libraries are not compiled once more, which takes minutes: the commands that would link each program are
+# only shown.
 #
 # usage: cmake -D SKEIGIOT=... -D WORK=... -D EXAMPLE=... -D CONSUMER=... -D TOOLS=... -D CXX=... -P configure.cmake
 
@@ -13,15 +13,32 @@ function(run)
   set(output "${output}" PARENT_SCOPE)
 endfunction()
 
+# Compiles the program alone: a build of it would first compile the libraries, which takes minutes.
+function(compile build program)
+  file(READ ${build}/compile_commands.json commands)
+  string(JSON count LENGTH "${commands}")
+  math(EXPR last "${count} - 1")
+  foreach(i RANGE ${last})
+    string(JSON file GET "${commands}" ${i} file)
+    if(file MATCHES "/${program}\\.cpp$")
+      string(JSON command GET "${commands}" ${i} command)
+      file(MAKE_DIRECTORY ${build}/CMakeFiles/${program}.dir)
+      run(sh -c "cd '${build}' && ${command}")
+      return()
+    endif()
+  endforeach()
+  message(FATAL_ERROR "${program} would not be compiled")
+endfunction()
+
 # Configures the subproject with the options, and checks the programs.
 function(check folder options programs)
   set(build ${WORK}/${folder})
   run(${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR} -B ${build} -D SKEIGIOT=${SKEIGIOT} -D EXAMPLE=${EXAMPLE}
-      -D CONSUMER=${CONSUMER} -D CMAKE_CXX_COMPILER=${CXX} ${options})
+      -D CONSUMER=${CONSUMER} -D CMAKE_CXX_COMPILER=${CXX} -D CMAKE_EXPORT_COMPILE_COMMANDS=ON ${options})
   foreach(program IN LISTS programs)
-    run(${CMAKE_COMMAND} --build ${build} --target CMakeFiles/${program}.dir/${program}.cpp.o)
-    run(${CMAKE_COMMAND} --build ${build} --target ${program} -- -n)
-    if(NOT output MATCHES "Linking CXX executable ${program}")
+    compile(${build} ${program})
+    run(${CMAKE_COMMAND} --build ${build} --target ${program} -- -t commands ${program})
+    if(NOT output MATCHES "-o ${program} ")
       message(FATAL_ERROR "${program} would not be linked:\n${output}")
     endif()
   endforeach()

@@ -42,7 +42,7 @@ inline constexpr Scale pixels{"px", 0., 65535.};     ///< positions in an image
 
 /// A part that is a field of the value.
 template <typename Value, typename T>
-struct FieldPart
+struct FieldPart  // NOLINT(*-member-init): the guides below give it a name
 {
   const char* name;                 ///< as files call it
   T Value::*field;                  ///< where it is
@@ -61,7 +61,7 @@ FieldPart(const char*, T Value::*, Scale) -> FieldPart<Value, T>;
 
 /// A part that has operations of its own to get and set it.
 template <typename Value, typename T>
-struct PropertyPart
+struct PropertyPart  // NOLINT(*-member-init): the guides below give it a name
 {
   const char* name;                 ///< as files call it
   T (Value::*get)() const;          ///< how it is read

@@ -273,6 +273,22 @@ std::optional<TidyReading> tidyReadingNamed(const std::string& name)
   return TidyReading{found->second.needed, found->second.optional, found->second.ofPerson};
 }
 
+namespace
+{
+// Whether the reading is of a person, and not of the room or a scope.
+bool isOfPerson(const TidyTable& table, const std::string& reading)
+{
+  bool result = false;
+  const auto found = readings().find(reading);
+  if (found != readings().end())
+    result = found->second.ofPerson;
+  else
+    table.refuse(Column::Reading, "there is no reading " + quote(reading));
+  return result;
+}
+
+}  // namespace
+
 TidyRow readTidyRow(const TidyTable& table)
 {
   const Fields fields(table);
@@ -281,10 +297,7 @@ TidyRow readTidyRow(const TidyTable& table)
   if (!row.moment)
     row.seconds = fields.seconds(Column::Time);
   row.reading = fields.text(Column::Reading);
-  const auto reading = readings().find(row.reading);
-  if (reading == readings().end())
-    table.refuse(Column::Reading, "there is no reading " + quote(row.reading));
-  row.person = personOf(table, reading->second.ofPerson);
+  row.person = personOf(table, isOfPerson(table, row.reading));
   return row;
 }
 
