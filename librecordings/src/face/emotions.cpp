@@ -26,6 +26,7 @@ const std::vector<std::string>& emotionNames()
 {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> all;
+    all.reserve(emotions.size());
     for (const auto& [name, score] : emotions)
       all.emplace_back(name);
     return all;
