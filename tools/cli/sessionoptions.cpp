@@ -36,7 +36,7 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
 /// Says which option the message is about, or helps.
 std::string withOptions(const session::PlanError& error)
 {
-  const std::string message = error.what();
+  std::string message = error.what();
   switch (error.fault())
   {
     case session::PlanFault::FilesBesideFolders:
