@@ -418,6 +418,31 @@ TEST_F(ForceObserver, MayReadAndWriteTheMemoriesOfThePersonFromItsCallback)
   EXPECT_EQ(support::estimateOf(*unwatched.personState._p), support::estimateOf(*person.personState._p));
 }
 
+// Then there is no mean head posture that attention could follow.
+TEST_F(ForceObserver, MayLetTheHeadPosturesBeForgottenFromItsCallback)
+{
+  KV::PersonObservation observation;
+  observation.headPosture = KV::Timestamped(start, KV::HeadPosture(0.f, 0.f, 0.f));
+  person.update(observation);
+  KV::PersonMemoryPrivate& memory = *person.personMemory._p;
+  const float attention = person.personState.personAttention().value;
+  std::vector<std::string> sources;
+  {
+    const KV::ScopedForceObserver observer([&](const KV::Force& force) {
+      sources.emplace_back(force.source);
+      if (force.source != std::string("Body Language"))
+        return;
+      clock.advance(milliseconds(60000));
+      memory.headPostureMemory.record({start, KV::HeadPosture()});  // forgets what is too old: all of it
+    });
+    person.update(observation);
+  }
+
+  EXPECT_TRUE(memory.headPostureMemory.records().empty());
+  EXPECT_THAT(sources, testing::Contains("Body Language"));
+  EXPECT_EQ(attention, person.personState.personAttention().value);
+}
+
 // Speech pulls while the mutex of the remembered emotions is held.
 TEST_F(ForceObserver, LetsAnErrorOfItsCallbackThroughAndNoMutexLocked)
 {
