@@ -12,12 +12,24 @@
 namespace KV::recordings
 {
 
+/// Which front end a face comes from: their scores mean different things, and their faces rest differently.
+enum class FrontEnd
+{
+  Other,  ///< action units are taken as OpenFace's, blendshapes as MediaPipe's
+  OpenFace,
+  PyFeat,
+  MediaPipe,
+  LiveLink,  ///< ARKit's blendshapes
+  Ros4Hri
+};
+
 /// What a front end tells of one face in one frame, in the units of this library. Every part may be missing.
 ///
 /// For the units and signs of a front end itself there are structures of their own, and faceOf() makes a Face of them:
 /// OpenFaceFace, PyFeatFace, MediaPipeFace, LiveLinkFace, RosFace.
 struct SKEIGIOT_API Face
 {
+  FrontEnd frontEnd = FrontEnd::Other;
   float confidence = 1.f;                  ///< that this is a face and well tracked, in [0, 1]; above counts as 1
   FacePose pose;                           ///< without a gaze, the blendshapes of the eyes tell it where they are known
   std::optional<ActionUnits> actionUnits;  ///< they make smile and expressions
