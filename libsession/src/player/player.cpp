@@ -83,6 +83,7 @@ private:
     if (_session && !_outcome.stopped)
       _session->finish();
     _outcome.description = _reader.describe();
+    _outcome.learned = _reader.describeLearned();
     _outcome.columns = _reader.columns();
     _outcome.warnings = _reading.firstWarnings();
     _outcome.moreWarnings = _reading.moreWarnings();

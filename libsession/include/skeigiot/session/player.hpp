@@ -39,6 +39,7 @@ struct SKEIGIOT_API Outcome
   bool opened = false;                       ///< false: `error` says why not
   bool stopped = false;                      ///< the caller wanted no more of it
   std::vector<std::string> description;      ///< how signs, units and rate were read
+  std::vector<std::string> learned;          ///< what was learned of the faces at rest, see recordings::Reader
   recordings::Columns columns;               ///< which columns were read
   std::vector<std::string> warnings;         ///< of the reader, the first few
   std::size_t moreWarnings = 0;              ///< how many there were besides
