@@ -95,6 +95,7 @@ void addSessionOptions(CLI::App& command, Arguments& arguments)
       .add_flag("--separately", arguments.sessions.separately,
                 "Replay each file in a session of its own, instead of all as inputs of\none")
       ->group(group);
+  addCycleOption(command, arguments.replay.cycle)->group(group);
   addNumber(
       command, "--jobs",
       "How many sessions are replayed at a time; the output is the same\n(default: one for each core)", "NUMBER",

@@ -80,8 +80,8 @@ private:
 }  // namespace
 
 LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock,
-                         std::vector<SessionObserver*> observers, Forces forces)
-  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), forces)
+                         std::vector<SessionObserver*> observers, Forces forces, Cycle cycle)
+  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), forces, cycle)
 {}
 
 std::vector<std::int32_t> LiveSession::take(std::string_view line)

@@ -26,7 +26,7 @@ public:
     : _goOn(goOn), _reader(reader), _observers(observers), _outcome(outcome), _reading(reader, options.skipBad)
   {
     if (options.estimates)
-      _session.emplace(options.scopes, observers, options.forces);
+      _session.emplace(options.scopes, observers, options.forces, options.cycle);
   }
 
   void run()

@@ -28,8 +28,9 @@ Snapshot snapshotOf(const KV::PersonState& state)
 
 }  // namespace
 
-Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Forces forces)
-  : _clock(TimePoint()), _clockOfThisThread(_clock), _scopes(spans), _observers(std::move(observers))
+Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Forces forces,
+                 Cycle cycle)
+  : _clock(TimePoint()), _clockOfThisThread(_clock), _pacer(cycle), _scopes(spans), _observers(std::move(observers))
 {
   if (forces == Forces::Watched)
     _watchForces();
@@ -39,8 +40,8 @@ void Session::play(const recordings::Step& entry)
 {
   if (!_start)
     _start = entry.time;
-  _now = entry.time;
-  _clock.set(_now);
+  _updateWhoWaitedTooLong(entry.time);
+  _setTime(entry.time);
 
   for (SessionObserver* observer : _observers)
     observer->stepBegins(entry);
@@ -53,9 +54,42 @@ void Session::play(const recordings::Step& entry)
     _report(_scopes.stop(scope, length()));
 }
 
+void Session::forget(std::int32_t person)
+{
+  _pacer.forget(person);
+  _graph.remove(person);
+}
+
 void Session::finish()
 {
+  while (const auto waiting = _pacer.firstWaiting())
+    _updateWaiting(waiting->person);
   _report(_scopes.finish(length()));
+}
+
+void Session::_setTime(TimePoint time)
+{
+  _now = time;
+  _clock.set(_now);
+}
+
+/// Whoever is not told of for a cycle may be gone: the last observations act while they are new, not at the end.
+void Session::_updateWhoWaitedTooLong(TimePoint now)
+{
+  for (auto waiting = _pacer.firstWaiting(); waiting && waiting->latest < now; waiting = _pacer.firstWaiting())
+  {
+    _setTime(std::max(_now, waiting->latest));
+    _report(_scopes.advance(length()));
+    _updateWaiting(waiting->person);
+  }
+}
+
+void Session::_updateWaiting(std::int32_t waiting)
+{
+  _graph.update(waiting, [&](KV::Person& person) {
+    _pacer.finish(person);
+    _report(person, true);
+  });
 }
 
 void Session::_watchForces()
@@ -90,27 +124,44 @@ void Session::_updatePerson(const recordings::Step& entry)
     return;
   if (entry.seen)
     _graph.updateOrCreate(*entry.person, [&](KV::Person& person) {
-      person.update(_nonFinite.withoutThem(entry, length()));
-      _report(person, entry);
+      if (_pacer.take(person, _nonFinite.withoutThem(entry, length())))
+        _report(person, true);
+      else
+        _reportWaiting(person);
     });
   else
     _graph.update(*entry.person, [&](KV::Person& person) {
-      person.decreaseSinceNotSeen();
-      _report(person, entry);
+      const bool wasSeen = _pacer.isWaiting(person.personID);
+      if (_pacer.takeNotSeen(person))
+        _report(person, wasSeen);
+      else
+        _reportWaiting(person);
     });
 }
 
-void Session::_report(const KV::Person& person, const recordings::Step& entry)
+Snapshot Session::_snapshot(const KV::Person& person, bool seen) const
 {
-  _scopes.update(person.personID, person.personState);
-
   Snapshot snapshot = snapshotOf(person.personState);
   snapshot.time = _now;
   snapshot.sinceStart = length();
   snapshot.person = person.personID;
-  snapshot.seen = entry.seen;
+  snapshot.seen = seen;
+  return snapshot;
+}
+
+void Session::_report(const KV::Person& person, bool seen)
+{
+  _scopes.update(person.personID, person.personState);
+  const Snapshot snapshot = _snapshot(person, seen);
   for (SessionObserver* observer : _observers)
     observer->personUpdated(snapshot);
+}
+
+void Session::_reportWaiting(const KV::Person& person)
+{
+  const Snapshot snapshot = _snapshot(person, _pacer.isWaiting(person.personID));
+  for (SessionObserver* observer : _observers)
+    observer->personWaits(snapshot);
 }
 
 void Session::_report(const ScopeVerdict& verdict)
