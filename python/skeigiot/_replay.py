@@ -150,6 +150,7 @@ def replay(
     *,
     format: Optional[str] = None,
     explain: bool = False,
+    cycle: Union[float, str] = 10.0,
     scopes: Optional[Mapping[str, Span]] = None,
     offsets: Optional[Mapping[Path, float]] = None,
     skip_bad: bool = False,
@@ -170,7 +171,7 @@ def replay(
 
     A frame is a pandas frame or a dict of columns of one length. It has a column time: seconds from the start or since
     1970 (numbers), nanoseconds since 1970 (integers from 1e12 on), aware datetimes, or NumPy's datetime64, which is
-    UTC. Each row is one cycle of the person whose number is in the column person; without that column, of person 0.
+    UTC. Each row is an observation of the person whose number is in the column person; without that column, of person 0.
     The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
     headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
     seen, which is false where the person was not observed. NaN, None and empty texts are unknown. A row without a
@@ -179,6 +180,8 @@ def replay(
 
     format: the format of the files, found out if not given; see FORMATS
     explain: also keep every force that moved an estimate
+    cycle: updates of a person in a second, above 0 and up to 1000; what is observed in between is remembered at its own
+        time. "recorded": update with each row or step
     scopes: spans to judge besides the whole recording, as {name: (from, to)} in seconds since the start, both ends
         included; None at either is the start or the end
     offsets: seconds to add to all times of an input, by its path
@@ -209,8 +212,8 @@ def replay(
         _skeigiot._replay(
             inputs,
             _options(
-                format, explain, scopes, skip_bad, person_from, mapping, fps, mirrored, line_of_sight, camera_height,
-                min_confidence, au_full_scale, boundaries,
+                format, explain, cycle, scopes, skip_bad, person_from, mapping, fps, mirrored, line_of_sight,
+                camera_height, min_confidence, au_full_scale, boundaries,
             ),
         )
     )
@@ -226,6 +229,7 @@ def replay_all(
     jobs: Optional[int] = None,
     format: Optional[str] = None,
     explain: bool = False,
+    cycle: Union[float, str] = 10.0,
     scopes: Optional[Mapping[str, Span]] = None,
     skip_bad: bool = False,
     person_from: Optional[str] = None,
@@ -257,8 +261,8 @@ def replay_all(
         [_existing(path) for path in paths],
         _jobs(jobs),
         _options(
-            format, explain, scopes, skip_bad, person_from, mapping, fps, mirrored, line_of_sight, camera_height,
-            min_confidence, au_full_scale, boundaries,
+            format, explain, cycle, scopes, skip_bad, person_from, mapping, fps, mirrored, line_of_sight,
+            camera_height, min_confidence, au_full_scale, boundaries,
         ),
     )
     _warn(notes, 3)
@@ -336,6 +340,7 @@ def _jobs(jobs: Optional[int]) -> int:
 def _options(
     format: Optional[str],
     explain: bool,
+    cycle: Union[float, str],
     scopes: Optional[Mapping[str, Span]],
     skip_bad: bool,
     person_from: Optional[str],
@@ -359,6 +364,7 @@ def _options(
     return {
         "format": format or "",
         "explain": bool(explain),
+        "cycle": cycle,
         "scopes": [_scope(name, span) for name, span in (scopes or {}).items()],
         "skip_bad": bool(skip_bad),
         "person_from": person_from or "",

@@ -26,6 +26,7 @@ struct ReplayRequest
   KV::recordings::ReadingOptions reading;
   bool skipBad = false;
   bool explain = false;
+  KV::session::Cycle cycle;
   std::vector<KV::session::ScopeSpan> scopes;  ///< besides the whole recording
   std::int32_t number = 1;                     ///< of the session, as exports have it
 };

@@ -110,6 +110,13 @@ boost::optional<Pacer::Waiting> Pacer::firstWaiting() const
   return Waiting{_waiting.begin()->first, _waiting.begin()->second};
 }
 
+void Pacer::restart(std::int32_t person)
+{
+  const auto found = _paces.find(person);
+  if (found != _paces.end())
+    found->second.begun = false;
+}
+
 void Pacer::forget(std::int32_t person)
 {
   const auto found = _paces.find(person);

@@ -90,6 +90,11 @@ public:
   /// Waiting::latest, when the readings are still new.
   boost::optional<Waiting> firstWaiting() const;
 
+  /// Lets the next observation of a person update at once, as after a pause; what waits goes on waiting until then.
+  ///
+  /// For a clock that stands still: cycles would never end.
+  void restart(std::int32_t person);
+
   /// Forgets a person: drops what waits, and the next observation under this number updates at once.
   void forget(std::int32_t person);
 

@@ -48,6 +48,9 @@ public:
   /// Forgets a person: who comes back under that number is somebody new.
   void forget(std::int32_t person);
 
+  /// Lets the next observation of a person update at once, see Pacer::restart().
+  void restartCycle(std::int32_t person) { _pacer.restart(person); }
+
   /// Ends the recording: updates the persons whose observations still wait, and judges the scopes that are still open.
   void finish();
 
