@@ -91,7 +91,7 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   const FaceFile file;
   for (auto _ : state)
   {
-    KV::session::Session session({}, {});
+    KV::session::Session session({}, {}, KV::session::Forces::Unwatched, KV::session::Cycle::recorded());
     readAll(file, [&session](const KV::recordings::Step& entry) { session.play(entry); });
     session.finish();
   }
@@ -113,7 +113,7 @@ void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
 
   for (auto _ : state)
   {
-    KV::session::Session session({}, {});
+    KV::session::Session session({}, {}, KV::session::Forces::Unwatched, KV::session::Cycle::recorded());
     for (const KV::recordings::Step& entry : entries)
       session.play(entry);
     session.finish();
