@@ -279,10 +279,10 @@ TEST_F(PacerTest, FinishesWhatWaits)
   pacer.take(person, facing(0.f));
   EXPECT_FALSE(pacer.finish(person)) << "nothing waits";
   setTime(0.05);
-  KV::VoiceEmotion joyful;
-  joyful.joy = {1.f, 1.f};
+  const KV::ValueConfidence<float> no(0.f, 1.f);
+  const KV::ValueConfidence<float> yes(1.f, 1.f);
   PersonObservation heard;
-  heard.voiceEmotion.emplace(now(), joyful);
+  heard.voiceEmotion.emplace(now(), KV::VoiceEmotion(no, no, yes, no, no, yes));
   EXPECT_FALSE(pacer.take(person, heard));
   EXPECT_EQ(0.f, person.personState.personValence().value);
   EXPECT_TRUE(pacer.finish(person));
