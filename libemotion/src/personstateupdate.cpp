@@ -193,7 +193,7 @@ private:
   /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex; returns what it
   /// returns.
   ///
-  /// Forces act after that: whoever observes them may use the memory.
+  /// Forces act after the mutex is released, so an observer of forces may use the memory.
   template <typename T, typename Read>
   static auto _readPruned(ShortTermMemory<T>& memory, Read read)
   {

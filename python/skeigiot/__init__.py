@@ -11,7 +11,7 @@ Errors: ``ValueError`` for a bad argument, ``LookupError`` for an empty memory, 
 each with the text that the C++ exception has; ``TypeError`` for an argument of the wrong type.
 """
 
-from . import _built  # isort: skip  # first: it tells of an extension for another Python
+from . import _built  # isort: skip  # first: its error names the right Python version
 
 from . import classification, ko
 from ._boundaries import restoredBoundaries

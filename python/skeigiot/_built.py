@@ -1,4 +1,4 @@
-"""Imported first: where the extension is missing because it was built for another Python, the error says for which."""
+"""Checks at import that the extension was built for this version of Python; if not, the error names the right version."""
 
 import importlib.machinery
 import re

@@ -133,8 +133,8 @@ void bindObserver(py::module_& module)
       "Scopes nest: the innermost one counts, and its end brings the one around it back. Leaving one on another "
       "thread, or before those inside it, raises RuntimeError.\n\n"
       "A callback runs after the force has acted. It may read the person's state, and read and write the person's "
-      "memories; it must not update the person. What it raises passes to whoever called the update, whose earlier "
-      "forces stay applied.")
+      "memories; it must not update the person. An exception of the callback reaches the caller of the "
+      "update; earlier forces of that update stay applied.")
       .def(py::init(&makeObserver), py::arg("onForce"), py::arg("onZoneChange") = py::none(),
            "Either callback may be None. Raises TypeError if one is neither None nor callable.")
       .def("__enter__",

@@ -20,7 +20,7 @@ struct SessionOutlets
 {
   Display& display;
   Messages& messages;
-  std::vector<session::SessionObserver*> observers;  ///< who else is told of the session
+  std::vector<session::SessionObserver*> observers;  ///< further observers of the session
   ProgressLine& progress;
   std::function<void()> checkInterruption;  ///< called for each step; ends the replay by throwing
 };

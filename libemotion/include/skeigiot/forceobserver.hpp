@@ -64,7 +64,8 @@ struct ZoneChange
 /// A callback runs after the force has acted, and no mutex of an estimated quantity or of a memory is held: it may read
 /// the person's state, and read and write the person's memories. It must not update the person, whose update is
 /// running. A record that it adds does not act before the next update, unless its memory is read later in this one.
-/// What it throws passes to whoever called the update, whose earlier forces stay applied, and no mutex stays locked.
+/// An exception of the callback reaches the caller of the update: earlier forces of that update stay applied, and no
+/// mutex stays locked.
 /// While it is watched, a force reads the clock once more, for its time.
 ///
 /// \par Thread safety

@@ -11,8 +11,8 @@
 /// \file
 /// The one list of the readings of a PersonObservation, and the parts that each kind of value consists of.
 ///
-/// Files, tables, filters and bindings are made from it. Whoever adds a reading adds its field to PersonObservation and
-/// its line to `readings`; a reading of a new kind of value adds its `partsOf` as well.
+/// Files, tables, filters and bindings are made from this list. To add a reading, add its field to PersonObservation
+/// and its line to `readings`. If its value is of a new kind, also add a `partsOf` for that kind.
 
 namespace KV
 {
@@ -21,8 +21,8 @@ namespace KV
 struct Scale
 {
   const char* unit;  ///< such as "deg"; empty where there is none
-  double least;      ///< where numbers are meant to begin; no reading is held to it
-  double greatest;   ///< where they are meant to end, likewise
+  double least;      ///< smallest number that makes sense; readings below it are not refused
+  double greatest;   ///< greatest number that makes sense; readings above it are not refused
 };
 
 /// The scales of the readings.

@@ -12,14 +12,14 @@
 namespace KV::recordings
 {
 
-/// What a front end tells of one face in one frame, in the units of this library. Every part may be missing.
+/// The output of a front end for one face in one frame, in the units of this library. Every part may be missing.
 ///
-/// For the units and signs of a front end itself there are structures of their own, and faceOf() makes a Face of them:
-/// OpenFaceFace, PyFeatFace, MediaPipeFace, LiveLinkFace, RosFace.
+/// Each front end has a structure with its own units and signs: OpenFaceFace, PyFeatFace, MediaPipeFace, LiveLinkFace
+/// and RosFace. faceOf() converts such a structure to a Face.
 struct SKEIGIOT_API Face
 {
   float confidence = 1.f;                  ///< that this is a face and well tracked, in [0, 1]; above counts as 1
-  FacePose pose;                           ///< without a gaze, the blendshapes of the eyes tell it where they are known
+  FacePose pose;                           ///< if the gaze is missing, it is computed from the blendshapes of the eyes
   std::optional<ActionUnits> actionUnits;  ///< they make smile and expressions
   std::optional<EmotionScores> emotions;   ///< they make the expressions instead of action units or blendshapes
   std::optional<Blendshapes> blendshapes;  ///< they make smile and expressions where there are no action units

@@ -20,8 +20,8 @@ namespace KV::recordings
 
 struct FaceAdapterPrivate;
 
-/// Makes readings of what a front end tells of a face. All readers of recordings go through it: a live program that
-/// uses it gets the same readings as a recording of the same numbers, to the last bit.
+/// Converts the output of a front end for a face to readings. All readers of recordings use this class. A live program
+/// that uses it gets the same readings, to the last bit, as a recording of the same numbers.
 ///
 /// Of the options it reads the mapping, mirrored, lineOfSight, cameraHeight, minimalConfidence and actionUnitFullScale.
 /// Copies share the record, which never changes.

@@ -9,8 +9,8 @@
 namespace KV::recordings
 {
 
-/// One face as Live Link Face tells it: the blendshapes of ARKit, and angles in radians. A group with a number that is
-/// not finite counts as missing.
+/// One face of Live Link Face: the blendshapes of ARKit, and angles in radians. A group with a number that is not
+/// finite counts as missing.
 struct SKEIGIOT_API LiveLinkFace
 {
   static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
@@ -22,12 +22,13 @@ struct SKEIGIOT_API LiveLinkFace
   double headRoll = unknown;   ///< [rad] to the own right shoulder
 
   double leftEyeYaw = unknown;     ///< [rad] to the own right, in the head
-  double rightEyeYaw = unknown;    ///< [rad] likewise
+  double rightEyeYaw = unknown;    ///< [rad] to the own right, in the head
   double leftEyePitch = unknown;   ///< [rad] down, in the head
-  double rightEyePitch = unknown;  ///< [rad] likewise
+  double rightEyePitch = unknown;  ///< [rad] down, in the head
 };
 
-/// Returns the face in the units and signs of the library; without angles of the eyes its blendshapes tell the gaze.
+/// Returns the face in the units and signs of the library; without angles of the eyes the gaze
+/// is computed from the blendshapes.
 SKEIGIOT_API Face faceOf(const LiveLinkFace& told);
 
 }  // namespace KV::recordings

@@ -9,14 +9,14 @@
 namespace KV::recordings
 {
 
-/// One face as the MediaPipe FaceLandmarker tells it.
+/// One face of the MediaPipe FaceLandmarker.
 struct SKEIGIOT_API MediaPipeFace
 {
-  float confidence = 1.f;  ///< the FaceLandmarker tells none
+  float confidence = 1.f;  ///< the FaceLandmarker writes no confidence
   std::optional<Blendshapes> blendshapes;
 
-  /// The facial transformation matrix, column by column as MediaPipe stores it, or row by row: both are told apart by
-  /// where 0, 0, 0, 1 stand. With a number that is not finite it counts as missing.
+  /// The facial transformation matrix, column by column (as MediaPipe stores it) or row by row. The position of the
+  /// numbers 0, 0, 0, 1 shows which order it is. A matrix with a number that is not finite counts as missing.
   std::optional<std::array<double, 16>> matrix;
 };
 

@@ -23,7 +23,7 @@ struct SKEIGIOT_API Table
   std::string name;  ///< for messages
   std::size_t rows = 0;
   std::vector<TableColumn> columns;
-  const std::int64_t* moments = nullptr;  ///< [ns] since 1970, kept alive by whoever made them; instead of a column
+  const std::int64_t* moments = nullptr;  ///< [ns] since 1970; the caller keeps them alive; instead of a column
                                           ///< "time" in seconds
 };
 

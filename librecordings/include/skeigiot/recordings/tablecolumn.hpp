@@ -12,7 +12,7 @@ namespace KV::recordings
 struct SKEIGIOT_API TableColumn
 {
   std::string name;
-  const double* numbers = nullptr;  ///< as many as the table has rows, kept alive by whoever made them; null: texts
+  const double* numbers = nullptr;  ///< one for each row; the caller keeps them alive; null: texts
   std::vector<std::string> texts;   ///< as many as the table has rows, where there are no numbers
 };
 

@@ -14,7 +14,7 @@ namespace KV::session
 /// Numbers of single precision are the shortest that read back as the same.
 SKEIGIOT_API std::string explanationJson(const Explanation& explanation, const std::string& recording);
 
-/// Returns the shares of all sources; likewise.
+/// Returns the shares of all sources as JSON text; docs/explain.md lists the members.
 SKEIGIOT_API std::string explanationJson(const SpanExplanation& explanation, const std::string& recording);
 
 }  // namespace KV::session

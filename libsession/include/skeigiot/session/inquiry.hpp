@@ -32,9 +32,9 @@ struct SKEIGIOT_API Inquiry
 /// \throws Error if it cannot be read, ends before, or has no such update.
 SKEIGIOT_API Explanation explainMoment(const Inquiry& inquiry, Duration at);
 
-/// Returns all updates of the person in that span, both ends included; without an end it is that of the recording.
+/// Returns all updates of the person in that span, both ends included. Without `to`, the span ends with the recording.
 ///
-/// \throws Error likewise.
+/// \throws Error if the recording cannot be read, ends before the span, or has no update of the person in it.
 SKEIGIOT_API SpanExplanation explainSpan(const Inquiry& inquiry, Duration from, const boost::optional<Duration>& to);
 
 }  // namespace KV::session

@@ -22,16 +22,17 @@ public:
   SessionObserver& operator=(const SessionObserver&) = delete;
   virtual ~SessionObserver() = default;
 
-  /// Tells whether to tell it of forces and of changes of zones, which takes time. Asked once, when a session begins.
+  /// Returns whether the session should call forceActed() and zoneChanged(), which takes time. A session asks once,
+  /// when it begins.
   virtual bool watchesForces() const { return false; }
 
-  /// A force acted on the person whose update is told next.
+  /// A force acted on a person. The next call of personUpdated() is about this person.
   virtual void forceActed(const KV::Force&) {}
 
-  /// The attention zone of that person changed; told likewise.
+  /// The attention zone of a person changed. The next call of personUpdated() is about this person.
   virtual void zoneChanged(const KV::ZoneChange&) {}
 
-  /// The recording was opened: says how signs, units and rate are read. Told by a player, before the first step.
+  /// The recording was opened: says how signs, units and rate are read. A player calls this before the first step.
   virtual void recordingDescribed(const std::vector<std::string>&) {}
 
   /// The step is about to be played; it stays what it is until the next one.
