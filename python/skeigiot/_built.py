@@ -1,4 +1,4 @@
-"""Checks at import that the extension was built for this version of Python; if not, the error names the right version."""
+"""Checks at import that the extension fits this version of Python. If not, the error names the right version."""
 
 import importlib.machinery
 import re
