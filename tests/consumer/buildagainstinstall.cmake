@@ -4,14 +4,7 @@
 #
 # usage: cmake -D BUILD=... -D WORK=... -D EXAMPLE=... -D TOOLS=... -D CXX=... -D CXX_FLAGS=... -P buildagainstinstall.cmake
 
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT status EQUAL 0)
-    list(JOIN ARGN " " command)
-    message(FATAL_ERROR "${command}\nended with ${status}:\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
 
 function(expect_output expected program)
   run(${program} ${ARGN})

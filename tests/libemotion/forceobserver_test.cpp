@@ -443,7 +443,7 @@ TEST_F(ForceObserver, MayLetTheHeadPosturesBeForgottenFromItsCallback)
   EXPECT_EQ(attention, person.personState.personAttention().value);
 }
 
-// Speech pulls while the mutex of the remembered emotions is held.
+// Speech pulls after the mutex of the remembered emotions was released.
 TEST_F(ForceObserver, LetsAnErrorOfItsCallbackThroughAndNoMutexLocked)
 {
   KV::PersonObservation observation;

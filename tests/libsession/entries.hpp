@@ -63,4 +63,22 @@ inline KV::session::Snapshot snapshotAt(double sinceStart, float valence = 0.f, 
   return snapshot;
 }
 
+/// Of person 0, who looks down and feels bad, and pays no attention.
+inline KV::session::Snapshot lookingDownAt(double sinceStart)
+{
+  KV::session::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 0.f);
+  snapshot.zone = ko::human::AttentionState::LookingDown;
+  snapshot.pleasure = KV::PleasureNegative;
+  return snapshot;
+}
+
+/// Of person 0, who looks up and feels good, and pays full attention.
+inline KV::session::Snapshot lookingUpAt(double sinceStart)
+{
+  KV::session::Snapshot snapshot = snapshotAt(sinceStart, 1.f, 1.f);
+  snapshot.zone = ko::human::AttentionState::LookingUp;
+  snapshot.pleasure = KV::PleasurePositive;
+  return snapshot;
+}
+
 }  // namespace replaytests

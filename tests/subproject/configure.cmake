@@ -4,14 +4,7 @@
 #
 # usage: cmake -D SKEIGIOT=... -D WORK=... -D EXAMPLE=... -D CONSUMER=... -D TOOLS=... -D CXX=... -P configure.cmake
 
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT status EQUAL 0)
-    list(JOIN ARGN " " command)
-    message(FATAL_ERROR "${command}\nended with ${status}:\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../support/run.cmake)
 
 # Compiles the program alone: a build of it would first compile the libraries, which takes minutes.
 function(compile build program)

@@ -8,6 +8,13 @@
 namespace KV::tools
 {
 
+std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments)
+{
+  return [&arguments](const std::string& path) {
+    return recordings::openRecording(path, arguments.format, arguments.options);
+  };
+}
+
 void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
 {
   const std::string group = "How the recording is read";

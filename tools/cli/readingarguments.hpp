@@ -4,6 +4,8 @@
 
 #include <CLI/App.hpp>
 
+#include <functional>
+#include <memory>
 #include <string>
 
 namespace KV::tools
@@ -16,6 +18,9 @@ struct ReadingArguments
   std::string format;    ///< name of the format; empty: found out
   bool skipBad = false;  ///< go on behind lines that cannot be used
 };
+
+/// Returns what opens a recording as the arguments say; they must outlive it.
+std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments);
 
 /// Adds the options that fill in the arguments, which must outlive the command.
 void addReadingOptions(CLI::App& command, ReadingArguments& arguments);

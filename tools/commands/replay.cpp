@@ -234,11 +234,9 @@ ExitStatus run(Arguments& arguments)
     return BadInput;
   }
   session::OutputStream output(STDOUT_FILENO, "standard output");
-  const auto open = [&arguments](const std::string& path) {
-    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
-  };
   return replay(arguments.replay,
-                {open, output, std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),
+                {openerOf(arguments.reading), output,
+                 std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),
                  Style(useColors(arguments.color, STDOUT_FILENO)), std::cerr, isTerminal(STDERR_FILENO)});
 }
 

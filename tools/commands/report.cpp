@@ -79,10 +79,8 @@ ExitStatus run(Arguments& arguments)
     return BadInput;
   }
   session::OutputStream output(STDOUT_FILENO, "standard output");
-  const auto open = [&arguments](const std::string& path) {
-    return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
-  };
-  return replay(arguments.replay, {open, output, widestTable, Style(false), std::cerr, isTerminal(STDERR_FILENO)});
+  return replay(arguments.replay,
+                {openerOf(arguments.reading), output, widestTable, Style(false), std::cerr, isTerminal(STDERR_FILENO)});
 }
 
 }  // namespace

@@ -146,11 +146,7 @@ void answer(const Arguments& arguments)
   const session::SessionInputs session = onlySession(arguments.session);
   Messages messages(std::cerr, false);
   session::Inquiry inquiry;
-  inquiry.open = [&] {
-    return session::openSession(session, [&arguments](const std::string& path) {
-      return recordings::openRecording(path, arguments.reading.format, arguments.reading.options);
-    });
-  };
+  inquiry.open = [&] { return session::openSession(session, openerOf(arguments.reading)); };
   inquiry.name = session.name();
   inquiry.person = arguments.person;
   inquiry.skipBad = arguments.reading.skipBad;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "csv/csvheader.hpp"
 #include "csv/csvrows.hpp"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -23,6 +25,20 @@ public:
   ///
   /// \throws BadLine if the field holds something else.
   double number(std::size_t column) const;
+
+  /// Returns the numbers in these columns, each as above; nothing if the table does not have the columns.
+  ///
+  /// \throws BadLine if a field holds something else than a number.
+  template <std::size_t Count>
+  std::optional<std::array<double, Count>> all(const ColumnGroup<Count>& columns) const
+  {
+    if (!columns)
+      return {};
+    std::array<double, Count> values{};
+    for (std::size_t i = 0; i < Count; ++i)
+      values.at(i) = number((*columns)[i]);
+    return values;
+  }
 
   /// Returns the whole number in this column, which may be written with a fraction of 0.
   ///

@@ -16,17 +16,6 @@ namespace
 constexpr double millimetresPerMetre = 1000.0;
 
 template <std::size_t Count>
-std::optional<std::array<double, Count>> readAll(const CsvNumbers& numbers, const ColumnGroup<Count>& columns)
-{
-  if (!columns)
-    return {};
-  std::array<double, Count> values{};
-  for (std::size_t i = 0; i < Count; ++i)
-    values.at(i) = numbers.number((*columns)[i]);
-  return values;
-}
-
-template <std::size_t Count>
 bool areKnown(const std::optional<std::array<double, Count>>& values)
 {
   return values && std::all_of(values->begin(), values->end(), [](double value) { return std::isfinite(value); });
@@ -80,11 +69,11 @@ std::optional<KV::Gaze> gazeOf(const OpenFaceFace& told)
 OpenFaceFace readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& columns, const FaceAdapter& adapter)
 {
   OpenFaceFace face;
-  face.position = readAll(numbers, columns.position);
-  face.rotation = readAll(numbers, columns.rotation);
-  face.gazeAngle = readAll(numbers, columns.gazeAngle);
+  face.position = numbers.all(columns.position);
+  face.rotation = numbers.all(columns.rotation);
+  face.gazeAngle = numbers.all(columns.gazeAngle);
   if (!columns.gazeAngle)
-    face.gazeVectors = readAll(numbers, columns.gazeVectors);
+    face.gazeVectors = numbers.all(columns.gazeVectors);
   face.actionUnits = readActionUnits(numbers, columns.actionUnits, adapter);
   face.landmarks = readLandmarks(numbers, columns.landmarks);
   return face;

@@ -41,17 +41,6 @@ std::optional<std::int64_t> readSeconds(std::string_view text)
 }
 
 template <std::size_t Count>
-std::optional<std::array<double, Count>> readAll(const CsvNumbers& numbers, const ColumnGroup<Count>& columns)
-{
-  if (!columns)
-    return {};
-  std::array<double, Count> values{};
-  for (std::size_t i = 0; i < Count; ++i)
-    values.at(i) = numbers.number((*columns)[i]);
-  return values;
-}
-
-template <std::size_t Count>
 std::array<double, Count> unknownAngles()
 {
   std::array<double, Count> angles{};
@@ -143,8 +132,8 @@ void PyFeatRows::_readFace(const CsvNumbers& numbers, Raw& raw)
   if (_columns.hasEmotions())
     face.emotions = readEmotions(numbers, _columns.emotions, _adapter);
   face.landmarks = readLandmarks(numbers, _columns.landmarks);
-  face.rotation = readAll(numbers, _columns.rotation);
-  face.gaze = readAll(numbers, _columns.gaze);
+  face.rotation = numbers.all(_columns.rotation);
+  face.gaze = numbers.all(_columns.gaze);
   raw.angles = {face.rotation.value_or(unknownAngles<3>()), face.gaze.value_or(unknownAngles<2>()),
                 nodOf(numbers, _columns)};
   if (!_options.personColumn.empty())

@@ -1,7 +1,5 @@
 #include "player/notedreading.hpp"
 
-#include <skeigiot/session/wording.hpp>
-
 #include <utility>
 
 namespace KV::session
@@ -22,19 +20,6 @@ NotedReading::Read NotedReading::next(boost::optional<recordings::Step>& step)
   return read;
 }
 
-std::vector<std::string> NotedReading::warnings() const
-{
-  std::vector<std::string> lines = _warnings;
-  if (_moreWarnings > 0)
-    lines.push_back(counted(_moreWarnings, "more warning"));
-  return lines;
-}
-
-std::string NotedReading::skippedText() const
-{
-  return _skipped == 0 ? "" : "skipped " + counted(_skipped, "bad line") + ", the first: " + _firstSkipped;
-}
-
 NotedReading::Read NotedReading::_read(boost::optional<recordings::Step>& step)
 {
   try
@@ -46,15 +31,15 @@ NotedReading::Read NotedReading::_read(boost::optional<recordings::Step>& step)
   {
     if (_skipBad)
     {
-      if (++_skipped == 1)
-        _firstSkipped = error.what();
+      if (++_notes.badLines == 1)
+        _notes.firstBadLine = error.what();
       return Read::Skipped;
     }
-    _error = error;
+    _notes.error = error;
   }
   catch (const recordings::Error& error)
   {
-    _error = error;
+    _notes.error = error;
   }
   return Read::End;
 }
@@ -63,10 +48,10 @@ void NotedReading::_noteWarnings()
 {
   for (std::string& text : _reader.takeWarnings())
   {
-    if (_warnings.size() < mostWarnings)
-      _warnings.push_back(std::move(text));
+    if (_notes.warnings.size() < mostWarnings)
+      _notes.warnings.push_back(std::move(text));
     else
-      ++_moreWarnings;
+      ++_notes.moreWarnings;
   }
 }
 

@@ -1,12 +1,9 @@
 #pragma once
 
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/readingnotes.hpp>
 
 #include <boost/optional/optional.hpp>
-
-#include <cstddef>
-#include <string>
-#include <vector>
 
 namespace KV::session
 {
@@ -29,22 +26,8 @@ public:
   /// Reads the next step, which is there if it is taken.
   Read next(boost::optional<recordings::Step>& step);
 
-  /// Returns the warnings so far, and how many more there were, a line each.
-  std::vector<std::string> warnings() const;
-
-  /// Says how many lines were skipped, and what was wrong with the first; empty if there were none.
-  std::string skippedText() const;
-
-  /// These return what warnings() and skippedText() are made of.
-  /// @{
-  const std::vector<std::string>& firstWarnings() const { return _warnings; }
-  std::size_t moreWarnings() const { return _moreWarnings; }
-  std::size_t skipped() const { return _skipped; }
-  const std::string& firstSkipped() const { return _firstSkipped; }
-  /// @}
-
-  /// Returns what ended the recording before its end.
-  const boost::optional<recordings::Error>& error() const { return _error; }
+  /// Returns the problems so far.
+  const ReadingNotes& notes() const { return _notes; }
 
 private:
   Read _read(boost::optional<recordings::Step>& step);
@@ -52,11 +35,7 @@ private:
 
   recordings::Reader& _reader;
   bool _skipBad;
-  std::vector<std::string> _warnings;
-  std::size_t _moreWarnings = 0;
-  std::size_t _skipped = 0;
-  std::string _firstSkipped;
-  boost::optional<recordings::Error> _error;
+  ReadingNotes _notes;
 };
 
 }  // namespace KV::session

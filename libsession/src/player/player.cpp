@@ -3,7 +3,6 @@
 #include "player/notedreading.hpp"
 
 #include <skeigiot/session/librarylog.hpp>
-#include <skeigiot/session/wording.hpp>
 
 #include <utility>
 
@@ -84,11 +83,7 @@ private:
       _session->finish();
     _outcome.description = _reader.describe();
     _outcome.columns = _reader.columns();
-    _outcome.warnings = _reading.firstWarnings();
-    _outcome.moreWarnings = _reading.moreWarnings();
-    _outcome.badLines = _reading.skipped();
-    _outcome.firstBadLine = _reading.firstSkipped();
-    _outcome.error = _reading.error();
+    static_cast<ReadingNotes&>(_outcome) = _reading.notes();
     _outcome.length = _length();
     if (_session)
       _outcome.leftOut = _session->takeLeftOut();
@@ -108,19 +103,6 @@ private:
 };
 
 }  // namespace
-
-std::vector<std::string> Outcome::warningLines() const
-{
-  std::vector<std::string> lines = warnings;
-  if (moreWarnings > 0)
-    lines.push_back(counted(moreWarnings, "more warning"));
-  return lines;
-}
-
-std::string Outcome::skippedText() const
-{
-  return badLines == 0 ? "" : "skipped " + counted(badLines, "bad line") + ", the first: " + firstBadLine;
-}
 
 Player::Player(PlayerOptions options, GoOn goOn) : _options(std::move(options)), _goOn(std::move(goOn)) {}
 

@@ -11,22 +11,6 @@ namespace
 using namespace replaytests;
 using KV::session::PersonSummary;
 
-KV::session::Snapshot lookingDownAt(double sinceStart)
-{
-  KV::session::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 0.f);
-  snapshot.zone = ko::human::AttentionState::LookingDown;
-  snapshot.pleasure = KV::PleasureNegative;
-  return snapshot;
-}
-
-KV::session::Snapshot lookingUpAt(double sinceStart)
-{
-  KV::session::Snapshot snapshot = snapshotAt(sinceStart, 1.f, 1.f);
-  snapshot.zone = ko::human::AttentionState::LookingUp;
-  snapshot.pleasure = KV::PleasurePositive;
-  return snapshot;
-}
-
 TEST(PersonSummary, WeighsWhatAnUpdateSaidByTheTimeUntilTheNext)
 {
   PersonSummary summary;

@@ -34,9 +34,9 @@ TEST(NotedReading, HasNothingToSayOfAGoodRecording)
   ScriptedReader reader({ScriptedReader::entry(entryAt(0)), ScriptedReader::entry(entryAt(1))});
   NotedReading reading(reader, false);
   EXPECT_THAT(stepsOf(reading), ElementsAre(Read::Taken, Read::Taken, Read::End));
-  EXPECT_FALSE(reading.error());
-  EXPECT_THAT(reading.warnings(), IsEmpty());
-  EXPECT_EQ("", reading.skippedText());
+  EXPECT_FALSE(reading.notes().error);
+  EXPECT_THAT(reading.notes().warningLines(), IsEmpty());
+  EXPECT_EQ("", reading.notes().skippedText());
 }
 
 TEST(NotedReading, EndsAtABadLineAndKeepsItsError)
@@ -44,9 +44,9 @@ TEST(NotedReading, EndsAtABadLineAndKeepsItsError)
   ScriptedReader reader({ScriptedReader::badLine(7), ScriptedReader::entry(entryAt(0))});
   NotedReading reading(reader, false);
   EXPECT_THAT(stepsOf(reading), ElementsAre(Read::End));
-  ASSERT_TRUE(reading.error());
-  EXPECT_EQ(7u, reading.error()->place().line);
-  EXPECT_STREQ("face.csv:7: pose_Rx: expected a number, found 'abc'", reading.error()->what());
+  ASSERT_TRUE(reading.notes().error);
+  EXPECT_EQ(7u, reading.notes().error->place().line);
+  EXPECT_STREQ("face.csv:7: pose_Rx: expected a number, found 'abc'", reading.notes().error->what());
 }
 
 TEST(NotedReading, SkipsBadLinesWhereItMayAndCountsThem)
@@ -54,9 +54,9 @@ TEST(NotedReading, SkipsBadLinesWhereItMayAndCountsThem)
   ScriptedReader reader({ScriptedReader::badLine(2), ScriptedReader::entry(entryAt(0)), ScriptedReader::badLine(4)});
   NotedReading reading(reader, true);
   EXPECT_THAT(stepsOf(reading), ElementsAre(Read::Skipped, Read::Taken, Read::Skipped, Read::End));
-  EXPECT_FALSE(reading.error());
+  EXPECT_FALSE(reading.notes().error);
   EXPECT_EQ("skipped 2 bad lines, the first: face.csv:2: pose_Rx: expected a number, found 'abc'",
-            reading.skippedText());
+            reading.notes().skippedText());
 }
 
 TEST(NotedReading, EndsWhereTheFileIsDamagedThoughItMaySkipBadLines)
@@ -64,8 +64,8 @@ TEST(NotedReading, EndsWhereTheFileIsDamagedThoughItMaySkipBadLines)
   ScriptedReader reader({ScriptedReader::damage(3)});
   NotedReading reading(reader, true);
   EXPECT_THAT(stepsOf(reading), ElementsAre(Read::End));
-  ASSERT_TRUE(reading.error());
-  EXPECT_STREQ("face.csv:3: damaged", reading.error()->what());
+  ASSERT_TRUE(reading.notes().error);
+  EXPECT_STREQ("face.csv:3: damaged", reading.notes().error->what());
 }
 
 TEST(NotedReading, KeepsTheFirstTenWarningsAndCountsTheRest)
@@ -76,7 +76,7 @@ TEST(NotedReading, KeepsTheFirstTenWarningsAndCountsTheRest)
   ScriptedReader reader({}, warnings);
   NotedReading reading(reader, false);
   stepsOf(reading);
-  const std::vector<std::string> lines = reading.warnings();
+  const std::vector<std::string> lines = reading.notes().warningLines();
   ASSERT_EQ(11u, lines.size());
   EXPECT_EQ("warning 1", lines.front());
   EXPECT_EQ("warning 10", lines[9]);

@@ -21,22 +21,6 @@ using KV::tools::summaryText;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-KV::session::Snapshot lookingDownAt(double sinceStart)
-{
-  KV::session::Snapshot snapshot = snapshotAt(sinceStart, -1.f, 0.f);
-  snapshot.zone = ko::human::AttentionState::LookingDown;
-  snapshot.pleasure = KV::PleasureNegative;
-  return snapshot;
-}
-
-KV::session::Snapshot lookingUpAt(double sinceStart)
-{
-  KV::session::Snapshot snapshot = snapshotAt(sinceStart, 1.f, 1.f);
-  snapshot.zone = ko::human::AttentionState::LookingUp;
-  snapshot.pleasure = KV::PleasurePositive;
-  return snapshot;
-}
-
 TEST(Summary, DescribesAPerson)
 {
   Summary summary;

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/readingnotes.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/session.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
@@ -33,27 +34,16 @@ struct SKEIGIOT_API Progress
   Duration length{0};  ///< time since its first step
 };
 
-/// What became of a recording that was played.
-struct SKEIGIOT_API Outcome
+/// The result of playing a recording.
+struct SKEIGIOT_API Outcome : ReadingNotes
 {
   bool opened = false;                       ///< false: `error` says why not
-  bool stopped = false;                      ///< the caller wanted no more of it
+  bool stopped = false;                      ///< the caller wanted no more of the recording
   std::vector<std::string> description;      ///< how signs, units and rate were read
   recordings::Columns columns;               ///< which columns were read
-  std::vector<std::string> warnings;         ///< of the reader, the first few
-  std::size_t moreWarnings = 0;              ///< how many there were besides
-  std::size_t badLines = 0;                  ///< lines that were skipped
-  std::string firstBadLine;                  ///< what is wrong with the first of them
   std::string leftOut;                       ///< on readings that are not finite; empty if there were none
-  std::vector<std::string> libraryWarnings;  ///< what the estimate had to say, a line each
-  boost::optional<recordings::Error> error;  ///< what ended the recording before its end
-  Duration length{0};                        ///< how much of it was played
-
-  /// Returns the warnings of the reader, and how many more there were, a line each.
-  std::vector<std::string> warningLines() const;
-
-  /// Says how many lines were skipped, and what is wrong with the first; empty if there were none.
-  std::string skippedText() const;
+  std::vector<std::string> libraryWarnings;  ///< warnings of the estimate, a line each
+  Duration length{0};                        ///< how much of the recording was played
 };
 
 /// Plays recordings: opens one, reads it step by step through a session, and collects what there is to say of it.

@@ -1,0 +1,10 @@
+# Runs a program, which must succeed, and sets `output` and `errors` to what it wrote.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
+  if(NOT status EQUAL 0)
+    list(JOIN ARGN " " command)
+    message(FATAL_ERROR "${command}\nended with ${status}:\n${output}${errors}")
+  endif()
+  set(output "${output}" PARENT_SCOPE)
+  set(errors "${errors}" PARENT_SCOPE)
+endfunction()
