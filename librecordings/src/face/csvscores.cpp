@@ -29,7 +29,7 @@ Blendshapes readBlendshapes(const CsvNumbers& numbers, const ScoreColumns& colum
 {
   Blendshapes blendshapes;
   forEachScore(numbers, columns,
-               [&](std::size_t i, float score) { blendshapes.set(adapter.blendshapeNames().at(i), score); });
+               [&](std::size_t i, float score) { blendshapes.set(adapter._p->blendshapeIndices.at(i), score); });
   return blendshapes;
 }
 

@@ -1,6 +1,5 @@
 #include "face/landmarks.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -43,11 +42,6 @@ std::size_t placeOf(std::size_t point, bool mirrored)
 LandmarkColumns findLandmarks(const CsvHeader& header)
 {
   return header.findAll<2 * count>(landmarkNames());
-}
-
-bool isLandmark(const std::string& name)
-{
-  return std::find(landmarkNames().begin(), landmarkNames().end(), name) != landmarkNames().end();
 }
 
 std::optional<FaceLandmarks> readLandmarks(const CsvNumbers& numbers, const LandmarkColumns& columns)

@@ -27,9 +27,6 @@ using LandmarkColumns = ColumnGroup<2 * facialPointLandmarks.size()>;
 /// Finds the columns x_0 to y_67 of the facial points.
 LandmarkColumns findLandmarks(const CsvHeader& header);
 
-/// Tells whether this is the name of a column of findLandmarks().
-bool isLandmark(const std::string& name);
-
 /// Reads the landmarks of the facial points; nothing if there are no such columns.
 ///
 /// \throws BadLine if a field holds no number.

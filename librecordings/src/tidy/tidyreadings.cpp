@@ -101,21 +101,23 @@ T read(const Fields& fields, Column column)
     return fields.whole<T>(column);
 }
 
-/// The column of a part has its name. There is one for each part of each reading.
-template <typename Part>
-Column columnOf(const Part& part)
+/// Returns the columns of the parts of a value, in their order: each has the name of its part.
+template <typename Value>
+const std::vector<Column>& columnsOfParts()
 {
-  return tidyColumnNamed(part.name).value();
+  static const std::vector<Column> all = [] {
+    std::vector<Column> columns;
+    forEachPart<Value>([&columns](const auto& part) { columns.push_back(tidyColumnNamed(part.name).value()); });
+    return columns;
+  }();
+  return all;
 }
 
 template <typename Value>
 std::vector<Column> columnsNeededBy()
 {
-  std::vector<Column> columns;
-  forEachPart<Value>([&columns](const auto& part) {
-    if (const Column column = columnOf(part); column != Column::Confidence)
-      columns.push_back(column);
-  });
+  std::vector<Column> columns = columnsOfParts<Value>();
+  columns.erase(std::remove(columns.begin(), columns.end(), Column::Confidence), columns.end());
   return columns;
 }
 
@@ -124,8 +126,9 @@ template <typename Value>
 Value readAll(const Fields& fields)
 {
   auto value = blankReading<Value>();
+  auto next = columnsOfParts<Value>().begin();
   forEachPart<Value>([&](const auto& part) {
-    const Column column = columnOf(part);
+    const Column column = *next++;
     if (column == Column::Confidence && !fields.has(column))
       part.put(1.f, value);
     else

@@ -312,6 +312,19 @@ TEST(FaceAdapter, PassesOverABlendshapeThatItDoesNotKnow)
   EXPECT_EQ(KV::recordings::Blendshapes::count, KV::recordings::blendshapeNames().size());
 }
 
+TEST(Blendshapes, TakeAScoreByNameOrByPlaceAlike)
+{
+  const auto& names = KV::recordings::blendshapeNames();
+  KV::recordings::Blendshapes byName;
+  KV::recordings::Blendshapes byPlace;
+  ASSERT_EQ("jawOpen", names.at(24));
+  EXPECT_TRUE(byName.set("jawOpen", 0.25f));
+  byPlace.set(24, 0.25f);
+  EXPECT_EQ(0.25f, byName.at(24));
+  EXPECT_EQ(0.25f, byPlace.at(24));
+  EXPECT_THROW(byPlace.set(names.size(), 0.5f), std::out_of_range);
+}
+
 TEST(FaceAdapter, RefusesAMatrixThatIsNoTransformation)
 {
   KV::recordings::MediaPipeFace told;

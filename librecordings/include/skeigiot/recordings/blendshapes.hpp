@@ -28,6 +28,11 @@ public:
   /// nearest of both, NaN as unknown. Returns false, and changes nothing, if it is none of blendshapeNames().
   bool set(std::string_view name, float score);
 
+  /// As above, for blendshapeNames()[index].
+  ///
+  /// \throws std::out_of_range if there is no such name.
+  void set(std::size_t index, float score) { _scores.at(index) = score; }
+
   /// Returns the score of blendshapeNames()[index] as it was set; NaN is unknown.
   ///
   /// \throws std::out_of_range if there is no such name.
