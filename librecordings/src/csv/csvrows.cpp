@@ -2,24 +2,29 @@
 
 #include <skeigiot/recordings/recording.hpp>
 
-#include <algorithm>
-
 namespace KV::recordings
 {
 namespace
 {
-constexpr std::string_view blanks = " \t";
+bool isBlank(char character)
+{
+  return character == ' ' || character == '\t';
+}
 
-// Takes the blanks in front away.
+// Both look at each character alone: a field has a blank or two, and a search for one of a set costs more than that.
+
 void skipBlanks(std::string_view& text)
 {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+  while (!text.empty() && isBlank(text.front()))
+    text.remove_prefix(1);
 }
 
 std::string_view trimmed(std::string_view field)
 {
   skipBlanks(field);
-  return field.substr(0, field.find_last_not_of(blanks) + 1);
+  while (!field.empty() && isBlank(field.back()))
+    field.remove_suffix(1);
+  return field;
 }
 
 }  // namespace
