@@ -47,18 +47,35 @@ bool CsvRows::next()
 bool CsvRows::_split(std::string_view line)
 {
   _fields.clear();
-  _unquoted.clear();
   if (trimmed(line).empty())
     return true;
-  // Most files have no quotes but thousands of columns: a search of the whole line spares one of every field.
-  const bool hasQuotes = line.find('"') != std::string_view::npos;
-  if (hasQuotes)
-    _unquoted.reserve(line.size());  // so that fields stay where they are
+  if (line.find('"') != std::string_view::npos)
+    return _splitQuoted(line);
+  _splitUnquoted(line);
+  return true;
+}
+
+// Most files have thousands of columns and no quotes: a search of the whole line spares one of every field.
+void CsvRows::_splitUnquoted(std::string_view line)
+{
   while (true)
   {
-    if (hasQuotes)
-      skipBlanks(line);
-    if (hasQuotes && !line.empty() && line.front() == '"')
+    const std::size_t end = line.find(',');
+    _fields.push_back(trimmed(line.substr(0, end)));
+    if (end == std::string_view::npos)
+      return;
+    line.remove_prefix(end + 1);
+  }
+}
+
+bool CsvRows::_splitQuoted(std::string_view line)
+{
+  _unquoted.clear();
+  _unquoted.reserve(line.size());  // so that fields stay where they are
+  while (true)
+  {
+    skipBlanks(line);
+    if (!line.empty() && line.front() == '"')
     {
       if (!_addQuoted(line))
         return false;
@@ -66,7 +83,7 @@ bool CsvRows::_split(std::string_view line)
     else
     {
       const std::string_view field = line.substr(0, line.find(','));
-      if (hasQuotes && field.find('"') != std::string_view::npos)
+      if (field.find('"') != std::string_view::npos)
         return false;
       _fields.push_back(trimmed(field));
       line.remove_prefix(field.size());

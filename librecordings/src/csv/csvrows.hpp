@@ -33,8 +33,10 @@ public:
   const InputFile& file() const { return _file; }
 
 private:
-  // Splits the line into _fields; false if a quote is out of place or not closed.
+  // Split the line into _fields; false if a quote is out of place or not closed.
   bool _split(std::string_view line);
+  void _splitUnquoted(std::string_view line);
+  bool _splitQuoted(std::string_view line);
 
   // Adds the field that begins with a quote, and takes it and the blanks behind it from `rest`; false as above.
   bool _addQuoted(std::string_view& rest);
