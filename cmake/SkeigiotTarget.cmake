@@ -52,11 +52,12 @@ endfunction()
 #   SOURCES        the sources
 #   LINKS          libraries of ours that its headers need
 #   PRIVATE_LINKS  what only the sources need
+#   PRECOMPILED    more headers of others that many sources include, see SkeigiotPrecompiled.cmake
 #   VERSION        of the interface, its first number is the SOVERSION; the project's version by default
 #   COMPONENT      of an install, and so the package, that has the shared library; "runtime" by default
 #   STATIC_INSTALLED  the static library is installed as well
 function(skeigiot_add_library name alias)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "STATIC_INSTALLED" "VERSION;COMPONENT" "SOURCES;LINKS;PRIVATE_LINKS")
+  cmake_parse_arguments(PARSE_ARGV 2 arg "STATIC_INSTALLED" "VERSION;COMPONENT" "SOURCES;LINKS;PRIVATE_LINKS;PRECOMPILED")
   if(NOT DEFINED arg_VERSION)
     set(arg_VERSION ${PROJECT_VERSION})
   endif()
@@ -71,6 +72,7 @@ function(skeigiot_add_library name alias)
 
   add_library(${name}-objects OBJECT ${arg_SOURCES})
   skeigiot_configure_target(${name}-objects)
+  skeigiot_precompile_headers(${name}-objects ${arg_PRECOMPILED})
   set_target_properties(${name}-objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
   target_include_directories(
     ${name}-objects

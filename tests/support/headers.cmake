@@ -1,7 +1,11 @@
 # Makes the object library `name`, in which every header below `include_dir` is the whole of one unit: a header that
 # leans on what others include fails to compile, and one that includes what foreign.hpp lists. What links the object library
-# finds definitions that are not inline.
+# finds definitions that are not inline. Sanitizers and counters have nothing to see there.
 function(skeigiot_compile_headers_alone name library include_dir)
+  if(SKEIGIOT_SANITIZE OR SKEIGIOT_COVERAGE)
+    add_library(${name} INTERFACE)
+    return()
+  endif()
   file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${include_dir} ${include_dir}/*.hpp)
   set(units "")
   foreach(header IN LISTS headers)

@@ -1,0 +1,1 @@
+// Nothing: what this is compiled with is what counts, the headers that test programs share.
