@@ -6,7 +6,7 @@ namespace KV
 {
 
 /// Which way a Ramp runs.
-enum RampSlope : int
+enum SKEIGIOT_API RampSlope : int
 {
   RampDown = 0,  ///< falls from the amplitude to 0 as the input rises
   RampUp = 1     ///< rises from 0 to the amplitude
