@@ -17,13 +17,13 @@ namespace KV::recordings
 class BlendshapeReadings
 {
 public:
-  explicit BlendshapeReadings(const Mapping& mapping);
+  BlendshapeReadings(const ScoreTable& table, const EyeScale& eyes);
 
   /// Returns the names of the blendshapes that are needed.
   const std::vector<std::string>& names() const { return _names; }
 
-  /// Sets smile and expressions, with this confidence; `scores` are in the order of names(), NaN is unknown.
-  void setExpressions(FaceReadings& readings, const std::vector<float>& scores, float confidence) const;
+  /// Returns the table, whose names come first in names().
+  const ScoreReadings& table() const { return _table; }
 
   /// Returns where the eyes look, relative to the head; nothing if that is unknown.
   std::optional<KV::Gaze> eyes(const std::vector<float>& scores) const;

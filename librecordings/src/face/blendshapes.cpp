@@ -57,25 +57,91 @@ bool Blendshapes::areUnknown() const
   return std::all_of(_scores.begin(), _scores.end(), [](float score) { return std::isnan(score); });
 }
 
-// A heuristic of our own: there is no standard for what blendshapes mean. They are read as the movements of the
-// prototypes of EMFACS that come nearest. The cheeks count little and only as one of two, since MediaPipe hardly ever
-// moves them.
+namespace
+{
+using Names = std::vector<std::string>;
+
+// Both sides of the face.
+Names sides(const std::string& name)
+{
+  return {name + "Left", name + "Right"};
+}
+
+void setRest(ScoreTable& table, const Names& names, const RestingScore& rest)
+{
+  for (const std::string& name : names)
+    table.rest[name] = rest;
+}
+
+}  // namespace
+
+// There is no standard for what blendshapes mean. What is counted here was settled on labelled pictures
+// (docs/validation.md):
+//
+// - mouthSmile rises on bared teeth, in four of ten angry and frightened faces; with it come jaw, lower lip and brows,
+//   which are taken off. It is nearly 0 or large: so joy is its multiple.
+// - Anger and disgust lower the brows, narrow the eyes and raise the upper lip.
+// - mouthFrown is below 0.06 even in sad faces, and cannot carry sadness alone.
+// - noseSneer and cheekSquint are always about 0, and are not read.
+// - jawOpen alone is not negative: talk opens it.
 const ScoreTable& blendshapeTable()
 {
   static const ScoreTable table = [] {
-    const std::vector<std::string> smile = {"mouthSmileLeft", "mouthSmileRight"};
     ScoreTable shapes;
-    shapes.smile = {{{1.f, smile}}, {}};
-    shapes.joy = {{{0.7f, smile}, {0.3f, {"cheekSquintLeft", "cheekSquintRight", "eyeSquintLeft", "eyeSquintRight"}}},
+    shapes.smile = {{{1.f, sides("mouthSmile")},
+                     {-1.25f, {"jawOpen"}},
+                     {-0.5f, sides("mouthLowerDown")},
+                     {-0.5f, sides("browDown")}},
+                    {}};
+    shapes.joy = {{{2.5f, sides("mouthSmile")},
+                   {-3.125f, {"jawOpen"}},
+                   {-1.25f, sides("mouthLowerDown")},
+                   {-1.25f, sides("browDown")}},
                   {}};
-    shapes.sorrow = {{{1.f, {"mouthFrownLeft", "mouthFrownRight", "browInnerUp"}}}, {}};
-    shapes.anger = {
-        {{1.f,
-          {"browDownLeft", "browDownRight", "noseSneerLeft", "noseSneerRight", "mouthPressLeft", "mouthPressRight"}}},
-        {}};
+    shapes.anger = {{{2.f, sides("browDown")},
+                     {1.f, sides("eyeSquint")},
+                     {2.f, sides("mouthUpperUp")},
+                     {1.f, sides("mouthLowerDown")},
+                     {-1.f, sides("mouthSmile")}},
+                    {}};
+    shapes.sorrow = {{{1.f, sides("eyeSquint")},
+                      {2.f, sides("mouthStretch")},
+                      {2.f, sides("mouthFrown")},
+                      {-0.5f, sides("mouthSmile")}},
+                     {}};
     shapes.surprise = {
-        {{1.f, {"browInnerUp", "browOuterUpLeft", "browOuterUpRight", "eyeWideLeft", "eyeWideRight", "jawOpen"}}}, {}};
-    shapes.laughter = {{{1.f, smile}}, {{1.5f, {"jawOpen"}}}};
+        {{0.25f, {"browInnerUp"}}, {0.25f, sides("browOuterUp")}, {0.25f, sides("eyeWide")}, {0.25f, {"jawOpen"}}}, {}};
+    shapes.laughter = {shapes.smile.sum, {{1.5f, {"jawOpen"}}}};
+    setRest(shapes, sides("browDown"), {0.1f, 0.5f});
+    setRest(shapes, sides("eyeSquint"), {0.3f, 0.5f});
+    setRest(shapes, sides("browOuterUp"), {0.2f, 0.5f});
+    setRest(shapes, {"browInnerUp"}, {0.15f, 0.5f});
+    setRest(shapes, sides("mouthSmile"), {0.f, 0.2f});
+    return shapes;
+  }();
+  return table;
+}
+
+// ARKit's shapes have the same names and other habits: by MediaPipe's table a talking face is negative most of the
+// time. By analogy with action units, since no labelled recordings are at hand.
+const ScoreTable& arkitTable()
+{
+  static const ScoreTable table = [] {
+    ScoreTable shapes;
+    shapes.smile = {{{1.f, sides("mouthSmile")}, {-0.5f, sides("browDown")}}, {}};
+    shapes.joy = {{{1.5f, sides("mouthSmile")}, {-0.75f, sides("browDown")}}, {}};
+    shapes.anger = {{{1.5f, sides("browDown")}, {1.5f, sides("noseSneer")}, {-1.f, sides("mouthSmile")}}, {}};
+    shapes.sorrow = {{{2.f, sides("mouthFrown")}, {0.5f, sides("browDown")}, {-1.f, sides("mouthSmile")}}, {}};
+    shapes.surprise = {
+        {{0.25f, {"browInnerUp"}}, {0.25f, sides("browOuterUp")}, {0.25f, sides("eyeWide")}, {0.25f, {"jawOpen"}}}, {}};
+    shapes.laughter = {shapes.smile.sum, {{1.5f, {"jawOpen"}}}};
+    setRest(shapes, sides("browDown"), {0.05f, 0.5f});
+    setRest(shapes, sides("noseSneer"), {0.1f, 0.5f});
+    setRest(shapes, sides("mouthFrown"), {0.15f, 0.5f});
+    setRest(shapes, sides("eyeWide"), {0.3f, 0.5f});
+    setRest(shapes, sides("browOuterUp"), {0.05f, 0.5f});
+    setRest(shapes, {"browInnerUp"}, {0.15f, 0.5f});
+    setRest(shapes, sides("mouthSmile"), {0.f, 0.2f});
     return shapes;
   }();
   return table;

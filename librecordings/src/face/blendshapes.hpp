@@ -23,6 +23,9 @@ std::size_t blendshapeIndex(const std::string& name);
 /// Returns which blendshapes make which readings.
 const ScoreTable& blendshapeTable();
 
+/// As above, for the shapes of ARKit.
+const ScoreTable& arkitTable();
+
 /// How far eyes turn that have a score of 1.
 struct EyeScale
 {

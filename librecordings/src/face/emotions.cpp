@@ -42,17 +42,21 @@ float EmotionScores::*emotionNamed(const std::string& name)
   throw std::invalid_argument("There is no emotion with this name.");
 }
 
-// Each has the expression of the same meaning. Fear and disgust have none; nor has a classifier of emotions anything to
-// say of laughter and excitement. A smile is a movement, and told by action unit 12.
+// The four negative emotions come out as sadness mostly, so they are taken together; 1.4 lets half of a face be enough,
+// since the mood classes ask for 0.7. A smile that is mixed with surprise or worse is no joy. Fear and disgust have no
+// expression of their own, and go with the nearest; nor has a classifier of emotions anything to say of laughter and
+// excitement. The scores are shares already, and no face rests anywhere but at neutral.
 const ScoreTable& emotionTable()
 {
   static const ScoreTable table = [] {
+    const std::vector<ScoreTerm> gladness = {{1.f, {"happy"}}, {-1.f, {"surprise"}}, {-1.f, {"sad"}},
+                                             {-1.f, {"fear"}}, {-1.f, {"disgust"}},  {-1.f, {"anger"}}};
     ScoreTable shares;
-    shares.joy = {{{1.f, {"happy"}}}, {}};
-    shares.sorrow = {{{1.f, {"sad"}}}, {}};
+    shares.smile = {gladness, {}};
+    shares.joy = {gladness, {}};
+    shares.sorrow = {{{1.4f, {"sad"}}, {1.4f, {"fear"}}}, {}};
     shares.surprise = {{{1.f, {"surprise"}}}, {}};
-    shares.anger = {{{1.f, {"anger"}}}, {}};
-    shares.calm = {{{1.f, {"neutral"}}}, {}};
+    shares.anger = {{{1.4f, {"anger"}}, {1.4f, {"disgust"}}}, {}};
     return shares;
   }();
   return table;

@@ -7,6 +7,9 @@
 #include "face/pose.hpp"
 
 #include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -14,39 +17,89 @@ namespace
 {
 constexpr float fullShare = 1.f;  // a classifier gives shares
 
+// The direction in which the head rests moves so fast, and so far from where it began.
+struct HeadLimits
+{
+  float degreesPerSecond;
+  float furthest;  // [deg]
+};
+constexpr HeadLimits refinement{1.f, 5.f};
+constexpr HeadLimits anywhere{6.f, 180.f};
+constexpr float longestStep = 0.5f;  // [s] a gap is not time spent so
+
+void addMissing(std::vector<std::string>& names, const std::vector<std::string>& others)
+{
+  for (const std::string& name : others)
+    if (std::find(names.begin(), names.end(), name) == names.end())
+      names.push_back(name);
+}
+
+float movedTowards(float rest, float angle, float step, float furthest)
+{
+  return std::isnan(angle) ? rest : std::clamp(rest + std::clamp(angle - rest, -step, step), -furthest, furthest);
+}
+
 }  // namespace
+
+FaceAdapterPrivate::UnitTable::UnitTable(const ScoreTable& table) : readings(table)
+{
+  for (const std::string& name : readings.names())
+    numbers.push_back(actionUnitNumber(name));
+}
+
+FaceAdapterPrivate::ShapeTable::ShapeTable(const ScoreTable& table, const EyeScale& eyes) : readings(table, eyes)
+{
+  for (const std::string& name : readings.names())
+    indices.push_back(blendshapeIndex(name));
+}
 
 FaceAdapterPrivate::FaceAdapterPrivate(const ReadingOptions& givenOptions, const Mapping& givenMapping)
   : options(givenOptions),
     mapping(givenMapping),
-    actionUnits(mapping.actionUnits),
-    blendshapes(mapping),
+    units(mapping.actionUnits),
+    pyFeatUnits(mapping.pyFeatActionUnits),
+    shapes(mapping.blendshapes, mapping.eyes),
+    arkitShapes(mapping.arkit, mapping.eyes),
     emotions(mapping.emotions)
 {
-  for (const std::string& name : actionUnits.names())
+  addMissing(actionUnitNames, units.readings.names());
+  addMissing(actionUnitNames, pyFeatUnits.readings.names());
+  for (const std::string& name : actionUnitNames)
     actionUnitNumbers.push_back(actionUnitNumber(name));
-  for (const std::string& name : blendshapes.names())
+  addMissing(blendshapeNames, shapes.readings.names());
+  addMissing(blendshapeNames, arkitShapes.readings.names());
+  for (const std::string& name : blendshapeNames)
     blendshapeIndices.push_back(blendshapeIndex(name));
   for (const std::string& name : emotions.names())
     emotionScores.push_back(emotionNamed(name));
 }
 
-std::vector<float> FaceAdapterPrivate::scoresOf(const ActionUnits& units) const
+const FaceAdapterPrivate::UnitTable& FaceAdapterPrivate::unitsOf(const Face& face) const
 {
-  const float fullScale = units.fullScale.value_or(options.actionUnitFullScale);
+  return face.frontEnd == FrontEnd::PyFeat ? pyFeatUnits : units;
+}
+
+const FaceAdapterPrivate::ShapeTable& FaceAdapterPrivate::shapesOf(const Face& face) const
+{
+  return face.frontEnd == FrontEnd::LiveLink ? arkitShapes : shapes;
+}
+
+std::vector<float> FaceAdapterPrivate::scoresOf(const ActionUnits& told, const UnitTable& table) const
+{
+  const float fullScale = told.fullScale.value_or(options.actionUnitFullScale);
   std::vector<float> scores;
-  scores.reserve(actionUnitNumbers.size());
-  for (const std::size_t number : actionUnitNumbers)
-    scores.push_back(actionUnitScore(static_cast<double>(units.intensity.at(number)), fullScale));
+  scores.reserve(table.numbers.size());
+  for (const std::size_t number : table.numbers)
+    scores.push_back(actionUnitScore(static_cast<double>(told.intensity.at(number)), fullScale));
   return scores;
 }
 
-std::vector<float> FaceAdapterPrivate::scoresOf(const Blendshapes& shapes) const
+std::vector<float> FaceAdapterPrivate::scoresOf(const Blendshapes& told, const ShapeTable& table)
 {
   std::vector<float> scores;
-  scores.reserve(blendshapeIndices.size());
-  for (const std::size_t index : blendshapeIndices)
-    scores.push_back(blendshapeScore(static_cast<double>(shapes.at(index))));
+  scores.reserve(table.indices.size());
+  for (const std::size_t index : table.indices)
+    scores.push_back(blendshapeScore(static_cast<double>(told.at(index))));
   return scores;
 }
 
@@ -59,14 +112,109 @@ std::vector<float> FaceAdapterPrivate::scoresOf(const EmotionScores& shares) con
   return scores;
 }
 
-FacePose FaceAdapterPrivate::poseOf(const Face& face, const std::vector<float>& blendshapeScores) const
+void FaceAdapterPrivate::takeRestOff(std::vector<float>& scores, const ScoreReadings& table, float scale,
+                                     boost::optional<RestingFace::Scores>* learned,
+                                     const boost::optional<Learning>& learning) const
+{
+  if (options.rest.kind == Rest::Kind::None)
+    return;
+  RestingFace::Scores fresh;
+  RestingFace::Scores& own = learned != nullptr && *learned ? **learned : fresh;
+  if (own.rest.empty())
+  {
+    own.names = table.names();
+    for (const RestingScore& score : table.rest())
+    {
+      own.limits.push_back({std::min(score.typical * scale, 1.f), std::min(score.most * scale, 1.f)});
+      own.rest.push_back(own.limits.back().typical);
+    }
+  }
+  own.takeOff(scores, learning ? learning->now : ko::SystemClock::time_point(), options.rest,
+              learning ? learning->rest._start : boost::none);
+  if (learned != nullptr && !*learned)
+    *learned = std::move(fresh);
+}
+
+FacePose FaceAdapterPrivate::poseOf(const Face& face, const ShapeTable& table,
+                                    const std::vector<float>& blendshapeScores)
 {
   FacePose pose = face.pose;
   if (pose.gaze || blendshapeScores.empty())
     return pose;
-  if (const auto eyes = blendshapes.eyes(blendshapeScores))
+  if (const auto eyes = table.readings.eyes(blendshapeScores))
     pose.gaze = gazeOf(*eyes, pose.headPosture);
   return pose;
+}
+
+void FaceAdapterPrivate::takeRestOff(FaceReadings& readings, const Face& face, const Learning& learning) const
+{
+  const LookAt::Kind kind = options.lookAt.kind;
+  const bool refines = kind == LookAt::Kind::FormatsOwn && face.frontEnd == FrontEnd::Ros4Hri && options.lineOfSight &&
+                       options.rest.kind == Rest::Kind::Learned;
+  if ((kind != LookAt::Kind::Learned && !refines) || !readings.headPosture)
+    return;
+  const HeadLimits limits = refines ? refinement : anywhere;
+  RestingFace::Head& head = learning.rest._head;
+  if (!head.last && !refines)
+  {
+    head.yaw = readings.headPosture->yaw();
+    head.pitch = readings.headPosture->pitch();
+  }
+  const float seconds =
+      head.last ? std::clamp(static_cast<float>(static_cast<double>((learning.now - *head.last).count()) * 1e-9), 0.f,
+                             longestStep)
+                : 0.f;
+  head.last = std::max(head.last.value_or(learning.now), learning.now);
+  const float step = limits.degreesPerSecond * seconds;
+  head.yaw = movedTowards(head.yaw, readings.headPosture->yaw(), step, limits.furthest);
+  head.pitch = movedTowards(head.pitch, readings.headPosture->pitch(), step, limits.furthest);
+
+  readings.headPosture = KV::HeadPosture(readings.headPosture->yaw() - head.yaw,
+                                         readings.headPosture->pitch() - head.pitch, readings.headPosture->roll());
+  if (readings.gaze)  // its yaw counts the other way
+    readings.gaze = KV::Gaze(readings.gaze->yaw + head.yaw, readings.gaze->pitch - head.pitch);
+}
+
+FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Learning>& learning) const
+{
+  const float confidence = std::min(face.confidence, 1.f);
+  const ShapeTable& shapeTable = shapesOf(face);
+  FaceReadings readings;
+  std::vector<float> blendshapeScores;
+  if (face.blendshapes)
+  {
+    blendshapeScores = scoresOf(*face.blendshapes, shapeTable);
+    const ScoreReadings& table = shapeTable.readings.table();
+    std::vector<float> scores(blendshapeScores.begin(),
+                              blendshapeScores.begin() + static_cast<std::ptrdiff_t>(table.names().size()));
+    takeRestOff(scores, table, 1.f, learning ? &learning->rest._blendshapes : nullptr, learning);
+    readings.smile = table.smile(scores, confidence);
+    readings.expressions = table.expressions(scores, confidence);
+  }
+  if (face.actionUnits)
+  {
+    const UnitTable& table = unitsOf(face);
+    auto scores = scoresOf(*face.actionUnits, table);
+    const float scale = face.frontEnd == FrontEnd::PyFeat
+                            ? 1.f
+                            : restingFullScale / face.actionUnits->fullScale.value_or(options.actionUnitFullScale);
+    takeRestOff(scores, table.readings, scale, learning ? &learning->rest._actionUnits : nullptr, learning);
+    readings.smile = table.readings.smile(scores, confidence);
+    readings.expressions = table.readings.expressions(scores, confidence);
+  }
+  if (face.emotions)
+  {
+    const auto scores = scoresOf(*face.emotions);
+    if (const auto smile = emotions.smile(scores, confidence))
+      readings.smile = smile;
+    readings.expressions = emotions.expressions(scores, confidence);
+  }
+  if (face.landmarks)
+    readings.facialPoints = facialPointsOf(*face.landmarks, confidence, options.mirrored);
+  setPose(readings, poseOf(face, shapeTable, blendshapeScores), options, face.frontEnd);
+  if (learning)
+    takeRestOff(readings, face, *learning);
+  return readings;
 }
 
 FaceAdapter::FaceAdapter(const ReadingOptions& options)
@@ -80,6 +228,14 @@ boost::optional<KV::PersonObservation> FaceAdapter::observe(const Face& face, ko
   return read(face).observedAt(time);
 }
 
+boost::optional<KV::PersonObservation> FaceAdapter::observe(const Face& face, ko::SystemClock::time_point time,
+                                                            RestingFace& rest) const
+{
+  if (!isTracked(face.confidence))
+    return {};
+  return read(face, time, rest).observedAt(time);
+}
+
 bool FaceAdapter::isTracked(float confidence) const
 {
   return confidence >= _p->options.minimalConfidence;
@@ -87,36 +243,22 @@ bool FaceAdapter::isTracked(float confidence) const
 
 FaceReadings FaceAdapter::read(const Face& face) const
 {
-  const float confidence = std::min(face.confidence, 1.f);
-  FaceReadings readings;
-  std::vector<float> blendshapeScores;
-  if (face.blendshapes)
-  {
-    blendshapeScores = _p->scoresOf(*face.blendshapes);
-    _p->blendshapes.setExpressions(readings, blendshapeScores, confidence);
-  }
-  if (face.actionUnits)
-  {
-    const auto scores = _p->scoresOf(*face.actionUnits);
-    readings.smile = _p->actionUnits.smile(scores, confidence);
-    readings.expressions = _p->actionUnits.expressions(scores, confidence);
-  }
-  if (face.emotions)
-    readings.expressions = _p->emotions.expressions(_p->scoresOf(*face.emotions), confidence);
-  if (face.landmarks)
-    readings.facialPoints = facialPointsOf(*face.landmarks, confidence, _p->options.mirrored);
-  setPose(readings, _p->poseOf(face, blendshapeScores), _p->options);
-  return readings;
+  return _p->read(face, {});
+}
+
+FaceReadings FaceAdapter::read(const Face& face, ko::SystemClock::time_point time, RestingFace& rest) const
+{
+  return _p->read(face, FaceAdapterPrivate::Learning{rest, time});
 }
 
 const std::vector<std::string>& FaceAdapter::actionUnitNames() const
 {
-  return _p->actionUnits.names();
+  return _p->actionUnitNames;
 }
 
 const std::vector<std::string>& FaceAdapter::blendshapeNames() const
 {
-  return _p->blendshapes.names();
+  return _p->blendshapeNames;
 }
 
 const std::vector<std::string>& FaceAdapter::emotionNames() const

@@ -157,7 +157,9 @@ boost::optional<Step> FaceReader::_tellRow()
             "face " + std::to_string(row.face) + " is there twice in frame " + std::to_string(row.frame.number));
   _anyTracked = true;
   Step entry = entryOf(_frameTime, row.face, true);
-  entry.observation = row.readings.observedAt(_frameTime);
+  // Learned in the order in which faces are told, not when rows are read ahead: a live program has no future, either.
+  RestingFace& rest = _resting.of(row.face, _frameTime);
+  entry.observation = _rows->adapter().read(row.told, _frameTime, rest).observedAt(_frameTime);
   return entry;
 }
 

@@ -3,6 +3,7 @@
 #include "face/facerows.hpp"
 #include "face/frametimes.hpp"
 #include "face/personsinview.hpp"
+#include "face/restingfaces.hpp"
 #include "recording/lookahead.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
@@ -32,6 +33,7 @@ public:
 
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
+  std::vector<std::string> describeLearned() const override { return _resting.describe(); }
   std::vector<std::string> takeWarnings() override;
   Columns columns() const override { return _rows->columns(); }
   double progress() const override { return _rows->progress(); }
@@ -53,6 +55,7 @@ private:
   LookAhead<FaceRow> _ahead;
   FrameTimes _times;
   PersonsInView _persons;
+  RestingFaces _resting;
   std::vector<std::string> _warnings;
   bool _anyTracked = false;
   bool _finished = false;

@@ -2,7 +2,7 @@
 
 #include "face/frametimes.hpp"
 
-#include <skeigiot/recordings/facereadings.hpp>
+#include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
@@ -21,7 +21,7 @@ struct FaceRow
   Frame frame;
   bool tracked = false;   ///< the face was found, and so surely that its readings count
   std::int32_t face = 0;  ///< whose; read only of a tracked face
-  FaceReadings readings;  ///< empty unless tracked
+  Face told;              ///< what is told of it; empty unless tracked
 };
 
 /// The rows of a file of a face analyser: what differs from format to format.
@@ -43,6 +43,9 @@ public:
   /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
   /// \throws Error where the rest of the file cannot be read.
   virtual std::optional<FaceRow> next() = 0;
+
+  /// Returns what makes readings of its faces.
+  virtual const FaceAdapter& adapter() const = 0;
 
   virtual const std::string& path() const = 0;
   virtual std::size_t lineNumber() const = 0;

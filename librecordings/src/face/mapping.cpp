@@ -13,6 +13,8 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -133,14 +135,57 @@ std::vector<Member> membersOf(ScoreTable& table, const ScoreNames& names)
   return members;
 }
 
+RestingScore readRestingScore(const Value& value, RestingScore score)
+{
+  const auto readShare = [](const Value& share) {
+    const float number = readNumber(share);
+    if (!(number >= 0.f && number <= 1.f))
+      share.refuse("a number from 0 to 1");
+    return number;
+  };
+  readObject(value, {{"typical", [&](const Value& typical) { score.typical = readShare(typical); }},
+                     {"most", [&](const Value& most) { score.most = readShare(most); }}});
+  return score;
+}
+
+// {"AU04": {"typical": 0.15, "most": 0.5}}
+void readRest(const Value& value, std::map<std::string, RestingScore>& rest, const ScoreNames& names)
+{
+  if (!value->is_object())
+    value.refuse("an object with a member for each score that does not rest at 0");
+  for (const auto& [name, json] : value->items())
+  {
+    if (!names.isOne(name))
+      value.refuseMember(name, names.expected);
+    rest[name] = readRestingScore(Value(value, name, json), rest[name]);
+  }
+}
+
+std::vector<Member> membersWithRest(ScoreTable& table, const ScoreNames& names)
+{
+  auto members = membersOf(table, names);
+  members.push_back({"rest", [&table, names](const Value& value) { readRest(value, table.rest, names); }});
+  return members;
+}
+
 void readTable(const Value& value, ScoreTable& table, const ScoreNames& names)
 {
   readObject(value, membersOf(table, names));
 }
 
+void readActionUnits(const Value& value, Mapping& mapping, const ScoreNames& names)
+{
+  readObject(value, membersWithRest(mapping.actionUnits, names));
+  const auto ownRest = mapping.pyFeatActionUnits.rest;
+  mapping.pyFeatActionUnits = mapping.actionUnits;
+  mapping.pyFeatActionUnits.rest = ownRest;
+}
+
+const ScoreNames blendshapes{isBlendshape, "the name of a blendshape, such as jawOpen"};
+
 void readBlendshapes(const Value& value, Mapping& mapping)
 {
-  auto members = membersOf(mapping.blendshapes, {isBlendshape, "the name of a blendshape, such as jawOpen"});
+  auto members = membersWithRest(mapping.blendshapes, blendshapes);
   members.push_back({"eyes", [&mapping](const Value& eyes) {
                        readObject(eyes,
                                   {{"yaw", [&](const Value& yaw) { mapping.eyes.yaw = readNumber(yaw); }},
@@ -187,7 +232,9 @@ Json parsed(const std::string& file)
 
 Mapping readMapping(const std::string& file)
 {
-  Mapping mapping{actionUnitTable(), blendshapeTable(), EyeScale(), emotionTable(), PyFeatConventions()};
+  Mapping mapping{actionUnitTable(), actionUnitTable(), blendshapeTable(),  arkitTable(),
+                  EyeScale(),        emotionTable(),    PyFeatConventions()};
+  mapping.pyFeatActionUnits.rest = pyFeatRest();
   if (file.empty())
     return mapping;
 
@@ -197,8 +244,11 @@ Mapping readMapping(const std::string& file)
   try
   {
     readObject(Value(json),
-               {{"actionUnits", [&](const Value& value) { readTable(value, mapping.actionUnits, actionUnits); }},
+               {{"actionUnits", [&](const Value& value) { readActionUnits(value, mapping, actionUnits); }},
+                {"pyFeatActionUnits",
+                 [&](const Value& value) { readObject(value, membersWithRest(mapping.pyFeatActionUnits, actionUnits)); }},
                 {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
+                {"arkit", [&](const Value& value) { readObject(value, membersWithRest(mapping.arkit, blendshapes)); }},
                 {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
                 {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
   }

@@ -22,7 +22,9 @@ struct PyFeatConventions
 struct Mapping
 {
   ScoreTable actionUnits;
+  ScoreTable pyFeatActionUnits;  ///< as the action units, but for what it names itself
   ScoreTable blendshapes;
+  ScoreTable arkit;
   EyeScale eyes;
   ScoreTable emotions;
   PyFeatConventions pyFeat;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <skeigiot/recordings/face.hpp>
 #include <skeigiot/recordings/facepose.hpp>
 #include <skeigiot/recordings/facereadings.hpp>
 #include <skeigiot/recordings/recording.hpp>
@@ -7,8 +8,8 @@
 namespace KV::recordings
 {
 
-/// Sets head posture, gaze, distance and head height, as the options want them: relative to the line of sight or not,
+/// Sets head posture, gaze, distance and head height, as the options want them: relative to where the robot is,
 /// mirrored or not.
-void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions& options);
+void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions& options, FrontEnd frontEnd);
 
 }  // namespace KV::recordings

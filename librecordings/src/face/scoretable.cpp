@@ -47,6 +47,11 @@ ScoreReadings::ScoreReadings(const ScoreTable& table)
   for (const ExpressionMember& member : expressionMembers)
     if (const Composition& composition = table.*member.composition; !composition.sum.empty())
       _expressions.push_back(_indexed(member.expression, composition));
+  for (const std::string& name : _names)
+  {
+    const auto found = table.rest.find(name);
+    _rest.push_back(found == table.rest.end() ? RestingScore() : found->second);
+  }
 }
 
 std::optional<KV::Smile> ScoreReadings::smile(const std::vector<float>& scores, float confidence) const
@@ -62,7 +67,6 @@ std::optional<KV::Smile> ScoreReadings::smile(const std::vector<float>& scores, 
 std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<float>& scores, float confidence) const
 {
   KV::Expressions expressions;
-  float strongest = 0.f;
   bool anyKnown = false;
   for (const Formula& formula : _expressions)
   {
@@ -70,16 +74,28 @@ std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<floa
     if (std::isnan(strength))
       continue;
     expressions.*formula.expression = {strength, confidence};
-    strongest = std::max(strongest, strength);
     anyKnown = true;
   }
 
   if (!anyKnown)
     return {};
-  // As far as can be told: without any calm, a face at rest whose scores are known in part would pass for negative.
   if (_calmIsTheRest)
-    expressions.calm = {1.f - strongest, confidence};
+    _share(expressions, confidence);
   return expressions;
+}
+
+// The mood classes were made for scores that share one whole: where an angry face has little calm. A surprised face is
+// neither; it takes half, since a face of which nothing else is known and that is not calm passes for negative.
+// Laughter is a kind of joy, and takes no share of its own.
+void ScoreReadings::_share(KV::Expressions& expressions, float confidence)
+{
+  const float others =
+      expressions.joy.value + expressions.anger.value + expressions.sorrow.value + expressions.surprise.value / 2.f;
+  const float whole = std::max(others, 1.f);
+  for (const Expression sharing :
+       {&KV::Expressions::joy, &KV::Expressions::anger, &KV::Expressions::sorrow, &KV::Expressions::surprise})
+    (expressions.*sharing).value /= whole;
+  expressions.calm = {1.f - others / whole, confidence};
 }
 
 ScoreReadings::Sum ScoreReadings::_indexed(const std::vector<ScoreTerm>& terms)
@@ -104,7 +120,7 @@ ScoreReadings::Formula ScoreReadings::_indexed(Expression expression, const Comp
   return {expression, _indexed(composition.sum), _indexed(composition.limit)};
 }
 
-// NaN if a score is unknown.
+// NaN if a score is unknown that adds to the sum.
 float ScoreReadings::_sumOf(const Sum& sum, const std::vector<float>& scores)
 {
   float total = 0.f;
@@ -113,6 +129,8 @@ float ScoreReadings::_sumOf(const Sum& sum, const std::vector<float>& scores)
     float termTotal = 0.f;
     for (const std::size_t score : term.scores)
       termTotal += scores.at(score);
+    if (term.weight < 0.f && std::isnan(termTotal))
+      continue;
     total += term.weight * (termTotal / static_cast<float>(term.scores.size()));
   }
   return total;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <skeigiot/expressions.hpp>
+#include <skeigiot/recordings/restingface.hpp>
 #include <skeigiot/smile.hpp>
 
 #include <array>
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,7 +21,10 @@ struct ScoreTerm
   std::vector<std::string> of;  ///< names of scores
 };
 
-/// A reading as the sum of its terms, capped at 1, and, if a limit is given, no greater than the sum of that.
+/// A reading as the sum of its terms, within [0, 1], and, if a limit is given, no greater than the sum of that.
+///
+/// A term of a negative weight takes off: it is left out where one of its scores is unknown. Any other unknown score
+/// makes the reading unknown.
 struct Composition
 {
   std::vector<ScoreTerm> sum;  ///< empty: the reading is not told
@@ -36,7 +41,9 @@ struct ScoreTable
   Composition anger;
   Composition laughter;
   Composition excitement;
-  Composition calm;  ///< not told: 1 less the greatest of the other expressions that are known
+  Composition calm;  ///< not told: what joy, anger, sorrow and half of the surprise leave of one whole that they share
+
+  std::map<std::string, RestingScore> rest;  ///< by name; others rest at 0
 };
 
 /// A column of the table, by its name.
@@ -58,6 +65,9 @@ public:
   /// Returns the names of the scores that the table needs, each once.
   const std::vector<std::string>& names() const { return _names; }
 
+  /// Returns how these scores rest, in the order of names().
+  const std::vector<RestingScore>& rest() const { return _rest; }
+
   /// Returns the smile with this confidence, or nothing if it is unknown.
   ///
   /// `scores` are in the order of names(), each in [0, 1], or NaN if it is unknown.
@@ -65,6 +75,9 @@ public:
 
   /// Returns the expressions with this confidence each, and confidence 0 where a score is unknown or the table does
   /// not tell the expression; nothing if all are unknown.
+  ///
+  /// Without a table of its own, calm is what the others leave: joy, anger, sorrow and half of the surprise share one
+  /// whole, and are divided by their sum where it is greater.
   std::optional<KV::Expressions> expressions(const std::vector<float>& scores, float confidence) const;
 
 private:
@@ -88,8 +101,10 @@ private:
   Formula _indexed(Expression expression, const Composition& composition);
   static float _sumOf(const Sum& sum, const std::vector<float>& scores);
   static float _strengthOf(const Formula& formula, const std::vector<float>& scores);
+  static void _share(KV::Expressions& expressions, float confidence);
 
   std::vector<std::string> _names;
+  std::vector<RestingScore> _rest;
   Formula _smile;
   std::vector<Formula> _expressions;  // those that the table tells
   bool _calmIsTheRest = true;

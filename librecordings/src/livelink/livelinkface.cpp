@@ -36,6 +36,7 @@ std::optional<KV::Gaze> eyesOf(const LiveLinkFace& told)
 Face faceOf(const LiveLinkFace& told)
 {
   Face face;
+  face.frontEnd = FrontEnd::LiveLink;
   face.blendshapes = told.blendshapes;
   face.pose.headPosture = headOf(told);
   if (const auto eyes = eyesOf(told))

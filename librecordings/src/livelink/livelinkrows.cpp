@@ -92,7 +92,7 @@ FaceRow LiveLinkRows::_readRow()
   if (row.tracked)
   {
     row.face = _persons.personOf(numbers, file().place());
-    row.readings = _adapter.read(faceOf(_readFace(numbers)));
+    row.told = faceOf(_readFace(numbers));
   }
   return row;
 }

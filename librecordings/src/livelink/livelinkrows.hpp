@@ -29,6 +29,7 @@ public:
   LiveLinkRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
+  const FaceAdapter& adapter() const override { return _adapter; }
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;

@@ -107,7 +107,7 @@ FaceRow BlendshapeCsvRows::_readRow()
     return row;
 
   row.face = _persons.personOf(numbers, file().place());
-  row.readings = _adapter.read(faceOf(face));
+  row.told = faceOf(face);
   return row;
 }
 

@@ -30,6 +30,7 @@ public:
   BlendshapeCsvRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
+  const FaceAdapter& adapter() const override { return _adapter; }
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;

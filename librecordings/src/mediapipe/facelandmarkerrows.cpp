@@ -58,7 +58,7 @@ bool FaceLandmarkerRows::_readResult()
     for (const MediaPipeFace& face : result.faces)
     {
       row.tracked = true;
-      row.readings = _adapter.read(faceOf(face));
+      row.told = faceOf(face);
       _haveScores = _haveScores || (face.blendshapes && !face.blendshapes->areUnknown());
       _haveMatrices = _haveMatrices || face.matrix;
       _rows.push_back(row);

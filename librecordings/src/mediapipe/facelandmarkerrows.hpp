@@ -32,6 +32,7 @@ public:
   const std::string& path() const override { return _pieces.file().path(); }
   std::size_t lineNumber() const override { return _pieces.lineNumber(); }
   double progress() const override { return _pieces.file().progress(); }
+  const FaceAdapter& adapter() const override { return _adapter; }
   Fields fields() const override;
   std::string nothingToRead() const override { return "there is no result"; }
   std::string describeReadings() const override;

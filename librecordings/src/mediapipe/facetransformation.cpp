@@ -63,6 +63,7 @@ std::optional<FacePose> poseOf(const FaceMatrix& matrix)
 Face faceOf(const MediaPipeFace& told)
 {
   Face face;
+  face.frontEnd = FrontEnd::MediaPipe;
   face.confidence = told.confidence;
   face.blendshapes = told.blendshapes;
   if (!told.matrix || !areKnown(*told.matrix))

@@ -82,6 +82,7 @@ OpenFaceFace readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& 
 Face faceOf(const OpenFaceFace& told)
 {
   Face face;
+  face.frontEnd = FrontEnd::OpenFace;
   face.confidence = told.confidence;
   face.pose = {positionOf(told), millimetresPerMetre, headPostureOf(told), gazeOf(told)};
   face.actionUnits = told.actionUnits;

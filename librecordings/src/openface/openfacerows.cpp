@@ -45,10 +45,10 @@ FaceRow OpenFaceRows::_readRow()
     row.face = _persons.personOf(numbers, file().place());
     OpenFaceFace face = readOpenFaceFace(numbers, _columns, _adapter);
     face.confidence = static_cast<float>(confidence);
-    row.readings = _adapter.read(faceOf(face));
+    row.told = faceOf(face);
     // Where no column tells whether a face was found, the readings do.
     if (!_columns.success && !_columns.confidence)
-      row.tracked = !row.readings.empty();
+      row.tracked = !_adapter.read(row.told).empty();
   }
   if (!_columns.frame)
     _frames.count(row.frame, _persons.haveColumn());

@@ -24,6 +24,7 @@ public:
   OpenFaceRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
+  const FaceAdapter& adapter() const override { return _adapter; }
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;

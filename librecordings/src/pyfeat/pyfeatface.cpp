@@ -53,6 +53,7 @@ std::optional<KV::Gaze> gazeOf(const PyFeatFace& told)
 Face faceOf(const PyFeatFace& told)
 {
   Face face;
+  face.frontEnd = FrontEnd::PyFeat;
   face.confidence = told.confidence;
   face.pose.headPosture = headPostureOf(told);
   face.pose.gaze = gazeOf(told);

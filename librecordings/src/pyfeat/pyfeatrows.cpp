@@ -94,10 +94,10 @@ std::optional<FaceRow> PyFeatRows::next()
                   "unit by pyFeat.angles in a mapping (--mapping)");
   row.face = _personOf(*raw);
   raw->face.units = _convention.units();
-  row.readings = _adapter.read(faceOf(raw->face));
+  row.told = faceOf(raw->face);
   // Where no column tells whether a face was found, the readings do.
   if (!_columns.faceScore)
-    row.tracked = !row.readings.empty();
+    row.tracked = !_adapter.read(row.told).empty();
   return row;
 }
 

@@ -32,6 +32,7 @@ public:
   PyFeatRows(const std::string& path, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
+  const FaceAdapter& adapter() const override { return _adapter; }
   Fields fields() const override;
   AssumedRate assumedRate() const override { return _assumedRate; }
   std::string describeReadings() const override;

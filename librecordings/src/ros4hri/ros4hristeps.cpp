@@ -99,7 +99,9 @@ void RosbagCycles::expression(const std::string& face, const RosExpression& expr
 
 void RosbagCycles::actionUnits(const std::string& face, const RosActionUnits& units)
 {
-  const FaceReadings readings = readingsOf(units, _adapter);
+  const auto person = _persons.ofFace(face);
+  const FaceReadings readings =
+      person ? readingsOf(units, _adapter, _now, _resting.of(*person, _now)) : readingsOf(units, _adapter);
   KV::PersonObservation& pending = _readingOf(face).pending;
   if (readings.smile)
     pending.smile.emplace(_now, *readings.smile);
@@ -218,7 +220,7 @@ boost::optional<Step> RosbagCycles::_entryOf(const std::string& name, Face& face
   if (face.pendingSince)
     entry.time = std::max(entry.time, *face.pendingSince);
   face.pendingSince = boost::none;
-  _addPose(name, face, entry.observation);
+  _addPose(name, face, person, entry.observation);
   if (entry.observation.faceDetected)
     entry.time = std::max(entry.time, entry.observation.faceDetected->time);
   else
@@ -233,18 +235,21 @@ boost::optional<Step> RosbagCycles::_entryOf(const std::string& name, Face& face
   return entry;
 }
 
-void RosbagCycles::_addPose(const std::string& name, Face& face, KV::PersonObservation& observation) const
+void RosbagCycles::_addPose(const std::string& name, Face& face, std::int32_t person,
+                            KV::PersonObservation& observation)
 {
   const auto posed = _cycle->posed.find(name);
   const auto camera = _cameraOf(name);
   if (posed == _cycle->posed.end() || !camera)
     return;
   recordings::Face told;
+  told.frontEnd = FrontEnd::Ros4Hri;
   told.pose = poseOf(*_tree.find(*camera, facePrefix + name));
   const auto gaze = _tree.find(*camera, gazePrefix + name);
   if (gaze && std::exchange(face.gazeIsNew, false))
     told.pose.gaze = gazeOf(*gaze);
-  const KV::PersonObservation posedObservation = _adapter.read(told).observedAt(posed->second);
+  RestingFace& rest = _resting.of(person, posed->second);
+  const KV::PersonObservation posedObservation = _adapter.read(told, posed->second, rest).observedAt(posed->second);
   observation.faceDetected = posedObservation.faceDetected;
   observation.headPosture = posedObservation.headPosture;
   observation.gaze = posedObservation.gaze;

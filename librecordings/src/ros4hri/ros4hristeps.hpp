@@ -1,6 +1,7 @@
 #pragma once
 
 #include "face/personsinview.hpp"
+#include "face/restingfaces.hpp"
 #include "ros4hri/ros4hripersons.hpp"
 #include "ros4hri/rosmessages.hpp"
 #include "ros4hri/transformtree.hpp"
@@ -82,12 +83,13 @@ private:
   Face& _readingOf(const std::string& name);
   void _close();
   boost::optional<Step> _entryOf(const std::string& name, Face& face, std::int32_t person);
-  void _addPose(const std::string& name, Face& face, KV::PersonObservation& observation) const;
+  void _addPose(const std::string& name, Face& face, std::int32_t person, KV::PersonObservation& observation);
   boost::optional<std::string> _cameraOf(const std::string& face) const;
   void _tellMissing(const std::set<std::int32_t>& seen);
   bool _isAround(const std::string& name, const Face& face) const;
 
   FaceAdapter _adapter;
+  RestingFaces _resting;
   RosbagPersons& _persons;
   TransformTree _tree;
   TimePoint _now;

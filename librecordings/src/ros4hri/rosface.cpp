@@ -15,6 +15,7 @@ Face faceOf(const RosFace& told)
   if (!rotation || !std::isfinite(x + y + z))
     throw std::invalid_argument("The pose of the face has a number that is not finite, or its rotation is 0.");
   Face face;
+  face.frontEnd = FrontEnd::Ros4Hri;
   face.pose = poseOf({*rotation, told.translation});
   if (!told.gazeRotation)
     return face;

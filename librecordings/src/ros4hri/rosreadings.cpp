@@ -78,18 +78,10 @@ KV::FacialPoints facialPointsOf(const RosLandmarks& landmarks)
   return points;
 }
 
-}  // namespace
-
-FaceReadings readingsOf(const RosExpression& expression)
-{
-  FaceReadings readings;
-  readings.expressions = expressionsOf(expression);
-  return readings;
-}
-
-FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter)
+Face faceOf(const RosActionUnits& units, const FaceAdapter& adapter)
 {
   Face face;
+  face.frontEnd = FrontEnd::Ros4Hri;
   face.actionUnits.emplace();
   face.confidence = 0.f;
   int known = 0;
@@ -104,7 +96,27 @@ FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter)
   }
   if (known > 0)
     face.confidence /= static_cast<float>(known);
-  return adapter.read(face);
+  return face;
+}
+
+}  // namespace
+
+FaceReadings readingsOf(const RosExpression& expression)
+{
+  FaceReadings readings;
+  readings.expressions = expressionsOf(expression);
+  return readings;
+}
+
+FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter)
+{
+  return adapter.read(faceOf(units, adapter));
+}
+
+FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter, ko::SystemClock::time_point time,
+                        RestingFace& rest)
+{
+  return adapter.read(faceOf(units, adapter), time, rest);
 }
 
 FaceReadings readingsOf(const RosLandmarks& landmarks)

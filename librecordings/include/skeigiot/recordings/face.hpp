@@ -12,12 +12,24 @@
 namespace KV::recordings
 {
 
+/// Which front end a face comes from: their scores mean different things, and their faces rest differently.
+enum class FrontEnd
+{
+  Other,  ///< action units are taken as OpenFace's, blendshapes as MediaPipe's
+  OpenFace,
+  PyFeat,
+  MediaPipe,
+  LiveLink,  ///< ARKit's blendshapes
+  Ros4Hri
+};
+
 /// The output of a front end for one face in one frame, in the units of this library. Every part may be missing.
 ///
 /// Each front end has a structure with its own units and signs: OpenFaceFace, PyFeatFace, MediaPipeFace, LiveLinkFace
 /// and RosFace. faceOf() converts such a structure to a Face.
 struct SKEIGIOT_API Face
 {
+  FrontEnd frontEnd = FrontEnd::Other;
   float confidence = 1.f;                  ///< that this is a face and well tracked, in [0, 1]; above counts as 1
   FacePose pose;                           ///< if the gaze is missing, it is computed from the blendshapes of the eyes
   std::optional<ActionUnits> actionUnits;  ///< they make smile and expressions

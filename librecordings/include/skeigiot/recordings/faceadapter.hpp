@@ -6,6 +6,7 @@
 #include <skeigiot/recordings/face.hpp>
 #include <skeigiot/recordings/facereadings.hpp>
 #include <skeigiot/recordings/readingoptions.hpp>
+#include <skeigiot/recordings/restingface.hpp>
 
 #include <ko/systemclock.hpp>
 
@@ -23,7 +24,11 @@ struct FaceAdapterPrivate;
 /// Converts the output of a front end for a face to readings. All readers of recordings use this class. A live program
 /// that uses it gets the same readings, to the last bit, as a recording of the same numbers.
 ///
-/// Of the options it reads the mapping, mirrored, lineOfSight, cameraHeight, minimalConfidence and actionUnitFullScale.
+/// People differ at rest, so what a person's face is at rest is taken off its scores: with a RestingFace for each
+/// person it is learned as faces come, as readers do; without one, a typical face of the front end is assumed.
+///
+/// Of the options it reads the mapping, mirrored, lineOfSight, lookAt, rest, cameraHeight, minimalConfidence and
+/// actionUnitFullScale.
 /// Copies share the record, which never changes.
 ///
 /// \par Thread safety
@@ -40,21 +45,29 @@ public:
   /// (isTracked()): the person was not seen in this cycle.
   boost::optional<KV::PersonObservation> observe(const Face& face, ko::SystemClock::time_point time) const;
 
+  /// As above; learns from the face what this person's face is at rest. Times must not run back.
+  boost::optional<KV::PersonObservation> observe(const Face& face, ko::SystemClock::time_point time,
+                                                 RestingFace& rest) const;
+
   /// Tells whether a face of this confidence counts: it is at least minimalConfidence; NaN is not.
   bool isTracked(float confidence) const;
 
   /// Returns the readings of a face, whatever its confidence.
   ///
-  /// - headPosture, gaze: of the pose; relative to the line from the face to the camera if the position is known and
-  ///   lineOfSight is on, with left and right exchanged if the image is mirrored.
+  /// - headPosture, gaze: of the pose; relative to the line from the face to what lookAt says, where that is a point
+  /// and
+  ///   the position is known, with left and right exchanged if the image is mirrored.
   /// - distance [m]: to the camera. headHeight [m]: cameraHeight less how far the face is below the camera.
-  /// - smile: action units by their table; else blendshapes by theirs.
+  /// - smile: emotions by their table; else action units, else blendshapes, each by theirs.
   /// - expressions: emotions by their table, else action units, else blendshapes. Of a table the expressions whose
   ///   scores are unknown get confidence 0.
   /// - facialPoints: those of the landmarks that are known.
   FaceReadings read(const Face& face) const;
 
-  /// Return which scores the tables read, such as "AU06", "mouthSmileLeft", "happy". All others are passed over.
+  /// As above; learns from the face what this person's face is at rest.
+  FaceReadings read(const Face& face, ko::SystemClock::time_point time, RestingFace& rest) const;
+
+  /// Return which scores the tables read, each once: "AU06", "mouthSmileLeft", "happy". All others are passed over.
   /// @{
   const std::vector<std::string>& actionUnitNames() const;
   const std::vector<std::string>& blendshapeNames() const;

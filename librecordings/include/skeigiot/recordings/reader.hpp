@@ -27,6 +27,9 @@ public:
   /// Says in two lines how signs, units and rate are read, so that a wrong guess is seen.
   virtual std::vector<std::string> describe() const = 0;
 
+  /// Says what was learned so far of the persons' faces at rest, a line each; empty if nothing was.
+  virtual std::vector<std::string> describeLearned() const { return {}; }
+
   /// Returns the warnings that came up since the last call.
   virtual std::vector<std::string> takeWarnings() { return {}; }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/recordings/lookat.hpp>
+#include <skeigiot/recordings/rest.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -17,7 +19,9 @@ struct SKEIGIOT_API ReadingOptions
   bool lineOfSight = true;              ///< angles relative to the line from face to camera, where a position is known
   boost::optional<float> cameraHeight;  ///< [m] above the floor; without it head heights are unknown
   float minimalConfidence = 0.7f;       ///< below this a face counts as not tracked
-  float actionUnitFullScale = 5.f;      ///< action-unit intensity that counts as 1
+  float actionUnitFullScale = 3.f;      ///< action-unit intensity that counts as 1, where units go from 0 to 5
+  LookAt lookAt;                        ///< where the robot is; the format's own: lineOfSight decides
+  Rest rest;                            ///< what is taken off a face as its rest
   std::string mapping;                  ///< file that says how scores become readings; empty is the built-in tables
   std::string personColumn;             ///< column of a CSV file that names the person; empty is the format's own
 };

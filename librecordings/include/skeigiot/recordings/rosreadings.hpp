@@ -20,6 +20,10 @@ SKEIGIOT_API FaceReadings readingsOf(const RosExpression& expression);
 /// needs and that are known.
 SKEIGIOT_API FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter);
 
+/// As above; learns from the action units what this person's face is at rest.
+SKEIGIOT_API FaceReadings readingsOf(const RosActionUnits& units, const FaceAdapter& adapter,
+                                     ko::SystemClock::time_point time, RestingFace& rest);
+
 /// Returns the facial points in pixels, each with its own confidence. They are not exchanged in a mirror image.
 SKEIGIOT_API FaceReadings readingsOf(const RosLandmarks& landmarks);
 
