@@ -2,11 +2,34 @@
 
 #include "cli/argumentparsing.hpp"
 
+#include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace KV::tools
 {
+namespace
+{
+// Adds an option whose text `parse` reads; it throws std::invalid_argument.
+template <typename Value>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                       Value (*parse)(const std::string&), Value& target)
+{
+  const auto take = [name, parse, &target](const std::string& text) {
+    try
+    {
+      target = parse(text);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError(name, error.what());
+    }
+  };
+  return command.add_option_function<std::string>(name, take, help)->type_name(type);
+}
+
+}  // namespace
 
 std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments)
 {
@@ -33,10 +56,24 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
       ->group(group);
   command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
       ->group(group);
-  addChoice<bool>(command, "--frame",
-                  "What angles are relative to: the line-of-sight from face to camera\n"
-                  "(default, where the file has a position), or the axis of the camera",
-                  "FRAME", {{"line-of-sight", true}, {"camera", false}}, reading.lineOfSight)
+  addParsed<recordings::LookAt>(command, "--look-at",
+                                "Where whoever looks at the robot looks: RIGHT,DOWN,FORWARD in metres\n"
+                                "from the camera; the camera itself (default, but for bags); axis,\n"
+                                "parallel to the axis of the camera (for bags, and then moved by up to\n"
+                                "5 degrees towards where the head rests); or learned, where the head\n"
+                                "rests most",
+                                "POINT", recordings::parseLookAt, reading.lookAt)
+      ->group(group);
+  addChoice<recordings::LookAt>(
+      command, "--frame", "Older words for --look-at: line-of-sight is camera, camera is axis", "FRAME",
+      {{"line-of-sight", {recordings::LookAt::Kind::Camera, {}}}, {"camera", {recordings::LookAt::Kind::Axis, {}}}},
+      reading.lookAt)
+      ->group(group)
+      ->excludes("--look-at");
+  addParsed<recordings::Rest>(command, "--rest",
+                              "What is taken off a face as its rest: learned as faces come (default),\n"
+                              "none, or the median of a span in seconds such as 2..7.5",
+                              "REST", recordings::parseRest, reading.rest)
       ->group(group);
   addNumber(command, "--camera-height",
             "Height of the camera above the floor; without it the heights of\n"
@@ -48,7 +85,7 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
             "a number from 0 to 1", isShare,
             [&reading](double share) { reading.minimalConfidence = static_cast<float>(share); })
       ->group(group);
-  addNumber(command, "--au-full-scale", "Intensity of an action unit that counts as full (5)", "INTENSITY",
+  addNumber(command, "--au-full-scale", "Intensity of an action unit that counts as full (3)", "INTENSITY",
             "a number above 0", isPositive,
             [&reading](double intensity) { reading.actionUnitFullScale = static_cast<float>(intensity); })
       ->group(group);

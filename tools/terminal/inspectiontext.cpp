@@ -112,6 +112,10 @@ void writeAsText(std::ostream& stream, const session::InspectionReport& report, 
   }
   for (const auto& [person, span] : contents.persons())
     lines.add("person " + std::to_string(person), describePerson(span, contents.first()));
+  if (contents.steps() > 0)
+    lines.add("trust", session::trustIn(contents));
+  for (const std::string& line : report.learned)
+    lines.add(&line == &report.learned.front() ? "learned" : "", line);
   for (const auto& [scope, count] : contents.scopes())
     lines.add("scope", "'" + scope + "', started " + session::counted(count, "time"));
   if (!report.columns.used.empty())

@@ -148,10 +148,8 @@ FacePose FaceAdapterPrivate::poseOf(const Face& face, const ShapeTable& table,
 
 void FaceAdapterPrivate::takeRestOff(FaceReadings& readings, const Face& face, const Learning& learning) const
 {
-  const LookAt::Kind kind = options.lookAt.kind;
-  const bool refines = kind == LookAt::Kind::FormatsOwn && face.frontEnd == FrontEnd::Ros4Hri && options.lineOfSight &&
-                       options.rest.kind == Rest::Kind::Learned;
-  if ((kind != LookAt::Kind::Learned && !refines) || !readings.headPosture)
+  const bool refines = refinesAxis(options, face.frontEnd);
+  if ((options.lookAt.kind != LookAt::Kind::Learned && !refines) || !readings.headPosture)
     return;
   const HeadLimits limits = refines ? refinement : anywhere;
   RestingFace::Head& head = learning.rest._head;

@@ -2,6 +2,8 @@
 
 #include "face/viewingangles.hpp"
 
+#include <skeigiot/recordings/description.hpp>
+
 #include <optional>
 
 namespace KV::recordings
@@ -20,9 +22,7 @@ std::optional<Angles> asWanted(const std::optional<Angles>& angles, const Bearin
 // Where whoever looks at the robot looks, seen from the face.
 Bearing bearingOfRobot(const FacePose& pose, const ReadingOptions& options, FrontEnd frontEnd)
 {
-  LookAt::Kind kind = options.lookAt.kind;
-  if (kind == LookAt::Kind::FormatsOwn)
-    kind = options.lineOfSight && frontEnd != FrontEnd::Ros4Hri ? LookAt::Kind::Camera : LookAt::Kind::Axis;
+  const LookAt::Kind kind = lookAtOf(options, frontEnd);
   if (!pose.position || kind == LookAt::Kind::Axis || kind == LookAt::Kind::Learned)
     return {};
   if (kind == LookAt::Kind::Camera)
@@ -47,6 +47,35 @@ void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions&
   const auto bearing = bearingOfRobot(pose, options, frontEnd);
   readings.headPosture = asWanted(pose.headPosture, bearing, options.mirrored);
   readings.gaze = asWanted(pose.gaze, bearing, options.mirrored);
+}
+
+LookAt::Kind lookAtOf(const ReadingOptions& options, FrontEnd frontEnd)
+{
+  if (options.lookAt.kind != LookAt::Kind::FormatsOwn)
+    return options.lookAt.kind;
+  return options.lineOfSight && frontEnd != FrontEnd::Ros4Hri ? LookAt::Kind::Camera : LookAt::Kind::Axis;
+}
+
+bool refinesAxis(const ReadingOptions& options, FrontEnd frontEnd)
+{
+  return options.lookAt.kind == LookAt::Kind::FormatsOwn && frontEnd == FrontEnd::Ros4Hri && options.lineOfSight &&
+         options.rest.kind == Rest::Kind::Learned;
+}
+
+std::string describeOrigin(const ReadingOptions& options, FrontEnd frontEnd, bool positionIsKnown)
+{
+  const LookAt::Kind kind = lookAtOf(options, frontEnd);
+  if (kind == LookAt::Kind::Learned)
+    return "counted from where the head rests";
+  if (refinesAxis(options, frontEnd))
+    return "counted from the optical axis of the camera, moved by up to 5 degrees towards where the head rests";
+  if (!positionIsKnown || kind == LookAt::Kind::Axis)
+    return "counted from the optical axis of the camera";
+  if (kind == LookAt::Kind::Camera)
+    return "counted from the line of sight to the camera";
+  const FacePosition& robot = options.lookAt.point;
+  return "counted from the line of sight to the robot, from the camera " + shortNumber(robot.right) +
+         " m to the right, " + shortNumber(robot.down) + " m down, " + shortNumber(robot.forward) + " m forward";
 }
 
 }  // namespace KV::recordings

@@ -1,6 +1,7 @@
 #include "livelink/livelinkrows.hpp"
 
 #include "face/csvscores.hpp"
+#include "face/pose.hpp"
 #include "livelink/timecode.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -148,6 +149,8 @@ std::string LiveLinkRows::describeReadings() const
         "left out where all are 0)");
   parts.emplace_back(std::string(_eyes ? "eye yaw to the own right, eye pitch down" : "gaze roughly from EyeLook") +
                      ", added to the head");
+  if (_head)
+    parts.push_back(describeOrigin(_options, FrontEnd::LiveLink, false));
   parts.emplace_back("expressions by blendshapes");
   parts.emplace_back(_options.mirrored ? "mirrored" : "not mirrored");
   return "Live Link Face: " + listed(parts);

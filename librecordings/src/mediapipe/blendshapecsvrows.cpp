@@ -2,6 +2,7 @@
 
 #include "face/blendshapes.hpp"
 #include "face/csvscores.hpp"
+#include "face/pose.hpp"
 #include "mediapipe/facetransformation.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -157,8 +158,7 @@ std::string BlendshapeCsvRows::describeReadings() const
   if (_matrix)
   {
     parts.emplace_back("head pose from the matrices, in cm");
-    parts.emplace_back(_options.lineOfSight ? "counted from the line of sight to the camera"
-                                            : "counted from the optical axis of the camera");
+    parts.push_back(describeOrigin(_options, FrontEnd::MediaPipe, true));
   }
   parts.emplace_back(std::string("gaze roughly from eyeLook scores") +
                      (_matrix ? " and the head" : ", relative to the head"));

@@ -1,5 +1,6 @@
 #include "mediapipe/facelandmarkerrows.hpp"
 
+#include "face/pose.hpp"
 #include "input/jsonvalue.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -83,8 +84,7 @@ std::string FaceLandmarkerRows::describeReadings() const
   if (_haveMatrices)
   {
     parts.emplace_back("head pose from the matrices, in cm");
-    parts.emplace_back(_options.lineOfSight ? "counted from the line of sight to the camera"
-                                            : "counted from the optical axis of the camera");
+    parts.push_back(describeOrigin(_options, FrontEnd::MediaPipe, true));
   }
   if (_haveScores)
   {

@@ -1,5 +1,6 @@
 #include "openface/openfacerows.hpp"
 
+#include "face/pose.hpp"
 #include "openface/openfaceface.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -66,8 +67,7 @@ std::string OpenFaceRows::describeReadings() const
   if (_columns.rotation || _columns.hasGaze())
   {
     parts.emplace_back("angles in radians");
-    parts.emplace_back(_columns.position && _options.lineOfSight ? "counted from the line of sight to the camera"
-                                                                 : "counted from the optical axis of the camera");
+    parts.push_back(describeOrigin(_options, FrontEnd::OpenFace, _columns.position.has_value()));
   }
   if (_columns.rotation)
     parts.emplace_back("pose_Rx down, pose_Ry to the own right, pose_Rz to the own left shoulder");

@@ -2,6 +2,7 @@
 
 #include "face/csvscores.hpp"
 #include "face/faceadapterprivate.hpp"
+#include "face/pose.hpp"
 #include "pyfeat/approximaterate.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -191,7 +192,7 @@ std::string PyFeatRows::describeReadings() const
     parts.push_back(_convention.describeRotation());
   if (_columns.gaze)
     parts.push_back(_convention.describeGaze());
-  parts.emplace_back("counted from the optical axis of the camera");
+  parts.push_back(describeOrigin(_options, FrontEnd::PyFeat, false));
   if (_columns.hasEmotions())
     parts.emplace_back("expressions by emotions");
   else if (_columns.hasActionUnits())

@@ -123,6 +123,15 @@ std::vector<std::string> MergedRecording::describe() const
   return lines;
 }
 
+std::vector<std::string> MergedRecording::describeLearned() const
+{
+  std::vector<std::string> lines;
+  for (const Input& input : _inputs)
+    for (const std::string& line : input.from.reader->describeLearned())
+      lines.push_back(input.from.path + ": " + line);
+  return lines;
+}
+
 std::vector<std::string> MergedRecording::takeWarnings()
 {
   std::vector<std::string> warnings;

@@ -51,6 +51,9 @@ public:
   /// Says who has which number.
   std::string describePersons() const;
 
+  /// Says what was learned of the faces at rest, a line each.
+  std::vector<std::string> describeLearned() const { return _cycles.describeLearned(); }
+
 private:
   void _takeSpeech(const std::string& voice, RosData& data);
 

@@ -59,6 +59,9 @@ public:
   };
   Gaze gaze() const { return _gaze; }
 
+  /// Says what was learned of the faces at rest, a line each.
+  std::vector<std::string> describeLearned() const { return _resting.describe(); }
+
 private:
   struct Face
   {

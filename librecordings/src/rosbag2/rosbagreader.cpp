@@ -1,5 +1,6 @@
 #include "rosbag2/rosbagreader.hpp"
 
+#include "face/pose.hpp"
 #include "recording/recordingclock.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
@@ -122,11 +123,8 @@ boost::optional<Step> RosbagReader::next()
 
 std::vector<std::string> RosbagReader::describe() const
 {
-  const std::string angles = _options.lineOfSight
-                                 ? "angles from the frames of the faces, counted from the line of sight"
-                                 : "angles from the frames of the faces, counted from the optical axis";
-  return {"ROS 2 bag: " + angles + " of the camera" + (_options.mirrored ? ", mirrored" : ", not mirrored") + "; " +
-              _describeTopics(),
+  return {"ROS 2 bag: angles from the frames of the faces, " + describeOrigin(_options, FrontEnd::Ros4Hri, true) +
+              (_options.mirrored ? ", mirrored" : ", not mirrored") + "; " + _describeTopics(),
           "times at which the messages were received" +
               std::string(_origin == 0 ? "" : ", placed at 2020-01-01 since they count from the start") + "; " +
               _dispatch.describePersons()};

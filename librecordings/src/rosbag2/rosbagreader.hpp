@@ -36,6 +36,7 @@ public:
 
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
+  std::vector<std::string> describeLearned() const override { return _dispatch.describeLearned(); }
   std::vector<std::string> takeWarnings() override;
   double progress() const override;
 

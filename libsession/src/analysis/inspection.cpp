@@ -1,6 +1,8 @@
 #include <skeigiot/session/inspection.hpp>
 
 #include <skeigiot/readings.hpp>
+#include <skeigiot/recordings/description.hpp>
+#include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -8,6 +10,8 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace KV::session
 {
@@ -44,6 +48,66 @@ void addNumbers(Ranges& ranges, const std::string& name, const Value& value)
       const bool isValue = std::string_view(part.name) == "value";
       addNumbers(ranges, isValue ? name : name + "." + part.name, part.in(value));
     });
+}
+
+/// Which numbers there are, by the names of their readings.
+class Contents
+{
+public:
+  explicit Contents(const std::map<std::string, NumberRange>& numbers) : _numbers(numbers) {}
+
+  bool have(const std::string& reading) const
+  {
+    const auto found = _numbers.lower_bound(reading);
+    return found != _numbers.end() && (found->first == reading || found->first.rfind(reading + ".", 0) == 0);
+  }
+
+  bool haveAny(const std::vector<std::string>& readings) const
+  {
+    return std::any_of(readings.begin(), readings.end(), [this](const std::string& reading) { return have(reading); });
+  }
+
+  /// Returns the number if it was ever told.
+  const NumberRange* find(const std::string& name) const
+  {
+    const auto found = _numbers.find(name);
+    return found == _numbers.end() || found->second.count == 0 ? nullptr : &found->second;
+  }
+
+private:
+  const std::map<std::string, NumberRange>& _numbers;
+};
+
+std::string describeStrengths(const Contents& contents)
+{
+  std::vector<std::string> parts;
+  for (const std::string name : {"joy", "anger", "sorrow", "surprise"})
+    if (const NumberRange* const range = contents.find("expressions." + name))
+      parts.push_back(name + " " + plainNumber(range->greatest));
+  return parts.empty() ? "" : "at most " + recordings::listed(parts);
+}
+
+std::string describeOffset(const Contents& contents)
+{
+  const NumberRange* const yaw = contents.find("headPosture.yaw");
+  const NumberRange* const pitch = contents.find("headPosture.pitch");
+  if (yaw == nullptr || pitch == nullptr)
+    return "";
+  const auto degrees = [](double angle) { return std::to_string(std::lround(angle)); };
+  return "head " + degrees(yaw->mean()) + " / " + degrees(pitch->mean()) + " degrees right / up on average";
+}
+
+std::string describeMissing(const Contents& contents)
+{
+  const bool facesTellValence = contents.have("expressions") || (contents.have("smile") && contents.have("speaking"));
+  const bool othersDo = contents.haveAny({"voiceEmotion", "asrEmotion", "touchEmotion", "contextEmotion"});
+  std::vector<std::string> parts;
+  if (!facesTellValence)
+    parts.emplace_back(othersDo ? "no expressions: the face tells nothing of valence"
+                                : "no expressions: valence stays unknown");
+  if (!contents.haveAny({"headPosture", "gaze", "lookingAtRobot"}))
+    parts.emplace_back("neither head posture nor gaze: attention stays unknown");
+  return recordings::listed(parts);
 }
 
 }  // namespace
@@ -109,6 +173,25 @@ void Inspection::_addPerson(const recordings::Step& step)
     span.first = step.time;
   span.last = step.time;
   ++(step.seen ? span.seen : span.notSeen);
+}
+
+std::string trustIn(const Inspection& inspection)
+{
+  std::size_t seen = 0;
+  std::size_t told = 0;
+  for (const auto& [person, span] : inspection.persons())
+  {
+    seen += span.seen;
+    told += span.seen + span.notSeen;
+  }
+  if (told == 0)
+    return "nobody is told of";
+  const Contents contents(inspection.numbers());
+  std::string sentence = "seen in " + percentage(static_cast<double>(seen) / static_cast<double>(told)) + " of steps";
+  for (const std::string& part : {describeStrengths(contents), describeOffset(contents), describeMissing(contents)})
+    if (!part.empty())
+      sentence += "; " + part;
+  return sentence;
 }
 
 }  // namespace KV::session

@@ -68,6 +68,7 @@ InspectionReport inspect(const std::string& path, const std::string& format, con
   if (!outcome.opened)
     throw recordings::Error(*outcome.error);
   report.description = outcome.description;
+  report.learned = outcome.learned;
   report.columns = outcome.columns;
   report.warnings = outcome.warnings;
   report.moreWarnings = outcome.moreWarnings;
@@ -82,6 +83,8 @@ void writeAsJson(std::ostream& stream, const InspectionReport& report)
 {
   const Inspection& contents = report.contents;
   Json json = {{"path", report.path}, {"format", report.format}, {"readAs", report.description}};
+  json["learned"] = report.learned;
+  json["trust"] = trustIn(report.contents);
   json["begins"] = inSeconds(contents.first().time_since_epoch());
   json["length"] = inSeconds(contents.length());
   json["steps"] = contents.steps();

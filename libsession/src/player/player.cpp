@@ -82,6 +82,7 @@ private:
     if (_session && !_outcome.stopped)
       _session->finish();
     _outcome.description = _reader.describe();
+    _outcome.learned = _reader.describeLearned();
     _outcome.columns = _reader.columns();
     static_cast<ReadingNotes&>(_outcome) = _reading.notes();
     _outcome.length = _length();

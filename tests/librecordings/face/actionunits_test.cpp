@@ -63,9 +63,9 @@ TEST(ActionUnits, AreNamedWithTwoDigits)
     EXPECT_FALSE(KV::recordings::isActionUnitName(other)) << other;
 }
 
-TEST(ActionUnits, AreCappedOneByOneBeforeTheMean)
+TEST(ActionUnits, AreCappedOneByOneBeforeTheSum)
 {
-  EXPECT_FLOAT_EQ(0.75f, expressionsWith({{"AU06", 2.5}, {"AU12", 50.0}}).joy.value);
+  EXPECT_FLOAT_EQ(0.9f - 0.25f, expressionsWith({{"AU04", 2.5}, {"AU12", 50.0}}).joy.value);
 }
 
 TEST(ActionUnits, TellASmileByTheLipCorners)
@@ -75,6 +75,11 @@ TEST(ActionUnits, TellASmileByTheLipCorners)
   EXPECT_FLOAT_EQ(0.4f, smile->value);
   EXPECT_FLOAT_EQ(confidence, smile->confidence);
   EXPECT_FALSE(readings().smile(faceWith({}, unknown), confidence));
+}
+
+TEST(ActionUnits, TellNoSmileUnderLoweredBrows)
+{
+  EXPECT_FLOAT_EQ(0.f, readings().smile(faceWith({{"AU12", 1.0}, {"AU04", 2.5}}), confidence)->value);
 }
 
 struct ExpressionCase
@@ -93,7 +98,7 @@ void PrintTo(const ExpressionCase& row, std::ostream* stream)
 class Expression : public ::testing::TestWithParam<ExpressionCase>
 {};
 
-TEST_P(Expression, IsTheMeanOfItsActionUnits)
+TEST_P(Expression, IsTheSumOfItsActionUnits)
 {
   const auto expression = expressionsWith(GetParam().units).*GetParam().expression;
   EXPECT_FLOAT_EQ(GetParam().strength, expression.value);
@@ -103,16 +108,18 @@ TEST_P(Expression, IsTheMeanOfItsActionUnits)
 INSTANTIATE_TEST_SUITE_P(
     Of, Expression,
     ::testing::Values(
-        ExpressionCase{"Joy", &KV::Expressions::joy, {{"AU06", 2.0}, {"AU12", 3.0}}, 0.5f},
-        ExpressionCase{"Sorrow", &KV::Expressions::sorrow, {{"AU01", 1.0}, {"AU04", 2.0}, {"AU15", 3.0}}, 0.4f},
+        ExpressionCase{"Joy", &KV::Expressions::joy, {{"AU04", 1.0}, {"AU12", 3.0}}, 0.9f * 0.6f - 0.1f},
+        ExpressionCase{"Sorrow",
+                       &KV::Expressions::sorrow,
+                       {{"AU01", 1.0}, {"AU04", 1.0}, {"AU06", 0.5}, {"AU12", 0.25}, {"AU15", 3.0}},
+                       0.2f + 0.2f - 0.15f},
         ExpressionCase{
             "Surprise", &KV::Expressions::surprise, {{"AU01", 1.0}, {"AU02", 2.0}, {"AU05", 3.0}, {"AU26", 4.0}}, 0.5f},
-        ExpressionCase{
-            "Anger", &KV::Expressions::anger, {{"AU04", 1.0}, {"AU05", 2.0}, {"AU07", 3.0}, {"AU23", 4.0}}, 0.5f},
-        ExpressionCase{"Laughter",
-                       &KV::Expressions::laughter,
-                       {{"AU06", 5.0}, {"AU12", 5.0}, {"AU25", 3.0}, {"AU26", 2.0}},
-                       0.5f}),
+        ExpressionCase{"Anger",
+                       &KV::Expressions::anger,
+                       {{"AU04", 1.0}, {"AU06", 0.5}, {"AU09", 1.0}, {"AU10", 0.5}, {"AU12", 1.0}},
+                       0.5f - 0.3f},
+        ExpressionCase{"Laughter", &KV::Expressions::laughter, {{"AU12", 5.0}, {"AU25", 3.0}, {"AU26", 2.0}}, 0.5f}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(Expressions, CallASmileWithAClosedMouthNoLaughter)
@@ -129,7 +136,23 @@ TEST(Expressions, AreCalmAsFarAsNoOtherShows)
 {
   EXPECT_FLOAT_EQ(1.f, expressionsWith({}).calm.value);
   EXPECT_FLOAT_EQ(confidence, expressionsWith({}).calm.confidence);
-  EXPECT_FLOAT_EQ(0.5f, expressionsWith({{"AU06", 2.0}, {"AU12", 3.0}}).calm.value);
+  EXPECT_FLOAT_EQ(1.f - 0.9f * 0.6f, expressionsWith({{"AU12", 3.0}}).calm.value);
+}
+
+TEST(Expressions, ShareOneWholeWithCalm)
+{
+  // Anger and sorrow are 1 each.
+  const KV::Expressions frown = expressionsWith({{"AU04", 5.0}});
+  EXPECT_FLOAT_EQ(0.5f, frown.anger.value);
+  EXPECT_FLOAT_EQ(0.5f, frown.sorrow.value);
+  EXPECT_FLOAT_EQ(0.f, frown.calm.value);
+}
+
+TEST(Expressions, AreLessCalmBySurpriseByHalf)
+{
+  const KV::Expressions open = expressionsWith({{"AU02", 5.0}, {"AU05", 5.0}, {"AU26", 5.0}});
+  EXPECT_FLOAT_EQ(0.75f, open.surprise.value);
+  EXPECT_FLOAT_EQ(1.f - 0.375f, open.calm.value);
 }
 
 TEST(Expressions, SayNothingOfExcitement)
@@ -143,7 +166,7 @@ TEST(Expressions, OfWhichAnActionUnitIsUnknownHaveConfidenceZero)
 {
   const auto expressions = readings().expressions(faceWith({{"AU06", 5.0}, {"AU12", 5.0}}, unknown), confidence);
   ASSERT_TRUE(expressions);
-  EXPECT_FLOAT_EQ(1.f, expressions->joy.value);
+  EXPECT_FLOAT_EQ(0.9f, expressions->joy.value) << "what takes off is left out where it is unknown";
   EXPECT_FLOAT_EQ(confidence, expressions->joy.confidence);
   for (const auto& other : {expressions->sorrow, expressions->surprise, expressions->anger, expressions->laughter})
   {
@@ -156,7 +179,7 @@ TEST(Expressions, AreCalmAsFarAsCanBeTold)
 {
   const auto atRest = readings().expressions(faceWith({{"AU06", 0.0}, {"AU12", 0.5}}, unknown), confidence);
   ASSERT_TRUE(atRest);
-  EXPECT_FLOAT_EQ(1.f - 0.05f, atRest->calm.value);
+  EXPECT_FLOAT_EQ(1.f - 0.09f, atRest->calm.value);
   EXPECT_FLOAT_EQ(confidence, atRest->calm.confidence);
 }
 

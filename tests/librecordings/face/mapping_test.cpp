@@ -43,7 +43,7 @@ TEST_F(Mapping, ReplacesWhatItNamesAndNothingElse)
   EXPECT_THAT(mapping.blendshapes.joy.sum.front().of, ElementsAre("mouthSmileLeft", "jawOpen"));
   EXPECT_FLOAT_EQ(1.f, mapping.blendshapes.joy.limit.front().weight);
   EXPECT_THAT(mapping.blendshapes.smile.sum.front().of, ElementsAre("mouthSmileLeft", "mouthSmileRight"));
-  EXPECT_THAT(mapping.actionUnits.joy.sum.front().of, ElementsAre("AU06", "AU12"));
+  EXPECT_THAT(mapping.actionUnits.joy.sum.front().of, ElementsAre("AU12"));
   EXPECT_FALSE(mapping.pyFeat.degrees);
 }
 
@@ -51,6 +51,32 @@ TEST_F(Mapping, IsTheBuiltInOneWithoutAFile)
 {
   EXPECT_THAT(KV::recordings::readMapping("").emotions.sorrow.sum.front().of, ElementsAre("sad"));
   EXPECT_FLOAT_EQ(30.f, KV::recordings::readMapping("").eyes.yaw);
+}
+
+TEST_F(Mapping, SetsHowScoresRest)
+{
+  const auto mapping = read(R"({"actionUnits": {"rest": {"AU04": {"typical": 0.25}, "AU17": {"most": 0.125}}}})");
+  EXPECT_FLOAT_EQ(0.25f, mapping.actionUnits.rest.at("AU04").typical);
+  EXPECT_FLOAT_EQ(0.5f, mapping.actionUnits.rest.at("AU04").most) << "as it was";
+  EXPECT_FLOAT_EQ(0.f, mapping.actionUnits.rest.at("AU17").typical);
+  EXPECT_FLOAT_EQ(0.125f, mapping.actionUnits.rest.at("AU17").most);
+  EXPECT_FLOAT_EQ(0.35f, mapping.pyFeatActionUnits.rest.at("AU04").typical) << "py-feat's faces rest otherwise";
+}
+
+TEST_F(Mapping, TakesPyFeatsActionUnitsFromTheOthersWhereItDoesNotNameThem)
+{
+  const auto mapping = read(R"({"pyFeatActionUnits": {"sorrow": {"sum": [{"of": ["AU17"]}]}},
+                                "actionUnits": {"joy": {"sum": [{"of": ["AU06"]}]}}})");
+  EXPECT_THAT(mapping.pyFeatActionUnits.joy.sum.front().of, ElementsAre("AU06"));
+  EXPECT_THAT(mapping.pyFeatActionUnits.sorrow.sum.front().of, ElementsAre("AU17"));
+  EXPECT_THAT(mapping.actionUnits.sorrow.sum.front().of, ElementsAre("AU04"));
+}
+
+TEST_F(Mapping, ReadsTheTableOfArkitsShapes)
+{
+  const auto mapping = read(R"({"arkit": {"joy": {"sum": [{"of": ["jawOpen"]}]}}})");
+  EXPECT_THAT(mapping.arkit.joy.sum.front().of, ElementsAre("jawOpen"));
+  EXPECT_THAT(mapping.blendshapes.joy.sum.front().of, ElementsAre("mouthSmileLeft", "mouthSmileRight"));
 }
 
 TEST_F(Mapping, NeedsAFileThatIsThere)
@@ -82,9 +108,11 @@ INSTANTIATE_TEST_SUITE_P(
     With, BadMapping,
     ::testing::Values(
         BadMappingCase{"AnUnknownTable", R"({"actionunits": {}})",
-                       "actionunits: there is no such member; expected actionUnits, blendshapes, emotions, pyFeat"},
+                       "actionunits: there is no such member; expected actionUnits, pyFeatActionUnits, "
+                       "blendshapes, arkit, emotions, pyFeat"},
         BadMappingCase{"NoObject", "[]",
-                       "expected an object with members of actionUnits, blendshapes, emotions, pyFeat, found '[]'"},
+                       "expected an object with members of actionUnits, pyFeatActionUnits, blendshapes, arkit, "
+                       "emotions, pyFeat, found '[]'"},
         BadMappingCase{"AnUnknownReading", R"({"emotions": {"happy": null}})",
                        "emotions.happy: there is no such member; expected smile, joy, sorrow, surprise, anger, "
                        "laughter, excitement, calm"},
@@ -101,6 +129,14 @@ INSTANTIATE_TEST_SUITE_P(
                        "blendshapes.joy.sum[0].weight: expected a number of no more than a million, found '\"2\"'"},
         BadMappingCase{"ATermWithoutScores", R"({"emotions": {"joy": {"sum": [{"weight": 1}]}}})",
                        "emotions.joy.sum[0]: expected a term with a member of, found '{\"weight\":1}'"},
+        BadMappingCase{"ARestThatIsNoShare", R"({"actionUnits": {"rest": {"AU04": {"typical": 1.5}}}})",
+                       "actionUnits.rest.AU04.typical: expected a number from 0 to 1, found '1.5'"},
+        BadMappingCase{"ARestOfAnUnknownScore", R"({"arkit": {"rest": {"browdown": {"typical": 0.1}}}})",
+                       "arkit.rest.browdown: there is no such member; expected the name of a blendshape, such as "
+                       "jawOpen"},
+        BadMappingCase{"ARestOfEmotions", R"({"emotions": {"rest": {}}})",
+                       "emotions.rest: there is no such member; expected smile, joy, sorrow, surprise, anger, "
+                       "laughter, excitement, calm"},
         BadMappingCase{"AnUnknownUnit", R"({"pyFeat": {"angles": "gon"}})",
                        "pyFeat.angles: expected \"degrees\" or \"radians\", found '\"gon\"'"},
         BadMappingCase{"AnUnknownEye", R"({"blendshapes": {"eyes": {"left": 3}}})",

@@ -100,4 +100,38 @@ TEST(Inspection, CountsScopes)
   EXPECT_EQ((std::map<std::string, std::size_t>{{"greeting", 1}, {"talk", 2}}), inspection.scopes());
 }
 
+TEST(TrustInARecording, NamesWhatIsSeenAndHowStrongAndWhereHeadsPoint)
+{
+  Inspection inspection;
+  inspection.add(seenAt(0., 1, 0.25f));
+  inspection.add(seenAt(0.5, 1, 0.75f));
+  inspection.add(notSeenAt(1., 1));
+  inspection.add(seenAt(1.5, 1, 0.5f));
+  EXPECT_EQ("seen in 75 % of steps; at most joy 0.75; head 0 / 0 degrees right / up on average",
+            KV::session::trustIn(inspection));
+}
+
+TEST(TrustInARecording, SaysWhatFollowsFromWhatIsMissing)
+{
+  Inspection inspection;
+  auto step = entryAt(0.);
+  step.person = 1;
+  inspection.add(step);
+  EXPECT_EQ(
+      "seen in 100 % of steps; no expressions: valence stays unknown, neither head posture nor gaze: attention stays "
+      "unknown",
+      KV::session::trustIn(inspection));
+  step.observation.contextEmotion.emplace(step.time, KV::ContextEmotion());
+  inspection.add(step);
+  EXPECT_EQ(
+      "seen in 100 % of steps; no expressions: the face tells nothing of valence, neither head posture nor gaze: "
+      "attention stays unknown",
+      KV::session::trustIn(inspection));
+}
+
+TEST(TrustInARecording, WithoutPersonsIsNone)
+{
+  EXPECT_EQ("nobody is told of", KV::session::trustIn(Inspection()));
+}
+
 }  // namespace

@@ -53,6 +53,7 @@ public:
   ///   before 1970.
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
+  std::vector<std::string> describeLearned() const override;
   std::vector<std::string> takeWarnings() override;
   double progress() const override;
 

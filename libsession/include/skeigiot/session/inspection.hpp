@@ -89,4 +89,8 @@ private:
   std::map<std::string, std::size_t> _scopes;
 };
 
+/// Says in a sentence how far estimates of this recording can be trusted: how often persons were seen, how strong their
+/// expressions get, where their heads point on average, and what is missing and what follows.
+SKEIGIOT_API std::string trustIn(const Inspection& inspection);
+
 }  // namespace KV::session

@@ -19,6 +19,7 @@ struct SKEIGIOT_API InspectionReport
   std::string path;
   std::string format;                    ///< its name
   std::vector<std::string> description;  ///< how it is read
+  std::vector<std::string> learned;      ///< what was learned of the faces at rest, see recordings::Reader
   recordings::Columns columns;
   Inspection contents;
   std::vector<std::string> warnings;  ///< the first few

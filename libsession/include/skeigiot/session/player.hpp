@@ -40,6 +40,7 @@ struct SKEIGIOT_API Outcome : ReadingNotes
   bool opened = false;                       ///< false: `error` says why not
   bool stopped = false;                      ///< the caller wanted no more of the recording
   std::vector<std::string> description;      ///< how signs, units and rate were read
+  std::vector<std::string> learned;          ///< what was learned of the faces at rest, see recordings::Reader
   recordings::Columns columns;               ///< which columns were read
   std::string leftOut;                       ///< on readings that are not finite; empty if there were none
   std::vector<std::string> libraryWarnings;  ///< warnings of the estimate, a line each
