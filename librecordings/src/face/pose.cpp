@@ -74,8 +74,10 @@ std::string describeOrigin(const ReadingOptions& options, FrontEnd frontEnd, boo
   if (kind == LookAt::Kind::Camera)
     return "counted from the line of sight to the camera";
   const FacePosition& robot = options.lookAt.point;
-  return "counted from the line of sight to the robot, from the camera " + shortNumber(robot.right) +
-         " m to the right, " + shortNumber(robot.down) + " m down, " + shortNumber(robot.forward) + " m forward";
+  return "counted from the line of sight to the robot, from the camera " +
+         shortNumber(static_cast<float>(robot.right)) + " m to the right, " +
+         shortNumber(static_cast<float>(robot.down)) + " m down, " + shortNumber(static_cast<float>(robot.forward)) +
+         " m forward";
 }
 
 }  // namespace KV::recordings

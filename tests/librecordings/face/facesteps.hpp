@@ -25,6 +25,14 @@ inline std::vector<std::string> stepsOf(const Contents& contents)
   return steps;
 }
 
+/// Returns options by which scores count as they are told: action units out of 5, nothing taken off as rest.
+inline KV::recordings::ReadingOptions asTold(KV::recordings::ReadingOptions options = {})
+{
+  options.actionUnitFullScale = 5.f;
+  options.rest.kind = KV::recordings::Rest::Kind::None;
+  return options;
+}
+
 /// A test of the reader of a face analyser.
 class FaceReaderTest : public RecordingTest
 {

@@ -51,9 +51,10 @@ TEST_F(OpenFaceReader, GivesAllReadingsOfATrackedRow)
   const auto& observation = entry.observation;
   EXPECT_TRUE(observation.faceDetected.value().value);
   EXPECT_FLOAT_EQ(0.8f, observation.distance.value().value);
-  EXPECT_FLOAT_EQ(0.4f, observation.smile.value().value.value);
+  const float aboveRest = 2.f / 3.f - 0.2f;
+  EXPECT_FLOAT_EQ(aboveRest, observation.smile.value().value.value);
   EXPECT_FLOAT_EQ(0.98f, observation.smile.value().value.confidence);
-  EXPECT_FLOAT_EQ(0.3f, observation.expressions.value().value.joy.value);
+  EXPECT_FLOAT_EQ(0.9f * aboveRest, observation.expressions.value().value.joy.value);
   EXPECT_FLOAT_EQ(0.98f, observation.expressions.value().value.joy.confidence);
   for (const auto time :
        {observation.faceDetected->time, observation.distance->time, observation.smile->time,
@@ -148,10 +149,10 @@ TEST_F(OpenFaceReader, MeasuresTheHeightFromTheCamera)
 
 TEST_F(OpenFaceReader, TakesActionUnitsAsPartsOfTheFullScale)
 {
-  KV::recordings::ReadingOptions options;
-  options.actionUnitFullScale = 3.f;
+  auto options = support::asTold();
+  options.actionUnitFullScale = 2.5f;
   const std::string header = "frame,AU12_r\n";
-  EXPECT_FLOAT_EQ(0.5f, observed(header + "1,1.5\n", options).smile.value().value.value);
+  EXPECT_FLOAT_EQ(0.5f, observed(header + "1,1.25\n", options).smile.value().value.value);
   EXPECT_FLOAT_EQ(1.f, observed(header + "1,3.1\n", options).smile.value().value.value);
 }
 
@@ -286,17 +287,17 @@ TEST_F(OpenFaceReader, RefusesPersonsWhoAreNotTold)
 
 TEST_F(OpenFaceReader, FormsExpressionsAsTheMappingSays)
 {
-  const auto options = mappedBy(R"({"actionUnits": {
+  const auto options = support::asTold(mappedBy(R"({"actionUnits": {
       "smile": {"sum": [{"of": ["AU12"], "weight": 2}]},
       "sorrow": {"sum": [{"of": ["AU17"]}]},
       "excitement": {"sum": [{"of": ["AU12"]}, {"of": ["AU17"], "weight": -0.5}]},
-      "laughter": null}})");
+      "laughter": null}})"));
   const auto observation = observed("frame,AU06_r,AU12_r,AU17_r\n1,5,2,1\n", options);
   EXPECT_FLOAT_EQ(0.8f, observation.smile.value().value.value);
   const auto expressions = observation.expressions.value().value;
   EXPECT_FLOAT_EQ(0.2f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.3f, expressions.excitement.value);
-  EXPECT_FLOAT_EQ(0.7f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(0.36f, expressions.joy.value);
   EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
 }
 
@@ -311,7 +312,7 @@ TEST_F(OpenFaceReader, ReadsPlainAndCompressedFilesWithMarkIndexColumnAndOtherPr
       "1,\"a, b.mp4\", 2.0,y,0.1,2.5e0\r\n";
   for (const auto& path : {folder.write("f.csv", text), folder.writeCompressed("f.csv.gz", text)})
   {
-    const Contents contents = support::contentsOf(path);
+    const Contents contents = support::contentsOf(path, "", support::asTold());
     EXPECT_EQ("", contents.fatal);
     EXPECT_THAT(contents.badLines, IsEmpty());
     EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+"));
@@ -577,7 +578,7 @@ TEST_F(OpenFaceReader, DescribesHowItReadsInTwoLines)
       ElementsAre(
           "OpenFace: angles in radians, counted from the line of sight to the camera, pose_Rx down, pose_Ry to "
           "the own right, pose_Rz to the own left shoulder, gaze_angle_x to the own left, y down, pose_T in mm, "
-          "action units of 5, not mirrored",
+          "action units of 3, not mirrored",
           "25 frames/s by the time stamps, persons by face_id, not tracked below confidence 0.7; missing: "
           "landmarks"));
 }

@@ -68,14 +68,14 @@ TEST_F(PyFeatReader, GivesAllReadingsOfANewRow)
   EXPECT_NEAR(11.4592f, observation.headPosture.value().value.roll(), tolerance);
   EXPECT_NEAR(0.57296f, observation.gaze.value().value.pitch, tolerance);
   EXPECT_NEAR(1.14592f, observation.gaze.value().value.yaw, tolerance);
-  EXPECT_FLOAT_EQ(0.5f, observation.smile.value().value.value);
+  EXPECT_FLOAT_EQ(0.2f, observation.smile.value().value.value) << "what speaks against a smile is taken off";
   EXPECT_FLOAT_EQ(0.9f, observation.smile.value().value.confidence);
   const auto expressions = observation.expressions.value().value;
-  EXPECT_FLOAT_EQ(0.6f, expressions.joy.value);
-  EXPECT_FLOAT_EQ(0.05f, expressions.sorrow.value);
+  EXPECT_FLOAT_EQ(0.2f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(1.4f * 0.05f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.15f, expressions.surprise.value);
-  EXPECT_FLOAT_EQ(0.2f, expressions.anger.value);
-  EXPECT_FLOAT_EQ(0.1f, expressions.calm.value);
+  EXPECT_FLOAT_EQ(1.4f * 0.2f, expressions.anger.value);
+  EXPECT_FLOAT_EQ(1.f - 0.625f, expressions.calm.value) << "the surprise takes half of itself";
   EXPECT_FLOAT_EQ(0.9f, expressions.joy.confidence);
   EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
   EXPECT_FLOAT_EQ(0.f, expressions.excitement.confidence);
@@ -87,28 +87,27 @@ TEST_F(PyFeatReader, KnowsTheOldNamesOfEmotions)
 {
   const auto expressions = observed(
                                "frame,FaceScore,anger,disgust,fear,happiness,sadness,surprise,neutral\n"
-                               "0,0.9,0.1,0,0,0.5,0.2,0.3,0.4\n",
+                               "0,0.9,0.1,0,0,0.9,0.2,0.3,0.4\n",
                                atThirty())
                                .expressions.value()
                                .value;
-  EXPECT_FLOAT_EQ(0.5f, expressions.joy.value);
-  EXPECT_FLOAT_EQ(0.2f, expressions.sorrow.value);
+  EXPECT_FLOAT_EQ(0.3f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(1.4f * 0.2f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.3f, expressions.surprise.value);
-  EXPECT_FLOAT_EQ(0.1f, expressions.anger.value);
-  EXPECT_FLOAT_EQ(0.4f, expressions.calm.value);
+  EXPECT_FLOAT_EQ(1.4f * 0.1f, expressions.anger.value);
+  EXPECT_NEAR(0.13f, expressions.calm.value, 1e-6f);
 }
 
 TEST_F(PyFeatReader, FormsExpressionsFromActionUnitsWithoutEmotions)
 {
   const auto contents = readWell("frame,FaceScore,AU06,AU12\n0,0.9,0.2,0.6\n", atThirty());
-  EXPECT_FLOAT_EQ(0.4f, contents.entries.front().observation.expressions.value().value.joy.value);
+  EXPECT_FLOAT_EQ(0.9f * (0.6f - 0.1f), contents.entries.front().observation.expressions.value().value.joy.value);
   EXPECT_THAT(contents.description.front(), HasSubstr("expressions by action units"));
 }
 
 TEST_F(PyFeatReader, DoesNotDivideActionUnitsByTheFullScale)
 {
-  auto options = atThirty();
-  options.actionUnitFullScale = 5.f;
+  const auto options = support::asTold(atThirty());
   EXPECT_FLOAT_EQ(0.6f, observed("frame,FaceScore,AU12\n0,0.9,0.6\n", options).smile.value().value.value);
 }
 

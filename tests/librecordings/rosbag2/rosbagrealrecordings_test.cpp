@@ -49,7 +49,8 @@ protected:
   static std::vector<KV::recordings::Step> stepsOf(std::int32_t person, bool lineOfSight)
   {
     KV::recordings::ReadingOptions options;
-    options.lineOfSight = lineOfSight;
+    using Kind = KV::recordings::LookAt::Kind;
+    options.lookAt.kind = lineOfSight ? Kind::Camera : Kind::Axis;
     const Contents contents = contentsOf(path(".db3.gz"), "", options);
     EXPECT_EQ("", contents.fatal);
     EXPECT_TRUE(contents.badLines.empty());
