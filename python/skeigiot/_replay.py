@@ -61,10 +61,15 @@ class _ReplayOne(Settings):
     mapping: JSON file that says how action units, blendshapes and emotions become readings
     fps: frames per second, instead of the time stamps of the file
     mirrored: the video is a mirror image
-    line_of_sight: angles are relative to the line from the face to the camera, rather than to the axis of the camera
+    line_of_sight: False is the older word for look_at="axis"
     camera_height: [m] above the floor; without it the heights of heads are unknown
     min_confidence: below this, 0 to 1, a face counts as not seen
     au_full_scale: intensity of an action unit that counts as full
+    look_at: where whoever looks at the robot looks: "camera"; "axis", parallel to the axis of the camera; "learned", where
+        the head rests most; or a point in metres from the camera, as (right, down, forward). The default is "camera",
+        and for bags of ROS 2 the axis, moved by up to 5 degrees towards where the head rests.
+    rest: what is taken off a face as its rest: "learned" as faces come, "none", or the median of a span in seconds since
+        the start, as (from, to)
     boundaries: {"positive": 0.2, "negative": ..., "confidence": ..., "looking_at_robot": ...,
         "strictly_looking_at_robot": ..., "excited": ...}, set for this replay. They are the process-wide boundaries of
         PersonState and AmbianceState: whatever else estimates in the meantime has them, too.

@@ -111,7 +111,7 @@ class Replay:
 
     ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was
     none. verdicts are those on the whole recording and on all scopes. description says in which way the recording was
-    read; warnings are the texts of all warnings; length is in seconds; name names the recording; error is what ended it
+    read, learned what was learned of the faces at rest; warnings are the texts of all warnings; length is in seconds; name names the recording; error is what ended it
     before its end, None if nothing did.
     """
 
@@ -119,6 +119,7 @@ class Replay:
         self.name: str = outcome["name"]
         self.length: float = outcome["length"]
         self.description: List[str] = outcome["description"]
+        self.learned: List[str] = outcome["learned"]
         self.warnings: List[str] = outcome["warnings"]
         self.updates = _timed(_columns(outcome["updates"]))
         self.forces = self._with_persons(_columns(outcome["forces"]))

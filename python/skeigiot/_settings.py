@@ -14,6 +14,8 @@ from . import _skeigiot
 
 Path = Union[str, "os.PathLike[str]"]
 Span = Tuple[Optional[float], Optional[float]]
+LookAt = Union[str, Tuple[float, float, float]]
+Rest = Union[str, Tuple[float, float]]
 
 FORMATS: Tuple[str, ...] = _skeigiot._formats
 """The names of the formats that files may have."""
@@ -37,7 +39,9 @@ class Settings:
     line_of_sight: bool = True
     camera_height: Optional[float] = None
     min_confidence: float = 0.7
-    au_full_scale: float = 5.0
+    au_full_scale: float = 3.0
+    look_at: Optional[LookAt] = None
+    rest: Rest = "learned"
     boundaries: Optional[Mapping[str, float]] = None
 
     def packed(self) -> Dict[str, Any]:
@@ -59,6 +63,8 @@ class Settings:
             "camera_height": self.camera_height,
             "min_confidence": self.min_confidence,
             "au_full_scale": self.au_full_scale,
+            "look_at": _joined(self.look_at or "", ","),
+            "rest": _joined(self.rest, ".."),
             "boundaries": {_boundary(name): value for name, value in (self.boundaries or {}).items()},
         }
 
@@ -91,6 +97,10 @@ def nanoseconds(name: str, seconds: float) -> int:
 def _expect(name: str, value: float, is_so: bool, expected: str) -> None:
     if not is_so:
         raise ValueError(f"{name}: expected {expected}, got {value!r}")
+
+
+def _joined(value: Union[str, Tuple[float, ...]], separator: str) -> str:
+    return value if isinstance(value, str) else separator.join(str(float(number)) for number in value)
 
 
 def _boundary(name: str) -> str:

@@ -160,6 +160,7 @@ py::dict dictOf(ReplayOutcome& outcome)
   dict["name"] = textOf(outcome.name);
   dict["length"] = secondsOf(outcome.length);
   dict["description"] = textsOf(outcome.description);
+  dict["learned"] = textsOf(outcome.learned);
   dict["warnings"] = textsOf(outcome.warnings);
   dict["error"] = errorOf(outcome.error);
   dict["verdicts"] = verdicts;
@@ -200,6 +201,20 @@ void take(const py::dict& options, const char* name, boost::optional<T>& target)
     target = options[name].cast<T>();
 }
 
+/// Parses the option, and names it in what is wrong with it.
+template <typename T>
+T parsed(const py::dict& options, const char* name, T (*parse)(const std::string&))
+{
+  try
+  {
+    return parse(options[name].cast<std::string>());
+  }
+  catch (const std::invalid_argument& error)
+  {
+    throw py::value_error(name + std::string(": ") + error.what());
+  }
+}
+
 KV::recordings::ReadingOptions readingFrom(const py::dict& options)
 {
   KV::recordings::ReadingOptions reading;
@@ -209,6 +224,9 @@ KV::recordings::ReadingOptions readingFrom(const py::dict& options)
   reading.lineOfSight = options["line_of_sight"].cast<bool>();
   reading.minimalConfidence = options["min_confidence"].cast<float>();
   reading.actionUnitFullScale = options["au_full_scale"].cast<float>();
+  reading.rest = parsed(options, "rest", &KV::recordings::parseRest);
+  if (!options["look_at"].cast<std::string>().empty())
+    reading.lookAt = parsed(options, "look_at", &KV::recordings::parseLookAt);
   reading.mapping = options["mapping"].cast<std::string>();
   reading.personColumn = options["person_from"].cast<std::string>();
   return reading;

@@ -55,6 +55,7 @@ ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& 
 
   result.length = outcome.length;
   result.description = std::move(outcome.description);
+  result.learned = std::move(outcome.learned);
   result.error = std::move(outcome.error);
   result.warnings = outcome.warningLines();
   if (outcome.badLines > 0)

@@ -37,6 +37,7 @@ struct ReplayOutcome
   ReplayTables tables;
   KV::session::Duration length{0};
   std::vector<std::string> description;
+  std::vector<std::string> learned;
   std::vector<std::string> warnings;
   boost::optional<KV::recordings::Error> error;  ///< what ended the recording before its end
 };

@@ -66,6 +66,27 @@ def test_has_what_the_command_exports_with_its_options(greeting, written):
     assert_same_as_export(result.updates, exported(path, *options, "--au-full-scale", "3"))
 
 
+@pytest.mark.parametrize(
+    "arguments, options",
+    [
+        ({"look_at": "axis"}, ["--look-at", "axis"]),
+        ({"look_at": "learned"}, ["--look-at", "learned"]),
+        ({"look_at": (0.25, -0.5, 0)}, ["--look-at", "0.25,-0.5,0"]),
+        ({"rest": "none"}, ["--rest", "none"]),
+        ({"rest": (0, 0.1)}, ["--rest", "0..0.1"]),
+    ],
+)
+def test_takes_where_the_robot_is_and_how_faces_rest(written, arguments, options):
+    path = written(recordings.OPENFACE)
+    assert_same_as_export(skeigiot.replay(path, **arguments).updates, exported(path, *options))
+
+
+def test_tells_what_was_learned_of_faces_at_rest(written):
+    rows = "".join(f"{i + 1},{i / 10},0,1.5\n" for i in range(101))
+    result = skeigiot.replay(written("frame,timestamp,AU04_r,AU12_r\n" + rows))
+    assert result.learned == ["rest of person 0, in parts of the full scale: AU04 0.15 -> 0.03"]
+
+
 def test_finds_the_persons_by_the_column_that_is_named(written):
     path = written(recordings.OPENFACE.replace("face_id", "who"))
     with_names = skeigiot.replay(path, person_from="who")
@@ -275,6 +296,9 @@ def test_has_the_errors_of_python_for_what_is_not_there(tmp_path, greeting):
         ({"fps": float("nan")}, "fps: expected a number above 0"),
         ({"min_confidence": 1.5}, "min_confidence: expected a number from 0 to 1"),
         ({"au_full_scale": 0}, "au_full_scale: expected a number above 0"),
+        ({"look_at": "robot"}, "look_at: 'robot' is not camera, axis, learned, or metres"),
+        ({"look_at": (1.0, 2.0)}, "look_at: '1.0,2.0' is not camera, axis, learned, or metres"),
+        ({"rest": (3, 2)}, "rest: '3.0..2.0' is not learned, none, or a span"),
         ({"camera_height": float("inf")}, "camera_height: expected a number"),
         ({"scopes": {"early": (-1, 2)}}, "scopes: 'early'"),
         ({"scopes": {"backwards": (3, 2)}}, "scopes: 'backwards'"),
