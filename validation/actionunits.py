@@ -17,8 +17,6 @@ def validate(command, data):
 
 def _measures(command, data, units):
     of_news = "" if units.full_scale else number(news.margin_by_action_units(command, data, units))
-    of_conversations = [""] * len(conversations.MEASURES)
-    if "AU25" not in (units.joy or []):
-        of_conversations = conversations.measures_of(command, data, units)
+    of_conversations = conversations.measures_of(command, data, units)
     smiles_and_else = sanity.smiling_and_serious(command, data, *options(command, units))
     return [of_news, *of_conversations, numbers(smiles_and_else)]

@@ -10,6 +10,14 @@ from tables import Check, number, numbers, rows_of, table
 
 ENGAGED_FROM = 0.6
 
+LOOK_AT = {
+    "from the axis of the camera": "axis",
+    "from the line of sight to the camera": "camera",
+    "from the line of sight to a point 0.2 m above the camera": "0,-0.2,0",
+    "from the line of sight to a point 0.2 m below the camera": "0,0.2,0",
+    "from where the head rests most": "learned",
+}
+
 NAMES = ["bag_1_engaged", "1p_AA_eng_1", "2p_AA_FV_eng_1", "1p_AA_dis_1", "bag_2_disengaged"]
 
 
@@ -46,9 +54,9 @@ def validate(command, data):
         "bag_persons": _table_of_persons(persons, data),
         "bag_alternatives": table(["how the bags are read", "engaged", "disengaged", "margin (R1)",
                                    "time at 0.6 or more: engaged", "disengaged (R2)"], [
-            _alternative("from the line of sight (default)", persons),
-            _alternative("from the axis of the camera", _persons(command, data, "--frame", "camera")),
-            _alternative("from the line of sight, without the gaze that only follows the face",
+            _alternative("from the axis, moved towards where the head rests (default)", persons),
+            *(_alternative(name, _persons(command, data, "--look-at", robot)) for name, robot in LOOK_AT.items()),
+            _alternative("as by default, without the gaze that only follows the face",
                          _persons(command, data, change=_without_gaze))]),
     }
 

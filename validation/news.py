@@ -10,7 +10,7 @@ POSITIVE_FROM = 0.2
 FRAMES_PER_SECOND = "25"  # what the reader finds in these files by itself, for those that are made of them
 
 BLENDSHAPES_WITH_JOY = {
-    "blendshapes, joy 0.7 smile + 0.3 eyes (default)": None,
+    "blendshapes (default)": None,
     "blendshapes, joy is the smile": (1, 0),
     "blendshapes, joy 0.5 smile + 0.5 eyes": (0.5, 0.5),
     "blendshapes, joy is twice the smile": (2, 0),
@@ -93,7 +93,7 @@ def _alternative(name, clips, valences):
 def _from_action_units(command, clips):
     for name, units in ACTION_UNITS.items():
         if not units.full_scale:  # py-feat's have none but 1
-            yield _alternative(f"action units, {name.removeprefix('full scale 5, ')}", clips,
+            yield _alternative(f"action units, {name.removeprefix('full scale 3, ')}", clips,
                                _valences_by_action_units(command, clips, units))
 
 

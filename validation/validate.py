@@ -10,6 +10,7 @@ import tempfile
 import actionunits
 import bags
 import conversations
+import faces
 import mistakes
 import news
 import sanity
@@ -18,7 +19,7 @@ from tables import checks
 
 TEMPLATE = pathlib.Path(__file__).with_name("page.md")
 QUICK_SOURCES = [bags, news, mistakes, sanity]
-SLOW_SOURCES = [conversations, actionunits]
+SLOW_SOURCES = [conversations, actionunits, faces]
 
 
 def main():
