@@ -63,6 +63,7 @@ int main(int argc, char** argv)
   KV::recordings::ReadingOptions options;
   options.cameraHeight = 1.3f;  // [m]
   const KV::recordings::FaceAdapter adapter(options);
+  KV::recordings::RestingFace rest;  // of this person, learned as faces come
 
   // In each cycle the clock of this thread stands at the time of the frame, as it does in a replay. Without that the
   // estimate is the same but for the microseconds that pass while it is made, and the replay not the same to the bit.
@@ -76,7 +77,7 @@ int main(int argc, char** argv)
     time += boost::chrono::milliseconds(33);
     clock.set(time);
 
-    const auto observation = adapter.observe(faceIn(frame), time);  // nothing: the face is not tracked
+    const auto observation = adapter.observe(faceIn(frame), time, rest);  // nothing: the face is not tracked
     KV::recordings::Step step;
     step.time = time;
     step.person = person;

@@ -63,12 +63,13 @@ protected:
   {
     const support::Contents contents = readWell(recording, options());
     const FaceAdapter adapter(options());
+    KV::recordings::RestingFace rest;
     std::size_t step = 0;
     for (const Face& face : faces)
     {
       ASSERT_LT(step, contents.entries.size());
       const auto& read = contents.entries[step];
-      const auto observation = adapter.observe(face, read.time);
+      const auto observation = adapter.observe(face, read.time, rest);
       ASSERT_EQ(read.seen, observation.has_value()) << "in step " << step;
       auto adapted = read;
       adapted.observation = observation.value_or(KV::PersonObservation());
@@ -282,19 +283,21 @@ TEST(FaceAdapter, ObservesADetectedFaceOfWhichNothingElseIsKnown)
 TEST(FaceAdapter, TakesTheFullScaleOfTheActionUnitsBeforeThatOfTheOptions)
 {
   Face face = smiling();
-  EXPECT_FLOAT_EQ(0.8f, FaceAdapter().read(face).smile.value().value);
+  const FaceAdapter adapter(support::asTold());
+  EXPECT_FLOAT_EQ(0.8f, adapter.read(face).smile.value().value);
   face.actionUnits->fullScale = 8.f;
-  EXPECT_FLOAT_EQ(0.5f, FaceAdapter().read(face).smile.value().value);
+  EXPECT_FLOAT_EQ(0.5f, adapter.read(face).smile.value().value);
 }
 
 TEST(FaceAdapter, TakesExpressionsFromEmotionsBeforeActionUnits)
 {
+  const FaceAdapter adapter(support::asTold());
   Face face = smiling();
-  EXPECT_FLOAT_EQ(0.6f, FaceAdapter().read(face).expressions.value().joy.value);
+  EXPECT_FLOAT_EQ(0.9f * 0.8f, adapter.read(face).expressions.value().joy.value);
   face.emotions.emplace();
   face.emotions->happy = 0.25f;
-  EXPECT_FLOAT_EQ(0.25f, FaceAdapter().read(face).expressions.value().joy.value);
-  EXPECT_FLOAT_EQ(0.8f, FaceAdapter().read(face).smile.value().value);
+  EXPECT_FLOAT_EQ(0.25f, adapter.read(face).expressions.value().joy.value);
+  EXPECT_FLOAT_EQ(0.25f, adapter.read(face).smile.value().value) << "the smile is theirs, too";
 }
 
 TEST(FaceAdapter, TakesAConfidenceAboveOneAsOne)

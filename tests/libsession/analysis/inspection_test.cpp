@@ -121,7 +121,7 @@ TEST(TrustInARecording, SaysWhatFollowsFromWhatIsMissing)
       "seen in 100 % of steps; no expressions: valence stays unknown, neither head posture nor gaze: attention stays "
       "unknown",
       KV::session::trustIn(inspection));
-  step.observation.contextEmotion.emplace(step.time, KV::ContextEmotion());
+  step.observation.contextEmotion.emplace(step.time, KV::ContextEmotion(1, 5.f));
   inspection.add(step);
   EXPECT_EQ(
       "seen in 100 % of steps; no expressions: the face tells nothing of valence, neither head posture nor gaze: "

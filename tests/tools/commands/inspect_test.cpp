@@ -26,7 +26,10 @@ protected:
     return runCommand(arguments);
   }
 
-  Json inspectedAsJson(const std::string& text) const { return Json::parse(inspect(text, {"--json"}).output); }
+  Json inspectedAsJson(const std::string& text) const
+  {
+    return Json::parse(inspect(text, {"--json", "--rest", "none", "--au-full-scale", "5"}).output);
+  }
 
   TemporaryFolder folder;
   const std::string face =

@@ -106,6 +106,8 @@ TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
                              "--fps HZ",
                              "--mirrored",
                              "--frame FRAME",
+                             "--look-at POINT",
+                             "--rest REST",
                              "--camera-height METRES",
                              "--min-confidence SHARE",
                              "--au-full-scale INTENSITY",
@@ -345,6 +347,13 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"ATooShortStep", {"--step", "1e-9"}, "--step: expected a number from 0.001 on, found '1e-9'"},
         UsageCase{
             "AnUnknownFrame", {"--frame", "robot"}, "--frame: expected one of line-of-sight, camera, found 'robot'"},
+        UsageCase{"APointOfTwoNumbers",
+                  {"--look-at", "1,2"},
+                  "--look-at: '1,2' is not camera, axis, learned, or metres RIGHT,DOWN,FORWARD from the camera such as "
+                  "0,-0.2,0.05"},
+        UsageCase{"ASpanOfRestThatRunsBack",
+                  {"--rest", "3..2"},
+                  "--rest: '3..2' is not learned, none, or a span of seconds such as 2..7.5"},
         UsageCase{"AnUnknownChoiceOfColor",
                   {"--color", "blue"},
                   "--color: expected one of auto, always, never, found 'blue'"},
