@@ -68,14 +68,14 @@ TEST_F(PyFeatReader, GivesAllReadingsOfANewRow)
   EXPECT_NEAR(11.4592f, observation.headPosture.value().value.roll(), tolerance);
   EXPECT_NEAR(0.57296f, observation.gaze.value().value.pitch, tolerance);
   EXPECT_NEAR(1.14592f, observation.gaze.value().value.yaw, tolerance);
-  EXPECT_FLOAT_EQ(0.2f, observation.smile.value().value.value) << "what speaks against a smile is taken off";
+  EXPECT_NEAR(0.2f, observation.smile.value().value.value, 1e-6f) << "what speaks against a smile is taken off";
   EXPECT_FLOAT_EQ(0.9f, observation.smile.value().value.confidence);
   const auto expressions = observation.expressions.value().value;
-  EXPECT_FLOAT_EQ(0.2f, expressions.joy.value);
+  EXPECT_NEAR(0.2f, expressions.joy.value, 1e-6f);
   EXPECT_FLOAT_EQ(1.4f * 0.05f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.15f, expressions.surprise.value);
   EXPECT_FLOAT_EQ(1.4f * 0.2f, expressions.anger.value);
-  EXPECT_FLOAT_EQ(1.f - 0.625f, expressions.calm.value) << "the surprise takes half of itself";
+  EXPECT_NEAR(1.f - 0.625f, expressions.calm.value, 1e-6f) << "the surprise takes half of itself";
   EXPECT_FLOAT_EQ(0.9f, expressions.joy.confidence);
   EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
   EXPECT_FLOAT_EQ(0.f, expressions.excitement.confidence);
@@ -91,7 +91,7 @@ TEST_F(PyFeatReader, KnowsTheOldNamesOfEmotions)
                                atThirty())
                                .expressions.value()
                                .value;
-  EXPECT_FLOAT_EQ(0.3f, expressions.joy.value);
+  EXPECT_NEAR(0.3f, expressions.joy.value, 1e-6f);
   EXPECT_FLOAT_EQ(1.4f * 0.2f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.3f, expressions.surprise.value);
   EXPECT_FLOAT_EQ(1.4f * 0.1f, expressions.anger.value);
