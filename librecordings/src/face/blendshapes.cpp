@@ -79,7 +79,7 @@ void setRest(ScoreTable& table, const Names& names, const RestingScore& rest)
 // (docs/validation.md):
 //
 // - mouthSmile rises on bared teeth, in four of ten angry and frightened faces; with it come jaw, lower lip and brows,
-//   which are taken off. It is nearly 0 or large: so joy is its multiple.
+//   which are taken off. It is nearly 0 or large: so joy is twice that.
 // - Anger and disgust lower the brows, narrow the eyes and raise the upper lip.
 // - mouthFrown is below 0.06 even in sad faces, and cannot carry sadness alone.
 // - noseSneer and cheekSquint are always about 0, and are not read.
@@ -89,14 +89,14 @@ const ScoreTable& blendshapeTable()
   static const ScoreTable table = [] {
     ScoreTable shapes;
     shapes.smile = {{{1.f, sides("mouthSmile")},
-                     {-1.25f, {"jawOpen"}},
+                     {-1.f, {"jawOpen"}},
                      {-0.5f, sides("mouthLowerDown")},
-                     {-0.5f, sides("browDown")}},
+                     {-0.75f, sides("browDown")}},
                     {}};
-    shapes.joy = {{{2.5f, sides("mouthSmile")},
-                   {-3.125f, {"jawOpen"}},
-                   {-1.25f, sides("mouthLowerDown")},
-                   {-1.25f, sides("browDown")}},
+    shapes.joy = {{{2.f, sides("mouthSmile")},
+                   {-2.f, {"jawOpen"}},
+                   {-1.f, sides("mouthLowerDown")},
+                   {-1.5f, sides("browDown")}},
                   {}};
     shapes.anger = {{{2.f, sides("browDown")},
                      {1.f, sides("eyeSquint")},

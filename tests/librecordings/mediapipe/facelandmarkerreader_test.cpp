@@ -166,11 +166,11 @@ TEST_F(FaceLandmarkerReader, FormsExpressionsFromBlendshapes)
       category("mouthSmileLeft", 0.4) + "," + category("mouthSmileRight", 0.6) + "," + category("cheekSquintLeft", 0) +
       "," + category("cheekSquintRight", 0) + "," + category("eyeSquintLeft", 0.4) + "," +
       category("eyeSquintRight", 0.4) + "," + category("jawOpen", 0.2) + "," + category("_neutral", 0.1)));
-  EXPECT_FLOAT_EQ(0.25f, observation.smile.value().value.value) << "an open jaw is no smile";
+  EXPECT_FLOAT_EQ(0.3f, observation.smile.value().value.value) << "an open jaw is no smile";
   EXPECT_FLOAT_EQ(1.f, observation.smile.value().value.confidence);
   const auto expressions = observation.expressions.value().value;
-  EXPECT_FLOAT_EQ(0.625f, expressions.joy.value);
-  EXPECT_FLOAT_EQ(0.25f, expressions.laughter.value);
+  EXPECT_FLOAT_EQ(0.6f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(0.3f, expressions.laughter.value);
   EXPECT_FLOAT_EQ(0.f, expressions.sorrow.confidence) << "the corners of the mouth are unknown";
   EXPECT_FALSE(observation.gaze);
   EXPECT_FALSE(observation.headPosture);
