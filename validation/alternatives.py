@@ -3,7 +3,7 @@
 import json
 from typing import NamedTuple, Optional
 
-DEFAULT = "full scale 3, rest learned, joy 0.9 (12) - 0.5 (4) (default)"
+DEFAULT = "full scale 3, rest learned, joy 12 - 0.75 (4) (default)"
 
 
 class ActionUnits(NamedTuple):

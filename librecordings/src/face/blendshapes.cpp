@@ -93,11 +93,9 @@ const ScoreTable& blendshapeTable()
                      {-0.5f, sides("mouthLowerDown")},
                      {-0.75f, sides("browDown")}},
                     {}};
-    shapes.joy = {{{2.f, sides("mouthSmile")},
-                   {-2.f, {"jawOpen"}},
-                   {-1.f, sides("mouthLowerDown")},
-                   {-1.5f, sides("browDown")}},
-                  {}};
+    shapes.joy = {
+        {{2.f, sides("mouthSmile")}, {-2.f, {"jawOpen"}}, {-1.f, sides("mouthLowerDown")}, {-1.5f, sides("browDown")}},
+        {}};
     shapes.anger = {{{2.f, sides("browDown")},
                      {1.f, sides("eyeSquint")},
                      {2.f, sides("mouthUpperUp")},

@@ -243,14 +243,15 @@ Mapping readMapping(const std::string& file)
   const Json json = parsed(file);
   try
   {
-    readObject(Value(json),
-               {{"actionUnits", [&](const Value& value) { readActionUnits(value, mapping, actionUnits); }},
-                {"pyFeatActionUnits",
-                 [&](const Value& value) { readObject(value, membersWithRest(mapping.pyFeatActionUnits, actionUnits)); }},
-                {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
-                {"arkit", [&](const Value& value) { readObject(value, membersWithRest(mapping.arkit, blendshapes)); }},
-                {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
-                {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
+    readObject(
+        Value(json),
+        {{"actionUnits", [&](const Value& value) { readActionUnits(value, mapping, actionUnits); }},
+         {"pyFeatActionUnits",
+          [&](const Value& value) { readObject(value, membersWithRest(mapping.pyFeatActionUnits, actionUnits)); }},
+         {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
+         {"arkit", [&](const Value& value) { readObject(value, membersWithRest(mapping.arkit, blendshapes)); }},
+         {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
+         {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
   }
   catch (const JsonError& error)
   {

@@ -54,7 +54,7 @@ TEST_F(OpenFaceReader, GivesAllReadingsOfATrackedRow)
   const float aboveRest = 2.f / 3.f - 0.2f;
   EXPECT_FLOAT_EQ(aboveRest, observation.smile.value().value.value);
   EXPECT_FLOAT_EQ(0.98f, observation.smile.value().value.confidence);
-  EXPECT_FLOAT_EQ(0.9f * aboveRest, observation.expressions.value().value.joy.value);
+  EXPECT_FLOAT_EQ(aboveRest, observation.expressions.value().value.joy.value);
   EXPECT_FLOAT_EQ(0.98f, observation.expressions.value().value.joy.confidence);
   for (const auto time :
        {observation.faceDetected->time, observation.distance->time, observation.smile->time,
@@ -297,7 +297,7 @@ TEST_F(OpenFaceReader, FormsExpressionsAsTheMappingSays)
   const auto expressions = observation.expressions.value().value;
   EXPECT_FLOAT_EQ(0.2f, expressions.sorrow.value);
   EXPECT_FLOAT_EQ(0.3f, expressions.excitement.value);
-  EXPECT_FLOAT_EQ(0.36f, expressions.joy.value);
+  EXPECT_FLOAT_EQ(0.4f, expressions.joy.value);
   EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
 }
 

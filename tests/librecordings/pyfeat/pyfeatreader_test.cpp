@@ -101,7 +101,7 @@ TEST_F(PyFeatReader, KnowsTheOldNamesOfEmotions)
 TEST_F(PyFeatReader, FormsExpressionsFromActionUnitsWithoutEmotions)
 {
   const auto contents = readWell("frame,FaceScore,AU06,AU12\n0,0.9,0.2,0.6\n", atThirty());
-  EXPECT_FLOAT_EQ(0.9f * (0.6f - 0.1f), contents.entries.front().observation.expressions.value().value.joy.value);
+  EXPECT_FLOAT_EQ(0.6f - 0.1f, contents.entries.front().observation.expressions.value().value.joy.value);
   EXPECT_THAT(contents.description.front(), HasSubstr("expressions by action units"));
 }
 

@@ -24,7 +24,7 @@ TEST(RosReadings, TakeTheMeanConfidenceOfTheActionUnitsThatAreKnown)
   const auto readings = readingsOf(units, FaceAdapter());
   EXPECT_FLOAT_EQ(0.8f, readings.smile.value().value);
   EXPECT_FLOAT_EQ(0.75f, readings.smile.value().confidence);
-  EXPECT_FLOAT_EQ(0.72f, readings.expressions.value().joy.value);
+  EXPECT_FLOAT_EQ(0.8f, readings.expressions.value().joy.value);
   EXPECT_FLOAT_EQ(0.f, readings.expressions.value().sorrow.confidence);
 }
 
