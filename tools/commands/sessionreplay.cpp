@@ -4,6 +4,7 @@
 #include "terminal/text.hpp"
 #include "terminal/timelinetable.hpp"
 
+#include <skeigiot/session/inspection.hpp>
 #include <skeigiot/session/player.hpp>
 #include <skeigiot/session/summary.hpp>
 #include <skeigiot/session/timeline.hpp>
@@ -35,6 +36,18 @@ private:
   std::size_t _width;
 };
 
+/// Notes what is in a recording.
+class ContentsNoted : public session::SessionObserver
+{
+public:
+  void stepBegins(const recordings::Step& step) override { _contents.add(step); }
+
+  const session::Inspection& contents() const { return _contents; }
+
+private:
+  session::Inspection _contents;
+};
+
 class SessionReplay
 {
 public:
@@ -51,12 +64,15 @@ public:
     session::Summary summary;
     std::vector<session::SessionObserver*> observers = _outlets.observers;
     observers.insert(observers.end(), {&description, &timeline, &summary});
+    ContentsNoted noted;
+    if (_outlets.display.shows())
+      observers.push_back(&noted);
 
     const session::Outcome outcome =
         _player().play([this] { return session::openSession(_inputs, _surroundings.open); }, observers);
     _outlets.progress.erase();
     if (outcome.opened)
-      _showOutcome(outcome, timeline, summary);
+      _showOutcome(outcome, noted.contents(), timeline, summary);
     if (outcome.error)
       _sayError(outcome.error->what());
     return {outcome.error ? BadInput : Success, outcome.opened, _said};
@@ -77,18 +93,33 @@ private:
     });
   }
 
-  void _showOutcome(const session::Outcome& outcome, const session::Timeline& timeline, session::Summary& summary)
+  void _showOutcome(const session::Outcome& outcome, const session::Inspection& contents,
+                    const session::Timeline& timeline, session::Summary& summary)
   {
     summary.finish();
     for (const std::string& text : outcome.warningLines())
       _show(_surroundings.style.yellow("warning: " + text) + "\n");
     _showPersons(timeline, summary);
+    _showTrust(contents, outcome.learned);
     if (!outcome.leftOut.empty())
       _say("warning: " + _name + ": " + outcome.leftOut);
     for (const std::string& line : outcome.libraryWarnings)
       _say(_name + ": " + line);
     if (outcome.badLines > 0)
       _say(_name + ": " + outcome.skippedText());
+  }
+
+  void _showTrust(const session::Inspection& contents, const std::vector<std::string>& learned)
+  {
+    if (contents.persons().empty())
+      return;
+    const auto show = [this](const std::string& text) {
+      _show("  " + wrapped(text, static_cast<std::size_t>(_surroundings.outputWidth) - 2, 2) + "\n");
+    };
+    _show("\n" + _surroundings.style.bold("Trust") + "\n");
+    show(session::trustIn(contents));
+    for (const std::string& line : learned)
+      show(line);
   }
 
   void _showPersons(const session::Timeline& timeline, const session::Summary& summary)

@@ -24,6 +24,7 @@ interface RawPerson {
 interface Facts {
   inputs: string[];
   notes: string[];
+  trust: string;
   begins: number;
   length: number;
   updatesPerSecond: number;

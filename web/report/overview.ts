@@ -38,6 +38,7 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
       ["gaps of a second or more", gapsText(recording)],
       ["begins (UTC)", date],
     ]),
+    element("p", { class: "note" }, `Trust: ${recording.trust}.`),
     ...recording.notes.map((note) => element("p", { class: "note" }, note)),
   );
 }

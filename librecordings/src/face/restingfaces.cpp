@@ -21,7 +21,8 @@ std::string textOf(const std::vector<LearnedScore>& scores)
 {
   std::vector<std::string> parts;
   for (std::size_t i = 0; i < std::min(scores.size(), mostScoresNamed); ++i)
-    parts.push_back(scores[i].name + " " + hundredths(scores[i].typical) + " -> " + hundredths(scores[i].rest));
+    if (const std::string rest = hundredths(scores[i].rest); rest != hundredths(scores[i].typical))
+      parts.push_back(scores[i].name + " " + hundredths(scores[i].typical) + " -> " + rest);
   return listed(parts);
 }
 

@@ -221,6 +221,7 @@ Json reportData(const ReportRecorder& recorder, const std::vector<std::string>& 
     persons.push_back(personOf(person, moments, recorder));
   return {{"inputs", inputs},
           {"notes", notes},
+          {"trust", trustIn(inspection)},
           {"begins", secondsOf(inspection.first().time_since_epoch())},
           {"length", secondsOf(inspection.length())},
           {"updatesPerSecond", inspection.timesPerSecond()},

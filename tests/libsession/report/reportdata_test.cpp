@@ -57,6 +57,7 @@ TEST(ReportData, HoldsTheRecordingAsAWhole)
   const Json data = dataOf("greeting");
   EXPECT_EQ("face.csv", data["inputs"][0]);
   EXPECT_EQ("a note", data["notes"][0]);
+  EXPECT_EQ(0U, data["trust"].get<std::string>().find("seen in 50 % of steps"));
   EXPECT_DOUBLE_EQ(1577836800., data["begins"]);
   EXPECT_DOUBLE_EQ(0.5, data["length"]);
   EXPECT_EQ(6U, data["boundaries"].size());

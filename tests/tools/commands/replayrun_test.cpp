@@ -95,6 +95,7 @@ TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
   EXPECT_THAT(text, HasSubstr("  span       0:00.0 to 0:01.0, 2 updates"));
   EXPECT_THAT(text, HasSubstr("\nPerson 7\n"));
   EXPECT_THAT(text, HasSubstr("'whole recording' (0:00.0 to 0:01.0, 1 update)"));
+  EXPECT_THAT(text, HasSubstr("\nTrust\n  seen in 100 % of steps"));
   EXPECT_EQ("", errors.str());
 }
 
