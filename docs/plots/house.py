@@ -65,7 +65,7 @@ HEADERS = {
     "skeigiot/recordings/face.hpp": "face",
     "skeigiot/recordings/facelandmarks.hpp": "face",
     "skeigiot/recordings/facepose.hpp": "face",
-    "skeigiot/recordings/faceposition.hpp": "face",
+    "skeigiot/recordings/faceposition.hpp": "recording",
     "skeigiot/recordings/format.hpp": "recording",
     "skeigiot/recordings/limits.hpp": "input",
     "skeigiot/recordings/mediapipeface.hpp": "mediapipe",

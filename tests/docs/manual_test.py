@@ -88,7 +88,7 @@ class ManualPages(unittest.TestCase):
             self.skipTest("mandoc is not installed")
         shown = " ".join(run("mandoc", "-T", "utf8", "-O", "width=400", PAGES / "skeigiot-replay.1").split())
         shown = re.sub(".\b", "", shown)  # bold and underlined letters are overstruck
-        for words in ("Intensity of an action unit that counts as full (5)",
+        for words in ("Intensity of an action unit that counts as full (3)",
                       "jsonl: JSON Lines of skeigiot",
                       "valence_binary 1 above 0.2, -1 from -0.2 downwards, else 0",
                       "skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S"):

@@ -1,6 +1,6 @@
 #include <skeigiot/recordings/rest.hpp>
 
-#include "face/numbersof.hpp"
+#include "recording/numbersof.hpp"
 
 #include <cmath>
 #include <stdexcept>

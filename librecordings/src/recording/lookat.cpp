@@ -1,6 +1,6 @@
 #include <skeigiot/recordings/lookat.hpp>
 
-#include "face/numbersof.hpp"
+#include "recording/numbersof.hpp"
 
 #include <algorithm>
 #include <cmath>
