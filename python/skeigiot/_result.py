@@ -111,8 +111,8 @@ class Replay:
 
     ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was
     none. verdicts are those on the whole recording and on all scopes. description says in which way the recording was
-    read, learned what was learned of the faces at rest; warnings are the texts of all warnings; length is in seconds; name names the recording; error is what ended it
-    before its end, None if nothing did.
+    read, learned what was learned of the faces at rest; warnings are the texts of all warnings; length is in seconds;
+    name names the recording; error is what ended it before its end, None if nothing did.
     """
 
     def __init__(self, outcome: Dict[str, Any]) -> None:
