@@ -63,7 +63,7 @@ double correlation(const std::vector<double>& x, const std::vector<double>& y)
 // Columns of a file as numbers.
 std::map<std::string, std::vector<double>> columnsOf(const std::string& path, const std::vector<std::string>& names)
 {
-  KV::recordings::CsvRows rows(path);
+  KV::recordings::CsvRows rows{KV::recordings::InputFile(path)};
   rows.next();
   const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
   std::map<std::string, std::vector<double>> columns;
@@ -353,7 +353,7 @@ TEST_F(RealRecording, OfLiveLinkFaceTurnsTheEyesAsTheirScoresDo)
 {
   const std::string name = "arkit/livelinkface_apfel.csv.gz";
   SKIP_UNLESS_THERE(name);
-  KV::recordings::CsvRows rows(path(name));
+  KV::recordings::CsvRows rows(KV::recordings::InputFile(path(name)));
   rows.next();
   const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
   const auto columnAt = [&header](const std::string& column) {

@@ -2,6 +2,8 @@
 
 #include <skeigiot/recordings/recording.hpp>
 
+#include <utility>
+
 namespace KV::recordings
 {
 namespace
@@ -29,7 +31,7 @@ std::string_view trimmed(std::string_view field)
 
 }  // namespace
 
-CsvRows::CsvRows(const std::string& path) : _file(path) {}
+CsvRows::CsvRows(InputFile input) : _file(std::move(input)) {}
 
 bool CsvRows::next()
 {

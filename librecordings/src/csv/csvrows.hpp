@@ -14,10 +14,10 @@ namespace KV::recordings
 class CsvRows
 {
 public:
-  /// Opens the file.
+  /// Takes an opened file.
   ///
-  /// \throws Error if it cannot be opened.
-  explicit CsvRows(const std::string& path);
+  /// \throws Error if it cannot be read.
+  explicit CsvRows(InputFile input);
   CsvRows(const CsvRows&) = delete;  // the fields stand in it
   CsvRows& operator=(const CsvRows&) = delete;
 

@@ -2,11 +2,13 @@
 
 #include <skeigiot/recordings/recording.hpp>
 
+#include <utility>
+
 namespace KV::recordings
 {
 
-CsvFaceFile::CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name))
-  : _rows(path), _header(_readHeader(isRead))
+CsvFaceFile::CsvFaceFile(InputFile input, bool (*isRead)(const std::string& name))
+  : _rows(std::move(input)), _header(_readHeader(isRead))
 {}
 
 CsvHeader CsvFaceFile::_readHeader(bool (*isRead)(const std::string& name))

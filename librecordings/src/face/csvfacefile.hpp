@@ -15,10 +15,10 @@ namespace KV::recordings
 class CsvFaceFile
 {
 public:
-  /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
+  /// Takes an opened file and reads its header; `isRead` tells the names of the columns that matter.
   ///
   /// \throws Error if it cannot be read, is empty, or its columns cannot be told apart.
-  CsvFaceFile(const std::string& path, bool (*isRead)(const std::string& name));
+  CsvFaceFile(InputFile input, bool (*isRead)(const std::string& name));
 
   const CsvHeader& header() const { return _header; }
   const std::string& path() const { return _rows.file().path(); }

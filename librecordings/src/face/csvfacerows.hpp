@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -19,10 +20,10 @@ public:
   Columns columns() const override { return _file.header().columns(); }
 
 protected:
-  /// Opens the file and reads its header; `isRead` tells the names of the columns that matter.
+  /// Takes an opened file and reads its header; `isRead` tells the names of the columns that matter.
   ///
   /// \throws Error if it cannot be read.
-  CsvFaceRows(const std::string& path, bool (*isRead)(const std::string& name)) : _file(path, isRead) {}
+  CsvFaceRows(InputFile input, bool (*isRead)(const std::string& name)) : _file(std::move(input), isRead) {}
 
   CsvFaceFile& file() { return _file; }
   const CsvFaceFile& file() const { return _file; }

@@ -8,14 +8,15 @@
 #include "pyfeat/pyfeatrows.hpp"
 #include "rosbag2/rosbagreader.hpp"
 #include "tidy/tidycsvtable.hpp"
+#include "tidy/tidyreader.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/recording.hpp>
-#include "tidy/tidyreader.hpp"
 
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -25,19 +26,32 @@ namespace
 constexpr std::size_t headSize = std::size_t{64} << 10U;
 
 template <typename Rows>
-std::unique_ptr<Reader> openFaces(const std::string& path, const ReadingOptions& options)
+std::unique_ptr<Reader> readFaces(InputFile file, const ReadingOptions& options)
 {
-  return std::make_unique<FaceReader>(std::make_unique<Rows>(path, options), options);
+  return std::make_unique<FaceReader>(std::make_unique<Rows>(std::move(file), options), options);
 }
 
-std::unique_ptr<Reader> openJsonLines(const std::string& path, const ReadingOptions&)
+std::unique_ptr<Reader> readJsonLines(InputFile file, const ReadingOptions&)
 {
-  return std::make_unique<JsonLinesReader>(path);
+  return std::make_unique<JsonLinesReader>(std::move(file));
 }
 
-std::unique_ptr<Reader> openTidyCsv(const std::string& path, const ReadingOptions&)
+std::unique_ptr<Reader> readTidyCsv(InputFile file, const ReadingOptions&)
 {
-  return std::make_unique<TidyReader>(std::make_unique<TidyCsvTable>(path));
+  return std::make_unique<TidyReader>(std::make_unique<TidyCsvTable>(std::move(file)));
+}
+
+template <auto read>
+std::unique_ptr<Reader> openFile(const std::string& path, const ReadingOptions& options)
+{
+  return read(InputFile(path), options);
+}
+
+// A format that is read forward, from a file or a stream.
+template <auto read>
+Format forward(const char* name, const char* description, bool (*detect)(const std::string& head))
+{
+  return {name, description, detect, openFile<read>, read};
 }
 
 std::unique_ptr<Reader> openRosbag(const std::string& path, const ReadingOptions& options)
@@ -82,12 +96,8 @@ const Format* formatDetectedIn(const std::string& head)
   return found == formats.end() ? nullptr : &*found;
 }
 
-const Format& formatOf(const std::string& path)
+const Format& formatOfHead(const std::string& head, const std::string& path)
 {
-  refuseToLookIntoPipes(path);
-  if (isRosbagFolder(path))
-    return formatNamed("rosbag2", path);
-  const std::string head = InputFile::head(path, headSize);
   if (head.empty())
     throw Error({path, 0, {}}, "the file is empty");
   const Format* const format = formatDetectedIn(head);
@@ -96,19 +106,28 @@ const Format& formatOf(const std::string& path)
   return *format;
 }
 
+const Format& formatOf(const std::string& path)
+{
+  refuseToLookIntoPipes(path);
+  if (isRosbagFolder(path))
+    return formatNamed("rosbag2", path);
+  return formatOfHead(InputFile::head(path, headSize), path);
+}
+
 }  // namespace
 
 const std::vector<Format>& recordingFormats()
 {
   static const std::vector<Format> formats = {
-      {"livelink", "CSV of Live Link Face", looksLikeLiveLink, openFaces<LiveLinkRows>},
-      {"pyfeat", "CSV of py-feat", looksLikePyFeat, openFaces<PyFeatRows>},
-      {"blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv, openFaces<BlendshapeCsvRows>},
-      {"openface", "CSV of OpenFace 2 and older", looksLikeOpenFace, openFaces<OpenFaceRows>},
-      {"tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv, openTidyCsv},
-      {"mediapipe", "JSON of MediaPipe FaceLandmarker results", looksLikeFaceLandmarker, openFaces<FaceLandmarkerRows>},
-      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag},
-      {"jsonl", "JSON Lines of skeigiot", looksLikeJsonLines, openJsonLines},
+      forward<readFaces<LiveLinkRows>>("livelink", "CSV of Live Link Face", looksLikeLiveLink),
+      forward<readFaces<PyFeatRows>>("pyfeat", "CSV of py-feat", looksLikePyFeat),
+      forward<readFaces<BlendshapeCsvRows>>("blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv),
+      forward<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older", looksLikeOpenFace),
+      forward<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv),
+      forward<readFaces<FaceLandmarkerRows>>("mediapipe", "JSON of MediaPipe FaceLandmarker results",
+                                             looksLikeFaceLandmarker),
+      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag, nullptr},
+      forward<readJsonLines>("jsonl", "JSON Lines of skeigiot", looksLikeJsonLines),
   };
   return formats;
 }
@@ -133,6 +152,16 @@ bool isRecording(const std::string& path)
 std::unique_ptr<Reader> openRecording(const std::string& path, const std::string& format, const ReadingOptions& options)
 {
   return (format.empty() ? formatOf(path) : formatNamed(format, path)).open(path, options);
+}
+
+std::unique_ptr<Reader> openRecording(std::istream& stream, const std::string& name, const std::string& format,
+                                      const ReadingOptions& options)
+{
+  InputFile file(stream, name);
+  const Format& found = format.empty() ? formatOfHead(file.peek(headSize), name) : formatNamed(format, name);
+  if (found.read == nullptr)
+    throw Error({name, 0, {}}, "the format " + found.name + " cannot be read from a stream; expected a path");
+  return found.read(std::move(file), options);
 }
 
 }  // namespace KV::recordings

@@ -1,14 +1,10 @@
 #include <skeigiot/recordings/inputfile.hpp>
 
-#include <skeigiot/recordings/recording.hpp>
+#include "input/bytesource.hpp"
 
-#include <zlib.h>
+#include <skeigiot/recordings/badline.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 namespace KV::recordings
@@ -16,46 +12,25 @@ namespace KV::recordings
 namespace
 {
 constexpr std::size_t firstBufferSize = std::size_t{256} << 10U;
-constexpr unsigned int compressedBufferSize = 128U << 10U;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-void refuseWhatIsNoFile(const std::string& path)
-{
-  std::error_code error;
-  const auto status = std::filesystem::status(path, error);
-  if (!std::filesystem::exists(status))
-    throw Error({path, 0, {}}, "there is no such file");
-  if (std::filesystem::is_directory(status))
-    throw Error({path, 0, {}}, "is a folder, expected a file");
-}
-
-std::size_t sizeOf(const std::string& path)
-{
-  std::error_code error;
-  const auto size = std::filesystem::file_size(path, error);
-  return error ? 0 : static_cast<std::size_t>(size);
-}
 
 }  // namespace
 
-void InputFile::Close::operator()(gzFile_s* file) const
-{
-  gzclose(file);
-}
+InputFile::InputFile(const std::string& path) : InputFile(path, bytesOfFile(path)) {}
 
-InputFile::InputFile(const std::string& path) : _path(path), _size(sizeOf(path)), _buffer(firstBufferSize)
-{
-  refuseWhatIsNoFile(path);
-  errno = 0;
-  _file.reset(gzopen(path.c_str(), "rb"));
-  if (!_file)
-    throw Error({path, 0, {}}, std::string("cannot be opened: ") + std::strerror(errno));
-  gzbuffer(_file.get(), compressedBufferSize);
+InputFile::InputFile(std::istream& stream, const std::string& name) : InputFile(name, bytesOfStream(stream, name)) {}
 
+InputFile::InputFile(std::string path, std::unique_ptr<ByteSource> source)
+  : _path(std::move(path)), _source(std::move(source)), _buffer(firstBufferSize)
+{
   _readAtLeast(byteOrderMark.size());
   if (_unread().substr(0, byteOrderMark.size()) == byteOrderMark)
     _begin = byteOrderMark.size();
 }
+
+InputFile::InputFile(InputFile&& other) noexcept = default;
+
+InputFile::~InputFile() = default;
 
 bool InputFile::readLine(std::string_view& line)
 {
@@ -99,17 +74,18 @@ double InputFile::progress() const
 {
   if (_atEnd && _unread().empty())
     return 1.0;
-  if (_size == 0)
-    return 0.0;
-  const auto offset = gzoffset(_file.get());
-  return offset < 0 ? 0.0 : std::min(1.0, static_cast<double>(offset) / static_cast<double>(_size));
+  return _source->progress();
 }
 
 std::string InputFile::head(const std::string& path, std::size_t count)
 {
-  InputFile file(path);
-  file._readAtLeast(count);
-  return std::string(file._unread().substr(0, count));
+  return InputFile(path).peek(count);
+}
+
+std::string InputFile::peek(std::size_t count)
+{
+  _readAtLeast(count);
+  return std::string(_unread().substr(0, count));
 }
 
 // What stands before a fault of the file is there to be read all the same; whoever reads on learns of the fault.
@@ -137,22 +113,14 @@ bool InputFile::_readOn()
   if (_atEnd)
     return false;
   _makeRoom();
-  const int count = gzread(_file.get(), _buffer.data() + _end, static_cast<unsigned int>(_buffer.size() - _end));
+  const std::size_t count = _source->read(_buffer.data() + _end, _buffer.size() - _end);
   if (count > 0)
   {
-    _end += static_cast<std::size_t>(count);
+    _end += count;
     return true;
   }
-
   _atEnd = true;
-  int error = Z_OK;
-  const char* const message = gzerror(_file.get(), &error);
-  if (error == Z_BUF_ERROR)
-    _fault = "the compressed data end too early: the file was cut";
-  else if (error == Z_ERRNO)
-    _fault = std::string("cannot be read: ") + std::strerror(errno);
-  else if (error != Z_OK && error != Z_STREAM_END)
-    _fault = std::string("the compressed data are damaged: ") + message;
+  _fault = _source->fault();
   return false;
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -18,10 +19,10 @@ public:
   static constexpr std::size_t longestPiece = std::size_t{16} << 20U;  ///< [bytes]
   static constexpr int deepestNesting = 16;
 
-  /// Opens the file.
+  /// Takes an opened file.
   ///
-  /// \throws Error if it cannot be opened.
-  explicit JsonPieces(const std::string& path) : _file(path) {}
+  /// \throws Error if it cannot be read.
+  explicit JsonPieces(InputFile input) : _file(std::move(input)) {}
 
   /// Reads the next object into `piece`; returns false at the end of the file.
   ///

@@ -3,6 +3,7 @@
 #include <skeigiot/recordings/observationjson.hpp>
 
 #include <string_view>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -23,7 +24,7 @@ bool looksLikeJsonLines(const std::string& head)
   return begin != std::string::npos && head[begin] == '{';
 }
 
-JsonLinesReader::JsonLinesReader(const std::string& path) : _file(path) {}
+JsonLinesReader::JsonLinesReader(InputFile input) : _file(std::move(input)) {}
 
 boost::optional<Step> JsonLinesReader::next()
 {

@@ -16,10 +16,10 @@ bool looksLikeJsonLines(const std::string& head);
 class JsonLinesReader : public Reader
 {
 public:
-  /// Opens the file.
+  /// Takes an opened file.
   ///
-  /// \throws Error if it cannot be opened.
-  explicit JsonLinesReader(const std::string& path);
+  /// \throws Error if it cannot be read.
+  explicit JsonLinesReader(InputFile input);
 
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;

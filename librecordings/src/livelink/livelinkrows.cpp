@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -58,8 +59,8 @@ bool looksLikeLiveLink(const std::string& head)
   return names.size() > 1 && names[0] == "Timecode" && names[1] == "BlendShapeCount";
 }
 
-LiveLinkRows::LiveLinkRows(const std::string& path, const ReadingOptions& options)
-  : CsvFaceRows(path, isRead),
+LiveLinkRows::LiveLinkRows(InputFile input, const ReadingOptions& options)
+  : CsvFaceRows(std::move(input), isRead),
     _options(options),
     _adapter(options),
     _timecode(findNeeded(file().header(), "Timecode")),

@@ -23,10 +23,10 @@ bool looksLikeLiveLink(const std::string& head);
 class LiveLinkRows : public CsvFaceRows
 {
 public:
-  /// Opens the file and reads its header.
+  /// Takes an opened file and reads its header.
   ///
   /// \throws Error if it cannot be read.
-  LiveLinkRows(const std::string& path, const ReadingOptions& options);
+  LiveLinkRows(InputFile input, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
   const FaceAdapter& adapter() const override { return _adapter; }

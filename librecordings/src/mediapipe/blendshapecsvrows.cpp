@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -42,8 +43,8 @@ bool looksLikeBlendshapeCsv(const std::string& head)
   return std::count_if(names.begin(), names.end(), isBlendshape) >= tellingNames;
 }
 
-BlendshapeCsvRows::BlendshapeCsvRows(const std::string& path, const ReadingOptions& options)
-  : CsvFaceRows(path, isBlendshape),
+BlendshapeCsvRows::BlendshapeCsvRows(InputFile input, const ReadingOptions& options)
+  : CsvFaceRows(std::move(input), isBlendshape),
     _options(options),
     _adapter(options),
     _frame(file().header().find("frame")),

@@ -24,10 +24,10 @@ bool looksLikeBlendshapeCsv(const std::string& head);
 class BlendshapeCsvRows : public CsvFaceRows
 {
 public:
-  /// Opens the file and reads its header.
+  /// Takes an opened file and reads its header.
   ///
   /// \throws Error if it cannot be read.
-  BlendshapeCsvRows(const std::string& path, const ReadingOptions& options);
+  BlendshapeCsvRows(InputFile input, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
   const FaceAdapter& adapter() const override { return _adapter; }

@@ -24,8 +24,8 @@ bool looksLikeFaceLandmarker(const std::string& head)
                      [&head](const char* name) { return head.find(name) != std::string::npos; });
 }
 
-FaceLandmarkerRows::FaceLandmarkerRows(const std::string& path, const ReadingOptions& options)
-  : _options(options), _adapter(options), _pieces(path)
+FaceLandmarkerRows::FaceLandmarkerRows(InputFile input, const ReadingOptions& options)
+  : _options(options), _adapter(options), _pieces(std::move(input))
 {}
 
 std::optional<FaceRow> FaceLandmarkerRows::next()

@@ -23,10 +23,10 @@ bool looksLikeFaceLandmarker(const std::string& head);
 class FaceLandmarkerRows : public FaceRows
 {
 public:
-  /// Opens the file.
+  /// Takes an opened file.
   ///
   /// \throws Error if it cannot be read.
-  FaceLandmarkerRows(const std::string& path, const ReadingOptions& options);
+  FaceLandmarkerRows(InputFile input, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
   const std::string& path() const override { return _pieces.file().path(); }

@@ -6,12 +6,13 @@
 #include <skeigiot/recordings/description.hpp>
 
 #include <cmath>
+#include <utility>
 
 namespace KV::recordings
 {
 
-OpenFaceRows::OpenFaceRows(const std::string& path, const ReadingOptions& options)
-  : CsvFaceRows(path, isOfOpenFace),
+OpenFaceRows::OpenFaceRows(InputFile input, const ReadingOptions& options)
+  : CsvFaceRows(std::move(input), isOfOpenFace),
     _options(options),
     _adapter(options),
     _columns(findOpenFaceColumns(file().header(), _adapter.actionUnitNames())),

@@ -18,10 +18,10 @@ namespace KV::recordings
 class OpenFaceRows : public CsvFaceRows
 {
 public:
-  /// Opens the file and reads its header.
+  /// Takes an opened file and reads its header.
   ///
   /// \throws Error if it cannot be read.
-  OpenFaceRows(const std::string& path, const ReadingOptions& options);
+  OpenFaceRows(InputFile input, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
   const FaceAdapter& adapter() const override { return _adapter; }

@@ -65,8 +65,8 @@ double nodOf(const CsvNumbers& numbers, const PyFeatColumns& columns)
 
 }  // namespace
 
-PyFeatRows::PyFeatRows(const std::string& path, const ReadingOptions& options)
-  : CsvFaceRows(path, isOfPyFeat),
+PyFeatRows::PyFeatRows(InputFile input, const ReadingOptions& options)
+  : CsvFaceRows(std::move(input), isOfPyFeat),
     _options(options),
     _adapter(options),
     _columns(findPyFeatColumns(file().header(), _adapter.actionUnitNames(), _adapter.emotionNames())),

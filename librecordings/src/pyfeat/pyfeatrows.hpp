@@ -26,10 +26,10 @@ namespace KV::recordings
 class PyFeatRows : public CsvFaceRows
 {
 public:
-  /// Opens the file, and looks at its header and first rows.
+  /// Takes an opened file, and looks at its header and first rows.
   ///
   /// \throws Error if it cannot be read.
-  PyFeatRows(const std::string& path, const ReadingOptions& options);
+  PyFeatRows(InputFile input, const ReadingOptions& options);
 
   std::optional<FaceRow> next() override;
   const FaceAdapter& adapter() const override { return _adapter; }

@@ -3,6 +3,7 @@
 #include "csv/csvheader.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace KV::recordings
 {
@@ -25,10 +26,10 @@ bool looksLikeTidyCsv(const std::string& head)
   return has(TidyColumn::Time) && has(TidyColumn::Reading);
 }
 
-TidyCsvTable::TidyCsvTable(const std::string& path) : _rows(path), _numbers(_rows, _names)
+TidyCsvTable::TidyCsvTable(InputFile input) : _rows(std::move(input)), _numbers(_rows, _names)
 {
   if (!_rows.next())
-    throw Error({path, 0, {}}, "the file is empty");
+    throw Error({_rows.file().path(), 0, {}}, "the file is empty");
   _findColumns();
 }
 

@@ -21,11 +21,11 @@ bool looksLikeTidyCsv(const std::string& head);
 class TidyCsvTable : public TidyTable
 {
 public:
-  /// Opens the file and reads its header.
+  /// Takes an opened file and reads its header.
   ///
   /// \throws Error if it cannot be read, there is no time or no reading, a column is there twice, or no commas
   ///   separate them.
-  explicit TidyCsvTable(const std::string& path);
+  explicit TidyCsvTable(InputFile input);
 
   bool next() override;
   bool hasColumn(TidyColumn column) const override { return _indexOf(column).has_value(); }

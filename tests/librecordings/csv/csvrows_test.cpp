@@ -12,7 +12,7 @@ class CsvRows : public ::testing::Test
 protected:
   std::vector<Row> rowsOf(const std::string& text) const
   {
-    KV::recordings::CsvRows rows(folder.write("f", text));
+    KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", text)));
     std::vector<Row> all;
     while (rows.next())
       all.emplace_back(rows.fields().begin(), rows.fields().end());
@@ -29,7 +29,7 @@ TEST_F(CsvRows, TakesTheSpacesAroundFieldsAway)
 
 TEST_F(CsvRows, SkipsEmptyLinesAndCountsThem)
 {
-  KV::recordings::CsvRows rows(folder.write("f", "a\n\n  \nb\n"));
+  KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a\n\n  \nb\n")));
   ASSERT_TRUE(rows.next());
   ASSERT_TRUE(rows.next());
   EXPECT_EQ(4u, rows.file().lineNumber());
@@ -62,7 +62,7 @@ TEST_F(CsvRows, PassesTheByteOrderMarkOver)
 
 TEST_F(CsvRows, EndsARowAtTheEndOfALineInQuotesToo)
 {
-  KV::recordings::CsvRows rows(folder.write("f", "a,\"b\nc\"\n"));
+  KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a,\"b\nc\"\n")));
   EXPECT_THROW(rows.next(), KV::recordings::BadLine);
   EXPECT_THROW(rows.next(), KV::recordings::BadLine);
   EXPECT_FALSE(rows.next());
@@ -70,7 +70,7 @@ TEST_F(CsvRows, EndsARowAtTheEndOfALineInQuotesToo)
 
 TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
 {
-  KV::recordings::CsvRows rows(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n"));
+  KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n")));
   ASSERT_TRUE(rows.next());
   try
   {
@@ -87,7 +87,7 @@ TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
 
 TEST_F(CsvRows, RefusesAQuoteWithinAFieldAndGoesOnBehindIt)
 {
-  KV::recordings::CsvRows rows(folder.write("f", "a,5\"\nb,\"c\"d\ne,f\n"));
+  KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a,5\"\nb,\"c\"d\ne,f\n")));
   EXPECT_THROW(rows.next(), KV::recordings::BadLine);
   EXPECT_THROW(rows.next(), KV::recordings::BadLine);
   ASSERT_TRUE(rows.next());

@@ -30,7 +30,7 @@ protected:
   /// The rows of the table about one face.
   static std::vector<std::map<std::string, double>> rowsOf(const std::string& face)
   {
-    KV::recordings::CsvRows rows(path(".faces.csv.gz"));
+    KV::recordings::CsvRows rows(KV::recordings::InputFile(path(".faces.csv.gz")));
     rows.next();
     const std::vector<std::string> header(rows.fields().begin(), rows.fields().end());
     std::vector<std::map<std::string, double>> found;

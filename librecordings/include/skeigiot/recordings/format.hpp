@@ -10,6 +10,8 @@
 namespace KV::recordings
 {
 
+class InputFile;
+
 /// One format of recordings.
 struct SKEIGIOT_API Format
 {
@@ -23,6 +25,11 @@ struct SKEIGIOT_API Format
   ///
   /// \throws Error if it cannot be read.
   std::unique_ptr<Reader> (*open)(const std::string& path, const ReadingOptions& options);
+
+  /// Reads a file or stream that was opened before; null where the format cannot be read forward, as a bag cannot.
+  ///
+  /// \throws Error if it cannot be read.
+  std::unique_ptr<Reader> (*read)(InputFile file, const ReadingOptions& options);
 };
 
 }  // namespace KV::recordings

@@ -3,17 +3,18 @@
 #include <skeigiot/api.hpp>
 
 #include <cstddef>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-struct gzFile_s;
-
 namespace KV::recordings
 {
 
-/// A text file, plain or compressed by gzip, read line by line in bounded memory.
+class ByteSource;
+
+/// A text file or stream, plain or compressed by gzip, read line by line in bounded memory. Not synchronised.
 class SKEIGIOT_API InputFile
 {
 public:
@@ -23,6 +24,18 @@ public:
   ///
   /// \throws Error if it cannot be opened.
   explicit InputFile(const std::string& path);
+
+  /// Reads from where the stream stands; a byte order mark of UTF-8 there is skipped. The stream must outlive the file.
+  ///
+  /// Waits until the stream has filled a buffer or ended: this is for recordings, not for what a sensor sends now.
+  ///
+  /// \param name  stands in messages where the path of a file stands.
+  /// \throws Error if the stream has failed before.
+  InputFile(std::istream& stream, const std::string& name);
+
+  InputFile(InputFile&& other) noexcept;  ///< `other` may only be destroyed afterwards
+  InputFile& operator=(InputFile&& other) = delete;
+  ~InputFile();
 
   /// Reads the next line into `line`, without its line end (LF or CR LF); returns false at the end of the file.
   ///
@@ -46,9 +59,10 @@ public:
   /// Returns whether the line read last had a line end: only the last line of a file may have none.
   bool lineEnded() const { return _lineEnded; }
 
+  /// Returns the path, or the name of the stream.
   const std::string& path() const { return _path; }
 
-  /// Returns which part of the file, compressed as it is, was taken in: in [0, 1].
+  /// Returns which part of the file, compressed as it is, was taken in: in [0, 1]; 0 of a stream up to its end.
   double progress() const;
 
   /// Returns up to `count` bytes from the beginning of the file, decompressed, without a byte order mark; fewer where
@@ -57,11 +71,14 @@ public:
   /// \throws Error if nothing of it can be read.
   static std::string head(const std::string& path, std::size_t count);
 
+  /// Returns up to `count` bytes of what is not read yet, decompressed, and leaves them to be read; fewer at the end,
+  /// or where the file is cut or damaged.
+  ///
+  /// \throws Error if nothing of it can be read.
+  std::string peek(std::size_t count);
+
 private:
-  struct Close
-  {
-    void operator()(gzFile_s* file) const;
-  };
+  InputFile(std::string path, std::unique_ptr<ByteSource> source);
 
   std::string_view _unread() const { return {_buffer.data() + _begin, _end - _begin}; }
   void _readAtLeast(std::size_t count);
@@ -72,8 +89,7 @@ private:
   void _skipLine();
 
   std::string _path;
-  std::unique_ptr<gzFile_s, Close> _file;
-  std::size_t _size = 0;  // [bytes] of the file as it is stored, 0 if unknown
+  std::unique_ptr<ByteSource> _source;
   std::vector<char> _buffer;
   std::size_t _begin = 0;  // of what is not handed out yet
   std::size_t _end = 0;

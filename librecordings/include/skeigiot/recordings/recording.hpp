@@ -12,6 +12,7 @@
 #include <skeigiot/recordings/readingoptions.hpp>
 #include <skeigiot/recordings/step.hpp>
 
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,5 +37,16 @@ SKEIGIOT_API std::string formatNameOf(const std::string& path);
 /// \throws Error if the file cannot be read or no format fits.
 SKEIGIOT_API std::unique_ptr<Reader> openRecording(const std::string& path, const std::string& format,
                                                    const ReadingOptions& options);
+
+/// Reads a recording from where the stream stands, plain or compressed by gzip, in the same way as one with a path.
+///
+/// The stream must outlive the reader, and nobody else may read from it. It may stand at any place and need not be able
+/// to go back. Bags of ROS 2 cannot be read from a stream.
+///
+/// \param name    stands in messages where the path of a file stands.
+/// \param format  name of the format; empty to detect it by the first 64 KiB.
+/// \throws Error if the stream cannot be read, no format fits, or the format needs a path.
+SKEIGIOT_API std::unique_ptr<Reader> openRecording(std::istream& stream, const std::string& name,
+                                                   const std::string& format, const ReadingOptions& options);
 
 }  // namespace KV::recordings
