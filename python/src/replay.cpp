@@ -111,12 +111,13 @@ py::list textsOf(const std::vector<std::string>& texts)
   return list;
 }
 
-py::object errorOf(const boost::optional<KV::recordings::Error>& error)
+/// \param hint  behind the message
+py::object errorOf(const boost::optional<KV::recordings::Error>& error, const std::string& hint = {})
 {
   if (!error)
     return py::none();
   const auto& place = error->place();
-  return py::make_tuple(textOf(error->what()), textOf(place.file), place.line, textOf(place.field));
+  return py::make_tuple(textOf(error->what() + hint), textOf(place.file), place.line, textOf(place.field));
 }
 
 const char* nameOf(KV::session::ScopeEnd end)
@@ -162,7 +163,7 @@ py::dict dictOf(ReplayOutcome& outcome)
   dict["description"] = textsOf(outcome.description);
   dict["learned"] = textsOf(outcome.learned);
   dict["warnings"] = textsOf(outcome.warnings);
-  dict["error"] = errorOf(outcome.error);
+  dict["error"] = errorOf(outcome.error, outcome.hint);
   dict["verdicts"] = verdicts;
   dict["updates"] = outcome.tables.updates.take();
   dict["forces"] = outcome.tables.forces.take();
@@ -229,6 +230,8 @@ KV::recordings::ReadingOptions readingFrom(const py::dict& options)
     reading.lookAt = parsed(options, "look_at", &KV::recordings::parseLookAt);
   reading.mapping = options["mapping"].cast<std::string>();
   reading.personColumn = options["person_from"].cast<std::string>();
+  reading.rateName = "fps=";
+  reading.mappingName = "mapping=";
   return reading;
 }
 

@@ -4,6 +4,8 @@
 
 #include <skeigiot/session/player.hpp>
 
+#include <array>
+#include <cstdio>
 #include <memory>
 #include <utility>
 
@@ -28,6 +30,18 @@ void add(std::vector<std::string>& texts, std::vector<std::string> others)
 {
   for (std::string& text : others)
     texts.push_back(std::move(text));
+}
+
+// Only files have offsets.
+std::string hintFor(const KV::recordings::Error& error, const ReplayRequest& request)
+{
+  const auto& remedy = error.remedy();
+  if (!remedy || request.frames.count(remedy->input) > 0)
+    return {};
+  std::array<char, 64> seconds{};
+  std::snprintf(seconds.data(), seconds.size(), "%.3f", static_cast<double>(remedy->offset.count()) * 1e-9);
+  return "; offsets={'" + remedy->input + "': " + seconds.data() +
+         "} would let them begin together, replay_all() replays each for itself";
 }
 
 KV::session::PlayerOptions optionsOf(const ReplayRequest& request)
@@ -57,6 +71,8 @@ ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& 
   result.description = std::move(outcome.description);
   result.learned = std::move(outcome.learned);
   result.error = std::move(outcome.error);
+  if (result.error)
+    result.hint = hintFor(*result.error, request);
   result.warnings = outcome.warningLines();
   if (outcome.badLines > 0)
     result.warnings.push_back(outcome.skippedText());

@@ -40,6 +40,7 @@ struct ReplayOutcome
   std::vector<std::string> learned;
   std::vector<std::string> warnings;
   boost::optional<KV::recordings::Error> error;  ///< what ended the recording before its end
+  std::string hint;                              ///< goes on behind its message: which keyword helps
 };
 
 /// Replays one session as the command does, without the interpreter lock.

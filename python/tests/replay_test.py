@@ -238,6 +238,19 @@ def test_says_where_a_recording_is_bad(written, text, line, field, message):
     assert error.replay is not None
 
 
+def test_names_the_keywords_that_help(written):
+    with pytest.warns(skeigiot.RecordingWarning, match=r"give the rate of the video \(fps=\) if it was another"):
+        skeigiot.replay(written("frame,AU12_r\n1,1\n2,1\n"))
+    early = written("time,person,reading,value\n0,1,smile,1\n", "early.csv")
+    late = written("time,person,reading,value\n1700000000,1,asrEmotion,1\n", "late.csv")
+    with pytest.raises(skeigiot.RecordingError) as caught:
+        skeigiot.replay([early, late])
+    assert str(caught.value).endswith(
+        f"or they are no inputs of one session; offsets={{'{early}': 122163200.000}} would let them begin together, "
+        "replay_all() replays each for itself")
+    skeigiot.replay([early, late], offsets={early: 122163200.0})
+
+
 def test_keeps_what_came_before_the_error(written):
     path = written(recordings.OPENFACE.replace("3, 0, 0.066", "3, 0, later"))
     with pytest.raises(skeigiot.RecordingError) as caught:

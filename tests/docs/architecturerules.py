@@ -53,6 +53,8 @@ TERMINAL_HEADER = re.compile(r"CLI/|n?curses|(?:sys/ioctl|termios?|getopt)\.h|pa
 TERMINAL_CALL = re.compile(r"\b(?:isatty|ioctl|tcgetattr|wcwidth|getopt(?:_long)?)\s*\(|\\(?:x1b|033|e)\[|\bCLI::")
 TERMINAL_LIBRARY = re.compile(r"\b(?:CLI11|curses|ncurses)\b", re.IGNORECASE)
 COLUMNS_OF_TEXT = re.compile(r"\bstd::(?:setw|left|right)\b|\bCOLUMNS\b")
+TEXT = re.compile(r'"((?:[^"\\]|\\.)*)"')
+OPTION = re.compile(r"(?<![\w-])--[a-z][a-z-]*")
 FILE_HEADER = re.compile(r"fstream|filesystem|cstdio|(?:sqlite3|fcntl|unistd|zlib)\.h|.*(?:inputfile|unpackedfile|rosbag\w*)\.hpp")
 TOPIC = re.compile(r'"/(?:tf|humans)|_msgs/|\bRosTopicKind\b')
 
@@ -134,6 +136,13 @@ def no_terminal_below_the_tools(house):
     return complaints
 
 
+def messages_below_the_tools_name_no_option(house):
+    """A program or a Python module has no options: who calls the library adds how its users set something."""
+    return [f"{path} names {found} in a text" for path in house.cpp() if part_of(path) in ALL_FOUR
+            for line in house.texts[path].splitlines() for text in TEXT.findall(line.partition(" // ")[0])
+            for found in OPTION.findall(text)]
+
+
 def ros4hri_knows_no_file(house):
     return [f"{path} includes {header}" for path in house.cpp() if path.startswith("librecordings/src/ros4hri/")
             for header, _ in house.includes(path) if FILE_HEADER.fullmatch(header)]
@@ -181,6 +190,7 @@ RULES = (
     no_circles,
     pages_do_not_know_each_other,
     no_terminal_below_the_tools,
+    messages_below_the_tools_name_no_option,
     ros4hri_knows_no_file,
     rosbag2_knows_no_topic,
     no_room_has_a_quarter_of_the_code,

@@ -42,6 +42,8 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
 {
   const std::string group = "How the recording is read";
   recordings::ReadingOptions& reading = arguments.options;
+  reading.rateName = "--fps";
+  reading.mappingName = "--mapping";
 
   std::string help = "Format of the recording, found out if not given:";
   std::vector<std::pair<std::string, std::string>> formats;

@@ -5,6 +5,8 @@
 #include <skeigiot/session/boundary.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <functional>
 #include <stdexcept>
 
@@ -90,6 +92,19 @@ session::SessionPlan planNamedSessions(const session::SessionArguments& argument
   {
     throw CLI::ValidationError(withOptions(error));
   }
+}
+
+std::string messageOf(const recordings::Error& error)
+{
+  std::string message = error.what();
+  if (const auto& remedy = error.remedy())
+  {
+    std::array<char, 64> seconds{};
+    std::snprintf(seconds.data(), seconds.size(), "%.3f", static_cast<double>(remedy->offset.count()) * 1e-9);
+    message += "; --offset " + remedy->input + "=" + seconds.data() +
+               " would let them begin together, --separately replays each for itself";
+  }
+  return message;
 }
 
 void addBoundaryOptions(CLI::App& command)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <skeigiot/recordings/error.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 #include <skeigiot/session/snapshot.hpp>
@@ -24,6 +25,9 @@ CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& 
 /// \throws Error as planSessions() does.
 /// \throws CLI::ValidationError for arguments that do not go together.
 session::SessionPlan planNamedSessions(const session::SessionArguments& arguments);
+
+/// Returns the message of the error, with the options that help.
+std::string messageOf(const recordings::Error& error);
 
 /// Adds an option for each boundary of the library.
 void addBoundaryOptions(CLI::App& command);

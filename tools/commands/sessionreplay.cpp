@@ -1,5 +1,6 @@
 #include "commands/sessionreplay.hpp"
 
+#include "cli/sessionoptions.hpp"
 #include "terminal/summarytext.hpp"
 #include "terminal/text.hpp"
 #include "terminal/timelinetable.hpp"
@@ -74,7 +75,7 @@ public:
     if (outcome.opened)
       _showOutcome(outcome, noted.contents(), timeline, summary);
     if (outcome.error)
-      _sayError(outcome.error->what());
+      _sayError(messageOf(*outcome.error));
     return {outcome.error ? BadInput : Success, outcome.opened, _said};
   }
 

@@ -176,7 +176,7 @@ ExitStatus run(Arguments& arguments)
   }
   catch (const recordings::Error& error)
   {
-    Messages(std::cerr, false).error(error.what());
+    Messages(std::cerr, false).error(messageOf(error));
     return BadInput;
   }
 }

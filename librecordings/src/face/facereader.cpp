@@ -33,7 +33,7 @@ Step entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
 FaceReader::FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& options)
   : _rows(std::move(rows)),
     _ahead([this] { return _rows->next(); }),
-    _times(asStandard(options.framesPerSecond), _lookAhead(), _rows->assumedRate())
+    _times(asStandard(options.framesPerSecond), _lookAhead(), _rows->assumedRate(), options.rateName)
 {
   if (!_times.warning().empty())
     _warnings.push_back(_times.warning());

@@ -1,5 +1,6 @@
 #include "face/frametimes.hpp"
 
+#include "face/settingname.hpp"
 #include "recording/recordingclock.hpp"
 
 #include <algorithm>
@@ -56,7 +57,7 @@ std::string rounded(double rate)
 }  // namespace
 
 FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames,
-                       const AssumedRate& assumedRate)
+                       const AssumedRate& assumedRate, const std::string& rateName)
   : _source(givenRate                     ? Source::GivenRate
             : haveTimestamps(firstFrames) ? Source::Timestamps
                                           : Source::AssumedRate),
@@ -75,7 +76,7 @@ FrameTimes::FrameTimes(std::optional<double> givenRate, const std::vector<Frame>
     _framesPerSecond = givenRate.value_or(assumedRate.framesPerSecond);
     _timestampOrigin = recordingEpoch;
   }
-  _describe(assumedRate);
+  _describe(assumedRate, rateName);
 }
 
 std::optional<ko::SystemClock::time_point> FrameTimes::timeOf(const Frame& frame) const
@@ -105,7 +106,7 @@ std::optional<double> FrameTimes::_secondsOf(const Frame& frame) const
   return static_cast<double>(frame.number - _firstNumber) / _framesPerSecond;
 }
 
-void FrameTimes::_describe(const AssumedRate& assumedRate)
+void FrameTimes::_describe(const AssumedRate& assumedRate, const std::string& rateName)
 {
   const std::string step = _usualStep > 1 ? " (every frame number counts " + std::to_string(_usualStep) + ")" : "";
   const double cyclesPerSecond = _framesPerSecond / static_cast<double>(_usualStep);
@@ -118,12 +119,13 @@ void FrameTimes::_describe(const AssumedRate& assumedRate)
     case Source::Timestamps:
       _description = rate + " by the time stamps";
       if (_framesPerSecond > 0.0 && (cyclesPerSecond > greatestUsualRate || cyclesPerSecond < leastUsualRate))
-        _warning = "the time stamps tell of " + rate +
-                   ", and are used as they are; give the rate of the video (--fps) " + "if it was another";
+        _warning = "the time stamps tell of " + rate + ", and are used as they are; give the rate of the video" +
+                   settingName(rateName) + " if it was another";
       break;
     case Source::AssumedRate:
       _description = rounded(_framesPerSecond) + " frames/s assumed, " + assumedRate.reason;
-      _warning = assumedRate.warning;
+      if (!assumedRate.warning.empty())
+        _warning = assumedRate.warning + "; " + assumedRate.advice + settingName(rateName) + " if it was another";
       break;
   }
 }

@@ -25,9 +25,8 @@ struct AssumedRate
 {
   double framesPerSecond = 30.0;
   std::string reason = "since there are no time stamps";
-  std::string warning =
-      "there are no time stamps: 30 frames/s are assumed; give the rate of the video (--fps) if it "
-      "was another";  ///< empty if the rate is not doubtful
+  std::string warning = "there are no time stamps: 30 frames/s are assumed";  ///< empty if the rate is not doubtful
+  std::string advice = "give the rate of the video";                          ///< goes on "if it was another"
 };
 
 /// Tells when the frames of a video were taken: by the rate that the user gives, else by the file's time stamps, else
@@ -38,9 +37,10 @@ struct AssumedRate
 class FrameTimes
 {
 public:
-  /// Decides by the first frames of the file, of which there must be one at least.
+  /// Decides by the first frames of the file, of which there must be one at least. A warning advises to give the rate,
+  /// which users do by `rateName`.
   FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames,
-             const AssumedRate& assumedRate = {});
+             const AssumedRate& assumedRate = {}, const std::string& rateName = {});
 
   /// Returns the time of the frame; nothing if it counts by time stamps and the frame has none, or if it lies beyond
   /// what the clock can show.
@@ -66,7 +66,7 @@ private:
   };
 
   std::optional<double> _secondsOf(const Frame& frame) const;
-  void _describe(const AssumedRate& assumedRate);
+  void _describe(const AssumedRate& assumedRate, const std::string& rateName);
 
   Source _source;
   double _framesPerSecond = 0.0;  // of frame numbers; 0 if unknown

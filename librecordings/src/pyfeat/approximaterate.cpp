@@ -49,8 +49,8 @@ std::optional<AssumedRate> ApproximateRate::rate() const
   assumed.warning = _greatest < _least * noticedDifference
                         ? std::string()
                         : "the times in whole seconds leave open which rate from " + rounded(_least) + " to " +
-                              rounded(_greatest) + " frames/s the video had: " + rounded(rate) +
-                              " are assumed; give it (--fps) if it was another";
+                              rounded(_greatest) + " frames/s the video had: " + rounded(rate) + " are assumed";
+  assumed.advice = "give it";
   return assumed;
 }
 

@@ -1,5 +1,7 @@
 #include "pyfeat/pyfeatangles.hpp"
 
+#include "face/settingname.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -69,10 +71,17 @@ void PyFeatConvention::_decidePitch()
     // The documentation says up. Tables in radians, of version 0.7 and later, were seen to count down.
     _units.pitchIsUp = _units.rotationInDegrees;
     _pitchReason = "a guess";
-    if (_anyRotation)
-      _warning = std::string("the landmarks do not show whether Pitch counts up or down: it is taken for ") +
-                 (_units.pitchIsUp ? "up" : "down") + "; say so by pyFeat.pitch in a mapping (--mapping) if it is not";
+    _isGuess = _anyRotation;
   }
+}
+
+std::string PyFeatConvention::warning(const std::string& mappingName) const
+{
+  if (!_isGuess)
+    return {};
+  return std::string("the landmarks do not show whether Pitch counts up or down: it is taken for ") +
+         (_units.pitchIsUp ? "up" : "down") + "; say so by pyFeat.pitch in a mapping" + settingName(mappingName) +
+         " if it is not";
 }
 
 // Of pitch and nod, both relative to their mean of each person: cameras see persons from different heights. 0 if it

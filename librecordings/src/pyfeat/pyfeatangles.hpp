@@ -45,8 +45,9 @@ public:
   std::string describeRotation() const;
   std::string describeGaze() const;
 
-  /// Returns a warning if the sign of the pitch is a guess, else an empty text.
-  const std::string& warning() const { return _warning; }
+  /// Returns a warning if the sign of the pitch is a guess, else an empty text. It advises a mapping, which users set
+  /// by `mappingName`.
+  std::string warning(const std::string& mappingName) const;
 
 private:
   // Sums over the rows of one person, for a correlation.
@@ -71,7 +72,7 @@ private:
 
   PyFeatUnits _units;
   std::string _pitchReason;
-  std::string _warning;
+  bool _isGuess = false;  // the pitch
 };
 
 }  // namespace KV::recordings

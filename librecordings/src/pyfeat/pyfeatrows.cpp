@@ -3,6 +3,7 @@
 #include "face/csvscores.hpp"
 #include "face/faceadapterprivate.hpp"
 #include "face/pose.hpp"
+#include "face/settingname.hpp"
 #include "pyfeat/approximaterate.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -92,7 +93,8 @@ std::optional<FaceRow> PyFeatRows::next()
   if (_convention.isContradictedBy(raw->angles))
     throw BadLine(_placeOf(*raw, "Pitch, Roll, Yaw"),
                   "an angle is beyond 3.2, and so in degrees, while the first rows were taken for radians; give the "
-                  "unit by pyFeat.angles in a mapping (--mapping)");
+                  "unit by pyFeat.angles in a mapping" +
+                      settingName(_options.mappingName));
   row.face = _personOf(*raw);
   raw->face.units = _convention.units();
   row.told = faceOf(raw->face);
@@ -156,8 +158,8 @@ void PyFeatRows::_learnFromFirstRows()
     _convention.learn(raw.identity, raw.angles);
   });
   _convention.decide();
-  if (!_convention.warning().empty())
-    _warnings.push_back(_convention.warning());
+  if (std::string warning = _convention.warning(_options.mappingName); !warning.empty())
+    _warnings.push_back(std::move(warning));
   _assumedRate = rate.rate().value_or(AssumedRate());
 }
 

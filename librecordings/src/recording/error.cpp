@@ -22,4 +22,9 @@ Error::Error(const Place& place, const std::string& message)
   : std::runtime_error(composed(place, message)), _place(place)
 {}
 
+Error::Error(const Place& place, const std::string& message, const Remedy& remedy) : Error(place, message)
+{
+  _remedy = remedy;
+}
+
 }  // namespace KV::recordings

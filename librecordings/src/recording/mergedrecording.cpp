@@ -203,9 +203,8 @@ void MergedRecording::_fetchFirst()
       {latest->from.path, 0, {}},
       "begins at " + dateOf(latest->last) + ", but " + earliest->from.path + " at " + dateOf(earliest->last) +
           ": one counts from its start (which is placed at 2020), the other since 1970, or they are no inputs of one "
-          "session; --offset " +
-          earliest->from.path + "=" + secondsOf(latest->last - earliest->last + earliest->from.offset) +
-          " would let them begin together, --separately replays each for itself");
+          "session",
+      Error::Remedy{earliest->from.path, latest->last - earliest->last + earliest->from.offset});
 }
 
 // Reads one more step, the next of all inputs; false at the end of all.

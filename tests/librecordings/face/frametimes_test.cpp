@@ -55,7 +55,7 @@ TEST(FrameTimes, AssumeARateWithoutTimeStamps)
     const FrameTimes times({}, frames);
     EXPECT_EQ(support::recordingEpoch + second, nanosecondsOf(times, {55, {}}));
     EXPECT_EQ("30 frames/s assumed, since there are no time stamps", times.description());
-    EXPECT_EQ("there are no time stamps: 30 frames/s are assumed; give the rate of the video (--fps) if it was another",
+    EXPECT_EQ("there are no time stamps: 30 frames/s are assumed; give the rate of the video if it was another",
               times.warning());
   }
 }
@@ -70,9 +70,18 @@ TEST(FrameTimes, DoubtARateThatNoCameraHas)
 {
   EXPECT_EQ("", FrameTimes({}, framesAt(119.0)).warning());
   EXPECT_EQ(
-      "the time stamps tell of 1000 frames/s, and are used as they are; give the rate of the video (--fps) if it "
-      "was another",
+      "the time stamps tell of 1000 frames/s, and are used as they are; give the rate of the video if it was another",
       FrameTimes({}, framesAt(1000.0)).warning());
+}
+
+TEST(FrameTimes, SayHowUsersGiveTheRate)
+{
+  EXPECT_EQ(
+      "the time stamps tell of 1000 frames/s, and are used as they are; give the rate of the video (fps=) if it was "
+      "another",
+      FrameTimes({}, framesAt(1000.0), {}, "fps=").warning());
+  EXPECT_EQ("there are no time stamps: 30 frames/s are assumed; give the rate of the video (fps=) if it was another",
+            FrameTimes({}, {Frame{25, {}}}, {}, "fps=").warning());
 }
 
 TEST(FrameTimes, DoNotKnowTheRateOfOneFrame)

@@ -424,7 +424,7 @@ TEST_F(OpenFaceReader, WarnsWhenItAssumesARate)
     const auto contents = read(text);
     EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "33 0+"));
     EXPECT_THAT(contents.warnings,
-                ElementsAre(HasSubstr("30 frames/s are assumed; give the rate of the video (--fps)")));
+                ElementsAre(HasSubstr("30 frames/s are assumed; give the rate of the video if it was")));
   }
 }
 

@@ -37,10 +37,9 @@ TEST(ApproximateRate, IsDoubtfulIfTheBoundsAreFarApart)
   rate.add(20, 0);
   rate.add(40, 1);
   EXPECT_DOUBLE_EQ(30.0, rate.rate().value().framesPerSecond);
-  EXPECT_EQ(
-      "the times in whole seconds leave open which rate from 20 to 40 frames/s the video had: 30 are assumed; give it "
-      "(--fps) if it was another",
-      rate.rate().value().warning);
+  EXPECT_EQ("the times in whole seconds leave open which rate from 20 to 40 frames/s the video had: 30 are assumed",
+            rate.rate().value().warning);
+  EXPECT_EQ("give it", rate.rate().value().advice);
 }
 
 TEST(ApproximateRate, IsUnknownBeforeTheFirstSecondIsOver)

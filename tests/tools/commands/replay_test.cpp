@@ -23,6 +23,7 @@ namespace
 {
 
 using namespace replaytests;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -212,6 +213,27 @@ TEST_F(CommandTest, MergesFilesNamedTogetherAndGivesTheSameFromTheOwnFormat)
 
   replay({folder.path("own"), "-q", "--csv", folder.path("2.csv")});
   EXPECT_EQ(folder.read("1.csv"), folder.read("2.csv"));
+}
+
+TEST_F(CommandTest, NamesTheOptionsThatLetDistantInputsBeReplayed)
+{
+  const std::string early = folder.write("early.csv", "time,person,reading,value\n0,1,smile,1\n");
+  const std::string late = folder.write("late.csv", "time,person,reading,value\n1700000000,1,asrEmotion,1\n");
+  const std::string expected =
+      late + ": begins at 2023-11-14 22:13:20 UTC, but " + early +
+      " at 2020-01-01 00:00:00 UTC: one counts from its start (which is placed at 2020), the other since 1970, or they "
+      "are no inputs of one session; --offset " +
+      early + "=122163200.000 would let them begin together, --separately replays each for itself\n";
+  EXPECT_THAT(replay({early, late}).errors, EndsWith(expected));
+  EXPECT_THAT(runCommand({"why", early, late, "--person", "1", "--at", "0"}).errors, EndsWith(expected));
+}
+
+TEST_F(CommandTest, NamesTheOptionForTheRate)
+{
+  const std::string path = folder.write("face.csv", "frame,AU12_r\n1,1\n2,1\n");
+  EXPECT_THAT(replay({path}).errors,
+              HasSubstr("there are no time stamps: 30 frames/s are assumed; give the rate of the video (--fps) if it "
+                        "was another\n"));
 }
 
 TEST_F(CommandTest, ReplaysAFolderOfRecordingsWithTheSameResultWhateverTheNumberOfJobs)

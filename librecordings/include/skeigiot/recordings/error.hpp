@@ -2,6 +2,10 @@
 
 #include <skeigiot/api.hpp>
 
+#include <ko/systemclock.hpp>
+
+#include <boost/optional/optional.hpp>
+
 #include <cstddef>
 #include <stdexcept>
 #include <string>
@@ -21,13 +25,27 @@ public:
     std::string field;     ///< column or member
   };
 
+  /// What would help, for a user interface that can say how to ask for it: an input of the session moved in time.
+  struct Remedy
+  {
+    std::string input;                    ///< its path
+    ko::SystemClock::duration offset{0};  ///< [ns] in place of the one that it has
+  };
+
   /// Makes an error that reads "<file>:<line>: <field>: <message>".
   Error(const Place& place, const std::string& message);
 
+  /// Makes an error with something that would help.
+  Error(const Place& place, const std::string& message, const Remedy& remedy);
+
   const Place& place() const { return _place; }
+
+  /// Returns what would help, which the message does not say; nothing if that is not known.
+  const boost::optional<Remedy>& remedy() const { return _remedy; }
 
 private:
   Place _place;
+  boost::optional<Remedy> _remedy;
 };
 
 }  // namespace KV::recordings

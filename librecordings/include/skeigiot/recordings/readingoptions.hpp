@@ -24,6 +24,9 @@ struct SKEIGIOT_API ReadingOptions
   Rest rest;                            ///< what is taken off a face as its rest
   std::string mapping;                  ///< file that says how scores become readings; empty is the built-in tables
   std::string personColumn;             ///< column of a CSV file that names the person; empty is the format's own
+
+  std::string rateName;     ///< how users set framesPerSecond, such as "fps=": messages that advise it add the name
+  std::string mappingName;  ///< the same for mapping
 };
 
 }  // namespace KV::recordings
