@@ -11,15 +11,16 @@ namespace KV::recordings
 /// beyond counts as the nearest of both, NaN as unknown.
 struct SKEIGIOT_API EmotionScores
 {
-  static constexpr float unknown = std::numeric_limits<float>::quiet_NaN();
+  static constexpr float unknown =
+      std::numeric_limits<float>::quiet_NaN();  ///< a score that the classifier did not give
 
-  float neutral = unknown;
-  float happy = unknown;
-  float sad = unknown;
-  float surprise = unknown;
-  float fear = unknown;
-  float disgust = unknown;
-  float anger = unknown;
+  float neutral = unknown;   ///< no emotion: the face is at rest
+  float happy = unknown;     ///< share in [0, 1]
+  float sad = unknown;       ///< share in [0, 1]
+  float surprise = unknown;  ///< share in [0, 1]
+  float fear = unknown;      ///< share in [0, 1]
+  float disgust = unknown;   ///< share in [0, 1]
+  float anger = unknown;     ///< share in [0, 1]
 };
 
 }  // namespace KV::recordings

@@ -20,7 +20,7 @@ public:
   /// Where in the input; 0 and an empty field where that says nothing.
   struct Place
   {
-    std::string file;
+    std::string file;      ///< path, or the name of a stream or table; empty if the input has none
     std::size_t line = 0;  ///< physical line, from 1
     std::string field;     ///< column or member
   };
@@ -38,6 +38,7 @@ public:
   /// Makes an error with something that would help.
   Error(const Place& place, const std::string& message, const Remedy& remedy);
 
+  /// Returns where the input is wrong; its file, line and field are part of the message.
   const Place& place() const { return _place; }
 
   /// Returns what would help, which the message does not say; nothing if that is not known.

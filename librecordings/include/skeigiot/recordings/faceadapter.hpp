@@ -67,12 +67,14 @@ public:
   /// As above; learns from the face what this person's face is at rest.
   FaceReadings read(const Face& face, ko::SystemClock::time_point time, RestingFace& rest) const;
 
-  /// Return which scores the tables read, each once: "AU06", "mouthSmileLeft", "happy". All others are passed over.
-  /// @{
+  /// Returns which action units the tables read, such as "AU06"; all others are passed over.
   const std::vector<std::string>& actionUnitNames() const;
+
+  /// Returns which blendshapes the tables read, such as "mouthSmileLeft"; all others are passed over.
   const std::vector<std::string>& blendshapeNames() const;
+
+  /// Returns which emotions the tables read, such as "happy"; all others are passed over.
   const std::vector<std::string>& emotionNames() const;
-  /// @}
 
   std::shared_ptr<const FaceAdapterPrivate> _p;  ///< the shared record, for the library's own components
 };

@@ -13,7 +13,7 @@ namespace KV::recordings
 /// eyes, mouth.
 struct SKEIGIOT_API FaceLandmarks
 {
-  static constexpr std::size_t count = 68;
+  static constexpr std::size_t count = 68;  ///< how many points there are
 
   /// A point of the image; NaN in one of its numbers: it is unknown.
   struct Point
@@ -22,7 +22,7 @@ struct SKEIGIOT_API FaceLandmarks
     float y = std::numeric_limits<float>::quiet_NaN();  ///< [pixels] down in the image
   };
 
-  std::array<Point, count> points{};
+  std::array<Point, count> points{};  ///< by their numbers; unknown unless set
 };
 
 }  // namespace KV::recordings

@@ -13,13 +13,13 @@ namespace KV::recordings
 /// What is read of one face, in the units and signs of PersonObservation, without a time.
 struct SKEIGIOT_API FaceReadings
 {
-  std::optional<KV::HeadPosture> headPosture;
-  std::optional<KV::Gaze> gaze;
-  std::optional<float> distance;    ///< [m] from the camera
-  std::optional<float> headHeight;  ///< [m] above the floor
-  std::optional<KV::Smile> smile;
-  std::optional<KV::Expressions> expressions;
-  std::optional<KV::FacialPoints> facialPoints;
+  std::optional<KV::HeadPosture> headPosture;    ///< [deg] yaw to the own right, pitch up
+  std::optional<KV::Gaze> gaze;                  ///< [deg] yaw to the own left, pitch up
+  std::optional<float> distance;                 ///< [m] from the camera
+  std::optional<float> headHeight;               ///< [m] above the floor
+  std::optional<KV::Smile> smile;                ///< degree in [0, 1]
+  std::optional<KV::Expressions> expressions;    ///< one score for each; confidence 0: the face tells nothing of it
+  std::optional<KV::FacialPoints> facialPoints;  ///< those of the landmarks that are known
 
   /// Tells whether there is no reading.
   bool empty() const;

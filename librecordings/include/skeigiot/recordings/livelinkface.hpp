@@ -13,9 +13,9 @@ namespace KV::recordings
 /// finite counts as missing.
 struct SKEIGIOT_API LiveLinkFace
 {
-  static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+  static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();  ///< an angle that was not streamed
 
-  std::optional<Blendshapes> blendshapes;
+  std::optional<Blendshapes> blendshapes;  ///< scores in [0, 1]
 
   double headYaw = unknown;    ///< [rad] to the person's own right; if all three are 0, they were not streamed
   double headPitch = unknown;  ///< [rad] down

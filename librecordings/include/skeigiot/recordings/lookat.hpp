@@ -11,6 +11,7 @@ namespace KV::recordings
 /// What a person looks at who looks at the robot: head posture and gaze are 0 / 0 there.
 struct SKEIGIOT_API LookAt
 {
+  /// By what the direction of the robot is known.
   enum class Kind
   {
     FormatsOwn,  ///< Camera; for ROS4HRI the axis, moved by up to 5 degrees towards where the head rests
@@ -20,8 +21,8 @@ struct SKEIGIOT_API LookAt
     Learned      ///< where the head rests most
   };
 
-  Kind kind = Kind::FormatsOwn;
-  FacePosition point;  ///< [m] from the camera: right, down, forward
+  Kind kind = Kind::FormatsOwn;  ///< by what it is known
+  FacePosition point;            ///< [m] from the camera: right, down, forward
 };
 
 /// Reads "camera", "axis", "learned", or three numbers of metres such as "0,-0.2,0.05".

@@ -12,8 +12,8 @@ namespace KV::recordings
 /// One face of the MediaPipe FaceLandmarker.
 struct SKEIGIOT_API MediaPipeFace
 {
-  float confidence = 1.f;  ///< the FaceLandmarker writes no confidence
-  std::optional<Blendshapes> blendshapes;
+  float confidence = 1.f;                  ///< the FaceLandmarker writes no confidence
+  std::optional<Blendshapes> blendshapes;  ///< scores in [0, 1]
 
   /// The facial transformation matrix, column by column (as MediaPipe stores it) or row by row. The position of the
   /// numbers 0, 0, 0, 1 shows which order it is. A matrix with a number that is not finite counts as missing.

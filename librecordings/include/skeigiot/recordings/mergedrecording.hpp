@@ -23,8 +23,8 @@ namespace KV::recordings
 /// One of the files of a session.
 struct SKEIGIOT_API RecordingInput
 {
-  std::string path;
-  std::unique_ptr<Reader> reader;
+  std::string path;                     ///< of the file, for messages
+  std::unique_ptr<Reader> reader;       ///< what reads it; never null
   ko::SystemClock::duration offset{0};  ///< added to all its times
 };
 
@@ -40,6 +40,7 @@ struct SKEIGIOT_API RecordingInput
 class SKEIGIOT_API MergedRecording : public Reader
 {
 public:
+  /// How long a step of another input waits for the next step of the first one about the same person.
   static constexpr ko::SystemClock::duration longestWait = boost::chrono::milliseconds(200);
 
   /// The first steps of two inputs may not be further apart: one that counts from its start and one that counts since

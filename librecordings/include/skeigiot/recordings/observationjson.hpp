@@ -21,7 +21,9 @@ public:
   /// `member` is the path of the member that the message is about; empty if the text is no JSON object at all.
   MemberError(const std::string& member, const std::string& message) : std::runtime_error(message), _member(member) {}
 
+  /// Returns the path of the member, such as "observation.smile.value"; empty if the text is no JSON object.
   const std::string& member() const { return _member; }
+  /// Tells whether the text is no JSON object at all, as the last line of a file that was cut.
   bool isSyntax() const { return _member.empty(); }
 
 private:
@@ -44,20 +46,20 @@ SKEIGIOT_API Step stepFromJson(std::string_view text);
 /// The boundaries of the library that a line of a live stream sets.
 struct SKEIGIOT_API BoundarySettings
 {
-  boost::optional<float> positive;
-  boost::optional<float> negative;
-  boost::optional<float> confidence;
-  boost::optional<float> lookingAtRobot;
-  boost::optional<float> strictlyLookingAtRobot;
-  boost::optional<float> excited;
+  boost::optional<float> positive;                ///< for KV::PersonState::setBinaryBoundaryPositive()
+  boost::optional<float> negative;                ///< for KV::PersonState::setBinaryBoundaryNegative()
+  boost::optional<float> confidence;              ///< for KV::PersonState::setBinaryBoundaryConfidence()
+  boost::optional<float> lookingAtRobot;          ///< for KV::PersonState::setBinaryBoundaryLookingAtRobot()
+  boost::optional<float> strictlyLookingAtRobot;  ///< for KV::PersonState::setBinaryBoundaryStrictlyLookingAtRobot()
+  boost::optional<float> excited;                 ///< for KV::AmbianceState::setBinaryBoundaryExcited()
 };
 
 /// A line of a live stream: a step of a recording, and what is asked besides.
 struct SKEIGIOT_API StreamLine
 {
-  BoundarySettings boundaries;
+  BoundarySettings boundaries;        ///< those that the line sets; set before the step takes effect
   std::vector<std::int32_t> leaving;  ///< persons to forget
-  Step entry;
+  Step entry;                         ///< the step, empty but for its time if the line has none
 };
 
 /// Reads a line of a live stream, which may have the members "boundaries" and "leave" besides those of a step.

@@ -13,6 +13,7 @@ namespace KV::recordings
 /// an expression moves them.
 struct SKEIGIOT_API Rest
 {
+  /// By what the rest is known.
   enum class Kind
   {
     Learned,  ///< from the faces so far, beginning with a typical face of the front end
@@ -20,7 +21,7 @@ struct SKEIGIOT_API Rest
     Span      ///< as learned, and from the end of a span on, the median of that span
   };
 
-  Kind kind = Kind::Learned;
+  Kind kind = Kind::Learned;          ///< by what it is known
   ko::SystemClock::duration from{0};  ///< start of the span, since the first face of the recording
   ko::SystemClock::duration to{0};    ///< end of the span
 };

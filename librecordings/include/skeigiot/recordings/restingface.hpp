@@ -27,7 +27,7 @@ struct SKEIGIOT_API RestingScore
 /// What was learned of one score.
 struct SKEIGIOT_API LearnedScore
 {
-  std::string name;
+  std::string name;     ///< of the score, such as "AU12"
   float typical = 0.f;  ///< what rest was taken to be at first
   float rest = 0.f;     ///< what it is now
 };
@@ -58,10 +58,11 @@ private:
   /// The rest of the scores of one table.
   struct Scores
   {
+    /// How often a score had which value.
     struct Histogram
     {
-      std::array<std::uint32_t, 256> counts{};
-      std::uint32_t total = 0;
+      std::array<std::uint32_t, 256> counts{};  ///< by the value, in 256 parts of [0, 1]
+      std::uint32_t total = 0;                  ///< sum of the counts
     };
 
     void takeOff(std::vector<float>& scores, TimePoint now, const Rest& options, boost::optional<TimePoint> start);

@@ -14,9 +14,9 @@ struct SKEIGIOT_API RosLandmarks
   /// hri_msgs/msg/NormalizedPointOfInterest2D
   struct Point
   {
-    float x = 0.f;  ///< share of the width of the image
-    float y = 0.f;  ///< share of its height
-    float confidence = 0.f;
+    float x = 0.f;           ///< share of the width of the image
+    float y = 0.f;           ///< share of its height
+    float confidence = 0.f;  ///< in [0, 1]; 0: the point is unknown
   };
 
   std::array<Point, 70> points{};  ///< the usual 68, and the pupils

@@ -20,16 +20,16 @@ struct SKEIGIOT_API Step
 {
   ko::SystemClock::time_point time;  ///< what the clock shows during the step; never before that of the step before
 
-  std::vector<ScopeStart> scopeStarts;
+  std::vector<ScopeStart> scopeStarts;  ///< scopes that begin with this step
 
   int movements = 0;                        ///< movements detected in the room
   boost::optional<float> ambianceActivity;  ///< activity of the room, if it was measured
 
   boost::optional<std::int32_t> person;  ///< whom the step is about
   bool seen = true;                      ///< false: the person was not observed in this cycle, and ages
-  KV::PersonObservation observation;
+  KV::PersonObservation observation;     ///< readings of the person; empty if they were not seen
 
-  std::vector<std::string> scopeStops;
+  std::vector<std::string> scopeStops;  ///< names of scopes that end after this step
 };
 
 }  // namespace KV::recordings

@@ -20,9 +20,9 @@ namespace KV::recordings
 /// row become rows; a row about a person without a reading says that the person was seen.
 struct SKEIGIOT_API Table
 {
-  std::string name;  ///< for messages
-  std::size_t rows = 0;
-  std::vector<TableColumn> columns;
+  std::string name;                       ///< for messages
+  std::size_t rows = 0;                   ///< how many rows each column has
+  std::vector<TableColumn> columns;       ///< in any order
   const std::int64_t* moments = nullptr;  ///< [ns] since 1970; the caller keeps them alive; instead of a column
                                           ///< "time" in seconds
 };

@@ -14,8 +14,8 @@ struct SKEIGIOT_API Boundary
   std::string option;       ///< its name, such as "boundary-positive"
   std::string description;  ///< for the help
   std::string interval;     ///< which values the library takes, in words
-  void (*set)(float);
-  float (*get)();
+  void (*set)(float);       ///< sets it; logs a value that the library rejects, see setBoundary()
+  float (*get)();           ///< returns its value now
 };
 
 /// Returns all boundaries.
@@ -35,6 +35,7 @@ SKEIGIOT_API std::string boundaryRefusal(const Boundary& boundary, float value);
 class SKEIGIOT_API SavedBoundaries
 {
 public:
+  /// Notes the values of all boundaries.
   SavedBoundaries();
   ~SavedBoundaries();
   SavedBoundaries(const SavedBoundaries&) = delete;

@@ -12,8 +12,8 @@ namespace KV::session
 /// Forces that acted on a quantity one right after the other, as one that does the same.
 struct SKEIGIOT_API CombinedForce
 {
-  ActedForce force;
-  std::size_t count = 1;
+  ActedForce force;       ///< from before the first force to after the last
+  std::size_t count = 1;  ///< of how many forces it is made; at least 1
 };
 
 /// Combines forces of one source that no other source interrupts at their quantity, such as those of all touches that

@@ -11,6 +11,7 @@ namespace KV::session
 /// Appends the shortest decimal text that reads back as the same number; "nan", "inf" and "-inf" for what is none.
 SKEIGIOT_API void appendExact(std::string& text, float number);
 
+/// Appends the number in decimal digits.
 SKEIGIOT_API void appendExact(std::string& text, int number);
 
 /// Appends the duration in seconds, to the nanosecond and without zeros at the end.

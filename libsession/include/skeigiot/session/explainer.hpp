@@ -18,10 +18,11 @@ public:
   /// When somebody was updated.
   struct Updates
   {
-    Duration first{0};
-    Duration last{0};
+    Duration first{0};  ///< [ns] of the first update, since the start
+    Duration last{0};   ///< [ns] of the last update, since the start
   };
 
+  /// Calls `onUpdate` after each update of the person, on the thread that plays.
   Explainer(std::int32_t person, std::function<void(Explanation)> onUpdate);
 
   bool watchesForces() const override { return true; }

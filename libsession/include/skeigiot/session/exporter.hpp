@@ -19,6 +19,7 @@ public:
   void beginSession(int number) { _session = number; }
 
 protected:
+  /// Returns the number of the session that is exported, from 1.
   int session() const { return _session; }
 
 private:

@@ -21,7 +21,7 @@ struct SKEIGIOT_API ExportFormat
   std::string name;         ///< such as "csv"
   std::string description;  ///< what is written, such as "every update as JSON Lines"
   std::string oneSession;   ///< why a file takes one session only; empty if it takes several
-  Make make;
+  Make make;                ///< makes an exporter of this format
 };
 
 /// Returns all formats.

@@ -38,6 +38,7 @@ public:
     std::vector<File> _files;  // as those of Exports
   };
 
+  /// Makes an object without a target.
   Exports();
   ~Exports();
   Exports(const Exports&) = delete;

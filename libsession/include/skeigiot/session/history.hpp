@@ -16,8 +16,9 @@ namespace KV::session
 class SKEIGIOT_API History
 {
 public:
-  static constexpr std::size_t seconds = 60;
+  static constexpr std::size_t seconds = 60;  ///< how far back it goes
 
+  /// Adds a value; NaN is left out. A value of a later minute replaces those of the minute before.
   void add(TimePoint time, float value);
 
   /// Returns the means of `count` stretches of equal length, which together are the minute up to `now`, the oldest

@@ -17,9 +17,9 @@ namespace KV::session
 /// What is asked, and of which recording.
 struct SKEIGIOT_API Inquiry
 {
-  Player::Open open;
-  std::string name;  ///< of the recording, in messages
-  std::int32_t person = 0;
+  Player::Open open;                             ///< opens the recording
+  std::string name;                              ///< of the recording, in messages
+  std::int32_t person = 0;                       ///< whose updates are explained
   bool skipBad = false;                          ///< read on behind a line that cannot be used
   std::function<void(const std::string&)> note;  ///< takes warnings of the reader and of the library
   Player::GoOn goOn;                             ///< see Player

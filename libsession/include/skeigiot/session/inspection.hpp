@@ -20,52 +20,60 @@ namespace KV::session
 /// What the values of one number in a recording were.
 struct SKEIGIOT_API NumberRange
 {
-  std::size_t count = 0;  ///< of what is a number
-  double least = std::numeric_limits<double>::infinity();
-  double greatest = -std::numeric_limits<double>::infinity();
-  double sum = 0.;
+  std::size_t count = 0;                                       ///< of what is a number
+  double least = std::numeric_limits<double>::infinity();      ///< infinity if there was no number
+  double greatest = -std::numeric_limits<double>::infinity();  ///< minus infinity if there was no number
+  double sum = 0.;                                             ///< of all numbers
 
+  /// Adds a value; NaN is left out.
   void add(double value);
+  /// Returns the mean; NaN if there was no number.
   double mean() const { return sum / static_cast<double>(count); }
 };
 
 /// What a recording tells of one person.
 struct SKEIGIOT_API PersonSpan
 {
-  std::size_t seen = 0;     ///< steps in which the person was observed
-  std::size_t notSeen = 0;  ///< steps that say that the person was not
-  ko::SystemClock::time_point first;
-  ko::SystemClock::time_point last;
+  std::size_t seen = 0;               ///< steps in which the person was observed
+  std::size_t notSeen = 0;            ///< steps that say that the person was not
+  ko::SystemClock::time_point first;  ///< time of the first step about the person
+  ko::SystemClock::time_point last;   ///< time of the last step about the person
 };
 
 /// What is in a recording.
 class SKEIGIOT_API Inspection
 {
 public:
-  using TimePoint = ko::SystemClock::time_point;
-  using Duration = ko::SystemClock::duration;
+  using TimePoint = ko::SystemClock::time_point;  ///< on the clock of the recording
+  using Duration = ko::SystemClock::duration;     ///< [ns]
 
   /// Times that follow each other are told as a gap from here on.
   static constexpr Duration shortestGap = boost::chrono::seconds(1);
 
+  /// Stretches without a step, of shortestGap or more.
   struct Gaps
   {
-    std::size_t count = 0;
-    Duration longest{0};
-    Duration at{0};  ///< since the first step, where the longest begins
+    std::size_t count = 0;  ///< how many there are
+    Duration longest{0};    ///< [ns] the longest of them; 0 if there are none
+    Duration at{0};         ///< since the first step, where the longest begins
   };
 
   /// Adds the next step.
   void add(const recordings::Step& step);
 
+  /// Returns how many steps were added.
   std::size_t steps() const { return _steps; }
+  /// Returns the time of the first step; 1970 if there is none.
   TimePoint first() const { return _first; }
+  /// Returns the time from the first step to the last; 0 if there is none.
   Duration length() const { return _last - _first; }
 
   /// Returns how many different times there are a second, gaps left out; 0 if that cannot be told.
   double timesPerSecond() const;
 
+  /// Returns the gaps between steps.
   const Gaps& gaps() const { return _gaps; }
+  /// Returns all persons of the steps, by their numbers.
   const std::map<std::int32_t, PersonSpan>& persons() const { return _persons; }
 
   /// Returns the range of each number, named as in JSON Lines: "headPosture.yaw"; truths count as 0 and 1.

@@ -16,17 +16,17 @@ namespace KV::session
 /// Everything that there is to say of a recording.
 struct SKEIGIOT_API InspectionReport
 {
-  std::string path;
+  std::string path;                      ///< of the recording
   std::string format;                    ///< its name
   std::vector<std::string> description;  ///< how it is read
   std::vector<std::string> learned;      ///< what was learned of the faces at rest, see recordings::Reader
-  recordings::Columns columns;
-  Inspection contents;
-  std::vector<std::string> warnings;  ///< the first few
-  std::size_t moreWarnings = 0;
-  std::size_t badLines = 0;
-  std::string firstBadLine;
-  std::string error;  ///< why it was not read to its end
+  recordings::Columns columns;           ///< read and ignored; empty where the format has none
+  Inspection contents;                   ///< what its steps tell
+  std::vector<std::string> warnings;     ///< the first few
+  std::size_t moreWarnings = 0;          ///< how many warnings followed
+  std::size_t badLines = 0;              ///< how many lines cannot be used
+  std::string firstBadLine;              ///< the message on the first of them; empty if there are none
+  std::string error;                     ///< why it was not read to its end
 };
 
 /// Reads all of the recording, over bad lines.

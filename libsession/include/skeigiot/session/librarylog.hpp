@@ -21,6 +21,7 @@ namespace KV::session
 class SKEIGIOT_API LibraryLog
 {
 public:
+  /// Collects from now on what the library logs on this thread.
   LibraryLog();
   ~LibraryLog();
   LibraryLog(const LibraryLog&) = delete;

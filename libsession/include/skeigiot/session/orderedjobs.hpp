@@ -25,6 +25,7 @@ class SKEIGIOT_API OrderedJobs
 public:
   /// Whoever works looks at it now and then, and throws when it is set.
   using Cancelled = std::atomic<bool>;
+  /// Does the work of one number. It is called on several threads at once; what it throws, take() throws.
   using Work = std::function<Result(std::size_t number, const Cancelled& cancelled)>;
 
   /// So many results more than there are threads may wait to be taken: one slow piece of work must not let those

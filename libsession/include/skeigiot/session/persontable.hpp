@@ -20,11 +20,12 @@ struct SKEIGIOT_API PersonRow
   /// Returns in a few words what the estimate rests on, with the source that moved it most in the last update.
   std::string why(TimePoint now) const;
 
-  Snapshot last;
+  Snapshot last;    ///< after the last update
   Changes changes;  ///< of the last update
-  boost::optional<TimePoint> lastSeen;
-  History valence;
-  History attention;
+  boost::optional<TimePoint>
+      lastSeen;       ///< time of the last update with an observation; none if there was no such update
+  History valence;    ///< in [-1, 1]
+  History attention;  ///< in [0, 1]
 };
 
 /// Keeps the state of everybody who was seen during the last minute.
@@ -35,11 +36,13 @@ public:
   void forceActed(const KV::Force& force) override { _changes.add(force); }
   void personUpdated(const Snapshot& snapshot) override;
 
+  /// Drops the person; nothing happens if there is none of that number.
   void remove(std::int32_t person) { _rows.erase(person); }
 
   /// Drops whoever was not seen for a minute.
   void removeOld(TimePoint now);
 
+  /// Returns the rows by the numbers of the persons.
   const std::map<std::int32_t, PersonRow>& rows() const { return _rows; }
 
 private:

@@ -56,12 +56,14 @@ struct SKEIGIOT_API Outcome : ReadingNotes
 class SKEIGIOT_API Player
 {
 public:
+  /// Opens the recording; called once by play(). A recordings::Error that it throws becomes part of the outcome.
   using Open = std::function<std::unique_ptr<recordings::Reader>()>;
 
   /// Called after each step, and if the recording cannot be opened; returns whether to go on. What it throws ends the
   /// playing, and reaches the caller.
   using GoOn = std::function<bool(const Progress&)>;
 
+  /// Makes a player that asks `goOn` whether to go on; without it, recordings are played to their ends.
   explicit Player(PlayerOptions options, GoOn goOn = {});
 
   /// Plays one recording; the observers are told of it, and must outlive the call.

@@ -28,6 +28,7 @@ public:
   ReplacedFile(const ReplacedFile&) = delete;
   ReplacedFile& operator=(const ReplacedFile&) = delete;
 
+  /// Returns where to write the contents; valid as long as the file.
   std::ostream& stream() { return *_stream; }
 
   /// Brings all that was written to the disk, and puts it in the place of the target.

@@ -22,6 +22,7 @@ public:
   /// Tells whether the library was built with the page.
   static bool isAvailable();
 
+  /// Begins an empty report.
   Report();
   ~Report() override;
 

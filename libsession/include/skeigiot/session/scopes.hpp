@@ -29,6 +29,7 @@ enum class ScopeEnd
 /// How a scope went, for each person with an update in it.
 struct SKEIGIOT_API ScopeVerdict
 {
+  /// The verdict on one person.
   struct OfPerson
   {
     std::string word;         ///< "positive", "neutral", "negative" or "unknown"
@@ -39,11 +40,11 @@ struct SKEIGIOT_API ScopeVerdict
   /// not open, and "-" if it was not reached.
   OfPerson of(std::int32_t person) const;
 
-  std::string name;
+  std::string name;  ///< of the scope
   Duration from{0};  ///< since the start of the recording
   Duration to{0};    ///< since the start of the recording; of the last update where that is what ended it
-  ScopeEnd end = ScopeEnd::Complete;
-  std::map<std::int32_t, OfPerson> persons;
+  ScopeEnd end = ScopeEnd::Complete;         ///< how it came to its end
+  std::map<std::int32_t, OfPerson> persons;  ///< those with an update in the scope
 };
 
 /// The scopes of one recording: those that it starts and stops itself, and spans given beforehand.
@@ -53,6 +54,7 @@ struct SKEIGIOT_API ScopeVerdict
 class SKEIGIOT_API Scopes
 {
 public:
+  /// Takes the spans that are judged besides the scopes of the recording.
   explicit Scopes(const std::vector<ScopeSpan>& spans);
 
   /// Moves on to `now`: opens the spans that it reaches, and closes and returns those that it has left behind.

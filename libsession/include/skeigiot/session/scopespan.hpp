@@ -13,7 +13,7 @@ namespace KV::session
 /// A scope given by its span in the recording; updates at exactly one of its ends belong to it.
 struct SKEIGIOT_API ScopeSpan
 {
-  std::string name;
+  std::string name;              ///< under which it is judged
   Duration from{0};              ///< since the start of the recording
   boost::optional<Duration> to;  ///< since the start of the recording; without it, to the end
 };

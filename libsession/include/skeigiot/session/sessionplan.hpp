@@ -18,9 +18,10 @@ namespace KV::session
 /// The files of one session.
 struct SKEIGIOT_API SessionInputs
 {
+  /// One file of the session.
   struct Input
   {
-    std::string path;
+    std::string path;                     ///< as the user gave it
     ko::SystemClock::duration offset{0};  ///< added to all its times
   };
 
@@ -42,8 +43,8 @@ struct SKEIGIOT_API SessionArguments
 /// Which sessions there are.
 struct SKEIGIOT_API SessionPlan
 {
-  std::vector<SessionInputs> sessions;
-  std::vector<std::string> notes;  ///< on what was passed over
+  std::vector<SessionInputs> sessions;  ///< in the order in which they are played
+  std::vector<std::string> notes;       ///< on what was passed over
 };
 
 /// Why inputs and offsets are no sessions.
@@ -59,8 +60,10 @@ enum class PlanFault
 class SKEIGIOT_API PlanError : public std::invalid_argument
 {
 public:
+  /// Makes an error with this message.
   PlanError(PlanFault fault, const std::string& message) : std::invalid_argument(message), _fault(fault) {}
 
+  /// Returns what is wrong, for a user interface that adds what helps.
   PlanFault fault() const { return _fault; }
 
 private:

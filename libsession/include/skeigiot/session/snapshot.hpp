@@ -16,19 +16,19 @@ namespace KV::session
 /// What the library thought of one person after one update: a copy, which later updates leave alone.
 struct SKEIGIOT_API Snapshot
 {
-  TimePoint time;
+  TimePoint time;          ///< on the clock of the recording
   Duration sinceStart{0};  ///< since the first step of the recording
 
-  std::int32_t person = 0;
-  bool seen = true;  ///< false: the person was not observed in this cycle
+  std::int32_t person = 0;  ///< whose update it was
+  bool seen = true;         ///< false: the person was not observed in this cycle
 
-  KV::ValueConfidence<float> valence;                ///< in [-1, 1]
-  KV::ValueConfidence<int> valenceBinary;            ///< -1, 0 or 1
-  KV::ValueConfidence<int> unsmoothedValenceBinary;  ///< -1, 0 or 1
-  KV::ValueConfidence<float> attention;              ///< in [0, 1]
-  ko::human::AttentionState zone = ko::human::AttentionState::Unknown;
-  KV::PleasureState pleasure = KV::PleasureUnknown;
-  KV::BodyLanguageEase ease;
+  KV::ValueConfidence<float> valence;                                   ///< in [-1, 1]
+  KV::ValueConfidence<int> valenceBinary;                               ///< -1, 0 or 1
+  KV::ValueConfidence<int> unsmoothedValenceBinary;                     ///< -1, 0 or 1
+  KV::ValueConfidence<float> attention;                                 ///< in [0, 1]
+  ko::human::AttentionState zone = ko::human::AttentionState::Unknown;  ///< where the person looks
+  KV::PleasureState pleasure = KV::PleasureUnknown;                     ///< the mood, in a word
+  KV::BodyLanguageEase ease;  ///< from the head postures; level in [-0.5, 0.5]
 };
 
 }  // namespace KV::session

@@ -13,6 +13,7 @@ namespace KV::session
 /// All updates of one person in a span of time, and what moved her estimates in it.
 struct SKEIGIOT_API SpanExplanation
 {
+  /// Adds the next update of the person; updates come in the order of their times.
   void add(const Explanation& explanation)
   {
     if (updates == 0)
@@ -27,12 +28,12 @@ struct SKEIGIOT_API SpanExplanation
     zoneChanges.insert(zoneChanges.end(), explanation.zoneChanges.begin(), explanation.zoneChanges.end());
   }
 
-  std::size_t updates = 0;
-  Duration first{0};  ///< when the first update was
-  Snapshot before;    ///< after the last update before the span
-  Snapshot after;     ///< after its last update
-  Changes changes;
-  std::vector<SeenZoneChange> zoneChanges;
+  std::size_t updates = 0;                  ///< how many were added
+  Duration first{0};                        ///< when the first update was
+  Snapshot before;                          ///< after the last update before the span
+  Snapshot after;                           ///< after its last update
+  Changes changes;                          ///< by source and quantity, over all updates
+  std::vector<SeenZoneChange> zoneChanges;  ///< in the order in which they were seen
 };
 
 }  // namespace KV::session

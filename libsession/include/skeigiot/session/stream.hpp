@@ -21,6 +21,7 @@ namespace KV::session
 class SKEIGIOT_API Stream
 {
 public:
+  /// Makes a stream in which nobody is known; the parameters are those of LiveSession.
   Stream(StreamTimes times, std::function<TimePoint()> wallClock);
 
   /// Returns the answer to the next line, with its line end.
@@ -33,10 +34,11 @@ private:
   /// Keeps what the session says of one line.
   struct Observer : SessionObserver
   {
+    /// What the last update of the room said.
     struct Ambiance
     {
-      float agitation = 0.f;
-      KV::ExcitationState excitation = KV::ExcitationUnknown;
+      float agitation = 0.f;                                   ///< in [0, 1]
+      KV::ExcitationState excitation = KV::ExcitationUnknown;  ///< the same in a word
     };
 
     void personUpdated(const Snapshot& snapshot) override { person = snapshot; }

@@ -23,25 +23,34 @@ namespace KV::session
 class SKEIGIOT_API PersonSummary
 {
 public:
+  /// Adds the next update of the person; updates come in the order of their times.
   void add(const Snapshot& snapshot);
 
   /// Lets the last update count; call it once, after the last.
   void finish();
 
+  /// Returns when the first update was, since the start of the recording.
   Duration from() const { return _from; }
+  /// Returns when the last update was; there must be one.
   Duration to() const { return _last->sinceStart; }
+  /// Returns how many updates were added.
   std::size_t updates() const { return _updates; }
 
   // Means over the time.
+  /// Returns the mean over the time, in [-1, 1].
   double valence() const { return _valence / _time; }
+  /// Returns the mean over the time, in [0, 1].
   double valenceConfidence() const { return _valenceConfidence / _time; }
+  /// Returns the mean over the time, in [0, 1].
   double attention() const { return _attention / _time; }
+  /// Returns the mean over the time, in [0, 1].
   double attentionConfidence() const { return _attentionConfidence / _time; }
 
   // Shares of the time.
+  /// Returns in which share of the time the person was seen, in [0, 1].
   double seenShare() const { return _seen / _time; }
   double share(ko::human::AttentionState zone) const;  ///< seen, and looking there
-  double share(KV::PleasureState pleasure) const;
+  double share(KV::PleasureState pleasure) const;      ///< with this mood, seen or not
   double lookingAtRobotShare() const
   {
     return _lookingAtRobot / _time;
@@ -80,6 +89,7 @@ public:
   /// Completes the sums; call it once, after the session was finished.
   void finish();
 
+  /// Returns the persons by their numbers.
   const std::map<std::int32_t, PersonSummary>& persons() const { return _persons; }
 
   /// Returns the verdicts by their start, longer scopes first; complete once the summary is finished.
@@ -88,11 +98,12 @@ public:
   /// What was said of the ambiance of the room.
   struct Ambiance
   {
-    std::size_t updates = 0;
-    std::size_t excited = 0;
-    double agitation = 0.;  ///< summed up
-    float lastAgitation = 0.f;
+    std::size_t updates = 0;    ///< how often the room was updated
+    std::size_t excited = 0;    ///< how many of these updates found it excited
+    double agitation = 0.;      ///< summed up
+    float lastAgitation = 0.f;  ///< after the last update
   };
+  /// Returns what was said of the room; all 0 if nothing was.
   const Ambiance& ambiance() const { return _ambiance; }
 
 private:

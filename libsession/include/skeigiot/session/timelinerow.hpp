@@ -17,23 +17,33 @@ public:
   /// Makes an empty row that begins `from` after the start of the recording.
   explicit TimelineRow(Duration from) : _from(from) {}
 
+  /// Adds one update.
   void add(const Snapshot& snapshot);
+  /// Adds what moved the estimates in one update.
   void add(const Changes& changes) { _changes.add(changes); }
+  /// Adds the row of the stretch behind this one.
   void add(const TimelineRow& later);
 
+  /// Returns where the stretch begins, since the start of the recording.
   Duration from() const { return _from; }
 
   /// Tells whether the person was seen in at least half of the updates.
   bool seen() const { return 2 * _seen >= _updates; }
 
   // Means over the updates.
+  /// Returns the mean over the updates, in [-1, 1]; NaN without an update.
   double valence() const { return _mean(_valence); }
+  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
   double valenceConfidence() const { return _mean(_valenceConfidence); }
+  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
   double attention() const { return _mean(_attention); }
+  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
   double attentionConfidence() const { return _mean(_attentionConfidence); }
 
   // What held in most updates.
+  /// Returns the zone of most updates; of several, the first in the order of the enumeration.
   ko::human::AttentionState zone() const;
+  /// Returns the mood of most updates; of several, the first in the order of the enumeration.
   KV::PleasureState pleasure() const;
 
   /// The ease after the last update.
