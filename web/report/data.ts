@@ -16,8 +16,8 @@ interface RawPerson {
   pleasure: Base64;
   seen: Base64;
   inputs: Record<string, Base64>;
-  valenceMovements: Record<string, Base64>;
-  attentionMovements: Record<string, Base64>;
+  valenceChanges: Record<string, Base64>;
+  attentionChanges: Record<string, Base64>;
   forces: Record<"ends" | "source" | "quantity" | "target" | "weight" | "before" | "after", Base64>;
 }
 
@@ -75,7 +75,7 @@ export interface Force {
 }
 
 /** How far one source moved a quantity, up to each moment since the one before it. */
-export interface Movement {
+export interface Change {
   source: string;
   distances: Float32Array;
 }
@@ -93,8 +93,8 @@ export interface Person {
   pleasure: Uint8Array;
   seen: Uint8Array;
   inputs: Map<string, Float32Array>;
-  valenceMovements: Movement[];
-  attentionMovements: Movement[];
+  valenceChanges: Change[];
+  attentionChanges: Change[];
   /** Returns the forces that acted at a moment, in their order. */
   forcesAt(moment: number): Force[];
 }
@@ -127,7 +127,7 @@ const doubles = (text: Base64) => new Float64Array(buffer(text));
 const bytes = (text: Base64) => new Uint8Array(buffer(text));
 const counts = (text: Base64) => new Uint32Array(buffer(text));
 
-function movements(raw: Record<string, Base64>, sources: string[]): Movement[] {
+function changes(raw: Record<string, Base64>, sources: string[]): Change[] {
   return Object.entries(raw).map(([source, text]) => ({ source: sources[Number(source)], distances: floats(text) }));
 }
 
@@ -173,16 +173,16 @@ function person(raw: RawPerson, sources: string[]): Person {
     pleasure: bytes(raw.pleasure),
     seen: bytes(raw.seen),
     inputs: new Map(Object.entries(raw.inputs).map(([name, text]) => [name, floats(text)])),
-    valenceMovements: movements(raw.valenceMovements, sources),
-    attentionMovements: movements(raw.attentionMovements, sources),
+    valenceChanges: changes(raw.valenceChanges, sources),
+    attentionChanges: changes(raw.attentionChanges, sources),
     forcesAt: forceReader(raw.forces, sources),
   };
 }
 
 function rankedSources(sources: string[], persons: Person[]): string[] {
   const strength = new Map(sources.map((source) => [source, 0]));
-  for (const { valenceMovements, attentionMovements } of persons)
-    for (const { source, distances } of [...valenceMovements, ...attentionMovements])
+  for (const { valenceChanges, attentionChanges } of persons)
+    for (const { source, distances } of [...valenceChanges, ...attentionChanges])
       strength.set(source, (strength.get(source) ?? 0) + distances.reduce((sum, one) => sum + Math.abs(one), 0));
   return [...strength].sort((left, right) => right[1] - left[1]).map(([source]) => source);
 }

@@ -2,9 +2,9 @@
 
 import uPlot from "uplot";
 import { ChartGroup, ChartOptions, gapsBeyond, measuringAxis, timeAxis, valueAxis, withoutNaN } from "../shared/chartgroup";
-import { Movement, Person, Recording } from "./data";
+import { Change, Person, Recording } from "./data";
 import { element } from "../shared/dom";
-import { binned, byStrength, movementOptions, stacked } from "./movements";
+import { binned, byStrength, changeOptions, stacked } from "./changes";
 import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
 import { signed, zoneArrow, zoneWord } from "../shared/text";
 import { cssColor, Look, sourceLook, swatch, lineSwatch } from "../shared/theme";
@@ -94,7 +94,7 @@ export class PersonView {
     details.replaceChildren();
     this.addEstimates();
     this.addInputs();
-    this.addMovements();
+    this.addChanges();
   }
 
   /** Adapts to the range that is shown now. */
@@ -172,26 +172,26 @@ export class PersonView {
     );
   }
 
-  private addMovements(): void {
-    this.addMovementsOf("What pulled valence", "up is towards positive", this.person.valenceMovements, false);
-    this.addMovementsOf("What pulled attention", "up is towards the robot", this.person.attentionMovements, true);
+  private addChanges(): void {
+    this.addChangesOf("What pulled valence", "up is towards positive", this.person.valenceChanges, false);
+    this.addChangesOf("What pulled attention", "up is towards the robot", this.person.attentionChanges, true);
   }
 
-  private addMovementsOf(title: string, hint: string, all: Movement[], isLast: boolean): void {
-    const movements = byStrength(all);
+  private addChangesOf(title: string, hint: string, all: Change[], isLast: boolean): void {
+    const changes = byStrength(all);
     const card = this.card(this.details);
     this.heading(card, title, `how far each source moved it in an update, on average over a bar; ${hint}`);
-    if (movements.length === 0) {
+    if (changes.length === 0) {
       card.append(element("p", { class: "note" }, "Nothing did."));
       return;
     }
-    const looks = movements.map(({ source }) => sourceLook(this.recording.ranks.indexOf(source)));
-    card.append(this.sourceLegend(movements, looks));
+    const looks = changes.map(({ source }) => sourceLook(this.recording.ranks.indexOf(source)));
+    card.append(this.sourceLegend(changes, looks));
     const data = () => {
       const count = Math.max(10, Math.round(card.clientWidth / pixelsPerBar));
-      return stacked(binned(this.person, movements, this.group.from, this.group.to, count));
+      return stacked(binned(this.person, changes, this.group.from, this.group.to, count));
     };
-    const chart = this.chart(card, movementOptions(looks, isLast), data());
+    const chart = this.chart(card, changeOptions(looks, isLast), data());
     this.redraws.push(() => {
       chart.setData(data(), false);
       chart.redraw();
@@ -199,11 +199,11 @@ export class PersonView {
     });
   }
 
-  private sourceLegend(movements: Movement[], looks: Look[]): HTMLElement {
+  private sourceLegend(changes: Change[], looks: Look[]): HTMLElement {
     return element(
       "ul",
       { class: "legend" },
-      ...movements.map(({ source }, number) => element("li", {}, swatch(looks[number]), source)),
+      ...changes.map(({ source }, number) => element("li", {}, swatch(looks[number]), source)),
     );
   }
 

@@ -135,8 +135,8 @@ Json personOf(std::int32_t person, const Moments& moments, const ReportRecorder&
           {"pleasure", state([](const Moment& moment) { return moment.snapshot.pleasure; })},
           {"seen", state([](const Moment& moment) { return moment.snapshot.seen ? 1 : 0; })},
           {"inputs", inputsOf(moments)},
-          {"valenceMovements", changesOf(moments, KV::ValenceQuantity, recorder.sources())},
-          {"attentionMovements", changesOf(moments, KV::AttentionQuantity, recorder.sources())},
+          {"valenceChanges", changesOf(moments, KV::ValenceQuantity, recorder.sources())},
+          {"attentionChanges", changesOf(moments, KV::AttentionQuantity, recorder.sources())},
           {"forces", forcesOf(moments)}};
 }
 

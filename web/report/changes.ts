@@ -2,7 +2,7 @@
 
 import uPlot from "uplot";
 import { ChartOptions, measuringAxis, timeAxis } from "../shared/chartgroup";
-import { Movement, Person } from "./data";
+import { Change, Person } from "./data";
 import { cssColor, fillOf, Look } from "../shared/theme";
 
 export interface Bins {
@@ -11,19 +11,19 @@ export interface Bins {
   distances: number[][];
 }
 
-/** Averages movements in bins of equal length; what a moment says counts where the moment is. */
-export function binned({ time, updates }: Person, movements: Movement[], from: number, to: number, count: number): Bins {
+/** Averages changes in bins of equal length; what a moment says counts where the moment is. */
+export function binned({ time, updates }: Person, changes: Change[], from: number, to: number, count: number): Bins {
   const length = (to - from) / count;
   const bins: Bins = {
     times: Array.from({ length: count }, (_, bin) => from + (bin + 0.5) * length),
-    distances: movements.map(() => new Array<number>(count).fill(0)),
+    distances: changes.map(() => new Array<number>(count).fill(0)),
   };
   const updatesIn = new Array<number>(count).fill(0);
   for (let i = 0; i < time.length; ++i) {
     if (time[i] < from || time[i] > to) continue;
     const bin = Math.min(count - 1, Math.floor((time[i] - from) / length));
     updatesIn[bin] += updates[i];
-    movements.forEach((movement, source) => (bins.distances[source][bin] += movement.distances[i]));
+    changes.forEach((change, source) => (bins.distances[source][bin] += change.distances[i]));
   }
   for (const distances of bins.distances)
     updatesIn.forEach((number, bin) => (distances[bin] /= Math.max(1, number)));
@@ -43,15 +43,15 @@ export function stacked({ times, distances }: Bins): uPlot.AlignedData {
 }
 
 /** Sources by how much they moved in total, the strongest first. */
-export function byStrength(movements: Movement[]): Movement[] {
-  const total = ({ distances }: Movement) => distances.reduce((sum, distance) => sum + Math.abs(distance), 0);
-  return movements
-    .map((movement) => ({ movement, total: total(movement) }))
+export function byStrength(changes: Change[]): Change[] {
+  const total = ({ distances }: Change) => distances.reduce((sum, distance) => sum + Math.abs(distance), 0);
+  return changes
+    .map((change) => ({ change, total: total(change) }))
     .sort((left, right) => right.total - left.total)
-    .map(({ movement }) => movement);
+    .map(({ change }) => change);
 }
 
-export function movementOptions(looks: Look[], isTimeLabelled: boolean): ChartOptions {
+export function changeOptions(looks: Look[], isTimeLabelled: boolean): ChartOptions {
   const bars = uPlot.paths.bars?.({ size: [0.92, Infinity], align: 0 });
   const series = looks.flatMap((look): uPlot.Series[] => {
     const fill = fillOf(look);
