@@ -35,7 +35,6 @@ OF_OTHER_PARTS = {
     ("benchmarks/floor_benchmark.cpp", "model/model.hpp"): "measures the update against the plain model of the tests",
     ("benchmarks/steadyperson.cpp", "model/translation.hpp"): "measures the update against the plain model of the tests",
     ("benchmarks/steadyperson.hpp", "model/model.hpp"): "measures the update against the plain model of the tests",
-    ("fuzz/stream.cpp", "cli/lineinput.hpp"): "cuts the input into lines as the command does",
 }
 PRIVATE = {
     ("benchmarks/everyfloat.cpp", "sixdigits.hpp"): "tries a private function with every float",

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -15,18 +17,20 @@ using KV::tools::LineInput;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// Takes all lines that are there; one that was too long is shown as "...".
+std::vector<std::string> takenFrom(LineInput& input)
+{
+  std::vector<std::string> lines;
+  std::string_view line;
+  for (auto kind = input.take(line); kind != LineInput::Line::NotYetHere; kind = input.take(line))
+    lines.push_back(kind == LineInput::Line::TooLong ? "..." : std::string(line));
+  return lines;
+}
+
 class LineInputTest : public ::testing::Test
 {
 protected:
-  /// Takes all lines that are there; one that was too long is shown as "...".
-  std::vector<std::string> taken()
-  {
-    std::vector<std::string> lines;
-    std::string_view line;
-    for (auto kind = input.take(line); kind != LineInput::Line::NotYetHere; kind = input.take(line))
-      lines.push_back(kind == LineInput::Line::TooLong ? "..." : std::string(line));
-    return lines;
-  }
+  std::vector<std::string> taken() { return takenFrom(input); }
 
   LineInput input{5};
 };
@@ -94,6 +98,36 @@ TEST_F(LineInputTest, TellsOfALongLineThatTheInputEndsIn)
   input.end();
   EXPECT_THAT(taken(), ElementsAre("..."));
   EXPECT_THAT(taken(), IsEmpty());
+}
+
+// Every text of up to seven characters of these three, in pieces of every length.
+TEST_F(LineInputTest, TakesTheSameLinesWhateverThePieces)
+{
+  constexpr std::size_t length = 7;
+  for (std::size_t number = 0; number < 2187; ++number)  // 3 to the power of 7
+  {
+    std::string text;
+    for (std::size_t rest = number; text.size() < length; rest /= 3)
+      text.push_back("a\r\n"[rest % 3]);
+    for (std::size_t piece = 1; piece <= length; ++piece)
+    {
+      LineInput whole(3);
+      LineInput inPieces(3);
+      whole.add(text);
+      whole.end();
+      std::vector<std::string> lines;
+      for (std::size_t i = 0; i < length; i += piece)
+      {
+        inPieces.add(std::string_view(text).substr(i, piece));
+        const auto here = takenFrom(inPieces);
+        lines.insert(lines.end(), here.begin(), here.end());
+      }
+      inPieces.end();
+      const auto last = takenFrom(inPieces);
+      lines.insert(lines.end(), last.begin(), last.end());
+      ASSERT_EQ(takenFrom(whole), lines) << testing::PrintToString(text) << " in pieces of " << piece;
+    }
+  }
 }
 
 TEST_F(LineInputTest, ReadsFromAPipeToItsEnd)
