@@ -87,7 +87,9 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   const FaceFile file;
   for (auto _ : state)
   {
-    const KV::session::Player player{KV::session::PlayerOptions()};
+    KV::session::PlayerOptions options;
+    options.cycle = KV::session::Cycle::recorded();
+    const KV::session::Player player(options);
     benchmark::DoNotOptimize(player.play(
         [&file] { return KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions()); }, {}));
   }
@@ -109,7 +111,7 @@ void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
 
   for (auto _ : state)
   {
-    KV::session::Session session({}, {});
+    KV::session::Session session({}, {}, KV::session::Cycle::recorded());
     for (const KV::recordings::Step& entry : entries)
       session.play(entry);
     session.finish();

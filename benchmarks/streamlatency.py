@@ -33,7 +33,9 @@ def main():
     persons = int(sys.argv[2]) if len(sys.argv) > 2 else 1
     cycles = int(RATE * (float(sys.argv[3]) if len(sys.argv) > 3 else 10.0))
     latencies = []
-    with subprocess.Popen([command, "stream"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as stream:
+    with subprocess.Popen(
+        [command, "stream", "--cycle", "recorded"], stdin=subprocess.PIPE, stdout=subprocess.PIPE
+    ) as stream:
         begin = time.monotonic()
         for cycle in range(cycles):
             time.sleep(max(0.0, begin + cycle / RATE - time.monotonic()))

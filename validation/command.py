@@ -56,7 +56,7 @@ class Command:
         return self.written(name, text.getvalue())
 
     def _replay(self, recording, *options):
-        arguments = [self._program, "replay", "--quiet", recording, *options]
+        arguments = [self._program, "replay", "--quiet", "--cycle", "recorded", recording, *options]
         result = subprocess.run(list(map(str, arguments)), capture_output=True, encoding="utf-8", check=False)
         if result.returncode:
             raise RuntimeError(f"skeigiot cannot replay {recording}: {result.stderr.strip()}")

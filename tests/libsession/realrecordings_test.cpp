@@ -40,15 +40,15 @@ protected:
 
 TEST_P(RealRecording, IsReplayedWholeAndGivesTheSameFromTheOwnFormat)
 {
-  const CommandResult result =
-      runCommand({"replay", path(), "--csv", folder.path("1.csv"), "--to-jsonl", folder.path("own.jsonl")});
+  const CommandResult result = runCommand(
+      {"replay", path(), "--cycle", "recorded", "--csv", folder.path("1.csv"), "--to-jsonl", folder.path("own.jsonl")});
   EXPECT_EQ(0, result.status);
   EXPECT_EQ("", result.errors);
   EXPECT_THAT(result.output, HasSubstr("'whole recording'"));
   const std::string csv = folder.read("1.csv");
   EXPECT_EQ(GetParam().updates + 1, std::count(csv.begin(), csv.end(), '\n'));
 
-  runCommand({"replay", "-q", folder.path("own.jsonl"), "--csv", folder.path("2.csv")});
+  runCommand({"replay", "-q", folder.path("own.jsonl"), "--cycle", "recorded", "--csv", folder.path("2.csv")});
   EXPECT_EQ(csv, folder.read("2.csv"));
 }
 

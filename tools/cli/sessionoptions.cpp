@@ -82,6 +82,26 @@ CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& 
                   [&scopes](const std::string& text) { scopes.push_back(session::parseScopeSpan(text)); });
 }
 
+CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle)
+{
+  const std::string name = "--cycle";
+  const auto take = [name, &cycle](const std::string& text) {
+    try
+    {
+      cycle = session::parseCycle(text);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError(name, error.what());
+    }
+  };
+  return command
+      .add_option_function<std::string>(name, take,
+                                        "Updates of a person in a second (10); what is observed in between is\n"
+                                        "remembered. recorded: update with each observation")
+      ->type_name("HZ|recorded");
+}
+
 session::SessionPlan planNamedSessions(const session::SessionArguments& arguments)
 {
   try

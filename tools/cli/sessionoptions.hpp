@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/recordings/error.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 #include <skeigiot/session/snapshot.hpp>
@@ -19,6 +20,9 @@ CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::D
 
 /// Adds "--scope", which judges spans besides the whole recording; the target must outlive the command.
 CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& scopes);
+
+/// Adds "--cycle", which says how often persons are updated; the target must outlive the command.
+CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle);
 
 /// Plans the sessions that the command line names.
 ///

@@ -35,11 +35,13 @@ namespace
 const char* const description = "Shows what the library thought of the persons in a recording";
 
 const char* const footer =
-    R"(Files named together are inputs of one session, merged by time: what several of them tell of a person in one cycle
-is one update. The first input, best the face, sets the cycles; what others tell waits for its next step about the
-same person, for 0.2 s at most. Times that count from 0 are aligned at their zeros, and placed at a fixed time of the
-clock; times since 1970 stay. A folder stands for every recording in it, each in a session of its own, with persons
-and scopes of its own.
+    R"(Files named together are inputs of one session, merged by time. What the others tell of a person joins the next
+step of the first, best the face, about the same person; it waits for 0.2 s at most. Times that count from 0 are
+aligned at their zeros, and placed at a fixed time of the clock; times since 1970 stay. A folder stands for every
+recording in it, each in a session of its own, with persons and scopes of its own.
+
+A person is updated 10 times a second, however often they are observed: the estimate is made for that rate. --cycle
+sets another rate; with --cycle recorded, each step of the recording updates.
 
 The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
 the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
@@ -95,6 +97,7 @@ void addSessionOptions(CLI::App& command, Arguments& arguments)
       .add_flag("--separately", arguments.sessions.separately,
                 "Replay each file in a session of its own, instead of all as inputs of\none")
       ->group(group);
+  addCycleOption(command, arguments.replay.cycle)->group(group);
   addNumber(
       command, "--jobs",
       "How many sessions are replayed at a time; the output is the same\n(default: one for each core)", "NUMBER",

@@ -5,6 +5,7 @@
 #include "terminal/timelinetable.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -27,6 +28,7 @@ struct ReplayOptions
   std::vector<session::SessionInputs> sessions;
   std::size_t jobs = 1;                    ///< how many sessions are replayed at a time
   bool skipBad = false;                    ///< go on behind a line that cannot be used
+  session::Cycle cycle;                    ///< how often persons are updated
   std::vector<session::ScopeSpan> scopes;  ///< besides the whole recording
   boost::optional<session::Duration> step;
   bool explain = false;                        ///< show below each row what moved it

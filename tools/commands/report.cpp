@@ -95,6 +95,7 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
       ->type_name("FILE");
   addOffsetOption(command, arguments->sessions.offsets);
   addScopeOption(command, arguments->replay.scopes);
+  addCycleOption(command, arguments->replay.cycle);
   addReadingOptions(command, arguments->reading);
   addBoundaryOptions(command);
   command.footer(footer);

@@ -84,6 +84,7 @@ private:
   {
     session::PlayerOptions options;
     options.skipBad = _options.skipBad;
+    options.cycle = _options.cycle;
     options.scopes.push_back({"whole recording", session::Duration(0), boost::none});
     options.scopes.insert(options.scopes.end(), _options.scopes.begin(), _options.scopes.end());
     return session::Player(options, [this](const session::Progress& progress) {

@@ -6,6 +6,7 @@
 #include "cli/interruption.hpp"
 #include "cli/lineinput.hpp"
 #include "cli/livearguments.hpp"
+#include "cli/sessionoptions.hpp"
 #include "cli/waiting.hpp"
 
 // CLI11 counts on all of its headers being included in order.
@@ -32,7 +33,9 @@ standard output, at once. In a line the time may be left out, and these members 
 
 An answer has these members:
   line, time                         number of the line that it answers, and nanoseconds since 1970
-  person, seen, valence, ...         of the person whom the line is about: as 'skeigiot replay --jsonl'
+  updated                            whether the line updated the person whom it is about; false: it is remembered,
+                                     and the next update takes it in
+  person, seen, valence, ...         the state of that person that holds: as 'skeigiot replay --jsonl'
   agitation, excited                 of the room, if the line tells its activity
   verdicts                           on the scopes that the line stops
   warnings                           of the library
@@ -73,10 +76,16 @@ void answerWhatIsThere(LineInput& input, session::Stream& stream, session::Outpu
   }
 }
 
-void answerAll(session::StreamTimes times)
+struct Arguments
+{
+  session::StreamTimes times = session::StreamTimes::Arrival;
+  session::Cycle cycle;
+};
+
+void answerAll(const Arguments& arguments)
 {
   session::OutputStream output(STDOUT_FILENO, "standard output");
-  session::Stream stream(times, wallClock);
+  session::Stream stream(arguments.times, wallClock, arguments.cycle);
   LineInput input(longestLine);
   bool more = true;
   while (more)
@@ -88,11 +97,11 @@ void answerAll(session::StreamTimes times)
 }
 
 /// Whoever feeds it ends it, or whoever reads from it: neither is a failure.
-ExitStatus run(session::StreamTimes times)
+ExitStatus run(const Arguments& arguments)
 {
   try
   {
-    answerAll(times);
+    answerAll(arguments);
   }
   catch (const Interrupted&)
   {}
@@ -108,11 +117,12 @@ ExitStatus run(session::StreamTimes times)
 
 void addStreamCommand(CLI::App& app, ExitStatus& status)
 {
-  const auto times = std::make_shared<session::StreamTimes>(session::StreamTimes::Arrival);
+  const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("stream", description);
-  addTimesOption(command, *times);
+  addTimesOption(command, arguments->times);
+  addCycleOption(command, arguments->cycle);
   command.footer(footer);
-  command.callback([times, &status] { status = run(*times); });
+  command.callback([arguments, &status] { status = run(*arguments); });
 }
 
 }  // namespace KV::tools

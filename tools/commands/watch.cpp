@@ -7,6 +7,7 @@
 #include "cli/lineinput.hpp"
 #include "cli/livearguments.hpp"
 #include "cli/messages.hpp"
+#include "cli/sessionoptions.hpp"
 #include "cli/waiting.hpp"
 #include "terminal/screen.hpp"
 #include "terminal/terminal.hpp"
@@ -50,11 +51,18 @@ constexpr std::chrono::milliseconds longestPause(1000);  // ages are shown in se
 
 using SteadyClock = std::chrono::steady_clock;
 
+struct Arguments
+{
+  session::StreamTimes times = session::StreamTimes::Arrival;
+  session::Cycle cycle;
+};
+
 class Watch
 {
 public:
-  explicit Watch(session::StreamTimes times)
-    : _session(times, wallClock, {&_table}), _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
+  explicit Watch(const Arguments& arguments)
+    : _session(arguments.times, wallClock, {&_table}, arguments.cycle),
+      _screen(useColors(ColorChoice::Auto, STDERR_FILENO))
   {}
 
   void run()
@@ -150,21 +158,21 @@ private:
 };
 
 /// Returns a line about the readings that were left out, empty if there were none; by then the terminal is as before.
-std::string watch(session::StreamTimes times)
+std::string watch(const Arguments& arguments)
 {
-  Watch watch(times);
+  Watch watch(arguments);
   watch.run();
   return watch.takeLeftOut();
 }
 
-ExitStatus run(session::StreamTimes times)
+ExitStatus run(const Arguments& arguments)
 {
   if (isTerminal(STDIN_FILENO))
   {
     Messages(std::cerr, false).error("expected observations on standard input; try 'skeigiot watch --help'");
     return BadInput;
   }
-  const std::string leftOut = watch(times);
+  const std::string leftOut = watch(arguments);
   if (!leftOut.empty())
     Messages(std::cerr, false).note("warning: " + leftOut);
   return Success;
@@ -174,11 +182,12 @@ ExitStatus run(session::StreamTimes times)
 
 void addWatchCommand(CLI::App& app, ExitStatus& status)
 {
-  const auto times = std::make_shared<session::StreamTimes>(session::StreamTimes::Arrival);
+  const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("watch", description);
-  addTimesOption(command, *times);
+  addTimesOption(command, arguments->times);
+  addCycleOption(command, arguments->cycle);
   command.footer(footer);
-  command.callback([times, &status] { status = run(*times); });
+  command.callback([arguments, &status] { status = run(*arguments); });
 }
 
 }  // namespace KV::tools

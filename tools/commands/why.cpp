@@ -61,6 +61,7 @@ struct Arguments
 {
   session::SessionArguments session;
   ReadingArguments reading;
+  session::Cycle cycle;
   std::int32_t person = 0;
   boost::optional<session::Duration> at;
   boost::optional<session::Duration> from;
@@ -103,6 +104,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
   addTime(command, "--to", "Explain all updates up to that time (default: to the end)", arguments.to);
   command.add_flag("--all", arguments.showsEach, "Show every force in a row of its own, and the unsmoothed valence");
   command.add_flag("--json", arguments.json, "As JSON, with every force of the update");
+  addCycleOption(command, arguments.cycle);
   addReadingOptions(command, arguments.reading);
 }
 
@@ -149,6 +151,7 @@ void answer(const Arguments& arguments)
   inquiry.open = [&] { return session::openSession(session, openerOf(arguments.reading)); };
   inquiry.name = session.name();
   inquiry.person = arguments.person;
+  inquiry.cycle = arguments.cycle;
   inquiry.skipBad = arguments.reading.skipBad;
   inquiry.note = [&messages](const std::string& text) { messages.note(text); };
   inquiry.goOn = [](const session::Progress&) {

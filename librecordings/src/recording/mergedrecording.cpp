@@ -111,7 +111,7 @@ boost::optional<Step> MergedRecording::next()
 std::vector<std::string> MergedRecording::describe() const
 {
   std::vector<std::string> lines = {"One session of " + std::to_string(_inputs.size()) +
-                                    " inputs, merged by time; the first sets the cycles in which persons are updated"};
+                                    " inputs, merged by time; readings of the others join the next step of the first"};
   for (const Input& input : _inputs)
   {
     const bool isMoved = input.from.offset != Duration(0);

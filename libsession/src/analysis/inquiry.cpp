@@ -39,6 +39,7 @@ Duration playUntil(const Inquiry& inquiry, Explainer& explainer, Duration end)
 {
   PlayerOptions options;
   options.skipBad = inquiry.skipBad;
+  options.cycle = inquiry.cycle;
   const Player player(options, [&](const Progress& progress) {
     const bool isAnswered = progress.length > end && explainer.persons().count(inquiry.person) > 0;
     return (!inquiry.goOn || inquiry.goOn(progress)) && !isAnswered;

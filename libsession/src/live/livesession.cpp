@@ -73,8 +73,8 @@ void setBoundaries(const recordings::BoundarySettings& settings)
 }  // namespace
 
 LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock,
-                         std::vector<SessionObserver*> observers)
-  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers))
+                         std::vector<SessionObserver*> observers, Cycle cycle)
+  : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), cycle)
 {}
 
 std::vector<std::int32_t> LiveSession::take(std::string_view line)
@@ -86,12 +86,15 @@ std::vector<std::int32_t> LiveSession::take(std::string_view line)
   setBoundaries(read.boundaries);
   for (const std::int32_t person : read.leaving)
     _session.forget(person);
+  const bool standsStill = _times == StreamTimes::Arrival && read.entry.time == _now;
+  if (standsStill && read.entry.person)
+    _session.restartCycle(*read.entry.person);
   _now = read.entry.time;
   _session.play(read.entry);
   return read.leaving;
 }
 
-// The wall clock may be set back; that of the session stands still then.
+// The wall clock may be set back; that of the session stands still then. Each line updates until it goes on.
 TimePoint LiveSession::present() const
 {
   return _times == StreamTimes::Arrival ? std::max(_now, _wallClock()) : _now;

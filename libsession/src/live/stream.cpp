@@ -61,15 +61,26 @@ std::string lineOf(const Json& object)
 
 }  // namespace
 
+/// Tells of others, too, who waited too long; that is before the step begins.
+void Stream::Observer::personUpdated(const Snapshot& snapshot)
+{
+  if (about != snapshot.person)
+    return;
+  person = snapshot;
+  updated = true;
+}
+
 void Stream::Observer::clear()
 {
+  about = boost::none;
   person = boost::none;
+  updated = false;
   ambiance = boost::none;
   verdicts.clear();
 }
 
-Stream::Stream(StreamTimes times, std::function<TimePoint()> wallClock)
-  : _session(times, std::move(wallClock), {&_observer})
+Stream::Stream(StreamTimes times, std::function<TimePoint()> wallClock, Cycle cycle)
+  : _session(times, std::move(wallClock), {&_observer}, cycle)
 {}
 
 std::string Stream::answer(std::string_view line)
@@ -106,6 +117,8 @@ std::string Stream::_refusal(const std::string& member, const std::string& messa
 std::string Stream::_state()
 {
   Json object = {{"line", _lineNumber}, {"time", _session.now().time_since_epoch().count()}};
+  if (_observer.about)
+    object["updated"] = _observer.updated;
   if (_observer.person)
     forEachExportedField(1, *_observer.person, StateMembers(object));
   if (_observer.ambiance)

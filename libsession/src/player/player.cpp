@@ -25,7 +25,7 @@ public:
     : _goOn(goOn), _reader(reader), _observers(observers), _outcome(outcome), _reading(reader, options.skipBad)
   {
     if (options.estimates)
-      _session.emplace(options.scopes, observers);
+      _session.emplace(options.scopes, observers, options.cycle);
   }
 
   void run()

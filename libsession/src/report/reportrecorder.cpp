@@ -2,6 +2,8 @@
 
 #include "report/thinning.hpp"
 
+#include <skeigiot/session/pacer.hpp>
+
 #include <boost/chrono/duration.hpp>
 
 #include <algorithm>
@@ -67,9 +69,10 @@ bool comesFirst(const ScopeVerdict& left, const ScopeVerdict& right)
 
 void ReportRecorder::stepBegins(const recordings::Step& step)
 {
-  _step = &step;
   _forces.clear();
   _inspection.add(step);
+  if (step.person)
+    takeNewest(_inputs[*step.person], step.observation);
 }
 
 void ReportRecorder::forceActed(const KV::Force& force)
@@ -83,7 +86,8 @@ void ReportRecorder::personUpdated(const Snapshot& snapshot)
   _summary.personUpdated(snapshot);
   Moment moment;
   moment.snapshot = snapshot;
-  moment.inputs = reportInputsOf(_step->observation);
+  moment.inputs = reportInputsOf(_inputs[snapshot.person]);
+  _inputs.erase(snapshot.person);
   moment.changes = changesOf(_forces);
   moment.forces = std::exchange(_forces, {});
   ++_momentCount;

@@ -67,8 +67,8 @@ private:
   void _count();
 
   Limits _limits;
-  const recordings::Step* _step = nullptr;  // the step that is played
-  std::vector<MomentForce> _forces;         // of that step
+  std::map<std::int32_t, KV::PersonObservation> _inputs;  // of each person since the last update
+  std::vector<MomentForce> _forces;                       // of the update that is under way
 
   std::map<std::int32_t, std::vector<Moment>> _moments;
   std::size_t _momentCount = 0;

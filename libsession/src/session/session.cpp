@@ -29,8 +29,8 @@ Snapshot snapshotOf(const KV::PersonState& state)
 
 }  // namespace
 
-Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers)
-  : _clock(TimePoint()), _clockOfThisThread(_clock), _scopes(spans), _observers(std::move(observers))
+Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Cycle cycle)
+  : _clock(TimePoint()), _clockOfThisThread(_clock), _pacer(cycle), _scopes(spans), _observers(std::move(observers))
 {
   std::copy_if(_observers.begin(), _observers.end(), std::back_inserter(_forceObservers),
                [](const SessionObserver* observer) { return observer->watchesForces(); });
@@ -42,8 +42,8 @@ void Session::play(const recordings::Step& step)
 {
   if (!_start)
     _start = step.time;
-  _now = step.time;
-  _clock.set(_now);
+  _updateWhoWaitedTooLong(step.time);
+  _setTime(step.time);
 
   for (SessionObserver* observer : _observers)
     observer->stepBegins(step);
@@ -56,9 +56,42 @@ void Session::play(const recordings::Step& step)
     _report(_scopes.stop(scope, length()));
 }
 
+void Session::forget(std::int32_t person)
+{
+  _pacer.forget(person);
+  _graph.remove(person);
+}
+
 void Session::finish()
 {
+  while (const auto waiting = _pacer.firstWaiting())
+    _updateWaiting(waiting->person);
   _report(_scopes.finish(length()));
+}
+
+void Session::_setTime(TimePoint time)
+{
+  _now = time;
+  _clock.set(_now);
+}
+
+/// Whoever is not told of for a cycle may be gone: the last observations act while they are new, not at the end.
+void Session::_updateWhoWaitedTooLong(TimePoint now)
+{
+  for (auto waiting = _pacer.firstWaiting(); waiting && waiting->latest < now; waiting = _pacer.firstWaiting())
+  {
+    _setTime(std::max(_now, waiting->latest));
+    _report(_scopes.advance(length()));
+    _updateWaiting(waiting->person);
+  }
+}
+
+void Session::_updateWaiting(std::int32_t waiting)
+{
+  _graph.update(waiting, [&](KV::Person& person) {
+    _pacer.finish(person);
+    _report(person, true);
+  });
 }
 
 void Session::_watchForces()
@@ -93,27 +126,44 @@ void Session::_updatePerson(const recordings::Step& step)
     return;
   if (step.seen)
     _graph.updateOrCreate(*step.person, [&](KV::Person& person) {
-      person.update(_nonFinite.withoutThem(step, length()));
-      _report(person, step);
+      if (_pacer.take(person, _nonFinite.withoutThem(step, length())))
+        _report(person, true);
+      else
+        _reportWaiting(person);
     });
   else
     _graph.update(*step.person, [&](KV::Person& person) {
-      person.decreaseSinceNotSeen();
-      _report(person, step);
+      const bool wasSeen = _pacer.isWaiting(person.personID);
+      if (_pacer.takeNotSeen(person))
+        _report(person, wasSeen);
+      else
+        _reportWaiting(person);
     });
 }
 
-void Session::_report(const KV::Person& person, const recordings::Step& step)
+Snapshot Session::_snapshot(const KV::Person& person, bool seen) const
 {
-  _scopes.update(person.personID, person.personState);
-
   Snapshot snapshot = snapshotOf(person.personState);
   snapshot.time = _now;
   snapshot.sinceStart = length();
   snapshot.person = person.personID;
-  snapshot.seen = step.seen;
+  snapshot.seen = seen;
+  return snapshot;
+}
+
+void Session::_report(const KV::Person& person, bool seen)
+{
+  _scopes.update(person.personID, person.personState);
+  const Snapshot snapshot = _snapshot(person, seen);
   for (SessionObserver* observer : _observers)
     observer->personUpdated(snapshot);
+}
+
+void Session::_reportWaiting(const KV::Person& person)
+{
+  const Snapshot snapshot = _snapshot(person, _pacer.isWaiting(person.personID));
+  for (SessionObserver* observer : _observers)
+    observer->personWaits(snapshot);
 }
 
 void Session::_report(const ScopeVerdict& verdict)

@@ -154,7 +154,7 @@ TEST_F(MergedRecordings, SayHowEachInputIsRead)
 {
   const auto contents = read({{"a", header + "1,1,smile,1\n"}, {"b", "{\"time\":1577836800000000000}\n"}});
   ASSERT_EQ(5u, contents.description.size());
-  EXPECT_EQ("One session of 2 inputs, merged by time; the first sets the cycles in which persons are updated",
+  EXPECT_EQ("One session of 2 inputs, merged by time; readings of the others join the next step of the first",
             contents.description[0]);
   EXPECT_THAT(contents.description[1], StartsWith("a: Tidy CSV: "));
   EXPECT_THAT(contents.description[4], StartsWith("b: times in nanoseconds since 1970"));

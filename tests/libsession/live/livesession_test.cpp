@@ -63,10 +63,10 @@ TEST_F(LiveSessionTest, ShowsTheTimeOfArrival)
   LiveSession live = session(StreamTimes::Arrival);
   live.take("{" + looksAtRobot + "}");
   EXPECT_EQ(start, live.now());
-  wallClock += milliseconds(40);
+  wallClock += milliseconds(140);
   live.take("{" + looksAtRobot + "}");
-  EXPECT_EQ(start + milliseconds(40), live.now());
-  EXPECT_EQ(start + milliseconds(40), log.snapshots.back().time);
+  EXPECT_EQ(start + milliseconds(140), live.now());
+  EXPECT_EQ(start + milliseconds(140), log.snapshots.back().time);
 }
 
 TEST_F(LiveSessionTest, StandsStillWhenTheWallClockIsSetBack)
@@ -76,6 +76,24 @@ TEST_F(LiveSessionTest, StandsStillWhenTheWallClockIsSetBack)
   wallClock -= seconds(60);
   live.take("{" + looksAtRobot + "}");
   EXPECT_EQ(start, live.now());
+}
+
+TEST_F(LiveSessionTest, UpdatesWithEachLineWhileItsClockStandsStill)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  live.take("{" + looksAtRobot + "}");
+  wallClock -= seconds(60);
+  for (int i = 0; i < 5; ++i, wallClock += milliseconds(20))
+    live.take("{" + looksAtRobot + "}");
+  EXPECT_EQ(6u, log.snapshots.size());
+}
+
+TEST_F(LiveSessionTest, UpdatesAtTheRateOfItsCycle)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  for (int i = 0; i < 100; ++i, wallClock += milliseconds(20))
+    live.take("{" + looksAtRobot + "}");
+  EXPECT_EQ(20u, log.snapshots.size());
 }
 
 TEST_F(LiveSessionTest, TakesTheTimeOfALineForThatOfItsReadingsOnArrival)

@@ -58,10 +58,40 @@ TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
     EXPECT_EQ(i + 1, found["line"]);
     for (const char* const name : {"recording", "time", "clock"})
       expected.erase(name);
-    for (const char* const name : {"line", "time"})
+    EXPECT_EQ(true, found["updated"]);
+    for (const char* const name : {"line", "time", "updated"})
       found.erase(name);
     EXPECT_EQ(expected, found);
   }
+}
+
+TEST_F(StreamTest, SaysWhichLineUpdatesAndAnswersTheOthersWithTheStateThatHolds)
+{
+  const json first = answer(lineOf(seenAt(0., 3, 0.f)));
+  EXPECT_EQ(true, first["updated"]);
+  const json second = answer(lineOf(seenAt(0.05, 3, 1.f)));
+  EXPECT_EQ(false, second["updated"]);
+  EXPECT_EQ(3, second["person"]);
+  EXPECT_EQ(true, second["seen"]);
+  EXPECT_EQ(first["valence"], second["valence"]);
+  EXPECT_EQ(first["attention"], second["attention"]);
+  const json third = answer(lineOf(notSeenAt(0.1, 3)));
+  EXPECT_EQ(true, third["updated"]);
+  EXPECT_EQ(true, third["seen"]) << "the person was seen within the cycle";
+  EXPECT_GT(third["valence"], second["valence"]);
+  EXPECT_EQ(false, answer(lineOf(notSeenAt(0.15, 3)))["seen"]);
+  EXPECT_EQ(false, answer(lineOf(notSeenAt(0.2, 99)))["updated"]) << "nobody knows this person";
+  EXPECT_FALSE(answer(lineOf(entryAt(0.3))).contains("updated"));
+}
+
+TEST_F(StreamTest, AnswersForThePersonOfTheLineThoughAnotherOneIsUpdatedToo)
+{
+  answer(lineOf(seenAt(0., 3, 0.f)));
+  answer(lineOf(seenAt(0.05, 3, 1.f)));
+  const json other = answer(lineOf(seenAt(0.5, 4, 0.f)));
+  EXPECT_EQ(4, other["person"]);
+  EXPECT_EQ(0., other["valence"]);
+  EXPECT_FALSE(answer(lineOf(entryAt(0.6))).contains("person"));
 }
 
 TEST_F(StreamTest, TellsTheTimeInNanoseconds)

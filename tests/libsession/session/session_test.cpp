@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -60,6 +62,94 @@ TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
               snapshot.ease.confidence);
   }
   EXPECT_GT(log.snapshots.back().valence.value, 0.2f) << "the smile had no effect: the comparison shows nothing";
+}
+
+TEST_F(SessionTest, UpdatesWithEachStepAtTheRecordedRate)
+{
+  Session session({}, {&log}, KV::session::Cycle::recorded());
+  KV::Person person(4);
+  for (int i = 0; i < 60; ++i)
+  {
+    const KV::recordings::Step entry = seenAt(i / 60., 4, 0.01f * static_cast<float>(i));
+    session.play(entry);
+    person.update(entry.observation);
+    ASSERT_EQ(static_cast<std::size_t>(i + 1), log.snapshots.size());
+    EXPECT_EQ(person.personState.personValence().value, log.snapshots.back().valence.value);
+    EXPECT_EQ(person.personState.personAttention().value, log.snapshots.back().attention.value);
+  }
+  session.finish();
+  EXPECT_EQ(60U, log.snapshots.size());
+}
+
+TEST_F(SessionTest, UpdatesWithWhatWaitsAtTheEnd)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 1, 0.f));
+  session.play(seenAt(0.05, 1, 1.f));
+  EXPECT_EQ(1U, log.snapshots.size());
+  session.finish();
+  ASSERT_EQ(2U, log.snapshots.size());
+  EXPECT_EQ(start + milliseconds(50), log.snapshots.back().time);
+  EXPECT_GT(log.snapshots.back().valence.value, 0.f);
+}
+
+TEST_F(SessionTest, CountsTheUpdateAtTheEndInTheVerdict)
+{
+  Session session({{"all", inNanoseconds(0.), boost::none}}, {&log});
+  session.play(seenAt(0., 1));
+  session.play(seenAt(0.05, 1));
+  session.finish();
+  ASSERT_EQ(1U, log.verdicts.size());
+  EXPECT_EQ(2U, log.verdicts[0].of(1).updates);
+}
+
+TEST_F(SessionTest, UpdatesAPersonWhoIsGoneWhileTheReadingsAreNew)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 1, 0.f));
+  session.play(seenAt(0.05, 1, 1.f));
+  session.play(seenAt(0.1, 2, 0.f));
+  session.play(seenAt(60., 2, 0.f));
+  session.finish();
+  ASSERT_EQ(4U, log.snapshots.size());
+  const Snapshot& last = log.snapshots[2];
+  EXPECT_EQ(1, last.person);
+  EXPECT_EQ(start + milliseconds(200), last.time) << "due at 100 ms, and a cycle more";
+  EXPECT_TRUE(last.seen);
+  EXPECT_GT(last.valence.value, 0.f);
+  EXPECT_EQ(2, log.snapshots[3].person);
+  EXPECT_EQ(start + seconds(60), log.snapshots[3].time);
+}
+
+TEST_F(SessionTest, UpdatesAPersonTheSameWhoeverElseIsThere)
+{
+  const auto valences = [](bool withOther) {
+    Log watched;
+    Session session({}, {&watched});
+    for (int i = 0; i < 200; ++i)
+    {
+      const double time = i * 0.0371 + (i > 100 ? 1. : 0.);
+      if (withOther)
+        session.play(seenAt(time + 0.01, 2, 0.f));
+      session.play(seenAt(time + 0.02, 1, 0.005f * static_cast<float>(i)));
+    }
+    std::vector<std::pair<KV::session::TimePoint, float>> found;
+    for (const Snapshot& snapshot : watched.snapshots)
+      if (snapshot.person == 1)
+        found.emplace_back(snapshot.time, snapshot.valence.value);
+    return found;
+  };
+  EXPECT_EQ(valences(false), valences(true));
+}
+
+TEST_F(SessionTest, ForgetsWhatWaitsWithThePerson)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 1, 0.f));
+  session.play(seenAt(0.05, 1, 1.f));
+  session.forget(1);
+  session.finish();
+  EXPECT_EQ(1U, log.snapshots.size());
 }
 
 TEST_F(SessionTest, SetsTheClockToTheTimeOfTheEntry)

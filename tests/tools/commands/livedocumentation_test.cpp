@@ -31,7 +31,7 @@ TEST(LivePage, ShowsTheAnswersThatItsLinesGet)
   const float before = KV::PersonState::getBinaryBoundaryPositive();
   const auto input = linesBehind("```json input");
   const auto answers = linesBehind("```json answers");
-  ASSERT_EQ(5u, input.size());
+  ASSERT_EQ(6u, input.size());
   ASSERT_EQ(input.size(), answers.size());
   KV::session::Stream stream(KV::session::StreamTimes::Lines, [] { return support::start; });
   for (std::size_t i = 0; i < input.size(); ++i)

@@ -31,10 +31,10 @@ struct SKEIGIOT_API RecordingInput
 /// Reads several recordings of one session as one: their steps in the order of their times, those of one time in the
 /// order of the inputs.
 ///
-/// A person is to be updated once for each perception cycle, as each update lets every remembered reading act again.
-/// The first input sets the cycles: what another one tells of a person waits for the next step of the first about that
-/// person, for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs
-/// that are of one kind, or for which no such step comes, make steps of their own.
+/// Each update lets every remembered reading act again. So that a program which updates with each step does not update
+/// once for each input, what another input tells of a person waits for the next step of the first about that person,
+/// for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs that are
+/// of one kind, or for which no such step comes, make steps of their own.
 ///
 /// Holds no more than the steps of longestWait.
 class SKEIGIOT_API MergedRecording : public Reader

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/explanation.hpp>
 #include <skeigiot/session/player.hpp>
 #include <skeigiot/session/spanexplanation.hpp>
@@ -21,6 +22,7 @@ struct SKEIGIOT_API Inquiry
   std::string name;                              ///< of the recording, in messages
   std::int32_t person = 0;                       ///< whose updates are explained
   bool skipBad = false;                          ///< read on behind a line that cannot be used
+  Cycle cycle = {};                              ///< how often persons are updated
   std::function<void(const std::string&)> note;  ///< takes warnings of the reader and of the library
   Player::GoOn goOn;                             ///< see Player
 };

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/observationjson.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/session.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
@@ -30,7 +31,8 @@ public:
   /// Makes a session in which nobody is known; the observers must outlive it.
   ///
   /// It sets the clock of its thread, so `wallClock`, which tells when a line came in, must not read that.
-  LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers);
+  LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers,
+              Cycle cycle = Cycle());
 
   /// Takes one line, and returns who leaves; an empty one says nothing.
   ///

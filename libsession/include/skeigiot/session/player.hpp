@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/readingnotes.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/session.hpp>
@@ -24,6 +25,7 @@ struct SKEIGIOT_API PlayerOptions
 {
   bool skipBad = false;                ///< go on behind a line that cannot be used
   std::vector<ScopeSpan> scopes = {};  ///< stretches that are judged
+  Cycle cycle = {};                    ///< how often persons are updated
   bool estimates = true;               ///< false: the recording is only read; observers are told of its steps alone
 };
 

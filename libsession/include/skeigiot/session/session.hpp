@@ -4,7 +4,9 @@
 #include <skeigiot/api.hpp>
 #include <skeigiot/forceobserver.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/nonfinitereadings.hpp>
+#include <skeigiot/session/pacer.hpp>
 #include <skeigiot/session/scopes.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 #include <skeigiot/socialgraph.hpp>
@@ -23,19 +25,25 @@ namespace KV::session
 /// Runs one recording through the library, with the clock of the calling thread set to the recording's time.
 ///
 /// Readings that are not finite are left out, and counted.
+///
+/// A Pacer updates the persons. A person of whom no step tells for a cycle is updated with what waits a cycle after the
+/// update was due, whoever the next step is about.
 class SKEIGIOT_API Session
 {
 public:
   /// Makes a session in which nobody is known yet; the observers must outlive it.
-  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers);
+  Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Cycle cycle = Cycle());
 
   /// Takes one step: scope starts, ambiance, person, scope stops.
   void play(const recordings::Step& step);
 
   /// Forgets a person: who comes back under that number is somebody new.
-  void forget(std::int32_t person) { _graph.remove(person); }
+  void forget(std::int32_t person);
 
-  /// Ends the recording, which judges the scopes that are still open.
+  /// Lets the next observation of a person update at once, see Pacer::restart().
+  void restartCycle(std::int32_t person) { _pacer.restart(person); }
+
+  /// Ends the recording: updates the persons whose observations still wait, and judges the scopes that are still open.
   void finish();
 
   /// Returns a line about the readings that were left out since the last call, empty if there were none.
@@ -48,7 +56,12 @@ private:
   void _watchForces();
   void _updateAmbiance(const recordings::Step& step);
   void _updatePerson(const recordings::Step& step);
-  void _report(const KV::Person& person, const recordings::Step& step);
+  void _setTime(TimePoint time);
+  void _updateWhoWaitedTooLong(TimePoint now);
+  void _updateWaiting(std::int32_t person);
+  Snapshot _snapshot(const KV::Person& person, bool seen) const;
+  void _report(const KV::Person& person, bool seen);
+  void _reportWaiting(const KV::Person& person);
   void _report(const ScopeVerdict& verdict);
   void _report(const std::vector<ScopeVerdict>& verdicts);
 
@@ -58,6 +71,7 @@ private:
   TimePoint _now;
 
   NonFiniteReadings _nonFinite;
+  Pacer _pacer;
   KV::SocialGraph _graph;
   KV::AmbianceState _ambiance;
   Scopes _scopes;

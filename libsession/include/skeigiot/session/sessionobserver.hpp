@@ -38,8 +38,12 @@ public:
   /// The step is about to be played; it stays what it is until the next one.
   virtual void stepBegins(const recordings::Step&) {}
 
-  /// A person was updated, or aged.
+  /// A person was updated, or aged. With a cycle this takes in all steps about the person since the last time; the
+  /// time may lie between those of two steps, and the person need not be the one whom the step is about.
   virtual void personUpdated(const Snapshot&) {}
+
+  /// The step is about a person who is updated later, when the cycle is over: tells the state that holds until then.
+  virtual void personWaits(const Snapshot&) {}
 
   /// The ambiance of the room was updated.
   virtual void ambianceUpdated(float /*agitation*/, KV::ExcitationState) {}

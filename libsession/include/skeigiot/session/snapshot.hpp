@@ -20,7 +20,7 @@ struct SKEIGIOT_API Snapshot
   Duration sinceStart{0};  ///< since the first step of the recording
 
   std::int32_t person = 0;  ///< whose update it was
-  bool seen = true;         ///< false: the person was not observed in this cycle
+  bool seen = true;         ///< false: the person was not observed in this cycle so far
 
   KV::ValueConfidence<float> valence;                                   ///< in [-1, 1]
   KV::ValueConfidence<int> valenceBinary;                               ///< -1, 0 or 1

@@ -8,6 +8,7 @@
 #include <boost/optional/optional.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -22,7 +23,9 @@ class SKEIGIOT_API Stream
 {
 public:
   /// Makes a stream in which nobody is known; the parameters are those of LiveSession.
-  Stream(StreamTimes times, std::function<TimePoint()> wallClock);
+  ///
+  /// An answer says whether the line updated the person, or is remembered for the next update.
+  Stream(StreamTimes times, std::function<TimePoint()> wallClock, Cycle cycle = Cycle());
 
   /// Returns the answer to the next line, with its line end.
   std::string answer(std::string_view line);
@@ -41,12 +44,16 @@ private:
       KV::ExcitationState excitation = KV::ExcitationUnknown;  ///< the same in a word
     };
 
-    void personUpdated(const Snapshot& snapshot) override { person = snapshot; }
+    void stepBegins(const recordings::Step& step) override { about = step.person; }
+    void personUpdated(const Snapshot& snapshot) override;
+    void personWaits(const Snapshot& snapshot) override { person = snapshot; }
     void ambianceUpdated(float agitation, KV::ExcitationState state) override { ambiance = Ambiance{agitation, state}; }
     void scopeJudged(const ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
     void clear();
 
+    boost::optional<std::int32_t> about;  // whom the line names
     boost::optional<Snapshot> person;
+    bool updated = false;
     boost::optional<Ambiance> ambiance;
     std::vector<ScopeVerdict> verdicts;
   };
