@@ -39,12 +39,12 @@ _CALLER = 4
 class _ReplayOne(Settings):
     """Replays one recording, and returns what the library thought of the persons in it.
 
-    The recording is a file, a bag of ROS 2, a frame, or a list of those: inputs of one session, merged by time; the
-    first sets the cycles.
+    The recording is a file, a bag of ROS 2, a frame, or a list of those: inputs of one session, merged by time; what
+    the others tell joins the next step of the first about the same person.
 
     A frame is a pandas frame or a dict of columns of one length. It has a column time: seconds from the start or since
     1970 (numbers), nanoseconds since 1970 (integers from 1e12 on), aware datetimes, or NumPy's datetime64, which is
-    UTC. Each row is one cycle of the person whose number is in the column person; without that column, of person 0.
+    UTC. Each row is an observation of the person whose number is in the column person; without that column, of person 0.
     The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
     headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
     seen, which is false where the person was not observed. NaN, None and empty texts are unknown. A row without a
@@ -53,6 +53,8 @@ class _ReplayOne(Settings):
 
     format: the format of the files, found out if not given; see FORMATS
     explain: also keep every force that moved an estimate
+    cycle: updates of a person in a second, above 0 and up to 1000; what is observed in between is remembered at its own
+        time. "recorded": update with each row or step
     scopes: spans to judge besides the whole recording, as {name: (from, to)} in seconds since the start, both ends
         included; None at either is the start or the end
     offsets: seconds to add to all times of an input, by its path

@@ -30,6 +30,7 @@ class Settings:
 
     format: Optional[str] = None
     explain: bool = False
+    cycle: Union[float, str] = 10.0
     scopes: Optional[Mapping[str, Span]] = None
     skip_bad: bool = False
     person_from: Optional[str] = None
@@ -53,6 +54,7 @@ class Settings:
         return {
             "format": self.format or "",
             "explain": bool(self.explain),
+            "cycle": self.cycle,
             "scopes": [_scope(name, span) for name, span in (self.scopes or {}).items()],
             "skip_bad": bool(self.skip_bad),
             "person_from": self.person_from or "",

@@ -39,7 +39,7 @@ PYBIND11_MODULE(_skeigiot, module)
   under("skeigiot.ko", bindTimes, bindClock, bindLog);
   under("skeigiot", bindRecords, bindFacialPoints, bindObservation, bindFinite, bindMemory, bindRamp);
   under("skeigiot.classification", bindClassification);
-  under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindGraph, bindRecorder, bindForces,
-        bindReplay);
+  under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindPacer, bindGraph, bindRecorder,
+        bindForces, bindReplay);
   module.attr("__name__") = name;
 }

@@ -24,6 +24,7 @@ void bindBodyLanguage(pybind11::module_& module);
 void bindAmbiance(pybind11::module_& module);
 void bindState(pybind11::module_& module);
 void bindPerson(pybind11::module_& module);
+void bindPacer(pybind11::module_& module);
 void bindGraph(pybind11::module_& module);
 void bindRecorder(pybind11::module_& module);
 void bindForces(pybind11::module_& module);

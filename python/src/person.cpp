@@ -24,6 +24,8 @@ void bindPerson(py::module_& module)
       .def("update", &Person::update, py::arg("observation"), Unlocked(),
            "Takes one perception cycle in: files the observation into the memories, then estimates body language and "
            "state.\n\n"
+           "The estimate is made for 5 to 15 updates a second: at a camera's 30 Hz a head that turns away slowly never "
+           "counts as turned. A Pacer updates 10 times a second, and remembers what is observed in between.\n\n"
            "An exception of a step, such as one of a clock or a force observer in Python, passes to the caller; what "
            "the steps before it did stays done.")
       .def("updateMemory", &Person::updateMemory, py::arg("observation"), Unlocked(),

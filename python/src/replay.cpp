@@ -1,3 +1,4 @@
+#include "cycle.hpp"
 #include "module.hpp"
 #include "replayrun.hpp"
 #include "silencedlog.hpp"
@@ -258,6 +259,7 @@ ReplayRequest requestFrom(const py::dict& options)
   request.reading = readingFrom(options);
   request.skipBad = options["skip_bad"].cast<bool>();
   request.explain = options["explain"].cast<bool>();
+  request.cycle = cycleFrom(options["cycle"]);
   request.scopes = scopesFrom(options["scopes"].cast<py::list>());
   return request;
 }

@@ -48,6 +48,7 @@ KV::session::PlayerOptions optionsOf(const ReplayRequest& request)
 {
   KV::session::PlayerOptions options;
   options.skipBad = request.skipBad;
+  options.cycle = request.cycle;
   options.scopes.push_back({"whole recording", KV::session::Duration(0), boost::none});
   options.scopes.insert(options.scopes.end(), request.scopes.begin(), request.scopes.end());
   return options;

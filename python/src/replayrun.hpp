@@ -3,6 +3,7 @@
 #include "replayrecord.hpp"
 
 #include <skeigiot/recordings/table.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -26,6 +27,7 @@ struct ReplayRequest
   KV::recordings::ReadingOptions reading;
   bool skipBad = false;
   bool explain = false;
+  KV::session::Cycle cycle;
   std::vector<KV::session::ScopeSpan> scopes;  ///< besides the whole recording
   std::int32_t number = 1;                     ///< of the session, as exports have it
 };

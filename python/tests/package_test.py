@@ -82,7 +82,7 @@ def test_every_call_that_replays_takes_the_same_settings() -> None:
 
     assert set(one) - set(several) == {"recording", "offsets"}
     assert set(several) - set(one) == {"recordings", "jobs"}
-    assert len(set(one) & set(several)) == 15
+    assert len(set(one) & set(several)) == 16
     assert all(one[name] == several[name] for name in set(one) & set(several))
     assert all(parameter.kind == parameter.KEYWORD_ONLY for parameter in list(one.values())[1:])
 
