@@ -2,11 +2,12 @@
 // the same estimate, bit for bit.
 //
 // usage: livefaces LOG
-// Writes the log as JSON Lines, and prints after each frame: time [ns], person, valence and attention with their
-// confidences (exact, in hexadecimal), and the pleasure state.
+// Writes the log as JSON Lines, and prints after each update, which is 10 times a second: time [ns], person, valence
+// and attention with their confidences (exact, in hexadecimal), and the pleasure state.
 
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/jsonlineswriter.hpp>
+#include <skeigiot/session/pacer.hpp>
 #include <skeigiot/socialgraph.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -19,7 +20,7 @@
 namespace
 {
 constexpr int person = 7;
-constexpr int frames = 90;
+constexpr int frames = 180;
 
 // What a camera and a face analyser would tell of one frame: somebody turns to the camera and smiles. The face is lost
 // for some frames.
@@ -72,6 +73,7 @@ int main(int argc, char** argv)
   const ko::ScopedClockSource scope(clock);
 
   KV::SocialGraph graph;
+  KV::session::Pacer pacer;  // the camera is too fast for the estimate: updates 10 times a second
   for (int frame = 0; frame < frames; ++frame)
   {
     time += boost::chrono::milliseconds(33);
@@ -85,14 +87,16 @@ int main(int argc, char** argv)
     step.observation = observation.value_or(KV::PersonObservation());
     writer.write(step);
 
-    graph.updateOrCreate(person, [&step](KV::Person& somebody) {
-      if (step.seen)
-        somebody.update(step.observation);
-      else
-        somebody.decreaseSinceNotSeen();
-      show(step.time, somebody.personState);
+    graph.updateOrCreate(person, [&](KV::Person& somebody) {
+      const bool updated = step.seen ? pacer.take(somebody, step.observation) : pacer.takeNotSeen(somebody);
+      if (updated)
+        show(time, somebody.personState);
     });
   }
+  graph.update(person, [&](KV::Person& somebody) {
+    if (pacer.finish(somebody))
+      show(time, somebody.personState);
+  });
   log.flush();
   return log ? 0 : 1;
 }

@@ -21,15 +21,16 @@ class Room:
 
     def __init__(self) -> None:
         self.graph = skeigiot.SocialGraph()
+        self._pacer = skeigiot.Pacer()  # a camera is too fast for the estimate: updates 10 times a second
         self._known: set[int] = set()
 
     def take_in(self, faces: Iterable[Face]) -> None:
-        """Updates everybody who is in the frame, and ages those who were there before."""
+        """Takes in everybody who is in the frame, and that those who were there before are not."""
         seen = {face.person: face.observation() for face in faces}
         for number, observation in seen.items():
-            self.graph.updateOrCreate(number, lambda person: person.update(observation))
+            self.graph.updateOrCreate(number, lambda person: self._pacer.take(person, observation))
         for number in self._known - seen.keys():
-            self.graph.update(number, lambda person: person.decreaseSinceNotSeen())
+            self.graph.update(number, self._pacer.takeNotSeen)
         self._known |= seen.keys()
 
     def lines(self) -> Iterator[str]:
