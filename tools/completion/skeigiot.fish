@@ -15,6 +15,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from replay' -F
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -s h -l help -d 'Print this help message and exit'
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l offset -r -F -d 'Add so many seconds to all times of an input'
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l separately -d 'Replay each file in a session of its own, instead of all as inputs of one'
+complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l jobs -x -d 'How many sessions are replayed at a time; the output is the same (default: one for each core)'
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l scope -x -d 'Judge this span, too, in seconds since the start, both ends included; either may be left out'
 complete -c skeigiot -n '__fish_seen_subcommand_from replay' -l step -x -d 'Length of a row of the timeline; chosen for about 40 rows if not given'
@@ -65,6 +66,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from report' -s h -l help -d 'Pr
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -s o -l output -r -F -d 'Where the page goes, "-" for standard output'
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -l offset -r -F -d 'Add so many seconds to all times of an input'
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -l scope -x -d 'Judge this span, too, in seconds since the start, both ends included; either may be left out'
+complete -c skeigiot -n '__fish_seen_subcommand_from report' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -l format -x -a 'livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl' -d 'Format of the recording, found out if not given'
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -l fps -x -d 'Frames per second, instead of the time stamps of the file'
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -l mirrored -d 'The video is a mirror image: exchange left and right'
@@ -86,12 +88,14 @@ complete -c skeigiot -n '__fish_seen_subcommand_from report' -l boundary-excited
 
 complete -c skeigiot -n '__fish_seen_subcommand_from stream' -s h -l help -d 'Print this help message and exit'
 complete -c skeigiot -n '__fish_seen_subcommand_from stream' -l times -x -a 'arrival lines' -d 'What the clock shows during a line: the time of its arrival (default), or its own member time, which it then must have'
+complete -c skeigiot -n '__fish_seen_subcommand_from stream' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from types' -s h -l help -d 'Print this help message and exit'
 complete -c skeigiot -n '__fish_seen_subcommand_from types' -l json -d 'As JSON'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from watch' -s h -l help -d 'Print this help message and exit'
 complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l times -x -a 'arrival lines' -d 'What the clock shows during a line: the time of its arrival (default), or its own member time, which it then must have'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -F
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -s h -l help -d 'Print this help message and exit'
@@ -102,6 +106,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from why' -l from -x -d 'Explain
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l to -x -d 'Explain all updates up to that time (default: to the end)'
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l all -d 'Show every force in a row of its own, and the unsmoothed valence'
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l json -d 'As JSON, with every force of the update'
+complete -c skeigiot -n '__fish_seen_subcommand_from why' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l format -x -a 'livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl' -d 'Format of the recording, found out if not given'
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l fps -x -d 'Frames per second, instead of the time stamps of the file'
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -l mirrored -d 'The video is a mirror image: exchange left and right'
