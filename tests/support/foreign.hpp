@@ -13,6 +13,6 @@
 #error "A public header includes a terminal."
 #endif
 
-#if defined(ZLIB_H) || defined(SQLITE3_H) || defined(_FASTCDR_CDR_H_)
+#if defined(ZLIB_H) || defined(SQLITE3_H) || defined(_FASTCDR_CDR_H_) || defined(HEADER_PUGIXML_HPP)
 #error "A public header includes a library for files."
 #endif

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <skeigiot/api.hpp>
+#include <skeigiot/recordings/labelspan.hpp>
+#include <skeigiot/recordings/labeltrack.hpp>
+
+#include <string>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// The contents of a file of labels, which people gave to a recording.
+struct SKEIGIOT_API Labels
+{
+  std::string format;                 ///< one of labelFormats()
+  std::vector<LabelSpan> spans;       ///< in the order of the file
+  std::vector<LabelTrack> tracks;     ///< in the order in which they begin in the file
+  std::vector<std::string> warnings;  ///< on what was left out
+};
+
+/// Returns the names of the formats that readLabels() reads, in the order of detection:
+///
+/// - "elan": ELAN .eaf. The participant of a tier is the person, its annotator the coder. Times that are missing are
+///   interpolated. Annotations that refer to another take its time, and share it evenly if there are several in a tier.
+/// - "praat": Praat TextGrid, long or short text. Intervals without text are no labels.
+/// - "boris": events of BORIS, CSV or TSV, aggregated or tabular. The subject is the person, the behaviour the label.
+/// - "csv": a table with the columns start, end and value (or label), or time with value, valence or attention; with
+///   person, coder and tier where there are several. Between commas, semicolons or tabs.
+/// - "audacity": label track of Audacity.
+///
+/// All may be UTF-8 or, with a byte order mark, UTF-16; and compressed by gzip.
+SKEIGIOT_API const std::vector<std::string>& labelFormats();
+
+/// Reads a file of labels, whose format is found from its contents.
+///
+/// \throws Error that names file, line and field if the file cannot be read, no format fits, or something in it is
+/// wrong.
+SKEIGIOT_API Labels readLabels(const std::string& path);
+
+}  // namespace KV::recordings

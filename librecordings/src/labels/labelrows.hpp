@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace KV::recordings
+{
+
+/// A row of delimited text.
+struct LabelRow
+{
+  std::size_t line = 0;  ///< where it begins, from 1
+  std::vector<std::string> fields;
+
+  /// Returns the field, or nothing for one behind the end of the row, or a column that is not there.
+  std::string_view field(const std::optional<std::size_t>& column) const
+  {
+    return column && *column < fields.size() ? std::string_view(fields[*column]) : std::string_view();
+  }
+};
+
+/// Splits the text into rows, at most so many; lines without text are no rows. Fields have no blanks around them. One
+/// in quotes may hold delimiters and line breaks, and a doubled quote stands for one.
+///
+/// \throws Error if a quote is not closed.
+std::vector<LabelRow> labelRows(std::string_view text, const std::string& path, char delimiter,
+                                std::size_t most = static_cast<std::size_t>(-1));
+
+/// The columns of a table by their names, in any case.
+class LabelColumns
+{
+public:
+  explicit LabelColumns(const std::vector<std::string>& names);
+
+  std::optional<std::size_t> find(const std::string& name) const;
+  bool has(const std::string& name) const { return find(name).has_value(); }
+
+private:
+  std::map<std::string, std::size_t> _indices;
+};
+
+/// Returns the text with small letters for those of ASCII.
+std::string smallLetters(std::string_view text);
+
+}  // namespace KV::recordings
