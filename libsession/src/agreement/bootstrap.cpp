@@ -1,0 +1,44 @@
+#include "agreement/bootstrap.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace KV::session
+{
+
+namespace
+{
+
+constexpr double lowerShare = 0.025;
+
+double percentile(const std::vector<double>& sorted, double share)
+{
+  const double place = share * static_cast<double>(sorted.size() - 1);
+  const auto below = static_cast<std::size_t>(std::floor(place));
+  const std::size_t above = std::min(below + 1, sorted.size() - 1);
+  return sorted[below] + (place - static_cast<double>(below)) * (sorted[above] - sorted[below]);
+}
+
+}  // namespace
+
+boost::optional<std::pair<double, double>> Bootstrap::interval(std::vector<double> values)
+{
+  if (values.empty())
+    return boost::none;
+  std::sort(values.begin(), values.end());
+  return std::make_pair(percentile(values, lowerShare), percentile(values, 1. - lowerShare));
+}
+
+/// Numbers behind the greatest multiple of the count are drawn again, so that all units are as likely.
+std::size_t Bootstrap::_below(std::size_t count, std::mt19937_64& generator)
+{
+  const std::uint64_t wide = count;
+  const std::uint64_t excess = (std::numeric_limits<std::uint64_t>::max() % wide + 1) % wide;
+  std::uint64_t drawn = generator();
+  while (drawn > std::numeric_limits<std::uint64_t>::max() - excess)
+    drawn = generator();
+  return static_cast<std::size_t>(drawn % wide);
+}
+
+}  // namespace KV::session

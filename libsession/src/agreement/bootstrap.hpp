@@ -1,0 +1,48 @@
+#pragma once
+
+#include <boost/optional/optional.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace KV::session
+{
+
+/// Draws samples of units with replacement. The same seed draws the same on every machine: the generator's bits are
+/// fixed by the standard, and the distribution is our own.
+class Bootstrap
+{
+public:
+  Bootstrap(std::uint64_t seed, std::size_t resamples) : _seed(seed), _resamples(resamples) {}
+
+  /// Calls `take(sum)` for each resample, with the sum of as many units as there are, drawn with replacement.
+  template <typename Unit, typename Take>
+  void resample(const std::vector<Unit>& units, const Unit& nothing, Take&& take) const
+  {
+    std::mt19937_64 generator(_seed);
+    for (std::size_t i = 0; i < _resamples; ++i)
+    {
+      Unit sum = nothing;
+      for (std::size_t drawn = 0; drawn < units.size(); ++drawn)
+        sum.add(units[_below(units.size(), generator)]);
+      take(sum);
+    }
+  }
+
+  /// Returns the ends of the interval that holds the middle 95 % of the values; nothing if there are none.
+  ///
+  /// Percentiles, interpolated linearly between values (B. Efron, R. J. Tibshirani, An Introduction to the Bootstrap,
+  /// 1993, chapter 13).
+  static boost::optional<std::pair<double, double>> interval(std::vector<double> values);
+
+private:
+  static std::size_t _below(std::size_t count, std::mt19937_64& generator);
+
+  std::uint64_t _seed;
+  std::size_t _resamples;
+};
+
+}  // namespace KV::session
