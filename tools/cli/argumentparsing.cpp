@@ -1,6 +1,8 @@
 #include "cli/argumentparsing.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <stdexcept>
 
 namespace KV::tools
 {
@@ -58,6 +60,24 @@ CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::st
     set(number);
   };
   return command.add_option_function<std::string>(name, take, help)->type_name(unit);
+}
+
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                      const std::function<void(const std::string&)>& parse)
+{
+  const auto take = [=](const std::vector<std::string>& texts) {
+    try
+    {
+      std::for_each(texts.begin(), texts.end(), parse);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError(name, error.what());
+    }
+  };
+  return command.add_option_function<std::vector<std::string>>(name, take, help)
+      ->type_name(type)
+      ->allow_extra_args(false);
 }
 
 }  // namespace KV::tools

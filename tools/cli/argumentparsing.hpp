@@ -38,6 +38,10 @@ CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::st
                        const std::string& wanted, const std::function<bool(double)>& isGood,
                        const std::function<void(double)>& set);
 
+/// Adds an option that may be given several times; a std::invalid_argument that `parse` throws refuses it.
+CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                      const std::function<void(const std::string&)>& parse);
+
 /// Returns the words that the option takes; none if it takes any text.
 std::vector<std::string> choicesOf(CLI::Option& option);
 

@@ -16,25 +16,6 @@ namespace KV::tools
 namespace
 {
 
-/// Adds an option that may be given several times; what `parse` throws refuses it.
-CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
-                      const std::function<void(const std::string&)>& parse)
-{
-  const auto take = [=](const std::vector<std::string>& texts) {
-    try
-    {
-      std::for_each(texts.begin(), texts.end(), parse);
-    }
-    catch (const std::invalid_argument& error)
-    {
-      throw CLI::ValidationError(name, error.what());
-    }
-  };
-  return command.add_option_function<std::vector<std::string>>(name, take, help)
-      ->type_name(type)
-      ->allow_extra_args(false);
-}
-
 /// Says which option the message is about, or helps.
 std::string withOptions(const session::PlanError& error)
 {

@@ -1,5 +1,6 @@
 #include "commands/commandline.hpp"
 
+#include "commands/agree.hpp"
 #include "commands/inspect.hpp"
 #include "commands/replay.hpp"
 #include "commands/report.hpp"
@@ -19,6 +20,7 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   app->set_version_flag("--version", "skeigiot " SKEIGIOT_VERSION, "Print the version and exit");
   app->get_formatter()->column_width(optionColumnWidth);
   app->require_subcommand(1);
+  addAgreeCommand(*app, status);
   addReplayCommand(*app, status);
   addInspectCommand(*app, status);
   addReportCommand(*app, status);

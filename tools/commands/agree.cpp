@@ -1,0 +1,228 @@
+#include "commands/agree.hpp"
+
+#include "cli/argumentparsing.hpp"
+#include "cli/interruption.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
+#include "terminal/agreementtext.hpp"
+#include "terminal/terminal.hpp"
+
+#include <skeigiot/recordings/labels.hpp>
+#include <skeigiot/recordings/quote.hpp>
+#include <skeigiot/session/agreementrecorder.hpp>
+#include <skeigiot/session/outputstream.hpp>
+#include <skeigiot/session/player.hpp>
+#include <skeigiot/session/replacedfile.hpp>
+#include <skeigiot/session/sessionplan.hpp>
+
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace KV::tools
+{
+
+namespace
+{
+
+const char* const description = "Compares the estimate with labels that people gave to the recording";
+
+const char* const footer =
+    R"(Files of labels: ELAN .eaf, Praat TextGrid, events of BORIS (CSV, TSV), label tracks of Audacity, and CSV with the
+columns start, end, value (a label) or time, value (a number), and person, coder and tier where there are several. Times are
+in seconds since the start of the recording. The coder is who the file names, or else the name of the file.
+
+A label says a state: negative, neutral, positive; engaged, not-engaged; or the name of a zone, such as LookingAtRobot. Other
+labels need --label. Time without a label is left out, unless --unlabelled says what it means.
+
+Compared are all times of the estimate: an update holds until the next one, for a second at most. For states: Cohen's kappa,
+accuracy, F1 of each, and the confusion table. For values: Lin's concordance correlation (ccc), Pearson's correlation, and
+the root of the mean squared error. Each at the times of the labels, and at the delay at which both agree best: positive if
+the labels come later than the estimate. With two coders, also their agreement with each other, which is the most that an
+estimate can reach.
+
+Intervals hold 95 % of 1000 resamples: of persons if there are 5, else of blocks of 10 s. The seed is fixed.
+
+Exit status: 0 if something was compared, 2 if the recording, the labels or the command line cannot be used.
+
+Examples:
+  skeigiot agree face.csv --labels anna.eaf --label "smiling=positive" --unlabelled neutral
+  skeigiot agree face.csv --labels anna.csv --labels ben.csv --value valence --scale 1..9 --json)";
+
+constexpr double greatestTime = 4e9;   // [s]
+constexpr double greatestDelay = 60.;  // [s]
+
+/// Everything that the command line can say.
+struct Arguments
+{
+  session::SessionArguments session;
+  ReadingArguments reading;
+  std::vector<std::string> labels;
+  session::AgreementOptions agreement;
+  std::string csv;
+  bool json = false;
+};
+
+void addMeaningOptions(CLI::App& command, session::AgreementOptions& agreement)
+{
+  const std::string group = "What labels mean";
+  addTexts(command, "--label", "A label that means a state. May be given several times", "LABEL=STATE",
+           [&agreement](const std::string& text) { agreement.mapping.add(text); })
+      ->group(group);
+  addTexts(command, "--unlabelled",
+           "State that time without a label counts as. May be given for pleasure,\n"
+           "engagement and zones",
+           "STATE", [&agreement](const std::string& text) { agreement.mapping.setUnlabelled(text); })
+      ->group(group);
+  addChoice<std::string>(command, "--value",
+                         "What values are whose column does not say it, and labels that are\nnumbers", "QUANTITY",
+                         {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
+      ->group(group);
+  addTexts(command, "--scale",
+           "Values that stand for the least and the greatest of the estimate\n(-1..1 for valence, "
+           "0..1 for attention)",
+           "FROM..TO", [&agreement](const std::string& text) { agreement.scale = session::parseLabelScale(text); })
+      ->group(group);
+  addTexts(command, "--person",
+           "Number of the person that labels, or their tier, call NAME; a number\nalone is for labels "
+           "that name nobody. May be given several times",
+           "[NAME=]ID", [&agreement](const std::string& text) { session::parseLabelPerson(text, agreement.persons); })
+      ->group(group);
+  addTexts(command, "--tier", "Use only labels of this tier (of BORIS: observation). May be given\nseveral times",
+           "NAME", [&agreement](const std::string& text) { agreement.tiers.insert(text); })
+      ->group(group);
+  addNumber(
+      command, "--labels-offset", "Add so many seconds to all times of labels", "SECONDS", "seconds",
+      [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
+      [&agreement](double seconds) { agreement.offset = seconds; })
+      ->group(group);
+  addNumber(
+      command, "--max-delay", "Try delays up to so many seconds, in both directions (5)", "SECONDS",
+      "a number from 0 to 60", [](double seconds) { return seconds >= 0. && seconds <= greatestDelay; },
+      [&agreement](double seconds) { agreement.maximalDelay = seconds; })
+      ->group(group);
+}
+
+void addOptions(CLI::App& command, Arguments& arguments)
+{
+  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session")->required()->type_name("");
+  addTexts(command, "--labels", "File of labels. May be given several times, for several coders", "FILE",
+           [&arguments](const std::string& text) { arguments.labels.push_back(text); })
+      ->required();
+  addOffsetOption(command, arguments.session.offsets);
+  command.add_flag("--json", arguments.json, "As JSON");
+  command
+      .add_option("--csv", arguments.csv,
+                  "Write all measures and tables to a file, one number in each row; \"-\" is "
+                  "standard\noutput, instead of text")
+      ->type_name("FILE");
+  addMeaningOptions(command, arguments.agreement);
+  addReadingOptions(command, arguments.reading);
+  addBoundaryOptions(command);
+}
+
+/// \throws Error, CLI::ValidationError if there is not exactly one.
+session::SessionInputs onlySession(session::SessionArguments arguments, const std::string& format)
+{
+  arguments.format = format;
+  const session::SessionPlan plan = planNamedSessions(arguments);
+  if (plan.sessions.size() > 1)
+    throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
+  return plan.sessions.front();
+}
+
+std::vector<recordings::Labels> readAll(const std::vector<std::string>& paths, Messages& messages)
+{
+  std::vector<recordings::Labels> all;
+  for (const std::string& path : paths)
+  {
+    all.push_back(recordings::readLabels(path));
+    for (const std::string& warning : all.back().warnings)
+      messages.note("warning: " + path + ": " + warning);
+  }
+  return all;
+}
+
+/// \throws Error if the recording cannot be read to its end.
+void play(const Arguments& arguments, const session::SessionInputs& inputs, session::AgreementRecorder& recorder,
+          Messages& messages)
+{
+  session::PlayerOptions options;
+  options.skipBad = arguments.reading.skipBad;
+  const session::Player player(options, [](const session::Progress&) {
+    Interruption::check();
+    return true;
+  });
+  const session::Outcome outcome =
+      player.play([&] { return session::openSession(inputs, openerOf(arguments.reading)); }, {&recorder});
+  for (const std::string& text : outcome.warningLines())
+    messages.note("warning: " + text);
+  if (outcome.badLines > 0)
+    messages.note(inputs.name() + ": " + outcome.skippedText());
+  if (outcome.error)
+    throw recordings::Error(*outcome.error);
+}
+
+void write(const Arguments& arguments, const session::Agreement& agreement)
+{
+  if (!arguments.csv.empty())
+  {
+    session::ReplacedFile file(arguments.csv);
+    session::writeAsCsv(file.stream(), agreement);
+    file.commit();
+    if (arguments.csv == "-")
+      return;
+  }
+  session::OutputStream output(STDOUT_FILENO, "standard output");
+  if (arguments.json)
+    session::writeAsJson(output, agreement);
+  else
+    output << agreementText(agreement, Style(useColors(ColorChoice::Auto, STDOUT_FILENO)));
+  output.flush();
+}
+
+ExitStatus run(const Arguments& arguments)
+{
+  if (arguments.json && arguments.csv == "-")
+    throw CLI::ValidationError("--json", "and --csv - both write to standard output: give one of both");
+  Messages messages(std::cerr, false);
+  try
+  {
+    const session::SessionInputs inputs = onlySession(arguments.session, arguments.reading.format);
+    const std::vector<recordings::Labels> labels = readAll(arguments.labels, messages);
+    session::AgreementRecorder recorder;
+    play(arguments, inputs, recorder, messages);
+    const session::Agreement agreement = recorder.compare(labels, arguments.agreement);
+    for (const std::string& warning : agreement.warnings)
+      messages.note("warning: " + warning);
+    write(arguments, agreement);
+    return Success;
+  }
+  catch (const recordings::Error& error)
+  {
+    messages.error(error.what());
+  }
+  catch (const std::invalid_argument& error)
+  {
+    messages.error(error.what());
+  }
+  return BadInput;
+}
+
+}  // namespace
+
+void addAgreeCommand(CLI::App& app, ExitStatus& status)
+{
+  const auto arguments = std::make_shared<Arguments>();
+  CLI::App& command = *app.add_subcommand("agree", description);
+  addOptions(command, *arguments);
+  command.footer(footer);
+  command.callback([arguments, &status] { status = run(*arguments); });
+}
+
+}  // namespace KV::tools
