@@ -14,6 +14,7 @@ each with the text that the C++ exception has; ``TypeError`` for an argument of 
 from . import _built  # isort: skip  # first: its error names the right Python version
 
 from . import classification, ko
+from ._agree import Agreement, agree
 from ._boundaries import restoredBoundaries
 from ._replay import replay, replay_all
 from ._result import Columns, PersonVerdict, RecordingError, RecordingWarning, Replay, ScopeVerdict
@@ -63,6 +64,7 @@ from ._skeigiot import (
 from .ko import AttentionState, ClockSource, ManualClock, ScopedClockSource, SystemClock
 
 __all__ = [
+    "Agreement",
     "AmbianceDescription",
     "AmbianceState",
     "AttentionState",
@@ -111,6 +113,7 @@ __all__ = [
     "ZoneChange",
     "ZoneEvidence",
     "__version__",
+    "agree",
     "attentionZonesStringMapping",
     "classification",
     "greatestReading",

@@ -25,13 +25,11 @@ _OPTION_OF_BOUNDARY = {option[len("boundary-"):].replace("-", "_"): option for o
 
 
 @dataclass(frozen=True, eq=False, kw_only=True)
-class Settings:
-    """The keyword arguments that replay() and replay_all() share; replay() says what they mean."""
+class ReadingSettings:
+    """The keyword arguments that say how recordings are read and estimated; replay() says what they mean."""
 
     format: Optional[str] = None
-    explain: bool = False
     cycle: Union[float, str] = 10.0
-    scopes: Optional[Mapping[str, Span]] = None
     skip_bad: bool = False
     person_from: Optional[str] = None
     mapping: Optional[Path] = None
@@ -53,9 +51,9 @@ class Settings:
         self._expect_ranges()
         return {
             "format": self.format or "",
-            "explain": bool(self.explain),
+            "explain": False,
             "cycle": self.cycle,
-            "scopes": [_scope(name, span) for name, span in (self.scopes or {}).items()],
+            "scopes": [],
             "skip_bad": bool(self.skip_bad),
             "person_from": self.person_from or "",
             "mapping": b"" if self.mapping is None else existing(self.mapping),
@@ -80,6 +78,18 @@ class Settings:
             _expect("camera_height", height, bool(np.isfinite(height)), "a number")
         _expect("min_confidence", self.min_confidence, 0 <= self.min_confidence <= 1, "a number from 0 to 1")
         _expect("au_full_scale", scale, scale > 0 and np.isfinite(scale), "a number above 0")
+
+
+@dataclass(frozen=True, eq=False, kw_only=True)
+class Settings(ReadingSettings):
+    """The keyword arguments that replay() and replay_all() share; replay() says what they mean."""
+
+    explain: bool = False
+    scopes: Optional[Mapping[str, Span]] = None
+
+    def packed(self) -> Dict[str, Any]:
+        scopes = [_scope(name, span) for name, span in (self.scopes or {}).items()]
+        return {**super().packed(), "explain": bool(self.explain), "scopes": scopes}
 
 
 def existing(path: Any) -> bytes:

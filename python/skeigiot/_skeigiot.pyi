@@ -605,6 +605,9 @@ class ScopedForceObserver:
 _formats: tuple[str, ...]
 _boundaries: tuple[str, ...]
 
+def _agree(
+    inputs: list[Any], labels: list[bytes], options: dict[str, Any], comparison: dict[str, Any]
+) -> tuple[str, list[str]]: ...
 def _replay(inputs: list[Any], options: dict[str, Any]) -> dict[str, Any]: ...
 def _replayAll(
     paths: list[bytes], jobs: int, options: dict[str, Any]

@@ -4,6 +4,8 @@
 #include "silencedlog.hpp"
 #include "unlocked.hpp"
 
+#include <skeigiot/recordings/labels.hpp>
+#include <skeigiot/session/agreementrecorder.hpp>
 #include <skeigiot/session/boundary.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
 
@@ -19,6 +21,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -271,8 +274,9 @@ Boundaries boundariesFrom(const py::dict& options)
   return options["boundaries"].cast<Boundaries>();
 }
 
-/// Replays what the list names, the inputs of one session: each a frame or a path, with its offset in nanoseconds.
-py::dict replayOne(const py::list& inputs, const py::dict& options)
+/// As above, with what the list names, the inputs of one session: each a frame or a path, with its offset in
+/// nanoseconds.
+ReplayRequest requestFrom(const py::list& inputs, const py::dict& options)
 {
   ReplayRequest request = requestFrom(options);
   for (const py::handle item : inputs)
@@ -288,6 +292,13 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
     request.session.inputs.push_back({frame.name, offset});
     request.frames.emplace(frame.name, std::move(frame));
   }
+  return request;
+}
+
+/// Replays one session.
+py::dict replayOne(const py::list& inputs, const py::dict& options)
+{
+  const ReplayRequest request = requestFrom(inputs, options);
   const Boundaries boundaries = boundariesFrom(options);
   SignalCheck check;
   ReplayOutcome outcome = unlocked([&] {
@@ -297,6 +308,55 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
     return played;
   });
   return dictOf(outcome);
+}
+
+KV::session::AgreementOptions comparisonFrom(const py::dict& source)
+{
+  KV::session::AgreementOptions options;
+  for (const auto& [label, state] : source["meanings"].cast<std::map<std::string, std::string>>())
+    options.mapping.add(label + "=" + state);
+  for (const std::string& state : source["unlabelled"].cast<std::vector<std::string>>())
+    options.mapping.setUnlabelled(state);
+  options.valueQuantity = source["value"].cast<std::string>();
+  if (!source["scale"].is_none())
+    options.scale = source["scale"].cast<std::pair<double, double>>();
+  options.persons = source["persons"].cast<std::map<std::string, std::int32_t>>();
+  for (const std::string& tier : source["tiers"].cast<std::vector<std::string>>())
+    options.tiers.insert(tier);
+  options.offset = source["offset"].cast<double>();
+  options.maximalDelay = source["max_delay"].cast<double>();
+  return options;
+}
+
+/// Plays one session and compares it with the labels of files; returns the agreement as JSON, and warnings.
+py::tuple agreeOne(const py::list& inputs, const std::vector<std::string>& labels, const py::dict& options,
+                   const py::dict& comparison)
+{
+  const ReplayRequest request = requestFrom(inputs, options);
+  const Boundaries boundaries = boundariesFrom(options);
+  const KV::session::AgreementOptions comparing = comparisonFrom(comparison);
+  std::vector<std::string> warnings;
+  SignalCheck check;
+  const std::string json = unlocked([&] {
+    std::vector<KV::recordings::Labels> read;
+    for (const std::string& path : labels)
+    {
+      read.push_back(KV::recordings::readLabels(path));
+      for (const std::string& warning : read.back().warnings)
+        warnings.push_back(path + ": " + warning);
+    }
+    const SetBoundaries set(boundaries);
+    KV::session::AgreementRecorder recorder;
+    ReplayOutcome played = play(request, {&recorder}, std::ref(check));
+    SignalCheck::runHandlers();  // a signal may be why it ended
+    if (played.error)
+      throw KV::recordings::Error(*played.error);
+    warnings.insert(warnings.end(), played.warnings.begin(), played.warnings.end());
+    std::ostringstream text;
+    KV::session::writeAsJson(text, recorder.compare(read, comparing));
+    return text.str();
+  });
+  return py::make_tuple(json, textsOf(warnings));
 }
 
 /// Each on a thread of its own, `jobs` at a time.
@@ -368,6 +428,7 @@ void bindReplay(py::module_& module)
   for (const KV::session::Boundary& boundary : KV::session::boundaries())
     boundaries.append(boundary.option);
   module.attr("_boundaries") = py::tuple(boundaries);
+  module.def("_agree", &agreeOne, py::arg("inputs"), py::arg("labels"), py::arg("options"), py::arg("comparison"));
   module.def("_replay", &replayOne, py::arg("inputs"), py::arg("options"));
   module.def("_replayAll", &replayAll, py::arg("paths"), py::arg("jobs"), py::arg("options"));
 }

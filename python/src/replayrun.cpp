@@ -56,17 +56,17 @@ KV::session::PlayerOptions optionsOf(const ReplayRequest& request)
 
 }  // namespace
 
-ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check)
+ReplayOutcome play(const ReplayRequest& request, const std::vector<KV::session::SessionObserver*>& observers,
+                   const std::function<void()>& check)
 {
   ReplayOutcome result;
   result.name = request.session.name();
-  ReplayRecord record(request.number, request.explain, result.tables);
   const SilencedLog silenced;
   const KV::session::Player player(optionsOf(request), [&check](const KV::session::Progress&) {
     check();
     return true;
   });
-  KV::session::Outcome outcome = player.play([&request] { return open(request); }, {&record});
+  KV::session::Outcome outcome = player.play([&request] { return open(request); }, observers);
 
   result.length = outcome.length;
   result.description = std::move(outcome.description);
@@ -80,6 +80,15 @@ ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& 
   if (!outcome.leftOut.empty())
     result.warnings.push_back(outcome.leftOut);
   add(result.warnings, std::move(outcome.libraryWarnings));
+  return result;
+}
+
+ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check)
+{
+  ReplayTables tables;
+  ReplayRecord record(request.number, request.explain, tables);
+  ReplayOutcome result = play(request, {&record}, check);
+  result.tables = std::move(tables);
   return result;
 }
 

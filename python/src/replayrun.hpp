@@ -5,6 +5,7 @@
 #include <skeigiot/recordings/table.hpp>
 #include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/scopespan.hpp>
+#include <skeigiot/session/sessionobserver.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
 #include <boost/optional/optional.hpp>
@@ -44,6 +45,12 @@ struct ReplayOutcome
   boost::optional<KV::recordings::Error> error;  ///< what ended the recording before its end
   std::string hint;                              ///< goes on behind its message: which keyword helps
 };
+
+/// Plays one session for these observers, without the interpreter lock; the tables stay empty.
+///
+/// \param check called for each step; what it throws ends the playing
+ReplayOutcome play(const ReplayRequest& request, const std::vector<KV::session::SessionObserver*>& observers,
+                   const std::function<void()>& check);
 
 /// Replays one session as the command does, without the interpreter lock.
 ///

@@ -4,10 +4,8 @@
 
 #include <skeigiot/session/boundary.hpp>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <functional>
 #include <stdexcept>
 
 namespace KV::tools
