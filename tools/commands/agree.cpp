@@ -11,6 +11,7 @@
 #include <skeigiot/recordings/labels.hpp>
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
+#include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/outputstream.hpp>
 #include <skeigiot/session/player.hpp>
 #include <skeigiot/session/replacedfile.hpp>
@@ -63,6 +64,7 @@ struct Arguments
   session::SessionArguments session;
   ReadingArguments reading;
   std::vector<std::string> labels;
+  session::Cycle cycle;
   session::AgreementOptions agreement;
   std::string csv;
   bool json = false;
@@ -122,6 +124,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
                   "standard\noutput, instead of text")
       ->type_name("FILE");
   addMeaningOptions(command, arguments.agreement);
+  addCycleOption(command, arguments.cycle);
   addReadingOptions(command, arguments.reading);
   addBoundaryOptions(command);
 }
@@ -154,6 +157,7 @@ void play(const Arguments& arguments, const session::SessionInputs& inputs, sess
 {
   session::PlayerOptions options;
   options.skipBad = arguments.reading.skipBad;
+  options.cycle = arguments.cycle;
   const session::Player player(options, [](const session::Progress&) {
     Interruption::check();
     return true;
@@ -205,7 +209,7 @@ ExitStatus run(const Arguments& arguments)
   }
   catch (const recordings::Error& error)
   {
-    messages.error(error.what());
+    messages.error(messageOf(error));
   }
   catch (const std::invalid_argument& error)
   {
