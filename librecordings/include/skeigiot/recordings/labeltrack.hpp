@@ -11,6 +11,7 @@ namespace KV::recordings
 /// Values that a coder gave over time.
 struct SKEIGIOT_API LabelTrack
 {
+  /// One value, at one time.
   struct Sample
   {
     double time = 0.;   ///< [s] since the start of the recording

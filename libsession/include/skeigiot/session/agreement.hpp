@@ -21,8 +21,8 @@ struct SKEIGIOT_API Agreement
 {
   std::vector<AgreementComparison> comparisons;  ///< by quantity, sides, then all persons before each of them
   std::vector<std::string> warnings;             ///< on labels that were left out
-  std::uint64_t seed = 0;
-  std::size_t resamples = 0;
+  std::uint64_t seed = 0;                        ///< see AgreementOptions
+  std::size_t resamples = 0;                     ///< see AgreementOptions
 };
 
 /// Compares labels with the courses of persons, and the labels of each two coders with each other.

@@ -33,7 +33,7 @@ struct SKEIGIOT_API AgreementComparison
   std::string unit;                      ///< what the intervals were drawn from: "persons" or "blocks"
   double blockLength = 0.;               ///< [s] of blocks
   LeftOut leftOut;                       ///< without a delay
-  AgreementAtDelay undelayed;
+  AgreementAtDelay undelayed;            ///< at the times that the labels have
   /// At the delay at which kappa, or the concordance correlation, is greatest; nothing if it is defined at none.
   boost::optional<AgreementAtDelay> best;
 };

@@ -18,7 +18,7 @@ namespace KV::session
 /// How labels are compared with the estimate.
 struct SKEIGIOT_API AgreementOptions
 {
-  LabelMapping mapping;
+  LabelMapping mapping;         ///< which label means which state
   std::set<std::string> tiers;  ///< only labels of these; empty: of all
   /// Number of the person that labels call so; "" is who is meant by labels that name nobody.
   std::map<std::string, std::int32_t> persons = {};

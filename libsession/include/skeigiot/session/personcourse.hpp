@@ -18,16 +18,16 @@ public:
   /// One update, for as long as it holds.
   struct Piece
   {
-    double from = 0.;  ///< [s] since the first step of the recording
-    double to = 0.;    ///< [s]
-    float valence = 0.f;
-    float attention = 0.f;
-    bool seen = false;
-    bool valenceKnown = false;    ///< its confidence is at the boundary or above
-    bool attentionKnown = false;  ///< likewise
-    KV::PleasureState pleasure = KV::PleasureUnknown;
-    ko::human::AttentionState zone = ko::human::AttentionState::Unknown;
-    bool engaged = false;  ///< the attention is at the boundary or above
+    double from = 0.;                                  ///< [s] since the first step of the recording
+    double to = 0.;                                    ///< [s]
+    float valence = 0.f;                               ///< in [-1, 1]
+    float attention = 0.f;                             ///< in [0, 1]
+    bool seen = false;                                 ///< false: the person was not observed
+    bool valenceKnown = false;                         ///< its confidence is at the boundary or above
+    bool attentionKnown = false;                       ///< likewise
+    KV::PleasureState pleasure = KV::PleasureUnknown;  ///< the mood, in a word
+    ko::human::AttentionState zone = ko::human::AttentionState::Unknown;  ///< where the person looks
+    bool engaged = false;                                                 ///< the attention is at the boundary or above
   };
 
   /// Adds an update, which must not be before the last one.
