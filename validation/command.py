@@ -3,8 +3,12 @@
 import csv
 import io
 import subprocess
+from bisect import bisect_right
 from collections import defaultdict
 from typing import NamedTuple
+
+
+ROUNDING = 1e-6  # [s] of times in tables
 
 
 class State(NamedTuple):
@@ -16,6 +20,12 @@ class State(NamedTuple):
     valence_confidence: float
     attention: float
     attention_confidence: float
+
+
+def held(states, number, per_second):
+    """The states that hold at so many times from the first on, so many of them a second: of the last update until then."""
+    times = [state.time for state in states]
+    return [states[bisect_right(times, times[0] + index / per_second + ROUNDING) - 1] for index in range(number)]
 
 
 class Command:
@@ -56,7 +66,7 @@ class Command:
         return self.written(name, text.getvalue())
 
     def _replay(self, recording, *options):
-        arguments = [self._program, "replay", "--quiet", "--cycle", "recorded", recording, *options]
+        arguments = [self._program, "replay", "--quiet", recording, *options]
         result = subprocess.run(list(map(str, arguments)), capture_output=True, encoding="utf-8", check=False)
         if result.returncode:
             raise RuntimeError(f"skeigiot cannot replay {recording}: {result.stderr.strip()}")

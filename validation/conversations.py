@@ -3,6 +3,7 @@
 from typing import NamedTuple
 
 from alternatives import ActionUnits, options
+from command import held
 from measures import correlation, mean, median, share
 from tables import Check, number, numbers, of_hundred, rows_of, table
 
@@ -83,6 +84,7 @@ def _code(row, letter):
 
 
 def _person(conversation, letter, rows, states):
+    states = held(states, len(rows), FRAMES_PER_SECOND)
     return Person(conversation, letter, [_code(row, letter) for row in rows],
                   [float(row[f"{letter}_AU12_r"]) for row in rows],
                   [state.valence for state in states], [state.attention for state in states])

@@ -3,6 +3,7 @@
 from collections import defaultdict
 from typing import NamedTuple
 
+from command import held
 from measures import mean, median
 from tables import Check, number, numbers, rows_of, table
 
@@ -68,7 +69,8 @@ def _attentions(command, name, rows, centre):
     centred = [[f"{angle - centre(column):.3f}" for angle in column] for column in angles]
     path = command.written_table(f"mistakes_{name}.csv", ["frame", *columns],
                                  [[row["frame"], *gaze] for row, *gaze in zip(rows, *centred)])
-    return [state.attention for state in command.states_of_one(path, "--fps", str(FRAMES_PER_SECOND))]
+    states = command.states_of_one(path, "--fps", str(FRAMES_PER_SECOND))
+    return [state.attention for state in held(states, len(rows), FRAMES_PER_SECOND)]
 
 
 def _spans(rows, name, column=None, value=None):

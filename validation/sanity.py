@@ -13,6 +13,7 @@ TABLES_OF_ONE_FACE = {  # with the options that they need
     "openface/pyfeat_OpenFace_Test.csv": ["--fps", "30"],  # its time stamps are 1 ms apart
     "arkit/livelinkface_apfel.csv.gz": [],
 }
+EACH_ROW = ["--cycle", "recorded"]
 TALKING_FACE = "openface/livetalking_au.csv.gz"  # the only one in which AU06_c and AU12_c are present at times
 
 
@@ -50,13 +51,13 @@ def _counts_of_tables(command, data):
     for attributes in rows_of(data / "pyfeat" / "clip_attrs.csv"):
         path = news.path_of(data, attributes["clipN"])
         tables[f"pyfeat/{path.name}"] = (path, [])
-    return [_count(name, _rows_with_a_face(path), command.states(path, *options))
+    return [_count(name, _rows_with_a_face(path), command.states(path, *EACH_ROW, *options))
             for name, (path, options) in tables.items()]
 
 
 def _counts_of_bags(command, data):
     return [_count(f"ros4hri/{name}", sum(face.samples for face in bags.faces(data, name)),
-                   command.states(data / "ros4hri" / f"{name}.db3.gz")) for name in bags.NAMES]
+                   command.states(data / "ros4hri" / f"{name}.db3.gz", *EACH_ROW)) for name in bags.NAMES]
 
 
 def _rows_with_a_face(path):
@@ -76,7 +77,7 @@ def _in_range(state):
 
 def smiling_and_serious(command, data, *options):
     """Mean valence while both action units of a smile are present, and while neither is."""
-    states = command.states_of_one(data / TALKING_FACE, *options)
+    states = command.states_of_one(data / TALKING_FACE, *EACH_ROW, *options)
     return tuple(mean(states[row].valence for row in rows) for rows in _rows_by_presence(data))
 
 
