@@ -33,7 +33,7 @@ _skeigiot()
   done
 
   case "$command $option" in
-    "agree --label" | "agree --unlabelled" | "agree --scale" | "agree --person" | "agree --tier" | "agree --labels-offset" | "agree --max-delay" | "agree --fps" | "agree --camera-height" | "agree --min-confidence" | "agree --au-full-scale" | "agree --person-from" | "agree --boundary-positive" | "agree --boundary-negative" | "agree --boundary-confidence" | "agree --boundary-looking-at-robot" | "agree --boundary-strictly-looking-at-robot" | "agree --boundary-excited")
+    "agree --label" | "agree --unlabelled" | "agree --scale" | "agree --person" | "agree --tier" | "agree --labels-offset" | "agree --max-delay" | "agree --cycle" | "agree --fps" | "agree --look-at" | "agree --rest" | "agree --camera-height" | "agree --min-confidence" | "agree --au-full-scale" | "agree --person-from" | "agree --boundary-positive" | "agree --boundary-negative" | "agree --boundary-confidence" | "agree --boundary-looking-at-robot" | "agree --boundary-strictly-looking-at-robot" | "agree --boundary-excited")
       :
       return
       ;;
@@ -53,7 +53,7 @@ _skeigiot()
       _skeigiot_words "$word" "valence attention"
       return
       ;;
-    "replay --jobs" | "replay --scope" | "replay --step" | "replay --fps" | "replay --camera-height" | "replay --min-confidence" | "replay --au-full-scale" | "replay --person-from" | "replay --boundary-positive" | "replay --boundary-negative" | "replay --boundary-confidence" | "replay --boundary-looking-at-robot" | "replay --boundary-strictly-looking-at-robot" | "replay --boundary-excited")
+    "replay --cycle" | "replay --jobs" | "replay --scope" | "replay --step" | "replay --fps" | "replay --look-at" | "replay --rest" | "replay --camera-height" | "replay --min-confidence" | "replay --au-full-scale" | "replay --person-from" | "replay --boundary-positive" | "replay --boundary-negative" | "replay --boundary-confidence" | "replay --boundary-looking-at-robot" | "replay --boundary-strictly-looking-at-robot" | "replay --boundary-excited")
       :
       return
       ;;
@@ -73,7 +73,7 @@ _skeigiot()
       _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
       return
       ;;
-    "inspect --fps" | "inspect --camera-height" | "inspect --min-confidence" | "inspect --au-full-scale" | "inspect --person-from")
+    "inspect --fps" | "inspect --look-at" | "inspect --rest" | "inspect --camera-height" | "inspect --min-confidence" | "inspect --au-full-scale" | "inspect --person-from")
       :
       return
       ;;
@@ -89,7 +89,7 @@ _skeigiot()
       _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
       return
       ;;
-    "report --scope" | "report --fps" | "report --camera-height" | "report --min-confidence" | "report --au-full-scale" | "report --person-from" | "report --boundary-positive" | "report --boundary-negative" | "report --boundary-confidence" | "report --boundary-looking-at-robot" | "report --boundary-strictly-looking-at-robot" | "report --boundary-excited")
+    "report --scope" | "report --cycle" | "report --fps" | "report --look-at" | "report --rest" | "report --camera-height" | "report --min-confidence" | "report --au-full-scale" | "report --person-from" | "report --boundary-positive" | "report --boundary-negative" | "report --boundary-confidence" | "report --boundary-looking-at-robot" | "report --boundary-strictly-looking-at-robot" | "report --boundary-excited")
       :
       return
       ;;
@@ -105,15 +105,23 @@ _skeigiot()
       _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
       return
       ;;
+    "stream --cycle")
+      :
+      return
+      ;;
     "stream --times")
       _skeigiot_words "$word" "arrival lines"
+      return
+      ;;
+    "watch --cycle")
+      :
       return
       ;;
     "watch --times")
       _skeigiot_words "$word" "arrival lines"
       return
       ;;
-    "why --person" | "why --at" | "why --from" | "why --to" | "why --fps" | "why --camera-height" | "why --min-confidence" | "why --au-full-scale" | "why --person-from")
+    "why --person" | "why --at" | "why --from" | "why --to" | "why --cycle" | "why --fps" | "why --look-at" | "why --rest" | "why --camera-height" | "why --min-confidence" | "why --au-full-scale" | "why --person-from")
       :
       return
       ;;
@@ -139,44 +147,44 @@ _skeigiot()
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --csv --format --fps --frame --help --json --label --labels --labels-offset --mapping --max-delay --min-confidence --mirrored --offset --person --person-from --scale --skip-bad --tier --unlabelled --value -h"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --csv --cycle --format --fps --frame --help --json --label --labels --labels-offset --look-at --mapping --max-delay --min-confidence --mirrored --offset --person --person-from --rest --scale --skip-bad --tier --unlabelled --value -h"
       fi
       ;;
     replay)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --color --csv --explain --format --fps --frame --help --jobs --jsonl --mapping --min-confidence --mirrored --offset --person-from --quiet --report --scope --separately --skip-bad --step --to-jsonl -h -q"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --color --csv --cycle --explain --format --fps --frame --help --jobs --jsonl --look-at --mapping --min-confidence --mirrored --offset --person-from --quiet --report --rest --scope --separately --skip-bad --step --to-jsonl -h -q"
       fi
       ;;
     inspect)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --camera-height --format --fps --frame --help --json --mapping --min-confidence --mirrored --person-from --skip-bad -h"
+        _skeigiot_words "$word" "--au-full-scale --camera-height --format --fps --frame --help --json --look-at --mapping --min-confidence --mirrored --person-from --rest --skip-bad -h"
       fi
       ;;
     report)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --format --fps --frame --help --mapping --min-confidence --mirrored --offset --output --person-from --scope --skip-bad -h -o"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --format --fps --frame --help --look-at --mapping --min-confidence --mirrored --offset --output --person-from --rest --scope --skip-bad -h -o"
       fi
       ;;
     stream)
-      _skeigiot_words "$word" "--help --times -h"
+      _skeigiot_words "$word" "--cycle --help --times -h"
       ;;
     types)
       _skeigiot_words "$word" "--help --json -h"
       ;;
     watch)
-      _skeigiot_words "$word" "--help --times -h"
+      _skeigiot_words "$word" "--cycle --help --times -h"
       ;;
     why)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--all --at --au-full-scale --camera-height --format --fps --frame --from --help --json --mapping --min-confidence --mirrored --offset --person --person-from --skip-bad --to -h"
+        _skeigiot_words "$word" "--all --at --au-full-scale --camera-height --cycle --format --fps --frame --from --help --json --look-at --mapping --min-confidence --mirrored --offset --person --person-from --rest --skip-bad --to -h"
       fi
       ;;
   esac

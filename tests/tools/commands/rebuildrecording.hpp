@@ -38,7 +38,7 @@ inline std::pair<Rebuilt, std::map<std::int32_t, KV::session::Explainer::Updates
       rebuilt.firstDifference = std::to_string(rebuilt.updates) + ": " + difference;
   });
   const std::unique_ptr<KV::recordings::Reader> reader = KV::recordings::openRecording(path, "", {});
-  KV::session::Session session({}, {&explainer});
+  KV::session::Session session({}, {&explainer}, KV::session::Cycle::recorded());
   while (const auto entry = reader->next())
     session.play(*entry);
   return {rebuilt, explainer.persons()};

@@ -231,7 +231,7 @@ TEST_F(CommandTest, NamesTheOptionsThatLetDistantInputsBeReplayed)
 TEST_F(CommandTest, NamesTheOptionForTheRate)
 {
   const std::string path = folder.write("face.csv", "frame,AU12_r\n1,1\n2,1\n");
-  EXPECT_THAT(replay({path}).errors,
+  EXPECT_THAT(replay({path}).output,
               HasSubstr("there are no time stamps: 30 frames/s are assumed; give the rate of the video (--fps) if it "
                         "was another\n"));
 }

@@ -24,7 +24,7 @@ struct SKEIGIOT_API Cycle
   static Cycle recorded() { return Cycle{boost::none}; }
 };
 
-/// Reads "recorded" or a rate [Hz], as of the option "--cycle".
+/// Reads "recorded" or a rate [Hz], as users write it.
 ///
 /// \throws std::invalid_argument "expected recorded or a number of updates a second above 0, up to 1000, found '...'"
 SKEIGIOT_API Cycle parseCycle(const std::string& text);
