@@ -60,8 +60,8 @@ struct FaceAdapterPrivate
 
   /// Return the scores that the table needs, in the order of its names(), each in [0, 1]; NaN is unknown.
   /// @{
-  std::vector<float> scoresOf(const ActionUnits& units, const UnitTable& table) const;
-  static std::vector<float> scoresOf(const Blendshapes& shapes, const ShapeTable& table);
+  std::vector<float> scoresOf(const ActionUnits& told, const UnitTable& table) const;
+  static std::vector<float> scoresOf(const Blendshapes& told, const ShapeTable& table);
   std::vector<float> scoresOf(const EmotionScores& shares) const;
   /// @}
 

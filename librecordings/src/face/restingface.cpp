@@ -71,7 +71,7 @@ void RestingFace::Scores::learnSpan(const std::vector<float>& scores)
     if (std::isnan(scores[i]))
       continue;
     Histogram& histogram = span[i];
-    const auto bin = static_cast<std::size_t>(scores[i] * static_cast<float>(histogram.counts.size() - 1) + 0.5f);
+    const auto bin = static_cast<std::size_t>(std::lround(scores[i] * static_cast<float>(histogram.counts.size() - 1)));
     ++histogram.counts.at(std::min(bin, histogram.counts.size() - 1));
     ++histogram.total;
   }

@@ -67,13 +67,13 @@ std::string names()
   return text;
 }
 
-const Format& formatNamed(const std::string& name, const std::string& path)
+const Format& formatNamed(const std::string& asked, const std::string& recording)
 {
   const auto& formats = recordingFormats();
   const auto found =
-      std::find_if(formats.begin(), formats.end(), [&name](const Format& format) { return format.name == name; });
+      std::find_if(formats.begin(), formats.end(), [&asked](const Format& format) { return format.name == asked; });
   if (found == formats.end())
-    throw Error({path, 0, {}}, "there is no format '" + name + "'; expected one of: " + names());
+    throw Error({recording, 0, {}}, "there is no format '" + asked + "'; expected one of: " + names());
   return *found;
 }
 

@@ -82,7 +82,7 @@ private:
 
   std::string _required(const pugi::xml_node& node, const char* attribute) const
   {
-    const std::string value = node.attribute(attribute).value();
+    std::string value = node.attribute(attribute).value();
     if (value.empty())
       throw Error(_place(node, attribute), "is missing");
     return value;

@@ -47,6 +47,7 @@ const std::vector<std::string>& labelFormats()
 {
   static const std::vector<std::string> names = [] {
     std::vector<std::string> all;
+    all.reserve(formats.size());
     for (const LabelFormat& format : formats)
       all.emplace_back(format.name);
     return all;

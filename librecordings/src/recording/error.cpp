@@ -22,9 +22,8 @@ Error::Error(const Place& place, const std::string& message)
   : std::runtime_error(composed(place, message)), _place(place)
 {}
 
-Error::Error(const Place& place, const std::string& message, const Remedy& remedy) : Error(place, message)
-{
-  _remedy = remedy;
-}
+Error::Error(const Place& place, const std::string& message, const Remedy& remedy)
+  : std::runtime_error(composed(place, message)), _place(place), _remedy(remedy)
+{}
 
 }  // namespace KV::recordings

@@ -67,6 +67,16 @@ private:
   int _between;
 };
 
+/// The side of the estimate; `estimated` makes the course of a quantity of that of a person.
+template <typename Quantity, typename Estimated>
+Side estimatedSide(const std::map<std::int32_t, PersonCourse>& courses, const Quantity& quantity, Estimated estimated)
+{
+  Side side{estimateName, {}, NoLabel};
+  for (const auto& [person, course] : courses)
+    side.courses[person] = estimated(course, quantity);
+  return side;
+}
+
 std::string joined(const std::vector<std::string>& texts)
 {
   std::string all;
@@ -93,12 +103,10 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
   agreement.warnings = coded.warnings;
   for (const auto& [quantity, coders] : coded.classes)
   {
-    Side estimate{estimateName, {}, NoLabel};
-    for (const auto& [person, course] : courses)
-      estimate.courses[person] = estimatedClasses(course, quantity);
     const LabelQuantity& found = labelQuantities().at(quantity);
     const boost::optional<std::size_t> unlabelled = options.mapping.unlabelled(quantity);
-    QuantityComparison(std::move(estimate), coders, unlabelled ? static_cast<int>(*unlabelled) : int{NoLabel})
+    QuantityComparison(estimatedSide(courses, quantity, estimatedClasses), coders,
+                       unlabelled ? static_cast<int>(*unlabelled) : int{NoLabel})
         .run(
             [&found = found, &options](const Side& first, const Side& second) {
               return SideComparison<ClassMeasures>(ClassMeasures(found.classes), found.name, first, second, options)
@@ -108,10 +116,7 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
   }
   for (const auto& [quantity, coders] : coded.values)
   {
-    Side estimate{estimateName, {}, NoLabel};
-    for (const auto& [person, course] : courses)
-      estimate.courses[person] = estimatedValues(course, quantity);
-    QuantityComparison(std::move(estimate), coders, NoLabel)
+    QuantityComparison(estimatedSide(courses, quantity, estimatedValues), coders, NoLabel)
         .run(
             [&quantity = quantity, &options](const Side& first, const Side& second) {
               return SideComparison<TrackMeasures>(TrackMeasures(), quantity, first, second, options).run();

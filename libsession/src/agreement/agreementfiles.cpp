@@ -85,11 +85,12 @@ std::string field(const std::string& text)
 class CsvRows
 {
 public:
-  CsvRows(std::ostream& stream, const AgreementComparison& comparison) : _stream(stream), _comparison(comparison)
-  {
-    _begin = comparison.quantity + "," + field(comparison.first) + "," + field(comparison.second) + "," +
-             (comparison.person ? std::to_string(*comparison.person) : "all");
-  }
+  CsvRows(std::ostream& stream, const AgreementComparison& comparison)
+    : _stream(stream),
+      _comparison(comparison),
+      _begin(comparison.quantity + "," + field(comparison.first) + "," + field(comparison.second) + "," +
+             (comparison.person ? std::to_string(*comparison.person) : "all"))
+  {}
 
   void write()
   {

@@ -41,10 +41,10 @@ public:
   /// \throws std::invalid_argument if it is not that, there is no such state, or the label is mapped already.
   void add(const std::string& text);
 
-  /// Takes "STATE": time without a label counts as that state, for its quantity.
+  /// Takes the name of a state: time without a label counts as that state, for its quantity.
   ///
   /// \throws std::invalid_argument if there is no such state, or the quantity has another one already.
-  void setUnlabelled(const std::string& state);
+  void setUnlabelled(const std::string& name);
 
   /// Returns what the label means; nothing if nobody said.
   boost::optional<LabelState> stateOf(const std::string& label) const;
