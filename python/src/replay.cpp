@@ -314,7 +314,7 @@ KV::session::AgreementOptions comparisonFrom(const py::dict& source)
 {
   KV::session::AgreementOptions options;
   for (const auto& [label, state] : source["meanings"].cast<std::map<std::string, std::string>>())
-    options.mapping.add(label + "=" + state);
+    options.mapping.add(std::string(label).append("=").append(state));
   for (const std::string& state : source["unlabelled"].cast<std::vector<std::string>>())
     options.mapping.setUnlabelled(state);
   options.valueQuantity = source["value"].cast<std::string>();
@@ -343,7 +343,7 @@ py::tuple agreeOne(const py::list& inputs, const std::vector<std::string>& label
     {
       read.push_back(KV::recordings::readLabels(path));
       for (const std::string& warning : read.back().warnings)
-        warnings.push_back(path + ": " + warning);
+        warnings.push_back(std::string(path).append(": ").append(warning));
     }
     const SetBoundaries set(boundaries);
     KV::session::AgreementRecorder recorder;

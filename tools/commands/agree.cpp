@@ -146,7 +146,7 @@ std::vector<recordings::Labels> readAll(const std::vector<std::string>& paths, M
   {
     all.push_back(recordings::readLabels(path));
     for (const std::string& warning : all.back().warnings)
-      messages.note("warning: " + path + ": " + warning);
+      messages.note(std::string("warning: ").append(path).append(": ").append(warning));
   }
   return all;
 }

@@ -58,7 +58,7 @@ private:
   void _updatePerson(const recordings::Step& step);
   void _setTime(TimePoint time);
   void _updateWhoWaitedTooLong(TimePoint now);
-  void _updateWaiting(std::int32_t person);
+  void _updateWaiting(std::int32_t waiting);
   Snapshot _snapshot(const KV::Person& person, bool seen) const;
   void _report(const KV::Person& person, bool seen);
   void _reportWaiting(const KV::Person& person);
