@@ -124,7 +124,7 @@ def _lasting_changes(at_partner):
 def _attention_after_changes(persons):
     looks = _looks(persons)
     return Check("D2", "2 s after a change to the partner's face that lasts, attention is at 0.6 or more in 95 of 100 "
-                 "cases; after one away from it, below likewise",
+                 "cases; 2 s after a change away from it, below 0.6 in 95 of 100",
                  f"{of_hundred(looks.rises)} of 100 ({len(looks.rises)} changes, half of them within "
                  f"{number(median(looks.seconds_to_rise))} s); {of_hundred(looks.falls)} of 100 "
                  f"({len(looks.falls)} changes, half of them within {number(median(looks.seconds_to_fall))} s)",

@@ -67,8 +67,8 @@ class _ReplayOne(Settings):
     camera_height: [m] above the floor; without it the heights of heads are unknown
     min_confidence: below this, 0 to 1, a face counts as not seen
     au_full_scale: intensity of an action unit that counts as full
-    look_at: where whoever looks at the robot looks: "camera"; "axis", parallel to the axis of the camera; "learned", where
-        the head rests most; or a point in metres from the camera, as (right, down, forward). The default is "camera",
+    look_at: the direction of a look at the robot: to the "camera"; along the "axis" of the camera; "learned", where the
+        head rests most; or to a point in metres from the camera, as (right, down, forward). The default is "camera",
         and for bags of ROS 2 the axis, moved by up to 5 degrees towards where the head rests.
     rest: what is taken off a face as its rest: "learned" as faces come, "none", or the median of a span in seconds since
         the start, as (from, to)

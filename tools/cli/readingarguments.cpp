@@ -59,8 +59,8 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
   command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
       ->group(group);
   addParsed<recordings::LookAt>(command, "--look-at",
-                                "Where whoever looks at the robot looks: RIGHT,DOWN,FORWARD in metres\n"
-                                "from the camera; the camera itself (default, but for bags); axis,\n"
+                                "Direction of a look at the robot: to RIGHT,DOWN,FORWARD in metres\n"
+                                "from the camera; to the camera (default, but for bags); axis,\n"
                                 "parallel to the axis of the camera (for bags, and then moved by up to\n"
                                 "5 degrees towards where the head rests); or learned, where the head\n"
                                 "rests most",

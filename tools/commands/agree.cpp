@@ -82,8 +82,8 @@ void addMeaningOptions(CLI::App& command, session::AgreementOptions& agreement)
            "STATE", [&agreement](const std::string& text) { agreement.mapping.setUnlabelled(text); })
       ->group(group);
   addChoice<std::string>(command, "--value",
-                         "What values are whose column does not say it, and labels that are\nnumbers", "QUANTITY",
-                         {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
+                         "Meaning of values, where the column does not name it, and of labels\nthat are numbers",
+                         "QUANTITY", {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
       ->group(group);
   addTexts(command, "--scale",
            "Values that stand for the least and the greatest of the estimate\n(-1..1 for valence, "
@@ -91,8 +91,8 @@ void addMeaningOptions(CLI::App& command, session::AgreementOptions& agreement)
            "FROM..TO", [&agreement](const std::string& text) { agreement.scale = session::parseLabelScale(text); })
       ->group(group);
   addTexts(command, "--person",
-           "Number of the person that labels, or their tier, call NAME; a number\nalone is for labels "
-           "that name nobody. May be given several times",
+           "Number of the person whom labels, or their tier, call NAME; a number\nalone is for labels "
+           "without a name. May be given several times",
            "[NAME=]ID", [&agreement](const std::string& text) { session::parseLabelPerson(text, agreement.persons); })
       ->group(group);
   addTexts(command, "--tier", "Use only labels of this tier (of BORIS: observation). May be given\nseveral times",

@@ -39,8 +39,8 @@ const char* const footer =
     R"(Reads the same lines from standard input as 'skeigiot stream', and shows on the terminal, for each person: the
 valence from -1 to 1 and the attention from 0 to 1, now and over the last minute, the zone that the person looks at
 (left and right being the person's own), and why: the state of pleasure, what moved valence or attention most in the
-last update, and the ease of the body language. Whoever was not seen for a minute is left out. q quits; the table stays
-when the input has ended.
+last update, and the ease of the body language. Persons who were not seen for a minute are left out. q quits; the
+table stays when the input has ended.
 
 Examples:
   robot-perception | skeigiot watch

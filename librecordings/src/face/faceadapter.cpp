@@ -25,7 +25,6 @@ struct HeadLimits
 };
 constexpr HeadLimits refinement{1.f, 5.f};
 constexpr HeadLimits anywhere{6.f, 180.f};
-constexpr float longestStep = 0.5f;  // [s] a gap is not time spent so
 
 void addMissing(std::vector<std::string>& names, const std::vector<std::string>& others)
 {
@@ -113,26 +112,30 @@ std::vector<float> FaceAdapterPrivate::scoresOf(const EmotionScores& shares) con
 }
 
 void FaceAdapterPrivate::takeRestOff(std::vector<float>& scores, const ScoreReadings& table, float scale,
-                                     boost::optional<RestingFace::Scores>* learned,
+                                     boost::optional<RestingFace::Scores> RestingFace::*learned,
                                      const boost::optional<Learning>& learning) const
 {
   if (options.rest.kind == Rest::Kind::None)
     return;
-  RestingFace::Scores fresh;
-  RestingFace::Scores& own = learned != nullptr && *learned ? **learned : fresh;
-  if (own.rest.empty())
+  const auto typical = [scale](const RestingScore& score) { return std::min(score.typical * scale, 1.f); };
+  if (!learning)
   {
-    own.names = table.names();
+    for (std::size_t i = 0; i < scores.size(); ++i)
+      scores[i] = aboveRest(scores[i], typical(table.rest()[i]));
+    return;
+  }
+  boost::optional<RestingFace::Scores>& own = learning->rest.*learned;
+  if (!own)
+  {
+    own.emplace();
+    own->names = table.names();
     for (const RestingScore& score : table.rest())
     {
-      own.limits.push_back({std::min(score.typical * scale, 1.f), std::min(score.most * scale, 1.f)});
-      own.rest.push_back(own.limits.back().typical);
+      own->limits.push_back({typical(score), std::min(score.most * scale, 1.f)});
+      own->rest.push_back(own->limits.back().typical);
     }
   }
-  own.takeOff(scores, learning ? learning->now : ko::SystemClock::time_point(), options.rest,
-              learning ? learning->rest._start : boost::none);
-  if (learned != nullptr && !*learned)
-    *learned = std::move(fresh);
+  own->takeOff(scores, learning->now, options.rest, learning->rest._start);
 }
 
 FacePose FaceAdapterPrivate::poseOf(const Face& face, const ShapeTable& table,
@@ -153,16 +156,12 @@ void FaceAdapterPrivate::takeRestOff(FaceReadings& readings, const Face& face, c
     return;
   const HeadLimits limits = refines ? refinement : anywhere;
   RestingFace::Head& head = learning.rest._head;
-  if (!head.last && !refines)
+  if (!head.clock.last && !refines)
   {
     head.yaw = readings.headPosture->yaw();
     head.pitch = readings.headPosture->pitch();
   }
-  const float seconds =
-      head.last ? std::clamp(static_cast<float>(static_cast<double>((learning.now - *head.last).count()) * 1e-9), 0.f,
-                             longestStep)
-                : 0.f;
-  head.last = std::max(head.last.value_or(learning.now), learning.now);
+  const float seconds = head.clock.advance(learning.now);
   const float step = limits.degreesPerSecond * seconds;
   head.yaw = movedTowards(head.yaw, readings.headPosture->yaw(), step, limits.furthest);
   head.pitch = movedTowards(head.pitch, readings.headPosture->pitch(), step, limits.furthest);
@@ -185,7 +184,7 @@ FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Le
     const ScoreReadings& table = shapeTable.readings.table();
     std::vector<float> scores(blendshapeScores.begin(),
                               blendshapeScores.begin() + static_cast<std::ptrdiff_t>(table.names().size()));
-    takeRestOff(scores, table, 1.f, learning ? &learning->rest._blendshapes : nullptr, learning);
+    takeRestOff(scores, table, 1.f, &RestingFace::_blendshapes, learning);
     readings.smile = table.smile(scores, confidence);
     readings.expressions = table.expressions(scores, confidence);
   }
@@ -196,7 +195,7 @@ FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Le
     const float scale = face.frontEnd == FrontEnd::PyFeat
                             ? 1.f
                             : restingFullScale / face.actionUnits->fullScale.value_or(options.actionUnitFullScale);
-    takeRestOff(scores, table.readings, scale, learning ? &learning->rest._actionUnits : nullptr, learning);
+    takeRestOff(scores, table.readings, scale, &RestingFace::_actionUnits, learning);
     readings.smile = table.readings.smile(scores, confidence);
     readings.expressions = table.readings.expressions(scores, confidence);
   }

@@ -42,7 +42,7 @@ struct FaceAdapterPrivate
     std::vector<std::size_t> numbers;
   };
 
-  /// Likewise, of blendshapes.
+  /// A table of blendshapes, and where to find the scores that it needs, in the order of its names.
   struct ShapeTable
   {
     ShapeTable(const ScoreTable& table, const EyeScale& eyes);
@@ -68,7 +68,8 @@ struct FaceAdapterPrivate
   /// Takes off what the scores are at rest: as learned, or else as a typical face rests. `scale` is how many times the
   /// full scale of the table is that of the scores.
   void takeRestOff(std::vector<float>& scores, const ScoreReadings& table, float scale,
-                   boost::optional<RestingFace::Scores>* learned, const boost::optional<Learning>& learning) const;
+                   boost::optional<RestingFace::Scores> RestingFace::*learned,
+                   const boost::optional<Learning>& learning) const;
 
   /// Returns the pose of the face; the gaze is that of the eyes' blendshapes where it is not told otherwise.
   static FacePose poseOf(const Face& face, const ShapeTable& table, const std::vector<float>& blendshapeScores);

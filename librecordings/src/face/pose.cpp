@@ -19,7 +19,7 @@ std::optional<Angles> asWanted(const std::optional<Angles>& angles, const Bearin
   return mirrored ? unmirrored(relative) : relative;
 }
 
-// Where whoever looks at the robot looks, seen from the face.
+// The direction of a look at the robot, seen from the face.
 Bearing bearingOfRobot(const FacePose& pose, const ReadingOptions& options, FrontEnd frontEnd)
 {
   const LookAt::Kind kind = lookAtOf(options, frontEnd);

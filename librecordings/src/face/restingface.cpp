@@ -1,5 +1,7 @@
 #include <skeigiot/recordings/restingface.hpp>
 
+#include "face/scoretable.hpp"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,8 +12,6 @@ namespace
 // Of the full scale, each second: below its rest for a seventh of the time.
 constexpr float rise = 0.002f;
 constexpr float fall = 0.012f;
-
-constexpr float longestStep = 0.5f;  // [s] a gap is not time spent so
 
 float approached(float rest, float score, float seconds, float most)
 {
@@ -41,13 +41,19 @@ std::vector<LearnedScore> RestingFace::learned() const
   return result;
 }
 
+float RestingFace::Clock::advance(TimePoint now)
+{
+  constexpr float longestStep = 0.5f;  // [s]
+  const TimePoint before = last.value_or(now);
+  last = std::max(before, now);
+  return std::clamp(static_cast<float>(static_cast<double>((now - before).count()) * 1e-9), 0.f, longestStep);
+}
+
 void RestingFace::Scores::takeOff(std::vector<float>& scores, TimePoint now, const Rest& options,
                                   boost::optional<TimePoint> start)
 {
   first = first.value_or(start.value_or(now));
-  const float seconds =
-      last ? std::clamp(static_cast<float>(static_cast<double>((now - *last).count()) * 1e-9), 0.f, longestStep) : 0.f;
-  last = std::max(last.value_or(now), now);
+  const float seconds = clock.advance(now);
   if (options.kind == Rest::Kind::Span)
   {
     if (now - *first >= options.to)
@@ -59,7 +65,7 @@ void RestingFace::Scores::takeOff(std::vector<float>& scores, TimePoint now, con
   {
     if (!given)
       rest[i] = approached(rest[i], scores[i], seconds, limits[i].most);
-    scores[i] = std::isnan(scores[i]) ? scores[i] : std::max(0.f, scores[i] - rest[i]);
+    scores[i] = aboveRest(scores[i], rest[i]);
   }
 }
 
@@ -77,7 +83,7 @@ void RestingFace::Scores::learnSpan(const std::vector<float>& scores)
   }
 }
 
-// Whoever was not there in the span stays as learned.
+// Without a face in the span, the rest stays as it was learned.
 void RestingFace::Scores::endSpan()
 {
   for (std::size_t i = 0; i < span.size(); ++i)

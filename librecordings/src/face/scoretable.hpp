@@ -4,7 +4,9 @@
 #include <skeigiot/recordings/restingface.hpp>
 #include <skeigiot/smile.hpp>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <map>
 #include <optional>
@@ -55,6 +57,12 @@ struct ScoreTableMember
 
 /// Returns all members of a table.
 const std::array<ScoreTableMember, 8>& scoreTableMembers();
+
+/// Returns by how much a score is above its rest, 0 at least; NaN for a score of NaN, which is unknown.
+inline float aboveRest(float score, float rest)
+{
+  return std::isnan(score) ? score : std::max(0.f, score - rest);
+}
 
 /// Forms the readings of a face from its scores, by a table.
 class ScoreReadings

@@ -3,10 +3,12 @@
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
+#include <boost/locale/utf.hpp>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -14,70 +16,27 @@ namespace KV::recordings
 {
 namespace
 {
+namespace utf = boost::locale::utf;
+
 constexpr std::size_t longestText = std::size_t{512} << 20U;  // [bytes]
 constexpr double latestTime = 4e9;                            // [s]
 constexpr std::string_view blanks = " \t\r\n";
 
-constexpr std::uint32_t replacement = 0xFFFD;  // stands for half of a surrogate pair
+constexpr utf::code_point replacement = 0xFFFD;  // stands for half of a surrogate pair
 
-void appendUtf8(std::string& text, std::uint32_t code)
+/// Returns the units of UTF-16 behind the byte order mark.
+std::u16string unitsOf(std::string_view bytes, bool bigEndian)
 {
-  const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
-  if (code < 0x80)
-    return append(code);
-  if (code < 0x800)
-    append(0xC0 | (code >> 6U));
-  else
+  std::u16string units;
+  units.reserve(bytes.size() / 2);
+  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2)
   {
-    if (code < 0x10000)
-      append(0xE0 | (code >> 12U));
-    else
-    {
-      append(0xF0 | (code >> 18U));
-      append(0x80 | ((code >> 12U) & 0x3FU));
-    }
-    append(0x80 | ((code >> 6U) & 0x3FU));
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    units += static_cast<char16_t>(bigEndian ? first * 256U + second : second * 256U + first);
   }
-  append(0x80 | (code & 0x3FU));
+  return units;
 }
-
-/// The units of UTF-16 behind the byte order mark.
-class Utf16
-{
-public:
-  Utf16(std::string_view bytes, bool bigEndian) : _bytes(bytes), _bigEndian(bigEndian) {}
-
-  bool atEnd() const { return _next + 1 >= _bytes.size(); }
-
-  std::uint32_t nextCode()
-  {
-    const std::uint32_t first = _unit();
-    const bool isPair = first >= 0xD800 && first < 0xDC00;
-    if (!isPair)
-      return first >= 0xDC00 && first < 0xE000 ? replacement : first;
-    if (atEnd())
-      return replacement;
-    const std::size_t before = _next;
-    const std::uint32_t second = _unit();
-    if (second >= 0xDC00 && second < 0xE000)
-      return 0x10000 + ((first - 0xD800) << 10U) + (second - 0xDC00);
-    _next = before;
-    return replacement;
-  }
-
-private:
-  std::uint32_t _unit()
-  {
-    const auto first = static_cast<unsigned char>(_bytes[_next]);
-    const auto second = static_cast<unsigned char>(_bytes[_next + 1]);
-    _next += 2;
-    return _bigEndian ? std::uint32_t{first} << 8U | second : std::uint32_t{second} << 8U | first;
-  }
-
-  std::string_view _bytes;
-  bool _bigEndian;
-  std::size_t _next = 2;
-};
 
 std::string decoded(std::string bytes)
 {
@@ -87,8 +46,20 @@ std::string decoded(std::string bytes)
     return bytes;
   std::string text;
   text.reserve(bytes.size());
-  for (Utf16 units(bytes, bigEndian); !units.atEnd();)
-    appendUtf8(text, units.nextCode());
+  const std::u16string units = unitsOf(bytes, bigEndian);
+  const char16_t* next = units.data();
+  const char16_t* const end = next + units.size();
+  while (next != end)
+  {
+    const char16_t* const first = next++;
+    const char16_t* behind = first;
+    utf::code_point code = utf::utf_traits<char16_t>::decode(behind, end);
+    if (code == utf::illegal || code == utf::incomplete)
+      code = replacement;
+    else
+      next = behind;
+    utf::utf_traits<char>::encode(code, std::back_inserter(text));
+  }
   return text;
 }
 

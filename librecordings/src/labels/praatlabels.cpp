@@ -112,16 +112,7 @@ private:
       _line += _text[_at] == '\n' ? 1 : 0;
   }
 
-  static bool _isNumber(std::string_view word)
-  {
-    const char first = word.front();
-    if ((first < '0' || first > '9') && first != '-' && first != '.' && first != '+')
-      return false;
-    const char* const begin = word.data() + (first == '+' ? 1 : 0);
-    double value = 0.;
-    const auto result = std::from_chars(begin, word.data() + word.size(), value);
-    return result.ec == std::errc() && result.ptr == word.data() + word.size();
-  }
+  static bool _isNumber(std::string_view word) { return labelNumber(word).has_value(); }
 
   const std::string& _path;
   std::string_view _text;

@@ -1,9 +1,9 @@
 #include <skeigiot/session/agreement.hpp>
+#include <skeigiot/session/exactnumber.hpp>
 
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <charconv>
 #include <utility>
 
 namespace KV::session
@@ -65,9 +65,9 @@ std::string numberText(const boost::optional<double>& value)
 {
   if (!value)
     return {};
-  std::array<char, 32> digits{};
-  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), *value);
-  return {digits.data(), result.ptr};
+  std::string text;
+  appendExact(text, *value);
+  return text;
 }
 
 /// Returns the text as a field of CSV.

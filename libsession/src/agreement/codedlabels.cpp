@@ -1,15 +1,15 @@
 #include "agreement/codedlabels.hpp"
 
+#include "agreement/numberin.hpp"
+
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/session/wording.hpp>
 
 #include <boost/optional/optional.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
-#include <system_error>
 #include <tuple>
 
 namespace KV::session
@@ -24,17 +24,6 @@ constexpr double holdOfASingle = 1.;   // [s]
 constexpr double rounding = 1e-9;
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t mostNames = 8;  // in a message
-
-template <typename Number>
-boost::optional<Number> numberIn(const std::string& text)
-{
-  Number number{};
-  const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number);
-  if (result.ec != std::errc() || result.ptr != end)
-    return boost::none;
-  return number;
-}
 
 std::string listOf(const std::map<std::string, std::size_t>& counts)
 {
@@ -76,15 +65,7 @@ public:
       if (!label.person.empty())
         _names.insert(label.person);
     });
-    for (const recordings::Labels& labels : _labels)
-    {
-      for (const recordings::LabelSpan& span : labels.spans)
-        if (_isChosen(span))
-          _add(span);
-      for (const recordings::LabelTrack& track : labels.tracks)
-        if (_isChosen(track))
-          _add(track);
-    }
+    _forEachChosen([this](const auto& label) { _add(label); });
     CodedLabels coded;
     for (auto& [key, pieces] : _classes)
       coded.classes[std::get<0>(key)][std::get<1>(key)][std::get<2>(key)] = withoutOverlaps(std::move(pieces));

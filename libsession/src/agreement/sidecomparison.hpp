@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -188,8 +187,7 @@ private:
           [&](double from, double to, const CoursePiece& first, const CoursePiece* second) {
             labelled -= second == nullptr ? 0. : to - from;
             const int what = second == nullptr ? _second.between : second->what;
-            const std::set<int> said{first.what, what};
-            const auto says = [&said](int silence) { return said.count(silence) > 0; };
+            const auto says = [&](int silence) { return first.what == silence || what == silence; };
             if (says(NoLabel))
               leftOut.noLabel += to - from;
             else if (says(Contradiction))

@@ -57,13 +57,13 @@ bool Pacer::take(KV::Person& person, const KV::PersonObservation& observation)
 
   person.updateMemory(observation);
   if (!pace.waiting)
+  {
     pace.waiting.emplace();
+    _waiting.emplace(later(pace.next, _period), person.personID);
+  }
   takeNewest(*pace.waiting, observation);
   if (!isDue)
-  {
-    _waiting.emplace(later(pace.next, _period), person.personID);
     return false;
-  }
   _update(person, pace);
   _step(pace, now);
   return true;

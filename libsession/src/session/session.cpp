@@ -36,6 +36,8 @@ Session::Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserve
                [](const SessionObserver* observer) { return observer->watchesForces(); });
   if (!_forceObservers.empty())
     _watchForces();
+  std::copy_if(_observers.begin(), _observers.end(), std::back_inserter(_waitingObservers),
+               [](const SessionObserver* observer) { return observer->watchesWaiting(); });
 }
 
 void Session::play(const recordings::Step& step)
@@ -75,7 +77,7 @@ void Session::_setTime(TimePoint time)
   _clock.set(_now);
 }
 
-/// Whoever is not told of for a cycle may be gone: the last observations act while they are new, not at the end.
+/// A person without steps for a cycle may be gone: the last observations act while they are new, not at the end.
 void Session::_updateWhoWaitedTooLong(TimePoint now)
 {
   for (auto waiting = _pacer.firstWaiting(); waiting && waiting->latest < now; waiting = _pacer.firstWaiting())
@@ -161,8 +163,10 @@ void Session::_report(const KV::Person& person, bool seen)
 
 void Session::_reportWaiting(const KV::Person& person)
 {
+  if (_waitingObservers.empty())
+    return;
   const Snapshot snapshot = _snapshot(person, _pacer.isWaiting(person.personID));
-  for (SessionObserver* observer : _observers)
+  for (SessionObserver* observer : _waitingObservers)
     observer->personWaits(snapshot);
 }
 

@@ -19,14 +19,25 @@ void append(std::string& text, Number number)
   text.append(digits.begin(), result.ptr);
 }
 
-}  // namespace
-
-void appendExact(std::string& text, float number)
+template <typename Number>
+void appendFloat(std::string& text, Number number)
 {
   if (std::isnan(number))
     text += "nan";  // whatever its sign
   else
     append(text, number);
+}
+
+}  // namespace
+
+void appendExact(std::string& text, float number)
+{
+  appendFloat(text, number);
+}
+
+void appendExact(std::string& text, double number)
+{
+  appendFloat(text, number);
 }
 
 void appendExact(std::string& text, int number)

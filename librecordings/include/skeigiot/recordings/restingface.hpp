@@ -55,6 +55,15 @@ private:
   friend struct FaceAdapterPrivate;
   using TimePoint = ko::SystemClock::time_point;
 
+  /// Tells how much time passed for learning.
+  struct Clock
+  {
+    /// Returns the seconds since the last call, 0.5 at most: a gap is not time in which a face was seen.
+    float advance(TimePoint now);
+
+    boost::optional<TimePoint> last;
+  };
+
   /// The rest of the scores of one table.
   struct Scores
   {
@@ -73,7 +82,7 @@ private:
     std::vector<RestingScore> limits;
     std::vector<float> rest;
     boost::optional<TimePoint> first;
-    boost::optional<TimePoint> last;
+    Clock clock;
     std::vector<Histogram> span;  // while the span is open, and only then
     bool given = false;           // by a span that is over
   };
@@ -81,7 +90,7 @@ private:
   /// Where the head rests.
   struct Head
   {
-    boost::optional<TimePoint> last;
+    Clock clock;
     float yaw = 0.f;    // [deg]
     float pitch = 0.f;  // [deg]
   };

@@ -11,6 +11,9 @@ namespace KV::session
 /// Appends the shortest decimal text that reads back as the same number; "nan", "inf" and "-inf" for what is none.
 SKEIGIOT_API void appendExact(std::string& text, float number);
 
+/// As above, in double precision.
+SKEIGIOT_API void appendExact(std::string& text, double number);
+
 /// Appends the number in decimal digits.
 SKEIGIOT_API void appendExact(std::string& text, int number);
 

@@ -32,7 +32,7 @@ namespace KV::session
 /// - A person who is seen at any time of a cycle is seen in this cycle.
 /// - If the clock was set back, the next observation updates.
 ///
-/// Persons are told apart by Person::personID. Time comes from ko::SystemClock, so ko::ManualClock works as elsewhere.
+/// Person::personID tells persons apart. Time comes from ko::SystemClock, so ko::ManualClock works as elsewhere.
 ///
 /// \code
 ///   KV::session::Pacer pacer;  // 10 updates a second

@@ -24,7 +24,7 @@ public:
     float attention = 0.f;                             ///< in [0, 1]
     bool seen = false;                                 ///< false: the person was not observed
     bool valenceKnown = false;                         ///< its confidence is at the boundary or above
-    bool attentionKnown = false;                       ///< likewise
+    bool attentionKnown = false;                       ///< its confidence is at the boundary or above
     KV::PleasureState pleasure = KV::PleasureUnknown;  ///< the mood, in a word
     ko::human::AttentionState zone = ko::human::AttentionState::Unknown;  ///< where the person looks
     bool engaged = false;                                                 ///< the attention is at the boundary or above

@@ -26,8 +26,8 @@ namespace KV::session
 ///
 /// Readings that are not finite are left out, and counted.
 ///
-/// A Pacer updates the persons. A person of whom no step tells for a cycle is updated with what waits a cycle after the
-/// update was due, whoever the next step is about.
+/// A Pacer updates the persons. If no step about a person comes for a cycle after an update was due, the person is
+/// updated then with the readings that wait, also when the next step is about another person.
 class SKEIGIOT_API Session
 {
 public:
@@ -76,7 +76,8 @@ private:
   KV::AmbianceState _ambiance;
   Scopes _scopes;
   std::vector<SessionObserver*> _observers;
-  std::vector<SessionObserver*> _forceObservers;  // those of them that watch forces
+  std::vector<SessionObserver*> _forceObservers;    // those of them that watch forces
+  std::vector<SessionObserver*> _waitingObservers;  // those of them that watch who waits
   boost::optional<KV::ScopedForceObserver> _forceWatch;
 };
 

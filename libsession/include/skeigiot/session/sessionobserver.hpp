@@ -42,6 +42,9 @@ public:
   /// time may lie between those of two steps, and the person need not be the one whom the step is about.
   virtual void personUpdated(const Snapshot&) {}
 
+  /// Whether the session calls personWaits(); asked once, when the session is made.
+  virtual bool watchesWaiting() const { return false; }
+
   /// The step is about a person who is updated later, when the cycle is over: tells the state that holds until then.
   virtual void personWaits(const Snapshot&) {}
 

@@ -46,6 +46,7 @@ private:
 
     void stepBegins(const recordings::Step& step) override { about = step.person; }
     void personUpdated(const Snapshot& snapshot) override;
+    bool watchesWaiting() const override { return true; }
     void personWaits(const Snapshot& snapshot) override { person = snapshot; }
     void ambianceUpdated(float agitation, KV::ExcitationState state) override { ambiance = Ambiance{agitation, state}; }
     void scopeJudged(const ScopeVerdict& verdict) override { verdicts.push_back(verdict); }
