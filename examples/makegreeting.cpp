@@ -177,11 +177,15 @@ KV::PersonObservation observe(const Role& role, float time, SystemClock::time_po
 {
   const float yaw = role.headYaw(time) + tremor(0.8f);
   const float pitch = role.headPitch(time) + tremor(0.8f);
+  const float roll = tremor(1.f);
+  // Not among the arguments: compilers evaluate those in an order of their own.
+  const float gazePitch = 0.9f * pitch + tremor(1.5f);
+  const float gazeYaw = -0.9f * yaw + tremor(1.5f);
 
   KV::PersonObservation observation;
   observation.faceDetected = KV::Timestamped(now, true);
-  observation.headPosture = KV::Timestamped(now, KV::HeadPosture(yaw, pitch, tremor(1.f)));
-  observation.gaze = KV::Timestamped(now, KV::Gaze(-0.9f * yaw + tremor(1.5f), 0.9f * pitch + tremor(1.5f)));
+  observation.headPosture = KV::Timestamped(now, KV::HeadPosture(yaw, pitch, roll));
+  observation.gaze = KV::Timestamped(now, KV::Gaze(gazeYaw, gazePitch));
   observation.smile = KV::Timestamped(now, KV::Smile(role.smile(time), 0.9f));
   observation.expressions = KV::Timestamped(now, expressionsOf(role, time));
   observation.facialPoints = KV::Timestamped(now, facialPoints(0.92f + tremor(0.05f)));
