@@ -2,6 +2,7 @@
 
 #include "commands/agree.hpp"
 #include "commands/inspect.hpp"
+#include "commands/mapping.hpp"
 #include "commands/replay.hpp"
 #include "commands/report.hpp"
 #include "commands/stream.hpp"
@@ -23,6 +24,7 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   addAgreeCommand(*app, status);
   addReplayCommand(*app, status);
   addInspectCommand(*app, status);
+  addMappingCommand(*app, status);
   addReportCommand(*app, status);
   addStreamCommand(*app, status);
   addTypesCommand(*app, status);

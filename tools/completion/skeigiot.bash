@@ -25,7 +25,7 @@ _skeigiot()
 
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      agree | replay | inspect | report | stream | types | watch | why)
+      agree | replay | inspect | mapping | report | stream | types | watch | why)
         command=${COMP_WORDS[i]}
         break
         ;;
@@ -141,7 +141,7 @@ _skeigiot()
 
   case $command in
     "")
-      _skeigiot_words "$word" "agree replay inspect report stream types watch why --help --version -h"
+      _skeigiot_words "$word" "agree replay inspect mapping report stream types watch why --help --version -h"
       ;;
     agree)
       if [[ $word != -* ]]; then
@@ -163,6 +163,9 @@ _skeigiot()
       else
         _skeigiot_words "$word" "--au-full-scale --camera-height --format --fps --frame --help --json --look-at --mapping --min-confidence --mirrored --person-from --rest --skip-bad -h"
       fi
+      ;;
+    mapping)
+      _skeigiot_words "$word" "--help -h"
       ;;
     report)
       if [[ $word != -* ]]; then

@@ -6,6 +6,7 @@ complete -c skeigiot -n '__fish_use_subcommand' -l version -d 'Print the version
 complete -c skeigiot -n __fish_use_subcommand -a agree -d 'Compares the estimate with labels that people gave to the recording'
 complete -c skeigiot -n __fish_use_subcommand -a replay -d 'Shows what the library thought of the persons in a recording'
 complete -c skeigiot -n __fish_use_subcommand -a inspect -d 'Tells what is in a recording, and how it is read'
+complete -c skeigiot -n __fish_use_subcommand -a mapping -d 'Prints the built-in tables of readings, to be edited for --mapping'
 complete -c skeigiot -n __fish_use_subcommand -a report -d 'Makes a page of what the library thought of the persons in a recording, and why'
 complete -c skeigiot -n __fish_use_subcommand -a stream -d 'Answers observations as they come with what the library thinks of the persons'
 complete -c skeigiot -n __fish_use_subcommand -a types -d 'Lists the records that programs can read by name'
@@ -95,6 +96,8 @@ complete -c skeigiot -n '__fish_seen_subcommand_from inspect' -l au-full-scale -
 complete -c skeigiot -n '__fish_seen_subcommand_from inspect' -l mapping -r -F -d 'JSON file that says how action units, blendshapes and emotions become readings, instead of the built-in tables'
 complete -c skeigiot -n '__fish_seen_subcommand_from inspect' -l person-from -x -d 'Column of a CSV file that names the person; names that are no numbers are counted in the order in which they appear'
 complete -c skeigiot -n '__fish_seen_subcommand_from inspect' -l skip-bad -d 'Go on behind lines that cannot be used, and count them'
+
+complete -c skeigiot -n '__fish_seen_subcommand_from mapping' -s h -l help -d 'Print this help message and exit'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -F
 complete -c skeigiot -n '__fish_seen_subcommand_from report' -s h -l help -d 'Print this help message and exit'
