@@ -2,6 +2,7 @@
 
 import csv
 import io
+import json
 import subprocess
 from bisect import bisect_right
 from collections import defaultdict
@@ -51,6 +52,10 @@ class Command:
         """The recording in the own format."""
         return self._replay(recording, "--to-jsonl", "-", *options)
 
+    def agreement(self, recording, labels, *options):
+        """The comparison of the estimate with labels: of all persons together first."""
+        return json.loads(self._output("agree", recording, "--labels", labels, "--json", *options))["comparisons"]
+
     def written(self, name, text):
         """Path of a new file that holds the text."""
         path = self._folder / name
@@ -66,10 +71,13 @@ class Command:
         return self.written(name, text.getvalue())
 
     def _replay(self, recording, *options):
-        arguments = [self._program, "replay", "--quiet", recording, *options]
-        result = subprocess.run(list(map(str, arguments)), capture_output=True, encoding="utf-8", check=False)
+        return self._output("replay", "--quiet", recording, *options)
+
+    def _output(self, subcommand, *arguments):
+        result = subprocess.run(list(map(str, [self._program, subcommand, *arguments])), capture_output=True,
+                                encoding="utf-8", check=False)
         if result.returncode:
-            raise RuntimeError(f"skeigiot cannot replay {recording}: {result.stderr.strip()}")
+            raise RuntimeError(f"skeigiot {subcommand} {' '.join(map(str, arguments))}: {result.stderr.strip()}")
         return result.stdout
 
 

@@ -16,6 +16,7 @@ POSITIVE_FROM = 0.2
 CLEAR_SMILE, NO_SMILE = 2.0, 0.5  # AU12_r, 0 to 5
 AWAY = 30  # degrees; our choice, the coding holds none
 OTHER_ANGLES = [15, 20, 45]
+COLUMNS = ["frame", "face_id", "confidence", "success", "gaze_angle_x", "gaze_angle_y", "AU06_r", "AU12_r"]
 MEASURES = ["valence with AU12_r (D4)", "valence above 0.2 with a clear smile, without (D5)",
             "together, strangers (D6)"]
 
@@ -68,10 +69,28 @@ def _persons(command, conversations, *options, away=AWAY):
 def _as_openface(command, name, rows, away):
     """A file as OpenFace would have written it, had it seen the eyes where they were coded."""
     return command.written_table(
-        f"conversation_{name}.csv",
-        ["frame", "face_id", "confidence", "success", "gaze_angle_x", "gaze_angle_y", "AU06_r", "AU12_r"],
+        f"conversation_{name}.csv", COLUMNS,
         [[row["frame"], number, 1, 1, *_gaze(_code(row, letter), away), row[f"{letter}_AU06_r"],
           row[f"{letter}_AU12_r"]] for row in rows for number, letter in enumerate("AB")])
+
+
+def gaze_labels(data):
+    """A table of OpenFace with all persons, and labels of what was coded of their gaze, as rows."""
+    recording, labels = [], []
+    for first, rows in zip(range(0, 2 * len(NAMES), 2), _conversations(data).values()):
+        for number, letter in enumerate("AB", first):
+            recording += [[index, number, 1, 1, *_gaze(_code(row, letter), AWAY), row[f"{letter}_AU06_r"],
+                           row[f"{letter}_AU12_r"]] for index, row in enumerate(rows)]
+            labels += [[start / FRAMES_PER_SECOND, end / FRAMES_PER_SECOND,
+                        "engaged" if at_partner else "not-engaged", number]
+                       for start, end, at_partner in _runs([_code(row, letter) == PARTNER for row in rows])]
+    return sorted(recording), labels
+
+
+def _runs(values):
+    """Start, end and value of each stretch of equal values."""
+    ends = [index for index in range(1, len(values)) if values[index] != values[index - 1]] + [len(values)]
+    return [(start, end, values[start]) for start, end in zip([0, *ends], ends)]
 
 
 def _gaze(code, away):

@@ -8,6 +8,7 @@ import sys
 import tempfile
 
 import actionunits
+import agreement
 import bags
 import conversations
 import faces
@@ -19,7 +20,7 @@ from tables import checks
 
 TEMPLATE = pathlib.Path(__file__).with_name("page.md")
 QUICK_SOURCES = [bags, news, mistakes, sanity]
-SLOW_SOURCES = [conversations, actionunits, faces]
+SLOW_SOURCES = [conversations, actionunits, faces, agreement]
 
 
 def main():
