@@ -35,6 +35,7 @@ void fuzzTidy(std::string_view input);
 void fuzzJsonl(std::string_view input);
 void fuzzAnyRecording(std::string_view input);  ///< the format is found out
 void fuzzMapping(std::string_view input);
+void fuzzLabels(std::string_view input);
 void fuzzGzip(std::string_view input);
 void fuzzRosMessages(std::string_view input);
 void fuzzStream(std::string_view input);

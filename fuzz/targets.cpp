@@ -16,6 +16,7 @@ const std::vector<Target>& targets()
       {"jsonl", fuzzJsonl},
       {"anyrecording", fuzzAnyRecording},
       {"mapping", fuzzMapping},
+      {"labels", fuzzLabels},
       {"gzip", fuzzGzip},
       {"rosmessages", fuzzRosMessages},
       {"stream", fuzzStream},

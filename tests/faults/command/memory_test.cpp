@@ -33,6 +33,7 @@ protected:
     all.push_back(recording);
     all.insert(all.end(), GetParam().after.begin(), GetParam().after.end());
     std::replace(all.begin(), all.end(), std::string("EXPORT"), exported);
+    std::replace(all.begin(), all.end(), std::string("LABELS"), labels);
     return all;
   }
 
@@ -45,6 +46,7 @@ protected:
 
   const TemporaryFolder folder;
   const std::string recording = folder.write("recording", faults::recordingOf(5));
+  const std::string labels = folder.write("labels.csv", "start,end,value,person\n0,10,positive,3\n");
   const std::string exported = folder.path("export");
 };
 
@@ -89,6 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Of, CommandWithoutMemory,
                          ::testing::Values(CommandCase{"Replay", {"replay"}, {"--quiet", "--csv", "EXPORT"}},
                                            CommandCase{"ReplayOnSeveralThreads", {"replay", "--separately"}, {}},
                                            CommandCase{"Inspect", {"inspect"}, {}},
+                                           CommandCase{"Agree", {"agree"}, {"--labels", "LABELS", "--csv", "EXPORT"}},
                                            CommandCase{"Why", {"why"}, {"--person", "3", "--at", "0.3", "--json"}}),
                          support::RowName());
 
