@@ -40,6 +40,7 @@ PRIVATE = {
     ("benchmarks/everyfloat.cpp", "sixdigits.hpp"): "tries a private function with every float",
     ("benchmarks/everyfloat.cpp", "softstep.hpp"): "tries a private function with every float",
     ("benchmarks/floor_benchmark.cpp", "sixdigits.hpp"): "measures a private function",
+    ("benchmarks/sixdigits_benchmark.cpp", "sixdigits.hpp"): "measures a private function",
     ("benchmarks/statedigest.cpp", "bodylanguagestateprivate.hpp"): "the digest covers the private records",
     ("benchmarks/statedigest.cpp", "personmemoryprivate.hpp"): "the digest covers the private records",
     ("benchmarks/statedigest.cpp", "personstateprivate.hpp"): "the digest covers the private records",
