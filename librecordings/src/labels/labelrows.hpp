@@ -25,7 +25,7 @@ struct LabelRow
 
 /// Splits the text into rows, at most so many; lines without text are no rows. Unlike CsvRows, it knows any delimiter,
 /// and line breaks in quotes, for tables that people make by hand. Fields have no blanks around them. One in quotes may
-/// hold delimiters and line breaks, and a doubled quote stands for one.
+/// hold delimiters and line breaks, and two quotes in a row mean one quote.
 ///
 /// \throws Error if a quote is not closed.
 std::vector<LabelRow> labelRows(std::string_view text, const std::string& path, char delimiter,

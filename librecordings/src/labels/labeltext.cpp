@@ -22,7 +22,7 @@ constexpr std::size_t longestText = std::size_t{512} << 20U;  // [bytes]
 constexpr double latestTime = 4e9;                            // [s]
 constexpr std::string_view blanks = " \t\r\n";
 
-constexpr utf::code_point replacement = 0xFFFD;  // stands for half of a surrogate pair
+constexpr utf::code_point replacement = 0xFFFD;  // replaces half of a surrogate pair
 
 /// Returns the units of UTF-16 behind the byte order mark.
 std::u16string unitsOf(std::string_view bytes, bool bigEndian)
