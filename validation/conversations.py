@@ -70,8 +70,11 @@ def _as_openface(command, name, rows, away):
     """A file as OpenFace would have written it, had it seen the eyes where they were coded."""
     return command.written_table(
         f"conversation_{name}.csv", COLUMNS,
-        [[row["frame"], number, 1, 1, *_gaze(_code(row, letter), away), row[f"{letter}_AU06_r"],
-          row[f"{letter}_AU12_r"]] for row in rows for number, letter in enumerate("AB")])
+        [_openface_row(row["frame"], number, row, letter, away) for row in rows for number, letter in enumerate("AB")])
+
+
+def _openface_row(frame, number, row, letter, away):
+    return [frame, number, 1, 1, *_gaze(_code(row, letter), away), row[f"{letter}_AU06_r"], row[f"{letter}_AU12_r"]]
 
 
 def gaze_labels(data):
@@ -79,8 +82,7 @@ def gaze_labels(data):
     recording, labels = [], []
     for first, rows in zip(range(0, 2 * len(NAMES), 2), _conversations(data).values()):
         for number, letter in enumerate("AB", first):
-            recording += [[index, number, 1, 1, *_gaze(_code(row, letter), AWAY), row[f"{letter}_AU06_r"],
-                           row[f"{letter}_AU12_r"]] for index, row in enumerate(rows)]
+            recording += [_openface_row(index, number, row, letter, AWAY) for index, row in enumerate(rows)]
             labels += [[start / FRAMES_PER_SECOND, end / FRAMES_PER_SECOND,
                         "engaged" if at_partner else "not-engaged", number]
                        for start, end, at_partner in _runs([_code(row, letter) == PARTNER for row in rows])]
