@@ -60,6 +60,34 @@ Shares pleasureShares(const session::PersonSummary& summary)
   return shares;
 }
 
+const char* const unknown = "unknown: nothing in the recording tells it";
+
+std::string valenceText(const session::PersonSummary& summary)
+{
+  if (!summary.isValenceKnown())
+    return unknown;
+  return session::signedNumber(summary.valence()) + " on average, with confidence " +
+         session::plainNumber(summary.valenceConfidence());
+}
+
+std::string attentionText(const session::PersonSummary& summary)
+{
+  if (!summary.isAttentionKnown())
+    return unknown;
+  return " " + session::plainNumber(summary.attention()) + " on average, with confidence " +
+         session::plainNumber(summary.attentionConfidence());
+}
+
+std::string engagedText(const session::PersonSummary& summary)
+{
+  if (!summary.isAttentionKnown())
+    return unknown;
+  return session::percentage(summary.lookingAtRobotShare()) + " of the time (attention from " +
+         session::plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryLookingAtRobot())) +
+         "), strictly " + session::percentage(summary.strictlyLookingAtRobotShare()) + " (from " +
+         session::plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())) + ")";
+}
+
 std::string coloredVerdict(const std::string& text, const std::string& word, const Style& style)
 {
   if (word == "positive")
@@ -106,21 +134,9 @@ std::string summaryText(const session::Summary& all, std::int32_t person, int wi
                        session::counted(summary.updates(), "update") + ", seen for " +
                        session::percentage(summary.seenShare()) + " of the time",
                    style);
-  text += labelled("valence",
-                   session::signedNumber(summary.valence()) + " on average, with confidence " +
-                       session::plainNumber(summary.valenceConfidence()),
-                   style);
-  text += labelled("attention",
-                   " " + session::plainNumber(summary.attention()) + " on average, with confidence " +
-                       session::plainNumber(summary.attentionConfidence()),
-                   style);
-  text += labelled(
-      "engaged",
-      session::percentage(summary.lookingAtRobotShare()) + " of the time (attention from " +
-          session::plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryLookingAtRobot())) +
-          "), strictly " + session::percentage(summary.strictlyLookingAtRobotShare()) + " (from " +
-          session::plainNumber(static_cast<double>(KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())) + ")",
-      style);
+  text += labelled("valence", valenceText(summary), style);
+  text += labelled("attention", attentionText(summary), style);
+  text += labelled("engaged", engagedText(summary), style);
   Shares zones = zoneShares(summary);
   zones.emplace_back("not visible", 1. - summary.seenShare());
   text += labelled("zone", wrapped(listed(zones), static_cast<std::size_t>(width) - textColumn, textColumn), style);

@@ -42,17 +42,18 @@ interface RawRecording extends Facts {
   persons: RawPerson[];
 }
 
+/** The means and "engaged" are null where the estimate was never known. */
 export interface PersonSummary {
   from: number;
   to: number;
   updates: number;
   visible: number;
-  valence: number;
-  valenceConfidence: number;
-  attention: number;
-  attentionConfidence: number;
-  engaged: number;
-  strictlyEngaged: number;
+  valence: number | null;
+  valenceConfidence: number | null;
+  attention: number | null;
+  attentionConfidence: number | null;
+  engaged: number | null;
+  strictlyEngaged: number | null;
   zones: Record<string, number>;
   pleasures: Record<string, number>;
 }

@@ -43,13 +43,18 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
   );
 }
 
+/** An estimate that was never known is no number. */
+function ifKnown(value: number | null, text: (known: number) => string): string {
+  return value === null ? "unknown" : text(value);
+}
+
 export function personFacts({ summary }: Person): HTMLElement {
   return facts([
     ["present", `${clock(summary.from)} to ${clock(summary.to)}`],
     ["visible", percent(summary.visible)],
-    ["mean valence", `${signed(summary.valence)} (${valenceWord(summary.valence)})`],
-    ["mean attention", percent(summary.attention)],
-    ["engaged", percent(summary.engaged)],
+    ["mean valence", ifKnown(summary.valence, (known) => `${signed(known)} (${valenceWord(known)})`)],
+    ["mean attention", ifKnown(summary.attention, percent)],
+    ["engaged", ifKnown(summary.engaged, percent)],
     ["updates", summary.updates.toLocaleString("en")],
   ]);
 }

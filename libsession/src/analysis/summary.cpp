@@ -1,6 +1,7 @@
 #include <skeigiot/session/summary.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <tuple>
 #include <utility>
 
@@ -54,21 +55,35 @@ double PersonSummary::share(KV::PleasureState pleasure) const
   return _pleasures.at(static_cast<std::size_t>(pleasure)) / _time;
 }
 
+double PersonSummary::_ifAttentionKnown(double share) const
+{
+  return isAttentionKnown() ? share : std::numeric_limits<double>::quiet_NaN();
+}
+
 void PersonSummary::_countLast(double seconds)
 {
   const double held = std::min(seconds, longestHold);
   _time += held;
-  _valence += held * static_cast<double>(_last->valence.value);
-  _valenceConfidence += held * static_cast<double>(_last->valence.confidence);
-  _attention += held * static_cast<double>(_last->attention.value);
-  _attentionConfidence += held * static_cast<double>(_last->attention.confidence);
+  if (_last->isValenceKnown())
+  {
+    _valenceKnown += held;
+    _valence += held * static_cast<double>(_last->valence.value);
+    _valenceConfidence += held * static_cast<double>(_last->valence.confidence);
+  }
+  if (_last->isAttentionKnown())
+  {
+    _attentionKnown += held;
+    _attention += held * static_cast<double>(_last->attention.value);
+    _attentionConfidence += held * static_cast<double>(_last->attention.confidence);
+  }
   _pleasures.at(static_cast<std::size_t>(_last->pleasure)) += held;
   if (!_last->seen)
     return;
   _seen += held;
-  if (_last->attention.value >= KV::PersonState::getBinaryBoundaryLookingAtRobot())
+  const bool isKnown = _last->isAttentionKnown();
+  if (isKnown && _last->attention.value >= KV::PersonState::getBinaryBoundaryLookingAtRobot())
     _lookingAtRobot += held;
-  if (_last->attention.value >= KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())
+  if (isKnown && _last->attention.value >= KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot())
     _strictlyLookingAtRobot += held;
   _zones.at(static_cast<std::size_t>(_last->zone)) += held;
 }

@@ -26,10 +26,18 @@ void TimelineRow::add(const Snapshot& snapshot)
 {
   ++_updates;
   _seen += snapshot.seen ? 1 : 0;
-  _valence += static_cast<double>(snapshot.valence.value);
-  _valenceConfidence += static_cast<double>(snapshot.valence.confidence);
-  _attention += static_cast<double>(snapshot.attention.value);
-  _attentionConfidence += static_cast<double>(snapshot.attention.confidence);
+  if (snapshot.isValenceKnown())
+  {
+    ++_valenceKnown;
+    _valence += static_cast<double>(snapshot.valence.value);
+    _valenceConfidence += static_cast<double>(snapshot.valence.confidence);
+  }
+  if (snapshot.isAttentionKnown())
+  {
+    ++_attentionKnown;
+    _attention += static_cast<double>(snapshot.attention.value);
+    _attentionConfidence += static_cast<double>(snapshot.attention.confidence);
+  }
   ++_zones.at(static_cast<std::size_t>(snapshot.zone));
   ++_pleasures.at(static_cast<std::size_t>(snapshot.pleasure));
   _ease = snapshot.ease;
@@ -39,8 +47,10 @@ void TimelineRow::add(const TimelineRow& later)
 {
   _updates += later._updates;
   _seen += later._seen;
+  _valenceKnown += later._valenceKnown;
   _valence += later._valence;
   _valenceConfidence += later._valenceConfidence;
+  _attentionKnown += later._attentionKnown;
   _attention += later._attention;
   _attentionConfidence += later._attentionConfidence;
   addTo(_zones, later._zones);

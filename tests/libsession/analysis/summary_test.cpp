@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace
 {
 
@@ -83,6 +85,45 @@ TEST(PersonSummary, CountsEngagementByTheBoundaries)
   summary.finish();
   EXPECT_DOUBLE_EQ(0.75, summary.lookingAtRobotShare());
   EXPECT_DOUBLE_EQ(0.25, summary.strictlyLookingAtRobotShare());
+}
+
+TEST(PersonSummary, AveragesAnEstimateWhileItIsKnown)
+{
+  PersonSummary summary;
+  summary.add(snapshotAt(0., 0.5f, 0.75f));
+  KV::session::Snapshot unknown = snapshotAt(1., -1.f, 0.f);
+  unknown.valence.confidence = 0.f;
+  unknown.attention.confidence = 0.f;
+  summary.add(unknown);
+  summary.finish();
+  EXPECT_TRUE(summary.isValenceKnown());
+  EXPECT_DOUBLE_EQ(0.5, summary.valence());
+  EXPECT_DOUBLE_EQ(1., summary.valenceConfidence());
+  EXPECT_DOUBLE_EQ(0.5, summary.valenceKnownShare());
+  EXPECT_TRUE(summary.isAttentionKnown());
+  EXPECT_DOUBLE_EQ(0.75, summary.attention());
+  EXPECT_DOUBLE_EQ(1., summary.attentionConfidence());
+  EXPECT_DOUBLE_EQ(0.5, summary.attentionKnownShare());
+  EXPECT_DOUBLE_EQ(0.5, summary.lookingAtRobotShare()) << "of the whole time";
+}
+
+TEST(PersonSummary, HasNoMeanOfWhatWasNeverKnown)
+{
+  PersonSummary summary;
+  KV::session::Snapshot unknown = snapshotAt(0., 0.5f, 0.75f);
+  unknown.hadValenceEvidence = false;
+  unknown.attention.confidence = 0.f;
+  summary.add(unknown);
+  summary.finish();
+  EXPECT_FALSE(summary.isValenceKnown());
+  EXPECT_TRUE(std::isnan(summary.valence()));
+  EXPECT_TRUE(std::isnan(summary.valenceConfidence()));
+  EXPECT_DOUBLE_EQ(0., summary.valenceKnownShare());
+  EXPECT_FALSE(summary.isAttentionKnown());
+  EXPECT_TRUE(std::isnan(summary.attention()));
+  EXPECT_TRUE(std::isnan(summary.attentionConfidence()));
+  EXPECT_TRUE(std::isnan(summary.lookingAtRobotShare()));
+  EXPECT_TRUE(std::isnan(summary.strictlyLookingAtRobotShare()));
 }
 
 }  // namespace

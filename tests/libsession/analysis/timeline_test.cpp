@@ -166,6 +166,29 @@ TEST(TimelineRow, HasTheMeansOfItsUpdates)
   EXPECT_DOUBLE_EQ(1., row.valenceConfidence());
 }
 
+TEST(TimelineRow, AveragesAnEstimateWhileItIsKnown)
+{
+  TimelineRow row(Duration(0));
+  KV::session::Snapshot unknown = snapshotAt(0., -1.f, 0.f);
+  unknown.valence.confidence = 0.f;
+  unknown.attention.confidence = 0.f;
+  row.add(unknown);
+  EXPECT_FALSE(row.isValenceKnown());
+  EXPECT_FALSE(row.isAttentionKnown());
+  EXPECT_TRUE(std::isnan(row.valence()));
+  EXPECT_TRUE(std::isnan(row.attention()));
+
+  TimelineRow later(Duration(1));
+  later.add(snapshotAt(1., 0.5f, 0.75f));
+  row.add(later);
+  EXPECT_TRUE(row.isValenceKnown());
+  EXPECT_TRUE(row.isAttentionKnown());
+  EXPECT_DOUBLE_EQ(0.5, row.valence());
+  EXPECT_DOUBLE_EQ(1., row.valenceConfidence());
+  EXPECT_DOUBLE_EQ(0.75, row.attention());
+  EXPECT_DOUBLE_EQ(1., row.attentionConfidence());
+}
+
 TEST(TimelineRow, HasTheZoneAndTheStateOfPleasureOfMostUpdates)
 {
   TimelineRow row(Duration(0));

@@ -38,6 +38,20 @@ TEST(Summary, DescribesAPerson)
       summaryText(summary, 0, 80, Style(false)));
 }
 
+TEST(Summary, DoesNotTellAMeanOfWhatWasNeverKnown)
+{
+  KV::session::Snapshot unknown = snapshotAt(0.);
+  unknown.valence.confidence = 0.f;
+  unknown.attention.confidence = 0.f;
+  Summary summary;
+  summary.personUpdated(unknown);
+  summary.finish();
+  EXPECT_THAT(summaryText(summary, 0, 80, Style(false)),
+              HasSubstr("  valence    unknown: nothing in the recording tells it\n"
+                        "  attention  unknown: nothing in the recording tells it\n"
+                        "  engaged    unknown: nothing in the recording tells it\n"));
+}
+
 struct VerdictCase
 {
   const char* name;

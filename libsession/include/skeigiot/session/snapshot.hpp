@@ -29,6 +29,18 @@ struct SKEIGIOT_API Snapshot
   ko::human::AttentionState zone = ko::human::AttentionState::Unknown;  ///< where the person looks
   KV::PleasureState pleasure = KV::PleasureUnknown;                     ///< the mood, in a word
   KV::BodyLanguageEase ease;  ///< from the head postures; level in [-0.5, 0.5]
+
+  /// Whether a source of valence ever acted on the person. Body language is none: it only tints what others say.
+  bool hadValenceEvidence = true;
+
+  /// \name Unknown estimates
+  /// The one rule of what is unknown: an estimate that never had evidence, or whose confidence is 0 (or NaN) again. Its
+  /// number means nothing. Do not show it, draw it or average it: say "unknown".
+  /// @{
+  bool isValenceKnown() const { return hadValenceEvidence && valence.confidence > 0.f; }  ///< both valences
+  bool isAttentionKnown() const { return attention.confidence > 0.f; }                    ///< the attention
+  bool isEaseKnown() const { return ease.confidence > 0.f; }                              ///< the ease
+  /// @}
 };
 
 }  // namespace KV::session

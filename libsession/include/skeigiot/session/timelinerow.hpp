@@ -30,15 +30,20 @@ public:
   /// Tells whether the person was seen in at least half of the updates.
   bool seen() const { return 2 * _seen >= _updates; }
 
-  // Means over the updates.
-  /// Returns the mean over the updates, in [-1, 1]; NaN without an update.
-  double valence() const { return _mean(_valence); }
-  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
-  double valenceConfidence() const { return _mean(_valenceConfidence); }
-  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
-  double attention() const { return _mean(_attention); }
-  /// Returns the mean over the updates, in [0, 1]; NaN without an update.
-  double attentionConfidence() const { return _mean(_attentionConfidence); }
+  /// Tells whether the valence was known in any of the updates, see Snapshot::isValenceKnown().
+  bool isValenceKnown() const { return _valenceKnown > 0; }
+  /// Tells whether the attention was known in any of the updates.
+  bool isAttentionKnown() const { return _attentionKnown > 0; }
+
+  // Means over the updates in which the estimate was known.
+  /// Returns the mean valence, in [-1, 1]; NaN if it was never known.
+  double valence() const { return _mean(_valence, _valenceKnown); }
+  /// Returns the mean confidence of the valence, in [0, 1]; NaN if it was never known.
+  double valenceConfidence() const { return _mean(_valenceConfidence, _valenceKnown); }
+  /// Returns the mean attention, in [0, 1]; NaN if it was never known.
+  double attention() const { return _mean(_attention, _attentionKnown); }
+  /// Returns the mean confidence of the attention, in [0, 1]; NaN if it was never known.
+  double attentionConfidence() const { return _mean(_attentionConfidence, _attentionKnown); }
 
   // What held in most updates.
   /// Returns the zone of most updates; of several, the first in the order of the enumeration.
@@ -53,13 +58,15 @@ public:
   const Changes& changes() const { return _changes; }
 
 private:
-  double _mean(double sum) const { return sum / static_cast<double>(_updates); }
+  static double _mean(double sum, std::size_t count) { return sum / static_cast<double>(count); }
 
   Duration _from;
   std::size_t _updates = 0;
   std::size_t _seen = 0;
+  std::size_t _valenceKnown = 0;
   double _valence = 0.;
   double _valenceConfidence = 0.;
+  std::size_t _attentionKnown = 0;
   double _attention = 0.;
   double _attentionConfidence = 0.;
   std::array<std::size_t, 10> _zones{};
