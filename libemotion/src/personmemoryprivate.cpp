@@ -210,4 +210,36 @@ void PersonMemoryPrivate::add(const PersonObservation& observation, DiagnosticTe
   std::apply([&](const auto&... places) { (file(places, observation, *this, report), ...); }, filings);
 }
 
+template <typename T>
+const ShortTermMemory<T>* PersonMemoryPrivate::memoryOf(FieldOf<T> reading) const
+{
+  const ShortTermMemory<T>* memory = nullptr;
+  const auto compare = [&](const auto& place) {
+    if constexpr (std::is_same_v<decltype(place.reading), FieldOf<T>>)
+    {
+      if (place.reading == reading)
+        memory = &(this->*place.memory);
+    }
+  };
+  std::apply([&compare](const auto&... places) { (compare(places), ...); }, filings);
+  return memory;
+}
+
+// Each kind of value of the readings.
+template const ShortTermMemory<HeadPosture>* PersonMemoryPrivate::memoryOf(FieldOf<HeadPosture>) const;
+template const ShortTermMemory<float>* PersonMemoryPrivate::memoryOf(FieldOf<float>) const;
+template const ShortTermMemory<bool>* PersonMemoryPrivate::memoryOf(FieldOf<bool>) const;
+template const ShortTermMemory<Smile>* PersonMemoryPrivate::memoryOf(FieldOf<Smile>) const;
+template const ShortTermMemory<Gaze>* PersonMemoryPrivate::memoryOf(FieldOf<Gaze>) const;
+template const ShortTermMemory<Expressions>* PersonMemoryPrivate::memoryOf(FieldOf<Expressions>) const;
+template const ShortTermMemory<ValueConfidence<bool>>* PersonMemoryPrivate::memoryOf(
+    FieldOf<ValueConfidence<bool>>) const;
+template const ShortTermMemory<ValueConfidence<unsigned int>>* PersonMemoryPrivate::memoryOf(
+    FieldOf<ValueConfidence<unsigned int>>) const;
+template const ShortTermMemory<FacialPoints>* PersonMemoryPrivate::memoryOf(FieldOf<FacialPoints>) const;
+template const ShortTermMemory<VoiceEmotion>* PersonMemoryPrivate::memoryOf(FieldOf<VoiceEmotion>) const;
+template const ShortTermMemory<std::int32_t>* PersonMemoryPrivate::memoryOf(FieldOf<std::int32_t>) const;
+template const ShortTermMemory<ContextEmotion>* PersonMemoryPrivate::memoryOf(FieldOf<ContextEmotion>) const;
+template const ShortTermMemory<RobotHeadPosture>* PersonMemoryPrivate::memoryOf(FieldOf<RobotHeadPosture>) const;
+
 }  // namespace KV

@@ -30,6 +30,10 @@ struct PersonMemoryPrivate
   /// As above, and appends the report to `report`.
   void add(const PersonObservation& observation, DiagnosticText& report);
 
+  /// Returns the memory of this reading; null if the reading is never remembered.
+  template <typename T>
+  const ShortTermMemory<T>* memoryOf(PersonObservation::Reading<T> PersonObservation::*reading) const;
+
   ShortTermMemory<HeadPosture> headPostureMemory{readingHorizon};
   ShortTermMemory<float> distanceMemory{readingHorizon};
   ShortTermMemory<bool> lookingAtRobotMemory{readingHorizon};

@@ -85,6 +85,7 @@ PersonState::PersonState(float valence, float valenceConfidence, float attention
   _p->_setValenceConfidence(valenceConfidence);
   _p->_setAttention(attention);
   _p->_setAttentionConfidence(attentionConfidence);
+  _p->hadValenceEvidence = true;
 }
 
 PersonState::~PersonState() = default;
@@ -156,6 +157,11 @@ ValueConfidence<float> PersonState::personEmotion(PersonDescription description)
 ValueConfidence<float> PersonState::personValence() const
 {
   return _p->valence;
+}
+
+bool PersonState::hadValenceEvidence() const
+{
+  return _p->hadValenceEvidence;
 }
 
 ValueConfidence<int> PersonState::personValenceBinary() const

@@ -89,6 +89,7 @@ PersonStatePrivate::PersonStatePrivate()
 PersonStatePrivate::PersonStatePrivate(const PersonStatePrivate& other)
   : bodyLanguageState(other.bodyLanguageState),
     valence(other.valence),
+    hadValenceEvidence(other.hadValenceEvidence),
     attention(other.attention),
     attentionZone(other.attentionZone),
     smile(other.smile),

@@ -152,6 +152,7 @@ struct PersonStatePrivate
   BodyLanguageState bodyLanguageState;
   ValueConfidence<float> valence;            ///< smoothed
   ValueConfidence<float> unsmoothedValence;  ///< follows every force on the valence from a start of its own
+  bool hadValenceEvidence = false;           ///< a source of valence other than body language has acted
   ValueConfidence<float> attention;
   ko::human::AttentionState attentionZone = ko::human::AttentionState::Unknown;
   Smile smile;

@@ -425,6 +425,7 @@ private:
   {
     _state._applyForceValence(target, weight, source);
     _valenceObserved = true;
+    _state.hadValenceEvidence = true;
   }
 
   // Head and gaze

@@ -6,12 +6,16 @@
 
 #include <skeigiot/personmemory.hpp>
 #include <skeigiot/personobservation.hpp>
+#include <skeigiot/readings.hpp>
 #include <skeigiot/shorttermmemory.hpp>
 
 #include <boost/thread/lock_guard.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace py = pybind11;
@@ -174,18 +178,67 @@ void bindShortTermMemory(py::module_& module)
   allowTypeParameter(memory);
 }
 
+/// What a memory holds, its record as Python sees it.
+struct AnyRemembered
+{
+  std::size_t count = 0;
+  py::object youngest = py::none();
+};
+
+AnyRemembered remembered(const KV::PersonMemory& memory, const std::string& reading)
+{
+  AnyRemembered result;
+  bool isReading = false;
+  KV::forEachReading([&](const auto& known) {
+    if (reading != known.name)
+      return;
+    isReading = true;
+    const auto found = unlocked([&] { return memory.remembered(known.field); });
+    result.count = found.count;
+    if (found.youngest)
+      result.youngest = objectOf(*found.youngest);
+  });
+  if (!isReading)
+    throw py::value_error("there is no reading " + std::string(py::repr(py::str(reading))));
+  return result;
+}
+
+void bindRemembered(py::module_& module)
+{
+  py::class_<AnyRemembered> record(module, "Remembered",
+                                   "What a memory holds of one reading: a copy, see PersonMemory.remembered(). "
+                                   "Cannot be changed.");
+  record
+      .def(py::init([](std::size_t count, py::object youngest) {
+             return AnyRemembered{count, std::move(youngest)};
+           }),
+           py::arg("count"), py::arg("youngest"))
+      .def_readonly("count", &AnyRemembered::count, "how many records are remembered")
+      .def_readonly("youngest", &AnyRemembered::youngest,
+                    "the record with the greatest time, a Timestamped; None if there are no records");
+  describeRecord(record, {"count", "youngest"});
+}
+
 }  // namespace
 
 void bindMemory(py::module_& module)
 {
   bindShortTermMemory(module);
+  bindRemembered(module);
   py::class_<KV::PersonMemory>(module, "PersonMemory",
                                "The short-term memories of one person, one for each kind of reading.\n\n"
                                "A handle: the memories of a person and of its copies are the same.")
       .def(py::init<>(), "Makes empty memories of its own.")
       .def("add", &KV::PersonMemory::add, py::arg("observation"), Unlocked(),
            "Files each reading of the observation into its memory, under the reading's own time.\n\n"
-           "headHeight and voiceEmotion are not remembered. A reading that is absent leaves its memory untouched.");
+           "headHeight and voiceEmotion are not remembered. A reading that is absent leaves its memory untouched.")
+      .def("remembered", &remembered, py::arg("reading"),
+           "Returns how many records of a reading are remembered, and the youngest of them: "
+           "memory.remembered(\"age\").youngest.\n\n"
+           "Records older than the horizon, 7 s or for a context emotion 20 s, do not count. Nothing is forgotten or "
+           "changed. headHeight and voiceEmotion are never remembered, so their count is 0. May be called in a force "
+           "callback, and beside an update on another thread.\n\n"
+           "Raises ValueError if there is no reading of that name.");
 }
 
 }  // namespace binding

@@ -69,6 +69,11 @@ void bindEstimates(Class& state)
       "the negative part of the valence, 0 or more");
   bindQuery(state, "personValence", "valence", &PersonState::personValence,
             "the smoothed valence, from -1 (negative) to 1 (positive)");
+  state.def("hadValenceEvidence", &PersonState::hadValenceEvidence,
+            "Tells whether any source of valence ever acted on this state: face, smile, voice, words, touch or "
+            "context.\n\n"
+            "Until then the valence means nothing, though its confidence may be above 0: well seen facial points "
+            "raise it, and body language alone moves the valence a little.");
   bindQuery(state, "personValenceBinary", "valenceBinary", &PersonState::personValenceBinary,
             "the valence as 1 (above 0.2), 0, or -1 (-0.2 or below, or NaN), with the valence's confidence.\n\n"
             "The limits are fixed numbers in double precision, not the process-wide boundaries, and the confidence "

@@ -1,7 +1,9 @@
 """Log records of the library in Python's logging."""
 
 import logging
+import logging.handlers
 import os
+import queue
 import subprocess
 import sys
 import threading
@@ -130,3 +132,21 @@ def test_an_interpreter_that_ends_while_threads_log_ends_well() -> None:
     )
 
     assert done.returncode == 0, done.stderr
+
+
+def test_a_queue_leaves_the_graph_to_the_loop() -> None:
+    # A handler that called the graph itself would wait for ever: the update logs under the graph's mutex.
+    records: "queue.SimpleQueue[logging.LogRecord]" = queue.SimpleQueue()
+    handler = logging.handlers.QueueHandler(records)
+    graph = kv.SocialGraph()
+    logging.getLogger(STATE).addHandler(handler)
+    try:
+        with ko.ManualClock(10**18):
+            old = kv.PersonObservation(voiceEmotion=(10**18 - 5 * 10**9, kv.VoiceEmotion()))
+            graph.updateOrCreate(7, lambda person: person.update(old))
+    finally:
+        logging.getLogger(STATE).removeHandler(handler)
+
+    assert records.get_nowait().getMessage() == "Processing old observation from 5 s ago of Voice Emotion"
+    assert graph.find(7) is not None
+    graph.remove(7)

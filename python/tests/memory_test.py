@@ -169,3 +169,42 @@ def test_other_threads_run_while_one_waits_for_the_memory(operation: str) -> Non
     waiter.join(timeout=60)
 
     assert order == ["clock", "operation"]
+
+
+def test_a_person_tells_what_is_remembered_of_a_reading() -> None:
+    person = kv.Person()
+    with ko.ManualClock(10 * SECOND) as clock:
+        person.update(kv.PersonObservation(age=kv.ValueConfidence(33, 0.5)))
+        clock.advance(SECOND)
+        person.update(kv.PersonObservation(age=kv.ValueConfidence(34, 0.5)))
+
+        remembered = person.personMemory.remembered("age")
+
+        assert remembered == kv.Remembered(2, kv.Timestamped(11 * SECOND, kv.ValueConfidence(34, 0.5)))
+        assert repr(remembered).startswith("Remembered(count=2, youngest=Timestamped(")
+
+
+def test_what_is_older_than_the_horizon_is_not_told() -> None:
+    memory = kv.PersonMemory()
+    with ko.ManualClock(10 * SECOND) as clock:
+        memory.add(kv.PersonObservation(speaking=True))
+        clock.advance(7 * SECOND)
+        assert memory.remembered("speaking").count == 1
+        clock.advance(SECOND)
+        assert memory.remembered("speaking") == kv.Remembered(0, None)
+
+
+@pytest.mark.parametrize("name", EVERY_READING)
+def test_each_reading_can_be_asked_for(name: str) -> None:
+    memory = kv.PersonMemory()
+    with ko.ManualClock(SECOND):
+        memory.add(kv.PersonObservation(**{name: EVERY_READING[name]}))
+        isRemembered = name not in ("headHeight", "voiceEmotion")
+        assert memory.remembered(name).count == int(isRemembered)
+        youngest = memory.remembered(name).youngest
+        assert (youngest == kv.Timestamped(SECOND, EVERY_READING[name])) == isRemembered
+
+
+def test_only_readings_can_be_asked_for() -> None:
+    with pytest.raises(ValueError, match="there is no reading 'mood'"):
+        kv.PersonMemory().remembered("mood")

@@ -59,6 +59,17 @@ def test_each_query_is_a_property_as_well(query: str, named: str) -> None:
     assert type(getattr(person.personState, named)) is type(answer)
 
 
+def test_facial_points_and_body_language_are_no_evidence_of_valence() -> None:
+    person = kv.Person()
+    points = kv.FacialPoints([((1.0, 2.0), 1.0)] * 12)
+    person.update(kv.PersonObservation(facialPoints=points, headPosture=kv.HeadPosture(0.0, 10.0, 0.0)))
+    assert person.personState.valence.confidence > 0.0
+    assert not person.personState.hadValenceEvidence()
+
+    person.update(kv.PersonObservation(touchEmotion=1))
+    assert person.personState.hadValenceEvidence()
+
+
 def test_the_parts_of_the_valence_are_properties() -> None:
     state = kv.PersonState(-0.5, 0.25, 0.0, 0.0)
 

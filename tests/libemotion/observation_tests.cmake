@@ -18,6 +18,7 @@ set(OBSERVATION_TESTS
     # memories
     personmemory_test.cpp
     personmemoryreport_test.cpp
+    remembered_test.cpp
     shorttermmemory_test.cpp
     # classification
     argmaxclassifiertype_test.cpp

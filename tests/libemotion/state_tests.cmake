@@ -5,6 +5,7 @@ set(STATE_TESTS
     personstate_test.cpp
     personstateprivate_test.cpp
     personstateupdate_confidence_test.cpp
+    personstateupdate_evidence_test.cpp
     personstateupdate_face_test.cpp
     personstateupdate_gaze_test.cpp
     personstateupdate_head_test.cpp

@@ -5,10 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <limits>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace
@@ -28,6 +30,38 @@ TEST(Timestamped, KeepsTimeAndValue)
 
   EXPECT_EQ(start, record.time);
   EXPECT_EQ("value", record.value);
+}
+
+TEST(Timestamped, TakesATimeOfTheStandardLibrary)
+{
+  const std::chrono::system_clock::time_point time(std::chrono::duration_cast<std::chrono::system_clock::duration>(
+      std::chrono::nanoseconds(start.time_since_epoch().count())));
+  const Timestamped record(time, 0.5f);
+
+  EXPECT_EQ(start, record.time);
+  EXPECT_EQ(0.5f, record.value);
+}
+
+TEST(Timestamped, TakesTimesOfTheStandardLibraryOfAnyUnitAndSign)
+{
+  using std::chrono::system_clock;
+  const std::chrono::time_point<system_clock, std::chrono::seconds> second(std::chrono::seconds(-3));
+  const std::chrono::time_point<system_clock, std::chrono::duration<double>> half(std::chrono::duration<double>(0.5));
+
+  EXPECT_EQ(atNanoseconds(-3000000000), Timestamped<int>(second, 0).time);
+  EXPECT_EQ(atNanoseconds(500000000), Timestamped<int>(half, 0).time);
+}
+
+TEST(Timestamped, RefusesTimesOfAClockThatDoesNotCountFrom1970)
+{
+  EXPECT_FALSE((std::is_constructible_v<Timestamped<int>, std::chrono::steady_clock::time_point, int>));
+}
+
+TEST(Timestamped, StillTakesATimeThatIsMadeInPlace)
+{
+  const Timestamped<int> record({}, 3);
+
+  EXPECT_EQ(atNanoseconds(0), record.time);
 }
 
 TEST(Timestamped, IsGreaterThanAnOlderOne)

@@ -32,6 +32,10 @@ public:
   /// the previous update: at a camera's 30 Hz a head that turns away slowly never counts as turned. Call updateMemory()
   /// for what is observed in between, or leave both to KV::session::Pacer, which updates 10 times a second.
   ///
+  /// A new voice emotion that is more than 3 s old acts in full all the same, and is logged as a warning in the
+  /// category "kvmood.emotionalstate". Inside a callback of a SocialGraph, log handlers then run under the graph's
+  /// mutex.
+  ///
   /// Equivalent to updateMemory() followed by _updateOnlineModels(). An exception of a step, such as std::bad_alloc or
   /// one of the clock, passes to the caller; what the steps before it did stays done: readings that were filed stay
   /// filed, and one whose time the state has seen does not act again when the observation is given a second time. No

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/personobservation.hpp>
+#include <skeigiot/remembered.hpp>
 
 #include <boost/smart_ptr/shared_ptr.hpp>
 
@@ -8,7 +10,6 @@ namespace KV
 {
 
 struct PersonMemoryPrivate;
-struct PersonObservation;
 
 /// The short-term memories of one person, one for each kind of reading.
 ///
@@ -39,6 +40,20 @@ public:
   ///   may see the observation half filed. Add to one record from one thread at a time, since what was filed is looked
   ///   at again without the mutex.
   void add(const PersonObservation& observation);
+
+  /// Returns how many records of a reading are remembered, and the youngest of them:
+  /// `memory.remembered(&KV::PersonObservation::age).youngest`.
+  ///
+  /// Records older than the horizon, 7 s or for a context emotion 20 s, do not count. Nothing is forgotten or changed:
+  /// asking leaves the estimate as it is. `headHeight` and `voiceEmotion` are never remembered, so their count is 0.
+  ///
+  /// \par Thread safety
+  ///   Takes the mutex of this one memory, and reads the clock under it. May run beside an update of the person, and
+  ///   inside a force callback.
+  /// \par Complexity
+  ///   Logarithmic in the number of records.
+  template <typename T>
+  Remembered<T> remembered(PersonObservation::Reading<T> PersonObservation::*reading) const;
 
   boost::shared_ptr<PersonMemoryPrivate> _p;  ///< the shared record, for the library's own components
 };

@@ -23,22 +23,24 @@ namespace KV
 ///
 /// The library never modifies an observation and never assumes that a reading is there; one without any reading is
 /// valid.
+///
+/// PersonMemory::remembered() tells what is remembered, also of the readings that the estimate does not use.
 struct SKEIGIOT_API PersonObservation
 {
   /// A value and when it was observed, or nothing.
   template <typename T>
   using Reading = boost::optional<Timestamped<T>>;
 
-  Reading<bool> lookingAtRobot;                ///< kept for callers for 7 s; the estimate does not read it
+  Reading<bool> lookingAtRobot;                ///< remembered for 7 s; not read by the estimate
   Reading<float> headHeight;                   ///< [m] above the floor; kept in the state, never remembered
   Reading<float> distance;                     ///< [m] from the robot; 0 is assumed where it is missing
   Reading<Gaze> gaze;                          ///< remembered for 7 s
   Reading<Smile> smile;                        ///< acts once per time stamp
   Reading<Expressions> expressions;            ///< facial expressions; acts once per time stamp
   Reading<HeadPosture> headPosture;            ///< remembered for 7 s
-  Reading<ValueConfidence<bool>> gender;       ///< kept for callers for 7 s, who say what true means
-  Reading<ValueConfidence<unsigned int>> age;  ///< [years]; kept for callers for 7 s
-  Reading<bool> faceDetected;                  ///< kept for callers for 7 s; the estimate does not read it
+  Reading<ValueConfidence<bool>> gender;       ///< remembered for 7 s; callers say what true means
+  Reading<ValueConfidence<unsigned int>> age;  ///< [years]; remembered for 7 s
+  Reading<bool> faceDetected;                  ///< remembered for 7 s; not read by the estimate
   Reading<FacialPoints> facialPoints;          ///< remembered for 7 s
   Reading<VoiceEmotion> voiceEmotion;          ///< acts once per time stamp, never remembered
   Reading<float> asrEmotion;                   ///< valence of the recognised speech; only its sign counts; 7 s

@@ -97,6 +97,13 @@ public:
   /// Returns the smoothed valence, from -1 (negative) to 1 (positive).
   ValueConfidence<float> personValence() const;
 
+  /// Tells whether any source of valence ever acted on this record: face, smile, voice, words, touch or context.
+  ///
+  /// Until then the valence means nothing, though its confidence may be above 0: well seen facial points raise it, and
+  /// body language alone moves the valence a little. A state made of numbers says true, and one that was read from its
+  /// wire form false before its first update.
+  bool hadValenceEvidence() const;
+
   /// Returns the valence as 1 (above 0.2), 0, or -1 (-0.2 or below, or NaN), with the valence's confidence.
   ///
   /// Deliberate: the limits are fixed numbers in double precision, not the process-wide boundaries, and the confidence

@@ -17,8 +17,9 @@ namespace KV
 ///
 /// \par Thread safety
 ///   Every operation holds the graph's one mutex for its whole run, callbacks included. The mutex is not recursive: a
-///   callback that calls back into the same graph blocks for ever. Persons returned by persons() and find() share their
-///   records with the stored ones and are not protected by the graph.
+///   callback that calls back into the same graph blocks for ever. So does a log handler that calls the graph, if the
+///   warning is logged inside a callback, as Person::update() does: see ko::log::addHandler(). Persons returned by
+///   persons() and find() share their records with the stored ones and are not protected by the graph.
 /// \par Failures
 ///   An operation that throws, since memory has run out or a callback threw, leaves the graph unlocked; the persons in
 ///   it are the same as before, but for one whom updateOrCreate() added before the callback.

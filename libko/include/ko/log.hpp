@@ -79,8 +79,8 @@ struct Record
 ///
 /// \throws std::bad_alloc, and what the clock source of the thread throws; no handler has received the record then.
 /// \par Thread safety
-///   Safe from any thread. No lock is held while a handler runs, so a handler may log, add and remove handlers; it may
-///   be called from several threads at once.
+///   Safe from any thread. The log holds no lock of its own while a handler runs, so a handler may log, add and remove
+///   handlers; it may be called from several threads at once. Locks of whoever logs are held, see addHandler().
 KO_API void log(Level level, const Category& category, const std::string& message, const std::string& file,
                 const std::string& function, int line);
 
@@ -92,6 +92,11 @@ KO_API void log(Level level, const std::string& category, const std::string& mes
 using HandlerId = int;
 
 /// Adds a handler that receives every record from now on, and returns its id (never the same twice in a process).
+///
+/// A handler runs on the thread that logs, in the middle of its work, and that thread may hold locks. So a handler must
+/// not call what takes them: it would wait for ever. The case to know: a person is updated inside a callback of a
+/// KV::SocialGraph, the update logs a warning, and the handler calls the same graph. Let the handler put what is to be
+/// done into a queue, and do it after the callback; docs/threads-and-locks.md has the pattern.
 ///
 /// \throws boost::bad_function_call "call to empty boost::function" if `handler` is empty.
 /// \par Thread safety

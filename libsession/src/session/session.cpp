@@ -18,6 +18,7 @@ Snapshot snapshotOf(const KV::PersonState& state)
 {
   Snapshot snapshot;
   snapshot.valence = state.personValence();
+  snapshot.hadValenceEvidence = state.hadValenceEvidence();
   snapshot.valenceBinary = state.personValenceBinary();
   snapshot.unsmoothedValenceBinary = state.personUnsmoothedValenceBinary();
   snapshot.attention = state.personAttention();

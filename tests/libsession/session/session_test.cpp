@@ -64,6 +64,26 @@ TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
   EXPECT_GT(log.snapshots.back().valence.value, 0.2f) << "the smile had no effect: the comparison shows nothing";
 }
 
+TEST_F(SessionTest, DoesNotKnowTheValenceOfAFaceOfWhichOnlyPointsAndPoseAreTold)
+{
+  KV::recordings::Step entry = entryAt(0.);
+  entry.person = 4;
+  KV::FacialPoints points;
+  for (int i = 0; i < 12; ++i)
+    points.setFacialPoint(static_cast<KV::PointDescription>(i), {{1.f, 2.f}, 1.f});
+  entry.observation.facialPoints.emplace(entry.time, points);
+  entry.observation.headPosture.emplace(entry.time, KV::HeadPosture(0.f, 10.f, 0.f));
+  Session session({}, {&log});
+  session.play(entry);
+  EXPECT_GT(log.snapshots.back().valence.confidence, 0.f);
+  EXPECT_NE(0.f, log.snapshots.back().valence.value) << "by the body language";
+  EXPECT_FALSE(log.snapshots.back().isValenceKnown());
+  EXPECT_TRUE(log.snapshots.back().isAttentionKnown());
+
+  session.play(seenAt(0.1, 4));
+  EXPECT_TRUE(log.snapshots.back().isValenceKnown());
+}
+
 TEST_F(SessionTest, UpdatesWithEachStepAtTheRecordedRate)
 {
   Session session({}, {&log}, KV::session::Cycle::recorded());

@@ -30,7 +30,7 @@ struct SKEIGIOT_API Snapshot
   KV::PleasureState pleasure = KV::PleasureUnknown;                     ///< the mood, in a word
   KV::BodyLanguageEase ease;  ///< from the head postures; level in [-0.5, 0.5]
 
-  /// Whether a source of valence ever acted on the person. Body language is none: it only tints what others say.
+  /// Whether a source of valence ever acted on the person, see PersonState::hadValenceEvidence().
   bool hadValenceEvidence = true;
 
   /// \name Unknown estimates
