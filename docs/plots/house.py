@@ -92,6 +92,7 @@ HEADERS = {
     "skeigiot/session/exportfields.hpp": "session",
     "skeigiot/session/exportformat.hpp": "export",
     "skeigiot/session/orderedjobs.hpp": "session",
+    "skeigiot/session/reportorigin.hpp": "report",
     "skeigiot/session/sessionobserver.hpp": "session",
     "skeigiot/session/snapshot.hpp": "session",
     "skeigiot/session/spanexplanation.hpp": "analysis",

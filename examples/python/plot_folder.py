@@ -11,6 +11,7 @@ from pathlib import Path
 from typing import Any
 
 import matplotlib
+import numpy as np
 
 matplotlib.use("Agg")  # draws into files, without a screen
 import matplotlib.pyplot as pyplot
@@ -23,10 +24,17 @@ def print_means(replays: list[skeigiot.Replay]) -> None:
     for replay in replays:
         for number, updates in replay.persons.items():
             at_robot = (updates["zone"] == "LookingAtRobot").mean()
+            shown = f"{at_robot:.0%}" if updates["attention_known"].any() else "unknown"
             print(
-                f"{updates['valence'].mean():+7.2f}  {updates['attention'].mean():9.2f}  {at_robot:18.0%}"
+                f"{mean_of(updates, 'valence', '+.2f'):>7}  {mean_of(updates, 'attention', '.2f'):>9}  {shown:>18}"
                 f"  person {number} in {Path(replay.name).name}"
             )
+
+
+def mean_of(updates: skeigiot.Columns, quantity: str, form: str) -> str:
+    """Returns the mean while the quantity was known: before the first evidence its numbers mean nothing."""
+    known = updates[quantity][updates[quantity + "_known"]]
+    return format(known.mean(), form) if known.size > 0 else "unknown"
 
 
 def draw(replays: list[skeigiot.Replay], picture: Path) -> None:
@@ -45,11 +53,12 @@ def draw(replays: list[skeigiot.Replay], picture: Path) -> None:
 def draw_quantity(axis: Any, replay: skeigiot.Replay, quantity: str, limits: tuple[float, float]) -> None:
     """Draws a line for each person, in a band that is the wider the less sure the estimate is."""
     for number, updates in replay.persons.items():
+        known = np.where(updates[quantity + "_known"], updates[quantity], np.nan)  # no line where it is unknown
         doubt = 0.15 * (1.0 - updates[quantity + "_confidence"])
-        (line,) = axis.plot(updates["time"], updates[quantity], label=f"person {number}")
-        axis.fill_between(
-            updates["time"], updates[quantity] - doubt, updates[quantity] + doubt, color=line.get_color(), alpha=0.2
-        )
+        (line,) = axis.plot(updates["time"], known, label=f"person {number}")
+        axis.fill_between(updates["time"], known - doubt, known + doubt, color=line.get_color(), alpha=0.2)
+    if not any(updates[quantity + "_known"].any() for updates in replay.persons.values()):
+        axis.text(0.5, 0.5, "no data", ha="center", va="center", transform=axis.transAxes)
     axis.set_ylim(limits)
     axis.set_ylabel(quantity)
     axis.grid(alpha=0.3)

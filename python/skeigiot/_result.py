@@ -91,15 +91,17 @@ class Replay:
     - recording: number of the session, from 1
     - person: identifier
     - time: [s] since the start of the recording
-    - clock: the time itself, datetime64[ns] in UTC
+    - clock: the time itself, datetime64[ns] in UTC; NaT where the recording has no date
     - seen: whether the person was observed in this update, or only aged
     - valence, valence_confidence: -1 to 1, 0 to 1, in single precision as all estimates
     - valence_binary: 1, 0 or -1
-    - unsmoothed_valence_binary, unsmoothed_valence_confidence: of the valence that follows the observations at once
+    - unsmoothed_valence_binary, unsmoothed_valence_confidence: of a second valence that the same forces move
     - attention, attention_confidence: 0 to 1 each
     - zone: "LookingAtRobot", "LookingUp", ..., "LookingDownRight" or "Unknown"
     - pleasure: "positive", "neutral", "negative" or "unknown"
     - ease, ease_confidence: of the body language, -0.5 to 0.5, 0 to 1
+    - valence_known, attention_known: False where nothing told of it so far; the numbers then mean nothing, so leave
+      them out of means: updates["valence"][updates["valence_known"]].mean()
 
     persons has the rows of each person, by the number of the person.
 

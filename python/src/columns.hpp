@@ -2,10 +2,13 @@
 
 #include <ko/systemclock.hpp>
 
+#include <boost/optional/optional.hpp>
+
 #include <pybind11/pybind11.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -26,6 +29,11 @@ public:
   void operator()(const char* name, std::int64_t value) { _of<std::int64_t>(name).push_back(value); }
   void operator()(const char* name, float value) { _of<float>(name).push_back(value); }
   void operator()(const char* name, ko::SystemClock::duration value) { (*this)(name, value.count()); }
+  /// What is missing is the least number, which NumPy takes for "not a time".
+  void operator()(const char* name, const boost::optional<ko::SystemClock::duration>& value)
+  {
+    (*this)(name, value ? value->count() : std::numeric_limits<std::int64_t>::min());
+  }
   void operator()(const char* name, std::string_view value);
 
   /// Returns a dict with an array for each column, and leaves the table empty. A column of texts is a pair: codes, and

@@ -49,7 +49,7 @@ void ReplayRecord::ambianceUpdated(float agitation, KV::ExcitationState excitati
   Columns& ambiance = _tables.ambiance;
   ambiance.beginRow();
   ambiance("time", _now - _start);
-  ambiance("clock", _now.time_since_epoch());
+  ambiance("clock", boost::make_optional(_isDated, _now.time_since_epoch()));
   ambiance("agitation", agitation);
   ambiance("excited", excitation == KV::AmbianceExcited);
 }

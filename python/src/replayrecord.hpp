@@ -34,6 +34,7 @@ public:
   bool watchesForces() const override { return _explain; }
   void forceActed(const KV::Force& force) override;
   void zoneChanged(const KV::ZoneChange& change) override;
+  void recordingDated(bool isDated) override { _isDated = isDated; }
   void stepBegins(const KV::recordings::Step& entry) override;
   void personUpdated(const KV::session::Snapshot& snapshot) override;
   void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
@@ -44,6 +45,7 @@ private:
   bool _explain;
   ReplayTables& _tables;
   std::int64_t _updates = 0;
+  bool _isDated = true;
   bool _begun = false;
   KV::session::TimePoint _start;
   KV::session::TimePoint _now;

@@ -54,7 +54,8 @@ def test_the_plot_shows_every_recording_of_a_folder(tmp_path):
     picture = tmp_path / "plot.png"
     lines = run("plot_folder.py", folder, picture)
     result = skeigiot.replay(folder / "greeting.jsonl")
-    valence = f"{result.persons[1]['valence'].mean():+7.2f}"
+    one = result.persons[1]
+    valence = f"{one['valence'][one['valence_known']].mean():+7.2f}"
     assert [line.split("  ")[-1] for line in lines[1:]] == [
         "person 1 in greeting.jsonl",
         "person 2 in greeting.jsonl",
@@ -63,6 +64,16 @@ def test_the_plot_shows_every_recording_of_a_folder(tmp_path):
     ]
     assert lines[1].startswith(valence)
     assert picture.read_bytes().startswith(b"\x89PNG")
+
+
+def test_the_plot_does_not_average_what_nobody_observed(tmp_path):
+    folder = tmp_path / "recordings"
+    folder.mkdir()
+    (folder / "one.csv").write_text("time,person,reading,yaw,pitch\n0,1,headPosture,0,10\n1,1,headPosture,0,10\n")
+    (folder / "two.csv").write_text("time,person,reading,value\n0,1,touchEmotion,1\n1,1,touchEmotion,1\n")
+    lines = run("plot_folder.py", folder, tmp_path / "plot.png")
+    assert lines[1].split()[0] == "unknown" and lines[1].split()[1] != "unknown"
+    assert lines[2].split()[0].startswith("+") and lines[2].split()[1:3] == ["unknown", "unknown"]
 
 
 def test_the_examples_are_typed(monkeypatch):

@@ -14,7 +14,7 @@ COMMAND = os.environ["SKEIGIOT_COMMAND"]
 REAL = pathlib.Path(os.environ["SKEIGIOT_REAL_RECORDINGS"])
 
 TEXTS = {"zone", "pleasure"}
-TRUTHS = {"seen"}
+TRUTHS = {"seen", "valence_known", "attention_known"}
 WHOLE = {"recording", "person", "valence_binary", "unsmoothed_valence_binary"}
 
 OPENFACE = """frame, face_id, timestamp, confidence, success, gaze_angle_x, gaze_angle_y, pose_Tx, pose_Ty, pose_Tz, \
@@ -91,6 +91,8 @@ def _as_exported(name, column):
 
 
 def _canonical(name, text):
+    if name == "clock" and not text:
+        return int(np.iinfo(np.int64).min)  # not a time
     if name == "clock":
         seconds, _, decimals = text.partition(".")
         return int(seconds) * 10**9 + int(decimals.ljust(9, "0"))

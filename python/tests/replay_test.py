@@ -45,6 +45,28 @@ def test_has_what_the_command_exports_of_files_of_front_ends(written, text):
     assert_same_as_export(skeigiot.replay(path).updates, exported(path))
 
 
+def test_has_no_clock_where_the_recording_has_no_date(written):
+    path = written(recordings.OPENFACE)
+    updates = skeigiot.replay(path).updates
+    assert np.isnat(updates["clock"]).all()
+    assert set(exported(path)["clock"]) == {""}
+    assert updates["time"][-1] > 0
+
+
+def test_has_a_clock_where_the_times_count_since_1970(written):
+    path = written("time,person,reading,value\n1700000000.5,1,touchEmotion,1\n")
+    assert skeigiot.replay(path).updates["clock"].tolist() == [1700000000500000000]
+    assert exported(path)["clock"] == ["1700000000.5"]
+
+
+def test_tells_unknown_estimates_from_zeros(written):
+    path = written("time,person,reading,value,yaw,pitch\n0,1,headPosture,,0,10\n1,1,headPosture,,0,10\n2,1,touchEmotion,1,,\n")
+    updates = skeigiot.replay(path).updates
+    assert updates["valence"][0] != 0.0  # by the body language
+    assert updates["valence_known"].tolist() == [False, False, True]
+    assert updates["attention_known"].all()
+
+
 @pytest.mark.parametrize("name", REAL_RECORDINGS)
 def test_has_what_the_command_exports_of_recordings_that_others_made(name):
     path = REAL / name

@@ -87,6 +87,7 @@ struct Contents
   std::string fatal;                  ///< the message of the error that ended it, if one did
   std::vector<std::string> warnings;
   std::vector<std::string> description;
+  bool isDated = false;
 };
 
 /// Reads the recording to its end, over bad lines.
@@ -116,6 +117,7 @@ inline Contents contentsOf(KV::recordings::Reader& reader)
     contents.fatal = error.what();
   }
   contents.warnings = reader.takeWarnings();
+  contents.isDated = reader.isDated();
   return contents;
 }
 

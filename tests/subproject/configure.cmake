@@ -1,6 +1,6 @@
 # Makes a project that adds SKEIGIOT as a subproject, without and, with TOOLS, with the libraries of the command, and compiles
 # its programs. The libraries are not compiled once more, which takes minutes: the commands that would link each program are
-# only shown.
+# only shown. The same is done with the project that docs/getting-started-cpp.md shows.
 #
 # usage: cmake -D SKEIGIOT=... -D WORK=... -D EXAMPLE=... -D CONSUMER=... -D TOOLS=... -D CXX=... -P configure.cmake
 
@@ -23,11 +23,10 @@ function(compile build program)
   message(FATAL_ERROR "${program} would not be compiled")
 endfunction()
 
-# Configures the subproject with the options, and checks the programs.
-function(check folder options programs)
+# Configures a project with the options, and checks its programs.
+function(check_project source folder options programs)
   set(build ${WORK}/${folder})
-  run(${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR} -B ${build} -D SKEIGIOT=${SKEIGIOT} -D EXAMPLE=${EXAMPLE}
-      -D CONSUMER=${CONSUMER} -D CMAKE_CXX_COMPILER=${CXX} -D CMAKE_EXPORT_COMPILE_COMMANDS=ON ${options})
+  run(${CMAKE_COMMAND} -G Ninja -S ${source} -B ${build} -D CMAKE_CXX_COMPILER=${CXX} -D CMAKE_EXPORT_COMPILE_COMMANDS=ON ${options})
   foreach(program IN LISTS programs)
     compile(${build} ${program})
     run(${CMAKE_COMMAND} --build ${build} --target ${program} -- -t commands ${program})
@@ -37,7 +36,26 @@ function(check folder options programs)
   endforeach()
 endfunction()
 
+# Configures the subproject with the options, and checks the programs.
+function(check folder options programs)
+  check_project(${CMAKE_CURRENT_LIST_DIR} ${folder}
+                "-DSKEIGIOT=${SKEIGIOT};-DEXAMPLE=${EXAMPLE};-DCONSUMER=${CONSUMER};${options}" "${programs}")
+endfunction()
+
+# Does what the page says, in a project with the source tree in a folder of its own.
+function(check_page)
+  file(READ ${SKEIGIOT}/docs/getting-started-cpp.md page)
+  if(NOT page MATCHES "```cmake\n(cmake_minimum_required[^`]*add_subdirectory[^`]*)```")
+    message(FATAL_ERROR "the page shows no project with add_subdirectory")
+  endif()
+  file(WRITE ${WORK}/asdocumented/CMakeLists.txt "${CMAKE_MATCH_1}")
+  file(CREATE_LINK ${SKEIGIOT} ${WORK}/asdocumented/skeigiot SYMBOLIC)
+  file(COPY_FILE ${EXAMPLE} ${WORK}/asdocumented/robot.cpp)
+  check_project(${WORK}/asdocumented asdocumented/build "" robot)
+endfunction()
+
 file(REMOVE_RECURSE ${WORK})
+check_page()
 check(plain "" "robot;robot-static")
 if(TOOLS)
   check(tools "-DSKEIGIOT_BUILD_TOOLS=ON;-DSKEIGIOT_REPORT=OFF" "player")

@@ -30,6 +30,7 @@ template <typename Action>
 bool endsDespite(const std::vector<boost::mutex*>& mutexes, Action action)
 {
   std::vector<boost::unique_lock<boost::mutex>> locks;
+  locks.reserve(mutexes.size());
   for (boost::mutex* mutex : mutexes)
     locks.emplace_back(*mutex);
   std::future<void> done = std::async(std::launch::async, action);

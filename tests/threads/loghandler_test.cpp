@@ -18,7 +18,7 @@
 namespace support
 {
 
-boost::mutex& mutexOf(KV::SocialGraph& graph);
+boost::mutex& mutexOf(KV::SocialGraph& object);
 template struct RevealedMutex<KV::SocialGraph, &KV::SocialGraph::_mutex>;
 
 }  // namespace support

@@ -1,6 +1,7 @@
 #include "commands/replay.hpp"
 
 #include "cli/argumentparsing.hpp"
+#include "cli/givenoptions.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
@@ -54,16 +55,18 @@ The verdict on a scope weighs each update by its confidence: "unknown" if that i
 Exports have a line for each update of each person, with these fields:
   recording                          number of the session, from 1
   person                             identifier
-  time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC
+  time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC;
+                                     no clock where the recording has no date
   seen                               whether the person was observed in this update, or only aged
   valence, valence_confidence        -1 to 1, 0 to 1
   valence_binary                     1 above 0.2, -1 from -0.2 downwards, else 0
   unsmoothed_valence_binary, unsmoothed_valence_confidence
-                                     the same of the valence that follows the observations at once
+                                     the same of a second valence that the same forces move
   attention, attention_confidence    0 to 1 each
   zone                               LookingAtRobot, LookingUp, ..., LookingDownRight, or Unknown
   pleasure                           positive, neutral, negative, or unknown
   ease, ease_confidence              of the body language: -0.5 to 0.5, 0 to 1
+  valence_known, attention_known     0 where nothing told of it so far: the numbers then mean nothing
 
 Exit status: 0 if all went well, 2 if a recording or the command line cannot be used (what came before the bad input
 is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
@@ -256,8 +259,10 @@ void addReplayCommand(CLI::App& app, ExitStatus& status)
   addReadingOptions(command, arguments->reading);
   addBoundaryOptions(command);
   command.footer(footer);
-  command.callback([arguments, &status] {
+  command.callback([arguments, &command, &status] {
     arguments->replay.skipBad = arguments->reading.skipBad;
+    arguments->replay.format = arguments->reading.format;
+    arguments->replay.givenOptions = givenReadingOptions(command);
     status = run(*arguments);
   });
 }

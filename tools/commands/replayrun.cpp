@@ -139,7 +139,7 @@ private:
   {
     _exports.commit();
     if (_report)
-      _report->commit(_options.sessions.front(), _said);
+      _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
   }
 
   void _add(const SessionOutcome& outcome)

@@ -36,6 +36,8 @@ struct ReplayOptions
   bool quiet = false;                          ///< nothing is written but errors
   std::map<std::string, std::string> exports;  ///< files by the name of the format; "-" is standard output
   boost::optional<std::string> report;         ///< file of the report of the one session
+  std::string format;                          ///< that all inputs are read as; empty: found out
+  std::vector<std::string> givenOptions;       ///< how the user wanted it read, for the report: "--fps 25"
 };
 
 /// Where a replay reads from and writes to.

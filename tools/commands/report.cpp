@@ -1,5 +1,6 @@
 #include "commands/report.hpp"
 
+#include "cli/givenoptions.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
@@ -99,7 +100,11 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
   addReadingOptions(command, arguments->reading);
   addBoundaryOptions(command);
   command.footer(footer);
-  command.callback([arguments, &status] { status = run(*arguments); });
+  command.callback([arguments, &command, &status] {
+    arguments->replay.format = arguments->reading.format;
+    arguments->replay.givenOptions = givenReadingOptions(command);
+    status = run(*arguments);
+  });
 }
 
 }  // namespace KV::tools

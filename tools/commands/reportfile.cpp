@@ -2,7 +2,15 @@
 
 #include "cli/messages.hpp"
 
+#include <skeigiot/recordings/recording.hpp>
+
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
 #include <sstream>
+#include <system_error>
 
 namespace KV::tools
 {
@@ -10,12 +18,51 @@ namespace KV::tools
 namespace
 {
 
-std::vector<std::string> pathsOf(const session::SessionInputs& session)
+namespace fs = std::filesystem;
+
+/// Returns the size of a file, or of all files in a folder, such as a bag; nothing of a pipe.
+boost::optional<std::uint64_t> sizeOf(const std::string& path)
 {
-  std::vector<std::string> paths;
-  for (const session::SessionInputs::Input& input : session.inputs)
-    paths.push_back(input.path);
-  return paths;
+  std::error_code error;
+  if (fs::is_regular_file(path, error))
+  {
+    const std::uintmax_t size = fs::file_size(path, error);
+    return boost::make_optional(!error, static_cast<std::uint64_t>(size));
+  }
+  if (!fs::is_directory(path, error))
+    return boost::none;
+  std::uint64_t size = 0;
+  for (const fs::directory_entry& entry : fs::directory_iterator(path, error))
+    size += entry.is_regular_file(error) ? entry.file_size(error) : 0;
+  return size;
+}
+
+/// Returns the name of the format; empty if it cannot be found out once more, as of a pipe.
+std::string formatOf(const std::string& path, const std::string& given)
+{
+  if (!given.empty() || !sizeOf(path))
+    return given;
+  try
+  {
+    return recordings::formatNameOf(path);
+  }
+  catch (const recordings::Error&)
+  {
+    return {};
+  }
+}
+
+/// Returns the time, or that of SOURCE_DATE_EPOCH, with which builds are made that can be repeated.
+std::string dateOfToday()
+{
+  std::time_t now = std::time(nullptr);
+  if (const char* const fixed = std::getenv("SOURCE_DATE_EPOCH"))
+    now = static_cast<std::time_t>(std::strtoll(fixed, nullptr, 10));
+  std::tm parts = {};
+  std::array<char, 64> text{};
+  if (gmtime_r(&now, &parts) == nullptr || std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts) == 0)
+    return {};
+  return text.data();
 }
 
 /// Returns the lines that a terminal shows of the messages.
@@ -33,9 +80,17 @@ std::vector<std::string> linesOf(const std::vector<std::string>& messages)
 
 }  // namespace
 
-void ReportFile::commit(const session::SessionInputs& session, const std::vector<std::string>& messages)
+void ReportFile::commit(const session::SessionInputs& session, const std::vector<std::string>& messages,
+                        const std::string& format, const std::vector<std::string>& givenOptions)
 {
-  _report.write(_file.stream(), pathsOf(session), linesOf(messages));
+  session::ReportOrigin origin;
+  for (const session::SessionInputs::Input& input : session.inputs)
+    origin.files.push_back({input.path, sizeOf(input.path), formatOf(input.path, format)});
+  origin.options = givenOptions;
+  origin.notes = linesOf(messages);
+  origin.version = SKEIGIOT_VERSION;
+  origin.made = dateOfToday();
+  _report.write(_file.stream(), origin);
   _file.commit();
 }
 

@@ -22,8 +22,11 @@ public:
 
   /// Writes the page, with these messages of the command, and puts it in its place.
   ///
+  /// \param format        that the inputs were read as; empty: the page says the one that is found out
+  /// \param givenOptions  how the user wanted it read, as typed
   /// \throws WriteError if that fails.
-  void commit(const session::SessionInputs& session, const std::vector<std::string>& messages);
+  void commit(const session::SessionInputs& session, const std::vector<std::string>& messages,
+              const std::string& format, const std::vector<std::string>& givenOptions);
 
 private:
   session::ReplacedFile _file;

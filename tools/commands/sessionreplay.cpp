@@ -100,7 +100,10 @@ private:
   {
     summary.finish();
     for (const std::string& text : outcome.warningLines())
+    {
       _show(_surroundings.style.yellow("warning: " + text) + "\n");
+      _said.push_back("warning: " + text);
+    }
     _showPersons(timeline, summary);
     _showTrust(contents, outcome.learned);
     if (!outcome.leftOut.empty())

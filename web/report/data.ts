@@ -15,17 +15,30 @@ interface RawPerson {
   zone: Base64;
   pleasure: Base64;
   seen: Base64;
+  valenceKnown: Base64;
+  attentionKnown: Base64;
   inputs: Record<string, Base64>;
   valenceChanges: Record<string, Base64>;
   attentionChanges: Record<string, Base64>;
   forces: Record<"ends" | "source" | "quantity" | "target" | "weight" | "before" | "after", Base64>;
 }
 
+/** How the page came about. */
+export interface Origin {
+  files: { path: string; bytes: number | null; format: string }[];
+  readAs: string[];
+  options: string[];
+  version: string;
+  made: string;
+}
+
 interface Facts {
   inputs: string[];
   notes: string[];
+  origin: Origin;
   trust: string;
-  begins: number;
+  /** [s] since 1970; null if the recording has no date. */
+  begins: number | null;
   length: number;
   updatesPerSecond: number;
   gaps: { count: number; longest: number; at: number };
@@ -93,6 +106,9 @@ export interface Person {
   zone: Uint8Array;
   pleasure: Uint8Array;
   seen: Uint8Array;
+  /** 0 where nothing told of the estimate so far: its number means nothing then. */
+  valenceKnown: Uint8Array;
+  attentionKnown: Uint8Array;
   inputs: Map<string, Float32Array>;
   valenceChanges: Change[];
   attentionChanges: Change[];
@@ -173,6 +189,8 @@ function person(raw: RawPerson, sources: string[]): Person {
     zone: bytes(raw.zone),
     pleasure: bytes(raw.pleasure),
     seen: bytes(raw.seen),
+    valenceKnown: bytes(raw.valenceKnown),
+    attentionKnown: bytes(raw.attentionKnown),
     inputs: new Map(Object.entries(raw.inputs).map(([name, text]) => [name, floats(text)])),
     valenceChanges: changes(raw.valenceChanges, sources),
     attentionChanges: changes(raw.attentionChanges, sources),

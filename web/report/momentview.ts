@@ -57,18 +57,22 @@ function estimates(recording: Recording, person: Person, moment: number): HTMLEl
   const valence = person.valence[moment];
   const attention = person.attention[moment];
   const zone = person.seen[moment] ? zoneWord(recording.zoneNames[person.zone[moment]]) : "not visible";
-  const isFelt = person.valenceConfidence[moment] > 0;
+  const isValenceKnown = person.valenceKnown[moment] > 0;
+  const isAttentionKnown = person.attentionKnown[moment] > 0;
   return [
     line("time", [`person ${person.id}`], number("time", person.time[moment], clock(person.time[moment], 2))),
     line(
       "valence",
-      [isFelt ? `${valenceWord(valence)}, ` : "", ...sureness("valenceConfidence", person.valenceConfidence[moment])],
-      number("valence", valence, signed(valence)),
+      [
+        isValenceKnown ? `${valenceWord(valence)}, ` : "",
+        ...sureness("valenceConfidence", person.valenceConfidence[moment]),
+      ],
+      number("valence", valence, isValenceKnown ? signed(valence) : "unknown"),
     ),
     line(
       "attention",
       sureness("attentionConfidence", person.attentionConfidence[moment]),
-      number("attention", attention, percent(attention)),
+      number("attention", attention, isAttentionKnown ? percent(attention) : "unknown"),
     ),
     line("zone", [], state("zone", zone)),
     line("pleasure", [], state("pleasure", recording.pleasureNames[person.pleasure[moment]])),

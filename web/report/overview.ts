@@ -3,6 +3,7 @@
 import { ChartGroup, measuringAxis, timeAxis } from "../shared/chartgroup";
 import { Person, Recording, Scope } from "./data";
 import { element, table } from "../shared/dom";
+import { originCard } from "./origin";
 import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
 import { cssColor } from "../shared/theme";
 
@@ -25,7 +26,7 @@ function gapsText({ gaps }: Recording): string {
 
 export function showHeader(target: HTMLElement, recording: Recording): void {
   const { begins, inputs, length, persons, updatesPerSecond } = recording;
-  const date = new Date(begins * 1000).toISOString().replace("T", " ").slice(0, 19);
+  const date = begins === null ? "no date" : new Date(begins * 1000).toISOString().replace("T", " ").slice(0, 19);
   const title = inputs.map(baseName).join(" + ");
   document.title = `${title} · skeigiot`;
   target.replaceChildren(
@@ -38,8 +39,8 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
       ["gaps of a second or more", gapsText(recording)],
       ["begins (UTC)", date],
     ]),
+    originCard(recording),
     element("p", { class: "note" }, `Trust: ${recording.trust}.`),
-    ...recording.notes.map((note) => element("p", { class: "note" }, note)),
   );
 }
 
@@ -129,6 +130,5 @@ export function showRecording(target: HTMLElement, recording: Recording): void {
   target.replaceChildren(
     element("div", { class: "two" }, scopesCard(recording), boundariesCard(recording)),
     element("p", { class: "note" }, thinningText(recording)),
-    element("p", { class: "note" }, `Read from ${recording.inputs.join(", ")}. Made by skeigiot report.`),
   );
 }

@@ -105,9 +105,9 @@ export class PersonView {
   private addEstimates(): void {
     const card = this.card(this.estimates);
     this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
-    this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, -1));
+    this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, this.person.valenceKnown, -1));
     this.heading(card, "Attention", "how much of it the robot has; the band likewise");
-    this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, 0));
+    this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, this.person.attentionKnown, 0));
     this.chart(card, ribbonOptions(this.stateLanes(), true), [this.person.time, this.person.valence]);
     card.append(
       element(
@@ -240,10 +240,10 @@ export class PersonView {
   }
 
   /** Returns the values with the upper and the lower edge of their band; where nothing is known there is no value. */
-  private withBand(values: Float32Array, confidences: Float32Array, least: number): uPlot.AlignedData {
+  private withBand(values: Float32Array, confidences: Float32Array, known: Uint8Array, least: number): uPlot.AlignedData {
     const half = (i: number) => (1 - confidences[i]) / 2;
     const ifKnown = (of: (i: number) => number) =>
-      Array.from(values, (_, i) => (confidences[i] > 0 ? of(i) : null));
+      Array.from(values, (_, i) => (known[i] ? of(i) : null));
     return [
       this.person.time,
       ifKnown((i) => Math.min(1, values[i] + half(i))),
@@ -334,8 +334,14 @@ export class PersonView {
   private chart(card: HTMLElement, options: ChartOptions, data: uPlot.AlignedData): uPlot {
     const target = element("div", { class: "chart" });
     card.append(target);
+    if (hasNoData(data)) target.append(element("p", { class: "nodata" }, "no data"));
     return this.group.add(target, options, data);
   }
+}
+
+/** Tells whether there is no number in any series: axes alone would look like a line at 0 that is missed. */
+function hasNoData([, ...series]: uPlot.AlignedData): boolean {
+  return series.length > 0 && series.every((values) => Array.from(values).every((value) => value === null));
 }
 
 function zoneLook(name: string): { look: Look; texts: string[] } {

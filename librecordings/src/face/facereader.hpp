@@ -35,6 +35,7 @@ public:
   std::vector<std::string> describe() const override;
   std::vector<std::string> describeLearned() const override { return _resting.describe(); }
   std::vector<std::string> takeWarnings() override;
+  bool isDated() const override { return _times.areDated(); }
   Columns columns() const override { return _rows->columns(); }
   double progress() const override { return _rows->progress(); }
 

@@ -51,6 +51,9 @@ public:
   /// That is 0 where the numbers jump and the times do not.
   std::int64_t missingBetween(const Frame& earlier, const Frame& later) const;
 
+  /// Tells whether the times count since 1970 in the file.
+  bool areDated() const { return _timestampOrigin == 0.0; }
+
   /// Says what rate there is and where the times come from.
   const std::string& description() const { return _description; }
 

@@ -143,6 +143,14 @@ std::vector<std::string> MergedRecording::takeWarnings()
   return warnings;
 }
 
+bool MergedRecording::isDated() const
+{
+  return std::all_of(_inputs.begin(), _inputs.end(), [](const Input& input) {
+    const bool wasMovedToADate = input.from.offset > greatestDistance;
+    return input.from.reader->isDated() || wasMovedToADate;
+  });
+}
+
 double MergedRecording::progress() const
 {
   const double sum = std::accumulate(_inputs.begin(), _inputs.end(), 0., [](double sumSoFar, const Input& input) {

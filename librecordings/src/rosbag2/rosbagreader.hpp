@@ -38,6 +38,7 @@ public:
   std::vector<std::string> describe() const override;
   std::vector<std::string> describeLearned() const override { return _dispatch.describeLearned(); }
   std::vector<std::string> takeWarnings() override;
+  bool isDated() const override { return _origin == 0; }
   double progress() const override;
 
 private:

@@ -33,6 +33,7 @@ public:
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> takeWarnings() override;
+  bool isDated() const override { return _hasMoments || _origin == 0.; }
   Columns columns() const override { return _table->columns(); }
   double progress() const override { return _table->progress(); }
 

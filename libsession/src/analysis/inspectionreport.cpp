@@ -70,6 +70,7 @@ InspectionReport inspect(const std::string& path, const std::string& format, con
   report.description = outcome.description;
   report.learned = outcome.learned;
   report.columns = outcome.columns;
+  report.isDated = outcome.isDated;
   report.warnings = outcome.warnings;
   report.moreWarnings = outcome.moreWarnings;
   report.badLines = outcome.badLines;
@@ -85,7 +86,7 @@ void writeAsJson(std::ostream& stream, const InspectionReport& report)
   Json json = {{"path", report.path}, {"format", report.format}, {"readAs", report.description}};
   json["learned"] = report.learned;
   json["trust"] = trustIn(report.contents);
-  json["begins"] = inSeconds(contents.first().time_since_epoch());
+  json["begins"] = report.isDated ? Json(inSeconds(contents.first().time_since_epoch())) : Json();
   json["length"] = inSeconds(contents.length());
   json["steps"] = contents.steps();
   json["timesPerSecond"] = contents.timesPerSecond();

@@ -27,6 +27,11 @@ private:
   void _append(int value) { appendExact(_line, value); }
   void _append(float value) { appendExact(_line, value); }
   void _append(Duration value) { appendExactSeconds(_line, value); }
+  void _append(const boost::optional<Duration>& value)
+  {
+    if (value)
+      appendExactSeconds(_line, *value);
+  }
   void _append(const std::string& value) { _line += value; }
 
   std::string& _line;
@@ -34,7 +39,8 @@ private:
 
 /// Writes every update as a line of comma-separated values.
 ///
-/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1. No field needs quotes.
+/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1; what is missing is
+/// empty. No field needs quotes.
 class CsvExport : public Exporter
 {
 public:

@@ -29,6 +29,13 @@ private:
   void _append(bool value) { _line += value ? "true" : "false"; }
   void _append(int value) { appendExact(_line, value); }
   void _append(Duration value) { appendExactSeconds(_line, value); }
+  void _append(const boost::optional<Duration>& value)
+  {
+    if (value)
+      appendExactSeconds(_line, *value);
+    else
+      _line += "null";
+  }
   void _append(const std::string& value) { _line += '"' + value + '"'; }
   void _append(float value)
   {

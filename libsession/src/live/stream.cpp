@@ -33,6 +33,7 @@ public:
       _object[name] = value;
   }
   void operator()(const char*, Duration) {}
+  void operator()(const char*, const boost::optional<Duration>&) {}
 
 private:
   Json& _object;

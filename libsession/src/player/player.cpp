@@ -62,8 +62,13 @@ private:
 
   void _describe()
   {
+    if (_session)
+      _session->setDated(_reader.isDated());
     for (SessionObserver* const observer : _observers)
+    {
+      observer->recordingDated(_reader.isDated());
       observer->recordingDescribed(_reader.describe());
+    }
   }
 
   void _play()
@@ -86,6 +91,7 @@ private:
     _outcome.columns = _reader.columns();
     static_cast<ReadingNotes&>(_outcome) = _reading.notes();
     _outcome.length = _length();
+    _outcome.isDated = _reader.isDated();
     if (_session)
       _outcome.leftOut = _session->takeLeftOut();
     _outcome.libraryWarnings = _log.take();

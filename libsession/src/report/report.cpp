@@ -16,6 +16,16 @@ Report::Report() : _recorder(std::make_unique<ReportRecorder>(ReportRecorder::Li
 
 Report::~Report() = default;
 
+void Report::recordingDated(bool isDated)
+{
+  _recorder->recordingDated(isDated);
+}
+
+void Report::recordingDescribed(const std::vector<std::string>& description)
+{
+  _recorder->recordingDescribed(description);
+}
+
 void Report::stepBegins(const recordings::Step& step)
 {
   _recorder->stepBegins(step);
@@ -41,10 +51,19 @@ void Report::scopeJudged(const ScopeVerdict& verdict)
   _recorder->scopeJudged(verdict);
 }
 
-void Report::write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes)
+void Report::write(std::ostream& stream, const ReportOrigin& origin)
 {
   _recorder->finish();
-  writeReport(stream, reportTemplate(), textForScript(reportData(*_recorder, inputs, notes)));
+  writeReport(stream, reportTemplate(), textForScript(reportData(*_recorder, origin)));
+}
+
+void Report::write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes)
+{
+  ReportOrigin origin;
+  for (const std::string& input : inputs)
+    origin.files.push_back({input, boost::none, ""});
+  origin.notes = notes;
+  write(stream, origin);
 }
 
 }  // namespace KV::session

@@ -134,6 +134,8 @@ Json personOf(std::int32_t person, const Moments& moments, const ReportRecorder&
           {"zone", state([](const Moment& moment) { return static_cast<std::int32_t>(moment.snapshot.zone); })},
           {"pleasure", state([](const Moment& moment) { return moment.snapshot.pleasure; })},
           {"seen", state([](const Moment& moment) { return moment.snapshot.seen ? 1 : 0; })},
+          {"valenceKnown", state([](const Moment& moment) { return moment.snapshot.isValenceKnown() ? 1 : 0; })},
+          {"attentionKnown", state([](const Moment& moment) { return moment.snapshot.isAttentionKnown() ? 1 : 0; })},
           {"inputs", inputsOf(moments)},
           {"valenceChanges", changesOf(moments, KV::ValenceQuantity, recorder.sources())},
           {"attentionChanges", changesOf(moments, KV::AttentionQuantity, recorder.sources())},
@@ -194,6 +196,18 @@ Json boundarySettings()
   return settings;
 }
 
+Json originOf(const ReportRecorder& recorder, const ReportOrigin& origin)
+{
+  Json files = Json::array();
+  for (const ReportOrigin::File& file : origin.files)
+    files.push_back({{"path", file.path}, {"bytes", file.bytes ? Json(*file.bytes) : Json()}, {"format", file.format}});
+  return {{"files", std::move(files)},
+          {"readAs", recorder.description()},
+          {"options", origin.options},
+          {"version", origin.version},
+          {"made", origin.made}};
+}
+
 Json zoneNames()
 {
   Json names = Json::array();
@@ -212,17 +226,20 @@ Json pleasureNames()
 
 }  // namespace
 
-Json reportData(const ReportRecorder& recorder, const std::vector<std::string>& inputs,
-                const std::vector<std::string>& notes)
+Json reportData(const ReportRecorder& recorder, const ReportOrigin& origin)
 {
   const Inspection& inspection = recorder.inspection();
   Json persons = Json::array();
   for (const auto& [person, moments] : recorder.moments())
     persons.push_back(personOf(person, moments, recorder));
-  return {{"inputs", inputs},
-          {"notes", notes},
+  Json inputs = Json::array();
+  for (const ReportOrigin::File& file : origin.files)
+    inputs.push_back(file.path);
+  return {{"inputs", std::move(inputs)},
+          {"notes", origin.notes},
+          {"origin", originOf(recorder, origin)},
           {"trust", trustIn(inspection)},
-          {"begins", secondsOf(inspection.first().time_since_epoch())},
+          {"begins", recorder.isDated() ? Json(secondsOf(inspection.first().time_since_epoch())) : Json()},
           {"length", secondsOf(inspection.length())},
           {"updatesPerSecond", inspection.timesPerSecond()},
           {"gaps",

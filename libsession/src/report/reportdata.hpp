@@ -2,10 +2,11 @@
 
 #include "report/reportrecorder.hpp"
 
+#include <skeigiot/session/reportorigin.hpp>
+
 #include <nlohmann/json.hpp>
 
 #include <string>
-#include <vector>
 
 namespace KV::session
 {
@@ -14,8 +15,7 @@ namespace KV::session
 ///
 /// Series are little-endian arrays in base64; docs/report.md lists the members. Names from the recording are strings
 /// and nothing else.
-nlohmann::ordered_json reportData(const ReportRecorder& recorder, const std::vector<std::string>& inputs,
-                                  const std::vector<std::string>& notes);
+nlohmann::ordered_json reportData(const ReportRecorder& recorder, const ReportOrigin& origin);
 
 /// Returns the data as text that can stand in an HTML script element: no "<" is left in it.
 std::string textForScript(const nlohmann::ordered_json& data);

@@ -39,6 +39,8 @@ public:
 
   explicit ReportRecorder(const Limits& limits) : _limits(limits) {}
 
+  void recordingDated(bool isDated) override { _isDated = isDated; }
+  void recordingDescribed(const std::vector<std::string>& description) override { _description = description; }
   void stepBegins(const recordings::Step& step) override;
   bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override;
@@ -56,6 +58,12 @@ public:
   const Summary& summary() const { return _summary; }
   const Inspection& inspection() const { return _inspection; }
 
+  /// Tells whether the times of the recording have a date.
+  bool isDated() const { return _isDated; }
+
+  /// Returns how signs, units and rate were read, a line each.
+  const std::vector<std::string>& description() const { return _description; }
+
   /// Returns how long the stretches are of which only some moments were kept; 0 if all were.
   Duration stretch() const { return _stretch; }
 
@@ -67,6 +75,8 @@ private:
   void _count();
 
   Limits _limits;
+  bool _isDated = true;
+  std::vector<std::string> _description;
   std::map<std::int32_t, KV::PersonObservation> _inputs;  // of each person since the last update
   std::vector<MomentForce> _forces;                       // of the update that is under way
 

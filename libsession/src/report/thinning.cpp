@@ -25,7 +25,8 @@ float numberOf(const Moment& moment, std::size_t index)
 
 bool sameState(const Snapshot& left, const Snapshot& right)
 {
-  return left.seen == right.seen && left.zone == right.zone && left.pleasure == right.pleasure;
+  return left.seen == right.seen && left.zone == right.zone && left.pleasure == right.pleasure &&
+         left.isValenceKnown() == right.isValenceKnown() && left.isAttentionKnown() == right.isAttentionKnown();
 }
 
 void addChange(std::vector<MomentChange>& changes, const MomentChange& added)

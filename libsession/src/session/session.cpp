@@ -149,6 +149,7 @@ Snapshot Session::_snapshot(const KV::Person& person, bool seen) const
   Snapshot snapshot = snapshotOf(person.personState);
   snapshot.time = _now;
   snapshot.sinceStart = length();
+  snapshot.isDated = _isDated;
   snapshot.person = person.personID;
   snapshot.seen = seen;
   return snapshot;

@@ -29,6 +29,7 @@ TEST(FrameTimes, TakeTheTimeStamps)
   EXPECT_EQ(support::recordingEpoch + 40000000, nanosecondsOf(times, {2, 0.04}));
   EXPECT_EQ(support::recordingEpoch + 319 * second + 960000000, nanosecondsOf(times, {8000, 319.96}));
   EXPECT_EQ("25 frames/s by the time stamps", times.description());
+  EXPECT_FALSE(times.areDated());
   EXPECT_EQ("", times.warning());
 }
 
@@ -38,6 +39,7 @@ TEST(FrameTimes, CountFromTheFirstFrameAtAGivenRate)
   EXPECT_EQ(support::recordingEpoch, nanosecondsOf(times, {25, 0.0}));
   EXPECT_EQ(support::recordingEpoch + 3 * second / 10, nanosecondsOf(times, {28, 0.003}));
   EXPECT_EQ("10 frames/s as given, instead of time stamps", times.description());
+  EXPECT_FALSE(times.areDated());
   EXPECT_EQ("", times.warning());
 }
 
@@ -64,6 +66,7 @@ TEST(FrameTimes, KeepTimeStampsThatCountSince1970)
 {
   const FrameTimes times({}, {Frame{1, 1600000000.5}, Frame{2, 1600000000.75}});
   EXPECT_EQ(1600000000 * second + second / 4 * 3, nanosecondsOf(times, {2, 1600000000.75}));
+  EXPECT_TRUE(times.areDated());
 }
 
 TEST(FrameTimes, DoubtARateThatNoCameraHas)

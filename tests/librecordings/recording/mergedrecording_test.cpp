@@ -174,6 +174,17 @@ TEST_F(MergedRecordings, GiveTheSameFromTheOwnFormat)
     EXPECT_EQ(support::Bits::of(contents.entries[i]), support::Bits::of(again.entries[i]));
 }
 
+TEST_F(MergedRecordings, AreDatedIfAllInputsAreOrWereMovedToADate)
+{
+  const std::string fromZero = header + "0,1,smile,1\n";
+  const std::string dated = header + "1700000000,1,asrEmotion,1\n";
+  const std::string atTheBeginningOf2020 = "{\"time\":1577836800000000000}\n";
+  EXPECT_TRUE(read({{"a", dated}, {"b", dated}}).isDated);
+  EXPECT_TRUE(read({{"a", fromZero, 1700000000. - 1577836800.}, {"b", dated}}).isDated);
+  EXPECT_FALSE(read({{"a", fromZero}, {"b", fromZero, 0.25}}).isDated);
+  EXPECT_FALSE(read({{"a", fromZero}, {"b", atTheBeginningOf2020}}).isDated);
+}
+
 TEST_F(MergedRecordings, SetNeitherZeroAgainstADate)
 {
   const auto contents = read({{"a", header + "0,1,smile,1\n"}, {"b", header + "1700000000,1,asrEmotion,1\n"}});

@@ -224,6 +224,7 @@ TEST_F(RosbagReaderTest, TakesTheTimesAtWhichMessagesWereReceived)
   EXPECT_NEAR(1.5, secondsSince(begin, contents.entries.at(0).time), 1e-9);
   EXPECT_EQ(contents.entries[0].time, contents.entries[0].observation.headPosture->time);
   EXPECT_THAT(contents.description.back(), HasSubstr("times at which the messages were received"));
+  EXPECT_TRUE(contents.isDated);
 }
 
 TEST_F(RosbagReaderTest, PlacesASimulationAtTheBeginningOfRecordings)
@@ -235,6 +236,7 @@ TEST_F(RosbagReaderTest, PlacesASimulationAtTheBeginningOfRecordings)
   EXPECT_NEAR(0., secondsOf(contents.entries.at(0)), 1e-9);
   EXPECT_NEAR(1., secondsOf(contents.entries.at(1)), 1e-9);
   EXPECT_THAT(contents.description.back(), HasSubstr("placed at 2020-01-01"));
+  EXPECT_FALSE(contents.isDated);
 }
 
 TEST_F(RosbagReaderTest, TakesFacesOfOneImageForOneCycle)

@@ -194,10 +194,13 @@ TEST_F(TidyCsv, NeedsNoPersonWhereThereIsOne)
 
 TEST_F(TidyCsv, CountsTimesFromTheStartOrSince1970)
 {
-  EXPECT_DOUBLE_EQ(12.5, secondsOf(read("time,reading,value\n12.5,speaking,1\n").entries.front()));
+  const auto fromTheStart = read("time,reading,value\n12.5,speaking,1\n");
+  EXPECT_DOUBLE_EQ(12.5, secondsOf(fromTheStart.entries.front()));
+  EXPECT_FALSE(fromTheStart.isDated);
   const auto since1970 = read("time,reading,value\n1700000000.25,speaking,1\n");
   EXPECT_EQ(1700000000250000000, support::nanosecondsOf(since1970.entries.front().time));
   EXPECT_THAT(since1970.description[1], StartsWith("times in seconds since 1970;"));
+  EXPECT_TRUE(since1970.isDated);
 }
 
 // As pandas writes: an index without a name, NaN or nothing for what is unknown, whole numbers with a fraction.

@@ -14,7 +14,8 @@ using namespace replaytests;
 
 const char* const header =
     "recording,person,time,clock,seen,valence,valence_confidence,valence_binary,unsmoothed_valence_binary,"
-    "unsmoothed_valence_confidence,attention,attention_confidence,zone,pleasure,ease,ease_confidence\n";
+    "unsmoothed_valence_confidence,attention,attention_confidence,zone,pleasure,ease,ease_confidence,"
+    "valence_known,attention_known\n";
 
 TEST(CsvExport, HasAHeader)
 {
@@ -39,9 +40,30 @@ TEST(CsvExport, HasALineForEachUpdate)
   csv->personUpdated(snapshot);
   csv->personUpdated(snapshotAt(2.));
   EXPECT_EQ(
-      "2,-3,1.25,1577836801.25,0,0.1,1,-1,1,0.25,0.7,1,LookingUpLeft,negative,-0.5,0.5\n"
-      "2,0,2,1577836802,1,0,1,0,0,0,0,1,Unknown,neutral,0,0\n",
+      "2,-3,1.25,1577836801.25,0,0.1,1,-1,1,0.25,0.7,1,LookingUpLeft,negative,-0.5,0.5,1,1\n"
+      "2,0,2,1577836802,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1\n",
       file.str());
+}
+
+TEST(CsvExport, HasNoClockWhereTheRecordingHasNoDate)
+{
+  std::ostringstream file;
+  const auto csv = KV::session::exportFormat("csv").make(file);
+  KV::session::Snapshot snapshot = snapshotAt(1.25);
+  snapshot.isDated = false;
+  csv->personUpdated(snapshot);
+  EXPECT_EQ("1,0,1.25,,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1\n", file.str());
+}
+
+TEST(CsvExport, KeepsTheNumbersOfUnknownEstimatesAndSaysThatTheyAre)
+{
+  std::ostringstream file;
+  const auto csv = KV::session::exportFormat("csv").make(file);
+  KV::session::Snapshot snapshot = snapshotAt(0., 0.5f, 0.25f);
+  snapshot.hadValenceEvidence = false;
+  snapshot.attention.confidence = 0.f;
+  csv->personUpdated(snapshot);
+  EXPECT_EQ("1,0,0,1577836800,1,0.5,1,0,0,0,0.25,0,Unknown,neutral,0,0,0,0\n", file.str());
 }
 
 TEST(CsvExport, NamesWhatIsNoNumber)

@@ -25,8 +25,19 @@ TEST(JsonlExport, HasAnObjectForEachUpdate)
       "{\"recording\":1,\"person\":0,\"time\":1.25,\"clock\":1577836801.25,\"seen\":false,\"valence\":0.1,"
       "\"valence_confidence\":1,\"valence_binary\":0,\"unsmoothed_valence_binary\":0,"
       "\"unsmoothed_valence_confidence\":0,\"attention\":0.7,\"attention_confidence\":1,\"zone\":\"LookingAtRobot\","
-      "\"pleasure\":\"neutral\",\"ease\":0,\"ease_confidence\":0}\n",
+      "\"pleasure\":\"neutral\",\"ease\":0,\"ease_confidence\":0,"
+      "\"valence_known\":true,\"attention_known\":true}\n",
       file.str());
+}
+
+TEST(JsonlExport, HasNoClockWhereTheRecordingHasNoDate)
+{
+  std::ostringstream file;
+  const auto jsonl = KV::session::exportFormat("jsonl").make(file);
+  KV::session::Snapshot snapshot = snapshotAt(1.25);
+  snapshot.isDated = false;
+  jsonl->personUpdated(snapshot);
+  EXPECT_TRUE(nlohmann::json::parse(file.str()).at("clock").is_null());
 }
 
 TEST(JsonlExport, IsJsonEvenForWhatIsNoNumber)

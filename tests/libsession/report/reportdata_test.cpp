@@ -20,6 +20,17 @@ using Json = nlohmann::ordered_json;
 
 constexpr KV::session::TimePoint beginning{boost::chrono::seconds(1577836800)};
 
+KV::session::ReportOrigin origin()
+{
+  KV::session::ReportOrigin origin;
+  origin.files = {{"face.csv", 1234, "openface"}, {"-", boost::none, ""}};
+  origin.options = {"--fps 25"};
+  origin.notes = {"a note"};
+  origin.version = "1.2.3";
+  origin.made = "2026-11-22 10:00 UTC";
+  return origin;
+}
+
 /// Two updates of person 7: a smile at 0 s, and not visible at 0.5 s; and a scope with this name.
 Json dataOf(const std::string& scope)
 {
@@ -36,7 +47,7 @@ Json dataOf(const std::string& scope)
   session.play(entry);
   session.finish();
   recorder.finish();
-  return KV::session::reportData(recorder, {"face.csv"}, {"a note"});
+  return KV::session::reportData(recorder, origin());
 }
 
 TEST(ReportData, HoldsTheSeriesOfEachPerson)
@@ -64,6 +75,44 @@ TEST(ReportData, HoldsTheRecordingAsAWhole)
   EXPECT_EQ("greeting", data["scopes"][0]["name"]);
   EXPECT_EQ(2, data["scopes"][0]["persons"][0]["updates"]);
   EXPECT_THAT(data["sources"].dump(), HasSubstr("Not visible"));
+}
+
+TEST(ReportData, SaysHowItCameAbout)
+{
+  KV::session::ReportRecorder recorder{KV::session::ReportRecorder::Limits()};
+  recorder.recordingDescribed({"OpenFace: angles", "30 frames/s"});
+  recorder.recordingDated(false);
+  recorder.finish();
+
+  const Json data = KV::session::reportData(recorder, origin());
+
+  EXPECT_EQ(Json::parse(R"({"files": [{"path": "face.csv", "bytes": 1234, "format": "openface"},
+                                      {"path": "-", "bytes": null, "format": ""}],
+                            "readAs": ["OpenFace: angles", "30 frames/s"],
+                            "options": ["--fps 25"],
+                            "version": "1.2.3",
+                            "made": "2026-11-22 10:00 UTC"})"),
+            data["origin"]);
+  EXPECT_TRUE(data["begins"].is_null()) << "it has no date";
+}
+
+TEST(ReportData, HoldsNoMeanOfWhatIsUnknown)
+{
+  KV::session::ReportRecorder recorder{KV::session::ReportRecorder::Limits()};
+  KV::session::Snapshot snapshot;
+  recorder.personUpdated(snapshot);
+  snapshot.sinceStart = milliseconds(100);
+  snapshot.attention = {0.5f, 0.25f};
+  recorder.personUpdated(snapshot);
+  recorder.finish();
+
+  const Json person = KV::session::reportData(recorder, origin())["persons"][0];
+
+  EXPECT_TRUE(person["summary"]["valence"].is_null());
+  EXPECT_TRUE(person["summary"]["valenceConfidence"].is_null());
+  EXPECT_EQ(0.5, person["summary"]["attention"]);
+  EXPECT_EQ("AAA=", person["valenceKnown"]);    // 0 and 0 as bytes
+  EXPECT_EQ("AAE=", person["attentionKnown"]);  // 0 and 1
 }
 
 TEST(ReportData, LeavesNothingThatCouldEndItsElement)

@@ -190,6 +190,16 @@ TEST_F(SessionTest, GivesTheClockBackWhenItIsOver)
   EXPECT_EQ(start - seconds(77), ko::SystemClock::now());
 }
 
+TEST_F(SessionTest, SaysOfEachUpdateWhetherItHasADate)
+{
+  Session session({}, {&log});
+  session.play(seenAt(0., 4));
+  EXPECT_TRUE(log.snapshots.back().isDated);
+  session.setDated(false);
+  session.play(seenAt(0.1, 4));
+  EXPECT_FALSE(log.snapshots.back().isDated);
+}
+
 TEST_F(SessionTest, CountsTimeFromItsFirstEntry)
 {
   Session session({}, {&log});

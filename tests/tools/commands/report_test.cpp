@@ -51,6 +51,37 @@ TEST_F(ReportCommand, WritesToStandardOutputAsWell)
   EXPECT_THAT(result.output, StartsWith("<!doctype html>"));
 }
 
+TEST_F(ReportCommand, SaysHowTheFileWasRead)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result = runCommand({"report", recording, "--min-confidence", "0.5", "--boundary-positive", "0.3",
+                                           "--mirrored", "--scope", "my scope=0..1", "-o", "-"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(result.output, HasSubstr(R"("bytes":44,"format":"tidy"})"));
+  EXPECT_THAT(result.output, HasSubstr(R"("readAs":["Tidy CSV: )"));
+  EXPECT_THAT(result.output, HasSubstr(R"("--mirrored")"));
+  EXPECT_THAT(result.output, HasSubstr(R"("--min-confidence 0.5")"));
+  EXPECT_THAT(result.output, HasSubstr(R"("--boundary-positive 0.3")"));
+  EXPECT_THAT(result.output, HasSubstr(R"("--scope 'my scope=0..1'")"));
+  EXPECT_THAT(result.output, Not(HasSubstr("-o -")));
+  EXPECT_THAT(result.output, HasSubstr("\"version\":\"" SKEIGIOT_VERSION "\",\"made\":\"20"));
+}
+
+TEST_F(ReportCommand, HasNoDateWhereTheRecordingHasNone)
+{
+  const std::string undated = folder.write("undated.csv", smiles);
+  EXPECT_THAT(runCommand({"report", undated, "-o", "-"}).output, HasSubstr("\"begins\":null"));
+  const std::string dated = folder.write("dated.csv", "time,reading,value\n1700000000,smile,0.5\n");
+  EXPECT_THAT(runCommand({"report", dated, "-o", "-"}).output, HasSubstr("\"begins\":1700000000"));
+}
+
+TEST_F(ReportCommand, TellsTheWarningsThatTheTerminalShows)
+{
+  const std::string recording = folder.write("frames.csv", "frame,confidence,success,AU12_r\n1,1,1,2\n2,1,1,2\n");
+  const CommandResult result = runCommand({"report", recording, "-o", "-"});
+  EXPECT_THAT(result.output, HasSubstr(R"("notes":["warning: there are no time stamps: 30 frames/s are assumed)"));
+}
+
 TEST_F(ReportCommand, TakesANameFromTheCommandLineAsAName)
 {
   const std::string recording = folder.write("smiles.csv", smiles);

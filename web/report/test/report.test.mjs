@@ -267,5 +267,37 @@ await test("a recording in which nobody was seen opens, too", async () => {
   await page.close();
 });
 
+/** A head without a face: nothing tells of the valence, and the times have no date. */
+function writeHeadAlone(name) {
+  const recording = join(work, `${name}.csv`);
+  const rows = [0, 1, 2, 3].map((time) => `${time},1,headPosture,0,10\n`);
+  writeFileSync(recording, `time,person,reading,yaw,pitch\n${rows.join("")}`);
+  return recording;
+}
+
+await test("the page says before the charts how the file was read", async () => {
+  const { page, complaints } = await open(makeReport(writeHeadAlone("undated"), "--mirrored", "--cycle", "5"));
+  const said = (key) => page.locator(`#origin [data-key="${key}"]`).innerText();
+  assert.match(await said("files"), /undated\.csv, \d+ bytes, format tidy$/);
+  assert.match(await said("readAs"), /^Tidy CSV: .*\n+times in seconds from the start/);
+  assert.equal(await said("options"), "--cycle 5 --mirrored");
+  assert.match(await said("maker"), /^skeigiot \d+\.\d+\.\d+, \d{4}-\d\d-\d\d \d\d:\d\d UTC$/);
+  assert.match(await page.locator("#header").innerText(), /no date/);
+  const bottom = await page.locator("#origin").boundingBox().then(({ y, height }) => y + height);
+  assert.ok(bottom < (await plotBox(page)).y, "before the charts");
+  assert.deepEqual(complaints, []);
+  await page.close();
+});
+
+await test("an estimate that never had evidence is unknown, and has no line", async () => {
+  const { page } = await open(makeReport(writeHeadAlone("headalone")));
+  assert.equal(await words(page, "valence"), "unknown");
+  assert.notEqual(await exact(page, "valence"), 0); // body language moved the number all the same
+  assert.notEqual(await words(page, "attention"), "unknown");
+  assert.match(await page.locator("#estimates").innerText(), /mean valence\s+unknown|unknown\s+mean valence/);
+  assert.equal(await page.locator("#estimates .nodata").count(), 1);
+  await page.close();
+});
+
 await browser.close();
 process.exit(failures > 0 ? 1 : 0);

@@ -56,6 +56,8 @@ public:
   std::vector<std::string> describe() const override;
   std::vector<std::string> describeLearned() const override;
   std::vector<std::string> takeWarnings() override;
+  /// Tells whether all inputs have dates, or offsets of more than greatestDistance, which move them to a date.
+  bool isDated() const override;
   double progress() const override;
 
 private:

@@ -33,6 +33,10 @@ public:
   /// Returns the warnings that came up since the last call.
   virtual std::vector<std::string> takeWarnings() { return {}; }
 
+  /// Tells whether the times have a date. If not, they count from the start of the recording and were placed on
+  /// 2020-01-01: only the time since the first step means anything. Known once the first step was read.
+  virtual bool isDated() const { return true; }
+
   /// Returns which columns are read; nothing if there are none, or the format does not tell.
   virtual Columns columns() const { return {}; }
 

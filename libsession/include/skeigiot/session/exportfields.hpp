@@ -3,19 +3,23 @@
 #include <skeigiot/session/names.hpp>
 #include <skeigiot/session/snapshot.hpp>
 
+#include <boost/optional/optional.hpp>
+
 namespace KV::session
 {
 
 /// Hands every exported field of a snapshot to `field(name, value)`, in the order of the columns.
 ///
-/// The one place that says what an export holds; the help of the command explains the fields.
+/// The one place that says what an export holds; the help of the command explains the fields. The clock is an optional
+/// Duration: nothing where the recording has no date. Numbers are those of the library also where the estimate is
+/// unknown, which the last fields tell.
 template <typename Field>
 void forEachExportedField(int recording, const Snapshot& snapshot, Field&& field)
 {
   field("recording", recording);
   field("person", snapshot.person);
   field("time", snapshot.sinceStart);
-  field("clock", snapshot.time.time_since_epoch());
+  field("clock", boost::make_optional(snapshot.isDated, snapshot.time.time_since_epoch()));
   field("seen", snapshot.seen);
   field("valence", snapshot.valence.value);
   field("valence_confidence", snapshot.valence.confidence);
@@ -28,6 +32,8 @@ void forEachExportedField(int recording, const Snapshot& snapshot, Field&& field
   field("pleasure", pleasureName(snapshot.pleasure));
   field("ease", snapshot.ease.level);
   field("ease_confidence", snapshot.ease.confidence);
+  field("valence_known", snapshot.isValenceKnown());
+  field("attention_known", snapshot.isAttentionKnown());
 }
 
 }  // namespace KV::session

@@ -22,6 +22,7 @@ struct SKEIGIOT_API InspectionReport
   std::vector<std::string> learned;      ///< what was learned of the faces at rest, see recordings::Reader
   recordings::Columns columns;           ///< read and ignored; empty where the format has none
   Inspection contents;                   ///< what its steps tell
+  bool isDated = true;                   ///< whether its times have a date, see recordings::Reader
   std::vector<std::string> warnings;     ///< the first few
   std::size_t moreWarnings = 0;          ///< how many warnings followed
   std::size_t badLines = 0;              ///< how many lines cannot be used
@@ -36,7 +37,8 @@ struct SKEIGIOT_API InspectionReport
 SKEIGIOT_API InspectionReport inspect(const std::string& path, const std::string& format,
                                       const recordings::ReadingOptions& options, const Player::GoOn& goOn = {});
 
-/// Writes the report as a JSON object; times in seconds, the first since 1970, others since the first.
+/// Writes the report as a JSON object; times in seconds, the first since 1970 or null if there is no date, others since
+/// the first.
 SKEIGIOT_API void writeAsJson(std::ostream& stream, const InspectionReport& report);
 
 }  // namespace KV::session

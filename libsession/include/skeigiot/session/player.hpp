@@ -47,6 +47,7 @@ struct SKEIGIOT_API Outcome : ReadingNotes
   std::string leftOut;                       ///< on readings that are not finite; empty if there were none
   std::vector<std::string> libraryWarnings;  ///< warnings of the estimate, a line each
   Duration length{0};                        ///< how much of the recording was played
+  bool isDated = true;                       ///< whether its times have a date, see recordings::Reader
 };
 
 /// Plays recordings: opens one, reads it step by step through a session, and collects what there is to say of it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/reportorigin.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <memory>
@@ -27,17 +28,20 @@ public:
   ~Report() override;
 
   bool watchesForces() const override { return true; }
+  void recordingDated(bool isDated) override;
+  void recordingDescribed(const std::vector<std::string>& description) override;
   void stepBegins(const recordings::Step& step) override;
   void forceActed(const KV::Force& force) override;
   void personUpdated(const Snapshot& snapshot) override;
   void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
   void scopeJudged(const ScopeVerdict& verdict) override;
 
-  /// Writes the page. Call it once, after the session has ended.
+  /// Writes the page, which says where it comes from. Call it once, after the session has ended.
   ///
-  /// \param inputs names of the inputs of the session, which the page shows
-  /// \param notes  warnings and errors, which the page shows
   /// \throws std::logic_error if the library was built without the page.
+  void write(std::ostream& stream, const ReportOrigin& origin);
+
+  /// As above, with names of the inputs of the session, and with warnings and errors.
   void write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes);
 
 private:

@@ -34,6 +34,9 @@ public:
   /// Makes a session in which nobody is known yet; the observers must outlive it.
   Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Cycle cycle = Cycle());
 
+  /// Says whether the times of the steps have a date, which is so if nobody says otherwise; snapshots tell it.
+  void setDated(bool isDated) { _isDated = isDated; }
+
   /// Takes one step: scope starts, ambiance, person, scope stops.
   void play(const recordings::Step& step);
 
@@ -69,6 +72,7 @@ private:
   ko::ScopedClockSource _clockOfThisThread;
   boost::optional<TimePoint> _start;
   TimePoint _now;
+  bool _isDated = true;
 
   NonFiniteReadings _nonFinite;
   Pacer _pacer;

@@ -35,6 +35,10 @@ public:
   /// The recording was opened: says how signs, units and rate are read. A player calls this before the first step.
   virtual void recordingDescribed(const std::vector<std::string>&) {}
 
+  /// The recording was opened: tells whether its times have a date, see recordings::Reader::isDated(). A player calls
+  /// this before the first step.
+  virtual void recordingDated(bool /*isDated*/) {}
+
   /// The step is about to be played; it stays what it is until the next one.
   virtual void stepBegins(const recordings::Step&) {}
 

@@ -18,6 +18,7 @@ struct SKEIGIOT_API Snapshot
 {
   TimePoint time;          ///< on the clock of the recording
   Duration sinceStart{0};  ///< since the first step of the recording
+  bool isDated = true;     ///< false: `time` has no date, see recordings::Reader::isDated(); `sinceStart` holds
 
   std::int32_t person = 0;  ///< whose update it was
   bool seen = true;         ///< false: the person was not observed in this cycle so far
