@@ -7,9 +7,9 @@ from support import BUILD, ROOT, run
 
 
 def told_in_page():
-    """The names in the column "told as"; where one stands for both of two cases, it stands once for each."""
+    """The names in the column "name"; a name for both of two cases counts once for each."""
     page = (ROOT / "docs" / "how-it-works.md").read_text()
-    table = page.split("| # | source | told as |")[1].split("\n\n")[0]
+    table = page.split("| # | source | name |")[1].split("\n\n")[0]
     return re.findall(r"^\|[^|]*\|[^|]*\| `([^`]+)`", table, re.MULTILINE)
 
 
