@@ -2,6 +2,7 @@
 #include "cli/interruption.hpp"
 #include "commands/commandline.hpp"
 
+#include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/outputstream.hpp>
 
 #include <CLI/CLI.hpp>
@@ -47,6 +48,7 @@ int runAndReport(int argc, char** argv)
   try
   {
     const KV::tools::Interruption interruption;
+    const KV::recordings::InterruptionCheck whileReading(KV::tools::Interruption::check);
     return run(argc, argv);
   }
   catch (const KV::session::WriteError& error)

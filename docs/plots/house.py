@@ -69,6 +69,7 @@ HEADERS = {
     "skeigiot/recordings/facepose.hpp": "face",
     "skeigiot/recordings/faceposition.hpp": "recording",
     "skeigiot/recordings/format.hpp": "recording",
+    "skeigiot/recordings/inputlimits.hpp": "input",
     "skeigiot/recordings/labelspan.hpp": "labels",
     "skeigiot/recordings/labeltrack.hpp": "labels",
     "skeigiot/recordings/limits.hpp": "input",

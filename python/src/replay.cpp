@@ -4,6 +4,7 @@
 #include "silencedlog.hpp"
 #include "unlocked.hpp"
 
+#include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/recordings/labels.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
 #include <skeigiot/session/boundary.hpp>
@@ -302,6 +303,7 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
   const Boundaries boundaries = boundariesFrom(options);
   SignalCheck check;
   ReplayOutcome outcome = unlocked([&] {
+    const KV::recordings::InterruptionCheck whileReading(std::ref(check));
     const SetBoundaries set(boundaries);
     ReplayOutcome played = replay(request, std::ref(check));
     SignalCheck::runHandlers();  // a signal may be why it ended
@@ -338,6 +340,7 @@ py::tuple agreeOne(const py::list& inputs, const std::vector<std::string>& label
   std::vector<std::string> warnings;
   SignalCheck check;
   const std::string json = unlocked([&] {
+    const KV::recordings::InterruptionCheck whileReading(std::ref(check));
     std::vector<KV::recordings::Labels> read;
     for (const std::string& path : labels)
     {
@@ -364,10 +367,12 @@ std::vector<ReplayOutcome> replayEach(const std::vector<ReplayRequest>& requests
 {
   using Jobs = KV::session::OrderedJobs<ReplayOutcome>;
   Jobs running(requests.size(), jobs, [&requests](std::size_t number, const Jobs::Cancelled& cancelled) {
-    return replay(requests[number], [&cancelled] {
+    const auto check = [&cancelled] {
       if (cancelled)
         throw Cancelled();
-    });
+    };
+    const KV::recordings::InterruptionCheck whileReading(check);
+    return replay(requests[number], check);
   });
   std::vector<ReplayOutcome> outcomes;
   while (outcomes.size() < requests.size())
@@ -381,7 +386,9 @@ py::tuple replayAll(const std::vector<std::string>& paths, std::size_t jobs, con
   const ReplayRequest common = requestFrom(options);
   const Boundaries boundaries = boundariesFrom(options);
   std::vector<std::string> notes;
+  SignalCheck check;
   std::vector<ReplayOutcome> outcomes = unlocked([&] {
+    const KV::recordings::InterruptionCheck whileReading(std::ref(check));
     KV::session::SessionPlan plan = KV::session::planSessions({paths, {}, true, common.format});
     notes = std::move(plan.notes);
     std::vector<ReplayRequest> requests;

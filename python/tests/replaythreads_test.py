@@ -102,6 +102,36 @@ writer.join()
     assert run(program, fifo, recordings.greeting()) == "interrupted\n"
 
 
+def test_an_interrupt_ends_one_endless_line():
+    program = """
+import glob, os, signal, threading
+import skeigiot
+
+def isRead(path):
+    for link in glob.glob("/proc/self/fd/*"):
+        try:
+            if os.readlink(link) == path:
+                return True
+        except OSError:
+            pass
+    return False
+
+def interrupt():
+    while not isRead("/dev/zero"):
+        pass
+    signal.pthread_kill(threading.main_thread().ident, signal.SIGINT)
+
+thread = threading.Thread(target=interrupt)
+thread.start()
+try:
+    skeigiot.replay("/dev/zero", format="jsonl")
+except KeyboardInterrupt:
+    print("interrupted")
+thread.join()
+"""
+    assert run(program) == "interrupted\n"
+
+
 def test_the_clock_of_the_caller_stays_its_own():
     clock = skeigiot.ko.ManualClock(1234)
     with clock:

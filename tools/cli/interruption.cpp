@@ -5,7 +5,7 @@
 #include <csignal>
 #include <cstddef>
 
-#include <unistd.h>
+#include <sys/time.h>
 
 namespace KV::tools
 {
@@ -19,12 +19,21 @@ std::atomic<int> noted = 0;  // set by a handler, read by any thread
 static_assert(std::atomic<int>::is_always_lock_free);
 std::array<struct sigaction, signals.size()> before;
 
-// A signal may come just before a read that waits for input, which would then not end: an alarm each second ends it.
+constexpr suseconds_t pauseOfAlarm = 100'000;  // [us]
+
+/// Sets an alarm in so many microseconds; 0 takes it back.
+void setAlarm(suseconds_t microseconds)
+{
+  const itimerval once{{0, 0}, {0, microseconds}};
+  setitimer(ITIMER_REAL, &once, nullptr);
+}
+
+// A signal may come just before a write that waits for a reader, which would then not end: an alarm ends it.
 void note(int signal)
 {
   if (signal != SIGALRM)
     noted = signal;
-  alarm(1);
+  setAlarm(pauseOfAlarm);
 }
 
 }  // namespace
@@ -44,7 +53,7 @@ Interruption::Interruption()
 
 Interruption::~Interruption()
 {
-  alarm(0);
+  setAlarm(0);
   for (std::size_t i = 0; i < signals.size(); ++i)
     sigaction(signals[i], &before[i], nullptr);
 }

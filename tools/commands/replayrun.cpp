@@ -4,6 +4,7 @@
 #include "commands/reportfile.hpp"
 #include "commands/sessionreplay.hpp"
 
+#include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/exports.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
 
@@ -33,6 +34,7 @@ struct Buffered
   std::string output;
   std::string errors;
   std::unique_ptr<session::Exports::Spilled> exports;
+  boost::optional<Interrupted> interrupted;  ///< it ended so; what came before is there
 };
 
 class Replay
@@ -53,10 +55,19 @@ public:
 
   ExitStatus all()
   {
-    if (_options.jobs > 1 && _options.sessions.size() > 1)
-      _inParallel();
-    else
-      _oneByOne();
+    try
+    {
+      if (_options.jobs > 1 && _options.sessions.size() > 1)
+        _inParallel();
+      else
+        _oneByOne();
+    }
+    catch (const Interrupted&)
+    {
+      _progress.erase();
+      _exports.commit();  // what was read before is good
+      throw;
+    }
     if (_anyOpened)
       _commit();
     return _display.closed() ? Failure : _status;
@@ -88,6 +99,8 @@ private:
       _display.show(session.output);
       _surroundings.errors << session.errors << std::flush;
       _exports.append(*session.exports);
+      if (session.interrupted)
+        throw Interrupted(*session.interrupted);
       _add(session.outcome);
     }
   }
@@ -107,16 +120,24 @@ private:
       if (cancelled)
         throw Cancelled();
     };
+    const recordings::InterruptionCheck whileReading(check);
     const SessionOutlets outlets{display, messages, session.exports->observers(), progress, check};
-    session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+    try
+    {
+      session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+    }
+    catch (const Interrupted& interrupted)
+    {
+      session.interrupted = interrupted;
+    }
     session.output = output.str();
     session.errors = errors.str();
     return session;
   }
 
+  /// The sessions themselves notice an interruption, so that what they exported is not lost.
   void _wait(std::size_t done, std::size_t all)
   {
-    Interruption::check();
     if (_progress.isDue())
       _progress.showCount(done, all);
   }

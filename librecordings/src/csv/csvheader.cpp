@@ -1,5 +1,7 @@
 #include "csv/csvheader.hpp"
 
+#include <skeigiot/recordings/inputlimits.hpp>
+
 #include <algorithm>
 
 namespace KV::recordings
@@ -73,7 +75,7 @@ std::vector<std::string> namesIn(std::string_view line, std::string_view delimit
   {
     const std::size_t end = line.find_first_of(delimiters);
     names.emplace_back(trimmed(line.substr(0, end)));
-    if (end == std::string_view::npos)
+    if (end == std::string_view::npos || names.size() == limits::mostFields)
       return names;
     line.remove_prefix(end + 1);
   }

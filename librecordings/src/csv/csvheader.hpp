@@ -65,7 +65,8 @@ private:
 /// Returns the first line of a file that is not empty, from its first bytes.
 std::string_view headerLineOf(const std::string& head);
 
-/// Returns the names in a line between any of these delimiters, without quotes and spaces around them.
+/// Returns the names in a line between any of these delimiters, without quotes and spaces around them; as many as a row
+/// may have.
 std::vector<std::string> namesIn(std::string_view line, std::string_view delimiters);
 
 /// Refuses a header of one column that other delimiters than commas would split into several that `isRead` knows.

@@ -1,5 +1,6 @@
 #include "csv/csvrows.hpp"
 
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <utility>
@@ -63,11 +64,19 @@ void CsvRows::_splitUnquoted(std::string_view line)
   while (true)
   {
     const std::size_t end = line.find(',');
-    _fields.push_back(trimmed(line.substr(0, end)));
+    _add(trimmed(line.substr(0, end)));
     if (end == std::string_view::npos)
       return;
     line.remove_prefix(end + 1);
   }
+}
+
+void CsvRows::_add(std::string_view field)
+{
+  if (_fields.size() == limits::mostFields)
+    throw BadLine({_file.path(), _file.lineNumber(), {}},
+                  "has more than " + std::to_string(limits::mostFields) + " fields: this is no row of a recording");
+  _fields.push_back(field);
 }
 
 bool CsvRows::_splitQuoted(std::string_view line)
@@ -87,7 +96,7 @@ bool CsvRows::_splitQuoted(std::string_view line)
       const std::string_view field = line.substr(0, line.find(','));
       if (field.find('"') != std::string_view::npos)
         return false;
-      _fields.push_back(trimmed(field));
+      _add(trimmed(field));
       line.remove_prefix(field.size());
     }
     if (line.empty())
@@ -110,7 +119,7 @@ bool CsvRows::_addQuoted(std::string_view& rest)
     if (!rest.empty() && rest.front() == '"')
       _unquoted += '"';
   } while (!rest.empty() && rest.front() == '"');
-  _fields.emplace_back(_unquoted.data() + begin, _unquoted.size() - begin);
+  _add({_unquoted.data() + begin, _unquoted.size() - begin});
   skipBlanks(rest);
   return rest.empty() || rest.front() == ',';
 }

@@ -23,8 +23,9 @@ public:
 
   /// Reads the next line that is not empty; returns false at the end of the file.
   ///
-  /// \throws BadLine if a quote is out of place or not closed, or the line is too long; the next call goes on behind
-  /// it. \throws Error if the file cannot be read.
+  /// \throws BadLine if a quote is out of place or not closed, or the line is too long or has too many fields; the next
+  ///   call goes on behind it.
+  /// \throws Error if the file cannot be read.
   bool next();
 
   /// Returns the fields of the row without the spaces around them; valid until the next call of next().
@@ -36,6 +37,7 @@ private:
   // Split the line into _fields; false if a quote is out of place or not closed.
   bool _split(std::string_view line);
   void _splitUnquoted(std::string_view line);
+  void _add(std::string_view field);
   bool _splitQuoted(std::string_view line);
 
   // Adds the field that begins with a quote, and takes it and the blanks behind it from `rest`; false as above.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstdint>
@@ -18,7 +19,7 @@ class PersonNames
 {
 public:
   /// There is no file of one session with more names than that.
-  static constexpr std::size_t mostNames = 10000;
+  static constexpr std::size_t mostNames = limits::mostPersonNames;
 
   /// Returns the number of the person with this name.
   ///

@@ -24,8 +24,8 @@ namespace
 {
 using Json = nlohmann::json;
 
-constexpr std::size_t largestFile = std::size_t{1} << 20U;  // [bytes]
-constexpr int deepestNesting = 16;
+constexpr std::size_t largestFile = limits::largestMapping;  // [bytes]
+constexpr int deepestNesting = limits::deepestJson;
 
 using Value = JsonValue<Json>;
 
@@ -220,7 +220,12 @@ Json parsed(const std::string& file)
   };
   try
   {
+    refuseNul(text);
     return Json::parse(text, guard);
+  }
+  catch (const JsonError& error)
+  {
+    throw Error({file, 0, {}}, error.what());
   }
   catch (const Json::exception& error)
   {

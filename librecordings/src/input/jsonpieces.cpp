@@ -20,6 +20,7 @@ bool JsonPieces::next(std::string& piece)
   _piece.clear();
   _depth = 0;
   _tooDeep = false;
+  _parts = 0;
   _inString = false;
   _isEscaped = false;
   _pieceLine = _line;
@@ -35,6 +36,8 @@ bool JsonPieces::next(std::string& piece)
     {
       if (_tooDeep)
         _refuse("is nested too deep");
+      if (_parts > limits::mostPartsOfObject)
+        _refuse("has more than " + std::to_string(limits::mostPartsOfObject) + " parts: this is no result for a frame");
       piece.swap(_piece);
       return true;
     }
@@ -111,6 +114,7 @@ bool JsonPieces::_takeIn(char character)
     _inString = !ends && character != '\n';  // no string goes on over the end of a line
     return false;
   }
+  _parts += character == ',' || character == '{' || character == '[' ? 1 : 0;
   if (character == '"')
     _inString = true;
   else if (character == '{' || character == '[')

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <cstddef>
@@ -16,8 +17,8 @@ namespace KV::recordings
 class JsonPieces
 {
 public:
-  static constexpr std::size_t longestPiece = std::size_t{16} << 20U;  ///< [bytes]
-  static constexpr int deepestNesting = 16;
+  static constexpr std::size_t longestPiece = limits::longestLine;  ///< [bytes]
+  static constexpr int deepestNesting = limits::deepestJson;
 
   /// Takes an opened file.
   ///
@@ -26,8 +27,8 @@ public:
 
   /// Reads the next object into `piece`; returns false at the end of the file.
   ///
-  /// \throws BadLine if an object is not complete, or nested too deep, or something else stands between objects; the
-  ///   next call goes on behind it.
+  /// \throws BadLine if an object is not complete, nested too deep or has too many parts, or something else stands
+  ///   between objects; the next call goes on behind it.
   /// \throws Error if the file cannot be read, or an object is too long.
   bool next(std::string& piece);
 
@@ -55,6 +56,7 @@ private:
   std::size_t _pieceLine = 0;
   int _depth = 0;
   bool _tooDeep = false;
+  std::size_t _parts = 0;  // of the object so far: its members, and elements of its arrays, at least
   bool _inString = false;
   bool _isEscaped = false;
 };

@@ -10,4 +10,11 @@ std::string withoutErrorCode(const std::string& parserMessage)
   return parserMessage.substr(end == std::string::npos ? 0 : end + 2);
 }
 
+void refuseNul(std::string_view text)
+{
+  const std::size_t place = text.find('\0');
+  if (place != std::string_view::npos)
+    throw JsonError("", "expected JSON, found a NUL at column " + std::to_string(place + 1));
+}
+
 }  // namespace KV::recordings

@@ -27,6 +27,11 @@ private:
 /// Returns the message of the parser without the code in brackets that it begins with.
 std::string withoutErrorCode(const std::string& parserMessage);
 
+/// Refuses a text with a NUL: the parser takes one for the end, and would leave what follows unread.
+///
+/// \throws JsonError
+void refuseNul(std::string_view text);
+
 /// A value of a JSON document that knows its path.
 ///
 /// The path is only put together when it is asked for: a part refers to the value that it is a part of, which has to
@@ -61,7 +66,7 @@ public:
   std::string memberPath(std::string_view name) const
   {
     const std::string own = path();
-    return own + (own.empty() ? "" : ".") + std::string(name);
+    return own + (own.empty() ? "" : ".") + shortened(name);
   }
 
   /// \throws JsonError

@@ -33,10 +33,14 @@ std::size_t endOfQuote(std::string_view text)
 
 std::string quote(std::string_view text)
 {
-  const bool isLong = text.size() > longestQuote;
-  std::string shown(isLong ? text.substr(0, endOfQuote(text)) : text);
+  std::string shown = shortened(text);
   std::replace_if(shown.begin(), shown.end(), isControl, '?');
-  return "'" + shown + (isLong ? "...'" : "'");
+  return "'" + shown + "'";
+}
+
+std::string shortened(std::string_view text)
+{
+  return text.size() > longestQuote ? std::string(text.substr(0, endOfQuote(text))) + "..." : std::string(text);
 }
 
 }  // namespace KV::recordings

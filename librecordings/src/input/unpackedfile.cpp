@@ -1,8 +1,9 @@
 #include "input/unpackedfile.hpp"
 
-#include <skeigiot/recordings/recording.hpp>
+#include "input/bytesource.hpp"
 
-#include <zlib.h>
+#include <skeigiot/recordings/inputlimits.hpp>
+#include <skeigiot/recordings/recording.hpp>
 
 #include <array>
 #include <cerrno>
@@ -20,7 +21,6 @@ namespace KV::recordings
 {
 namespace
 {
-constexpr std::int64_t mostBytes = std::int64_t{64} << 30U;  // more than any bag that somebody packs as one file
 constexpr std::size_t pieceSize = std::size_t{256} << 10U;
 
 [[noreturn]] void fail(const std::string& path, const std::string& what)
@@ -78,25 +78,23 @@ UnpackedFile::~UnpackedFile()
 
 void UnpackedFile::_unpack(const std::string& source)
 {
-  const std::unique_ptr<gzFile_s, int (*)(gzFile)> packed(gzopen(source.c_str(), "rb"), gzclose);
-  if (!packed)
-    fail(source, std::string("cannot be opened: ") + std::strerror(errno));
+  const std::uintmax_t most =
+      limits::mostUnpackedPerByte * std::filesystem::file_size(source) + limits::mostUnpackedOfAnyBag;
+  const std::unique_ptr<ByteSource> bytes = bytesOfFile(source);
   std::vector<char> piece(pieceSize);
-  std::int64_t total = 0;
-  int count = gzread(packed.get(), piece.data(), static_cast<unsigned int>(piece.size()));
-  for (; count > 0; count = gzread(packed.get(), piece.data(), static_cast<unsigned int>(piece.size())))
+  std::uintmax_t total = 0;
+  while (const std::size_t count = bytes->read(piece.data(), piece.size()))
   {
     total += count;
-    if (total > mostBytes)
-      fail(source, "holds more than " + std::to_string(mostBytes >> 30U) + " GiB: unpack it first");
-    writeAll(_file, piece.data(), static_cast<std::size_t>(count), source);
+    if (total > most)
+      fail(source, "unpacks to more than " + std::to_string(most / limits::mebibyte) + " MiB, which is " +
+                       std::to_string(limits::mostUnpackedPerByte) + " times its size and " +
+                       std::to_string(limits::mostUnpackedOfAnyBag / limits::mebibyte) +
+                       " MiB: if you trust it, unpack it yourself");
+    writeAll(_file, piece.data(), count, source);
   }
-  int error = Z_OK;
-  const char* const message = gzerror(packed.get(), &error);
-  if (error == Z_BUF_ERROR)
-    fail(source, "the compressed data end too early: the file was cut");
-  if (error != Z_OK && error != Z_STREAM_END)
-    fail(source, std::string("the compressed data are damaged: ") + message);
+  if (!bytes->fault().empty())
+    fail(source, bytes->fault());
 }
 
 }  // namespace KV::recordings

@@ -3,6 +3,7 @@
 #include "input/jsonvalue.hpp"
 
 #include <skeigiot/readings.hpp>
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -30,8 +31,8 @@ using Json =
 
 using TimePoint = ko::SystemClock::time_point;
 
-constexpr int deepestNesting = 16;
-constexpr std::size_t mostParts = 2000;
+constexpr int deepestNesting = limits::deepestJson;
+constexpr std::size_t mostParts = limits::mostPartsOfStep;
 
 // The form of every record, for reading and writing alike: a Visitor has
 //   required(name, field)           a member that is always there
@@ -416,7 +417,7 @@ private:
   static void _add(const std::string& name, std::vector<std::string>& names)
   {
     if (std::find(names.begin(), names.end(), name) != names.end())
-      throw MemberError(name, "this member is there twice");
+      throw MemberError(shortened(name), "this member is there twice");
     names.push_back(name);
   }
 
@@ -437,7 +438,12 @@ Json parsed(std::string_view text)
   Guard guard;
   try
   {
+    refuseNul(text);
     return Json::parse(text.begin(), text.end(), std::ref(guard));
+  }
+  catch (const JsonError& error)
+  {
+    throw MemberError("", error.what());
   }
   catch (const Json::parse_error& error)
   {

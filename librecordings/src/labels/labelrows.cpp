@@ -2,6 +2,8 @@
 
 #include "labels/labeltext.hpp"
 
+#include <skeigiot/recordings/inputlimits.hpp>
+
 #include <algorithm>
 
 namespace KV::recordings
@@ -26,6 +28,9 @@ public:
     bool more = true;
     while (more)
     {
+      if (++_fields > limits::mostFieldsOfLabels)
+        throw Error({_path, _line, {}}, "has more than " + std::to_string(limits::mostFieldsOfLabels) +
+                                            " fields: this is no file of labels");
       row.fields.push_back(_takeField());
       more = !_rest.empty() && _rest.front() == _delimiter;
       if (!_rest.empty())
@@ -78,6 +83,7 @@ private:
   const std::string& _path;
   char _delimiter;
   std::size_t _line = 1;
+  std::size_t _fields = 0;  // of all rows so far
 };
 
 bool hasText(const LabelRow& row)

@@ -27,7 +27,7 @@ struct LabelRow
 /// and line breaks in quotes, for tables that people make by hand. Fields have no blanks around them. One in quotes may
 /// hold delimiters and line breaks, and two quotes in a row mean one quote.
 ///
-/// \throws Error if a quote is not closed.
+/// \throws Error if a quote is not closed, or there are too many fields.
 std::vector<LabelRow> labelRows(std::string_view text, const std::string& path, char delimiter,
                                 std::size_t most = static_cast<std::size_t>(-1));
 

@@ -1,6 +1,7 @@
 #include "labels/labeltext.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <boost/locale/utf.hpp>
@@ -18,8 +19,7 @@ namespace
 {
 namespace utf = boost::locale::utf;
 
-constexpr std::size_t longestText = std::size_t{512} << 20U;  // [bytes]
-constexpr double latestTime = 4e9;                            // [s]
+constexpr double latestTime = 4e9;  // [s]
 constexpr std::string_view blanks = " \t\r\n";
 
 constexpr utf::code_point replacement = 0xFFFD;  // replaces half of a surrogate pair
@@ -72,9 +72,9 @@ std::string labelText(const std::string& path)
   std::string_view block;
   while (file.readBlock(block))
   {
-    if (text.size() + block.size() > longestText)
-      throw Error({path, 0, {}},
-                  "is larger than " + std::to_string(longestText >> 20U) + " MiB: this is no file of labels");
+    if (text.size() + block.size() > limits::largestLabels)
+      throw Error({path, 0, {}}, "is larger than " + std::to_string(limits::largestLabels / limits::mebibyte) +
+                                     " MiB: this is no file of labels");
     text += block;
   }
   return decoded(std::move(text));

@@ -49,6 +49,7 @@ double numberOf(const Value& value, const std::string& expected)
 
 Json parsed(const std::string& text)
 {
+  refuseNul(text);
   try
   {
     return Json::parse(text);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <skeigiot/recordings/inputlimits.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -16,7 +18,7 @@ class RosbagPersons
 {
 public:
   /// There is no bag with more faces than that.
-  static constexpr std::size_t mostFaces = 10000;
+  static constexpr std::size_t mostFaces = limits::mostFaces;
 
   /// Notes that a face is that of a person; what is said last counts.
   void addFace(const std::string& person, const std::string& face);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <skeigiot/recordings/inputlimits.hpp>
+
 #include <array>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -50,7 +53,7 @@ class TransformTree
 {
 public:
   /// More frames than that are not kept.
-  static constexpr std::size_t mostFrames = 10000;
+  static constexpr std::size_t mostFrames = limits::mostFrames;
 
   /// Places `child` in `parent`; returns false if there are too many frames.
   bool set(const std::string& parent, const std::string& child, const Transform& transform);

@@ -1,6 +1,11 @@
 #include "rosbag2/rosbagdatabase.hpp"
 
 #include "input/unpackedfile.hpp"
+#include "rosbag2/querywatch.hpp"
+
+#include <skeigiot/recordings/inputlimits.hpp>
+#include <skeigiot/recordings/interruptioncheck.hpp>
+#include <skeigiot/recordings/quote.hpp>
 
 #include <sqlite3.h>
 
@@ -8,15 +13,15 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 namespace KV::recordings
 {
 namespace
 {
-constexpr std::size_t mostTopics = 10000;
-constexpr int largestMessage = 1 << 20;  // [bytes] those that are read have a few hundred
-constexpr int mostDifferent = 10000;
+// SQLite builds no value larger than this: a message of the greatest length, and what stands beside it in its row.
+constexpr int largestValue = limits::largestMessage + (1 << 16);
 
 // A path as part of an address.
 std::string escaped(const std::string& path)
@@ -34,12 +39,47 @@ std::string escaped(const std::string& path)
   return text;
 }
 
+std::uintmax_t sizeOf(const std::string& path)
+{
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
+}
+
 // What was written last may still be in a journal beside the file.
+std::uintmax_t sizeOfJournal(const std::string& path)
+{
+  return sizeOf(path + "-wal");
+}
+
 bool hasJournal(const std::string& path)
 {
-  std::error_code ignored;
-  const auto size = std::filesystem::file_size(path + "-wal", ignored);
-  return !ignored && size > 0;
+  return sizeOfJournal(path) > 0;
+}
+
+// SQLite would wait for a pipe without an end.
+void expectFile(const std::string& path)
+{
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error))
+    throw Error({path, 0, {}}, "is no regular file, which the files of a bag must be");
+  if (sizeOf(path) == 0)
+    throw Error({path, 0, {}}, "the file is empty");
+}
+
+void configure(sqlite3* database)
+{
+  sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+  sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  sqlite3_limit(database, SQLITE_LIMIT_LENGTH, largestValue);
+  sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
+  sqlite3_limit(database, SQLITE_LIMIT_WORKER_THREADS, 0);
+  // A damaged cell is noticed when its page is read; pages are read into SQLite's own memory, so that a file that
+  // becomes shorter is an error and no signal.
+  sqlite3_exec(database, "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0", nullptr, nullptr, nullptr);
 }
 
 std::string listOf(const std::vector<std::int64_t>& keys)
@@ -64,16 +104,17 @@ void RosbagDatabase::CloseStatement::operator()(sqlite3_stmt* statement) const
 
 RosbagDatabase::RosbagDatabase(const std::string& path) : _path(path)
 {
+  expectFile(path);
   if (UnpackedFile::isNeededFor(path))
-  {
     _unpacked = std::make_unique<const UnpackedFile>(path);
-    _open(_unpacked->path());
-  }
-  else
-    _open(path);
-  _expectTable("topics");
-  _expectTable("messages");
-  _expectWholePages(_unpacked ? _unpacked->path() : path);
+  const std::string& file = _unpacked ? _unpacked->path() : path;
+  _open(file);
+  for (const char* const table : {"topics", "messages"})
+    _expectTable(table);
+  _refuseOtherThanTables();
+  for (const char* const table : {"topics", "messages"})
+    _refuseGeneratedColumns(table);
+  _expectWholePages(file);
   _readTopics();
   _readSpan();
 }
@@ -82,19 +123,24 @@ RosbagDatabase::~RosbagDatabase() = default;
 RosbagDatabase::RosbagDatabase(RosbagDatabase&& other) noexcept = default;
 RosbagDatabase& RosbagDatabase::operator=(RosbagDatabase&& other) noexcept = default;
 
+// A file that nobody writes is opened as immutable, and then without any other file. The changes in a journal count
+// only if it is read, which SQLite does by itself alone, without a lock or an index in a third file, in exclusive mode.
 void RosbagDatabase::_open(const std::string& file)
 {
-  const std::string address = "file:" + escaped(std::filesystem::absolute(file).string()) +
-                              (hasJournal(file) ? "?mode=ro" : "?mode=ro&immutable=1");
+  const bool withJournal = hasJournal(file);
+  const std::string address = "file:" + escaped(std::filesystem::absolute(file).string()) + "?mode=ro" +
+                              (withJournal ? "&vfs=unix-none" : "&immutable=1");
   sqlite3* database = nullptr;
   const int status = sqlite3_open_v2(address.c_str(), &database,
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
   _database.reset(database);
   if (status != SQLITE_OK)
     throw Error({_path, 0, {}}, std::string("cannot be opened: ") + sqlite3_errstr(status));
-  sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-  sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-  sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+  _size = sizeOf(file) + sizeOfJournal(file);
+  _watch = std::make_unique<QueryWatch>(*database, _size);
+  if (withJournal)
+    sqlite3_exec(database, "PRAGMA locking_mode = EXCLUSIVE", nullptr, nullptr, nullptr);
+  configure(database);
 }
 
 // A view or a virtual table would be somebody's program, not a recording.
@@ -105,6 +151,29 @@ void RosbagDatabase::_expectTable(const std::string& name)
   _step(*statement);
   if (sqlite3_column_int(statement.get(), 0) != 1)
     _fail("has no table '" + name + "': this is no bag");
+}
+
+void RosbagDatabase::_refuseOtherThanTables()
+{
+  const auto statement = _prepare(
+      "SELECT type, name FROM sqlite_master "
+      "WHERE type NOT IN ('table', 'index') OR (type = 'table' AND rootpage <= 0)");
+  if (!_step(*statement))
+    return;
+  const std::string type = _textOf(*statement, 0);
+  const std::string kind = type == "view" || type == "trigger" ? type : "virtual table";
+  _fail("has the " + kind + " " + quote(_textOf(*statement, 1)) + ": a bag has tables and indices only");
+}
+
+void RosbagDatabase::_refuseGeneratedColumns(const std::string& table)
+{
+  constexpr int name = 1;
+  constexpr int hidden = 6;
+  const auto statement = _prepare("PRAGMA table_xinfo('" + table + "')");
+  while (_step(*statement))
+    if (sqlite3_column_int(statement.get(), hidden) != 0)
+      _fail("the column " + quote(_textOf(*statement, name)) + " of the table '" + table +
+            "' is generated: a bag has stored columns only");
 }
 
 // SQLite refuses a file that lacks pages, but takes what is missing of the last one for zeros.
@@ -121,52 +190,75 @@ void RosbagDatabase::_expectWholePages(const std::string& file)
 
 void RosbagDatabase::_readTopics()
 {
-  const auto statement = _prepare("SELECT id, name, type, serialization_format FROM topics");
+  const auto statement = _prepare("SELECT id, name, type, serialization_format FROM topics NOT INDEXED");
+  std::size_t count = 0;
+  std::uintmax_t bytes = 0;
   while (_step(*statement))
   {
     if (sqlite3_column_type(statement.get(), 0) != SQLITE_INTEGER)
       _fail("a topic has no whole number as its key");
-    if (_topics.size() == mostTopics)
-      _fail("has more than " + std::to_string(mostTopics) + " topics");
-    _topics[sqlite3_column_int64(statement.get(), 0)] = {_textOf(*statement, 1), _textOf(*statement, 2),
-                                                         _textOf(*statement, 3)};
+    if (++count > limits::mostTopics)
+      _fail("has more than " + std::to_string(limits::mostTopics) + " topics");
+    BagTopic topic{_textOf(*statement, 1), _textOf(*statement, 2), _textOf(*statement, 3)};
+    bytes += topic.name.size() + topic.type.size() + topic.format.size();
+    if (bytes > _size)
+      _fail("the names of its topics are longer than the file: the database is damaged");
+    _topics[sqlite3_column_int64(statement.get(), 0)] = std::move(topic);
   }
 }
 
 void RosbagDatabase::_readSpan()
 {
-  const auto statement = _prepare("SELECT min(timestamp), max(timestamp) FROM messages");
-  if (_step(*statement) && sqlite3_column_type(statement.get(), 0) == SQLITE_INTEGER &&
-      sqlite3_column_type(statement.get(), 1) == SQLITE_INTEGER)
-    _span = {sqlite3_column_int64(statement.get(), 0), sqlite3_column_int64(statement.get(), 1)};
+  const auto first = _outermostTime("ASC");
+  const auto last = _outermostTime("DESC");
+  if (first && last)
+    _span = {*first, *last};
+}
+
+std::optional<std::int64_t> RosbagDatabase::_outermostTime(const std::string& order)
+{
+  _watch->allowAnotherPass();
+  const auto statement = _prepare(
+      "SELECT timestamp FROM messages WHERE typeof(timestamp) = 'integer' "
+      "ORDER BY timestamp " +
+      order + " LIMIT 1");
+  if (!_step(*statement))
+    return {};
+  return sqlite3_column_int64(statement.get(), 0);
 }
 
 void RosbagDatabase::select(const std::vector<std::int64_t>& topics)
 {
-  _messages = _prepare("SELECT id, topic_id, timestamp, data FROM messages WHERE topic_id IN " + listOf(topics) +
-                       " ORDER BY timestamp, id");
+  _messages = _selected(topics);
 }
 
 bool RosbagDatabase::next(BagMessage& message)
 {
-  if (!_step(*_messages))
-    return false;
-  _readMessage(*_messages, message);
-  return true;
+  return _next(_messages, message);
 }
 
-void RosbagDatabase::forEachDifferent(const std::vector<std::int64_t>& topics,
+bool RosbagDatabase::forEachDifferent(const std::vector<std::int64_t>& topics,
                                       const std::function<void(BagMessage&)>& take)
 {
-  const auto statement =
-      _prepare("SELECT min(id), topic_id, min(timestamp), data FROM messages WHERE topic_id IN " + listOf(topics) +
-               " GROUP BY topic_id, data ORDER BY 3, 1 LIMIT " + std::to_string(mostDifferent));
+  if (topics.empty())
+    return true;
+  Selection selection = _selected(topics);
+  std::unordered_set<std::string> different;
+  std::size_t bytes = 0;
   BagMessage message;
-  while (_step(*statement))
+  while (_next(selection, message))
   {
-    _readMessage(*statement, message);
+    std::string content = std::to_string(message.topic) + " ";
+    content.append(message.data.begin(), message.data.end());
+    if (different.count(content) > 0)
+      continue;
+    bytes += content.size();
+    if (different.size() == limits::mostDifferentMessages || bytes > limits::largestDifferentMessages)
+      return false;
+    different.insert(std::move(content));
     take(message);
   }
+  return true;
 }
 
 void RosbagDatabase::refuse(const BagMessage& message, const std::string& what) const
@@ -177,7 +269,10 @@ void RosbagDatabase::refuse(const BagMessage& message, const std::string& what) 
 RosbagDatabase::Statement RosbagDatabase::_prepare(const std::string& sql) const
 {
   sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(_database.get(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
+  const int status = sqlite3_prepare_v2(_database.get(), sql.c_str(), -1, &statement, nullptr);
+  if (status == SQLITE_INTERRUPT)
+    _refuseEndless();
+  if (status != SQLITE_OK)
     _fail("cannot be read as a bag: " + std::string(sqlite3_errmsg(_database.get())));
   return Statement(statement);
 }
@@ -190,6 +285,8 @@ bool RosbagDatabase::_step(sqlite3_stmt& statement) const
     return true;
   if (status == SQLITE_DONE)
     return false;
+  if (status == SQLITE_INTERRUPT)
+    _refuseEndless();
   _fail("the database is damaged or was cut: " + std::string(sqlite3_errmsg(_database.get())));
 }
 
@@ -200,19 +297,54 @@ std::string RosbagDatabase::_textOf(sqlite3_stmt& statement, int column) const
   return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(count));
 }
 
-void RosbagDatabase::_readMessage(sqlite3_stmt& statement, BagMessage& message) const
+// A message is found by its times in the table itself: an index may say anything. Types and lengths stand in the head
+// of a row, so that SQLite need not read what is of another type, or too long.
+RosbagDatabase::Selection RosbagDatabase::_selected(const std::vector<std::int64_t>& topics) const
 {
-  message.number = sqlite3_column_int64(&statement, 0);
-  message.topic = sqlite3_column_int64(&statement, 1);
-  message.time = sqlite3_column_int64(&statement, 2);
-  if (sqlite3_column_type(&statement, 2) != SQLITE_INTEGER || message.time < 0)
+  _watch->allowAnotherPass();
+  Selection selection;
+  selection.order = _prepare(
+      "SELECT rowid, topic_id, CASE typeof(timestamp) WHEN 'integer' THEN timestamp END AS time "
+      "FROM messages NOT INDEXED "
+      "WHERE CASE typeof(topic_id) WHEN 'integer' THEN topic_id END IN " +
+      listOf(topics) + " ORDER BY time NULLS LAST, rowid");
+  selection.data = _prepare("SELECT length(data), CASE WHEN length(data) <= " + std::to_string(limits::largestMessage) +
+                            " THEN data END FROM messages NOT INDEXED WHERE rowid = ? AND typeof(data) = 'blob'");
+  return selection;
+}
+
+bool RosbagDatabase::_next(Selection& selection, BagMessage& message) const
+{
+  InterruptionCheck::ask();
+  sqlite3_stmt& order = *selection.order;
+  if (!_step(order))
+    return false;
+  if (++selection.rows > _size / limits::leastBytesOfMessage)
+    _fail("lists more messages than a file of its size can hold: the database is damaged");
+  message.number = sqlite3_column_int64(&order, 0);
+  message.topic = sqlite3_column_int64(&order, 1);
+  message.time = sqlite3_column_int64(&order, 2);
+  if (sqlite3_column_type(&order, 2) != SQLITE_INTEGER || message.time < 0)
     refuse(message, "its time is no count of nanoseconds");
-  if (sqlite3_column_type(&statement, 3) != SQLITE_BLOB)
+  _readData(selection, message);
+  return true;
+}
+
+void RosbagDatabase::_readData(Selection& selection, BagMessage& message) const
+{
+  sqlite3_stmt& data = *selection.data;
+  sqlite3_reset(&data);
+  sqlite3_bind_int64(&data, 1, message.number);
+  if (!_step(data))
     refuse(message, "its data are no bytes");
-  const int count = sqlite3_column_bytes(&statement, 3);
-  if (count > largestMessage)
-    refuse(message, "has " + std::to_string(count) + " bytes, too many for its type");
-  const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(&statement, 3));
+  const std::int64_t length = sqlite3_column_int64(&data, 0);
+  if (length > limits::largestMessage)
+    refuse(message, "has " + std::to_string(length) + " bytes, too many for its type");
+  const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(&data, 1));
+  const int count = sqlite3_column_bytes(&data, 1);
+  selection.bytes += static_cast<std::uintmax_t>(count);
+  if (selection.bytes > _size)
+    _fail("its messages are longer than the file: the database is damaged");
   message.data.assign(bytes, bytes + count);
 }
 
@@ -220,6 +352,12 @@ std::string RosbagDatabase::_nameOf(const BagMessage& message) const
 {
   const auto topic = _topics.find(message.topic);
   return topic == _topics.end() ? "" : topic->second.name;
+}
+
+void RosbagDatabase::_refuseEndless() const
+{
+  _watch->rethrow();
+  _fail("takes more steps to read than a file of its size can need: the database is damaged");
 }
 
 void RosbagDatabase::_fail(const std::string& what) const

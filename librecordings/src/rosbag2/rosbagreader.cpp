@@ -3,6 +3,7 @@
 #include "face/pose.hpp"
 #include "recording/recordingclock.hpp"
 
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -38,14 +39,16 @@ std::vector<std::string> filesOf(const std::string& path)
 
   std::vector<std::string> files;
   std::string other;
-  for (const auto& entry : fs::directory_iterator(path))
+  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
   {
-    const std::string name = entry.path().string();
+    const std::string name = entry->path().string();
     if (endsWith(name, ".db3") || endsWith(name, ".db3.gz"))
       files.push_back(name);
     else if (endsWith(name, ".mcap") || endsWith(name, ".zstd"))
-      other = entry.path().filename().string();
+      other = entry->path().filename().string();
   }
+  if (error)
+    throw Error({path, 0, {}}, "cannot be read: " + error.message());
   if (files.empty())
     throw Error({path, 0, {}}, "there is no .db3 file in the folder" +
                                    (other.empty() ? "" : "; " + quote(other) + " must be converted first"));
@@ -182,9 +185,14 @@ void RosbagReader::_readPersons()
     for (const auto& [key, topic] : file.topics)
       if (isAboutPersons(topic))
         keys.push_back(key);
-    file.database.forEachDifferent(keys, [&](BagMessage& message) {
+    const bool isAll = file.database.forEachDifferent(keys, [&](BagMessage& message) {
       guarded(file.database, message, [&] { _dispatch.takePerson(file.topics.at(message.topic), message.data); });
     });
+    if (!isAll)
+      _warnings.push_back(file.database.path() + ": holds more than " + std::to_string(limits::mostDifferentMessages) +
+                          " different messages on who has which face, or more than " +
+                          std::to_string(limits::largestDifferentMessages / limits::mebibyte) +
+                          " MiB of them: a person whose face is found anew later counts as another person");
   }
 }
 

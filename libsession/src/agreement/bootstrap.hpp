@@ -1,5 +1,7 @@
 #pragma once
 
+#include <skeigiot/recordings/interruptioncheck.hpp>
+
 #include <boost/optional/optional.hpp>
 
 #include <cstddef>
@@ -25,6 +27,7 @@ public:
     std::mt19937_64 generator(_seed);
     for (std::size_t i = 0; i < _resamples; ++i)
     {
+      recordings::InterruptionCheck::ask();
       Unit sum = nothing;
       for (std::size_t drawn = 0; drawn < units.size(); ++drawn)
         sum.add(units[_below(units.size(), generator)]);

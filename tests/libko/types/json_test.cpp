@@ -189,6 +189,11 @@ TEST(Json, RefusesWhatIsTooLong)
   EXPECT_EQ("longer than 16777216 bytes", refusal(blanks + " 1"));
 }
 
+TEST(Json, RefusesANulBehindWhichNothingWouldBeRead)
+{
+  EXPECT_EQ("a NUL at byte 2, which no JSON has", refusal(std::string("1\0 2", 4)));
+}
+
 TEST(Json, IsNotWrittenDeeperThanItIsRead)
 {
   Value value = ko::json::decode(nested(ko::wirelimits::depth));

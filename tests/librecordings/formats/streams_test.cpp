@@ -114,13 +114,33 @@ TEST_F(Streams, MayHoldMoreThanTheBufferAndSeveralPackedParts)
   const std::size_t middle = text.size() / 2;
   const std::string path = folder.write("f", text);
   const std::string parts = bytesOf(folder.writeCompressed("a", text.substr(0, middle))) +
-                            bytesOf(folder.writeCompressed("b", text.substr(middle))) + "behind the parts";
+                            bytesOf(folder.writeCompressed("b", text.substr(middle)));
 
   const auto expected = support::contentsOf(path);
 
   EXPECT_EQ(50000u, expected.entries.size());
   expectSame(expected, fromStream(text), path);
   expectSame(expected, fromStream(parts), path);
+}
+
+TEST_F(Streams, SayThatSomethingElseStandsBehindPackedParts)
+{
+  const std::string line = "{\"time\":1000}\n";
+  const std::string part = bytesOf(folder.writeCompressed("f", line));
+  const std::string place = ": something else than gzip stands behind the compressed data, at byte " +
+                            std::to_string(part.size()) + ": the rest cannot be read";
+  for (const std::string& behind : {"x" + part, std::string("x"), part.substr(0, 1)})
+  {
+    SCOPED_TRACE(behind);
+    const support::Contents ofStream = fromStream(part + behind);
+    EXPECT_EQ(1u, ofStream.entries.size()) << "what stands before is lost";
+    EXPECT_EQ(streamName + (":1" + place), ofStream.fatal);
+    const std::string path = folder.write("g", part + behind);
+    expectSame(support::contentsOf(path), ofStream, path);
+  }
+  const support::Contents padded = fromStream(part + std::string(300000, '\0') + part + std::string(1, '\0'));
+  EXPECT_EQ("", padded.fatal) << "zeros fill up what tapes and disks hold";
+  EXPECT_EQ(2u, padded.entries.size());
 }
 
 TEST_F(Streams, AreReadFromWhereTheyStand)

@@ -450,7 +450,7 @@ TEST_F(CommandTest, ExportsThoughTheReaderOfItsTextHasGoneAway)
   EXPECT_EQ(folder.read("2.csv"), folder.read("1.csv"));
 }
 
-TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
+TEST_F(CommandTest, ExportsWhatWasReadAndLeavesNoTemporaryFileWhenItIsInterrupted)
 {
   // The recording is a pipe that never ends, so the command is in the middle of it when the signal comes.
   const CommandResult result = runShell(
@@ -464,7 +464,10 @@ TEST_F(CommandTest, LeavesNoTemporaryFileWhenItIsInterrupted)
       "wait $command\n",
       {folder.path(""), recording});
   EXPECT_EQ(128 + SIGTERM, result.status);
-  EXPECT_EQ((Names{"meeting.jsonl", "pipe.jsonl"}), folder.names());
+  EXPECT_EQ((Names{"export.csv", "meeting.jsonl", "pipe.jsonl"}), folder.names());
+  const std::string exported = folder.read("export.csv");
+  EXPECT_THAT(exported, StartsWith("recording,person,time,"));
+  EXPECT_EQ('\n', exported.back());
 }
 
 TEST_F(CommandTest, LeavesOutReadingsThatAreNotFiniteAndSaysSo)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/recordings/inputlimits.hpp>
 
 #include <cstddef>
 #include <iosfwd>
@@ -18,7 +19,7 @@ class ByteSource;
 class SKEIGIOT_API InputFile
 {
 public:
-  static constexpr std::size_t longestLine = std::size_t{16} << 20U;  ///< [bytes]
+  static constexpr std::size_t longestLine = limits::longestLine;  ///< [bytes]
 
   /// Opens the file; a byte order mark of UTF-8 at its beginning is skipped.
   ///
