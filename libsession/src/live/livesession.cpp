@@ -83,6 +83,9 @@ std::vector<std::int32_t> LiveSession::take(std::string_view line)
     return {};
   recordings::StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
 
+  if (!_session.canStartScopes(read.entry))
+    throw recordings::MemberError("start", "more than " + std::to_string(Scopes::mostOpen) +
+                                               " scopes would be open: stop scopes that are over first");
   setBoundaries(read.boundaries);
   for (const std::int32_t person : read.leaving)
     _session.forget(person);

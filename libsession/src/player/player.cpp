@@ -93,7 +93,11 @@ private:
     _outcome.length = _length();
     _outcome.isDated = _reader.isDated();
     if (_session)
+    {
       _outcome.leftOut = _session->takeLeftOut();
+      if (std::string notStarted = _session->takeNotStarted(); !notStarted.empty())
+        _outcome.warnings.push_back(std::move(notStarted));
+    }
     _outcome.libraryWarnings = _log.take();
   }
 

@@ -18,6 +18,7 @@ namespace
 {
 
 constexpr Duration shortestStretch = boost::chrono::milliseconds(250);
+constexpr Duration longestStretch = Duration::max() / 2;
 
 bool isShown(KV::Quantity quantity)
 {
@@ -125,26 +126,25 @@ std::uint16_t ReportRecorder::_numberOfSource(std::string_view name)
   return number;
 }
 
-bool ReportRecorder::_isTooMuch() const
-{
-  return _momentCount > _limits.moments || _forceCount > _limits.forces;
-}
-
-/// Thins what came since the last time, and lengthens the stretches until there is room again for some time.
+/// Thins what came since the last time, and lengthens the stretches until there is room again for some time. Where
+/// persons are too many for that, room is made in proportion: so each moment is looked at a few times only.
 void ReportRecorder::_thin()
 {
   const auto isFull = [this] { return _momentCount > _limits.moments * 4 / 5 || _forceCount > _limits.forces * 4 / 5; };
   _stretch = std::max(_stretch, shortestStretch);
   _thinAll();
-  while (isFull() && _stretch < _inspection.length())
+  while (isFull() && _stretch < _inspection.length() && _stretch < longestStretch)
   {
     _stretch *= 2;
     _thinAll();
   }
+  _mostNow.moments = std::max(_limits.moments, _momentCount / 4 * 5);
+  _mostNow.forces = std::max(_limits.forces, _forceCount / 4 * 5);
 }
 
 void ReportRecorder::_thinAll()
 {
+  _thinningCost += _momentCount;
   for (auto& [person, moments] : _moments)
     thin(moments, _stretch);
   _count();

@@ -19,11 +19,13 @@
 namespace KV::session
 {
 
-/// Collects what a report shows of one session, in bounded memory: a long recording is thinned as it goes on.
+/// Collects what a report shows of one session: a long recording is thinned as it goes on, so that what is kept grows
+/// with the number of persons only.
 class ReportRecorder : public SessionObserver
 {
 public:
-  /// How much is kept; more than it is thinned. So a report stays small enough to be sent and opened.
+  /// How much is kept; more than it is thinned. So a report stays small enough to be sent and opened. Of each person
+  /// some moments stay, so that thousands of persons take more.
   struct Limits
   {
     std::size_t moments = 20'000;
@@ -37,7 +39,7 @@ public:
     bool excited = false;
   };
 
-  explicit ReportRecorder(const Limits& limits) : _limits(limits) {}
+  explicit ReportRecorder(const Limits& limits) : _limits(limits), _mostNow(limits) {}
 
   void recordingDated(bool isDated) override { _isDated = isDated; }
   void recordingDescribed(const std::vector<std::string>& description) override { _description = description; }
@@ -67,9 +69,12 @@ public:
   /// Returns how long the stretches are of which only some moments were kept; 0 if all were.
   Duration stretch() const { return _stretch; }
 
+  /// Returns how many moments all thinning has looked at so far: what it cost.
+  std::size_t thinningCost() const { return _thinningCost; }
+
 private:
   std::uint16_t _numberOfSource(std::string_view name);
-  bool _isTooMuch() const;
+  bool _isTooMuch() const { return _momentCount > _mostNow.moments || _forceCount > _mostNow.forces; }
   void _thin();
   void _thinAll();
   void _count();
@@ -77,6 +82,8 @@ private:
   Limits _limits;
   bool _isDated = true;
   std::vector<std::string> _description;
+  Limits _mostNow;  // when it is thinned next
+  std::size_t _thinningCost = 0;
   std::map<std::int32_t, KV::PersonObservation> _inputs;  // of each person since the last update
   std::vector<MomentForce> _forces;                       // of the update that is under way
 

@@ -42,9 +42,12 @@ std::vector<ScopeVerdict> Scopes::advance(Duration now)
   return verdicts;
 }
 
-void Scopes::start(const std::string& name, std::int32_t samples, Duration now)
+bool Scopes::start(const std::string& name, std::int32_t samples, Duration now)
 {
+  if (openCount() >= mostOpen && !isOpen(name))
+    return false;
   _started[name] = Open{now, samples, {}};
+  return true;
 }
 
 void Scopes::update(std::int32_t person, const KV::PersonState& state)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <set>
 #include <utility>
 
 namespace KV::session
@@ -11,8 +12,15 @@ namespace KV::session
 namespace
 {
 
-/// Where the count, a float, stops growing by steps of 1: more movements than this change nothing.
+/// Where the count, a float, stops growing by steps of 1.
 constexpr int largestMovementCount = 1 << std::numeric_limits<float>::digits;
+
+/// Counts the movements all at once, with the result of incrementMovementDetected() called for each of them.
+void addMovements(KV::AmbianceState& ambiance, int movements)
+{
+  const std::int64_t room = largestMovementCount - static_cast<std::int64_t>(ambiance.movementCount);
+  ambiance.movementCount += static_cast<float>(std::clamp<std::int64_t>(movements, 0, room));
+}
 
 Snapshot snapshotOf(const KV::PersonState& state)
 {
@@ -51,12 +59,34 @@ void Session::play(const recordings::Step& step)
   for (SessionObserver* observer : _observers)
     observer->stepBegins(step);
   _report(_scopes.advance(length()));
-  for (const recordings::ScopeStart& scope : step.scopeStarts)
-    _scopes.start(scope.name, scope.samples, length());
+  _startScopes(step);
   _updateAmbiance(step);
   _updatePerson(step);
   for (const std::string& scope : step.scopeStops)
     _report(_scopes.stop(scope, length()));
+}
+
+bool Session::canStartScopes(const recordings::Step& step) const
+{
+  std::set<std::string> started;
+  for (const recordings::ScopeStart& scope : step.scopeStarts)
+  {
+    if (!_scopes.isOpen(scope.name))
+      started.insert(scope.name);
+  }
+  return _scopes.openCount() + started.size() <= Scopes::mostOpen;
+}
+
+std::string Session::takeNotStarted()
+{
+  if (_notStarted == 0)
+    return {};
+  const std::string scopes = _notStarted == 1 ? "1 scope was" : std::to_string(_notStarted) + " scopes were";
+  const std::string text = scopes + " not started, since " + std::to_string(Scopes::mostOpen) +
+                           " were open already; the first was '" + _firstNotStarted + "'";
+  _notStarted = 0;
+  _firstNotStarted.clear();
+  return text;
 }
 
 void Session::forget(std::int32_t person)
@@ -110,10 +140,20 @@ void Session::_watchForces()
   _forceWatch.emplace(showForce, showZoneChange);
 }
 
+void Session::_startScopes(const recordings::Step& step)
+{
+  for (const recordings::ScopeStart& scope : step.scopeStarts)
+  {
+    if (_scopes.start(scope.name, scope.samples, length()))
+      continue;
+    if (_notStarted++ == 0)
+      _firstNotStarted = scope.name;
+  }
+}
+
 void Session::_updateAmbiance(const recordings::Step& step)
 {
-  for (int movement = 0; movement < std::min(step.movements, largestMovementCount); ++movement)
-    _ambiance.incrementMovementDetected();
+  addMovements(_ambiance, step.movements);
   if (!step.ambianceActivity)
     return;
   _ambiance.updateAmbiance(*step.ambianceActivity);

@@ -132,6 +132,17 @@ TEST_F(LiveSessionTest, NeedsTimesThatDoNotRunBackInTheLines)
   EXPECT_EQ(start + seconds(5), live.now());
 }
 
+TEST_F(LiveSessionTest, RefusesToOpenTooManyScopes)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  for (std::size_t i = 0; i < KV::session::Scopes::mostOpen; ++i)
+    EXPECT_EQ("-", refusedFor(live, R"({"start":[{"scope":")" + std::to_string(i) + R"("}]})"));
+  EXPECT_EQ("start", refusedFor(live, R"({"start":[{"scope":"more"}],)" + looksAtRobot + "}"));
+  EXPECT_TRUE(log.snapshots.empty()) << "the line changed nothing";
+  EXPECT_EQ("-", refusedFor(live, R"({"stop":["7"]})"));
+  EXPECT_EQ("-", refusedFor(live, R"({"start":[{"scope":"more"}]})"));
+}
+
 TEST_F(LiveSessionTest, ForgetsWhoLeaves)
 {
   LiveSession live = session(StreamTimes::Arrival);

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 namespace
 {
@@ -113,6 +114,35 @@ TEST(ReportRecorder, ThinsARecordingWithManyForces)
     forces += moment.forces.size();
   EXPECT_LE(forces, 3000U);
   EXPECT_GT(forces, 0U);
+}
+
+TEST(ReportRecorder, LooksAtEachMomentOfManyPersonsAFewTimesOnly)
+{
+  constexpr std::size_t persons = 20'000;
+  ReportRecorder recorder{ReportRecorder::Limits{100, 1000}};
+  for (std::size_t i = 0; i < persons; ++i)
+  {
+    Step step = stepAt(static_cast<int>(i));
+    step.person = static_cast<std::int32_t>(i);
+    recorder.stepBegins(step);
+    KV::session::Snapshot snapshot;
+    snapshot.time = step.time;
+    snapshot.sinceStart = step.time - beginning;
+    snapshot.person = *step.person;
+    recorder.personUpdated(snapshot);
+  }
+  recorder.finish();
+  EXPECT_EQ(persons, recorder.moments().size()) << "of each person the only moment stays";
+  EXPECT_LE(recorder.thinningCost(), 8 * persons);
+}
+
+TEST(ReportRecorder, LooksAtEachMomentOfALongRecordingAFewTimesOnly)
+{
+  constexpr int steps = 20'000;
+  ReportRecorder recorder{ReportRecorder::Limits{500, 100'000}};
+  play(recorder, steps);
+  EXPECT_LE(recorder.moments().at(1).size(), 500U);
+  EXPECT_LE(recorder.thinningCost(), 8U * steps);
 }
 
 TEST(ReportRecorder, KnowsTheRoomAndTheScopes)

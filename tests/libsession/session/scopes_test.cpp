@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <random>
 #include <set>
 #include <string>
@@ -110,6 +111,19 @@ TEST(Scopes, NeverStoppedAreJudgedAtTheEnd)
   EXPECT_EQ(ScopeEnd::NotStopped, verdicts[0].end);
   EXPECT_EQ("positive", verdicts[0].of(1).word);
   EXPECT_EQ(inNanoseconds(9.), verdicts[0].to);
+}
+
+TEST(Scopes, OpenNoMoreThanTheyMay)
+{
+  Scopes scopes({});
+  for (std::size_t i = 0; i < Scopes::mostOpen; ++i)
+    EXPECT_TRUE(scopes.start(std::to_string(i), -1, inNanoseconds(0.)));
+  EXPECT_FALSE(scopes.start("more", -1, inNanoseconds(0.)));
+  EXPECT_FALSE(scopes.isOpen("more"));
+  EXPECT_TRUE(scopes.start("7", -1, inNanoseconds(1.))) << "it starts anew";
+  EXPECT_EQ(Scopes::mostOpen, scopes.openCount());
+  scopes.stop("7", inNanoseconds(2.));
+  EXPECT_TRUE(scopes.start("more", -1, inNanoseconds(2.)));
 }
 
 /// Updates a person once a second, from second 0 to `last`, and returns all verdicts on the span.

@@ -1,11 +1,14 @@
 #include "libsession/entries.hpp"
 
+#include <skeigiot/ambiancestate.hpp>
 #include <skeigiot/person.hpp>
 #include <skeigiot/session/session.hpp>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -272,6 +275,85 @@ TEST_F(SessionTest, TakesAnAbsurdCountOfMovementsWithoutWaitingForIt)
   EXPECT_EQ(1.f, log.agitations.at(0));
 }
 
+/// The agitation that the step leaves behind, the movements having been counted one by one.
+float agitationByHand(const std::vector<int>& movements)
+{
+  KV::AmbianceState ambiance;
+  for (const int count : movements)
+    for (int i = 0; i < count; ++i)
+      ambiance.incrementMovementDetected();
+  ambiance._setAmbientActivityLevel(0.f);
+  ambiance.updateAmbiance(-0.4f);  // below 0, so that some movements do not reach the top
+  return ambiance.ambientActivityLevel(KV::AmbianceActivity);
+}
+
+TEST_F(SessionTest, CountsMovementsToTheBitAsIfOneByOne)
+{
+  for (const std::vector<int>& movements :
+       {std::vector<int>{0}, {1}, {2}, {7}, {3, 0, 4}, {1, 1, 1}, {19, 1}, {24}, {1 << 20}})
+  {
+    Log watched;
+    Session session({}, {&watched});
+    for (const int count : movements)
+    {
+      KV::recordings::Step entry = entryAt(0.);
+      entry.movements = count;
+      session.play(entry);
+    }
+    KV::recordings::Step activity = entryAt(1.);
+    activity.ambianceActivity = -0.4f;
+    session.play(activity);
+    ASSERT_EQ(1U, watched.agitations.size());
+    EXPECT_EQ(agitationByHand(movements), watched.agitations[0]) << movements.front();
+  }
+}
+
+TEST_F(SessionTest, TakesManyAbsurdCountsOfMovements)
+{
+  Session session({}, {&log});
+  KV::recordings::Step entry = entryAt(0.);
+  entry.movements = std::numeric_limits<int>::max();
+  for (int i = 0; i < 1'000'000; ++i)  // one by one this would take a day
+    session.play(entry);
+  entry.ambianceActivity = 0.f;
+  session.play(entry);
+  EXPECT_EQ(1.f, log.agitations.at(0));
+}
+
+/// Starts that many scopes, "0" and so on.
+KV::recordings::Step startingScopes(std::size_t count)
+{
+  KV::recordings::Step step = entryAt(0.);
+  for (std::size_t i = 0; i < count; ++i)
+    step.scopeStarts.push_back({std::to_string(i), -1});
+  return step;
+}
+
+TEST_F(SessionTest, StartsAsManyScopesAsMayBeOpen)
+{
+  Session session({}, {&log});
+  const KV::recordings::Step step = startingScopes(KV::session::Scopes::mostOpen);
+  EXPECT_TRUE(session.canStartScopes(step));
+  session.play(step);
+  EXPECT_TRUE(session.canStartScopes(step)) << "all of them start anew";
+  EXPECT_FALSE(session.canStartScopes(startingScopes(KV::session::Scopes::mostOpen + 1)));
+  EXPECT_EQ("", session.takeNotStarted());
+  session.finish();
+  EXPECT_EQ(KV::session::Scopes::mostOpen, log.verdicts.size());
+}
+
+TEST_F(SessionTest, SaysWhichScopesItDidNotStart)
+{
+  Session session({}, {&log});
+  session.play(startingScopes(KV::session::Scopes::mostOpen + 1));
+  EXPECT_EQ("1 scope was not started, since 100 were open already; the first was '100'", session.takeNotStarted());
+  session.play(startingScopes(KV::session::Scopes::mostOpen + 2));
+  EXPECT_EQ("2 scopes were not started, since 100 were open already; the first was '100'", session.takeNotStarted());
+  EXPECT_EQ("", session.takeNotStarted());
+  session.finish();
+  EXPECT_EQ(KV::session::Scopes::mostOpen, log.verdicts.size());
+}
+
 TEST_F(SessionTest, StartsScopesBeforeTheUpdateAndStopsThemAfterIt)
 {
   Session session({}, {&log});
@@ -308,6 +390,31 @@ TEST_F(SessionTest, WithoutAnEntryHasNoLength)
   session.finish();
   EXPECT_EQ(inNanoseconds(0.), session.length());
   EXPECT_TRUE(log.snapshots.empty());
+}
+
+TEST_F(SessionTest, TellsWhoWaitsToObserversThatWatchWaitingOnly)
+{
+  struct WaitingLog : KV::session::SessionObserver
+  {
+    explicit WaitingLog(bool watching) : watches(watching) {}
+    bool watchesWaiting() const override { return watches; }
+    void personWaits(const Snapshot& snapshot) override { waiting.push_back(snapshot); }
+
+    bool watches;
+    std::vector<Snapshot> waiting;
+  };
+  WaitingLog watching(true);
+  WaitingLog other(false);
+  Session session({}, {&other, &watching});
+  session.play(seenAt(0., 4));
+  EXPECT_TRUE(watching.waiting.empty()) << "the first step updates at once";
+  session.play(seenAt(0.05, 4));
+  session.play(notSeenAt(0.06, 4));
+  ASSERT_EQ(2U, watching.waiting.size());
+  EXPECT_EQ(4, watching.waiting[0].person);
+  EXPECT_EQ(start + milliseconds(50), watching.waiting[0].time);
+  EXPECT_TRUE(watching.waiting[1].seen);
+  EXPECT_TRUE(other.waiting.empty());
 }
 
 TEST_F(SessionTest, TellsForcesToObserversThatWatchThemOnly)

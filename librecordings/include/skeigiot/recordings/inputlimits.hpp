@@ -21,6 +21,7 @@ constexpr std::size_t mostFields = 10000;              ///< of a row of CSV; the
 constexpr std::size_t mostPersonNames = 10000;         ///< of one recording
 constexpr int deepestJson = 16;                        ///< [levels]
 constexpr std::size_t mostPartsOfStep = 2000;          ///< of one line of JSON Lines
+constexpr std::size_t mostOpenScopes = 100;            ///< of one recording or stream, at once
 constexpr std::size_t mostPartsOfObject = 1'000'000;   ///< of one result of MediaPipe
 constexpr std::size_t largestMapping = mebibyte;       ///< [bytes]
 constexpr std::size_t largestLabels = 32 * mebibyte;   ///< [bytes] of a file of labels

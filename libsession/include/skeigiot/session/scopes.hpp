@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/snapshot.hpp>
 #include <skeigiot/verdict.hpp>
@@ -51,9 +52,15 @@ struct SKEIGIOT_API ScopeVerdict
 ///
 /// Judges as KV::KVEmotionRecorder does, one recorder for each person, but in constant memory. All times are since the
 /// start of the recording and never decrease.
+///
+/// A scope keeps a few numbers for each person, so that what is kept is a product: hence there is a limit to the scopes
+/// that a recording may have open at once.
 class SKEIGIOT_API Scopes
 {
 public:
+  /// How many scopes of the recording may be open at once.
+  static constexpr std::size_t mostOpen = recordings::limits::mostOpenScopes;
+
   /// Takes the spans that are judged besides the scopes of the recording.
   explicit Scopes(const std::vector<ScopeSpan>& spans);
 
@@ -61,10 +68,18 @@ public:
   std::vector<ScopeVerdict> advance(Duration now);
 
   /// Opens a scope for that many updates of each person (negative: without limit); one of that name starts anew.
-  void start(const std::string& name, std::int32_t samples, Duration now);
+  ///
+  /// Returns false, and opens nothing, if it would be one more than mostOpen.
+  bool start(const std::string& name, std::int32_t samples, Duration now);
 
   /// Adds the state, as it is now, to every open scope that still takes updates of this person.
   void update(std::int32_t person, const KV::PersonState& state);
+
+  /// Returns how many scopes are open that start() opened.
+  std::size_t openCount() const { return _started.size(); }
+
+  /// Tells whether start() opened a scope of that name that is still open.
+  bool isOpen(const std::string& name) const { return _started.count(name) != 0; }
 
   /// Closes a scope that start() opened.
   ScopeVerdict stop(const std::string& name, Duration now);

@@ -15,6 +15,7 @@
 
 #include <boost/optional/optional.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,8 +38,11 @@ public:
   /// Says whether the times of the steps have a date, which is so if nobody says otherwise; snapshots tell it.
   void setDated(bool isDated) { _isDated = isDated; }
 
-  /// Takes one step: scope starts, ambiance, person, scope stops.
+  /// Takes one step: scope starts, ambiance, person, scope stops. A scope that would be one too many is not started.
   void play(const recordings::Step& step);
+
+  /// Tells whether all scopes that the step starts can be open beside those that are open now, see Scopes::mostOpen.
+  bool canStartScopes(const recordings::Step& step) const;
 
   /// Forgets a person: who comes back under that number is somebody new.
   void forget(std::int32_t person);
@@ -52,11 +56,15 @@ public:
   /// Returns a line about the readings that were left out since the last call, empty if there were none.
   std::string takeLeftOut() { return _nonFinite.take(); }
 
+  /// Returns a line about the scopes that were not started since the last call, empty if there were none.
+  std::string takeNotStarted();
+
   /// Returns how much of the recording was played.
   Duration length() const { return _now - _start.value_or(_now); }
 
 private:
   void _watchForces();
+  void _startScopes(const recordings::Step& step);
   void _updateAmbiance(const recordings::Step& step);
   void _updatePerson(const recordings::Step& step);
   void _setTime(TimePoint time);
@@ -79,6 +87,8 @@ private:
   KV::SocialGraph _graph;
   KV::AmbianceState _ambiance;
   Scopes _scopes;
+  std::size_t _notStarted = 0;  // scopes that were too many
+  std::string _firstNotStarted;
   std::vector<SessionObserver*> _observers;
   std::vector<SessionObserver*> _forceObservers;    // those of them that watch forces
   std::vector<SessionObserver*> _waitingObservers;  // those of them that watch who waits
