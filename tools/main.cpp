@@ -1,6 +1,7 @@
 #include "cli/exitstatus.hpp"
 #include "cli/interruption.hpp"
 #include "commands/commandline.hpp"
+#include "terminal/terminalstream.hpp"
 
 #include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/outputstream.hpp>
@@ -13,8 +14,6 @@
 #include <iostream>
 #include <memory>
 #include <new>
-
-#include <unistd.h>
 
 namespace
 {
@@ -31,7 +30,7 @@ KV::tools::ExitStatus run(int argc, char** argv)
   }
   catch (const CLI::Success& wish)  // help or version
   {
-    KV::session::OutputStream output(STDOUT_FILENO, "standard output");
+    KV::tools::StandardOutput output;
     app->exit(wish, output);
     output.flush();
   }
@@ -96,5 +95,6 @@ int main(int argc, char** argv)
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(endWithoutMemory);
+  const KV::tools::ShownErrors shownErrors;
   return runAndReport(argc, argv);
 }

@@ -61,6 +61,14 @@ PLANTED = [
     ("no_terminal_below_the_tools", "libsession/src/live/stream.cpp", r'const char* bold = "\x1b[1m";', "x1b["),
     ("no_terminal_below_the_tools", "libsession/src/wording/wording.cpp", "stream << std::setw(8) << name;", "setw"),
     ("no_terminal_below_the_tools", "libsession/CMakeLists.txt", "find_package(CLI11 REQUIRED)", "CLI11"),
+    ("all_that_is_shown_goes_through_one_function", "tools/commands/why.cpp", "std::cout << name;", "std::cout"),
+    ("all_that_is_shown_goes_through_one_function", "tools/terminal/bar.cpp", 'std::printf("%s", name);', "printf"),
+    ("all_that_is_shown_goes_through_one_function", "tools/terminal/bar.cpp", 'fprintf(stderr, "%s", name);', "fprintf"),
+    ("all_that_is_shown_goes_through_one_function", "tools/cli/waiting.cpp", "::write(STDERR_FILENO, name, 5);", "write"),
+    ("all_that_is_shown_goes_through_one_function", "tools/commands/why.cpp",
+     'session::OutputStream output(1, "standard output");', "OutputStream"),
+    ("all_that_is_shown_goes_through_one_function", "tools/terminal/screen.cpp", "addstr(name.c_str());", "addstr"),
+    ("all_that_is_shown_goes_through_one_function", "tools/terminal/screen.cpp", "mvwaddnstr(page, 0, 0, name, 5);", "mvwaddnstr"),
     ("messages_below_the_tools_name_no_option", "librecordings/src/face/frametimes.cpp",
      'const char* advice = "give the rate (--fps) of the video";', "--fps"),
     ("messages_below_the_tools_name_no_option", "libsession/include/skeigiot/session/sessionplan.hpp",
@@ -97,6 +105,11 @@ class Architecture(unittest.TestCase):
                 after = set(getattr(rules, name)(planted(path, addition)))
                 self.assertTrue(any(named in complaint for complaint in after - before[name]), after - before[name])
         self.assertEqual(before.keys(), {name for name, *_ in PLANTED}, "each rule has something planted")
+
+    def test_errors_that_are_not_led_through_the_function_are_found(self):
+        main = TREE["tools/main.cpp"].replace("ShownErrors ", "Nothing ")
+        self.assertIn("tools/main.cpp does not lead the errors through ShownErrors",
+                      rules.all_that_is_shown_goes_through_one_function(House({**TREE, "tools/main.cpp": main})))
 
     def test_a_circle_of_headers_is_found(self):
         there, back = "libemotion/src/clamp.hpp", "libemotion/src/age.hpp"

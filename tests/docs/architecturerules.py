@@ -58,6 +58,12 @@ OPTION = re.compile(r"(?<![\w-])--[a-z][a-z-]*")
 FILE_HEADER = re.compile(r"fstream|filesystem|cstdio|(?:sqlite3|fcntl|unistd|zlib)\.h|.*(?:inputfile|unpackedfile|rosbag\w*)\.hpp")
 TOPIC = re.compile(r'"/(?:tf|humans)|_msgs/|\bRosTopicKind\b')
 
+# Whatever could write to a terminal past the function that shows control characters as escapes.
+WRITES = re.compile(r"\bstd::(?:cout|clog|wcout|wcerr|printf|puts|putchar|fputs|fwrite|f?printf)\b|(?<!\w)(?:f|d|v|vf)?printf\s*\(|"
+                    r"(?<!\w)(?:puts|putchar|fputs|fwrite|perror)\s*\(|(?<![\w.])(?:::)?write\s*\(\s*(?:[12]|STD\w+)\s*,|\bOutputStream\b|"
+                    r"\b(?:mv)?w?add\w*str\s*\((?!shown\()|\b(?:mv)?w?(?:addch|printw)\s*\(")
+TERMINAL_STREAM = "tools/terminal/terminalstream."
+
 # Their operators << write columns, and the texts are fixed.
 WRITE_COLUMNS = ("libemotion/src/bodylanguageease.cpp", "libemotion/src/headposture.cpp")
 
@@ -136,6 +142,16 @@ def no_terminal_below_the_tools(house):
     return complaints
 
 
+def all_that_is_shown_goes_through_one_function(house):
+    """To standard output through StandardOutput, to the errors through ShownErrors, to a page through shown()."""
+    complaints = [f"{path} writes by {found}" for path in house.cpp()
+                  if path.startswith("tools/") and not path.startswith(("tools/manual/", TERMINAL_STREAM))
+                  for found in WRITES.findall(house.texts[path])]
+    if not re.search(r"^  const KV::tools::ShownErrors \w+;$", house.texts["tools/main.cpp"], re.MULTILINE):
+        complaints.append("tools/main.cpp does not lead the errors through ShownErrors")
+    return complaints
+
+
 def messages_below_the_tools_name_no_option(house):
     """A program or a Python module has no options: who calls the library adds how its users set something."""
     return [f"{path} names {found} in a text" for path in house.cpp() if part_of(path) in ALL_FOUR
@@ -190,6 +206,7 @@ RULES = (
     no_circles,
     pages_do_not_know_each_other,
     no_terminal_below_the_tools,
+    all_that_is_shown_goes_through_one_function,
     messages_below_the_tools_name_no_option,
     ros4hri_knows_no_file,
     rosbag2_knows_no_topic,

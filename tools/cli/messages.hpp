@@ -1,12 +1,15 @@
 #pragma once
 
+#include "terminal/shown.hpp"
+
 #include <ostream>
 #include <string>
 
 namespace KV::tools
 {
 
-/// What the command has to say besides its output: errors, and notes that a quiet run leaves out.
+/// What the command has to say besides its output: errors, and notes that a quiet run leaves out. Texts may quote what
+/// came from outside.
 class Messages
 {
 public:
@@ -24,7 +27,7 @@ public:
   }
 
 private:
-  void _write(const std::string& text) { _stream << line(text) << std::endl; }
+  void _write(const std::string& text) { _stream << line(shownMessage(text)) << std::endl; }
 
   std::ostream& _stream;
   bool _quiet;

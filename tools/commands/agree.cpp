@@ -7,12 +7,12 @@
 #include "cli/sessionoptions.hpp"
 #include "terminal/agreementtext.hpp"
 #include "terminal/terminal.hpp"
+#include "terminal/terminalstream.hpp"
 
 #include <skeigiot/recordings/labels.hpp>
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
 #include <skeigiot/session/cycle.hpp>
-#include <skeigiot/session/outputstream.hpp>
 #include <skeigiot/session/player.hpp>
 #include <skeigiot/session/replacedfile.hpp>
 #include <skeigiot/session/sessionplan.hpp>
@@ -182,7 +182,7 @@ void write(const Arguments& arguments, const session::Agreement& agreement)
     if (arguments.csv == "-")
       return;
   }
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   if (arguments.json)
     session::writeAsJson(output, agreement);
   else

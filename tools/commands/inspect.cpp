@@ -5,10 +5,10 @@
 #include "cli/readingarguments.hpp"
 #include "terminal/inspectiontext.hpp"
 #include "terminal/terminal.hpp"
+#include "terminal/terminalstream.hpp"
 #include "terminal/timelinetable.hpp"
 
 #include <skeigiot/session/inspectionreport.hpp>
-#include <skeigiot/session/outputstream.hpp>
 
 #include <algorithm>
 #include <iostream>
@@ -44,7 +44,7 @@ ExitStatus run(const Arguments& arguments)
                                                                 Interruption::check();
                                                                 return true;
                                                               });
-    session::OutputStream output(STDOUT_FILENO, "standard output");
+    StandardOutput output;
     if (arguments.json)
       session::writeAsJson(output, report);
     else

@@ -1,9 +1,8 @@
 #include "commands/mapping.hpp"
 
-#include <skeigiot/recordings/builtinmapping.hpp>
-#include <skeigiot/session/outputstream.hpp>
+#include "terminal/terminalstream.hpp"
 
-#include <unistd.h>
+#include <skeigiot/recordings/builtinmapping.hpp>
 
 namespace KV::tools
 {
@@ -17,7 +16,7 @@ void addMappingCommand(CLI::App& app, ExitStatus& status)
       "  skeigiot mapping > mine.json\n"
       "  skeigiot replay face.csv --mapping mine.json");
   command.callback([&status] {
-    session::OutputStream output(STDOUT_FILENO, "standard output");
+    StandardOutput output;
     output << recordings::builtInMapping();
     output.flush();
     status = Success;

@@ -6,10 +6,10 @@
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
 #include "commands/replayrun.hpp"
+#include "terminal/terminalstream.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/exportformat.hpp>
-#include <skeigiot/session/outputstream.hpp>
 #include <skeigiot/session/report.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -239,7 +239,7 @@ ExitStatus run(Arguments& arguments)
     messages.error(error.what());
     return BadInput;
   }
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   return replay(arguments.replay,
                 {openerOf(arguments.reading), output,
                  std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),

@@ -6,8 +6,8 @@
 #include "cli/sessionoptions.hpp"
 #include "commands/replayrun.hpp"
 #include "terminal/terminal.hpp"
+#include "terminal/terminalstream.hpp"
 
-#include <skeigiot/session/outputstream.hpp>
 #include <skeigiot/session/report.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -79,7 +79,7 @@ ExitStatus run(Arguments& arguments)
     messages.error(error.what());
     return BadInput;
   }
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   return replay(arguments.replay,
                 {openerOf(arguments.reading), output, widestTable, Style(false), std::cerr, isTerminal(STDERR_FILENO)});
 }

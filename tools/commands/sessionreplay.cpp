@@ -1,6 +1,7 @@
 #include "commands/sessionreplay.hpp"
 
 #include "cli/sessionoptions.hpp"
+#include "terminal/shown.hpp"
 #include "terminal/summarytext.hpp"
 #include "terminal/text.hpp"
 #include "terminal/timelinetable.hpp"
@@ -59,7 +60,7 @@ public:
 
   SessionOutcome run()
   {
-    _show(_surroundings.style.bold(_name) + "\n");
+    _show(_surroundings.style.bold(shown(_name)) + "\n");
     DescriptionShown description(_outlets.display, _surroundings.outputWidth);
     session::Timeline timeline(_options.step, _options.explain);
     session::Summary summary;
@@ -101,7 +102,7 @@ private:
     summary.finish();
     for (const std::string& text : outcome.warningLines())
     {
-      _show(_surroundings.style.yellow("warning: " + text) + "\n");
+      _show(_surroundings.style.yellow("warning: " + shown(text)) + "\n");
       _said.push_back("warning: " + text);
     }
     _showPersons(timeline, summary);

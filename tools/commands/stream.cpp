@@ -8,6 +8,7 @@
 #include "cli/livearguments.hpp"
 #include "cli/sessionoptions.hpp"
 #include "cli/waiting.hpp"
+#include "terminal/terminalstream.hpp"
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
@@ -62,7 +63,7 @@ void waitUntilReadable(int fileDescriptor)
   {}
 }
 
-void answerWhatIsThere(LineInput& input, session::Stream& stream, session::OutputStream& output)
+void answerWhatIsThere(LineInput& input, session::Stream& stream, std::ostream& output)
 {
   std::string_view line;
   for (;;)
@@ -84,7 +85,7 @@ struct Arguments
 
 void answerAll(const Arguments& arguments)
 {
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   session::Stream stream(arguments.times, wallClock, arguments.cycle);
   LineInput input(longestLine);
   bool more = true;

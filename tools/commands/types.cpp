@@ -1,9 +1,8 @@
 #include "commands/types.hpp"
 
 #include "cli/messages.hpp"
+#include "terminal/terminalstream.hpp"
 #include "terminal/typelisting.hpp"
-
-#include <skeigiot/session/outputstream.hpp>
 
 #include <ko/type.hpp>
 
@@ -42,7 +41,7 @@ ExitStatus listTypes(const Arguments& arguments)
     nested = Nested::Yes;
   }
 
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   const auto write = arguments.json ? writeTypesAsJson : writeTypesAsText;
   write(output, structs, nested);
   output.flush();

@@ -7,11 +7,11 @@
 #include "cli/sessionoptions.hpp"
 #include "terminal/explanationtext.hpp"
 #include "terminal/terminal.hpp"
+#include "terminal/terminalstream.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/explanationjson.hpp>
 #include <skeigiot/session/inquiry.hpp>
-#include <skeigiot/session/outputstream.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
 #include <boost/optional/optional.hpp>
@@ -159,7 +159,7 @@ void answer(const Arguments& arguments)
     return true;
   };
 
-  session::OutputStream output(STDOUT_FILENO, "standard output");
+  StandardOutput output;
   if (arguments.at)
     write(output, session::explainMoment(inquiry, *arguments.at), inquiry.name, arguments);
   else

@@ -1,5 +1,6 @@
 #include "terminal/agreementtext.hpp"
 
+#include "terminal/shown.hpp"
 #include "terminal/texttable.hpp"
 
 #include <skeigiot/session/wording.hpp>
@@ -78,7 +79,8 @@ public:
 
   std::string text() const
   {
-    std::string text = _style.bold(_all.quantity + ": " + _all.first + " and " + _all.second) + "\n\n" + _measures();
+    std::string text =
+        _style.bold(shown(_all.quantity + ": " + _all.first + " and " + _all.second)) + "\n\n" + _measures();
     const std::string confusion = _confusion();
     if (!confusion.empty())
       text += "\n" + confusion;

@@ -1,5 +1,6 @@
 #include "terminal/inspectiontext.hpp"
 
+#include "terminal/shown.hpp"
 #include "terminal/text.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -39,7 +40,7 @@ public:
 
   void add(const std::string& label, const std::string& text)
   {
-    _stream << "  " << padRight(label, labelWidth - 2);
+    _stream << "  " << padRight(shown(label), labelWidth - 2);
     for (const char character : wrapped(text, _width - labelWidth, 0))
     {
       _stream << character;
@@ -101,7 +102,7 @@ void writeAsText(std::ostream& stream, const session::InspectionReport& report, 
 {
   const session::Inspection& contents = report.contents;
   Lines lines(stream, width);
-  stream << report.path << '\n';
+  stream << shown(report.path) << '\n';
   lines.add("format", report.format);
   for (const std::string& line : report.description)
     lines.add(&line == &report.description.front() ? "read as" : "", line);

@@ -1,5 +1,7 @@
 #include "terminal/screen.hpp"
 
+#include "terminal/shown.hpp"
+
 #include <clocale>
 #include <cstring>
 #include <stdexcept>
@@ -122,7 +124,7 @@ void Screen::show(const std::vector<PageLine>& page)
     for (const Span& span : line)
     {
       attrset(static_cast<int>(attributesOf(span.look, _colors)));
-      addstr(span.text.c_str());
+      addstr(shown(span.text).c_str());
     }
   }
   attrset(A_NORMAL);

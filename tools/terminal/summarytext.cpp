@@ -1,5 +1,6 @@
 #include "terminal/summarytext.hpp"
 
+#include "terminal/shown.hpp"
 #include "terminal/text.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
@@ -120,7 +121,7 @@ std::string describe(const session::ScopeVerdict& verdict, std::int32_t person, 
 {
   const session::ScopeVerdict::OfPerson ofPerson = verdict.of(person);
   return style.bold(coloredVerdict(padRight(ofPerson.word, 8), ofPerson.word, style)) + "  " +
-         recordings::quote(verdict.name) + " (" + circumstances(verdict, ofPerson.updates) + ")";
+         shown(recordings::quote(verdict.name)) + " (" + circumstances(verdict, ofPerson.updates) + ")";
 }
 
 }  // namespace

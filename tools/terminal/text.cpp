@@ -1,5 +1,7 @@
 #include "terminal/text.hpp"
 
+#include "terminal/shown.hpp"
+
 #include <algorithm>
 #include <sstream>
 
@@ -24,6 +26,7 @@ std::string wrapped(const std::string& text, std::size_t width, std::size_t inde
   std::string line;
   for (std::string word; words >> word;)
   {
+    word = shown(word);
     const bool first = line.empty();
     if (!first && displayWidth(line) + 1 + displayWidth(word) > width)
     {

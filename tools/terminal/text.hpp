@@ -7,7 +7,7 @@ namespace KV::tools
 {
 
 /// Breaks the text at blanks so that each line takes at most that many columns, lines after the first with their
-/// indentation. A word that is longer stays whole.
+/// indentation. A word that is longer stays whole. What came from outside is shown as by shown().
 std::string wrapped(const std::string& text, std::size_t width, std::size_t indentation);
 
 /// Returns how many columns the UTF-8 text takes in a terminal, each character being one column wide.

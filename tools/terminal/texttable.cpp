@@ -1,11 +1,26 @@
 #include "terminal/texttable.hpp"
 
+#include "terminal/shown.hpp"
 #include "terminal/text.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace KV::tools
 {
+
+TextTable::TextTable(std::vector<Column> columns) : _columns(std::move(columns))
+{
+  for (Column& column : _columns)
+    column.header = shown(column.header);
+}
+
+void TextTable::add(Cells cells)
+{
+  for (std::string& cell : cells)
+    cell = shown(cell);
+  _rows.push_back(std::move(cells));
+}
 
 std::string TextTable::text(const Style& style) const
 {

@@ -19,10 +19,12 @@ public:
   };
   using Cells = std::vector<std::string>;
 
-  explicit TextTable(std::vector<Column> columns) : _columns(std::move(columns)) {}
+  explicit TextTable(std::vector<Column> columns);
 
+  /// Adds a row, whose cells may hold what came from outside.
+  ///
   /// \pre there is a cell for each column.
-  void add(Cells cells) { _rows.push_back(std::move(cells)); }
+  void add(Cells cells);
 
   /// Returns the header and the rows, each with a line break.
   std::string text(const Style& style) const;
