@@ -7,9 +7,9 @@
 namespace KV::tools
 {
 
-void addTimesOption(CLI::App& command, session::StreamTimes& times)
+CLI::Option* addTimesOption(CLI::App& command, session::StreamTimes& times)
 {
-  addChoice<session::StreamTimes>(
+  return addChoice<session::StreamTimes>(
       command, "--times",
       "What the clock shows during a line: the time of its arrival (default), or\n"
       "its own member time, which it then must have",

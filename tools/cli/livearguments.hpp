@@ -8,7 +8,7 @@ namespace KV::tools
 {
 
 /// Adds the option --times, which fills in `times`.
-void addTimesOption(CLI::App& command, session::StreamTimes& times);
+CLI::Option* addTimesOption(CLI::App& command, session::StreamTimes& times);
 
 /// Returns the time of the machine, whatever clock the thread has.
 session::TimePoint wallClock();

@@ -6,8 +6,10 @@
 #include "cli/interruption.hpp"
 #include "cli/lineinput.hpp"
 #include "cli/livearguments.hpp"
+#include "cli/messages.hpp"
 #include "cli/sessionoptions.hpp"
 #include "cli/waiting.hpp"
+#include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
 
 // CLI11 counts on all of its headers being included in order.
@@ -15,6 +17,7 @@
 
 #include <unistd.h>
 
+#include <iostream>
 #include <memory>
 #include <string_view>
 
@@ -44,8 +47,10 @@ An answer has these members:
 
 It ends at the end of the input, when it is interrupted or terminated, and when nobody reads the answers any more.
 
-Example:
-  echo '{"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}}' | skeigiot stream)";
+Example, in which the valence of a person rises with joy and falls with sorrow:
+  for score in joy joy sorrow sorrow; do
+    echo '{"person":1,"observation":{"expressions":{"'$score'":{"value":1,"confidence":1}}}}'; sleep 0.2
+  done | skeigiot stream)";
 
 constexpr std::size_t longestLine = recordings::InputFile::longestLine;
 
@@ -97,9 +102,21 @@ void answerAll(const Arguments& arguments)
   }
 }
 
+/// Somebody who started it without an input learns what it waits for.
+void greet()
+{
+  if (isTerminal(STDIN_FILENO))
+    Messages(std::cerr, false)
+        .note(
+            "waiting for lines of JSON, each with observations of a person, such as\n"
+            R"(  {"person":1,"observation":{"expressions":{"joy":{"value":1,"confidence":1}}}})"
+            "\n  Ctrl-D ends it; 'skeigiot stream --help' tells what a line may say");
+}
+
 /// Whoever feeds it ends it, or whoever reads from it: neither is a failure.
 ExitStatus run(const Arguments& arguments)
 {
+  greet();
   try
   {
     answerAll(arguments);

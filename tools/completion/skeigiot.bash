@@ -113,12 +113,24 @@ _skeigiot()
       _skeigiot_words "$word" "arrival lines"
       return
       ;;
-    "watch --cycle")
+    "watch --speed" | "watch --cycle" | "watch --fps" | "watch --look-at" | "watch --rest" | "watch --camera-height" | "watch --min-confidence" | "watch --au-full-scale" | "watch --person-from")
       :
+      return
+      ;;
+    "watch --offset" | "watch --mapping")
+      _skeigiot_files "$word"
       return
       ;;
     "watch --times")
       _skeigiot_words "$word" "arrival lines"
+      return
+      ;;
+    "watch --frame")
+      _skeigiot_words "$word" "line-of-sight camera"
+      return
+      ;;
+    "watch --format")
+      _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
       return
       ;;
     "why --person" | "why --at" | "why --from" | "why --to" | "why --cycle" | "why --fps" | "why --look-at" | "why --rest" | "why --camera-height" | "why --min-confidence" | "why --au-full-scale" | "why --person-from")
@@ -181,7 +193,11 @@ _skeigiot()
       _skeigiot_words "$word" "--help --json -h"
       ;;
     watch)
-      _skeigiot_words "$word" "--cycle --help --times -h"
+      if [[ $word != -* ]]; then
+        _skeigiot_files "$word"
+      else
+        _skeigiot_words "$word" "--au-full-scale --camera-height --cycle --format --fps --frame --help --look-at --mapping --min-confidence --mirrored --offset --person-from --rest --skip-bad --speed --times -h"
+      fi
       ;;
     why)
       if [[ $word != -* ]]; then

@@ -131,9 +131,24 @@ complete -c skeigiot -n '__fish_seen_subcommand_from stream' -l cycle -x -d 'Upd
 complete -c skeigiot -n '__fish_seen_subcommand_from types' -s h -l help -d 'Print this help message and exit'
 complete -c skeigiot -n '__fish_seen_subcommand_from types' -l json -d 'As JSON'
 
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -F
 complete -c skeigiot -n '__fish_seen_subcommand_from watch' -s h -l help -d 'Print this help message and exit'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l speed -x -d 'How many times as fast as it was recorded (1)'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l offset -r -F -d 'Add so many seconds to all times of an input'
 complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l times -x -a 'arrival lines' -d 'What the clock shows during a line: the time of its arrival (default), or its own member time, which it then must have'
 complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l cycle -x -d 'Updates of a person in a second (10); what is observed in between is remembered'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l format -x -a 'livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl' -d 'Format of the recording, found out if not given'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l fps -x -d 'Frames per second, instead of the time stamps of the file'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l mirrored -d 'The video is a mirror image: exchange left and right'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l look-at -x -d 'Direction of a look at the robot: to RIGHT,DOWN,FORWARD in metres from the camera; to the camera (default, but for bags); axis, parallel to the axis of the camera (for bags, and then moved by up to 5 degrees towards where the head rests); or learned, where the head rests most'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l frame -x -a 'line-of-sight camera' -d 'Older words for --look-at: line-of-sight is camera, camera is axis'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l rest -x -d 'What is taken off a face as its rest: learned as faces come (default), none, or the median of a span in seconds such as 2..7.5'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l camera-height -x -d 'Height of the camera above the floor; without it the heights of heads are unknown'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l min-confidence -x -d 'Confidence below which a face counts as not seen (0.7)'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l au-full-scale -x -d 'Intensity of an action unit that counts as full (3)'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l mapping -r -F -d 'JSON file that says how action units, blendshapes and emotions become readings, instead of the built-in tables'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l person-from -x -d 'Column of a CSV file that names the person; names that are no numbers are counted in the order in which they appear'
+complete -c skeigiot -n '__fish_seen_subcommand_from watch' -l skip-bad -d 'Go on behind lines that cannot be used, and count them'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -F
 complete -c skeigiot -n '__fish_seen_subcommand_from why' -s h -l help -d 'Print this help message and exit'

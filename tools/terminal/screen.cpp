@@ -20,6 +20,7 @@ namespace
 
 constexpr short goodColors = 1;
 constexpr short badColors = 2;
+constexpr int greatestCharacter = 0x7f;
 
 /// Bars are made of blocks. Where the environment asks for no UTF-8 (ssh often brings none along) it is assumed.
 void speakUtf8()
@@ -93,10 +94,30 @@ Screen::~Screen()
   delscreen(static_cast<SCREEN*>(_screen));
 }
 
-int Screen::key()
+Key Screen::key()
 {
   const int pressed = getch();
-  return pressed == ERR ? 0 : pressed;
+  switch (pressed)
+  {
+    case ERR:
+      return Key::None;
+    case KEY_UP:
+      return Key::Up;
+    case KEY_DOWN:
+      return Key::Down;
+    case KEY_PPAGE:
+      return Key::PageUp;
+    case KEY_NPAGE:
+      return Key::PageDown;
+    case KEY_HOME:
+      return Key::First;
+    case KEY_END:
+      return Key::Last;
+    case KEY_ENTER:
+      return Key::Pane;
+    default:
+      return pressed >= 0 && pressed <= greatestCharacter ? keyOf(static_cast<char>(pressed)) : Key::Other;
+  }
 }
 
 int Screen::fileDescriptor() const

@@ -22,8 +22,8 @@ public:
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
 
-  /// Returns the next key that was pressed, 0 if there is none. Takes in a new size of the terminal.
-  int key();
+  /// Returns the next key that was pressed. Takes in a new size of the terminal, which counts as a key.
+  Key key();
 
   /// What to wait on for keys.
   int fileDescriptor() const;

@@ -1,12 +1,19 @@
 #include "terminal/watchpage.hpp"
 
 #include "terminal/bar.hpp"
+#include "terminal/shown.hpp"
 #include "terminal/text.hpp"
+#include "terminal/watchpane.hpp"
 
 #include <skeigiot/session/names.hpp>
 #include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <utility>
 
 namespace KV::tools
 {
@@ -17,53 +24,25 @@ namespace
 /// How many columns the parts of a row take.
 struct Widths
 {
+  std::size_t from;  ///< how many columns the terminal has at least
   int valenceHalf;
   int attention;
-  std::size_t history;  // a divisor of 60
+  std::size_t history;  ///< a divisor of 60; 0 without a history
 };
 
-constexpr Widths narrow{3, 6, 10};
-constexpr Widths wide{6, 12, 30};
-constexpr std::size_t wideFrom = 140;
+constexpr std::array<Widths, 3> allWidths{{{170, 6, 12, 30}, {112, 3, 6, 10}, {0, 3, 6, 0}}};
 
 constexpr std::size_t personWidth = 6;
-constexpr std::size_t numberWidth = 5;
+constexpr std::size_t signedWidth = 5;
+constexpr std::size_t plainWidth = 4;
 constexpr std::size_t zoneWidth = 16;
-constexpr std::size_t linesAround = 4;  // status, heading, error, help
+constexpr std::size_t linesAround = 4;      // status, heading, error, keys
+constexpr std::size_t heightWithPane = 14;  // on a lower terminal, the rows need all of it
 const std::string gap = "  ";
 
-std::size_t widthOfValence(const Widths& widths)
+const Widths& widthsFor(std::size_t width)
 {
-  return static_cast<std::size_t>(2 * widths.valenceHalf + 1) + numberWidth + widths.history + 2;
-}
-
-std::size_t widthOfAttention(const Widths& widths)
-{
-  return static_cast<std::size_t>(widths.attention) + numberWidth + widths.history + 2;
-}
-
-/// Cuts the text at that many columns.
-std::string cut(const std::string& text, std::size_t width)
-{
-  const auto startsCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-  std::size_t columns = 0;
-  const auto end = std::find_if(text.begin(), text.end(), [&](char c) {
-    columns += startsCharacter(c) ? 1 : 0;
-    return columns > width;
-  });
-  return {text.begin(), end};
-}
-
-PageLine cut(const PageLine& line, std::size_t width)
-{
-  PageLine result;
-  for (const Span& span : line)
-  {
-    const std::string text = cut(span.text, width);
-    width -= displayWidth(text);
-    result.push_back({text, span.look});
-  }
-  return result;
+  return *std::find_if(allWidths.begin(), allWidths.end(), [width](const Widths& one) { return width >= one.from; });
 }
 
 Look lookOf(KV::PleasureState pleasure)
@@ -73,67 +52,213 @@ Look lookOf(KV::PleasureState pleasure)
   return pleasure == KV::PleasureNegative ? Look::Bad : Look::Plain;
 }
 
-PageLine rowOf(const session::PersonRow& row, session::TimePoint now, const Widths& widths)
+/// Returns the estimate, NaN if it is unknown.
+double known(bool isKnown, const KV::ValueConfidence<float>& estimate)
 {
-  const auto valence = static_cast<double>(row.last.valence.value);
-  const auto attention = static_cast<double>(row.last.attention.value);
+  return isKnown ? static_cast<double>(estimate.value) : std::numeric_limits<double>::quiet_NaN();
+}
+
+std::string numberOr(double value, std::string (*text)(double), std::size_t width)
+{
+  return padLeft(std::isnan(value) ? "-" : text(value), width);
+}
+
+Span confidenceOf(const KV::ValueConfidence<float>& estimate)
+{
+  return {" " + padLeft(session::plainNumber(static_cast<double>(estimate.confidence)), plainWidth), Look::Faint};
+}
+
+std::string historyOf(const session::History& history, session::TimePoint now, const Widths& widths, double least)
+{
+  return widths.history == 0 ? "" : " " + session::sparkline(history.means(now, widths.history), least, 1.);
+}
+
+/// Returns as many whole parts of a list, the first at least, as there is room for.
+std::string partsWithin(const std::string& list, std::size_t room)
+{
+  if (displayWidth(list) <= room)
+    return list;
+  const std::string separator = ", ";
+  std::size_t end = list.find(separator);
+  for (std::size_t next = end; next != std::string::npos; next = list.find(separator, next + 1))
+  {
+    if (displayWidth(list.substr(0, next)) > room)
+      break;
+    end = next;
+  }
+  return list.substr(0, end);
+}
+
+PageLine rowOf(const session::PersonRow& row, bool isChosen, const WatchContents& contents, const Widths& widths,
+               std::size_t width)
+{
+  const session::TimePoint now = contents.now;
+  const double valence = known(row.last.isValenceKnown(), row.last.valence);
+  const double attention = known(row.last.isAttentionKnown(), row.last.attention);
   const Look plain = row.last.seen ? Look::Plain : Look::Faint;
   const Look colored = row.last.seen ? lookOf(row.last.pleasure) : Look::Faint;
-  return {
-      {padLeft(std::to_string(row.last.person), personWidth) + gap, plain},
-      {centredBar(valence, widths.valenceHalf) + " " + padLeft(session::signedNumber(valence), numberWidth), colored},
-      {" " + session::sparkline(row.valence.means(now, widths.history), -1., 1.) + gap, plain},
-      {bar(attention, widths.attention) + " " + padLeft(session::plainNumber(attention), numberWidth) + " " +
-           session::sparkline(row.attention.means(now, widths.history), 0., 1.) + gap,
-       plain},
-      {padRight(session::zoneName(row.last.zone), zoneWidth) + gap, plain},
-      {row.why(now), colored}};
+  PageLine line{
+      {(isChosen ? "›" : " ") + padLeft(std::to_string(row.last.person), personWidth) + gap,
+       isChosen ? Look::Heading : plain},
+      {centredBar(valence, widths.valenceHalf) + " " + numberOr(valence, session::signedNumber, signedWidth), colored},
+      confidenceOf(row.last.valence),
+      {historyOf(row.valence, now, widths, -1.) + gap, plain},
+      {bar(attention, widths.attention) + " " + numberOr(attention, session::plainNumber, plainWidth), plain},
+      confidenceOf(row.last.attention),
+      {historyOf(row.attention, now, widths, 0.) + gap + padRight(session::zoneName(row.last.zone), zoneWidth) + gap,
+       plain}};
+  line.push_back({partsWithin(row.why(now), width - std::min(width, displayWidth(line))), colored});
+  return line;
+}
+
+std::string headingOf(const std::string& quantity, std::size_t barAndNumber, const Widths& widths)
+{
+  return padRight(quantity, barAndNumber) + " conf" +
+         (widths.history == 0 ? "" : " " + fitted("last 60 s", widths.history)) + gap;
 }
 
 PageLine heading(const Widths& widths)
 {
-  return {{padLeft("person", personWidth) + gap + padRight("valence, last minute", widthOfValence(widths)) + gap +
-               padRight("attention, last minute", widthOfAttention(widths)) + gap + padRight("zone", zoneWidth) + gap +
-               "why",
+  const auto valence = static_cast<std::size_t>(2 * widths.valenceHalf + 1) + 1 + signedWidth;
+  const auto attention = static_cast<std::size_t>(widths.attention) + 1 + plainWidth;
+  return {{" " + padLeft("person", personWidth) + gap + headingOf("valence", valence, widths) +
+               headingOf("attention", attention, widths) + padRight("zone", zoneWidth) + gap + "why",
            Look::Heading}};
 }
 
-PageLine statusLine(const session::PersonTable& table, const InputStatus& status)
+std::string textOf(const InputStatus& status)
 {
-  return {{"skeigiot" + gap, Look::Heading},
-          {session::counted(table.rows().size(), "person") + ", " + session::counted(status.lines, "line") +
-               (status.ended ? ", the input has ended" : ""),
-           Look::Plain}};
+  if (status.name.empty())
+    return session::counted(status.lines, "line") + (status.ended ? ", the input has ended" : "");
+  std::string speed = session::plainNumber(status.speed);
+  speed.erase(speed.find_last_not_of('0') + 1);
+  speed.erase(speed.find_last_not_of('.') + 1);
+  return session::clockText(status.reached) + (status.speed == 1. ? "" : " at speed " + speed) +
+         (status.ended ? ", the recording has ended" : "") + ": " + shown(status.name);
+}
+
+PageLine statusLine(const WatchContents& contents, const WatchView& view)
+{
+  PageLine line{{"skeigiot" + gap, Look::Heading}};
+  if (view.isPaused())
+    line.push_back({"paused" + gap, Look::Heading});
+  line.push_back({session::counted(contents.rows.size(), "person") + ", " + textOf(contents.status), Look::Plain});
+  return line;
 }
 
 PageLine errorLine(const InputStatus& status)
 {
   if (status.refused == 0)
     return {};
-  return {{session::counted(status.refused, "line") + " refused, the last: " + status.lastError, Look::Bad}};
+  const std::string what = status.name.empty() ? " refused" : " skipped";
+  return {{session::counted(status.refused, "line") + what + ", the last: " + shown(status.lastError), Look::Bad}};
+}
+
+/// Says what keys do, and how many rows there is no room for.
+PageLine keysLine(std::size_t above, std::size_t below)
+{
+  std::string text = "q quits, ? helps";
+  if (above > 0)
+    text += ", " + session::counted(above, "more person") + " above";
+  if (below > 0)
+    text += ", " + session::counted(below, "more person") + " below";
+  return {{text, Look::Faint}};
+}
+
+std::vector<PageLine> waitingText()
+{
+  return {{{"Waiting for the first line on standard input: a step of a recording as JSON, such as", Look::Plain}},
+          {{R"(  {"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}})",
+            Look::Plain}},
+          {{"'skeigiot stream --help' tells what a line may say.", Look::Plain}}};
+}
+
+std::vector<PageLine> helpText()
+{
+  static constexpr std::array<std::pair<const char*, const char*>, 7> keys = {
+      {{"up, down", "choose a person, as do k and j"},
+       {"page up, page down", "choose a person a page further"},
+       {"home, end", "choose the first or the last person, as do g and G"},
+       {"enter", "show or hide the forces and readings of the chosen person"},
+       {"space", "pause, or go on; lines are taken in meanwhile"},
+       {"?", "show or hide this help, as does h"},
+       {"q", "quit"}}};
+  static constexpr std::array<std::pair<const char*, const char*>, 5> columns = {
+      {{"valence, attention", "from -1 to 1 and from 0 to 1; faint their confidence"},
+       {"last 60 s", "the older to the left, where the terminal is wide enough"},
+       {"zone", "where the person looks; left and right are the person's"},
+       {"why", "the mood, and what moved the estimate most"},
+       {"faint rows", "persons who are not seen now; gone after a minute"}}};
+  constexpr std::size_t width = 20;
+  std::vector<PageLine> lines{{{"Keys", Look::Heading}}};
+  for (const auto& [key, text] : keys)
+    lines.push_back({{gap + padRight(key, width) + text, Look::Plain}});
+  lines.push_back({{"Table", Look::Heading}});
+  for (const auto& [column, text] : columns)
+    lines.push_back({{gap + padRight(column, width) + text, Look::Plain}});
+  return lines;
+}
+
+/// The pane about the chosen person, which takes no more than half of the room, or what the rows leave.
+std::vector<PageLine> paneOf(const WatchContents& contents, const WatchView& view, std::size_t width,
+                             std::size_t height)
+{
+  const auto chosen = view.chosen(contents.rows);
+  if (!view.showsPane() || chosen == contents.rows.end() || height < heightWithPane)
+    return {};
+  const std::size_t room = height - linesAround;
+  const std::size_t free = room - std::min(room, contents.rows.size());
+  return watchPane(chosen->second, contents.now, width, std::max(room / 2, free));
+}
+
+std::vector<PageLine> rowsOf(const WatchContents& contents, const WatchView& view, std::size_t top, std::size_t count,
+                             const Widths& widths, std::size_t width)
+{
+  std::vector<PageLine> lines;
+  const auto chosen = view.chosen(contents.rows);
+  auto row = std::next(contents.rows.begin(), static_cast<std::ptrdiff_t>(top));
+  for (; lines.size() < count; ++row)
+    lines.push_back(rowOf(row->second, row == chosen, contents, widths, width));
+  return lines;
+}
+
+void append(std::vector<PageLine>& page, std::vector<PageLine> lines)
+{
+  std::move(lines.begin(), lines.end(), std::back_inserter(page));
+}
+
+std::vector<PageLine> table(const WatchContents& contents, WatchView& view, std::size_t width, std::size_t height)
+{
+  const Widths& widths = widthsFor(width);
+  std::vector<PageLine> pane = paneOf(contents, view, width, height);
+  const std::size_t taken = linesAround + pane.size();
+  const std::size_t room = height > taken ? height - taken : 0;
+  const std::size_t top = view.scroll(contents.rows, room);
+  const std::size_t count = std::min(room, contents.rows.size() - top);
+
+  std::vector<PageLine> page{heading(widths)};
+  append(page, rowsOf(contents, view, top, count, widths, width));
+  append(page, std::move(pane));
+  page.push_back(errorLine(contents.status));
+  page.push_back(keysLine(top, contents.rows.size() - top - count));
+  return page;
 }
 
 }  // namespace
 
-std::vector<PageLine> watchPage(const session::PersonTable& table, const InputStatus& status, session::TimePoint now,
-                                std::size_t width, std::size_t height)
+std::vector<PageLine> watchPage(const WatchContents& contents, WatchView& view, std::size_t width, std::size_t height)
 {
-  const Widths& widths = width < wideFrom ? narrow : wide;
-  const std::size_t room = height > linesAround ? height - linesAround : 0;
-
-  std::vector<PageLine> page{statusLine(table, status), heading(widths)};
-  std::size_t shown = 0;
-  for (const auto& [person, row] : table.rows())
+  const InputStatus& status = contents.status;
+  std::vector<PageLine> page{statusLine(contents, view)};
+  if (view.showsHelp())
+    append(page, helpText());
+  else if (status.name.empty() && status.lines == 0 && !status.ended)
   {
-    if (shown == room)
-      break;
-    page.push_back(rowOf(row, now, widths));
-    ++shown;
+    append(page, waitingText());
+    page.push_back(keysLine(0, 0));
   }
-  page.push_back(errorLine(status));
-  const std::size_t hidden = table.rows().size() - shown;
-  page.push_back(
-      {{"q quits" + (hidden > 0 ? ", " + session::counted(hidden, "more person") + " below" : ""), Look::Faint}});
+  else
+    append(page, table(contents, view, width, height));
 
   page.resize(std::min(page.size(), height));
   for (PageLine& line : page)

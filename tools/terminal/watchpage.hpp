@@ -1,6 +1,9 @@
 #pragma once
 
-#include <skeigiot/session/persontable.hpp>
+#include "terminal/pageline.hpp"
+#include "terminal/watchview.hpp"
+
+#include <skeigiot/session/snapshot.hpp>
 
 #include <cstddef>
 #include <string>
@@ -9,37 +12,28 @@
 namespace KV::tools
 {
 
-/// How a piece of text is shown.
-enum class Look
-{
-  Plain,
-  Heading,
-  Faint,
-  Good,
-  Bad
-};
-
-/// A piece of text in one look.
-struct Span
-{
-  std::string text;
-  Look look = Look::Plain;
-};
-
-using PageLine = std::vector<Span>;
-
 /// What there is to say of the input.
 struct InputStatus
 {
-  std::size_t lines = 0;
-  std::size_t refused = 0;
-  std::string lastError;  ///< of the last line that was refused; empty if none was
+  std::string name;              ///< of the recording that is played; empty for standard input
+  double speed = 1.;             ///< of the recording
+  session::Duration reached{0};  ///< how much of the recording was played
+  std::size_t lines = 0;         ///< lines of standard input, or steps of the recording
+  std::size_t refused = 0;       ///< how many of them could not be used
+  std::string lastError;         ///< of the last one that could not be used; empty if all could
   bool ended = false;
 };
 
+/// What the page shows.
+struct WatchContents
+{
+  const PersonRows& rows;
+  const InputStatus& status;
+  session::TimePoint now;
+};
+
 /// Returns the page that shows all persons, for a terminal of that size; there are `height` lines at most, and none is
-/// wider than `width` columns.
-std::vector<PageLine> watchPage(const session::PersonTable& table, const InputStatus& status, session::TimePoint now,
-                                std::size_t width, std::size_t height);
+/// wider than `width` columns. The view learns how many rows there is room for.
+std::vector<PageLine> watchPage(const WatchContents& contents, WatchView& view, std::size_t width, std::size_t height);
 
 }  // namespace KV::tools

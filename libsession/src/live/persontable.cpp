@@ -2,6 +2,7 @@
 
 #include <skeigiot/session/forcenames.hpp>
 #include <skeigiot/session/names.hpp>
+#include <skeigiot/session/pacer.hpp>
 #include <skeigiot/session/wording.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -53,15 +54,44 @@ std::string PersonRow::why(TimePoint now) const
   return text;
 }
 
+void PersonTable::stepBegins(const recordings::Step& step)
+{
+  _newcomer = boost::none;
+  if (!step.person)
+    return;
+  const auto row = _rows.find(*step.person);
+  if (row != _rows.end())
+  {
+    takeNewest(row->second.readings, step.observation);
+    return;
+  }
+  _newcomer = step.person;
+  _readingsOfNewcomer = step.observation;
+}
+
+void PersonTable::forceActed(const KV::Force& force)
+{
+  _changes.add(force);
+  _forces.emplace_back(force);
+}
+
 void PersonTable::personUpdated(const Snapshot& snapshot)
 {
   PersonRow& row = _rows[snapshot.person];
   row.last = snapshot;
   row.changes = std::exchange(_changes, {});
+  row.forces = std::exchange(_forces, {});
+  if (_newcomer == snapshot.person)
+  {
+    takeNewest(row.readings, _readingsOfNewcomer);
+    _newcomer = boost::none;
+  }
   if (snapshot.seen)
     row.lastSeen = snapshot.time;
-  row.valence.add(snapshot.time, snapshot.valence.value);
-  row.attention.add(snapshot.time, snapshot.attention.value);
+  if (snapshot.isValenceKnown())
+    row.valence.add(snapshot.time, snapshot.valence.value);
+  if (snapshot.isAttentionKnown())
+    row.attention.add(snapshot.time, snapshot.attention.value);
 }
 
 void PersonTable::removeOld(TimePoint now)

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace
 {
 
@@ -100,6 +102,61 @@ TEST(PersonRow, SaysWhatMovedTheEstimateMostInTheLastUpdate)
   table.forceActed(forceOn(KV::ValenceQuantity, "Touch emotion", 0.f, 0.004f));
   table.personUpdated(snapshotOf(4, 0.));
   EXPECT_EQ("neutral", why(4)) << "it cannot be seen";
+}
+
+TEST(PersonTable, KeepsTheForcesOfTheLastUpdate)
+{
+  PersonTable table;
+  table.forceActed(forceOn(KV::ValenceQuantity, "Smile", 0.f, 0.25f));
+  table.forceActed(forceOn(KV::AttentionQuantity, "Touch emotion", 0.f, 0.5f));
+  table.personUpdated(snapshotOf(4, 0.));
+  const auto& forces = table.rows().at(4).forces;
+  ASSERT_EQ(2u, forces.size());
+  EXPECT_EQ("Smile", forces[0].source);
+  EXPECT_EQ(0.5f, forces[1].after);
+  table.personUpdated(snapshotOf(5, 0.));
+  EXPECT_TRUE(table.rows().at(5).forces.empty());
+  table.personUpdated(snapshotOf(4, 1.));
+  EXPECT_TRUE(table.rows().at(4).forces.empty());
+}
+
+TEST(PersonTable, KeepsTheNewestReadingOfEachKind)
+{
+  PersonTable table;
+  KV::recordings::Step step = seenAt(0., 4, 0.5f);
+  table.stepBegins(step);
+  table.personUpdated(snapshotOf(4, 0.));
+  step = entryAt(1.);
+  step.person = 4;
+  step.observation.distance.emplace(start + seconds(1), 2.f);
+  table.stepBegins(step);
+  const KV::PersonObservation& readings = table.rows().at(4).readings;
+  ASSERT_TRUE(readings.smile && readings.distance);
+  EXPECT_EQ(0.5f, readings.smile->value.value);
+  EXPECT_EQ(2.f, readings.distance->value);
+}
+
+TEST(PersonTable, GivesReadingsToThePersonWhomTheStepIsAbout)
+{
+  PersonTable table;
+  table.stepBegins(seenAt(0., 4));
+  table.personUpdated(snapshotOf(5, 0.));  // who waited too long
+  EXPECT_FALSE(table.rows().at(5).readings.smile);
+  table.personUpdated(snapshotOf(4, 0.));
+  EXPECT_TRUE(table.rows().at(4).readings.smile.has_value());
+  table.stepBegins(entryAt(1.));
+  table.personUpdated(snapshotOf(6, 1.));
+  EXPECT_FALSE(table.rows().at(6).readings.smile);
+}
+
+TEST(PersonTable, HasNoHistoryWhereNothingWasKnown)
+{
+  PersonTable table;
+  Snapshot snapshot = snapshotOf(4, 0.);
+  snapshot.valence.confidence = 0.f;
+  table.personUpdated(snapshot);
+  EXPECT_TRUE(std::isnan(table.rows().at(4).valence.means(start, 60).back()));
+  EXPECT_EQ(0.25, table.rows().at(4).attention.means(start, 60).back());
 }
 
 TEST(PersonRow, SaysThatAPersonWasNeverSeen)

@@ -1,5 +1,6 @@
 #include "libsession/entries.hpp"
 #include "support/childprocess.hpp"
+#include "support/command.hpp"
 
 #include <skeigiot/recordings/observationjson.hpp>
 
@@ -7,6 +8,9 @@
 #include <nlohmann/json.hpp>
 
 #include <csignal>
+#include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -17,6 +21,24 @@ using nlohmann::json;
 
 const std::string seen = R"({"person":1,"observation":{"gaze":{"yaw":0,"pitch":0}}})"
                          "\n";
+
+TEST(StreamProcess, ShowsAChangeInTheExampleOfItsHelp)
+{
+  const std::string help = runCommand({"stream", "--help"}).output;
+  const std::size_t example = help.find("  for score in ");
+  ASSERT_NE(std::string::npos, example);
+  const CommandResult result = runShell("skeigiot() { $skeigiot \"$@\"; }\n" + help.substr(example));
+  EXPECT_EQ(0, result.status) << result.errors;
+  std::istringstream lines(result.output);
+  std::vector<float> valences;
+  for (std::string line; std::getline(lines, line);)
+    valences.push_back(json::parse(line)["valence"]);
+  ASSERT_EQ(4U, valences.size());
+  EXPECT_LT(0.f, valences[0]);
+  EXPECT_LT(valences[0], valences[1]);
+  EXPECT_GT(valences[1], valences[2]);
+  EXPECT_GT(0.f, valences[3]);
+}
 
 // As a camera writes, at 30 Hz by the times of the lines, for ten seconds: the next line is written only when the
 // answer to the one before is here.

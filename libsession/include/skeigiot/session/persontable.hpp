@@ -1,7 +1,9 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/personobservation.hpp>
 #include <skeigiot/session/changes.hpp>
+#include <skeigiot/session/explanation.hpp>
 #include <skeigiot/session/history.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
@@ -10,6 +12,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace KV::session
 {
@@ -20,8 +23,10 @@ struct SKEIGIOT_API PersonRow
   /// Returns in a few words what the estimate rests on, with the source that moved it most in the last update.
   std::string why(TimePoint now) const;
 
-  Snapshot last;    ///< after the last update
-  Changes changes;  ///< of the last update
+  Snapshot last;                   ///< after the last update
+  Changes changes;                 ///< of the last update
+  std::vector<ActedForce> forces;  ///< of the last update, in the order in which they acted
+  PersonObservation readings;      ///< the newest of each kind that came in while the person had a row
   boost::optional<TimePoint>
       lastSeen;       ///< time of the last update with an observation; none if there was no such update
   History valence;    ///< in [-1, 1]
@@ -33,7 +38,8 @@ class SKEIGIOT_API PersonTable : public SessionObserver
 {
 public:
   bool watchesForces() const override { return true; }
-  void forceActed(const KV::Force& force) override { _changes.add(force); }
+  void stepBegins(const recordings::Step& step) override;
+  void forceActed(const KV::Force& force) override;
   void personUpdated(const Snapshot& snapshot) override;
 
   /// Drops the person; nothing happens if there is none of that number.
@@ -47,7 +53,13 @@ public:
 
 private:
   std::map<std::int32_t, PersonRow> _rows;
-  Changes _changes;  // of the update that is under way
+  // Of the update that is under way
+  Changes _changes;
+  std::vector<ActedForce> _forces;
+
+  // Of the step that was begun, if it is about somebody without a row
+  boost::optional<std::int32_t> _newcomer;
+  PersonObservation _readingsOfNewcomer;
 };
 
 }  // namespace KV::session
