@@ -2,8 +2,11 @@
 #include "representation.hpp"
 #include "threadscopes.hpp"
 #include "times.hpp"
+#include "unlocked.hpp"
 
 #include <ko/systemclock.hpp>
+
+#include <string>
 
 namespace py = pybind11;
 
@@ -15,13 +18,41 @@ namespace
 
 using Scopes = ThreadScopes<ko::ScopedClockSource>;
 
+[[noreturn]] void refuseWithoutNow()
+{
+  PyErr_SetString(PyExc_NotImplementedError, "a class that derives from ClockSource must define now()");
+  throw py::error_already_set();
+}
+
+/// \throws py::type_error, py::value_error that say who told the time, if it is none.
+ko::SystemClock::time_point timeOf(const py::object& told)
+{
+  try
+  {
+    return timeFrom(told);
+  }
+  catch (const py::type_error& error)
+  {
+    throw py::type_error(std::string("now() of a ClockSource: ") + error.what());
+  }
+  catch (const py::value_error& error)
+  {
+    throw py::value_error(std::string("now() of a ClockSource: ") + error.what());
+  }
+}
+
 /// A clock source that is written in Python; takes the interpreter lock for each look at it.
 class PythonClockSource : public ko::ClockSource
 {
 public:
   ko::SystemClock::time_point now() override
   {
-    PYBIND11_OVERRIDE_PURE(ko::SystemClock::time_point, ko::ClockSource, now, );
+    return locked([this] {
+      const py::function now = py::get_override(static_cast<const ko::ClockSource*>(this), "now");
+      if (!now)
+        refuseWithoutNow();
+      return timeOf(callPython(now));
+    });
   }
 };
 

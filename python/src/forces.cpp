@@ -3,6 +3,7 @@
 #include "representation.hpp"
 #include "threadscopes.hpp"
 #include "times.hpp"
+#include "unlocked.hpp"
 
 #include <skeigiot/forceobserver.hpp>
 
@@ -34,8 +35,7 @@ struct Force
 template <typename Event>
 void call(const py::object& callback, const Event& event)
 {
-  const py::gil_scoped_acquire acquired;
-  callback(py::cast(event));
+  locked([&] { callPython(callback, py::make_tuple(event)); });
 }
 
 /// The callbacks of an observer; the library's own scope lives only between enter and exit.

@@ -104,17 +104,17 @@ private:
   void _change(KV::Person& person, const py::function& f) const
   {
     const Running running(_callbackThread);
-    const py::gil_scoped_acquire acquired;
-    const py::object seen = py::cast(person);
-    const WriteBack writeBack(person, seen);
-    f(seen);
+    locked([&] {
+      const py::object seen = py::cast(person);
+      const WriteBack writeBack(person, seen);
+      callPython(f, py::make_tuple(seen));
+    });
   }
 
   void _show(const KV::Person& person, const py::function& f) const
   {
     const Running running(_callbackThread);
-    const py::gil_scoped_acquire acquired;
-    f(py::cast(person));
+    locked([&] { callPython(f, py::make_tuple(person)); });
   }
 
   KV::SocialGraph _graph;
@@ -125,13 +125,15 @@ private:
 
 void bindGraph(py::module_& module)
 {
-  py::class_<Graph>(module, "SocialGraph",
-                    "The persons whom the robot currently knows, by identifier.\n\n"
-                    "Safe from any thread: every operation holds the graph's one mutex for its whole run, callbacks "
-                    "included. A callback that uses the same graph would wait for itself, so that raises "
-                    "RuntimeError; nor may it wait for another thread that does. What a callback raises passes to the "
-                    "caller, and the graph stays usable. Persons returned by persons() and find(), and those that a "
-                    "callback keeps, share their records with the stored ones and are not protected by the graph.")
+  py::class_<Graph>(
+      module, "SocialGraph",
+      "The persons whom the robot currently knows, by identifier.\n\n"
+      "Safe from any thread: every operation holds the graph's one mutex for its whole run, callbacks "
+      "included. A callback that uses the same graph would wait for itself, so that raises "
+      "RuntimeError; nor may it wait for another thread that does. What a callback raises passes to the "
+      "caller, and the graph stays usable. Do not fork while another thread uses a graph: in the child it "
+      "may stay locked for ever. Persons returned by persons() and find(), and those that a "
+      "callback keeps, share their records with the stored ones and are not protected by the graph.")
       .def(py::init<>(), "Makes an empty graph.")
       .def("add", &Graph::add, py::arg("id"), "Adds a person; one who is already there stays as they are.")
       .def("remove", &Graph::remove, py::arg("id"),

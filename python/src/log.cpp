@@ -49,25 +49,29 @@ py::str text(const std::string& bytes)
 
 void handToLogging(const ko::log::Record& record, int level)
 {
-  const py::object logger = py::module_::import("logging").attr("getLogger")(text(record.category));
-  if (!logger.attr("isEnabledFor")(level).cast<bool>())
+  const py::object getLogger = py::module_::import("logging").attr("getLogger");
+  const py::object logger = callPython(getLogger, py::make_tuple(text(record.category)));
+  if (!callPython(logger.attr("isEnabledFor"), py::make_tuple(level)).cast<bool>())
     return;
   py::dict extra;
   extra["koTime"] = nanosecondsOf(record.time);
-  logger.attr("handle")(logger.attr("makeRecord")(text(record.category), level, text(record.file), record.line,
-                                                  text(record.message), py::tuple(), py::none(), text(record.function),
-                                                  extra));
+  const py::object made =
+      callPython(logger.attr("makeRecord"),
+                 py::make_tuple(text(record.category), level, text(record.file), record.line, text(record.message),
+                                py::tuple(), py::none(), text(record.function), extra));
+  callPython(logger.attr("handle"), py::make_tuple(made));
 }
 
 /// Runs on whatever thread logs, with or without the interpreter lock, and while mutexes of the library may be held.
 void handle(const ko::log::Record& record)
 {
   const int level = pythonLevel(record.level);
-  if (level == 0 || SilencedLog::isOn() || !Py_IsInitialized() || _Py_IsFinalizing())
+  if (level == 0 || SilencedLog::isOn() || isEnding())
     return;
-  const py::gil_scoped_acquire acquired;
-  const py::error_scope pending;  // the call that logs may be one that is about to raise
-  handToLogging(record, level);
+  locked([&] {
+    const py::error_scope pending;  // the call that logs may be one that is about to raise
+    handToLogging(record, level);
+  });
 }
 
 void installHandler()

@@ -41,6 +41,7 @@ public:
   virtual void forgetOld() = 0;
   virtual bool isTooOld(const py::object& reading) const = 0;
   virtual boost::chrono::milliseconds horizon() const = 0;
+  virtual std::unique_ptr<AnyMemory> copy() const = 0;
 };
 
 template <typename T>
@@ -62,10 +63,7 @@ public:
 
   py::list records() const override
   {
-    const auto copies = unlocked([&] {
-      const boost::lock_guard<boost::mutex> lock(_memory.mutex());
-      return std::vector<KV::Timestamped<T>>(_memory.records().begin(), _memory.records().end());
-    });
+    const auto copies = unlocked([&] { return _copies(); });
     py::list list;
     for (const auto& copy : copies)
       list.append(objectOf(copy));
@@ -84,7 +82,23 @@ public:
 
   boost::chrono::milliseconds horizon() const override { return _memory.horizon(); }
 
+  std::unique_ptr<AnyMemory> copy() const override
+  {
+    auto made = std::make_unique<MemoryOf>(_memory.horizon());
+    unlocked([&] {
+      for (const KV::Timestamped<T>& record : _copies())
+        made->_memory.record(record);
+    });
+    return made;
+  }
+
 private:
+  std::vector<KV::Timestamped<T>> _copies() const
+  {
+    const boost::lock_guard<boost::mutex> lock(_memory.mutex());
+    return {_memory.records().begin(), _memory.records().end()};
+  }
+
   static KV::Timestamped<T> _typed(const py::object& reading)
   {
     return readingFrom<T>(reading, ko::SystemClock::now(), "a reading of this memory");
@@ -174,7 +188,13 @@ void bindShortTermMemory(py::module_& module)
            "horizon. One from the future never is.")
       .def(
           "horizon", [](const AnyMemory& self) { return timedeltaOf(self.horizon()); },
-          "Returns for how long a record is kept, as a timedelta.");
+          "Returns for how long a record is kept, as a timedelta.")
+      .def(
+          "__copy__", [](const AnyMemory& self) { return self.copy(); },
+          "Returns a memory of its own with the same records; old ones are forgotten.")
+      .def(
+          "__deepcopy__", [](const AnyMemory& self, const py::dict&) { return self.copy(); }, py::arg("memo"));
+  refuseCopies(memory, "a ShortTermMemory cannot be pickled, since it forgets by the clock; pickle its records()");
   allowTypeParameter(memory);
 }
 
@@ -225,10 +245,11 @@ void bindMemory(py::module_& module)
 {
   bindShortTermMemory(module);
   bindRemembered(module);
-  py::class_<KV::PersonMemory>(module, "PersonMemory",
-                               "The short-term memories of one person, one for each kind of reading.\n\n"
-                               "A handle: the memories of a person and of its copies are the same.")
-      .def(py::init<>(), "Makes empty memories of its own.")
+  py::class_<KV::PersonMemory> memory(module, "PersonMemory",
+                                      "The short-term memories of one person, one for each kind of reading.\n\n"
+                                      "A handle: the memories of a person and of its copies are the same.");
+  memory.def(py::init<>(), "Makes empty memories of its own.")
+      .def("__copy__", [](const KV::PersonMemory& self) { return KV::PersonMemory(self); })
       .def("add", &KV::PersonMemory::add, py::arg("observation"), Unlocked(),
            "Files each reading of the observation into its memory, under the reading's own time.\n\n"
            "headHeight and voiceEmotion are not remembered. A reading that is absent leaves its memory untouched.")
@@ -239,6 +260,9 @@ void bindMemory(py::module_& module)
            "changed. headHeight and voiceEmotion are never remembered, so their count is 0. May be called in a force "
            "callback, and beside an update on another thread.\n\n"
            "Raises ValueError if there is no reading of that name.");
+  refuseCopies(memory,
+               "a PersonMemory is a handle: copy.copy() gives another on the same memories, and there is no deep copy "
+               "and no pickle of them");
 }
 
 }  // namespace binding

@@ -1,5 +1,7 @@
 #include "module.hpp"
+#include "unlocked.hpp"
 
+#include <cstddef>
 #include <exception>
 #include <stdexcept>
 
@@ -18,6 +20,22 @@ void translateEmptyMemory(std::exception_ptr exception)
   {
     PyErr_SetString(PyExc_LookupError, error.what());
   }
+}
+
+/// Stands where pybind11 would give memory without an object in it to an operation of an object that was never made.
+void* refuseUnmade(std::size_t)
+{
+  throw pybind11::type_error(
+      "this object was made by __new__() alone, so it holds nothing: call the class, or __init__() first");
+}
+
+/// Objects of this module that nobody has initialised are refused by every operation.
+void refuseUnmadeObjects(const pybind11::module_& module)
+{
+  for (const auto& [name, value] : module.attr("__dict__").cast<pybind11::dict>())
+    if (PyType_Check(value.ptr()))
+      if (auto* const type = pybind11::detail::get_type_info(reinterpret_cast<PyTypeObject*>(value.ptr())))
+        type->operator_new = &refuseUnmade;
 }
 
 }  // namespace
@@ -42,4 +60,6 @@ PYBIND11_MODULE(_skeigiot, module)
   under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindPacer, bindGraph, bindRecorder,
         bindForces, bindReplay);
   module.attr("__name__") = name;
+  refuseUnmadeObjects(module);
+  endWithoutDaemonThreads();
 }

@@ -1,5 +1,6 @@
 #include "enumerations.hpp"
 #include "module.hpp"
+#include "representation.hpp"
 #include "unlocked.hpp"
 #include "written.hpp"
 
@@ -15,12 +16,12 @@ namespace binding
 void bindPerson(py::module_& module)
 {
   using KV::Person;
-  py::class_<Person>(module, "Person",
-                     "One tracked person: an identifier, the estimated state, and the memories that it is estimated "
-                     "from. str() is \"Person (US#<id>) \".\n\n"
-                     "State and memory are handles, so copies of a person share both. Not synchronised: update one "
-                     "person, through whichever copy, from one thread at a time; SocialGraph does.")
-      .def(py::init<std::int32_t>(), py::arg("id") = 0, "Makes a person with a new state and new memories.")
+  py::class_<Person> class_(module, "Person",
+                            "One tracked person: an identifier, the estimated state, and the memories that it is "
+                            "estimated from. str() is \"Person (US#<id>) \".\n\n"
+                            "State and memory are handles, so copies of a person share both. Not synchronised: update "
+                            "one person, through whichever copy, from one thread at a time; SocialGraph does.");
+  class_.def(py::init<std::int32_t>(), py::arg("id") = 0, "Makes a person with a new state and new memories.")
       .def("update", &Person::update, py::arg("observation"), Unlocked(),
            "Takes one perception cycle in: files the observation into the memories, then estimates body language and "
            "state.\n\n"
@@ -57,6 +58,9 @@ void bindPerson(py::module_& module)
                     std::string(py::repr(py::cast(self.personState))) + ">";
            })
       .def("__str__", &written<Person>);
+  refuseCopies(class_,
+               "a Person holds handles: copy.copy() gives another person on the same state and memories, and there is "
+               "no deep copy and no pickle of them");
 }
 
 }  // namespace binding

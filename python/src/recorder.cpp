@@ -1,4 +1,5 @@
 #include "module.hpp"
+#include "representation.hpp"
 #include "times.hpp"
 #include "unlocked.hpp"
 
@@ -6,6 +7,8 @@
 #include <skeigiot/verdict.hpp>
 
 #include <pybind11/stl.h>
+
+#include <string>
 
 namespace py = pybind11;
 
@@ -24,18 +27,30 @@ void bindEmotionRecorder(py::module_& module)
                        "as they are when it is read.")
       .def(py::init<>(), "Makes a recorder without scopes.")
       .def("__copy__", [](const Recorder& self) { return Recorder(self); })
-      .def("startRecording", &Recorder::startRecording, py::arg("scope"), py::arg("samples") = -1, Unlocked(),
-           "Opens a scope for that many samples (negative: without limit); one that is open already starts anew.")
+      .def(
+          "startRecording",
+          [](Recorder& self, const py::str& scope, int samples) {
+            const std::string name = utf8(scope, "scope");
+            unlocked([&] { self.startRecording(name, samples); });
+          },
+          py::arg("scope"), py::arg("samples") = -1,
+          "Opens a scope for that many samples (negative: without limit); one that is open already starts anew.")
       .def("update_notMutexed", &Recorder::update_notMutexed, py::arg("state"), Unlocked(),
            "Records the state in every open scope that still takes samples, all with the same time.\n\n"
            "Takes no lock: the caller keeps other operations from running at the same time.")
       .def("hasAnOpenScope_notMutexed", &Recorder::hasAnOpenScope_notMutexed,
            "Tells whether any scope is open, even one that takes no more samples.\n\n"
            "Takes no lock: the caller keeps other operations from running at the same time.")
-      .def("stopRecording", &Recorder::stopRecording, py::arg("scope"), Unlocked(),
-           "Closes a scope; returns the verdict on its samples as they read now, and the samples.\n\n"
-           "The verdict is \"positive\", \"neutral\", \"negative\" or \"unknown\" (see Verdict), or \"error\", with no "
-           "samples, if there is no such scope.");
+      .def(
+          "stopRecording",
+          [](Recorder& self, const py::str& scope) {
+            const std::string name = utf8(scope, "scope");
+            return unlocked([&] { return self.stopRecording(name); });
+          },
+          py::arg("scope"),
+          "Closes a scope; returns the verdict on its samples as they read now, and the samples.\n\n"
+          "The verdict is \"positive\", \"neutral\", \"negative\" or \"unknown\" (see Verdict), or \"error\", with no "
+          "samples, if there is no such scope.");
 }
 
 void bindVerdict(py::module_& module)

@@ -57,9 +57,10 @@ public:
 
   static void runHandlers()
   {
-    const py::gil_scoped_acquire acquired;
-    if (PyErr_CheckSignals() != 0)
-      throw py::error_already_set();
+    locked([] {
+      if (unlessEnding(&PyErr_CheckSignals) != 0)
+        throw py::error_already_set();
+    });
   }
 
 private:

@@ -3,6 +3,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 
 namespace py = pybind11;
 
@@ -38,6 +39,17 @@ std::string representation(py::handle record, const std::vector<const char*>& fi
     separator = ", ";
   }
   return text + ")";
+}
+
+std::string utf8(const py::str& text, const char* what)
+{
+  Py_ssize_t size = 0;
+  const char* const bytes = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
+  if (bytes != nullptr)
+    return {bytes, static_cast<std::size_t>(size)};
+  PyErr_Clear();
+  throw py::value_error(std::string(what) + ": " + std::string(py::repr(text)) +
+                        " has half a surrogate pair, so it is no text that can be written");
 }
 
 void allowTypeParameter(py::handle record)

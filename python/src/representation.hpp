@@ -21,6 +21,24 @@ std::string representation(pybind11::handle object);
 /// Returns "Name(first=..., second=...)".
 std::string representation(pybind11::handle record, const std::vector<const char*>& fields);
 
+/// Returns the text in UTF-8.
+///
+/// \throws pybind11::value_error that says what the text is, if it has half a surrogate pair, which UTF-8 cannot hold.
+std::string utf8(const pybind11::str& text, const char* what);
+
+/// Defines __copy__, __deepcopy__ and __reduce_ex__ of a class whose objects are not copied: they raise TypeError with
+/// this text.
+template <typename Class>
+void refuseCopies(Class& record, const std::string& why)
+{
+  const auto refuse = [why](const pybind11::object&, const pybind11::args&) -> pybind11::object {
+    throw pybind11::type_error(why);
+  };
+  for (const char* name : {"__copy__", "__deepcopy__", "__reduce_ex__"})
+    if (!record.attr("__dict__").contains(name))
+      record.def(name, refuse);
+}
+
 /// Defines __repr__, __eq__ (field by field, so that NaN differs from NaN) and __reduce__ (for copies and pickles) of a
 /// mutable record that is made from these attributes, in this order.
 template <typename Class>

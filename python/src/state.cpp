@@ -156,7 +156,13 @@ void bindState(py::module_& module)
   bindEstimates(state);
   bindReadings(state);
   bindOperations(state);
-  state.def("__repr__", &shown).def("__str__", &written<PersonState>);
+  state.def("__repr__", &shown).def("__str__", &written<PersonState>).def("__copy__", [](const PersonState& self) {
+    return PersonState(self);
+  });
+  refuseCopies(state,
+               "a PersonState is a handle: copy.copy() gives another on the same state, and there is no deep copy and "
+               "no pickle of it; keep the numbers that you want, or make PersonState(valence, valenceConfidence, "
+               "attention, attentionConfidence)");
 
   py::dict zones;
   for (const auto& [zone, name] : KV::attentionZonesStringMapping)

@@ -2,21 +2,79 @@
 
 #include <pybind11/pybind11.h>
 
-#include <utility>
+#include <cxxabi.h>
+
+/// \file
+/// The interpreter lock: let go for calls into the library, and taken back for calls into Python.
+///
+/// When the program ends, Python ends each other thread that asks for the interpreter lock, in the middle of whatever
+/// functions called it: they would then clean up without the lock, beside an interpreter that is going away. Such a
+/// thread waits here instead, until the process is gone. It is a daemon thread: Python waits for all others.
 
 namespace binding
 {
 
+/// Waits for the end of the process.
+[[noreturn]] void waitForTheEnd();
+
+/// Tells whether Python is ending.
+bool isEnding();
+
+/// Registers what ends the process while daemon threads are still in the library; called once.
+void endWithoutDaemonThreads();
+
+/// Runs a function of Python's C interface, which holds nothing that is to be cleaned up.
+template <typename Function>
+auto unlessEnding(Function function)
+{
+  try
+  {
+    return function();
+  }
+  catch (abi::__forced_unwind&)  // is how Python ends a thread
+  {
+    waitForTheEnd();
+  }
+}
+
+/// Lets go of the interpreter lock while it lives.
+class Released
+{
+public:
+  Released();
+  Released(const Released&) = delete;
+  Released& operator=(const Released&) = delete;
+  ~Released();
+
+private:
+  PyThreadState* _state;
+};
+
 /// What every call gets that may take a mutex of the library: it releases the interpreter lock for its run. So whoever
 /// waits for a mutex never keeps its holder from calling back into Python.
-using Unlocked = pybind11::call_guard<pybind11::gil_scoped_release>;
+using Unlocked = pybind11::call_guard<Released>;
 
 /// As above, for a part of a call.
 template <typename Function>
 auto unlocked(Function function)
 {
-  const pybind11::gil_scoped_release released;
+  const Released released;
   return function();
 }
+
+/// Runs a function with the interpreter lock, from wherever the library calls back.
+template <typename Function>
+auto locked(Function function)
+{
+  return unlessEnding([&function] {
+    const pybind11::gil_scoped_acquire acquired;
+    return function();
+  });
+}
+
+/// Calls what is written in Python; to be called with the interpreter lock held.
+///
+/// \throws pybind11::error_already_set if it raises.
+pybind11::object callPython(const pybind11::object& callable, const pybind11::tuple& arguments = pybind11::tuple());
 
 }  // namespace binding

@@ -2,7 +2,7 @@
 
 import threading
 from datetime import datetime, timedelta, timezone
-from typing import NoReturn
+from typing import Any, NoReturn
 
 import pytest
 import skeigiot as kv
@@ -191,6 +191,36 @@ def test_an_exception_of_a_clock_reaches_the_caller() -> None:
 
     person.update(kv.PersonObservation(touchEmotion=1))
     assert person.personState.valence.value > 0.6
+
+
+@pytest.mark.parametrize(
+    "told, error, message",
+    [
+        ("noon", TypeError, "now.. of a ClockSource: a time is an aware datetime or an int of nanoseconds .*, not 'noon'"),
+        (1.5, TypeError, "now.. of a ClockSource: .* not 1.5"),
+        (datetime(2020, 1, 1), ValueError, "now.. of a ClockSource: the datetime 2020-01-01T00:00:00 has no time zone"),
+        (2**70, ValueError, "now.. of a ClockSource: the time does not fit into 64-bit nanoseconds"),
+    ],
+)
+def test_a_clock_that_tells_no_time_is_told_so(told: Any, error: type[Exception], message: str) -> None:
+    class Odd(ko.ClockSource):
+        def now(self) -> Any:
+            return told
+
+    with ko.ScopedClockSource(Odd()):
+        with pytest.raises(error, match=message):
+            ko.SystemClock.now()
+        with pytest.raises(error, match=message):
+            kv.Person().update(kv.PersonObservation(touchEmotion=(NEW_YEAR, 1)))
+
+
+def test_a_clock_without_a_time_is_told_so() -> None:
+    class Nothing(ko.ClockSource):
+        pass
+
+    with ko.ScopedClockSource(Nothing()):
+        with pytest.raises(NotImplementedError, match=r"a class that derives from ClockSource must define now\(\)"):
+            ko.SystemClock.now()
 
 
 def test_what_is_no_clock_is_refused() -> None:

@@ -1,5 +1,7 @@
 """Memories of readings."""
 
+import copy
+import pickle
 import threading
 from collections.abc import Callable
 from datetime import timedelta
@@ -208,3 +210,40 @@ def test_each_reading_can_be_asked_for(name: str) -> None:
 def test_only_readings_can_be_asked_for() -> None:
     with pytest.raises(ValueError, match="there is no reading 'mood'"):
         kv.PersonMemory().remembered("mood")
+
+
+def test_a_copy_of_a_memory_has_the_same_records_and_keeps_its_own() -> None:
+    with ko.ManualClock(10 * SECOND):
+        memory = kv.ShortTermMemory(float, timedelta(seconds=7))
+        memory.record((8 * SECOND, 0.25))
+        memory.record((9 * SECOND, 0.5))
+        for same in (copy.copy(memory), copy.deepcopy(memory)):
+            assert same.records() == memory.records()
+            assert same.horizon() == memory.horizon()
+            same.record((10 * SECOND, 0.75))
+            assert len(same.records()) == 3 and len(memory.records()) == 2
+
+
+def test_a_memory_says_why_it_cannot_be_pickled() -> None:
+    with pytest.raises(TypeError, match=r"a ShortTermMemory cannot be pickled, .*; pickle its records\(\)"):
+        pickle.dumps(kv.ShortTermMemory(float, SECOND))
+
+
+def test_a_copy_of_the_memories_of_a_person_is_another_handle() -> None:
+    memory = kv.PersonMemory()
+    assert isinstance(copy.copy(memory), kv.PersonMemory)
+
+
+@pytest.mark.parametrize("handle", [kv.PersonMemory(), kv.PersonState(), kv.Person(1)])
+def test_handles_say_why_there_is_no_deep_copy_and_no_pickle(handle: Any) -> None:
+    for operation in (copy.deepcopy, pickle.dumps):
+        with pytest.raises(TypeError, match=f"a {type(handle).__name__} .* handle.*no deep copy and no pickle"):
+            operation(handle)
+
+
+def test_a_copy_of_a_state_is_a_live_view() -> None:
+    state = kv.PersonState()
+    same = copy.copy(state)
+    state._setValence(0.5)
+
+    assert same.valence.value == 0.5

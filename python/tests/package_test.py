@@ -1,8 +1,10 @@
 """The package as a whole."""
 
 import ast
+import copy
 import graphlib
 import inspect
+import operator
 import shutil
 import subprocess
 import sys
@@ -50,6 +52,32 @@ def test_every_class_and_operation_says_what_it_does() -> None:
         found = getattr(skeigiot, name)
         if isinstance(found, type):
             assert found.__doc__, name
+
+
+def classes_of_the_library() -> list[type]:
+    packages = (skeigiot, skeigiot.ko, skeigiot.classification)
+    found = {getattr(package, name) for package in packages for name in package.__all__}
+    return [one for one in found if isinstance(one, type) and type(one).__name__ == "pybind11_type"]
+
+
+def test_objects_that_were_never_made_are_refused() -> None:
+    """Their operations would read memory that holds nothing."""
+    assert len(classes_of_the_library()) > 30
+    refused = 0
+    for kind in classes_of_the_library():
+        unmade = object.__new__(kind) if kind.__new__ is object.__new__ else kind.__new__(kind)
+        for use in (repr, copy.copy, hash, lambda unmade: unmade == unmade, *(operator.attrgetter(n) for n in dir(kind))):
+            try:
+                use(unmade)
+            except TypeError as error:
+                refused += "this object was made by __new__() alone" in str(error)
+            except AttributeError:
+                pass
+    assert refused > 100
+    with pytest.raises(TypeError, match=r"made by __new__\(\) alone, so it holds nothing: call the class"):
+        repr(skeigiot.Person.__new__(skeigiot.Person))
+    with pytest.raises(TypeError, match="made by __new__"):
+        skeigiot.SocialGraph.__new__(skeigiot.SocialGraph).add(1)
 
 
 def test_signatures_show_the_names_that_users_write() -> None:

@@ -2,6 +2,7 @@
 
 import copy
 
+import pytest
 import skeigiot as kv
 from skeigiot import ko
 
@@ -60,3 +61,13 @@ def test_a_verdict_takes_each_state_as_it_is_when_added() -> None:
     state._setValence(-1.0)
 
     assert verdict.word() == "positive"
+
+
+def test_a_scope_with_half_a_surrogate_pair_is_refused() -> None:
+    recorder = kv.KVEmotionRecorder()
+    for operation in (recorder.startRecording, recorder.stopRecording):
+        with pytest.raises(ValueError, match=r"scope: '\\ud800' has half a surrogate pair, so it is no text"):
+            operation("\ud800")
+
+    recorder.startRecording("\U0001f600 <&>")
+    assert recorder.stopRecording("\U0001f600 <&>") == ("neutral", [])

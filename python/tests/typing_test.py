@@ -8,7 +8,10 @@ from pathlib import Path
 TESTS = Path(__file__).parent
 PACKAGE = Path(os.environ["SKEIGIOT_PYTHON_PACKAGE"])
 
-PARTLY_TYPED = {"agree_test.py", "pythonexamples_test.py", "replay_test.py", "replayframe_test.py", "replaythreads_test.py"}
+PARTLY_TYPED = {
+    "agree_test.py", "ending_test.py", "pythonexamples_test.py", "replay_test.py", "replayframe_test.py",
+    "replaythreads_test.py",
+}  # fmt: skip
 
 
 def run(tmp_path: Path, *arguments: str) -> str:
