@@ -77,7 +77,12 @@ const Reading& readingNamed(const std::string& name)
   for (const Reading& known : readings())
     if (name == known.name)
       return known;
-  throw py::type_error("PersonObservation() got an unexpected keyword argument '" + name + "'");
+  py::list names;
+  for (const Reading& known : readings())
+    names.append(known.name);
+  const py::list near = py::module_::import("difflib").attr("get_close_matches")(name, names, 1);
+  throw py::type_error("PersonObservation() got an unexpected keyword argument '" + name + "'" +
+                       (near.empty() ? "" : "; do you mean '" + near[0].cast<std::string>() + "'?"));
 }
 
 Observation make(const py::dict& named)

@@ -14,9 +14,13 @@ AnyTimestamped stampedFrom(py::handle source, ko::SystemClock::time_point now)
   if (!py::isinstance<py::tuple>(source))
     return {now, py::reinterpret_borrow<py::object>(source)};
   const auto pair = py::reinterpret_borrow<py::tuple>(source);
-  if (pair.size() != 2)
-    throw py::type_error("a reading is a value or a pair (time, value), not " + representation(source));
   return {timeFrom(pair[0]), pair[1]};
+}
+
+void refuseReading(py::handle value, const std::string& what, const std::string& expected)
+{
+  throw py::type_error(what + " cannot be " + representation(value) + ": expected " + expected +
+                       "; a pair is (time, value)");
 }
 
 void bindTimestamped(py::module_& module)

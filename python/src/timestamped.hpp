@@ -1,5 +1,6 @@
 #pragma once
 
+#include "expectedvalue.hpp"
 #include "times.hpp"
 
 #include <skeigiot/timestamped.hpp>
@@ -28,6 +29,9 @@ void bindTimestamped(pybind11::module_& module);
 /// Takes a Timestamped or a pair (time, value) apart; anything else is a value of the time `now`.
 AnyTimestamped stampedFrom(pybind11::handle source, ko::SystemClock::time_point now);
 
+/// \throws pybind11::type_error always: says what the reading cannot be, and what is expected.
+[[noreturn]] void refuseReading(pybind11::handle value, const std::string& what, const std::string& expected);
+
 /// As above, with a value of type T.
 ///
 /// \param what what the reading is called in error messages
@@ -36,10 +40,13 @@ template <typename T>
 KV::Timestamped<T> readingFrom(pybind11::handle source, ko::SystemClock::time_point now, const std::string& what)
 {
   namespace py = pybind11;
+  if (py::isinstance<py::tuple>(source) &&
+      (py::len(source) != 2 || !isTime(py::reinterpret_borrow<py::tuple>(source)[0])))
+    refuseReading(source, what, expectedValue<T>);
   const AnyTimestamped any = stampedFrom(source, now);
   py::detail::make_caster<T> caster;
   if (!caster.load(any.value, true))
-    throw py::type_error(what + " cannot be " + std::string(py::repr(any.value)));
+    refuseReading(any.value, what, expectedValue<T>);
   return {any.time, py::detail::cast_op<T>(caster)};
 }
 

@@ -2,6 +2,7 @@
 
 import copy
 import pickle
+import re
 from datetime import datetime, timezone
 from typing import Any
 
@@ -77,10 +78,29 @@ def test_a_reading_is_taken_away_with_none(name: str) -> None:
 
 
 @pytest.mark.parametrize("name", EVERY_READING)
-def test_a_value_of_another_type_is_refused_by_name(name: str) -> None:
+def test_a_value_of_another_type_is_refused_by_name_and_says_what_is_expected(name: str) -> None:
     wrong: Any = "nothing"
-    with pytest.raises(TypeError, match=name + " cannot be"):
+    with pytest.raises(TypeError, match=name + r" cannot be 'nothing': expected .*; a pair is \(time, value\)$") as raised:
         kv.PersonObservation(**{name: wrong})
+    example = re.search(r", such as (.*);", str(raised.value))
+    if example:
+        made = eval(example.group(1), vars(kv).copy())
+        assert kv.PersonObservation(**{name: made}) != kv.PersonObservation()
+
+
+@pytest.mark.parametrize(
+    "wrong, message",
+    [
+        ({"smile": 0.5}, r"smile cannot be 0.5: expected Smile\(value, confidence\), such as Smile\(0.8, 0.9\); a pair"),
+        ({"gaze": (0.5, 1)}, r"gaze cannot be \(0.5, 1\): expected Gaze\(yaw, pitch\) in degrees"),
+        ({"age": 34}, r"age cannot be 34: expected ValueConfidence\(value, confidence\) with a whole number"),
+        ({"distance": "far"}, "distance cannot be 'far': expected a number"),
+        ({"speaking": 1}, "speaking cannot be 1: expected True or False"),
+    ],
+)
+def test_a_bare_number_is_told_what_it_is_to_be(wrong: Any, message: str) -> None:
+    with pytest.raises(TypeError, match=message):
+        kv.PersonObservation(**wrong)
 
 
 def test_values_that_are_given_together_have_one_time() -> None:
@@ -90,8 +110,10 @@ def test_values_that_are_given_together_have_one_time() -> None:
 
 
 def test_a_name_that_is_no_reading_is_refused() -> None:
-    with pytest.raises(TypeError, match="unexpected keyword argument 'smiel'"):
+    with pytest.raises(TypeError, match=r"unexpected keyword argument 'smiel'; do you mean 'smile'\?$"):
         kv.PersonObservation(smiel=kv.Smile())  # type: ignore[call-arg]
+    with pytest.raises(TypeError, match="unexpected keyword argument 'hat'$"):
+        kv.PersonObservation(hat=kv.Smile())  # type: ignore[call-arg]
 
 
 def test_a_time_without_a_zone_is_refused() -> None:
