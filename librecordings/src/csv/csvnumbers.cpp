@@ -1,5 +1,7 @@
 #include "csv/csvnumbers.hpp"
 
+#include "recording/plausible.hpp"
+
 #include <skeigiot/recordings/limits.hpp>
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/recordings/recording.hpp>
@@ -58,7 +60,12 @@ std::optional<double> CsvNumbers::timestamp(std::size_t column) const
   if (!std::isfinite(timestamp))
     return {};
   if (timestamp < earliestTimestamp || timestamp > latestTimestamp)
-    refuse(column, "seconds, from the start of the recording or since 1970");
+  {
+    const std::string likely = likelyUnitOfTime(timestamp);
+    throw BadLine({_rows.file().path(), _rows.file().lineNumber(), _names[column]},
+                  "expected seconds, from the start of the recording or since 1970, found " + quote(text(column)) +
+                      (likely.empty() ? "" : "; " + likely));
+  }
   return timestamp;
 }
 

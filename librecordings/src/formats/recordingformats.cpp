@@ -51,7 +51,14 @@ std::unique_ptr<Reader> openFile(const std::string& path, const ReadingOptions& 
 template <auto read>
 Format forward(const char* name, const char* description, bool (*detect)(const std::string& head))
 {
-  return {name, description, detect, openFile<read>, read};
+  return {name, description, detect, openFile<read>, read, false};
+}
+
+// As above, of rows and columns.
+template <auto read>
+Format table(const char* name, const char* description, bool (*detect)(const std::string& head))
+{
+  return {name, description, detect, openFile<read>, read, true};
 }
 
 std::unique_ptr<Reader> openRosbag(const std::string& path, const ReadingOptions& options)
@@ -119,14 +126,14 @@ const Format& formatOf(const std::string& path)
 const std::vector<Format>& recordingFormats()
 {
   static const std::vector<Format> formats = {
-      forward<readFaces<LiveLinkRows>>("livelink", "CSV of Live Link Face", looksLikeLiveLink),
-      forward<readFaces<PyFeatRows>>("pyfeat", "CSV of py-feat", looksLikePyFeat),
-      forward<readFaces<BlendshapeCsvRows>>("blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv),
-      forward<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older", looksLikeOpenFace),
-      forward<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv),
+      table<readFaces<LiveLinkRows>>("livelink", "CSV of Live Link Face", looksLikeLiveLink),
+      table<readFaces<PyFeatRows>>("pyfeat", "CSV of py-feat", looksLikePyFeat),
+      table<readFaces<BlendshapeCsvRows>>("blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv),
+      table<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older", looksLikeOpenFace),
+      table<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv),
       forward<readFaces<FaceLandmarkerRows>>("mediapipe", "JSON of MediaPipe FaceLandmarker results",
                                              looksLikeFaceLandmarker),
-      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag, nullptr},
+      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag, nullptr, false},
       forward<readJsonLines>("jsonl", "JSON Lines of skeigiot", looksLikeJsonLines),
   };
   return formats;

@@ -75,7 +75,7 @@ double FrameTable::seconds(Column column) const
 {
   const double value = number(column);
   if (value < earliestTimestamp || value > latestTimestamp)
-    refuseValue(column, "seconds, from the start of the recording or since 1970");
+    refuseTime(column, value);
   return value;
 }
 

@@ -1,5 +1,6 @@
 #include "tidy/tidyreader.hpp"
 
+#include "recording/plausible.hpp"
 #include "recording/recordingclock.hpp"
 
 #include <skeigiot/recordings/description.hpp>
@@ -108,7 +109,12 @@ ko::SystemClock::time_point TidyReader::_timeOf(const TidyRow& row)
     _table->refuse(TidyColumn::Time, "some rows count from the start of the recording, others since 1970");
   if (origin + seconds > greatestSecond || origin + seconds < 0.)
     _table->refuse(TidyColumn::Time, "is too far from the start of the recording");
+  if (origin > 0. && seconds - _seconds.value_or(seconds) > longestPause)
+    _table->refuse(TidyColumn::Time,
+                   "is more than 11 days after the row before: expected seconds, these may be milliseconds or "
+                   "nanoseconds");
   _origin = origin;
+  _seconds = seconds;
   return timeAfter(origin, seconds);
 }
 

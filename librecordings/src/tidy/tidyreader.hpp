@@ -53,9 +53,10 @@ private:
   void _endTime();
 
   std::unique_ptr<TidyTable> _table;
-  std::optional<double> _origin;  // [s] since 1970, to which the times are added; decided by the first row
-  bool _hasMoments = false;       // instead of seconds
-  std::optional<TidyRow> _row;    // read, and not taken yet
+  std::optional<double> _origin;   // [s] since 1970, to which the times are added; decided by the first row
+  std::optional<double> _seconds;  // of the row before, as the table counts
+  bool _hasMoments = false;        // instead of seconds
+  std::optional<TidyRow> _row;     // read, and not taken yet
   ko::SystemClock::time_point _rowTime;
   ko::SystemClock::time_point _time;            // of the steps below, and the latest so far
   bool _anyTime = false;                        // there are rows of that time

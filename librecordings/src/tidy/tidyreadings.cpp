@@ -1,5 +1,7 @@
 #include "tidy/tidyreadings.hpp"
 
+#include "recording/plausible.hpp"
+
 #include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
@@ -25,6 +27,11 @@ class Fields
 public:
   explicit Fields(const TidyTable& table) : _table(table) {}
 
+  /// Also refuses numbers that are far from their scales.
+  Fields(const TidyTable& table, const std::string& reading, const std::map<Column, KV::Scale>& scales)
+    : _table(table), _reading(reading), _scales(&scales)
+  {}
+
   bool has(Column column) const { return _table.has(column); }
 
   std::string text(Column column) const
@@ -48,6 +55,7 @@ public:
     const auto value = static_cast<float>(_table.number(column));
     if (!std::isfinite(value))
       _table.refuseValue(column, "a number");
+    _refuseImplausible(column, static_cast<double>(value));
     return value;
   }
 
@@ -86,7 +94,25 @@ private:
       _table.refuse(column, "is missing");
   }
 
+  void _refuseImplausible(Column column, double value) const
+  {
+    if (_scales == nullptr)
+      return;
+    const auto scale = _scales->find(column);
+    if (scale != _scales->end() && isImplausible(value, scale->second))
+      _table.refuse(column, _subject(column) + implausibleText(value, scale->second));
+  }
+
+  /// Names the reading, unless the column does.
+  std::string _subject(Column column) const
+  {
+    const bool isNamed = _table.placeOf(column).field.compare(0, _reading.size(), _reading) == 0;
+    return isNamed ? "" : _reading + " of ";
+  }
+
   const TidyTable& _table;
+  std::string _reading;
+  const std::map<Column, KV::Scale>* _scales = nullptr;
 };
 
 /// Reads one number or truth.
@@ -187,9 +213,25 @@ struct Reading
   std::function<void(const Fields& fields, Step& step)> add;
   bool ofPerson = true;
   std::vector<Column> optional = {};
+  std::map<Column, KV::Scale> scales = {};
 };
 
 using Readings = std::map<std::string, Reading>;
+
+/// Returns the scale of each column that a value of this kind is read from; parts may have one of their own.
+template <typename Value>
+std::map<Column, KV::Scale> scalesOf(const std::vector<Column>& needed, const KV::Scale& scale)
+{
+  std::map<Column, KV::Scale> scales = {{Column::Confidence, KV::scale::share}};
+  for (const Column column : needed)
+    scales.emplace(column, scale);
+  forEachPart<Value>([&scales](const auto& part) {
+    const auto column = tidyColumnNamed(part.name);
+    if (column && part.scale)
+      scales.insert_or_assign(*column, *part.scale);
+  });
+  return scales;
+}
 
 /// A reading of several scores or points has a row for each; they join those that the step has already.
 template <typename Known>
@@ -198,14 +240,16 @@ void addRowForEachPart(Readings& all, const Known& known)
   using Value = typename Known::Value;
   forEachPart<Value>([&all, known](const auto& part) {
     using Part = std::decay_t<decltype(part.in(std::declval<const Value&>()))>;
-    all[known.name + std::string(".") + part.name] = {columnsNeededBy<Part>(),
-                                                      [known, part](const Fields& fields, Step& step) {
-                                                        const Part read = readAll<Part>(fields);
-                                                        auto& reading = known.in(step.observation);
-                                                        if (!reading)
-                                                          reading.emplace(step.time, Value());
-                                                        part.put(read, reading->value);
-                                                      }};
+    Reading& row = all[known.name + std::string(".") + part.name];
+    row.needed = columnsNeededBy<Part>();
+    row.add = [known, part](const Fields& fields, Step& step) {
+      const Part read = readAll<Part>(fields);
+      auto& reading = known.in(step.observation);
+      if (!reading)
+        reading.emplace(step.time, Value());
+      part.put(read, reading->value);
+    };
+    row.scales = scalesOf<Part>(row.needed, part.scale.value_or(known.scale));
   });
 }
 
@@ -216,9 +260,14 @@ void addReading(Readings& all, const Known& known)
   if constexpr (std::is_base_of_v<KV::Expressions, Value> || std::is_same_v<KV::FacialPoints, Value>)
     addRowForEachPart(all, known);
   else
-    all[known.name] = {columnsNeededBy<Value>(), [known](const Fields& fields, Step& step) {
-                         known.in(step.observation).emplace(step.time, readAll<Value>(fields));
-                       }};
+  {
+    Reading& row = all[known.name];
+    row.needed = columnsNeededBy<Value>();
+    row.add = [known](const Fields& fields, Step& step) {
+      known.in(step.observation).emplace(step.time, readAll<Value>(fields));
+    };
+    row.scales = scalesOf<Value>(row.needed, known.scale);
+  }
 }
 
 Readings makeReadings()
@@ -276,6 +325,14 @@ std::optional<TidyReading> tidyReadingNamed(const std::string& name)
   return TidyReading{found->second.needed, found->second.optional, found->second.ofPerson};
 }
 
+std::vector<std::string> tidyReadingNames()
+{
+  std::vector<std::string> names;
+  for (const auto& [name, reading] : readings())
+    names.push_back(name);
+  return names;
+}
+
 namespace
 {
 // Whether the reading is of a person, and not of the room or a scope.
@@ -312,7 +369,7 @@ bool addTidyReading(const TidyTable& table, const std::string& name, Step& step)
   const bool canBeEmpty = reading.ofPerson;
   if (canBeEmpty && std::none_of(reading.needed.begin(), reading.needed.end(), isFilled))
     return false;
-  reading.add(Fields(table), step);
+  reading.add(Fields(table, name, reading.scales), step);
   return true;
 }
 

@@ -24,6 +24,9 @@ struct TidyReading
 /// Returns the reading with this name, if there is one.
 std::optional<TidyReading> tidyReadingNamed(const std::string& name);
 
+/// Returns the names of all readings.
+std::vector<std::string> tidyReadingNames();
+
 /// Where the row of a table belongs.
 struct TidyRow
 {

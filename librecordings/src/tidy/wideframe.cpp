@@ -111,14 +111,18 @@ bool WideFrame::_takeAs(const std::string& reading, Column field, const TableCol
   auto found =
       std::find_if(_readings.begin(), _readings.end(), [&](const Reading& one) { return one.name == reading; });
   if (found == _readings.end())
-    found = _readings.insert(found, {reading, known->ofPerson, {}});
+    found = _readings.insert(found, {reading, known->ofPerson, known->needed, {}});
   found->fields.at(static_cast<std::size_t>(field)) = &column;
   return true;
 }
 
-/// A confidence alone says nothing.
+/// A confidence alone says nothing; and a reading is unknown where a column has nothing for a part that it needs.
 bool WideFrame::_isThere(const Reading& reading) const
 {
+  for (const Column needed : reading.needed)
+    if (const TableColumn* const column = reading.fields.at(static_cast<std::size_t>(needed)))
+      if (!isFilled(*column))
+        return false;
   for (std::size_t i = 0; i < reading.fields.size(); ++i)
     if (reading.fields.at(i) && static_cast<Column>(i) != Column::Confidence && isFilled(*reading.fields.at(i)))
       return true;

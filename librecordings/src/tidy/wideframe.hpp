@@ -32,6 +32,7 @@ private:
   {
     std::string name;
     bool ofPerson = true;
+    std::vector<TidyColumn> needed;
     std::array<const TableColumn*, tidyColumnCount> fields{};
   };
 

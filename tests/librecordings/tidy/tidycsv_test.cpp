@@ -255,6 +255,14 @@ struct BadTidyCase
   const char* error;  // behind the name of the file
 };
 
+TEST_F(TidyCsv, TakesNumbersALittleBeyondTheirRange)
+{
+  const support::Contents found =
+      read("time,reading,value,yaw,pitch\n0,smile,1.2,,\n0,gaze,,190,-181\n0,distance,-0.1,,\n");
+  EXPECT_EQ("", found.fatal);
+  EXPECT_THAT(found.badLines, testing::IsEmpty());
+}
+
 class BadTidyCsv : public TidyCsv, public ::testing::WithParamInterface<BadTidyCase>
 {};
 
@@ -282,6 +290,34 @@ INSTANTIATE_TEST_SUITE_P(
                     "2: time: expected a number, found 'soon'"},
         BadTidyCase{"TimeBeyondTheClock", "time,reading,value\n1e11,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found '1e11'"},
+        BadTidyCase{"Nanoseconds", "time,reading,value\n1577836800000000000,smile,1\n",
+                    "2: time: expected seconds, from the start of the recording or since 1970, found "
+                    "'1577836800000000000'; it looks like nanoseconds since 1970: divide it by 1e9"},
+        BadTidyCase{"Microseconds", "time,reading,value\n1577836800000000,smile,1\n",
+                    "2: time: expected seconds, from the start of the recording or since 1970, found "
+                    "'1577836800000000'; it looks like microseconds since 1970: divide it by 1e6"},
+        BadTidyCase{"Milliseconds", "time,reading,value\n1577836800000,smile,1\n",
+                    "2: time: expected seconds, from the start of the recording or since 1970, found "
+                    "'1577836800000'; it looks like milliseconds since 1970: divide it by 1000"},
+        BadTidyCase{
+            "NanosecondsFromTheStart", "time,reading,value\n0,smile,1\n33333333,smile,1\n",
+            "3: time: is more than 11 days after the row before: expected seconds, these may be milliseconds or "
+            "nanoseconds"},
+        BadTidyCase{
+            "Percent", "time,reading,value\n0,expressions.joy,80\n",
+            "2: value: expressions.joy of 80 is far from its range, 0 to 1; it looks like percent: divide it by "
+            "100"},
+        BadTidyCase{
+            "ConfidenceInPercent", "time,reading,value,confidence\n0,smile,0.5,95\n",
+            "2: confidence: smile of 95 is far from its range, 0 to 1; it looks like percent: divide it by 100"},
+        BadTidyCase{"Byte", "time,reading,value\n0,smile,200\n",
+                    "2: value: smile of 200 is far from its range, 0 to 1; it looks like a byte: divide it by 255"},
+        BadTidyCase{
+            "Millimetres", "time,reading,value\n0,distance,900\n",
+            "2: value: distance of 900 is far from its range, 0 to 100 m; it looks like millimetres: divide it by "
+            "1000"},
+        BadTidyCase{"NoAngle", "time,reading,yaw,pitch\n0,gaze,3600,0\n",
+                    "2: yaw: gaze of 3600 is far from its range, -180 to 180 deg"},
         BadTidyCase{"TimeBackwards", "time,reading,value\n1,smile,1\n0.5,smile,1\n",
                     "3: time: time runs backwards, expected the rows in the order of their times"},
         BadTidyCase{"TwoKindsOfTime", "time,reading,value\n1,smile,1\n1700000000,smile,1\n",

@@ -30,6 +30,8 @@ struct SKEIGIOT_API Format
   ///
   /// \throws Error if it cannot be read.
   std::unique_ptr<Reader> (*read)(InputFile file, const ReadingOptions& options);
+
+  bool isTable = false;  ///< its files are tables, so that a Table may be of this format
 };
 
 }  // namespace KV::recordings

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/reader.hpp>
+#include <skeigiot/recordings/readingoptions.hpp>
 #include <skeigiot/recordings/tablecolumn.hpp>
 
 #include <cstddef>
@@ -31,5 +32,18 @@ struct SKEIGIOT_API Table
 ///
 /// \throws Error if there is no row, no time or no reading.
 SKEIGIOT_API std::unique_ptr<Reader> openTable(const Table& table);
+
+/// Opens a table of readings, or one with the columns of a front end's CSV file: what a program got that has read one.
+///
+/// A table with times and at least one reading is a table of readings, whatever the format.
+///
+/// \param format  name of the format; empty to detect it by the names of the columns.
+/// \throws Error if there is no row, no time or no reading, or the format is none of tables. Errors name rows, counted
+///   from 0.
+SKEIGIOT_API std::unique_ptr<Reader> openTable(const Table& table, const std::string& format,
+                                               const ReadingOptions& options);
+
+/// Returns the names of all columns that a table of readings may have, besides "time" and "person".
+SKEIGIOT_API std::vector<std::string> tableColumns();
 
 }  // namespace KV::recordings
