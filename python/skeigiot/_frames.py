@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 import datetime
+import difflib
+import re
 from collections.abc import Mapping
 from typing import Any, Iterable, List, Optional, Tuple, Union
 
@@ -11,12 +13,16 @@ import numpy.typing as npt
 
 from . import _skeigiot
 from ._result import RecordingError
+from ._settings import expect_text
 
 PackedColumn = Tuple[str, Union["npt.NDArray[np.float64]", List[str]]]
 PackedFrame = Tuple[str, int, Optional["npt.NDArray[np.int64]"], List[PackedColumn]]
 
-_LEAST_NANOSECONDS = 10**12
-"""What is less counts seconds: as nanoseconds since 1970 it would be within the first 17 minutes of that year."""
+_LEAST_NANOSECONDS = 946_684_800 * 10**9
+"""Whole numbers from here on count nanoseconds since 1970: this is the year 2000. Smaller ones are taken for seconds."""
+
+_TELLING_ROWS = 20
+"""So many rows in steps of whole numbers are no chance."""
 
 
 def is_frame(source: Any) -> bool:
@@ -31,6 +37,8 @@ def pack(frame: Any, name: str) -> PackedFrame:
     Raises ValueError if this is no table, or its times are not such.
     """
     columns = _columns_of(frame)
+    for column, _ in columns:
+        expect_text(f"{name}: a column", column)
     lengths = {len(values) for _, values in columns}
     if len(lengths) > 1:
         raise ValueError(f"{name}: the columns are not of one length")
@@ -44,8 +52,56 @@ def pack(frame: Any, name: str) -> PackedFrame:
             moments = _moments_of(values, name)
             if moments is not None:
                 continue
-        packed.append((column, _plain(values)))
+            values = _seconds_of(values, name)
+        packed.append((column, _plain(values, f"{name}: {column}")))
     return name, rows, moments, packed
+
+
+def notes_on(packed: PackedFrame) -> List[str]:
+    """Returns what may be wrong with a frame, and does not keep it from being read."""
+    name, _, _, columns = packed
+    times = next((values for column, values in columns if column == "time"), None)
+    if not isinstance(times, np.ndarray) or len(times) < _TELLING_ROWS:
+        return []
+    steps = np.diff(np.unique(times))
+    if len(steps) < _TELLING_ROWS - 1 or np.median(steps) < 10 or not np.all(times == np.floor(times)):
+        return []
+    hours = (times[-1] - times[0]) / 3600
+    return [
+        f"{name}: time is read as seconds, so it lasts {hours:.1f} hours; if these are milliseconds, divide them by 1000"
+    ]
+
+
+def with_nearest(text: str) -> str:
+    """Returns a text of the library on columns that are not read, with the names that they may be meant to have."""
+    head, separator, rest = text.partition(_NOT_READ)
+    if not separator:
+        return text
+    return head + separator + ", ".join(_with_nearest(column) for column in rest.split(", "))
+
+
+def explained(error: RecordingError, frames: Iterable[PackedFrame]) -> RecordingError:
+    """Returns an error on the columns of a frame with the columns that there are, and what they may be meant to be."""
+    for name, _, _, columns in frames:
+        if str(error).startswith((f"{name}: there is no column time", f"{name}: no column is a reading")):
+            shown = [_with_nearest(column) for column, _ in columns[:_SHOWN_COLUMNS]]
+            more = "" if len(columns) <= _SHOWN_COLUMNS else f" and {len(columns) - _SHOWN_COLUMNS} more"
+            text = f"{error}; the columns are {', '.join(shown)}{more}" if columns else str(error)
+            return RecordingError(text, error.file or "", error.line or 0, error.field or "")
+    return error
+
+
+_SHOWN_COLUMNS = 8
+_NOT_READ = "columns that are not read: "
+_NAMES_OF_COLUMNS = {re.sub("[^a-z0-9]", "", column.lower()): column for column in _skeigiot._columns}
+
+
+def _with_nearest(column: str) -> str:
+    if column in _skeigiot._columns or column in ("time", "person"):
+        return column
+    plain = re.sub("[^a-z0-9]", "", column.lower())
+    near = difflib.get_close_matches(plain, _NAMES_OF_COLUMNS, n=1, cutoff=0.75)
+    return f"{column} (do you mean {_NAMES_OF_COLUMNS[near[0]]}?)" if near else column
 
 
 def _columns_of(frame: Any) -> List[Tuple[str, Any]]:
@@ -74,14 +130,17 @@ def _array_of(values: Any) -> npt.NDArray[Any]:
     return array  # type: ignore[no-any-return]
 
 
-def _plain(values: npt.NDArray[Any]) -> Union[npt.NDArray[np.float64], List[str]]:
+def _plain(values: npt.NDArray[Any], place: str) -> Union[npt.NDArray[np.float64], List[str]]:
     if values.dtype.kind in "biuf":
         return np.ascontiguousarray(values, dtype=np.float64)
-    return ["" if value is None else str(value) for value in values.tolist()]
+    texts = ["" if value is None else str(value) for value in values.tolist()]
+    for text in set(texts):
+        expect_text(place, text)
+    return texts
 
 
 def _moments_of(times: npt.NDArray[Any], name: str) -> Optional[npt.NDArray[np.int64]]:
-    """Returns nanoseconds since 1970, or None if the times are in seconds."""
+    """Returns nanoseconds since 1970, or None if the times are in seconds or since the start."""
     if times.dtype.kind == "M":
         return _nanoseconds(times, name)
     if times.dtype.kind in "iu":
@@ -89,6 +148,21 @@ def _moments_of(times: npt.NDArray[Any], name: str) -> Optional[npt.NDArray[np.i
     if times.dtype.kind == "O" and isinstance(times[0], datetime.datetime):
         return np.array(list(_from_datetimes(times, name)), dtype=np.int64)
     return None
+
+
+def _seconds_of(times: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
+    """Returns times since the start in seconds; others stay as they are."""
+    if times.dtype.kind == "O" and isinstance(times[0], datetime.timedelta):
+        strange = next((row for row, time in enumerate(times) if not isinstance(time, datetime.timedelta)), None)
+        if strange is not None:
+            raise _bad_time(f"{name}, row {strange}", f"expected a timedelta, found {times[strange]!r}")
+        times = times.astype("timedelta64[ns]")
+    if times.dtype.kind != "m":
+        return times
+    missing = np.flatnonzero(np.isnat(times))
+    if missing.size > 0:
+        raise _bad_time(f"{name}, row {missing[0]}", "is missing")
+    return times.astype("timedelta64[ns]").astype(np.int64) / 1e9
 
 
 def _nanoseconds(times: npt.NDArray[Any], name: str) -> npt.NDArray[np.int64]:

@@ -8,10 +8,10 @@ import os
 import warnings
 from collections.abc import Callable, Iterable, Mapping, Sequence
 from dataclasses import dataclass, field
-from typing import TYPE_CHECKING, Any, List, Optional, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple, Union
 
 from . import _skeigiot
-from ._frames import PackedFrame, is_frame, pack
+from ._frames import PackedFrame, explained, is_frame, notes_on, pack, with_nearest
 from ._result import RecordingWarning, Replay
 from ._settings import Path, Settings, existing, nanoseconds
 
@@ -42,16 +42,18 @@ class _ReplayOne(Settings):
     The recording is a file, a bag of ROS 2, a frame, or a list of those: inputs of one session, merged by time; what
     the others tell joins the next step of the first about the same person.
 
-    A frame is a pandas frame or a dict of columns of one length. It has a column time: seconds from the start or since
-    1970 (numbers), nanoseconds since 1970 (integers from 1e12 on), aware datetimes, or NumPy's datetime64, which is
-    UTC. Each row is an observation of the person whose number is in the column person; without that column, of person 0.
+    A frame is a pandas frame or a dict of columns of one length. What was read from a front end's file, as by
+    pandas.read_csv("openface.csv"), is taken as that file would be. A frame of readings has a column time: seconds from
+    the start or since 1970 (numbers), nanoseconds since 1970 (integers, from the year 2000 on), timedeltas from the
+    start, aware datetimes, or NumPy's datetime64, which is UTC. Each row is an observation of the person whose number is in the column person; without that column, of person 0.
     The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
     headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
-    seen, which is false where the person was not observed. NaN, None and empty texts are unknown. A row without a
+    seen, which is false where the person was not observed. NaN, None and empty texts are unknown: a reading that lacks
+    one of its parts is unknown in that row. Numbers that are far from their range, such as percent, are refused. A row without a
     person can tell of the room (ambiance.activity, ambiance.movements) and scopes (start, start.samples, stop). A frame
     with a column reading is one of tidy CSV itself: a reading in each row.
 
-    format: the format of the files, found out if not given; see FORMATS
+    format: the format of the files, and of frames that are not of readings; found out if not given, see FORMATS
     explain: also keep every force that moved an estimate
     cycle: updates of a person in a second, above 0 and up to 1000; what is observed in between is remembered at its own
         time. "recorded": update with each row or step
@@ -91,8 +93,14 @@ class _ReplayOne(Settings):
     def run(self) -> Replay:
         inputs = _inputs(_sources_of(self.recording), self.offsets or {})
         result = Replay(_skeigiot._replay(inputs, self.packed()))
+        frames = [source for source, _ in inputs if not isinstance(source, bytes)]
+        if frames:
+            notes = [note for frame in frames for note in notes_on(frame)]
+            result.warnings = [*map(with_nearest, result.warnings), *notes]
         _warn(result.warnings)
         if result.error is not None:
+            result.error = explained(result.error, frames)
+            result.error.replay = result
             raise result.error
         return result
 
@@ -123,8 +131,7 @@ class _ReplayAll(Settings):
         notes, outcomes = _skeigiot._replayAll([existing(path) for path in paths], _jobs(self.jobs), self.packed())
         _warn(notes)
         results = [Replay(outcome) for outcome in outcomes]
-        for result in results:
-            _warn(f"{result.name}: {text}" for text in result.warnings)
+        _warn(_joined_warnings(results))
         return results
 
 
@@ -201,6 +208,19 @@ def _jobs(jobs: Optional[int]) -> int:
     return jobs
 
 
+def _joined_warnings(results: Iterable[Replay]) -> List[str]:
+    """Returns each text once, with the recordings that it is about."""
+    about: Dict[str, List[str]] = {}
+    for result in results:
+        for text in dict.fromkeys(result.warnings):
+            about.setdefault(text, []).append(result.name)
+    return [_about(names) + text for text, names in about.items()]
+
+
+def _about(names: Sequence[str]) -> str:
+    return f"{names[0]}: " if len(names) == 1 else f"{names[0]} and {len(names) - 1} more recordings: "
+
+
 def _warn(texts: Iterable[str]) -> None:
-    for text in texts:
+    for text in dict.fromkeys(texts):
         warnings.warn(text, RecordingWarning, stacklevel=_CALLER)

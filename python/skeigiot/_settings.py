@@ -70,6 +70,7 @@ class ReadingSettings:
 
     def _expect_ranges(self) -> None:
         fps, height, scale = self.fps, self.camera_height, self.au_full_scale
+        expect_text("person_from", self.person_from or "")
         if self.format is not None and self.format not in FORMATS:
             raise ValueError(f"format: there is none named {self.format!r}; expected one of: {', '.join(FORMATS)}")
         if fps is not None:
@@ -106,6 +107,16 @@ def nanoseconds(name: str, seconds: float) -> int:
     return round(seconds * 1e9)
 
 
+def expect_text(name: str, text: str) -> None:
+    """Raises ValueError if the text has half a surrogate pair, which no file can hold."""
+    try:
+        text.encode()
+    except UnicodeEncodeError:
+        raise ValueError(
+            f"{name}: {text!r} has half a surrogate pair, so it is no text that can be written"
+        ) from None
+
+
 def _expect(name: str, value: float, is_so: bool, expected: str) -> None:
     if not is_so:
         raise ValueError(f"{name}: expected {expected}, got {value!r}")
@@ -122,6 +133,7 @@ def _boundary(name: str) -> str:
 
 
 def _scope(name: str, span: Span) -> Tuple[str, int, Optional[int]]:
+    expect_text("scopes", name)
     start, stop = span
     begin = 0 if start is None else nanoseconds("scopes", start)
     end = None if stop is None else nanoseconds("scopes", stop)

@@ -6,6 +6,7 @@
 
 #include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/recordings/labels.hpp>
+#include <skeigiot/recordings/table.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
 #include <skeigiot/session/boundary.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
@@ -172,6 +173,11 @@ py::dict dictOf(ReplayOutcome& outcome)
   dict["error"] = errorOf(outcome.error, outcome.hint);
   dict["verdicts"] = verdicts;
   dict["updates"] = outcome.tables.updates.take();
+  dict["known"] = outcome.tables.known.take();
+  py::dict boundaries;
+  boundaries["looking_at_robot"] = outcome.lookingAtRobot;
+  boundaries["strictly_looking_at_robot"] = outcome.strictlyLookingAtRobot;
+  dict["boundaries"] = boundaries;
   dict["forces"] = outcome.tables.forces.take();
   dict["zone_changes"] = outcome.tables.zoneChanges.take();
   dict["ambiance"] = outcome.tables.ambiance.take();
@@ -432,6 +438,7 @@ void bindReplay(py::module_& module)
   for (const KV::recordings::Format& format : KV::recordings::recordingFormats())
     formats.append(format.name);
   module.attr("_formats") = py::tuple(formats);
+  module.attr("_columns") = py::tuple(py::cast(KV::recordings::tableColumns()));
   py::list boundaries;
   for (const KV::session::Boundary& boundary : KV::session::boundaries())
     boundaries.append(boundary.option);

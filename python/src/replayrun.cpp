@@ -2,6 +2,7 @@
 
 #include "silencedlog.hpp"
 
+#include <skeigiot/personstate.hpp>
 #include <skeigiot/session/player.hpp>
 
 #include <array>
@@ -21,7 +22,7 @@ std::unique_ptr<KV::recordings::Reader> open(const ReplayRequest& request)
                                   [&request](const std::string& path) -> std::unique_ptr<KV::recordings::Reader> {
                                     const auto frame = request.frames.find(path);
                                     if (frame != request.frames.end())
-                                      return KV::recordings::openTable(frame->second);
+                                      return KV::recordings::openTable(frame->second, request.format, request.reading);
                                     return KV::recordings::openRecording(path, request.format, request.reading);
                                   });
 }
@@ -89,6 +90,8 @@ ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& 
   ReplayRecord record(request.number, request.explain, tables);
   ReplayOutcome result = play(request, {&record}, check);
   result.tables = std::move(tables);
+  result.lookingAtRobot = KV::PersonState::getBinaryBoundaryLookingAtRobot();
+  result.strictlyLookingAtRobot = KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot();
   return result;
 }
 

@@ -226,6 +226,18 @@ def test_replays_folders_with_any_number_of_jobs(greeting, written, tmp_path):
         assert_same_as_export(joined, export)
 
 
+def test_warns_once_of_what_is_the_same_in_several_recordings(written):
+    paths = [written("time,person,reading,value,note\n0,1,smile,0.5,x\n", f"{name}.csv") for name in "abc"]
+    with pytest.warns(skeigiot.RecordingWarning) as caught:
+        results = skeigiot.replay_all(paths)
+    assert [str(warning.message) for warning in caught] == [
+        f"{paths[0]} and 2 more recordings: columns that are not read: note"
+    ]
+    assert all(result.warnings == ["columns that are not read: note"] for result in results)
+    with pytest.warns(skeigiot.RecordingWarning, match=f"^{paths[1]}: columns"):
+        skeigiot.replay_all(paths[1:2])
+
+
 def test_goes_on_with_the_other_recordings_behind_a_bad_one(written):
     bad = written(recordings.OPENFACE.replace("2, 0, 0.033", "2, 0, later"), "bad.csv")
     good = written(recordings.TIDY, "good.csv")
@@ -337,6 +349,8 @@ def test_has_the_errors_of_python_for_what_is_not_there(tmp_path, greeting):
         ({"camera_height": float("inf")}, "camera_height: expected a number"),
         ({"scopes": {"early": (-1, 2)}}, "scopes: 'early'"),
         ({"scopes": {"backwards": (3, 2)}}, "scopes: 'backwards'"),
+        ({"scopes": {"\ud800": (0, 1)}}, "scopes: '\\ud800' has half a surrogate pair, so it is no text"),
+        ({"person_from": "\ud800"}, "person_from: '\\ud800' has half a surrogate pair"),
         ({"offsets": {"elsewhere.csv": 1}}, "offsets: there is no input 'elsewhere.csv'"),
     ],
 )

@@ -1,6 +1,7 @@
 """Replays of data frames."""
 
 import datetime
+import warnings
 
 import numpy as np
 import pandas
@@ -58,6 +59,97 @@ def test_takes_times_as_numbers_and_as_moments(greeting, columns, convert):
     times = np.array(columns["time"], dtype=np.int64)
     frame = dict(columns, time=convert(times))
     assert_same_updates(skeigiot.replay(frame).updates, skeigiot.replay(greeting).updates)
+
+
+@pytest.mark.parametrize(
+    "convert",
+    [
+        lambda seconds: pandas.to_timedelta(seconds, unit="s"),
+        lambda seconds: pandas.Series(pandas.to_timedelta(seconds, unit="s")),
+        lambda seconds: (np.array(seconds) * 1000).astype("timedelta64[ms]"),
+        lambda seconds: [datetime.timedelta(seconds=second) for second in seconds],
+    ],
+    ids=["index", "series", "timedelta64", "timedelta"],
+)
+def test_takes_times_since_the_start_as_timedeltas(convert):
+    seconds = [0.0, 0.5, 2.25]
+    plain = skeigiot.replay({"time": seconds, "smile": [0.5, 0.6, 0.7]})
+    assert_same_updates(skeigiot.replay({"time": convert(seconds), "smile": [0.5, 0.6, 0.7]}).updates, plain.updates)
+
+
+def test_warns_of_times_that_may_be_milliseconds():
+    time = np.arange(30) * 33
+    with pytest.warns(skeigiot.RecordingWarning, match="frame: time is read as seconds, so it lasts 0.3 hours; if these"):
+        result = skeigiot.replay({"time": time, "smile": np.full(30, 0.5)})
+    assert result.length == 957
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        skeigiot.replay({"time": time / 1000, "smile": np.full(30, 0.5)})
+
+
+def test_a_part_that_is_missing_makes_one_reading_unknown():
+    rows = {"time": [0.0, 0.1, 0.2], "headPosture.yaw": [1.0, 1.0, 1.0], "headPosture.pitch": [1.0, None, np.nan]}
+    rows["headPosture.roll"] = [0.0, 0.0, 0.0]
+    rows["smile"] = [0.5, 0.5, 0.5]
+    without = {name: [column[0], None, None] if name.startswith("head") else column for name, column in rows.items()}
+    result = skeigiot.replay(rows)
+    assert result.updates["seen"].all() and not result.warnings
+    assert_same_updates(result.updates, skeigiot.replay(without).updates)
+
+
+FRONT_ENDS = ["arkit/livelinkface_apfel.csv.gz", "openface/livetalking_au.csv.gz", "pyfeat/news_002.csv.gz"]
+
+
+@pytest.mark.parametrize("name", FRONT_ENDS)
+@pytest.mark.parametrize("named", [False, True], ids=["detected", "named"])
+def test_a_frame_of_a_front_end_gives_the_same_as_its_file(name, named):
+    path = recordings.REAL / name
+    if not path.exists():
+        pytest.skip(f"there is no {name} among the real recordings")
+    format_of = {"arkit": "livelink", "openface": "openface", "pyfeat": "pyfeat"}[name.split("/")[0]]
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore", skeigiot.RecordingWarning)
+        of_file = skeigiot.replay(path)
+        frame = pandas.read_csv(path, skipinitialspace=True)
+        of_frame = skeigiot.replay(frame, **({"format": format_of} if named else {}))
+    assert_same_updates(of_frame.updates, of_file.updates)
+    assert of_frame.description == of_file.description
+
+
+@pytest.mark.parametrize("dtype", [None, str, "float32"], ids=["numbers", "texts", "float32"])
+def test_a_frame_of_openface_is_read_as_the_file(tmp_path, dtype):
+    path = tmp_path / "face.csv"
+    path.write_text(recordings.OPENFACE)
+    of_frame = skeigiot.replay(pandas.read_csv(path, skipinitialspace=True, dtype=dtype), format="openface", mirrored=True)
+    of_file = skeigiot.replay(path, mirrored=True)
+    assert of_frame.updates["time"].tolist() == pytest.approx(of_file.updates["time"].tolist(), abs=1e-6)
+    if dtype != "float32":
+        assert_same_updates(of_frame.updates, of_file.updates)
+    voice = {"time": [0.0], "asrEmotion": [-1]}
+    merged = skeigiot.replay([pandas.read_csv(path, skipinitialspace=True), voice], format="openface")
+    assert (merged.updates["valence"] != of_file.updates["valence"]).any()
+
+
+def test_errors_in_a_frame_of_a_front_end_name_its_row(tmp_path):
+    path = tmp_path / "face.csv"
+    path.write_text(recordings.OPENFACE.replace("2, 0, 0.033", "2, 0, later"))
+    frame = pandas.read_csv(path, skipinitialspace=True)
+    with pytest.raises(skeigiot.RecordingError) as caught:
+        skeigiot.replay(frame)
+    assert str(caught.value) == "frame, row 2: timestamp: expected a number, found 'later'"
+    assert (caught.value.file, caught.value.line, caught.value.field) == ("frame, row 2", None, "timestamp")
+    with pytest.warns(skeigiot.RecordingWarning, match="skipped 1 bad line, the first: frame, row 2: timestamp"):
+        skeigiot.replay(frame, skip_bad=True)
+
+
+def test_a_frame_cannot_be_of_a_format_that_is_no_table():
+    with pytest.raises(skeigiot.RecordingError, match="frame: a table cannot be of the format jsonl, JSON Lines"):
+        skeigiot.replay({"frame": [1, 2], "AU12_r": [1, 1]}, format="jsonl")
+
+
+def test_names_what_is_near_where_no_column_is_a_reading():
+    with pytest.raises(skeigiot.RecordingError, match=r"the columns are time, gaze_yaw \(do you mean gaze.yaw\?\)$"):
+        skeigiot.replay({"time": [0], "gaze_yaw": [1]})
 
 
 def test_takes_the_times_from_the_index(greeting, columns):
@@ -121,15 +213,16 @@ def test_merges_a_frame_with_a_file(tmp_path):
 
 
 def test_warns_of_columns_that_are_not_read():
-    with pytest.warns(skeigiot.RecordingWarning, match="columns that are not read: smlie, gaze"):
-        skeigiot.replay({"time": [0.0], "smile": [0.5], "smlie": [0.5], "gaze": [1.0]})
+    with pytest.warns(skeigiot.RecordingWarning) as caught:
+        result = skeigiot.replay({"time": [0.0], "smile": [0.5], "smlie": [0.5], "gaze_yaw": [1.0], "hat": [1.0]})
+    text = "columns that are not read: smlie (do you mean smile?), gaze_yaw (do you mean gaze.yaw?), hat"
+    assert [str(warning.message) for warning in caught] == result.warnings == [text]
 
 
 @pytest.mark.parametrize(
     "frame, message",
     [
         ({"time": [0, 1], "smile": [0.5, "much"]}, "frame, row 1: smile: expected a number, found 'much'"),
-        ({"time": [0, 1], "gaze.yaw": [1, 1], "gaze.pitch": [1, None]}, "frame, row 1: gaze.pitch: is missing"),
         ({"time": [0, 1], "gaze.yaw": [1, 1]}, "frame, row 0: gaze.pitch: is missing"),
         ({"time": [1, 0], "smile": [0.5, 0.5]}, "frame, row 1: time: time runs backwards"),
         ({"time": [0, 0], "smile": [0.5, 0.5]}, "frame, row 1: smile: smile is there twice at this time"),
@@ -139,8 +232,25 @@ def test_warns_of_columns_that_are_not_read():
         ({"time": [0, 1], "speaking": [True, "maybe"]}, "frame, row 1: speaking: expected true or false"),
         ({"time": [0, 1], "distance": [1.0, np.inf]}, "frame, row 1: distance: expected a number, found 'inf'"),
         ({"time": [0, 1], "reading": ["smile", "smlie"], "value": [1, 1]}, "frame, row 1: reading: there is no reading"),
-        ({"smile": [0.5, 0.5]}, "frame: there is no column time"),
+        ({"smile": [0.5, 0.5]}, "frame: there is no column time; the columns are smile"),
         ({"time": [0, 1], "smlie": [0.5, 0.5]}, "frame: no column is a reading, such as 'smile'"),
+        ({"time": [0, 1], "expressions.joy": [0.5, 80]}, "frame, row 1: expressions.joy: 80 is far"),
+        ({"time": [0, 1], "smile": [50, 0.5]}, "frame, row 0: smile: 50 is far from its range, 0 to 1; it looks"),
+        (
+            {"time": [0], "smile": [0.5], "smile.confidence": [95]},
+            "frame, row 0: smile.confidence: 95 is far from its range, 0 to 1; it looks like percent: divide",
+        ),
+        ({"time": [0], "distance": [900]}, "frame, row 0: distance: 900 is far from its range, 0 to 100 m; it"),
+        ({"time": [0], "reading": ["smile"], "value": [50]}, "frame, row 0: value: smile of 50 is far from its range"),
+        (
+            {"time": np.array([1577836800000, 1577836800033]), "smile": [0.5, 0.5]},
+            "frame, row 0: time: expected seconds, from the start of the recording or since 1970, found "
+            "'1577836800000'; it looks like milliseconds since 1970",
+        ),
+        ({"time": [1577836800e9], "smile": [0.5]}, "frame, row 0: time: expected seconds, from the start of the record"),
+        ({"time": [0, 33333333], "smile": [0.5, 0.5]}, "frame, row 1: time: is more than 11 days after the row before"),
+        ({"time": np.array([0, "NaT"], dtype="m8[s]"), "smile": [0.5, 0.5]}, "frame, row 1: time: is missing"),
+        ({"time": [datetime.timedelta(0), 1], "smile": [0.5, 0.5]}, "frame, row 1: time: expected a timedelta, found 1"),
         ({"time": np.array([0, "NaT"], dtype="datetime64[s]"), "smile": [0.5, 0.5]}, "frame, row 1: time: is missing"),
     ],
 )
@@ -159,6 +269,8 @@ def test_says_where_a_frame_is_bad(frame, message):
     [
         ({"time": [], "smile": []}, "frame: there is no row"),
         ({}, "frame: there is no row"),
+        ({"time": [0], "smile": [0.5], "\ud800": [1]}, r"frame: a column: '\\ud800' has half a surrogate pair"),
+        ({"time": [0], "start": ["\ud800"]}, r"frame: start: '\\ud800' has half a surrogate pair"),
         ({"time": [0, 1], "smile": [0.5]}, "frame: the columns are not of one length"),
         ({"time": [0, 1], "smile": [[0.5], [0.5]]}, "a column is a list of single values"),
         (pandas.DataFrame([[0, 0.5, 0.6]], columns=["time", "smile", "smile"]), "two columns of one name"),
