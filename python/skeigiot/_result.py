@@ -2,15 +2,18 @@
 
 from __future__ import annotations
 
-from collections.abc import Mapping
+from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
+from . import _html, _plot, _summary
+
 if TYPE_CHECKING:
     import pandas  # type: ignore[import]
+    from matplotlib.figure import Figure  # type: ignore[import]
 
 
 class RecordingError(ValueError):
@@ -55,6 +58,9 @@ class Columns(Dict[str, "npt.NDArray[Any]"]):
         if "clock" in self:
             frame["clock"] = frame["clock"].dt.tz_localize("UTC")
         return frame
+
+    def _repr_html_(self) -> str:
+        return _html.of_columns(self)
 
 
 @dataclass(frozen=True)
@@ -103,7 +109,9 @@ class Replay:
     - valence_known, attention_known: False where nothing told of it so far; the numbers then mean nothing, so leave
       them out of means: updates["valence"][updates["valence_known"]].mean()
 
-    persons has the rows of each person, by the number of the person.
+    persons has the rows of each person, by the number of the person. known tells for each row of updates whether the
+    estimates mean anything, in the columns valence, attention and ease: one that never had evidence, or whose confidence
+    is 0, is unknown. Leave it out of means.
 
     With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
     update in updates), person, time, source (such as "Touch emotion"), quantity ("valence", "attention confidence",
@@ -124,6 +132,8 @@ class Replay:
         self.learned: List[str] = outcome["learned"]
         self.warnings: List[str] = outcome["warnings"]
         self.updates = _timed(_columns(outcome["updates"]))
+        self.known = _columns(outcome["known"])
+        self._boundaries: Dict[str, float] = outcome["boundaries"]
         self.forces = self._with_persons(_columns(outcome["forces"]))
         self.zone_changes = self._with_persons(_columns(outcome["zone_changes"]))
         self.ambiance = _timed(_columns(outcome["ambiance"]))
@@ -137,6 +147,38 @@ class Replay:
     def to_pandas(self) -> pandas.DataFrame:
         """Returns the updates as a pandas frame. Raises ImportError if there is no pandas."""
         return self.updates.to_pandas()
+
+    def title_of(self, person: int) -> str:
+        """Returns what to call a person in titles."""
+        return f"Person {person}"
+
+    def summary(self) -> pandas.DataFrame:
+        """Returns what the recording showed on the whole, as a pandas frame with a row for each person and scope, by
+        their start, longer scopes first: "whole recording" is the first of each person.
+
+        Means and shares are over time. valence, attention and their confidences are means over the time in which the
+        estimate was known, NaN if it never was; valence_known and attention_known are the shares of that time. engaged
+        and strictly_engaged are the shares in which the person was seen with an attention from the boundaries
+        looking_at_robot and strictly_looking_at_robot on. zone_... are shares in which the person was seen and looked
+        there, pleasure_... shares with that mood, seen or not. verdict and updates are those of verdicts; first and
+        last are the times of the first and the last update in the scope. Raises ImportError if there is no pandas.
+        """
+        import pandas
+
+        return pandas.DataFrame(_summary.rows_of(self, self._boundaries))
+
+    def plot(self, persons: Optional[Iterable[int]] = None) -> Figure:
+        """Draws valence and attention of each person over time, in bands that are wider the less sure the estimate is,
+        and ribbons of the scopes, zones and pleasure; returns the figure of matplotlib.
+
+        persons: whom to draw; not given, all persons, or of many those with the most updates. What is unknown is not
+        drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(), or
+        pyplot.show(). Raises ImportError if there is no matplotlib, ValueError for a person who is not there.
+        """
+        return _plot.draw(self, persons)
+
+    def _repr_html_(self) -> str:
+        return _html.of_replay(self)
 
     def __repr__(self) -> str:
         return f"<Replay of {self.name}: {self.updates.rows} updates of {len(self.persons)} persons, {self.length:g} s>"

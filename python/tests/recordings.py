@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
 
 import numpy as np
@@ -61,6 +62,13 @@ def command(*arguments, status=0):
     """Returns what the command writes."""
     run = subprocess.run([COMMAND, *map(str, arguments)], capture_output=True, text=True)
     assert run.returncode == status, run.stderr
+    return run.stdout
+
+
+def run_python(program, *arguments):
+    """Returns what a program of its own process writes; fails if it does not end."""
+    run = subprocess.run([sys.executable, "-c", program, *map(str, arguments)], capture_output=True, text=True, timeout=60)
+    assert run.returncode == 0, run.stderr
     return run.stdout
 
 

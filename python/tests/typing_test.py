@@ -9,7 +9,7 @@ TESTS = Path(__file__).parent
 PACKAGE = Path(os.environ["SKEIGIOT_PYTHON_PACKAGE"])
 
 PARTLY_TYPED = {
-    "agree_test.py", "ending_test.py", "pythonexamples_test.py", "replay_test.py", "replayframe_test.py",
+    "agree_test.py", "ending_test.py", "plot_test.py", "pythonexamples_test.py", "replay_test.py", "replayframe_test.py",
     "replaythreads_test.py",
 }  # fmt: skip
 

@@ -1,0 +1,169 @@
+"""Pictures and summaries of replays, and what notebooks show of them."""
+
+import sys
+
+import numpy as np
+import pytest
+
+import recordings
+import skeigiot
+
+matplotlib = pytest.importorskip("matplotlib")
+matplotlib.use("Agg")  # draws into files, without a screen
+from matplotlib import pyplot  # noqa: E402
+
+
+@pytest.fixture(scope="module")
+def greeting():
+    return skeigiot.replay(recordings.greeting(), scopes={"start <&>": (0, 20)})
+
+
+@pytest.fixture(autouse=True)
+def no_figure_stays_open():
+    yield
+    pyplot.close("all")
+
+
+def texts_of(axis):
+    return [text.get_text() for text in axis.texts]
+
+
+def labels_of(axis):
+    return [label.get_text() for label in axis.get_yticklabels()]
+
+
+def test_draws_both_estimates_and_the_states_of_each_person(greeting, tmp_path):
+    figure = greeting.plot()
+    assert [axis.get_ylabel() for axis in figure.axes] == ["valence", "attention", ""] * 2
+    assert [axis.get_title(loc="left") for axis in figure.axes[::3]] == ["Person 1", "Person 2"]
+    figure.savefig(tmp_path / "plot.png")
+    assert (tmp_path / "plot.png").read_bytes().startswith(b"\x89PNG")
+
+
+def test_the_line_is_the_estimate_and_the_band_is_wider_the_less_sure_it_is(greeting):
+    (valence, *_) = greeting.plot([1]).axes
+    (line,) = valence.lines
+    known = greeting.known["valence"] & (greeting.updates["person"] == 1)
+    drawn = line.get_ydata()
+    assert np.allclose(drawn[~np.isnan(drawn)], greeting.updates["valence"][known])
+    (band,) = valence.collections
+    corners = np.concatenate([path.vertices for path in band.get_paths()])
+    half = (1 - greeting.updates["valence_confidence"][known].astype(float)) / 2
+    widest = int(np.argmax(half))
+    value = float(greeting.updates["valence"][known][widest])
+    at_widest = corners[np.isclose(corners[:, 0], greeting.updates["time"][known][widest]), 1]
+    assert np.isclose(at_widest.max(), min(1, value + half[widest]))
+    assert np.isclose(at_widest.min(), max(-1, value - half[widest]))
+
+
+def test_ribbons_are_named_and_say_what_holds_where_there_is_room(greeting):
+    states = greeting.plot([1]).axes[2]
+    assert labels_of(states) == ["scopes", "", "zone", "pleasure", "hidden"]
+    texts = texts_of(states)
+    assert "at the robot" in texts and "positive" in texts and "not visible" in texts
+    assert any(text.startswith("conversation: ") for text in texts)
+
+
+def test_what_is_unknown_is_not_drawn():
+    replay = skeigiot.replay({"time": np.arange(30) / 10, "distance": np.full(30, 1.5)})
+    assert not replay.known["valence"].any()
+    valence, attention, _ = replay.plot().axes
+    assert texts_of(valence) == ["no data"] and not valence.lines and not valence.collections
+    assert "unknown" in replay._repr_html_()
+
+
+def test_no_line_leads_over_a_gap():
+    time = np.concatenate([np.arange(20) / 10, 60 + np.arange(20) / 10])
+    replay = skeigiot.replay({"time": time, "touchEmotion": np.ones(40)})
+    (line,) = replay.plot().axes[0].lines
+    assert np.isnan(line.get_ydata()[20])
+
+
+def test_a_recording_without_a_person_is_drawn_as_no_data(tmp_path):
+    replay = skeigiot.replay({"time": [0.0, 1.0], "ambiance.activity": [0.5, 0.5]})
+    assert texts_of(replay.plot().axes[0]) == ["no data"]
+
+
+def test_of_many_persons_those_with_the_most_updates_are_drawn():
+    persons = [person for person in range(12) for _ in range(person + 1)]
+    time = [step / 10 for person in range(12) for step in range(person + 1)]
+    order = np.argsort(time, kind="stable")
+    replay = skeigiot.replay(
+        {"time": np.array(time)[order], "person": np.array(persons)[order], "smile": np.full(len(time), 0.5)}
+    )
+    figure = replay.plot()
+    assert [axis.get_title(loc="left") for axis in figure.axes[::3]] == [f"Person {number}" for number in range(4, 12)]
+    assert figure._suptitle.get_text() == "frame (8 of 12 persons)"
+    assert [axis.get_title(loc="left") for axis in replay.plot([2]).axes[::3]] == ["Person 2"]
+    with pytest.raises(ValueError, match="persons: there is no person 99 in this recording"):
+        replay.plot([99])
+
+
+def test_says_what_is_missing_where_there_is_no_matplotlib(greeting, monkeypatch):
+    monkeypatch.setitem(sys.modules, "matplotlib.pyplot", None)
+    with pytest.raises(ImportError, match="plot.. needs matplotlib: install python3-matplotlib"):
+        greeting.plot()
+
+
+def test_matplotlib_is_imported_only_where_something_is_drawn():
+    assert recordings.run_python("import sys, skeigiot; print('matplotlib' in sys.modules)") == "False\n"
+
+
+def test_notebooks_show_what_is_in_a_replay(greeting):
+    html = greeting._repr_html_()
+    assert "980 updates of 2 persons" in html
+    assert "<td>Person 1</td>" in html and "<td>start &lt;&amp;&gt;</td>" in html
+    assert "<&>" not in html
+
+
+def test_notebooks_show_the_ends_of_a_table(greeting):
+    html = greeting.updates._repr_html_()
+    assert html.count("<tr>") == 1 + 5 + 1 + 5
+    assert "980 rows, 16 columns" in html
+    assert "<td>979</td>" in html and "<td>500</td>" not in html
+    assert skeigiot.Columns()._repr_html_() == "<p>0 rows, 0 columns</p>"
+
+
+def test_notebooks_show_the_estimates_of_a_state():
+    state = skeigiot.PersonState(0.5, 0.75, 0.25, 0.0)
+    html = state._repr_html_()
+    assert "<td>valence</td><td>+0.50</td><td>0.75</td>" in html
+    assert "<td>attention</td><td>unknown</td><td></td>" in html
+
+
+def test_a_summary_has_a_row_for_each_person_and_scope(greeting):
+    frame = greeting.summary()
+    assert frame[frame.person == 1].scope.tolist()[0] == "whole recording"
+    assert len(frame) == sum(len(verdict.persons) for verdict in greeting.verdicts)
+    verdicts = {(verdict.scope, person): word for verdict in greeting.verdicts for person, word in verdict.persons.items()}
+    assert len(verdicts) == len(frame)
+    for row in frame.itertuples():
+        assert (row.verdict, row.updates) == (verdicts[row.scope, row.person].word, verdicts[row.scope, row.person].updates)
+    assert frame.start.tolist() == frame.sort_values(["person", "start"], kind="stable").start.tolist()
+    shares = frame[[name for name in frame if name.startswith("pleasure_")]].sum(axis=1)
+    assert np.allclose(shares, 1)
+
+
+def test_a_summary_has_the_numbers_that_the_command_shows(greeting):
+    row = greeting.summary().iloc[0]
+    shown = recordings.command("replay", recordings.greeting()).split("Person 2")[0]
+    assert f"seen for {row.seen:.0%}".replace("%", " %") in shown
+    assert f"{row.valence:+.2f} on average, with confidence {row.valence_confidence:.2f}" in shown
+    assert f" {row.attention:.2f} on average, with confidence {row.attention_confidence:.2f}" in shown
+    assert f"{100 * row.engaged:.0f} % of the time (attention from 0.60), strictly {100 * row.strictly_engaged:.0f} %" in shown
+    assert f"LookingAtRobot {100 * row.zone_LookingAtRobot:.0f} %" in shown
+    assert f"positive {100 * row.pleasure_positive:.0f} %, neutral {100 * row.pleasure_neutral:.0f} %" in shown
+
+
+def test_a_summary_leaves_out_what_is_unknown():
+    replay = skeigiot.replay({"time": [0.0, 1.0, 2.0], "distance": [1.5, 1.5, 1.5]})
+    (row,) = replay.summary().itertuples()
+    assert np.isnan(row.valence) and np.isnan(row.valence_confidence) and row.valence_known == 0
+    assert row.updates == 3 and row.seen == 1 and (row.first, row.last) == (0.0, 2.0)
+
+
+def test_a_summary_of_boundaries_is_of_those_of_its_replay():
+    frame = {"time": np.arange(30) / 10, "gaze.yaw": np.zeros(30), "gaze.pitch": np.zeros(30)}
+    usual = skeigiot.replay(frame).summary().engaged[0]
+    strict = skeigiot.replay(frame, boundaries={"looking_at_robot": 0.999}).summary().engaged[0]
+    assert usual > 0.8 > strict
