@@ -77,8 +77,9 @@ def _estimate(estimate: Any, form: str, value: str = "value") -> List[str]:
 
 
 def _mean(replay: ShownReplay, number: int, quantity: str, form: str) -> str:
-    known = replay.known[quantity] & (replay.updates["person"] == number)
-    return format(float(replay.updates[quantity][known].mean()), form) if known.any() else "unknown"
+    updates = replay.persons[number]
+    known = updates[quantity + "_known"]
+    return format(float(updates[quantity][known].mean()), form) if known.any() else "unknown"
 
 
 def _verdicts(replay: ShownReplay) -> str:

@@ -130,7 +130,7 @@ def _draw_quantity(axis: Axes, replay: ShownReplay, number: int, quantity: str, 
     axis.grid(color=_GRID)
     axis.set_axisbelow(True)
     updates = replay.persons[number]
-    known = replay.known[quantity][replay.updates["person"] == number]
+    known = updates[quantity + "_known"]
     if not known.any():
         _say_no_data(axis)
         return

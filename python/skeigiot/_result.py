@@ -109,9 +109,7 @@ class Replay:
     - valence_known, attention_known: False where nothing told of it so far; the numbers then mean nothing, so leave
       them out of means: updates["valence"][updates["valence_known"]].mean()
 
-    persons has the rows of each person, by the number of the person. known tells for each row of updates whether the
-    estimates mean anything, in the columns valence, attention and ease: one that never had evidence, or whose confidence
-    is 0, is unknown. Leave it out of means.
+    persons has the rows of each person, by the number of the person.
 
     With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
     update in updates), person, time, source (such as "Touch emotion"), quantity ("valence", "attention confidence",
@@ -132,7 +130,6 @@ class Replay:
         self.learned: List[str] = outcome["learned"]
         self.warnings: List[str] = outcome["warnings"]
         self.updates = _timed(_columns(outcome["updates"]))
-        self.known = _columns(outcome["known"])
         self._boundaries: Dict[str, float] = outcome["boundaries"]
         self.forces = self._with_persons(_columns(outcome["forces"]))
         self.zone_changes = self._with_persons(_columns(outcome["zone_changes"]))

@@ -41,8 +41,7 @@ def _row(replay: ShownReplay, number: int, scope: ShownVerdict, boundaries: Mapp
     inside = (time >= scope.start) & (time <= scope.stop)
     held = np.where(inside, _held(time), 0.0)
     seen = np.where(updates["seen"], held, 0.0)
-    of_person = replay.updates["person"] == number
-    known = {quantity: np.where(replay.known[quantity][of_person], held, 0.0) for quantity in ("valence", "attention")}
+    known = {quantity: np.where(updates[quantity + "_known"], held, 0.0) for quantity in ("valence", "attention")}
     seen_and_known = np.where(updates["seen"], known["attention"], 0.0)
     verdict = scope.persons[number]
     row: Dict[str, Any] = {

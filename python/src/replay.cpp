@@ -173,7 +173,6 @@ py::dict dictOf(ReplayOutcome& outcome)
   dict["error"] = errorOf(outcome.error, outcome.hint);
   dict["verdicts"] = verdicts;
   dict["updates"] = outcome.tables.updates.take();
-  dict["known"] = outcome.tables.known.take();
   py::dict boundaries;
   boundaries["looking_at_robot"] = outcome.lookingAtRobot;
   boundaries["strictly_looking_at_robot"] = outcome.strictlyLookingAtRobot;

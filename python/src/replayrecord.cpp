@@ -42,11 +42,6 @@ void ReplayRecord::personUpdated(const KV::session::Snapshot& snapshot)
   _tables.updates.beginRow();
   KV::session::forEachExportedField(_recording, snapshot, _tables.updates);
   ++_updates;
-  Columns& known = _tables.known;
-  known.beginRow();
-  known("valence", snapshot.valence.confidence > 0.f);
-  known("attention", snapshot.attention.confidence > 0.f);
-  known("ease", snapshot.ease.confidence > 0.f);
 }
 
 void ReplayRecord::ambianceUpdated(float agitation, KV::ExcitationState excitation)

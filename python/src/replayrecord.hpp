@@ -15,7 +15,6 @@ namespace binding
 struct ReplayTables
 {
   Columns updates;
-  Columns known;        ///< whether the estimates of each update mean anything
   Columns forces;       ///< "row" is that of the update
   Columns zoneChanges;  ///< likewise
   Columns ambiance;

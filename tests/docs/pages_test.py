@@ -1,6 +1,7 @@
 """The pages that say how to start run as they stand."""
 
 import re
+import subprocess
 import tempfile
 import unittest
 from pathlib import Path
@@ -26,13 +27,18 @@ class Pages(unittest.TestCase):
 
     @unittest.skipUnless((BUILD / "python" / "skeigiot").exists(), "the Python module is not built")
     def test_python_in_the_readme(self):
-        recordings = re.findall(r"^```csv \S+\n.*?^```$", (ROOT / "docs" / "getting-started-command.md").read_text(),
-                                re.MULTILINE | re.DOTALL)
+        """As they run after the two commands, in a folder without a file."""
         program = re.search(r"^```python\n(.*?)^```$", (ROOT / "README.md").read_text(), re.MULTILINE | re.DOTALL)
-        page = [*recordings, f"```python readme.py\n{program.group(1)}print(len(frame) > 0)\n```",
-                "```console\n$ python3 readme.py\nTrue\n```"]
-        with tempfile.TemporaryDirectory() as work:
-            run_page("\n\n".join(page) + "\n", Surroundings(Path(work)))
+        with tempfile.TemporaryDirectory() as home, tempfile.TemporaryDirectory() as folder:
+            environment = {"HOME": home, "PATH": "/usr/bin:/bin", "MPLBACKEND": "Agg"}
+            found = subprocess.run([ROOT / "script" / "use-python", BUILD / "python", "/usr/bin/python3"], env=environment,
+                                   capture_output=True, text=True, check=True)
+            self.assertRegex(found.stdout, r"finds the module skeigiot now, from any folder: .*skeigiot\.pth says where")
+            done = subprocess.run(["/usr/bin/python3", "-c", program.group(1)], env=environment, cwd=folder,
+                                  capture_output=True, text=True, check=True)
+            self.assertEqual("", done.stderr)
+            self.assertIn("200 rows", done.stdout)
+            self.assertTrue((Path(folder) / "greeting.png").read_bytes().startswith(b"\x89PNG"))
 
 
 class Runner(unittest.TestCase):

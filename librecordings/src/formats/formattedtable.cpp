@@ -68,6 +68,7 @@ public:
   std::vector<std::string> describe() const override { return _reader->describe(); }
   std::vector<std::string> describeLearned() const override { return _reader->describeLearned(); }
   std::vector<std::string> takeWarnings() override { return _reader->takeWarnings(); }
+  bool isDated() const override { return _reader->isDated(); }
   Columns columns() const override { return _reader->columns(); }
   double progress() const override { return _text.progress(); }
 
