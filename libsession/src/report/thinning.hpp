@@ -13,7 +13,8 @@ namespace KV::session
 ///
 /// Of each stretch these stay: the first moment; the least and the greatest of every estimate and every input; the
 /// first one with each kind of event; and the first that changes the zone, the pleasure, the visibility, or whether an
-/// estimate is known. The last moment of all stays, too. What is left out goes on to count in the changes of the next moment that stays.
+/// estimate is known. The last moment of all stays, too. What is left out goes on to count in the changes of the next
+/// moment that stays.
 ///
 /// Thinning with one length and then with a multiple of it keeps the extremes of the original.
 void thin(std::vector<Moment>& moments, Duration stretch);
