@@ -1,5 +1,6 @@
 #include "cli/exitstatus.hpp"
 #include "cli/interruption.hpp"
+#include "cli/sessionoptions.hpp"
 #include "commands/commandline.hpp"
 #include "terminal/terminalstream.hpp"
 
@@ -37,6 +38,11 @@ KV::tools::ExitStatus run(int argc, char** argv)
   catch (const CLI::ParseError& error)
   {
     std::cerr << "skeigiot: " << error.what() << "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'." << std::endl;
+    return KV::tools::BadInput;
+  }
+  catch (const KV::session::OutputRefused& refused)
+  {
+    std::cerr << "skeigiot: " << KV::tools::messageOf(refused) << std::endl;
     return KV::tools::BadInput;
   }
   return status;

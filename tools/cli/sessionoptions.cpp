@@ -81,6 +81,26 @@ CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle)
       ->type_name("HZ|recorded");
 }
 
+CLI::Option* addForceOption(CLI::App& command, bool& force)
+{
+  return command.add_flag("--force", force,
+                          "Replace existing files, whatever they are. Without it, only those are\n"
+                          "replaced that look like an export of skeigiot. No input is ever\nreplaced");
+}
+
+std::string messageOf(const session::OutputRefused& refused)
+{
+  const bool canBeForced = refused.fault() == session::OutputFault::NotOurs;
+  return refused.what() + std::string(canBeForced ? ", or give --force to replace it" : "");
+}
+
+void checkStandardOutput(const session::SessionInputs& inputs)
+{
+  session::OutputCheck check;
+  check.protect(inputs);
+  check.admit("-");
+}
+
 session::SessionPlan planNamedSessions(const session::SessionArguments& arguments)
 {
   try

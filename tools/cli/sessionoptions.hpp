@@ -2,6 +2,7 @@
 
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/session/cycle.hpp>
+#include <skeigiot/session/outputcheck.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 #include <skeigiot/session/snapshot.hpp>
@@ -23,6 +24,17 @@ CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& 
 
 /// Adds "--cycle", which says how often persons are updated; the target must outlive the command.
 CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle);
+
+/// Adds "--force", which lets outputs replace any file but an input; the target must outlive the command.
+CLI::Option* addForceOption(CLI::App& command, bool& force);
+
+/// Returns the message of the error, with the option that helps.
+std::string messageOf(const session::OutputRefused& refused);
+
+/// Refuses text on standard output where that is one of the inputs, as in "skeigiot inspect face.csv >> face.csv".
+///
+/// \throws OutputRefused if it is.
+void checkStandardOutput(const session::SessionInputs& inputs);
 
 /// Plans the sessions that the command line names.
 ///

@@ -67,6 +67,7 @@ struct Arguments
   session::Cycle cycle;
   session::AgreementOptions agreement;
   std::string csv;
+  bool force = false;
   bool json = false;
 };
 
@@ -123,6 +124,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
                   "Write all measures and tables to a file, one number in each row; \"-\" is "
                   "standard\noutput, instead of text")
       ->type_name("FILE");
+  addForceOption(command, arguments.force);
   addMeaningOptions(command, arguments.agreement);
   addCycleOption(command, arguments.cycle);
   addReadingOptions(command, arguments.reading);
@@ -172,13 +174,29 @@ void play(const Arguments& arguments, const session::SessionInputs& inputs, sess
     throw recordings::Error(*outcome.error);
 }
 
-void write(const Arguments& arguments, const session::Agreement& agreement)
+/// Makes the file of the table; none if it is not wanted.
+///
+/// \throws OutputRefused if it would overwrite something.
+std::unique_ptr<session::ReplacedFile> makeTable(const Arguments& arguments, const session::SessionInputs& inputs)
 {
-  if (!arguments.csv.empty())
+  session::OutputCheck check(arguments.force);
+  check.protect(inputs);
+  check.protect(arguments.reading.options.mapping);
+  for (const std::string& path : arguments.labels)
+    check.protect(path);
+  if (arguments.csv != "-")
+    check.admit("-");
+  if (arguments.csv.empty())
+    return nullptr;
+  return std::make_unique<session::ReplacedFile>(arguments.csv, check);
+}
+
+void write(const Arguments& arguments, const session::Agreement& agreement, session::ReplacedFile* table)
+{
+  if (table != nullptr)
   {
-    session::ReplacedFile file(arguments.csv);
-    session::writeAsCsv(file.stream(), agreement);
-    file.commit();
+    session::writeAsCsv(table->stream(), agreement);
+    table->commit();
     if (arguments.csv == "-")
       return;
   }
@@ -198,18 +216,23 @@ ExitStatus run(const Arguments& arguments)
   try
   {
     const session::SessionInputs inputs = onlySession(arguments.session, arguments.reading.format);
+    const std::unique_ptr<session::ReplacedFile> table = makeTable(arguments, inputs);
     const std::vector<recordings::Labels> labels = readAll(arguments.labels, messages);
     session::AgreementRecorder recorder;
     play(arguments, inputs, recorder, messages);
     const session::Agreement agreement = recorder.compare(labels, arguments.agreement);
     for (const std::string& warning : agreement.warnings)
       messages.note("warning: " + warning);
-    write(arguments, agreement);
+    write(arguments, agreement, table.get());
     return Success;
   }
   catch (const recordings::Error& error)
   {
     messages.error(messageOf(error));
+  }
+  catch (const session::OutputRefused& refused)
+  {
+    messages.error(messageOf(refused));
   }
   catch (const std::invalid_argument& error)
   {

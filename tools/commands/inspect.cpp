@@ -3,6 +3,7 @@
 #include "cli/interruption.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
+#include "cli/sessionoptions.hpp"
 #include "terminal/inspectiontext.hpp"
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
@@ -37,6 +38,7 @@ struct Arguments
 
 ExitStatus run(const Arguments& arguments)
 {
+  checkStandardOutput({{{arguments.path, {}}}});
   try
   {
     const session::InspectionReport report = session::inspect(arguments.path, arguments.reading.format,

@@ -18,7 +18,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <system_error>
 #include <thread>
@@ -156,6 +155,7 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
           "Write a page of it, as \"skeigiot report\" does; not to standard output")
       ->type_name("FILE")
       ->group(group);
+  addForceOption(command, arguments.replay.force)->group(group);
 }
 
 /// Tells whether none of them has to be waited for, such as a pipe: a thread that waits cannot be interrupted.
@@ -180,21 +180,6 @@ void checkSessionsOfExports(const ReplayOptions& options)
     if (!format.oneSession.empty())
       throw CLI::ValidationError(exportOption(format), "takes one session only: " + format.oneSession);
   }
-}
-
-/// \throws CLI::ValidationError if two exports, or an export and the report, go to one file.
-void checkTargets(const ReplayOptions& options)
-{
-  std::map<std::string, std::string> optionOfTarget;
-  const auto add = [&optionOfTarget](const std::string& option, const std::string& target) {
-    const auto [other, isNew] = optionOfTarget.emplace(target, option);
-    if (!isNew)
-      throw CLI::ValidationError(option, "writes to '" + target + "', as does " + other->second);
-  };
-  for (const auto& [name, target] : options.exports)
-    add(exportOption(session::exportFormat(name)), target);
-  if (options.report)
-    add(reportOption, *options.report);
 }
 
 /// \throws CLI::ValidationError if this replay can have no report.
@@ -223,7 +208,6 @@ void plan(Arguments& arguments, Messages& messages)
   if (!areFiles(arguments.sessions.paths))
     arguments.replay.jobs = 1;
   checkSessionsOfExports(arguments.replay);
-  checkTargets(arguments.replay);
   checkReport(arguments.replay);
 }
 
@@ -263,6 +247,7 @@ void addReplayCommand(CLI::App& app, ExitStatus& status)
     arguments->replay.skipBad = arguments->reading.skipBad;
     arguments->replay.format = arguments->reading.format;
     arguments->replay.givenOptions = givenReadingOptions(command);
+    arguments->replay.otherInputs = {arguments->reading.options.mapping};
     status = run(*arguments);
   });
 }

@@ -7,6 +7,7 @@
 #include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/exports.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
+#include <skeigiot/session/outputcheck.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -47,10 +48,17 @@ public:
       _messages(surroundings.errors, options.quiet),
       _progress(surroundings.errors, surroundings.showProgress && !options.quiet)
   {
+    session::OutputCheck check(options.force);
+    for (const session::SessionInputs& session : options.sessions)
+      check.protect(session);
+    for (const std::string& path : options.otherInputs)
+      check.protect(path);
     for (const auto& [format, target] : options.exports)
-      _exports.add(format, target);
+      _exports.add(format, target, check);
     if (options.report)
-      _report.emplace(*options.report);
+      _report.emplace(*options.report, check);
+    if (_display.shows())
+      check.admit("-");
   }
 
   ExitStatus all()

@@ -38,6 +38,8 @@ struct ReplayOptions
   boost::optional<std::string> report;         ///< file of the report of the one session
   std::string format;                          ///< that all inputs are read as; empty: found out
   std::vector<std::string> givenOptions;       ///< how the user wanted it read, for the report: "--fps 25"
+  std::vector<std::string> otherInputs;        ///< files besides the recordings that no output may overwrite
+  bool force = false;                          ///< existing files are replaced, whatever they are
 };
 
 /// Where a replay reads from and writes to.
@@ -58,6 +60,7 @@ struct ReplaySurroundings
 /// written, and in which order, does not depend on the number of jobs: sessions that are done before their turn wait,
 /// their exports in temporary files. Each recording is read once, whatever is shown, exported and reported of it.
 ///
+/// \throws OutputRefused for an output that would overwrite an input, another output, or a file of somebody else.
 /// \throws WriteError if the output, an export or the report cannot be written; exports and report are then dropped.
 ExitStatus replay(const ReplayOptions& options, const ReplaySurroundings& surroundings);
 

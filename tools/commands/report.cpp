@@ -54,6 +54,7 @@ void plan(Arguments& arguments)
 {
   arguments.sessions.format = arguments.reading.format;
   arguments.replay.skipBad = arguments.reading.skipBad;
+  arguments.replay.otherInputs = {arguments.reading.options.mapping};
   arguments.replay.shown = false;
   arguments.replay.report = arguments.target;
   arguments.replay.sessions = planNamedSessions(arguments.sessions).sessions;
@@ -94,6 +95,7 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
   command.add_option("-o,--output", arguments->target, "Where the page goes, \"-\" for standard output")
       ->required()
       ->type_name("FILE");
+  addForceOption(command, arguments->replay.force);
   addOffsetOption(command, arguments->sessions.offsets);
   addScopeOption(command, arguments->replay.scopes);
   addCycleOption(command, arguments->replay.cycle);

@@ -14,8 +14,9 @@ namespace KV::tools
 class ReportFile
 {
 public:
+  /// \throws OutputRefused if the check refuses the file.
   /// \throws WriteError if the file cannot be made.
-  explicit ReportFile(const std::string& target) : _file(target) {}
+  ReportFile(const std::string& target, session::OutputCheck& check) : _file(target, check) {}
 
   /// Returns what is to watch the session.
   session::SessionObserver& observer() { return _report; }

@@ -146,6 +146,7 @@ void write(std::ostream& output, const Explained& explained, const std::string& 
 void answer(const Arguments& arguments)
 {
   const session::SessionInputs session = onlySession(arguments.session);
+  checkStandardOutput(session);
   Messages messages(std::cerr, false);
   session::Inquiry inquiry;
   inquiry.open = [&] { return session::openSession(session, openerOf(arguments.reading)); };

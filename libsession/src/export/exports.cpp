@@ -65,9 +65,9 @@ std::vector<SessionObserver*> Exports::Spilled::observers() const
 Exports::Exports() = default;
 Exports::~Exports() = default;
 
-void Exports::add(const std::string& format, const std::string& target)
+void Exports::add(const std::string& format, const std::string& target, OutputCheck& check)
 {
-  File file{exportFormat(format), folderFor(target), std::make_unique<ReplacedFile>(target), nullptr};
+  File file{exportFormat(format), folderFor(target), std::make_unique<ReplacedFile>(target, check), nullptr};
   file.exporter = file.format.make(file.file->stream());
   file.exporter->writeHeader();
   _files.push_back(std::move(file));

@@ -14,16 +14,6 @@ namespace KV::session
 namespace
 {
 
-namespace fs = std::filesystem;
-
-/// Follows links, so that a link stays one and its target is replaced; a new file has none to follow.
-std::string withoutLinks(const std::string& path)
-{
-  std::error_code error;
-  const fs::path resolved = fs::weakly_canonical(path, error);
-  return error ? path : resolved.string();
-}
-
 /// The permissions of the file that is replaced, or those that a new file gets.
 mode_t permissionsFor(const std::string& target)
 {
@@ -37,7 +27,7 @@ mode_t permissionsFor(const std::string& target)
 
 }  // namespace
 
-ReplacedFile::ReplacedFile(const std::string& target) : _name(target), _target(withoutLinks(target))
+ReplacedFile::ReplacedFile(const std::string& target, OutputCheck& check) : _name(target), _target(check.admit(target))
 {
   struct stat status = {};
   const bool exists = ::stat(_target.c_str(), &status) == 0;
@@ -77,7 +67,8 @@ void ReplacedFile::commit()
 
 void ReplacedFile::_openBeside()
 {
-  std::string pattern = _target + ".XXXXXX";
+  // Not the name of the target and more: that may be longer than a name can be.
+  std::string pattern = (std::filesystem::path(_target).parent_path() / ".skeigiot.XXXXXX").string();
   _fileDescriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (_fileDescriptor >= 0)
     _temporary = pattern;

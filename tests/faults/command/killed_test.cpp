@@ -23,9 +23,10 @@ class KilledCommand : public ::testing::Test
 protected:
   ProcessResult runExport(const ProcessFault& fault = {}) const
   {
-    return faults::runCommand({"replay", recording, "--quiet", "--jobs", "1", "--csv", folder.path(exportNames[0]),
-                               "--jsonl", folder.path(exportNames[1]), "--to-jsonl", folder.path(exportNames[2])},
-                              fault);
+    return faults::runCommand(
+        {"replay", recording, "--quiet", "--force", "--jobs", "1", "--csv", folder.path(exportNames[0]), "--jsonl",
+         folder.path(exportNames[1]), "--to-jsonl", folder.path(exportNames[2])},
+        fault);
   }
 
   std::map<std::string, std::string> contents() const

@@ -87,12 +87,13 @@ TEST_P(CommandWithoutMemory, EndsWithAMessageAndWithoutHalfAFile)
   EXPECT_GT(complaints, 50);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, CommandWithoutMemory,
-                         ::testing::Values(CommandCase{"Replay", {"replay"}, {"--quiet", "--csv", "EXPORT"}},
-                                           CommandCase{"ReplayOnSeveralThreads", {"replay", "--separately"}, {}},
-                                           CommandCase{"Inspect", {"inspect"}, {}},
-                                           CommandCase{"Agree", {"agree"}, {"--labels", "LABELS", "--csv", "EXPORT"}},
-                                           CommandCase{"Why", {"why"}, {"--person", "3", "--at", "0.3", "--json"}}),
-                         support::RowName());
+INSTANTIATE_TEST_SUITE_P(
+    Of, CommandWithoutMemory,
+    ::testing::Values(CommandCase{"Replay", {"replay"}, {"--quiet", "--force", "--csv", "EXPORT"}},
+                      CommandCase{"ReplayOnSeveralThreads", {"replay", "--separately"}, {}},
+                      CommandCase{"Inspect", {"inspect"}, {}},
+                      CommandCase{"Agree", {"agree"}, {"--labels", "LABELS", "--force", "--csv", "EXPORT"}},
+                      CommandCase{"Why", {"why"}, {"--person", "3", "--at", "0.3", "--json"}}),
+    support::RowName());
 
 }  // namespace

@@ -73,7 +73,8 @@ TEST(FullDisk, IsReportedWithTheFileAndLeavesTheOldOne)
     const std::string exported = folder.write("export", "old");
     ProcessFault fault;
     fault.greatestFile = 65536;
-    const ProcessResult result = faults::runCommand({"replay", recording, "--quiet", option, exported}, fault);
+    const ProcessResult result =
+        faults::runCommand({"replay", recording, "--quiet", "--force", option, exported}, fault);
     EXPECT_EQ(1, result.status) << option;
     EXPECT_EQ("skeigiot: " + exported + ": File too large\n", result.errors) << option;
     EXPECT_EQ("old", folder.read("export")) << option;

@@ -41,8 +41,9 @@ protected:
   /// Exports to one file of each format.
   void addAll(Exports& exports)
   {
+    KV::session::OutputCheck check(true);
     for (const ExportFormat& format : KV::session::exportFormats())
-      exports.add(format.name, folder.path(format.name));
+      exports.add(format.name, folder.path(format.name), check);
   }
 
   /// Returns all files, by the names of their formats.
@@ -71,8 +72,9 @@ TEST_F(ExportsTest, HaveFormatsOfDifferentNamesEachWithADescription)
 TEST_F(ExportsTest, RefuseAFormatThatIsNotThere)
 {
   Exports exports;
+  KV::session::OutputCheck check;
   EXPECT_EQ("there is no export format 'xml'",
-            support::textThrownBy<std::invalid_argument>([&] { exports.add("xml", folder.path("file")); }));
+            support::textThrownBy<std::invalid_argument>([&] { exports.add("xml", folder.path("file"), check); }));
   EXPECT_TRUE(exports.empty());
   EXPECT_TRUE(folder.names().empty());
 }
@@ -95,14 +97,16 @@ TEST_F(ExportsTest, AreInTheirPlacesOnlyWhenTheyAreCommitted)
   folder.write("csv", "old");
   {
     Exports dropped;
-    dropped.add("csv", folder.path("csv"));
+    KV::session::OutputCheck check(true);
+    dropped.add("csv", folder.path("csv"), check);
     play(dropped.observers(), 1);
   }
   EXPECT_EQ("old", folder.read("csv"));
   EXPECT_EQ((std::set<std::string>{"csv"}), folder.names());
 
   Exports exports;
-  exports.add("csv", folder.path("csv"));
+  KV::session::OutputCheck check(true);
+  exports.add("csv", folder.path("csv"), check);
   play(exports.observers(), 1);
   EXPECT_EQ("old", folder.read("csv"));
   exports.commit();

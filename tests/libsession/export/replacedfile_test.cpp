@@ -10,16 +10,23 @@
 namespace
 {
 
+using KV::session::OutputCheck;
 using KV::session::ReplacedFile;
 using KV::session::WriteError;
 using replaytests::TemporaryFolder;
 using Names = std::set<std::string>;
 
-TEST(ReplacedFile, TakesItsPlaceWhenItIsCommitted)
+class ReplacedFileTest : public ::testing::Test
 {
-  const TemporaryFolder folder;
+protected:
+  TemporaryFolder folder;
+  OutputCheck check{true};
+};
+
+TEST_F(ReplacedFileTest, TakesItsPlaceWhenItIsCommitted)
+{
   folder.write("export", "old");
-  ReplacedFile file(folder.path("export"));
+  ReplacedFile file(folder.path("export"), check);
   file.stream() << "new";
   file.stream().flush();
   EXPECT_EQ("old", folder.read("export"));
@@ -28,12 +35,11 @@ TEST(ReplacedFile, TakesItsPlaceWhenItIsCommitted)
   EXPECT_EQ((Names{"export"}), folder.names());
 }
 
-TEST(ReplacedFile, IsDroppedIfItIsNotCommitted)
+TEST_F(ReplacedFileTest, IsDroppedIfItIsNotCommitted)
 {
-  const TemporaryFolder folder;
   folder.write("export", "old");
   {
-    ReplacedFile file(folder.path("export"));
+    ReplacedFile file(folder.path("export"), check);
     file.stream() << "new";
     EXPECT_EQ(2U, folder.names().size());
   }
@@ -41,31 +47,28 @@ TEST(ReplacedFile, IsDroppedIfItIsNotCommitted)
   EXPECT_EQ((Names{"export"}), folder.names());
 }
 
-TEST(ReplacedFile, MayBeNew)
+TEST_F(ReplacedFileTest, MayBeNew)
 {
-  const TemporaryFolder folder;
-  ReplacedFile file(folder.path("export"));
+  ReplacedFile file(folder.path("export"), check);
   file.commit();
   EXPECT_EQ((Names{"export"}), folder.names());
 }
 
-TEST(ReplacedFile, KeepsThePermissionsOfTheOldOne)
+TEST_F(ReplacedFileTest, KeepsThePermissionsOfTheOldOne)
 {
-  const TemporaryFolder folder;
   folder.write("export", "old");
   chmod(folder.path("export").c_str(), 0640);
-  ReplacedFile file(folder.path("export"));
+  ReplacedFile file(folder.path("export"), check);
   file.commit();
   struct stat status = {};
   stat(folder.path("export").c_str(), &status);
   EXPECT_EQ(0640U, status.st_mode & 0777U);
 }
 
-TEST(ReplacedFile, HasTheUsualPermissionsIfItIsNew)
+TEST_F(ReplacedFileTest, HasTheUsualPermissionsIfItIsNew)
 {
   const mode_t former = umask(027);
-  const TemporaryFolder folder;
-  ReplacedFile file(folder.path("export"));
+  ReplacedFile file(folder.path("export"), check);
   file.commit();
   umask(former);
   struct stat status = {};
@@ -73,46 +76,62 @@ TEST(ReplacedFile, HasTheUsualPermissionsIfItIsNew)
   EXPECT_EQ(0640U, status.st_mode & 0777U);
 }
 
-TEST(ReplacedFile, ReplacesWhatALinkLeadsTo)
+TEST_F(ReplacedFileTest, ReplacesWhatALinkLeadsTo)
 {
-  const TemporaryFolder folder;
   folder.write("target", "old");
   std::filesystem::create_symlink("target", folder.path("link"));
-  ReplacedFile file(folder.path("link"));
+  ReplacedFile file(folder.path("link"), check);
   file.stream() << "new";
   file.commit();
   EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link")));
   EXPECT_EQ("new", folder.read("target"));
 }
 
-TEST(ReplacedFile, WritesToADeviceAsItIs)
+TEST_F(ReplacedFileTest, WritesToADeviceAsItIs)
 {
-  ReplacedFile file("/dev/null");
+  ReplacedFile file("/dev/null", check);
   file.stream() << "text";
   file.commit();
   EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
-TEST(ReplacedFile, ReportsAFullDisk)
+TEST_F(ReplacedFileTest, ReportsAFullDisk)
 {
-  ReplacedFile file("/dev/full");
+  ReplacedFile file("/dev/full", check);
   file.stream() << "text";
   EXPECT_EQ("/dev/full: No space left on device", support::textThrownBy<WriteError>([&file] { file.commit(); }));
 }
 
-TEST(ReplacedFile, CannotReplaceAFolder)
+TEST_F(ReplacedFileTest, CannotReplaceAFolder)
 {
-  const TemporaryFolder folder;
   const std::string path = folder.path("");
-  EXPECT_EQ(path + ": Is a directory", support::textThrownBy<WriteError>([&path] { const ReplacedFile file(path); }));
+  EXPECT_EQ(path + ": Is a directory",
+            support::textThrownBy<WriteError>([&] { const ReplacedFile file(path, check); }));
 }
 
-TEST(ReplacedFile, CannotBeMadeInAFolderThatIsNotThere)
+TEST_F(ReplacedFileTest, CannotBeMadeInAFolderThatIsNotThere)
 {
-  const TemporaryFolder folder;
   const std::string path = folder.path("missing/export");
   EXPECT_EQ(path + ": No such file or directory",
-            support::textThrownBy<WriteError>([&path] { const ReplacedFile file(path); }));
+            support::textThrownBy<WriteError>([&] { const ReplacedFile file(path, check); }));
+}
+
+TEST_F(ReplacedFileTest, MayHaveTheLongestNameThatThereCanBe)
+{
+  const std::string name(255, 'n');
+  ReplacedFile file(folder.path(name), check);
+  file.stream() << "new";
+  file.commit();
+  EXPECT_EQ((Names{name}), folder.names());
+  EXPECT_EQ("new", folder.read(name));
+}
+
+TEST_F(ReplacedFileTest, IsNotMadeIfTheCheckRefusesIt)
+{
+  const std::string recording = folder.write("recording.csv", "time,reading,value\n");
+  OutputCheck careful;
+  EXPECT_THROW(ReplacedFile(recording, careful), KV::session::OutputRefused);
+  EXPECT_EQ((Names{"recording.csv"}), folder.names());
 }
 
 }  // namespace

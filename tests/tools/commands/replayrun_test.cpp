@@ -186,6 +186,7 @@ TEST_F(ReplayTest, GoesOnWithTheNextRecordingAfterABadOne)
 TEST_F(ReplayTest, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
 {
   folder.write("export.csv", "old");
+  options.force = true;
   scripts["face.csv"] = {};
   options.exports["csv"] = folder.path("export.csv");
   EXPECT_EQ(KV::tools::BadInput, replay());
@@ -304,6 +305,7 @@ TEST_F(ParallelReplay, WritesTheSameBytesWhateverTheNumberOfJobs)
 TEST_F(ParallelReplay, LeavesAnOldExportInItsPlaceIfNoRecordingCouldBeOpened)
 {
   folder.write("export.csv", "old");
+  options.force = true;
   scripts["a"] = {};
   scripts["b"] = {};
   options.jobs = 2;

@@ -166,7 +166,7 @@ TEST_F(ReportCommand, OfAReplayNeedsOneSessionOfFilesAndAFileToWrite)
   EXPECT_THAT(errorOf(folder.path("a.csv"), "-"), HasSubstr("--report: needs a file"));
   const CommandResult twice =
       runCommand({"replay", folder.path("a.csv"), "--csv", folder.path("x"), "--report", folder.path("x")});
-  EXPECT_THAT(twice.errors, HasSubstr("--report: writes to"));
+  EXPECT_THAT(twice.errors, HasSubstr("x: is written twice; give each output a file of its own"));
   EXPECT_EQ((std::set<std::string>{"a.csv", "b.csv"}), folder.names());
 }
 

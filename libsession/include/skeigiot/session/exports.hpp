@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/session/exportformat.hpp>
+#include <skeigiot/session/outputcheck.hpp>
 
 #include <memory>
 #include <string>
@@ -47,8 +48,9 @@ public:
   /// Exports to one more file; "-" is standard output.
   ///
   /// \throws std::invalid_argument if there is no format with this name.
+  /// \throws OutputRefused if the check refuses the file.
   /// \throws WriteError if the file cannot be made.
-  void add(const std::string& format, const std::string& target);
+  void add(const std::string& format, const std::string& target, OutputCheck& check);
 
   /// Tells whether nothing is exported.
   bool empty() const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/outputcheck.hpp>
 #include <skeigiot/session/outputstream.hpp>
 
 #include <memory>
@@ -17,10 +18,11 @@ namespace KV::session
 class SKEIGIOT_API ReplacedFile
 {
 public:
-  /// Opens the file for writing.
+  /// Opens the file for writing, if the check admits it.
   ///
-  /// \throws WriteError if that fails; no file is left behind then.
-  explicit ReplacedFile(const std::string& target);
+  /// \throws OutputRefused if the check refuses it.
+  /// \throws WriteError if it cannot be opened; no file is left behind then.
+  ReplacedFile(const std::string& target, OutputCheck& check);
 
   /// Drops what was written, unless it was committed.
   ~ReplacedFile();
