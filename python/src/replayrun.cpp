@@ -37,6 +37,8 @@ void add(std::vector<std::string>& texts, std::vector<std::string> others)
 std::string hintFor(const KV::recordings::Error& error, const ReplayRequest& request)
 {
   const auto& remedy = error.remedy();
+  if (remedy && remedy->input.empty())
+    return "; replay_all() replays each for itself, given a list of them or their folder";
   if (!remedy || request.frames.count(remedy->input) > 0)
     return {};
   std::array<char, 64> seconds{};

@@ -285,6 +285,15 @@ def test_names_the_keywords_that_help(written):
     skeigiot.replay([early, late], offsets={early: 122163200.0})
 
 
+def test_names_the_function_that_replays_recordings_of_several_persons(written):
+    clips = [written("time,reading,value\n0,smile,1\n", name) for name in ("a.csv", "b.csv")]
+    with pytest.raises(skeigiot.RecordingError) as caught:
+        skeigiot.replay(clips)
+    assert str(caught.value).endswith(
+        "; replay_all() replays each for itself, given a list of them or their folder")
+    assert len(skeigiot.replay_all(clips)) == 2
+
+
 def test_keeps_what_came_before_the_error(written):
     path = written(recordings.OPENFACE.replace("3, 0, 0.066", "3, 0, later"))
     with pytest.raises(skeigiot.RecordingError) as caught:

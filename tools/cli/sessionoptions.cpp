@@ -116,7 +116,10 @@ session::SessionPlan planNamedSessions(const session::SessionArguments& argument
 std::string messageOf(const recordings::Error& error)
 {
   std::string message = error.what();
-  if (const auto& remedy = error.remedy())
+  const auto& remedy = error.remedy();
+  if (remedy && remedy->input.empty())
+    return message + "; --separately replays each for itself, and so does a folder that holds them";
+  if (remedy)
   {
     std::array<char, 64> seconds{};
     std::snprintf(seconds.data(), seconds.size(), "%.3f", static_cast<double>(remedy->offset.count()) * 1e-9);

@@ -49,6 +49,19 @@ bool collide(const KV::PersonObservation& left, const KV::PersonObservation& rig
   return result;
 }
 
+// Returns the name of a reading that both have, made at the same time; null if there is none.
+const char* sameReading(const KV::PersonObservation& left, const KV::PersonObservation& right)
+{
+  const char* name = nullptr;
+  forEachReading([&](const auto& known) {
+    const auto& one = known.in(left);
+    const auto& other = known.in(right);
+    if (name == nullptr && one && other && one->time == other->time)
+      name = known.name;
+  });
+  return name;
+}
+
 // Whoever is observed by one input is observed, though others do not see them.
 bool takeIn(Step& target, const Step& other)
 {
@@ -98,6 +111,7 @@ boost::optional<Step> MergedRecording::next()
     _read.pop_front();
     if (item.error)
       std::rethrow_exception(item.error);
+    _refuseSameReading(item);
     if (item.input == 0)
       _takeInSimultaneous(item.entry);
     else if (_isTakenInLater(item))
@@ -239,6 +253,36 @@ void MergedRecording::_readUntil(TimePoint time)
 {
   while (_reached <= time && _readOne())
   {}
+}
+
+// Before any of them is taken in by another.
+void MergedRecording::_refuseSameReading(const Item& item)
+{
+  if (!item.entry.person)
+    return;
+  _readUntil(item.time);
+  std::vector<const Item*> earlier = {&item};
+  for (const Item& later : _read)
+  {
+    if (later.time > item.time)
+      return;
+    if (!later.isOf(item.entry.person))
+      continue;
+    for (const Item* const one : earlier)
+      if (one->input != later.input)
+        _refuseSameReading(*one, later);
+    earlier.push_back(&later);
+  }
+}
+
+void MergedRecording::_refuseSameReading(const Item& one, const Item& other) const
+{
+  const char* const name = sameReading(one.entry.observation, other.entry.observation);
+  if (name != nullptr)
+    throw Error({_inputs[other.input].from.path, 0, name},
+                "person " + std::to_string(*one.entry.person) + " has this reading at the same time in " +
+                    _inputs[one.input].from.path + ": these are recordings of two persons, or of two sessions",
+                Error::Remedy());
 }
 
 // Takes in what other inputs tell of the same person at the same time.

@@ -117,9 +117,48 @@ TEST_F(MergedRecordings, WaitForTheSamePersonOnly)
 
 TEST_F(MergedRecordings, KeepReadingsOfOneKindInStepsOfTheirOwn)
 {
-  const auto contents = read({{"a", header + "1,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1 person 1 smile"));
-  EXPECT_FLOAT_EQ(1.f, contents.entries[0].observation.smile.value().value.value);
+  const auto contents = read({{"a", header + "1.125,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
+  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1.125 person 1 smile"));
+  EXPECT_FLOAT_EQ(0.f, contents.entries[0].observation.smile.value().value.value);
+}
+
+TEST_F(MergedRecordings, RefuseTheSameReadingOfAPersonAtTheSameTime)
+{
+  const auto contents = read({{"a", header + "0,1,smile,1\n1,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
+  EXPECT_THAT(told(contents), ElementsAre("0 person 1 smile"));
+  EXPECT_EQ(
+      "b: smile: person 1 has this reading at the same time in a: these are recordings of two persons, or of two "
+      "sessions",
+      contents.fatal);
+}
+
+TEST_F(MergedRecordings, RefuseTheSameReadingOfAnyTwoInputs)
+{
+  const auto contents = read(
+      {{"a", header + "1,1,smile,1\n"}, {"b", header + "1,1,asrEmotion,1\n"}, {"c", header + "1,1,asrEmotion,1\n"}});
+  EXPECT_THAT(told(contents), IsEmpty());
+  EXPECT_THAT(contents.fatal, StartsWith("c: asrEmotion: person 1 has this reading at the same time in b: "));
+}
+
+TEST_F(MergedRecordings, NameSessionsOfTheirOwnAsTheRemedyForTheSameReading)
+{
+  const auto recording = open({{"a", header + "1,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
+  try
+  {
+    recording->next();
+    FAIL() << "expected an error";
+  }
+  catch (const KV::recordings::Error& error)
+  {
+    ASSERT_TRUE(error.remedy());
+    EXPECT_EQ("", error.remedy()->input);
+  }
+}
+
+TEST_F(MergedRecordings, TakeTheSameReadingOfTwoPersons)
+{
+  const auto contents = read({{"a", header + "1,1,smile,1\n"}, {"b", header + "1,2,smile,0\n"}});
+  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1 person 2 smile"));
 }
 
 TEST_F(MergedRecordings, LetTheLastOfSeveralReadingsOfOneKindWait)

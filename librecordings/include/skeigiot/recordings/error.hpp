@@ -25,10 +25,11 @@ public:
     std::string field;     ///< column or member
   };
 
-  /// What would help, for a user interface that can say how to ask for it: an input of the session moved in time.
+  /// What would help, for a user interface that can say how to ask for it: each input in a session of its own, or an
+  /// input of the session moved in time.
   struct Remedy
   {
-    std::string input;                    ///< its path
+    std::string input;                    ///< path of the input to move; empty: only sessions of their own help
     ko::SystemClock::duration offset{0};  ///< [ns] in place of the one that it has
   };
 

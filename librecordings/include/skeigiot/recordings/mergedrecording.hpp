@@ -34,7 +34,8 @@ struct SKEIGIOT_API RecordingInput
 /// Each update lets every remembered reading act again. So that a program which updates with each step does not update
 /// once for each input, what another input tells of a person waits for the next step of the first about that person,
 /// for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs that are
-/// of one kind, or for which no such step comes, make steps of their own.
+/// of one kind, or for which no such step comes, make steps of their own. Two inputs that tell the same reading of a
+/// person at the same time are no inputs of one session, but recordings of two persons.
 ///
 /// Holds no more than the steps of longestWait.
 class SKEIGIOT_API MergedRecording : public Reader
@@ -50,8 +51,8 @@ public:
   /// Takes two inputs or more.
   explicit MergedRecording(std::vector<RecordingInput> inputs);
 
-  /// \throws Error as well if the inputs begin at times that do not fit together, or an offset moves one to
-  ///   before 1970.
+  /// \throws Error as well if the inputs begin at times that do not fit together, an offset moves one to before 1970,
+  ///   or two of them tell the same reading of a person at the same time.
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> describeLearned() const override;
@@ -87,6 +88,8 @@ private:
   void _fetchFirst();
   bool _readOne();
   void _readUntil(TimePoint time);
+  void _refuseSameReading(const Item& item);
+  void _refuseSameReading(const Item& one, const Item& other) const;
   void _takeInSimultaneous(Step& entry);
   bool _isTakenInLater(const Item& item);
   void _warnOfLonelyPersons();
