@@ -1,4 +1,5 @@
 #include "face/facereader.hpp"
+#include "formats/filekind.hpp"
 #include "jsonl/jsonlinesreader.hpp"
 #include "livelink/livelinkrows.hpp"
 #include "mediapipe/blendshapecsvrows.hpp"
@@ -49,16 +50,16 @@ std::unique_ptr<Reader> openFile(const std::string& path, const ReadingOptions& 
 
 // A format that is read forward, from a file or a stream.
 template <auto read>
-Format forward(const char* name, const char* description, bool (*detect)(const std::string& head))
+Format forward(const char* name, const char* description, const char* missing, bool (*detect)(const std::string& head))
 {
-  return {name, description, detect, openFile<read>, read, false};
+  return {name, description, missing, detect, openFile<read>, read, false};
 }
 
 // As above, of rows and columns.
 template <auto read>
-Format table(const char* name, const char* description, bool (*detect)(const std::string& head))
+Format table(const char* name, const char* description, const char* missing, bool (*detect)(const std::string& head))
 {
-  return {name, description, detect, openFile<read>, read, true};
+  return {name, description, missing, detect, openFile<read>, read, true};
 }
 
 std::unique_ptr<Reader> openRosbag(const std::string& path, const ReadingOptions& options)
@@ -71,6 +72,15 @@ std::string names()
   std::string text;
   for (const Format& format : recordingFormats())
     text += (text.empty() ? "" : ", ") + format.name + " (" + format.description + ")";
+  return text;
+}
+
+// A line for each format.
+std::string tried()
+{
+  std::string text;
+  for (const Format& format : recordingFormats())
+    text += "\n  no " + format.name + ": " + format.missing;
   return text;
 }
 
@@ -109,7 +119,7 @@ const Format& formatOfHead(const std::string& head, const std::string& path)
     throw Error({path, 0, {}}, "the file is empty");
   const Format* const format = formatDetectedIn(head);
   if (format == nullptr)
-    throw Error({path, 0, {}}, "the format is not known; expected one of: " + names());
+    throw Error({path, 0, {}}, "the format is not known. The file looks like " + fileKind(head) + tried());
   return *format;
 }
 
@@ -126,15 +136,26 @@ const Format& formatOf(const std::string& path)
 const std::vector<Format>& recordingFormats()
 {
   static const std::vector<Format> formats = {
-      table<readFaces<LiveLinkRows>>("livelink", "CSV of Live Link Face", looksLikeLiveLink),
-      table<readFaces<PyFeatRows>>("pyfeat", "CSV of py-feat", looksLikePyFeat),
-      table<readFaces<BlendshapeCsvRows>>("blendshapes", "CSV of MediaPipe blendshapes", looksLikeBlendshapeCsv),
-      table<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older", looksLikeOpenFace),
-      table<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells", looksLikeTidyCsv),
+      table<readFaces<LiveLinkRows>>("livelink", "CSV of Live Link Face",
+                                     "the first two columns are not Timecode and BlendShapeCount", looksLikeLiveLink),
+      table<readFaces<PyFeatRows>>("pyfeat", "CSV of py-feat",
+                                   "there is no column FaceScore or FaceRectX, and too few such as AU12 and Happy",
+                                   looksLikePyFeat),
+      table<readFaces<BlendshapeCsvRows>>("blendshapes", "CSV of MediaPipe blendshapes",
+                                          "there are fewer than 4 columns such as mouthSmileLeft and jawOpen",
+                                          looksLikeBlendshapeCsv),
+      table<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older",
+                                     "there are fewer than 2 columns such as frame, pose_Rx, gaze_angle_x and AU12_r",
+                                     looksLikeOpenFace),
+      table<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells",
+                         "there are no columns time and reading", looksLikeTidyCsv),
       forward<readFaces<FaceLandmarkerRows>>("mediapipe", "JSON of MediaPipe FaceLandmarker results",
+                                             "there is no JSON with faceBlendshapes or faceLandmarks",
                                              looksLikeFaceLandmarker),
-      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", looksLikeRosbag, openRosbag, nullptr, false},
-      forward<readJsonLines>("jsonl", "JSON Lines of skeigiot", looksLikeJsonLines),
+      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", "the file is no database of SQLite",
+       looksLikeRosbag, openRosbag, nullptr, false},
+      forward<readJsonLines>("jsonl", "JSON Lines of skeigiot", "the first line does not begin with {",
+                             looksLikeJsonLines),
   };
   return formats;
 }

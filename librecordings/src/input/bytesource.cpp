@@ -35,6 +35,8 @@ std::filesystem::file_status statusOf(const std::string& path)
 {
   std::error_code error;
   const auto status = std::filesystem::status(path, error);
+  if (status.type() == std::filesystem::file_type::none)
+    throw Error({path, 0, {}}, "cannot be opened: " + error.message());
   if (!std::filesystem::exists(status))
     throw Error({path, 0, {}}, "there is no such file");
   if (std::filesystem::is_directory(status))

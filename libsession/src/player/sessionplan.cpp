@@ -28,30 +28,48 @@ using Duration = ko::SystemClock::duration;
 constexpr double greatestOffset = 4e9;  // [s] either way: more than a century
 
 /// A folder that is one recording: a bag.
-bool isRecordingFolder(const fs::path& path)
+bool isRecordingFolder(const fs::path& path, std::error_code& error)
 {
-  return fs::exists(path / "metadata.yaml");
+  return fs::exists(path / "metadata.yaml", error);
 }
 
 bool isFolderOfRecordings(const std::string& path)
 {
   std::error_code error;
-  return fs::is_directory(path, error) && !isRecordingFolder(path);
+  return fs::is_directory(path, error) && !isRecordingFolder(path, error);
 }
 
-std::vector<fs::path> sortedContents(const std::string& folder)
+/// Tells whether it may be a recording. A link that leads nowhere is none.
+///
+/// \param error why that cannot be told: a link that leads to itself, or a folder that nobody may read
+bool mayBeRecording(const fs::path& path, std::error_code& error)
+{
+  const fs::file_status status = fs::status(path, error);
+  if (status.type() == fs::file_type::not_found)
+    error.clear();
+  return !error && (fs::is_regular_file(status) || (fs::is_directory(status) && isRecordingFolder(path, error)));
+}
+
+/// Returns what may be a recording, in the order of the names, and notes what cannot be looked into.
+std::vector<fs::path> sortedContents(const std::string& folder, std::vector<std::string>& notes)
 {
   std::error_code error;
   std::vector<fs::path> paths;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
   {
-    const bool isHidden = entry->path().filename().string().front() == '.';
-    if (!isHidden && (entry->is_regular_file() || (entry->is_directory() && isRecordingFolder(entry->path()))))
-      paths.push_back(entry->path());
+    const fs::path& path = entry->path();
+    std::error_code ofEntry;
+    if (path.filename().string().front() == '.')
+      continue;
+    if (mayBeRecording(path, ofEntry))
+      paths.push_back(path);
+    if (ofEntry)
+      notes.push_back(path.string() + ": passed over, since it cannot be read: " + ofEntry.message());
   }
   if (error)
     throw recordings::Error({folder, 0, {}}, "cannot be read: " + error.message());
   std::sort(paths.begin(), paths.end());
+  std::sort(notes.begin(), notes.end());
   return paths;
 }
 
@@ -67,8 +85,9 @@ std::string noteOn(const std::string& folder, const std::vector<std::string>& pa
 void addContents(const std::string& folder, const std::string& format, SessionPlan& plan)
 {
   std::vector<std::string> passedOver;
+  std::vector<std::string> notes;
   const std::size_t before = plan.sessions.size();
-  for (const fs::path& path : sortedContents(folder))
+  for (const fs::path& path : sortedContents(folder, notes))
   {
     if (!format.empty() || recordings::isRecording(path.string()))
       plan.sessions.push_back({{{path.string(), Duration(0)}}});
@@ -77,6 +96,7 @@ void addContents(const std::string& folder, const std::string& format, SessionPl
   }
   if (plan.sessions.size() == before)
     throw recordings::Error({folder, 0, {}}, "there is no recording in this folder");
+  plan.notes.insert(plan.notes.end(), notes.begin(), notes.end());
   if (!passedOver.empty())
     plan.notes.push_back(noteOn(folder, passedOver));
 }

@@ -47,9 +47,20 @@ TEST_F(RecordingFormats, MayBeNamed)
   EXPECT_EQ(2u, support::contentsOf(path, "jsonl").badLines.size());
 }
 
-TEST_F(RecordingFormats, AreListedWhereNoneFits)
+TEST_F(RecordingFormats, AreListedWithWhatTheFileLacksWhereNoneFits)
 {
-  EXPECT_EQ(" the format is not known; expected one of: " + known(), errorOf("Timecode,Frame\n"));
+  std::string lines;
+  for (const auto& format : KV::recordings::recordingFormats())
+  {
+    EXPECT_FALSE(format.missing.empty()) << format.name;
+    lines += "\n  no " + format.name + ": " + format.missing;
+  }
+  EXPECT_EQ(" the format is not known. The file looks like a table with the columns 'Timecode', 'Frame'" + lines,
+            errorOf("Timecode,Frame\n"));
+}
+
+TEST_F(RecordingFormats, AreListedWhereTheNameIsOfNone)
+{
   EXPECT_EQ(folder.path("f") + ": there is no format 'xml'; expected one of: " + known(),
             support::contentsOf(folder.write("f", "x"), "xml").fatal);
 }

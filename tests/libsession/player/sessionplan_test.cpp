@@ -5,10 +5,13 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 namespace
 {
@@ -98,6 +101,31 @@ TEST_F(SessionPlanTest, PassesOverWhatIsNoRecordingAndSaysSo)
   EXPECT_THAT(planned(), ElementsAre("./a.csv"));
   EXPECT_THAT(KV::session::planSessions(arguments).notes,
               ElementsAre(folder.path(".") + ": passed over 1 file of no known format: labels.txt"));
+}
+
+TEST_F(SessionPlanTest, PassesOverALinkThatLeadsToItselfAndSaysSo)
+{
+  folder.write("a.csv", tidy);
+  std::filesystem::create_symlink("loop", folder.path("loop"));
+  std::filesystem::create_symlink("nowhere", folder.path("dangling"));
+  arguments.paths = {folder.path(".")};
+  EXPECT_THAT(planned(), ElementsAre("./a.csv"));
+  EXPECT_THAT(
+      KV::session::planSessions(arguments).notes,
+      ElementsAre(folder.path("./loop") + ": passed over, since it cannot be read: Too many levels of symbolic links"));
+}
+
+TEST_F(SessionPlanTest, PassesOverAFolderThatNobodyMayReadAndSaysSo)
+{
+  folder.write("a.csv", tidy);
+  std::filesystem::create_directory(folder.path("closed"));
+  std::filesystem::permissions(folder.path("closed"), std::filesystem::perms::none);
+  if (access(folder.path("closed/file").c_str(), F_OK) != 0 && errno != EACCES)
+    GTEST_SKIP() << "root may read everything";
+  arguments.paths = {folder.path(".")};
+  EXPECT_THAT(planned(), ElementsAre("./a.csv"));
+  EXPECT_THAT(KV::session::planSessions(arguments).notes,
+              ElementsAre(folder.path("./closed") + ": passed over, since it cannot be read: Permission denied"));
 }
 
 TEST_F(SessionPlanTest, TakesEveryFileOfAFolderWhoseFormatIsGiven)

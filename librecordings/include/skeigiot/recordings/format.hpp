@@ -17,6 +17,7 @@ struct SKEIGIOT_API Format
 {
   std::string name;         ///< as --format takes it
   std::string description;  ///< one line for the help
+  std::string missing;      ///< what a file lacks that is not of it, such as "there are no columns time and reading"
 
   /// Tells from the first bytes of the file (decompressed) whether it is of this format.
   bool (*detect)(const std::string& head);
