@@ -79,7 +79,8 @@ private:
       const auto bits = static_cast<std::uint32_t>(_random());
       float value = 0.f;
       std::memcpy(&value, &bits, sizeof value);
-      if (value == value)
+      const bool looksLikePercent = value > 2.f && value <= 100.f;  // a reader refuses such a score
+      if (value == value && !looksLikePercent)
         return value;
     }
   }

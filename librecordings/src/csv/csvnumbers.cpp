@@ -1,7 +1,6 @@
 #include "csv/csvnumbers.hpp"
 
-#include "recording/plausible.hpp"
-
+#include <skeigiot/recordings/implausible.hpp>
 #include <skeigiot/recordings/limits.hpp>
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/recordings/recording.hpp>
@@ -28,6 +27,13 @@ bool isMissing(std::string_view field)
 
 double CsvNumbers::number(std::size_t column) const
 {
+  const double value = _anyNumber(column);
+  return std::abs(value) <= greatestMeasurement ? value : notANumber;
+}
+
+// A number that no double holds is infinite.
+double CsvNumbers::_anyNumber(std::size_t column) const
+{
   std::string_view field = text(column);
   if (isMissing(field))
     return notANumber;
@@ -38,7 +44,7 @@ double CsvNumbers::number(std::size_t column) const
   const auto result = std::from_chars(field.data(), end, value);
   if (result.ptr != end || result.ec == std::errc::invalid_argument)
     refuse(column, "a number");
-  return std::abs(value) <= greatestMeasurement ? value : notANumber;
+  return result.ec == std::errc::result_out_of_range ? std::numeric_limits<double>::infinity() : value;
 }
 
 std::int64_t CsvNumbers::wholeNumber(std::size_t column, double least, double greatest) const
@@ -56,16 +62,24 @@ std::int64_t CsvNumbers::frameNumber(std::size_t column) const
 
 std::optional<double> CsvNumbers::timestamp(std::size_t column) const
 {
-  const double timestamp = number(column);
-  if (!std::isfinite(timestamp))
+  const double timestamp = _anyNumber(column);
+  if (std::isnan(timestamp))
     return {};
   if (timestamp < earliestTimestamp || timestamp > latestTimestamp)
-  {
-    const std::string likely = likelyUnitOfTime(timestamp);
     throw BadLine({_rows.file().path(), _rows.file().lineNumber(), _names[column]},
                   "expected seconds, from the start of the recording or since 1970, found " + quote(text(column)) +
-                      (likely.empty() ? "" : "; " + likely));
-  }
+                      adviceOnSeconds(timestamp));
+  return timestamp;
+}
+
+std::optional<double> CsvNumbers::timestampInMilliseconds(std::size_t column) const
+{
+  constexpr double millisecondsPerSecond = 1000.;
+  const double timestamp = _anyNumber(column) / millisecondsPerSecond;
+  if (std::isnan(timestamp))
+    return {};
+  if (timestamp < earliestTimestamp || timestamp > latestTimestamp)
+    refuse(column, "milliseconds, from the start of the recording or since 1970");
   return timestamp;
 }
 

@@ -50,10 +50,13 @@ public:
   /// \throws BadLine if there is none.
   std::int64_t frameNumber(std::size_t column) const;
 
-  /// Returns the seconds in this column, or nothing if there is no number.
+  /// Returns the seconds in this column, or nothing if the field is empty or says that there is no number.
   ///
   /// \throws BadLine if they are beyond what a clock can show.
   std::optional<double> timestamp(std::size_t column) const;
+
+  /// As above; the column holds milliseconds.
+  std::optional<double> timestampInMilliseconds(std::size_t column) const;
 
   std::string_view text(std::size_t column) const { return _rows.fields()[column]; }
 
@@ -64,6 +67,8 @@ public:
   void refuseOtherFieldCounts() const;
 
 private:
+  double _anyNumber(std::size_t column) const;
+
   const CsvRows& _rows;
   const std::vector<std::string>& _names;
 };

@@ -1,5 +1,8 @@
 #include "face/facereader.hpp"
 
+#include "face/settingname.hpp"
+#include "recording/recordingclock.hpp"
+
 #include <boost/chrono/duration.hpp>
 
 #include <utility>
@@ -33,7 +36,8 @@ Step entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
 FaceReader::FaceReader(std::unique_ptr<FaceRows> rows, const ReadingOptions& options)
   : _rows(std::move(rows)),
     _ahead([this] { return _rows->next(); }),
-    _times(asStandard(options.framesPerSecond), _lookAhead(), _rows->assumedRate(), options.rateName)
+    _times(asStandard(options.framesPerSecond), _lookAhead(), _rows->assumedRate(), options.rateName),
+    _rateName(options.rateName)
 {
   if (!_times.warning().empty())
     _warnings.push_back(_times.warning());
@@ -66,15 +70,15 @@ std::vector<std::string> FaceReader::describe() const
 std::vector<std::string> FaceReader::takeWarnings()
 {
   auto warnings = std::exchange(_warnings, {});
-  const auto ofRows = _rows->takeWarnings();
-  warnings.insert(warnings.end(), ofRows.begin(), ofRows.end());
+  for (std::vector<std::string> others : {_rows->takeWarnings(), _scores.takeWarnings()})
+    warnings.insert(warnings.end(), others.begin(), others.end());
   return warnings;
 }
 
 // Returns the frames of the first rows; at least one.
 std::vector<Frame> FaceReader::_lookAhead()
 {
-  _ahead.fetch(rowsAhead);
+  fetchFrames(_ahead, [](const FaceRow& row) { return row.frame; });
   if (_ahead.empty())
     throw Error({_rows->path(), _rows->lineNumber(), {}}, _rows->nothingToRead());
   std::vector<Frame> frames;
@@ -94,6 +98,9 @@ bool FaceReader::_fetchRow()
   if (_frame && _rowTime < _frameTime)
     _refuse(*row, nameOf(_rows->fields().timestamp, _rows->fields().frame),
             "time runs backwards, expected the rows in the order of their frames");
+  if (_frame && _times.countFromStart() && secondsOf(_rowTime) > secondsOf(_frameTime) + longestPause)
+    _refuse(*row, _rows->fields().timestamp, tooLate(secondsOf(_rowTime) - secondsOf(_frameTime)));
+  _warnOfLateTimestamps(*row);
   _row = row;
   return true;
 }
@@ -106,6 +113,18 @@ ko::SystemClock::time_point FaceReader::_timeOf(const FaceRow& row) const
   if (!fields.timestamp.empty() && !row.frame.timestamp)
     _refuse(row, fields.timestamp, "expected seconds, found no number");
   _refuse(row, nameOf(fields.frame, fields.timestamp), "is too far from the first one");
+}
+
+// The guess of the rate stood on the first rows.
+void FaceReader::_warnOfLateTimestamps(const FaceRow& row)
+{
+  if (!_times.areAssumed() || !row.frame.timestamp || *row.frame.timestamp == 0.0 || _warnedOfTimestamps)
+    return;
+  _warnedOfTimestamps = true;
+  _warnings.push_back("line " + std::to_string(row.line) +
+                      " has a time stamp, though the first rows have none: it is not used, nor are those after it; "
+                      "give the rate of the video" +
+                      settingName(_rateName));
 }
 
 bool FaceReader::_opensCycle(const FaceRow& row) const
@@ -156,6 +175,8 @@ boost::optional<Step> FaceReader::_tellRow()
     _refuse(row, nameOf(_rows->fields().face, _rows->fields().frame),
             "face " + std::to_string(row.face) + " is there twice in frame " + std::to_string(row.frame.number));
   _anyTracked = true;
+  if (const auto found = _scores.look(row.told))
+    _refuse(row, found->member, found->message);
   Step entry = entryOf(_frameTime, row.face, true);
   // Learned in the order in which faces are told, not when rows are read ahead: a live program has no future, either.
   RestingFace& rest = _resting.of(row.face, _frameTime);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "face/facerows.hpp"
+#include "face/facescorecheck.hpp"
 #include "face/frametimes.hpp"
 #include "face/personsinview.hpp"
 #include "face/restingfaces.hpp"
@@ -43,6 +44,7 @@ private:
   std::vector<Frame> _lookAhead();
   bool _fetchRow();
   ko::SystemClock::time_point _timeOf(const FaceRow& row) const;
+  void _warnOfLateTimestamps(const FaceRow& row);
   bool _opensCycle(const FaceRow& row) const;
   void _endCycle();
   void _tellMissingFrame();
@@ -55,9 +57,12 @@ private:
   std::unique_ptr<FaceRows> _rows;
   LookAhead<FaceRow> _ahead;
   FrameTimes _times;
+  std::string _rateName;  // for warnings
+  FaceScoreCheck _scores;
   PersonsInView _persons;
   RestingFaces _resting;
   std::vector<std::string> _warnings;
+  bool _warnedOfTimestamps = false;
   bool _anyTracked = false;
   bool _finished = false;
 

@@ -1,14 +1,17 @@
 #pragma once
 
 #include "face/frametimes.hpp"
+#include "recording/lookahead.hpp"
 
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace KV::recordings
@@ -72,5 +75,30 @@ public:
 
 /// How many rows are looked at before the first is handed out: enough to tell the rate, and what time stamps are worth.
 constexpr std::size_t rowsAhead = 300;
+
+/// Where these rows show fewer frames than that, since a frame has many faces, more rows are looked at.
+constexpr std::size_t framesAhead = 10;
+constexpr std::size_t mostRowsAhead = 10'000;
+
+/// Reads rows ahead, until they show enough frames to tell the rate.
+///
+/// \param frameOf returns what tells the frame of a row: rows that follow each other with the same are of one frame
+template <typename Row, typename FrameOf>
+void fetchFrames(LookAhead<Row>& ahead, const FrameOf& frameOf)
+{
+  for (std::size_t count = rowsAhead;; count = std::min(2 * count, mostRowsAhead))
+  {
+    ahead.fetch(count);
+    std::size_t frames = 0;
+    std::optional<decltype(frameOf(std::declval<Row>()))> last;
+    ahead.forEach([&](const Row& row) {
+      const auto frame = frameOf(row);
+      frames += last && *last == frame ? 0 : 1;
+      last = frame;
+    });
+    if (frames >= framesAhead || ahead.size() < count || count == mostRowsAhead)
+      return;
+  }
+}
 
 }  // namespace KV::recordings

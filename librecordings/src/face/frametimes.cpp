@@ -99,6 +99,11 @@ std::int64_t FrameTimes::missingBetween(const Frame& earlier, const Frame& later
   return timesJumpToo ? missing : 0;
 }
 
+bool FrameTimes::countFromStart() const
+{
+  return _source == Source::Timestamps && _timestampOrigin > 0.0;
+}
+
 std::optional<double> FrameTimes::_secondsOf(const Frame& frame) const
 {
   if (_source == Source::Timestamps)

@@ -54,6 +54,12 @@ public:
   /// Tells whether the times count since 1970 in the file.
   bool areDated() const { return _timestampOrigin == 0.0; }
 
+  /// Tells whether the frames have time stamps, which count from the start of the recording.
+  bool countFromStart() const;
+
+  /// Tells whether a rate is assumed, since the first frames have no time stamps.
+  bool areAssumed() const { return _source == Source::AssumedRate; }
+
   /// Says what rate there is and where the times come from.
   const std::string& description() const { return _description; }
 

@@ -40,6 +40,10 @@ boost::optional<Step> JsonLinesReader::next()
     Step entry = stepFromJson(line);
     if (_anyRead && entry.time < _time)
       throw MemberError("time", "time runs backwards, expected the lines in the order of their times");
+    if (const auto found = _units.look(entry))
+      throw Error({_file.path(), _file.lineNumber(), found->member}, found->message);
+    if (const auto found = implausibleReading(entry))
+      throw MemberError("observation." + found->member, found->message);
     _anyRead = true;
     _time = entry.time;
     return entry;

@@ -2,6 +2,7 @@
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/timeunitcheck.hpp>
 
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ public:
 
 private:
   InputFile _file;
+  TimeUnitCheck _units;
   bool _anyRead = false;
   ko::SystemClock::time_point _time;  // of the line read last
 };

@@ -17,7 +17,6 @@ namespace KV::recordings
 namespace
 {
 constexpr std::size_t matrixSize = 16;
-constexpr double millisecondsPerSecond = 1000.0;
 
 // So many blendshapes are no chance.
 constexpr std::ptrdiff_t tellingNames = 4;
@@ -116,16 +115,9 @@ FaceRow BlendshapeCsvRows::_readRow()
 Frame BlendshapeCsvRows::_readFrame(const CsvNumbers& numbers)
 {
   Frame frame;
-  if (_time && _time->isMilliseconds)
-  {
-    const double milliseconds = numbers.number(_time->column);
-    if (std::isfinite(milliseconds))
-      frame.timestamp = milliseconds / millisecondsPerSecond;
-  }
-  else if (_time)
-  {
-    frame.timestamp = numbers.timestamp(_time->column);
-  }
+  if (_time)
+    frame.timestamp =
+        _time->isMilliseconds ? numbers.timestampInMilliseconds(_time->column) : numbers.timestamp(_time->column);
   if (_frame)
     frame.number = numbers.frameNumber(*_frame);
   else

@@ -138,7 +138,12 @@ std::optional<double> readTimestamp(const Value& result)
 {
   const auto milliseconds = memberOf(result, {"timestampMs", "timestamp_ms"});
   if (milliseconds)
-    return numberOf(*milliseconds, "milliseconds") / 1000.0;
+  {
+    const double value = numberOf(*milliseconds, "milliseconds") / 1000.0;
+    if (std::abs(value) > latestSecond)
+      milliseconds->refuse("milliseconds, from the start of the recording or since 1970");
+    return value;
+  }
   const auto seconds = memberOf(result, {"timestamp", "time"});
   if (!seconds)
     return {};

@@ -13,6 +13,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <utility>
 
 namespace KV::recordings
@@ -147,7 +148,14 @@ void PyFeatRows::_readFace(const CsvNumbers& numbers, Raw& raw)
 
 void PyFeatRows::_learnFromFirstRows()
 {
-  _ahead.fetch(rowsAhead);
+  fetchFrames(_ahead, [](const Raw& raw) { return raw.row.frame.number; });
+  std::set<std::int64_t> seconds;
+  _ahead.forEach([&seconds](const Raw& raw) {
+    if (raw.second)
+      seconds.insert(*raw.second);
+  });
+  if (seconds.size() == 1 && _ahead.size() >= rowsAhead)
+    _ahead.fetch(mostRowsAhead);  // one second tells no rate
   ApproximateRate rate;
   _ahead.forEach([&](const Raw& raw) {
     if (raw.second)

@@ -43,6 +43,9 @@ public:
   /// Tells whether nothing was read ahead, neither a row nor an error.
   bool empty() const { return _ahead.empty(); }
 
+  /// Returns how many rows, or errors in their place, were read ahead.
+  std::size_t size() const { return _ahead.size(); }
+
   /// Calls `look` with each row that was read ahead.
   template <typename Look>
   void forEach(Look look) const

@@ -28,12 +28,6 @@ std::string likelyUnit(double value, const KV::Scale& scale)
   return {};
 }
 
-// What counts since 1970 is between the years 2000 and 2100.
-bool isSince1970(double seconds)
-{
-  return seconds >= 946684800. && seconds <= 4102444800.;
-}
-
 }  // namespace
 
 bool isImplausible(double value, const KV::Scale& scale)
@@ -49,17 +43,6 @@ std::string implausibleText(double value, const KV::Scale& scale)
                      textOf(scale.greatest) + (unit.empty() ? "" : " " + unit);
   const std::string likely = likelyUnit(value, scale);
   return likely.empty() ? text : text + "; " + likely;
-}
-
-std::string likelyUnitOfTime(double value)
-{
-  if (isSince1970(value * 1e-3))
-    return "it looks like milliseconds since 1970: divide it by 1000";
-  if (isSince1970(value * 1e-6))
-    return "it looks like microseconds since 1970: divide it by 1e6";
-  if (isSince1970(value * 1e-9))
-    return "it looks like nanoseconds since 1970: divide it by 1e9";
-  return {};
 }
 
 }  // namespace KV::recordings

@@ -2,6 +2,8 @@
 
 #include <ko/systemclock.hpp>
 
+#include <string>
+
 namespace KV::recordings
 {
 
@@ -14,6 +16,15 @@ constexpr double earliestEpochTimestamp = 1e9;
 
 /// [s] before and after 1970 that nanoseconds in 64 bits can count.
 constexpr double greatestSecond = 9.2e9;
+
+/// [s] No recording that counts from its start goes on after a longer pause: such times are nanoseconds.
+constexpr double longestPause = 1e7;
+
+/// Says what is wrong with a time that is so many seconds after the one before, which is more than longestPause.
+std::string tooLate(double seconds);
+
+/// Returns the time in seconds since 1970, as far as a double can hold it.
+double secondsOf(ko::SystemClock::time_point time);
 
 /// Returns the time so many seconds after `origin`, itself in whole seconds since 1970; both together must not be
 /// beyond greatestSecond.

@@ -1,6 +1,8 @@
 #include "tidy/frametable.hpp"
 
+#include <skeigiot/recordings/implausible.hpp>
 #include <skeigiot/recordings/limits.hpp>
+#include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
 #include <array>
@@ -54,10 +56,15 @@ std::string FrameTable::text(Column column) const
   return source.numbers ? textOf(source.numbers[_row]) : source.texts[_row];
 }
 
-double FrameTable::number(Column column) const
+double FrameTable::_anyNumber(Column column) const
 {
   const TableColumn& source = *field(column);
-  const double value = source.numbers ? source.numbers[_row] : numberIn(source.texts[_row]);
+  return source.numbers ? source.numbers[_row] : numberIn(source.texts[_row]);
+}
+
+double FrameTable::number(Column column) const
+{
+  const double value = _anyNumber(column);
   if (!(std::abs(value) <= greatestMeasurement))
     refuseValue(column, "a number");
   return value;
@@ -73,9 +80,10 @@ std::int64_t FrameTable::wholeNumber(Column column, double least, double greates
 
 double FrameTable::seconds(Column column) const
 {
-  const double value = number(column);
-  if (value < earliestTimestamp || value > latestTimestamp)
-    refuseTime(column, value);
+  const double value = _anyNumber(column);
+  if (!(value >= earliestTimestamp && value <= latestTimestamp))
+    refuse(column, "expected seconds, from the start of the recording or since 1970, found " + quote(text(column)) +
+                       adviceOnSeconds(value));
   return value;
 }
 

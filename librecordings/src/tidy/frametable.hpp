@@ -48,6 +48,8 @@ protected:
   void nextRow() { ++_row; }
 
 private:
+  double _anyNumber(TidyColumn column) const;
+
   const Table _frame;
   Columns _columns;
   std::size_t _row = 0;

@@ -1,9 +1,9 @@
 #include "tidy/tidyreader.hpp"
 
-#include "recording/plausible.hpp"
 #include "recording/recordingclock.hpp"
 
 #include <skeigiot/recordings/description.hpp>
+#include <skeigiot/recordings/implausible.hpp>
 
 #include <utility>
 
@@ -19,6 +19,12 @@ std::string keyOf(const std::string& reading, const Step& entry)
   if (reading == "stop")
     return "stop " + entry.scopeStops.back();
   return reading;
+}
+
+// The column that holds the last part of a reading, such as "confidence" of "smile.confidence".
+TidyColumn partOf(const std::string& member)
+{
+  return tidyColumnNamed(member.substr(member.rfind('.') + 1)).value_or(TidyColumn::Value);
 }
 
 }  // namespace
@@ -92,6 +98,7 @@ void TidyReader::_fetchRow()
   }
   TidyRow row = readTidyRow(*_table);
   const auto time = _timeOf(row);
+  _anyRow = true;
   if (time < _time)
     _table->refuse(TidyColumn::Time, "time runs backwards, expected the rows in the order of their times");
   _row = std::move(row);
@@ -102,19 +109,21 @@ ko::SystemClock::time_point TidyReader::_timeOf(const TidyRow& row)
 {
   _hasMoments = row.moment.has_value();
   if (row.moment)
+  {
+    const auto found = _anyRow ? boost::none : implausibleTime(*row.moment);
+    if (found)
+      _table->refuse(TidyColumn::Time, found->message);
     return *row.moment;
+  }
   const double seconds = row.seconds;
   const double origin = seconds > earliestEpochTimestamp ? 0. : recordingEpoch;
   if (_origin && origin != *_origin)
     _table->refuse(TidyColumn::Time, "some rows count from the start of the recording, others since 1970");
   if (origin + seconds > greatestSecond || origin + seconds < 0.)
     _table->refuse(TidyColumn::Time, "is too far from the start of the recording");
-  if (origin > 0. && seconds - _seconds.value_or(seconds) > longestPause)
-    _table->refuse(TidyColumn::Time,
-                   "is more than 11 days after the row before: expected seconds, these may be milliseconds or "
-                   "nanoseconds");
+  if (_anyRow && origin > 0. && origin + seconds > secondsOf(_time) + longestPause)
+    _table->refuse(TidyColumn::Time, tooLate(origin + seconds - secondsOf(_time)));
   _origin = origin;
-  _seconds = seconds;
   return timeAfter(origin, seconds);
 }
 
@@ -130,6 +139,8 @@ void TidyReader::_takeRow()
     return;
   if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
     _table->refuse(TidyColumn::Reading, row.reading + " is there twice at this time");
+  if (const auto found = implausibleReading(step.entry))
+    _table->refuse(partOf(found->member), found->member + ": " + found->message);
   if (!step.entry.seen && step.readings.size() > 1)
     _table->refuse(TidyColumn::Reading,
                    "person " + std::to_string(*row.person) + " is not seen at this time, and yet observed");

@@ -54,11 +54,11 @@ private:
 
   std::unique_ptr<TidyTable> _table;
   std::optional<double> _origin;   // [s] since 1970, to which the times are added; decided by the first row
-  std::optional<double> _seconds;  // of the row before, as the table counts
   bool _hasMoments = false;        // instead of seconds
   std::optional<TidyRow> _row;     // read, and not taken yet
   ko::SystemClock::time_point _rowTime;
   ko::SystemClock::time_point _time;            // of the steps below, and the latest so far
+  bool _anyRow = false;                         // whose time is known
   bool _anyTime = false;                        // there are rows of that time
   StepInMaking _room;                           // what is about no person
   std::map<std::int32_t, StepInMaking> _steps;  // by person

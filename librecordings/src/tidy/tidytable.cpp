@@ -1,7 +1,5 @@
 #include "tidy/tidytable.hpp"
 
-#include "recording/plausible.hpp"
-
 #include <skeigiot/recordings/quote.hpp>
 
 #include <algorithm>
@@ -39,13 +37,6 @@ bool isEmptyField(std::string_view field)
 void TidyTable::refuse(TidyColumn column, const std::string& message) const
 {
   throw BadLine(placeOf(column), message);
-}
-
-void TidyTable::refuseTime(TidyColumn column, double value) const
-{
-  const std::string likely = likelyUnitOfTime(value);
-  refuse(column, "expected seconds, from the start of the recording or since 1970, found " + quote(text(column)) +
-                     (likely.empty() ? "" : "; " + likely));
 }
 
 void TidyTable::refuseValue(TidyColumn column, const std::string& expected) const

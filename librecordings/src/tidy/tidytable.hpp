@@ -88,9 +88,6 @@ public:
   /// \throws BadLine always: says what was expected in this field, and what is there.
   [[noreturn]] void refuseValue(TidyColumn column, const std::string& expected) const;
 
-  /// \throws BadLine always: this number is no time in seconds.
-  [[noreturn]] void refuseTime(TidyColumn column, double value) const;
-
   /// Returns which columns are read.
   virtual const Columns& columns() const = 0;
 

@@ -82,6 +82,8 @@ std::vector<std::int32_t> LiveSession::take(std::string_view line)
   if (isBlank(line))
     return {};
   recordings::StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
+  if (const auto found = recordings::implausibleReading(read.entry))
+    throw recordings::MemberError("observation." + found->member, found->message);
 
   if (!_session.canStartScopes(read.entry))
     throw recordings::MemberError("start", "more than " + std::to_string(Scopes::mostOpen) +
@@ -108,6 +110,8 @@ recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
 {
   const TimePoint arrival = present();
   recordings::StreamLine line = recordings::streamLineFromJson(text, arrival);
+  if (const auto found = recordings::implausibleTime(line.entry.time))
+    throw recordings::MemberError(found->member, found->message);
   if (line.entry.time > arrival + furthestAhead)
     throw recordings::MemberError(
         "time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");
@@ -118,11 +122,13 @@ recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
   return line;
 }
 
-recordings::StreamLine LiveSession::_readAtItsTime(std::string_view text) const
+recordings::StreamLine LiveSession::_readAtItsTime(std::string_view text)
 {
   recordings::StreamLine line = recordings::streamLineFromJson(text, boost::none);
   if (line.entry.time < _now)
     throw recordings::MemberError("time", "time runs backwards, expected the lines in the order of their times");
+  if (const auto found = _units.look(line.entry))
+    throw recordings::MemberError(found->member, found->message);
   return line;
 }
 

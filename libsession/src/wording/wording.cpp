@@ -32,7 +32,9 @@ std::string clockText(Duration time, int decimals)
   for (int i = 0; i < decimals; ++i)
     unitsPerSecond *= 10;
   const std::int64_t nanosecondsPerUnit = 1'000'000'000 / unitsPerSecond;
-  const std::int64_t units = (time.count() + nanosecondsPerUnit / 2) / nanosecondsPerUnit;
+  // Rounded without a sum, which may be more than 64 bits hold.
+  const std::int64_t units =
+      time.count() / nanosecondsPerUnit + (time.count() % nanosecondsPerUnit >= (nanosecondsPerUnit + 1) / 2 ? 1 : 0);
 
   const auto seconds = static_cast<long long>(units / unitsPerSecond);
   std::string text = seconds >= 3600 ? formatted("%lld:%02lld:%02lld", seconds / 3600, seconds / 60 % 60, seconds % 60)

@@ -333,6 +333,47 @@ TEST_F(JsonLines, ReadBackToTheSameBits)
   EXPECT_EQ(text, textAgain);
 }
 
+TEST_F(JsonLines, AreRefusedIfTheirTimesAreNoNanoseconds)
+{
+  EXPECT_EQ(folder.path("f") +
+                ":1: time: expected nanoseconds since 1970, found 1700000000: this looks like seconds, "
+                "to be multiplied by 1000000000",
+            support::contentsOf(folder.write("f", "{\"time\":1700000000}\n{\"time\":1700000001}\n")).fatal);
+  std::string text;
+  for (const char* const time : {"0", "1", "2", "3"})
+    text += std::string("{\"time\":") + time + ",\"person\":1}\n";
+  EXPECT_EQ(folder.path("f") +
+                ":4: time: this is the fourth time of person 1 within 3 ns: expected nanoseconds; this "
+                "looks like seconds, milliseconds or microseconds",
+            support::contentsOf(folder.write("f", text)).fatal);
+}
+
+TEST_F(JsonLines, AreRefusedWhereAScoreIsPercent)
+{
+  const auto errorOf = [this](const std::string& observation) {
+    const auto contents = read("{\"time\":7,\"person\":1,\"observation\":{" + observation + "}}\n");
+    return contents.badLines.empty() ? "" : contents.badLines.front().substr(folder.path("f").size());
+  };
+  const std::string why = ": this looks like percent, to be divided by 100";
+  EXPECT_EQ(":1: observation.smile.value: expected a number from 0 to 1, found 50" + why,
+            errorOf(R"("smile":{"value":50,"confidence":1})"));
+  EXPECT_EQ(":1: observation.smile.confidence: expected a number from 0 to 1, found 95" + why,
+            errorOf(R"("smile":{"value":1,"confidence":95})"));
+  EXPECT_EQ(":1: observation.expressions.joy.value: expected a number from 0 to 1, found 80" + why,
+            errorOf(R"("expressions":{"joy":{"value":80,"confidence":1}})"));
+  EXPECT_EQ("", errorOf(R"("gaze":{"yaw":80,"pitch":50},"distance":{"value":3},"touchEmotion":{"value":80})"));
+  EXPECT_EQ("", errorOf(R"("smile":{"value":1.01,"confidence":1})"));
+}
+
+TEST_F(JsonLines, AreRefusedWhereTheTimeOfAReadingIsNoNanoseconds)
+{
+  const auto contents = read(R"({"time":1700000000000000000,"person":1,)"
+                             R"("observation":{"speaking":{"time":1700000000,"value":true}}})"
+                             "\n");
+  ASSERT_EQ(1u, contents.badLines.size());
+  EXPECT_THAT(contents.badLines.front(), HasSubstr("1: observation.speaking.time: expected nanoseconds since 1970"));
+}
+
 TEST_F(JsonLines, DescribeThemselvesInTwoLines)
 {
   EXPECT_THAT(read("{\"time\":1}\n").description,

@@ -377,6 +377,22 @@ TEST_F(BlendshapeCsvReader, IsNotTakenForOpenFaceByItsFrameAndTimestamp)
               HasSubstr("Blendshapes: "));
 }
 
+TEST_F(BlendshapeCsvReader, RefusesMillisecondsThatAreNoTime)
+{
+  EXPECT_THAT(read("timestamp_ms,mouthSmileLeft,mouthSmileRight,jawOpen,browInnerUp\n9e300,1,1,1,1\n").badLines,
+              ElementsAre(HasSubstr("2: timestamp_ms: expected milliseconds, from the start of the recording or since "
+                                    "1970, found '9e300'")));
+}
+
+TEST_F(BlendshapeCsvReader, WarnsOnceOfScoresInPercent)
+{
+  const auto contents =
+      read("timestamp,mouthSmileLeft,mouthSmileRight,jawOpen,browInnerUp\n0,1.1,1,0,0\n0.1,80,1,0,0\n0.2,90,1,0,0\n");
+  EXPECT_THAT(contents.warnings,
+              ElementsAre("mouthSmileLeft is 80, expected a number from 0 to 1: this looks like percent, and counts as "
+                          "full; divide such scores first"));
+}
+
 TEST_F(BlendshapeCsvReader, NamesWhatItCannotRead)
 {
   EXPECT_EQ("2: jawOpen: expected a number, found 'wide'", errorOf(table + "\n1,0,0,wide,0\n"));

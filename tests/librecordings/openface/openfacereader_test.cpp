@@ -435,6 +435,42 @@ TEST_F(OpenFaceReader, WarnsOfARateThatNoCameraHas)
   EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the time stamps tell of 1000 frames/s")));
 }
 
+TEST_F(OpenFaceReader, LooksBeyondAFirstFrameOfManyFacesForTheRate)
+{
+  for (const int faces : {299, 300, 301, 700, 4000})
+  {
+    std::string text = "frame,face_id,timestamp,AU12_r\n";
+    for (int frame = 0; frame < 3; ++frame)
+      for (int face = 0; face < faces; ++face)
+        text += std::to_string(frame) + "," + std::to_string(face) + "," + std::to_string(0.1 * frame) + ",1\n";
+    const auto contents = readWell(text);
+    EXPECT_THAT(contents.description.back(), HasSubstr("10 frames/s by the time stamps")) << faces;
+    EXPECT_DOUBLE_EQ(0.2, secondsOf(contents.entries.back())) << faces;
+  }
+}
+
+TEST_F(OpenFaceReader, WarnsOfTimeStampsThatItDoesNotUse)
+{
+  std::string text = "frame,timestamp,AU12_r\n";
+  for (int frame = 0; frame < 320; ++frame)
+    text += std::to_string(frame) + "," + (frame < 310 ? "0" : std::to_string(frame)) + ",1\n";
+  const auto contents = readWell(text);
+  EXPECT_THAT(contents.description.back(), HasSubstr("30 frames/s assumed"));
+  ASSERT_EQ(2u, contents.warnings.size());
+  EXPECT_EQ(
+      "line 312 has a time stamp, though the first rows have none: it is not used, nor are those after it; give the "
+      "rate of the video",
+      contents.warnings[1]);
+}
+
+TEST_F(OpenFaceReader, WarnsOnceOfActionUnitsInPercent)
+{
+  const auto contents = readWell("frame,timestamp,AU06_r,AU12_r\n1,0,1,5.5\n2,0.1,1,60\n3,0.2,70,60\n");
+  EXPECT_THAT(contents.warnings,
+              ElementsAre("AU12 is 60, expected a number from 0 to 5: this looks like percent, and counts as full; "
+                          "divide such scores first"));
+}
+
 TEST_F(OpenFaceReader, RefusesARowWhoseTimeRunsBackwardsAndGoesOn)
 {
   const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n3,0.05,1\n4,0.2,1\n");
@@ -496,7 +532,22 @@ INSTANTIATE_TEST_SUITE_P(
                     "3: timestamp: expected a number, found '00:01'"},
         BadLineCase{"MillisecondsSince1970", "frame,timestamp,AU12_r\n1,1600000000000,1\n",
                     "2: timestamp: expected seconds, from the start of the recording or since 1970, found "
-                    "'1600000000000'"},
+                    "'1600000000000'; this looks like milliseconds, to be divided by 1000"},
+        BadLineCase{"NanosecondsSince1970", "frame,timestamp,AU12_r\n1,1600000000000000000,1\n",
+                    "2: timestamp: expected seconds, from the start of the recording or since 1970, found "
+                    "'1600000000000000000'; this looks like nanoseconds, to be divided by 1000000000"},
+        BadLineCase{"NanosecondsFromTheStart", "frame,timestamp,AU12_r\n1,0,1\n2,33333333,1\n",
+                    "3: timestamp: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, "
+                    "to be divided by 1000000000"},
+        BadLineCase{"ATimestampThatIsNoTime", "frame,timestamp,AU12_r\n1,9e300,1\n",
+                    "2: timestamp: expected seconds, from the start of the recording or since 1970, found '9e300'"},
+        BadLineCase{"ATimestampThatNoDoubleHolds", "frame,timestamp,AU12_r\n1,1e400,1\n",
+                    "2: timestamp: expected seconds, from the start of the recording or since 1970, found '1e400'"},
+        BadLineCase{"AnInfiniteTimestamp", "frame,timestamp,AU12_r\n1,-inf,1\n",
+                    "2: timestamp: expected seconds, from the start of the recording or since 1970, found '-inf'"},
+        BadLineCase{"AConfidenceInPercent", "frame,confidence,AU12_r\n1,95,1\n",
+                    "2: confidence: expected a number from 0 to 1, found 95: this looks like percent, to be divided by "
+                    "100"},
         BadLineCase{"ABrokenFace", "frame,face_id,AU12_r\n1,0.5,1\n",
                     "2: face_id: expected a whole number, found '0.5'"},
         BadLineCase{"AHugeFace", "frame,face_id,AU12_r\n1,4294967296,1\n",

@@ -66,6 +66,46 @@ TEST_F(TableTest, WithAReadingInEachRowGivesWhatTidyCsvGives)
   expectSame("time,person,reading,value\n0,3,smile,0.7\n0.1,3,distance,1.1\n0.2,4,expressions.joy,0.2\n", table);
 }
 
+TEST_F(TableTest, WithTimesInAnotherUnitIsRefused)
+{
+  const std::vector<double> smile = {1., 1.};
+  const auto errorOf = [&](const std::vector<double>& seconds) {
+    const Table table{"table", seconds.size(), {{"time", seconds.data(), {}}, {"smile", smile.data(), {}}}};
+    return support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0);
+  };
+  EXPECT_EQ(
+      "table, row 0: time: expected seconds, from the start of the recording or since 1970, found '1.7e+18'; this "
+      "looks like nanoseconds, to be divided by 1000000000",
+      errorOf({1.7e18}));
+  EXPECT_EQ(
+      "table, row 1: time: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, to be "
+      "divided by 1000000000",
+      errorOf({0., 33333333.}));
+}
+
+TEST_F(TableTest, WithMomentsInMillisecondsIsRefused)
+{
+  const std::vector<double> smile = {1., 1.};
+  const std::vector<std::int64_t> moments = {1700000000000, 1700000000100};
+  Table table{"table", 2, {{"smile", smile.data(), {}}}};
+  table.moments = moments.data();
+  EXPECT_EQ(
+      "table, row 0: time: expected nanoseconds since 1970, found 1700000000000: this looks like milliseconds, to be "
+      "multiplied by 1000000",
+      support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0));
+}
+
+TEST_F(TableTest, WithScoresInPercentIsRefused)
+{
+  const std::vector<double> smile = {0.5, 50.};
+  const std::vector<double> seconds = {0., 1.};
+  const Table table{"table", 2, {{"time", seconds.data(), {}}, {"smile", smile.data(), {}}}};
+  EXPECT_EQ(
+      "table, row 1: smile: smile.value: expected a number from 0 to 1, found 50: this looks like percent, to be "
+      "divided by 100",
+      support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0));
+}
+
 TEST_F(TableTest, WithoutTimesIsRefused)
 {
   const Table table{"table", 3, {{"smile", times.data(), {}}}};

@@ -204,6 +204,11 @@ TEST_F(TidyCsv, CountsTimesFromTheStartOrSince1970)
 }
 
 // As pandas writes: an index without a name, NaN or nothing for what is unknown, whole numbers with a fraction.
+TEST_F(TidyCsv, TakesAPauseOfAMonth)
+{
+  EXPECT_DOUBLE_EQ(3e6, support::secondsOf(read("time,reading,value\n0,smile,1\n3e6,smile,1\n").entries.at(1)));
+}
+
 TEST_F(TidyCsv, TakesWhatPandasWrites)
 {
   const auto contents = read(
@@ -292,17 +297,18 @@ INSTANTIATE_TEST_SUITE_P(
                     "2: time: expected seconds, from the start of the recording or since 1970, found '1e11'"},
         BadTidyCase{"Nanoseconds", "time,reading,value\n1577836800000000000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000000000'; it looks like nanoseconds since 1970: divide it by 1e9"},
+                    "'1577836800000000000'; this looks like nanoseconds, to be divided by 1000000000"},
         BadTidyCase{"Microseconds", "time,reading,value\n1577836800000000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000000'; it looks like microseconds since 1970: divide it by 1e6"},
+                    "'1577836800000000'; this looks like microseconds, to be divided by 1000000"},
         BadTidyCase{"Milliseconds", "time,reading,value\n1577836800000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000'; it looks like milliseconds since 1970: divide it by 1000"},
-        BadTidyCase{
-            "NanosecondsFromTheStart", "time,reading,value\n0,smile,1\n33333333,smile,1\n",
-            "3: time: is more than 11 days after the row before: expected seconds, these may be milliseconds or "
-            "nanoseconds"},
+                    "'1577836800000'; this looks like milliseconds, to be divided by 1000"},
+        BadTidyCase{"NanosecondsFromTheStart", "time,reading,value\n0,smile,1\n33333333,smile,1\n",
+                    "3: time: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, to be "
+                    "divided by 1000000000"},
+        BadTidyCase{"TimeThatIsNone", "time,reading,value\n9e300,smile,1\n",
+                    "2: time: expected seconds, from the start of the recording or since 1970, found '9e300'"},
         BadTidyCase{
             "Percent", "time,reading,value\n0,expressions.joy,80\n",
             "2: value: expressions.joy of 80 is far from its range, 0 to 1; it looks like percent: divide it by "

@@ -172,6 +172,37 @@ TEST_F(StreamTest, GoesOnBehindABadLine)
   EXPECT_EQ(3, answer(lineOf(seenAt(0.5, 3)))["line"]);
 }
 
+TEST_F(StreamTest, RefusesTimesThatAreNoNanoseconds)
+{
+  const json bad = answer(R"({"time":1700000000,"person":3})");
+  EXPECT_EQ("time", bad["error"]["field"]);
+  EXPECT_EQ(
+      "expected nanoseconds since 1970, found 1700000000: this looks like seconds, to be multiplied by 1000000000",
+      bad["error"]["message"]);
+  for (const char* const line : {R"({"time":1,"person":3})", R"({"time":2,"person":3})", R"({"time":3,"person":3})"})
+    EXPECT_FALSE(answer(line).contains("error")) << line;
+  EXPECT_EQ("time", answer(R"({"time":4,"person":3})")["error"]["field"]);
+}
+
+TEST_F(StreamTest, RefusesTimesThatAreNoNanosecondsOnArrival)
+{
+  Stream onArrival(StreamTimes::Arrival, [] { return start; });
+  for (const char* const time : {"1700000000", "1700000000000", "1700000000000000"})
+  {
+    const json bad = json::parse(onArrival.answer(std::string("{\"time\":") + time + ",\"person\":3}"));
+    EXPECT_EQ("time", bad["error"]["field"]) << time;
+  }
+}
+
+TEST_F(StreamTest, RefusesScoresInPercent)
+{
+  const json bad =
+      answer(R"({"time":1577836801000000000,"person":3,"observation":{"smile":{"value":50,"confidence":1}}})");
+  EXPECT_EQ("observation.smile.value", bad["error"]["field"]);
+  EXPECT_EQ("expected a number from 0 to 1, found 50: this looks like percent, to be divided by 100",
+            bad["error"]["message"]);
+}
+
 TEST_F(StreamTest, TellsOfWhatIsNoJsonWithoutAField)
 {
   for (const char* const text : {"x", "[1,2]", "{\"time\":1", "\xff\xfe", "{\"\xc3\x28\":1}", "{\"time\":1e999}"})

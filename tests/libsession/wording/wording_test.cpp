@@ -41,6 +41,12 @@ INSTANTIATE_TEST_SUITE_P(Times, ClockText,
                                            ClockCase{"LeadingZerosOfDecimals", 1'005, 3, "0:01.005"}),
                          support::RowName());
 
+TEST(LongestTime, IsShownAsItIs)
+{
+  EXPECT_EQ("2562047:47:16.9", KV::session::clockText(Duration(std::numeric_limits<std::int64_t>::max()), 1));
+  EXPECT_EQ("2562047:47:16.854775807", KV::session::clockText(Duration(std::numeric_limits<std::int64_t>::max()), 9));
+}
+
 struct NumberCase
 {
   const char* name;

@@ -229,6 +229,36 @@ TEST_F(CommandTest, NamesTheOptionsThatLetDistantInputsBeReplayed)
   EXPECT_THAT(runCommand({"why", early, late, "--person", "1", "--at", "0"}).errors, EndsWith(expected));
 }
 
+TEST_F(CommandTest, NamesTheWaysOutIfFilesNamedTogetherAreOfSeveralPersons)
+{
+  const std::string clip = folder.write("clip.csv", "time,reading,value\n0,smile,1\n");
+  const std::string other = folder.write("other.csv", "time,reading,value\n0,smile,0\n");
+  const CommandResult result = replay({clip, other});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("skeigiot: " + other + ": smile: person 0 has this reading at the same time in " + clip +
+                ": these are recordings of two persons, or of two sessions; --separately replays each for itself, and "
+                "so does a folder that holds them\n",
+            result.errors);
+  EXPECT_EQ(0, replay({clip, other, "--separately"}).status);
+}
+
+TEST_F(CommandTest, GoesOnWithTheOthersOfABatch)
+{
+  folder.write("a.csv", "time,reading,value\n0,smile,1\n");
+  folder.write("b.csv", "time,reading,value\n0,smile,wide\n");
+  folder.write("c.csv", "time,reading,value\n0,smile,1\n");
+  std::filesystem::create_symlink("loop", folder.path("loop"));
+  for (const char* const jobs : {"1", "3"})
+  {
+    const CommandResult result = replay({folder.path("."), "--jobs", jobs});
+    EXPECT_EQ(2, result.status);
+    EXPECT_THAT(result.output, HasSubstr("a.csv\n"));
+    EXPECT_THAT(result.output, HasSubstr("c.csv\n"));
+    EXPECT_THAT(result.errors, HasSubstr("b.csv:2: value: expected a number"));
+    EXPECT_THAT(result.errors, HasSubstr("loop: passed over, since it cannot be read: Too many levels"));
+  }
+}
+
 TEST_F(CommandTest, NamesTheOptionForTheRate)
 {
   const std::string path = folder.write("face.csv", "frame,AU12_r\n1,1\n2,1\n");

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/observationjson.hpp>
+#include <skeigiot/recordings/timeunitcheck.hpp>
 #include <skeigiot/session/cycle.hpp>
 #include <skeigiot/session/session.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
@@ -50,11 +51,12 @@ public:
 
 private:
   recordings::StreamLine _readAtArrival(std::string_view text) const;
-  recordings::StreamLine _readAtItsTime(std::string_view text) const;
+  recordings::StreamLine _readAtItsTime(std::string_view text);
 
   StreamTimes _times;
   std::function<TimePoint()> _wallClock;
   Session _session;
+  recordings::TimeUnitCheck _units;
   TimePoint _now;
 };
 
