@@ -10,6 +10,7 @@
 #include <skeigiot/session/agreementrecorder.hpp>
 #include <skeigiot/session/boundary.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
+#include <skeigiot/session/possiblejobs.hpp>
 
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
@@ -372,14 +373,15 @@ py::tuple agreeOne(const py::list& inputs, const std::vector<std::string>& label
 std::vector<ReplayOutcome> replayEach(const std::vector<ReplayRequest>& requests, std::size_t jobs)
 {
   using Jobs = KV::session::OrderedJobs<ReplayOutcome>;
-  Jobs running(requests.size(), jobs, [&requests](std::size_t number, const Jobs::Cancelled& cancelled) {
-    const auto check = [&cancelled] {
-      if (cancelled)
-        throw Cancelled();
-    };
-    const KV::recordings::InterruptionCheck whileReading(check);
-    return replay(requests[number], check);
-  });
+  Jobs running(requests.size(), KV::session::possibleJobs(jobs),
+               [&requests](std::size_t number, const Jobs::Cancelled& cancelled) {
+                 const auto check = [&cancelled] {
+                   if (cancelled)
+                     throw Cancelled();
+                 };
+                 const KV::recordings::InterruptionCheck whileReading(check);
+                 return replay(requests[number], check);
+               });
   std::vector<ReplayOutcome> outcomes;
   while (outcomes.size() < requests.size())
     outcomes.push_back(running.take([] { SignalCheck::runHandlers(); }));

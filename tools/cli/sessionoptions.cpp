@@ -27,6 +27,8 @@ std::string withOptions(const session::PlanError& error)
       return "--offset: " + message;
     case session::PlanFault::NamedTwice:
       return message + ": give --separately to replay it twice";
+    case session::PlanFault::TooManyInputs:
+      return message + ": name their folder instead, or give --separately, to replay them one by one";
   }
   return message;
 }

@@ -8,6 +8,7 @@
 #include <skeigiot/session/exports.hpp>
 #include <skeigiot/session/orderedjobs.hpp>
 #include <skeigiot/session/outputcheck.hpp>
+#include <skeigiot/session/possiblejobs.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -97,7 +98,7 @@ private:
   {
     const std::size_t count = _options.sessions.size();
     session::OrderedJobs<Buffered> jobs(
-        count, _options.jobs,
+        count, session::possibleJobs(_options.jobs),
         [this](std::size_t i, const std::atomic<bool>& cancelled) { return _buffered(i, cancelled); });
     for (std::size_t i = 0; i < count && !_isInVain(); ++i)
     {

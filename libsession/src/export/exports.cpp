@@ -43,7 +43,7 @@ std::vector<SessionObserver*> exportersOf(const std::vector<File>& files)
 struct Exports::File
 {
   const ExportFormat& format;
-  std::string folder;  // for temporary files
+  std::shared_ptr<SpillStore> spilled;
   std::unique_ptr<ReplacedFile> file;
   std::unique_ptr<Exporter> exporter;
 };
@@ -67,7 +67,8 @@ Exports::~Exports() = default;
 
 void Exports::add(const std::string& format, const std::string& target, OutputCheck& check)
 {
-  File file{exportFormat(format), folderFor(target), std::make_unique<ReplacedFile>(target, check), nullptr};
+  File file{exportFormat(format), std::make_shared<SpillStore>(folderFor(target)),
+            std::make_unique<ReplacedFile>(target, check), nullptr};
   file.exporter = file.format.make(file.file->stream());
   file.exporter->writeHeader();
   _files.push_back(std::move(file));
@@ -94,7 +95,7 @@ std::unique_ptr<Exports::Spilled> Exports::spill(int number) const
   std::unique_ptr<Spilled> spilled(new Spilled);
   for (const File& file : _files)
   {
-    Spilled::File part{std::make_unique<SpillFile>(file.folder), nullptr};
+    Spilled::File part{std::make_unique<SpillFile>(file.spilled), nullptr};
     part.exporter = file.format.make(part.file->stream());
     part.exporter->beginSession(number);
     spilled->_files.push_back(std::move(part));

@@ -1,60 +1,45 @@
 #include "export/spillfile.hpp"
 
-#include <fcntl.h>
-#include <stdlib.h>  // NOLINT(modernize-deprecated-headers): mkostemp is not in the C++ header
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstddef>
-#include <vector>
+#include <utility>
 
 namespace KV::session
 {
 
-namespace
+SpillFile::SpillFile(std::shared_ptr<SpillStore> store) : _buffer(std::move(store)), _stream(&_buffer)
 {
-
-constexpr std::size_t pieceSize = std::size_t{64} << 10U;  // [bytes]
-
-std::string nameOf(const std::string& folder)
-{
-  return "temporary file in " + folder;
+  _stream.exceptions(std::ios::badbit);  // an exception of the buffer then passes through the stream as it is
 }
 
-}  // namespace
-
-SpillFile::SpillFile(const std::string& folder)
+SpillFile::Buffer::Buffer(std::shared_ptr<SpillStore> store) : _store(std::move(store))
 {
-  std::string pattern = folder + "/.skeigiot.XXXXXX";
-  _fileDescriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
-  if (_fileDescriptor < 0)
-    throw WriteError(nameOf(folder), errno);
-  ::unlink(pattern.c_str());
-  _stream = std::make_unique<OutputStream>(_fileDescriptor, nameOf(folder));
+  setp(_bytes.begin(), _bytes.end());
 }
 
-SpillFile::~SpillFile()
+SpillFile::Buffer::~Buffer()
 {
-  if (_fileDescriptor >= 0)
-    ::close(_fileDescriptor);
+  for (const SpillStore::Block block : _blocks)
+    _store->release(block);
 }
 
-void SpillFile::copyTo(std::ostream& target)
+void SpillFile::Buffer::copyTo(std::ostream& target)
 {
-  _stream->flush();
-  std::vector<char> piece(pieceSize);
-  off_t offset = 0;
-  for (;;)
+  std::vector<char> bytes(_blocks.empty() ? 0 : SpillStore::blockSize);
+  for (const SpillStore::Block block : _blocks)
   {
-    const ssize_t count = ::pread(_fileDescriptor, piece.data(), piece.size(), offset);
-    if (count == 0)
-      return;
-    if (count > 0)
-      target.write(piece.data(), count);
-    else if (errno != EINTR)
-      throw WriteError("temporary file", errno);
-    offset += count > 0 ? count : 0;
+    _store->read(block, bytes.data());
+    target.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   }
+  target.write(pbase(), pptr() - pbase());
+}
+
+// Is called when a whole block stands in memory.
+SpillFile::Buffer::int_type SpillFile::Buffer::overflow(int_type character)
+{
+  _blocks.push_back(_store->keep(_bytes.data()));
+  setp(_bytes.begin(), _bytes.end());
+  if (!traits_type::eq_int_type(character, traits_type::eof()))
+    sputc(traits_type::to_char_type(character));
+  return traits_type::not_eof(character);
 }
 
 }  // namespace KV::session

@@ -1,36 +1,54 @@
 #pragma once
 
-#include <skeigiot/session/outputstream.hpp>
+#include "export/spillstore.hpp"
 
+#include <array>
 #include <memory>
 #include <ostream>
-#include <string>
+#include <streambuf>
+#include <vector>
 
 namespace KV::session
 {
 
-/// A file without a name, for what is to be written elsewhere later; gone with the object, however the program ends.
+/// What is to be written elsewhere later: a block of it in memory, all before in a store.
 class SpillFile
 {
 public:
-  /// Makes a file on the disk of that folder.
-  ///
-  /// \throws WriteError if that fails.
-  explicit SpillFile(const std::string& folder);
-  ~SpillFile();
+  explicit SpillFile(std::shared_ptr<SpillStore> store);
   SpillFile(const SpillFile&) = delete;
   SpillFile& operator=(const SpillFile&) = delete;
 
-  std::ostream& stream() { return *_stream; }
+  /// Returns where to write; throws WriteError where the store cannot keep it.
+  std::ostream& stream() { return _stream; }
 
   /// Writes all that it holds to another stream.
   ///
-  /// \throws WriteError if the file cannot be written or read.
-  void copyTo(std::ostream& target);
+  /// \throws WriteError if the store cannot be read.
+  void copyTo(std::ostream& target) { _buffer.copyTo(target); }
 
 private:
-  int _fileDescriptor = -1;
-  std::unique_ptr<OutputStream> _stream;
+  class Buffer : public std::streambuf
+  {
+  public:
+    explicit Buffer(std::shared_ptr<SpillStore> store);
+    ~Buffer() override;
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+
+    void copyTo(std::ostream& target);
+
+  protected:
+    int_type overflow(int_type character) override;
+
+  private:
+    std::shared_ptr<SpillStore> _store;
+    std::vector<SpillStore::Block> _blocks;  // in their order
+    std::array<char, SpillStore::blockSize> _bytes{};
+  };
+
+  Buffer _buffer;
+  std::ostream _stream;
 };
 
 }  // namespace KV::session

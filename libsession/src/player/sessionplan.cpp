@@ -116,6 +116,10 @@ void refuseContradictions(const SessionArguments& arguments, std::size_t folders
       throw PlanError(PlanFault::NoSuchInput, "there is no input '" + path + "'");
   if (paths.size() < arguments.paths.size() && folders == 0 && !arguments.separately)
     throw PlanError(PlanFault::NamedTwice, "one input is named twice");
+  if (!arguments.separately && files > SessionInputs::most)
+    throw PlanError(PlanFault::TooManyInputs, std::to_string(files) +
+                                                  " files named together are inputs of one session, which takes " +
+                                                  std::to_string(SessionInputs::most) + " at most");
 }
 
 }  // namespace

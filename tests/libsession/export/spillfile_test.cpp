@@ -3,38 +3,81 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 
 namespace
 {
 
+using KV::session::SpillFile;
+using KV::session::SpillStore;
 using replaytests::TemporaryFolder;
 
-TEST(SpillFile, GivesBackWhatWasWritten)
+std::string numbersFrom(int first, int count)
 {
-  const TemporaryFolder folder;
-  KV::session::SpillFile file(folder.path(""));
   std::string text;
-  for (int i = 0; i < 50'000; ++i)
+  for (int i = first; i < first + count; ++i)
     text += std::to_string(i) + '\n';
-  file.stream() << text;
+  return text;
+}
+
+std::string contentOf(SpillFile& file)
+{
   std::ostringstream target;
   file.copyTo(target);
-  EXPECT_EQ(text, target.str());
+  return target.str();
 }
 
-TEST(SpillFile, HasNoName)
+class SpillFileTest : public ::testing::Test
 {
-  const TemporaryFolder folder;
-  const KV::session::SpillFile file(folder.path(""));
-  EXPECT_TRUE(folder.names().empty());
+protected:
+  TemporaryFolder folder;
+  std::shared_ptr<SpillStore> store = std::make_shared<SpillStore>(folder.path(""));
+};
+
+TEST_F(SpillFileTest, GivesBackWhatWasWritten)
+{
+  SpillFile file(store);
+  file.stream() << numbersFrom(0, 50'000);
+  EXPECT_EQ(numbersFrom(0, 50'000), contentOf(file));
 }
 
-TEST(SpillFile, NeedsAFolder)
+TEST_F(SpillFileTest, IsEmptyWithoutAnythingWritten)
 {
-  const TemporaryFolder folder;
-  EXPECT_THROW(KV::session::SpillFile(folder.path("none")), KV::session::WriteError);
+  SpillFile file(store);
+  EXPECT_EQ("", contentOf(file));
+}
+
+TEST_F(SpillFileTest, GivesBackExactlyOneBlock)
+{
+  const std::string block(SpillStore::blockSize, 'x');
+  SpillFile file(store);
+  file.stream() << block;
+  EXPECT_EQ(block, contentOf(file));
+  file.stream() << 'y';
+  EXPECT_EQ(block + 'y', contentOf(file));
+}
+
+TEST_F(SpillFileTest, KeepsItsBytesApartFromThoseOfAnotherOne)
+{
+  SpillFile one(store);
+  SpillFile other(store);
+  for (int i = 0; i < 50; ++i)
+  {
+    one.stream() << numbersFrom(1000 * i, 1000);
+    other.stream() << numbersFrom(1'000'000 + 1000 * i, 1000);
+  }
+  EXPECT_EQ(numbersFrom(0, 50'000), contentOf(one));
+  EXPECT_EQ(numbersFrom(1'000'000, 50'000), contentOf(other));
+}
+
+TEST_F(SpillFileTest, NeedsAFolderOnlyForWhatDoesNotFitIntoMemory)
+{
+  SpillFile file(std::make_shared<SpillStore>(folder.path("none")));
+  file.stream() << "short";
+  EXPECT_EQ("short", contentOf(file));
+  EXPECT_THROW(file.stream() << std::string(SpillStore::blockSize, 'x'), KV::session::WriteError);
 }
 
 }  // namespace

@@ -190,6 +190,17 @@ TEST_F(SessionPlanTest, RefusesAnInputTwiceInOneSession)
   EXPECT_EQ("one input is named twice", refusal());
 }
 
+TEST_F(SessionPlanTest, RefusesMoreInputsThanASessionTakes)
+{
+  for (std::size_t i = 0; i < KV::session::SessionInputs::most; ++i)
+    arguments.paths.push_back(std::to_string(i));
+  EXPECT_EQ(1U, KV::session::planSessions(arguments).sessions.size());
+  arguments.paths.emplace_back("one more");
+  EXPECT_EQ("65 files named together are inputs of one session, which takes 64 at most", refusal());
+  arguments.separately = true;
+  EXPECT_EQ(65U, KV::session::planSessions(arguments).sessions.size());
+}
+
 struct OffsetCase
 {
   const char* name;

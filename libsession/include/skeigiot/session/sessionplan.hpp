@@ -5,6 +5,7 @@
 
 #include <ko/systemclock.hpp>
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <memory>
@@ -18,6 +19,9 @@ namespace KV::session
 /// The files of one session.
 struct SKEIGIOT_API SessionInputs
 {
+  /// So many inputs one session takes at most: all of them are open at a time.
+  static constexpr std::size_t most = 64;
+
   /// One file of the session.
   struct Input
   {
@@ -53,7 +57,8 @@ enum class PlanFault
   FilesBesideFolders,  ///< some are inputs of one session, others are sessions of their own
   NothingToMove,       ///< an offset, though no session has another input
   NoSuchInput,         ///< an offset of what is no input
-  NamedTwice           ///< the same input twice in one session
+  NamedTwice,          ///< the same input twice in one session
+  TooManyInputs        ///< more inputs of one session than SessionInputs::most
 };
 
 /// Arguments that do not go together. The message does not say how a user interface asks for something else.

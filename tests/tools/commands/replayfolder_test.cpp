@@ -1,0 +1,120 @@
+#include "support/command.hpp"
+#include "support/temporaryfolder.hpp"
+
+#include <gmock/gmock.h>
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+/// \file
+/// Folders of recordings, as a study has them, through the built command.
+
+namespace
+{
+
+using namespace replaytests;
+
+constexpr int many = 5000;
+
+std::string recordingOf(int smiles)
+{
+  std::string text = "time,person,reading,value\n";
+  for (int i = 0; i < smiles; ++i)
+    text += std::to_string(0.1 * i) + ",0,smile,0.5\n";
+  return text;
+}
+
+std::string numberedName(int number)
+{
+  const std::string digits = std::to_string(10'000 + number);
+  return "f" + digits.substr(1) + ".csv";
+}
+
+/// The most memory that any command of this process took so far.
+long peakInKilobytes()
+{
+  struct rusage usage = {};
+  getrusage(RUSAGE_CHILDREN, &usage);
+  return usage.ru_maxrss;
+}
+
+class LargeFolder : public ::testing::Test
+{
+protected:
+  /// Replays the folder where no more than 256 files may be open.
+  CommandResult replay(const std::string& options) const
+  {
+    return runShell("ulimit -n 256; exec \"$skeigiot\" replay \"$1\" " + options + " --csv \"$2\"",
+                    {folder.path(""), results.path("all.csv")});
+  }
+
+  TemporaryFolder folder;
+  TemporaryFolder results;
+};
+
+TEST_F(LargeFolder, NeedsFewOpenFilesAndNoMoreMemoryThanASmallOne)
+{
+  for (int i = 0; i < 20; ++i)
+    folder.write(numberedName(i), recordingOf(2));
+  ASSERT_EQ(0, replay("--quiet").status);
+  const long before = peakInKilobytes();
+
+  for (int i = 0; i < many; ++i)
+    folder.write(numberedName(i), recordingOf(2));
+  const CommandResult result = replay("--quiet");
+
+  EXPECT_EQ(0, result.status) << result.errors;
+  const std::string all = results.read("all.csv");
+  EXPECT_EQ(1 + 2 * many, std::count(all.begin(), all.end(), '\n'));
+  EXPECT_LT(peakInKilobytes() - before, 16 * 1024);
+}
+
+TEST_F(LargeFolder, ToldToReplayManyAtATimeReplaysAsManyAsCanBeOpen)
+{
+  for (int i = 0; i < 600; ++i)
+    folder.write(numberedName(i), recordingOf(2));
+  const CommandResult result = replay("--quiet --jobs 1024");
+  EXPECT_EQ(0, result.status) << result.errors;
+}
+
+TEST_F(LargeFolder, WaitsForASlowRecordingWithFewOpenFiles)
+{
+  folder.write(numberedName(0), recordingOf(20'000));
+  for (int i = 1; i < 300; ++i)
+    folder.write(numberedName(i), recordingOf(700));  // more than a block of export each
+  const CommandResult result = replay("--quiet --jobs 32 --jsonl " + results.path("all.jsonl") + " --cycle recorded");
+  EXPECT_EQ(0, result.status) << result.errors;
+  const std::string all = results.read("all.csv");
+  EXPECT_EQ(1 + 20'000 + 299 * 700, std::count(all.begin(), all.end(), '\n'));
+}
+
+TEST_F(LargeFolder, TellsErrorsInTheOrderOfTheFiles)
+{
+  for (int i = 0; i < 300; ++i)
+    folder.write(numberedName(i), i % 100 == 50 ? "time,person,reading,value\nnever,0,smile,1\n" : recordingOf(2));
+  const CommandResult result = replay("--quiet");
+  EXPECT_EQ(2, result.status);
+  const auto placeOf = [&result](int number) { return result.errors.find(numberedName(number) + ":2: time"); };
+  EXPECT_NE(std::string::npos, placeOf(250)) << result.errors;
+  EXPECT_LT(placeOf(50), placeOf(150));
+  EXPECT_LT(placeOf(150), placeOf(250));
+  const std::string all = results.read("all.csv");
+  EXPECT_EQ(1 + 2 * 297, std::count(all.begin(), all.end(), '\n'));
+}
+
+TEST_F(LargeFolder, NamedFileByFileIsNoSession)
+{
+  for (int i = 0; i < 65; ++i)
+    folder.write(numberedName(i), recordingOf(2));
+  const CommandResult result = runShell("\"$skeigiot\" replay \"$1\"/*.csv", {folder.path("")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors,
+              ::testing::HasSubstr("65 files named together are inputs of one session, which takes 64 at most: name "
+                                   "their folder instead, or give --separately, to replay them one by one"));
+  EXPECT_EQ(0, runShell("\"$skeigiot\" replay --separately \"$1\"/*.csv", {folder.path("")}).status);
+}
+
+}  // namespace
