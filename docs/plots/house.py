@@ -94,6 +94,7 @@ HEADERS = {
     "skeigiot/session/exportformat.hpp": "export",
     "skeigiot/session/orderedjobs.hpp": "session",
     "skeigiot/session/reportorigin.hpp": "report",
+    "skeigiot/session/sessionname.hpp": "session",
     "skeigiot/session/sessionobserver.hpp": "session",
     "skeigiot/session/snapshot.hpp": "session",
     "skeigiot/session/spanexplanation.hpp": "analysis",

@@ -42,10 +42,11 @@ class _ReplayOne(Settings):
     The recording is a file, a bag of ROS 2, a frame, or a list of those: inputs of one session, merged by time; what
     the others tell joins the next step of the first about the same person.
 
-    A frame is a pandas frame or a dict of columns of one length. What was read from a front end's file, as by
-    pandas.read_csv("openface.csv"), is taken as that file would be. A frame of readings has a column time: seconds from
+    A frame is a pandas frame or a dict of columns of one length. A frame of a front end's file, as by
+    pandas.read_csv("openface.csv"), is read like the file itself. A frame of readings has a column time: seconds from
     the start or since 1970 (numbers), nanoseconds since 1970 (integers, from the year 2000 on), timedeltas from the
-    start, aware datetimes, or NumPy's datetime64, which is UTC. Each row is an observation of the person whose number is in the column person; without that column, of person 0.
+    start, aware datetimes, or NumPy's datetime64, which is UTC. Each row is an observation of the person whose number
+    or name is in the column person; without that column, of person 0.
     The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
     headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
     seen, which is false where the person was not observed. NaN, None and empty texts are unknown: a reading that lacks

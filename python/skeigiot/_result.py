@@ -108,8 +108,10 @@ class Replay:
     - ease, ease_confidence: of the body language, -0.5 to 0.5, 0 to 1
     - valence_known, attention_known: False where nothing told of it so far; the numbers then mean nothing, so leave
       them out of means: updates["valence"][updates["valence_known"]].mean()
+    - name: of the person; empty if the recording gives none
+    - file: the recording: its path below the folder that was replayed, or as it was given
 
-    persons has the rows of each person, by the number of the person.
+    persons has the rows of each person, by the number of the person; names has the name of each person who has one.
 
     With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
     update in updates), person, time, source (such as "Touch emotion"), quantity ("valence", "attention confidence",
@@ -135,6 +137,7 @@ class Replay:
         self.zone_changes = self._with_persons(_columns(outcome["zone_changes"]))
         self.ambiance = _timed(_columns(outcome["ambiance"]))
         self.persons: Dict[int, Columns] = self._persons()
+        self.names: Dict[int, str] = self._names()
         self.verdicts = [_verdict(*verdict) for verdict in outcome["verdicts"]]
         self.error: Optional[RecordingError] = None
         if outcome["error"] is not None:
@@ -185,6 +188,10 @@ class Replay:
             return {}
         person = self.updates["person"]
         return {int(number): self.updates.where(person == number) for number in np.unique(person)}
+
+    def _names(self) -> Dict[int, str]:
+        names = {number: str(updates["name"][-1]) for number, updates in self.persons.items()}
+        return {number: name for number, name in names.items() if name}
 
     def _with_persons(self, table: Columns) -> Columns:
         if not table:

@@ -128,24 +128,6 @@ py::object errorOf(const boost::optional<KV::recordings::Error>& error, const st
   return py::make_tuple(textOf(error->what() + hint), textOf(place.file), place.line, textOf(place.field));
 }
 
-const char* nameOf(KV::session::ScopeEnd end)
-{
-  switch (end)
-  {
-    case KV::session::ScopeEnd::Complete:
-      return "complete";
-    case KV::session::ScopeEnd::NotStopped:
-      return "not stopped";
-    case KV::session::ScopeEnd::CutShort:
-      return "cut short";
-    case KV::session::ScopeEnd::NotReached:
-      return "not reached";
-    case KV::session::ScopeEnd::NotOpen:
-      return "not open";
-  }
-  return "";
-}
-
 double secondsOf(KV::session::Duration duration)
 {
   return static_cast<double>(duration.count()) / 1e9;
@@ -156,8 +138,8 @@ py::tuple verdictOf(const KV::session::ScopeVerdict& verdict)
   py::dict persons;
   for (const auto& [person, found] : verdict.persons)
     persons[py::int_(person)] = py::make_tuple(found.word, found.updates);
-  return py::make_tuple(textOf(verdict.name), secondsOf(verdict.from), secondsOf(verdict.to), nameOf(verdict.end),
-                        persons);
+  return py::make_tuple(textOf(verdict.name), secondsOf(verdict.from), secondsOf(verdict.to),
+                        KV::session::scopeEndName(verdict.end), persons);
 }
 
 py::dict dictOf(ReplayOutcome& outcome)

@@ -40,7 +40,7 @@ void ReplayRecord::stepBegins(const KV::recordings::Step& entry)
 void ReplayRecord::personUpdated(const KV::session::Snapshot& snapshot)
 {
   _tables.updates.beginRow();
-  KV::session::forEachExportedField(_recording, snapshot, _tables.updates);
+  KV::session::forEachExportedField(_session, snapshot, _tables.updates);
   ++_updates;
 }
 

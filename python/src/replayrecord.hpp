@@ -3,9 +3,11 @@
 #include "columns.hpp"
 
 #include <skeigiot/session/scopes.hpp>
+#include <skeigiot/session/sessionname.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace binding
@@ -25,10 +27,10 @@ struct ReplayTables
 class ReplayRecord : public KV::session::SessionObserver
 {
 public:
-  /// `recording` is the number of the session, as exports have it; `explain` fills the tables of forces and of changes
+  /// `session` is what exports call the session; `explain` fills the tables of forces and of changes
   /// of zones. The tables must outlive the record.
-  ReplayRecord(std::int32_t recording, bool explain, ReplayTables& tables)
-    : _recording(recording), _explain(explain), _tables(tables)
+  ReplayRecord(KV::session::SessionName session, bool explain, ReplayTables& tables)
+    : _session(std::move(session)), _explain(explain), _tables(tables)
   {}
 
   bool watchesForces() const override { return _explain; }
@@ -41,7 +43,7 @@ public:
   void scopeJudged(const KV::session::ScopeVerdict& verdict) override { _tables.verdicts.push_back(verdict); }
 
 private:
-  std::int32_t _recording;
+  KV::session::SessionName _session;
   bool _explain;
   ReplayTables& _tables;
   std::int64_t _updates = 0;

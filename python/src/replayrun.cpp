@@ -89,7 +89,7 @@ ReplayOutcome play(const ReplayRequest& request, const std::vector<KV::session::
 ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check)
 {
   ReplayTables tables;
-  ReplayRecord record(request.number, request.explain, tables);
+  ReplayRecord record(request.session.exportedAs(request.number), request.explain, tables);
   ReplayOutcome result = play(request, {&record}, check);
   result.tables = std::move(tables);
   result.lookingAtRobot = KV::PersonState::getBinaryBoundaryLookingAtRobot();

@@ -14,7 +14,7 @@ import numpy as np
 COMMAND = os.environ["SKEIGIOT_COMMAND"]
 REAL = pathlib.Path(os.environ["SKEIGIOT_REAL_RECORDINGS"])
 
-TEXTS = {"zone", "pleasure"}
+TEXTS = {"zone", "pleasure", "name", "file"}
 TRUTHS = {"seen", "valence_known", "attention_known"}
 WHOLE = {"recording", "person", "valence_binary", "unsmoothed_valence_binary"}
 

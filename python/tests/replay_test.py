@@ -79,6 +79,23 @@ def test_has_what_the_command_exports_of_recordings_that_others_made(name):
     assert [str(warning.message) for warning in caught] == result.warnings
 
 
+def test_keeps_the_names_of_persons(written):
+    path = written("time,person,reading,value\n0,anna,smile,1\n0,ben,smile,0\n0.2,anna,smile,1\n")
+    result = skeigiot.replay(path)
+    assert result.names == {0: "anna", 1: "ben"}
+    assert result.updates["name"].tolist() == ["anna", "ben", "anna"]
+    assert set(result.updates["file"]) == {str(path)}
+    assert result.verdicts[0].persons.keys() == {0, 1}
+    assert skeigiot.replay({"time": [0.0], "person": ["zoe"], "smile": [1.0]}).names == {0: "zoe"}
+    assert skeigiot.replay({"time": [0.0], "person": [3], "smile": [1.0]}).names == {}
+
+
+def test_names_the_files_below_their_folder(written, tmp_path):
+    for name in ("b.csv", "a.csv"):
+        written("time,reading,value\n0,smile,1\n", name)
+    assert [result.updates["file"].tolist() for result in skeigiot.replay_all(tmp_path)] == [["a.csv"], ["b.csv"]]
+
+
 def test_has_what_the_command_exports_with_its_options(greeting, written):
     path = written(recordings.OPENFACE)
     options = ["--fps", "15", "--mirrored", "--frame", "camera", "--camera-height", "1.25", "--min-confidence", "0.1"]

@@ -99,8 +99,8 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
       ->group(group);
   command
       .add_option("--person-from", reading.personColumn,
-                  "Column of a CSV file that names the person; names that are no\nnumbers are counted in the order in "
-                  "which they appear")
+                  "Column of a CSV file that names the person; names that are no\nnumbers are shown beside numbers "
+                  "in the order in which they appear")
       ->type_name("COLUMN")
       ->group(group);
   command.add_flag("--skip-bad", arguments.skipBad, "Go on behind lines that cannot be used, and count them")

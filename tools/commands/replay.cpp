@@ -66,6 +66,12 @@ Exports have a line for each update of each person, with these fields:
   pleasure                           positive, neutral, negative, or unknown
   ease, ease_confidence              of the body language: -0.5 to 0.5, 0 to 1
   valence_known, attention_known     0 where nothing told of it so far: the numbers then mean nothing
+  name                               of the person, if the recording has one
+  file                               of the recording: its path below the folder, or as it was given
+
+The summary has a row for each recording, person and scope: the verdict, the updates in the scope, the share of the
+time in which the person was seen, the means of valence and attention with their confidences, and the shares of zones
+and pleasure. What was never known is empty.
 
 Exit status: 0 if all went well, 2 if a recording or the command line cannot be used (what came before the bad input
 is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
@@ -74,7 +80,7 @@ Examples:
   skeigiot replay face.csv
   skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
   skeigiot replay face.csv voice.csv touch.csv --offset voice.csv=0.25
-  skeigiot replay recordings/ --csv states.csv
+  skeigiot replay recordings/ --csv states.csv --summary summary.csv
   skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S)";
 
 const char* const reportOption = "--report";

@@ -3,6 +3,7 @@
 #include "cli/interruption.hpp"
 #include "commands/reportfile.hpp"
 #include "commands/sessionreplay.hpp"
+#include "terminal/foldertable.hpp"
 
 #include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/exports.hpp>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <sstream>
+#include <utility>
 
 namespace KV::tools
 {
@@ -24,6 +26,8 @@ bool usesStandardOutput(const std::map<std::string, std::string>& exports)
 {
   return std::any_of(exports.begin(), exports.end(), [](const auto& one) { return one.second == "-"; });
 }
+
+const char* const interruptedText = "interrupted";
 
 /// The replay of a session was stopped, as nobody wants its result any more.
 struct Cancelled
@@ -77,6 +81,8 @@ public:
       _exports.commit();  // what was read before is good
       throw;
     }
+    if (_options.sessions.size() > 1)
+      _display.show("\n" + folderTable(_overviews, _surroundings.style));
     if (_anyOpened)
       _commit();
     return _display.closed() ? Failure : _status;
@@ -89,8 +95,10 @@ private:
     for (std::size_t i = 0; i < _options.sessions.size() && !_isInVain(); ++i)
     {
       _separate(i);
-      _exports.beginSession(numberOf(i));
-      _add(replaySession(_options.sessions[i], _options, _surroundings, outlets));
+      _exports.beginSession(_nameOf(i));
+      SessionOutcome outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+      _exports.endSession(outcome.error);
+      _add(std::move(outcome));
     }
   }
 
@@ -102,7 +110,7 @@ private:
         [this](std::size_t i, const std::atomic<bool>& cancelled) { return _buffered(i, cancelled); });
     for (std::size_t i = 0; i < count && !_isInVain(); ++i)
     {
-      const Buffered session = jobs.take([this, i, count] { _wait(i, count); });
+      Buffered session = jobs.take([this, i, count] { _wait(i, count); });
       _progress.erase();
       _separate(i);
       _display.show(session.output);
@@ -110,7 +118,7 @@ private:
       _exports.append(*session.exports);
       if (session.interrupted)
         throw Interrupted(*session.interrupted);
-      _add(session.outcome);
+      _add(std::move(session.outcome));
     }
   }
 
@@ -120,7 +128,7 @@ private:
     std::ostringstream output;
     std::ostringstream errors;
     Buffered session;
-    session.exports = _exports.spill(numberOf(i));
+    session.exports = _exports.spill(_nameOf(i));
     Display display(output, _display.shows());
     Messages messages(errors, _options.quiet);
     ProgressLine progress(errors, false);
@@ -138,7 +146,9 @@ private:
     catch (const Interrupted& interrupted)
     {
       session.interrupted = interrupted;
+      session.outcome.error = interruptedText;
     }
+    session.exports->endSession(session.outcome.error);
     session.output = output.str();
     session.errors = errors.str();
     return session;
@@ -172,16 +182,17 @@ private:
       _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
   }
 
-  void _add(const SessionOutcome& outcome)
+  void _add(SessionOutcome outcome)
   {
     _said.insert(_said.end(), outcome.said.begin(), outcome.said.end());
     _status = graver(_status, outcome.status);
     _anyOpened = _anyOpened || outcome.opened;
+    _overviews.push_back(std::move(outcome.overview));
   }
 
   bool _isInVain() const { return _display.closed() && _exports.empty() && !_report; }
 
-  static int numberOf(std::size_t i) { return static_cast<int>(i) + 1; }
+  session::SessionName _nameOf(std::size_t i) const { return _options.sessions[i].exportedAs(static_cast<int>(i) + 1); }
 
   const ReplayOptions& _options;
   const ReplaySurroundings& _surroundings;
@@ -191,6 +202,7 @@ private:
   session::Exports _exports;
   boost::optional<ReportFile> _report;
   std::vector<std::string> _said;  // warnings and errors of all sessions
+  std::vector<FileOverview> _overviews;
   ExitStatus _status = Success;
   bool _anyOpened = false;
 };

@@ -1,6 +1,7 @@
 #include "commands/sessionreplay.hpp"
 
 #include "cli/sessionoptions.hpp"
+#include "terminal/personheading.hpp"
 #include "terminal/shown.hpp"
 #include "terminal/summarytext.hpp"
 #include "terminal/text.hpp"
@@ -75,9 +76,13 @@ public:
     _outlets.progress.erase();
     if (outcome.opened)
       _showOutcome(outcome, noted.contents(), timeline, summary);
+    std::string error;
     if (outcome.error)
-      _sayError(messageOf(*outcome.error));
-    return {outcome.error ? BadInput : Success, outcome.opened, _said};
+    {
+      error = messageOf(*outcome.error);
+      _sayError(error);
+    }
+    return {outcome.error ? BadInput : Success, outcome.opened, _said, error, _overview(outcome, summary)};
   }
 
 private:
@@ -115,6 +120,39 @@ private:
       _say(_name + ": " + outcome.skippedText());
   }
 
+  FileOverview _overview(const session::Outcome& outcome, const session::Summary& summary) const
+  {
+    FileOverview overview;
+    overview.file = _inputs.exportedAs(1).file;
+    overview.opened = outcome.opened;
+    overview.length = outcome.length;
+    overview.persons = summary.persons().size();
+    overview.warnings = outcome.warnings.size() + outcome.moreWarnings + outcome.libraryWarnings.size() +
+                        (outcome.leftOut.empty() ? 0 : 1) + (outcome.badLines > 0 ? 1 : 0);
+    overview.cut = outcome.error.has_value();
+    const auto meanOf = [&summary](const auto& isKnown, const auto& value) {
+      double sum = 0.;
+      std::size_t count = 0;
+      for (const auto& [number, person] : summary.persons())
+      {
+        if (!isKnown(person))
+          continue;
+        sum += value(person);
+        ++count;
+      }
+      return count > 0 ? sum / static_cast<double>(count) : FileOverview::unknown;
+    };
+    using Person = session::PersonSummary;
+    overview.seen = meanOf([](const Person&) { return true; }, [](const Person& one) { return one.seenShare(); });
+    overview.valence =
+        meanOf([](const Person& one) { return one.isValenceKnown(); }, [](const Person& one) { return one.valence(); });
+    overview.attention = meanOf([](const Person& one) { return one.isAttentionKnown(); },
+                                [](const Person& one) { return one.attention(); });
+    for (const auto& [number, person] : summary.persons())
+      ++overview.verdicts[summary.verdicts().front().of(number).word];
+    return overview;
+  }
+
   void _showTrust(const session::Inspection& contents, const std::vector<std::string>& learned)
   {
     if (contents.persons().empty())
@@ -134,7 +172,7 @@ private:
     if (summary.persons().empty())
       _show("\nNobody was seen in this recording.\n");
     for (const auto& [person, rows] : timeline.rows())
-      _show("\n" + style.bold("Person " + std::to_string(person)) + "\n" +
+      _show("\n" + style.bold(personHeading(person, summary.persons().at(person).name())) + "\n" +
             timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +
             summaryText(summary, person, _surroundings.outputWidth, style));
     const std::string ambiance = ambianceText(summary.ambiance(), style);

@@ -4,6 +4,7 @@
 #include "cli/messages.hpp"
 #include "commands/replayrun.hpp"
 #include "terminal/display.hpp"
+#include "terminal/foldertable.hpp"
 #include "terminal/progressline.hpp"
 
 #include <skeigiot/session/sessionobserver.hpp>
@@ -31,6 +32,8 @@ struct SessionOutcome
   ExitStatus status = Success;
   bool opened = false;            ///< there was a recording to read
   std::vector<std::string> said;  ///< its warnings and errors
+  std::string error = {};         ///< what ended it early, or kept it from beginning; empty if nothing did
+  FileOverview overview = {};     ///< what the table of all recordings has of it
 };
 
 /// Replays one session, the clock of this thread being set to its time, and shows what the library thought.

@@ -1,5 +1,6 @@
 #include "terminal/explanationtext.hpp"
 
+#include "terminal/personheading.hpp"
 #include "terminal/text.hpp"
 #include "terminal/texttable.hpp"
 
@@ -164,14 +165,14 @@ std::string timeText(session::Duration time)
 std::string heading(const session::Explanation& explanation, const Style& style)
 {
   const session::Snapshot& after = explanation.after;
-  return style.bold("Person " + std::to_string(after.person)) + " at " + timeText(after.sinceStart) +
+  return style.bold(personHeading(after.person, after.name)) + " at " + timeText(after.sinceStart) +
          (after.seen ? "" : ", not seen") + "\n";
 }
 
 std::string heading(const session::SpanExplanation& explanation, const Style& style)
 {
   const session::Snapshot& after = explanation.after;
-  return style.bold("Person " + std::to_string(after.person)) + " from " + timeText(explanation.first) + " to " +
+  return style.bold(personHeading(after.person, after.name)) + " from " + timeText(explanation.first) + " to " +
          timeText(after.sinceStart) + ", " + session::counted(explanation.updates, "update") + "\n";
 }
 

@@ -72,8 +72,9 @@ std::string describeGaps(const session::Inspection::Gaps& gaps)
 
 std::string describePerson(const session::PersonSpan& span, session::Inspection::TimePoint first)
 {
-  return "seen in " + session::counted(span.seen, "step") + ", not seen in " + std::to_string(span.notSeen) +
-         ", from " + session::clockText(span.first - first) + " to " + session::clockText(span.last - first);
+  return (span.name.empty() ? "" : span.name + ": ") + "seen in " + session::counted(span.seen, "step") +
+         ", not seen in " + std::to_string(span.notSeen) + ", from " + session::clockText(span.first - first) + " to " +
+         session::clockText(span.last - first);
 }
 
 void writeNumbers(std::ostream& stream, const std::map<std::string, session::NumberRange>& numbers)

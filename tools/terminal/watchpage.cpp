@@ -21,6 +21,9 @@ namespace KV::tools
 namespace
 {
 
+constexpr std::size_t shortestPerson = 6;
+constexpr std::size_t longestPerson = 18;
+
 /// How many columns the parts of a row take.
 struct Widths
 {
@@ -28,11 +31,11 @@ struct Widths
   int valenceHalf;
   int attention;
   std::size_t history;  ///< a divisor of 60; 0 without a history
+  std::size_t person = shortestPerson;
 };
 
 constexpr std::array<Widths, 3> allWidths{{{170, 6, 12, 30}, {112, 3, 6, 10}, {0, 3, 6, 0}}};
 
-constexpr std::size_t personWidth = 6;
 constexpr std::size_t signedWidth = 5;
 constexpr std::size_t plainWidth = 4;
 constexpr std::size_t zoneWidth = 16;
@@ -43,6 +46,16 @@ const std::string gap = "  ";
 const Widths& widthsFor(std::size_t width)
 {
   return *std::find_if(allWidths.begin(), allWidths.end(), [width](const Widths& one) { return width >= one.from; });
+}
+
+/// "7", or "anna (7)" of a person with a name: a long name is cut.
+std::string personLabel(const session::Snapshot& snapshot)
+{
+  const std::string number = std::to_string(snapshot.person);
+  if (snapshot.name.empty())
+    return number;
+  const std::string behind = " (" + number + ")";
+  return cut(shown(snapshot.name), longestPerson - std::min(longestPerson, behind.size())) + behind;
 }
 
 Look lookOf(KV::PleasureState pleasure)
@@ -98,7 +111,7 @@ PageLine rowOf(const session::PersonRow& row, bool isChosen, const WatchContents
   const Look plain = row.last.seen ? Look::Plain : Look::Faint;
   const Look colored = row.last.seen ? lookOf(row.last.pleasure) : Look::Faint;
   PageLine line{
-      {(isChosen ? "›" : " ") + padLeft(std::to_string(row.last.person), personWidth) + gap,
+      {(isChosen ? "›" : " ") + padLeft(personLabel(row.last), widths.person) + gap,
        isChosen ? Look::Heading : plain},
       {centredBar(valence, widths.valenceHalf) + " " + numberOr(valence, session::signedNumber, signedWidth), colored},
       confidenceOf(row.last.valence),
@@ -121,7 +134,7 @@ PageLine heading(const Widths& widths)
 {
   const auto valence = static_cast<std::size_t>(2 * widths.valenceHalf + 1) + 1 + signedWidth;
   const auto attention = static_cast<std::size_t>(widths.attention) + 1 + plainWidth;
-  return {{" " + padLeft("person", personWidth) + gap + headingOf("valence", valence, widths) +
+  return {{" " + padLeft("person", widths.person) + gap + headingOf("valence", valence, widths) +
                headingOf("attention", attention, widths) + padRight("zone", zoneWidth) + gap + "why",
            Look::Heading}};
 }
@@ -229,7 +242,9 @@ void append(std::vector<PageLine>& page, std::vector<PageLine> lines)
 
 std::vector<PageLine> table(const WatchContents& contents, WatchView& view, std::size_t width, std::size_t height)
 {
-  const Widths& widths = widthsFor(width);
+  Widths widths = widthsFor(width);
+  for (const auto& [number, row] : contents.rows)
+    widths.person = std::max(widths.person, displayWidth(personLabel(row.last)));
   std::vector<PageLine> pane = paneOf(contents, view, width, height);
   const std::size_t taken = linesAround + pane.size();
   const std::size_t room = height > taken ? height - taken : 0;

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace KV::recordings
 {
@@ -37,7 +36,8 @@ public:
   /// Says how persons are told apart.
   std::string description() const;
 
-  std::vector<std::string> takeWarnings() { return _names.takeWarnings(); }
+  /// Returns the name of the person with this number, in UTF-8; empty if there are no names.
+  std::string nameOf(std::int32_t person) const { return _names.nameOf(person); }
 
 private:
   bool _isChosen;

@@ -1,12 +1,14 @@
 #include "csv/personnames.hpp"
 
+#include "input/utf8text.hpp"
+
 #include <skeigiot/recordings/quote.hpp>
 
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <system_error>
-#include <utility>
 
 namespace KV::recordings
 {
@@ -39,9 +41,10 @@ std::int32_t PersonNames::numberOf(std::string_view name, const Error::Place& pl
   return number ? *number : _countedNumberOf(name, place);
 }
 
-std::vector<std::string> PersonNames::takeWarnings()
+std::string PersonNames::nameOf(std::int32_t number) const
 {
-  return std::exchange(_warnings, {});
+  const auto index = static_cast<std::size_t>(number);
+  return number >= 0 && index < _names.size() ? _names[index] : std::string();
 }
 
 std::int32_t PersonNames::_countedNumberOf(std::string_view name, const Error::Place& place)
@@ -54,7 +57,7 @@ std::int32_t PersonNames::_countedNumberOf(std::string_view name, const Error::P
                            " names of persons: this column does not name persons");
   const auto number = static_cast<std::int32_t>(_numbers.size());
   _numbers.emplace(name, number);
-  _warnings.push_back(place.field + " " + quote(name) + " is person " + std::to_string(number));
+  _names.push_back(utf8Of(name));
   return number;
 }
 

@@ -27,15 +27,15 @@ public:
   /// \throws Error if there are too many names.
   std::int32_t numberOf(std::string_view name, const Error::Place& place);
 
-  /// Returns which name became which number, of those that appeared since the last call.
-  std::vector<std::string> takeWarnings();
+  /// Returns the name of the person with this number, in UTF-8; empty if it is a number.
+  std::string nameOf(std::int32_t number) const;
 
 private:
   std::int32_t _countedNumberOf(std::string_view name, const Error::Place& place);
 
   std::optional<bool> _areNumbers;
   std::map<std::string, std::int32_t, std::less<>> _numbers;
-  std::vector<std::string> _warnings;
+  std::vector<std::string> _names;  // by number
 };
 
 }  // namespace KV::recordings

@@ -22,11 +22,12 @@ std::string nameOf(const std::string& first, const std::string& second)
   return first.empty() ? second : first;
 }
 
-Step entryOf(ko::SystemClock::time_point time, std::int32_t person, bool seen)
+Step entryOf(ko::SystemClock::time_point time, std::int32_t person, const FaceRows& rows, bool seen)
 {
   Step entry;
   entry.time = time;
   entry.person = person;
+  entry.personName = rows.nameOf(person);
   entry.seen = seen;
   return entry;
 }
@@ -158,7 +159,7 @@ Step FaceReader::_tellMissingPerson()
 {
   const std::int32_t person = _missingPersons.front();
   _missingPersons.pop_front();
-  return entryOf(_missingTime, person, false);
+  return entryOf(_missingTime, person, *_rows, false);
 }
 
 // Takes the row into its cycle; there is nothing to tell of a face that is not tracked.
@@ -177,7 +178,7 @@ boost::optional<Step> FaceReader::_tellRow()
   _anyTracked = true;
   if (const auto found = _scores.look(row.told))
     _refuse(row, found->member, found->message);
-  Step entry = entryOf(_frameTime, row.face, true);
+  Step entry = entryOf(_frameTime, row.face, *_rows, true);
   // Learned in the order in which faces are told, not when rows are read ahead: a live program has no future, either.
   RestingFace& rest = _resting.of(row.face, _frameTime);
   entry.observation = _rows->adapter().read(row.told, _frameTime, rest).observedAt(_frameTime);

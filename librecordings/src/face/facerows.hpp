@@ -67,6 +67,9 @@ public:
   /// Says who the persons are, when a face is tracked, and what the file does not tell.
   virtual std::string describePersons() const = 0;
 
+  /// Returns what the file calls the person with this number, in UTF-8; empty if they have no name.
+  virtual std::string nameOf(std::int32_t /*person*/) const { return {}; }
+
   virtual std::vector<std::string> takeWarnings() { return {}; }
 
   /// Returns which columns are read, if the format has any and tells.

@@ -121,6 +121,7 @@ void visit(Visitor& members, Step& entry)
   members.optional("start", entry.scopeStarts, entry.scopeStarts.empty());
   members.optional("ambiance", ambiance, ambiance.movements == 0 && !ambiance.activity);
   members.optional("person", entry.person, !entry.person);
+  members.optional("name", entry.personName, entry.personName.empty());
   members.optional("seen", entry.seen, entry.seen);
   members.optional("observation", entry.observation, isEmpty(entry.observation));
   members.optional("stop", entry.scopeStops, entry.scopeStops.empty());
@@ -461,6 +462,8 @@ void refuseContradictions(const Step& entry)
     throw MemberError("ambiance.movements", "expected no negative number, found " + std::to_string(entry.movements));
   if (!entry.person && !isEmpty(entry.observation))
     throw MemberError("person", "is missing: whose observation is it?");
+  if (!entry.person && !entry.personName.empty())
+    throw MemberError("person", "is missing: whose name is it?");
   if (!entry.person && !entry.seen)
     throw MemberError("person", "is missing: who was not seen?");
   if (!entry.seen && !isEmpty(entry.observation))

@@ -33,7 +33,7 @@ public:
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;
-  std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+  std::string nameOf(std::int32_t person) const override { return _persons.nameOf(person); }
 
 private:
   FaceRow _readRow();

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,7 +35,7 @@ public:
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;
-  std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+  std::string nameOf(std::int32_t person) const override { return _persons.nameOf(person); }
 
 private:
   // Seconds in a column, or milliseconds.

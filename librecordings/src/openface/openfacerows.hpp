@@ -7,6 +7,7 @@
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,7 +29,7 @@ public:
   Fields fields() const override;
   std::string describeReadings() const override;
   std::string describePersons() const override;
-  std::vector<std::string> takeWarnings() override { return _persons.takeWarnings(); }
+  std::string nameOf(std::int32_t person) const override { return _persons.nameOf(person); }
 
 private:
   FaceRow _readRow();

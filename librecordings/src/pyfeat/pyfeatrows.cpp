@@ -228,14 +228,14 @@ std::string PyFeatRows::describePersons() const
                           {_columns.landmarks.has_value(), "landmarks"}});
 }
 
+std::string PyFeatRows::nameOf(std::int32_t person) const
+{
+  return _options.personColumn.empty() ? _identities.nameOf(person) : _chosenPersons.nameOf(person);
+}
+
 std::vector<std::string> PyFeatRows::takeWarnings()
 {
-  auto warnings = std::exchange(_warnings, {});
-  for (std::string& warning : _identities.takeWarnings())
-    warnings.push_back(std::move(warning));
-  for (std::string& warning : _chosenPersons.takeWarnings())
-    warnings.push_back(std::move(warning));
-  return warnings;
+  return std::exchange(_warnings, {});
 }
 
 }  // namespace KV::recordings

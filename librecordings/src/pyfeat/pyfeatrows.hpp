@@ -37,6 +37,7 @@ public:
   AssumedRate assumedRate() const override { return _assumedRate; }
   std::string describeReadings() const override;
   std::string describePersons() const override;
+  std::string nameOf(std::int32_t person) const override;
   std::vector<std::string> takeWarnings() override;
 
 private:

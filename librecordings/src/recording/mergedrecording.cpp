@@ -68,6 +68,8 @@ bool takeIn(Step& target, const Step& other)
   if (collide(target.observation, other.observation))
     return false;
   target.seen = target.seen || other.seen;
+  if (target.personName.empty())
+    target.personName = other.personName;
   forEachReading([&](const auto& known) {
     if (const auto& reading = known.in(other.observation))
       known.in(target.observation) = reading;
@@ -187,7 +189,10 @@ void MergedRecording::_fetch(std::size_t number)
     if (entry->time < TimePoint())
       throw Error({input.from.path, 0, {}}, "the offset moves it to before 1970");
     if (entry->person)
+    {
+      _unifyPerson(*entry);
       input.persons.insert(*entry->person);
+    }
     input.last = entry->time;
     input.ahead = Item{entry->time, number, std::move(*entry), nullptr};
     return;
@@ -201,6 +206,33 @@ void MergedRecording::_fetch(std::size_t number)
     input.ahead = Item{input.last, number, {}, std::current_exception()};
     input.ended = true;
   }
+}
+
+// Inputs that name persons count them each for itself: the same name is the same person, another name another one.
+void MergedRecording::_unifyPerson(Step& entry)
+{
+  std::int32_t& person = *entry.person;
+  const std::string& name = entry.personName;
+  if (name.empty())
+  {
+    _names.emplace(person, name);
+    return;
+  }
+  const auto known = _numbers.find(name);
+  if (known != _numbers.end())
+  {
+    person = known->second;
+    return;
+  }
+  const auto taken = _names.find(person);
+  if (taken != _names.end() && !taken->second.empty())
+  {
+    person = 0;
+    while (_names.count(person) > 0)
+      ++person;
+  }
+  _names[person] = name;
+  _numbers.emplace(name, person);
 }
 
 void MergedRecording::_fetchFirst()

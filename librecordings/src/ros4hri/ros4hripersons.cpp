@@ -1,5 +1,7 @@
 #include "ros4hri/ros4hripersons.hpp"
 
+#include "input/utf8text.hpp"
+
 #include <skeigiot/recordings/description.hpp>
 #include <skeigiot/recordings/quote.hpp>
 
@@ -29,7 +31,14 @@ std::optional<std::int32_t> RosbagPersons::ofFace(const std::string& face)
     return found->second;
   if (_faces.size() >= mostFaces)
     return {};
+  _all.push_back(utf8Of(face));
   return _faces[face] = _next++;
+}
+
+std::string RosbagPersons::nameOf(std::int32_t person) const
+{
+  const auto index = static_cast<std::size_t>(person);
+  return person >= 0 && index < _all.size() ? _all[index] : std::string();
 }
 
 std::optional<std::int32_t> RosbagPersons::ofVoice(const std::string& voice) const
@@ -56,6 +65,7 @@ std::int32_t RosbagPersons::_numberOf(const std::string& person)
   if (isNew)
   {
     _names.push_back(person);
+    _all.push_back(utf8Of(person));
     ++_next;
   }
   return entry->second;

@@ -32,13 +32,18 @@ public:
   /// Returns the number of the person with this voice; nothing if it belongs to nobody.
   std::optional<std::int32_t> ofVoice(const std::string& voice) const;
 
+  /// Returns what the bag calls the person with this number: the id of the person, or of the face that belongs to
+  /// nobody. In UTF-8.
+  std::string nameOf(std::int32_t person) const;
+
   /// Says who has which number.
   std::string describe() const;
 
 private:
   std::int32_t _numberOf(const std::string& person);
 
-  std::vector<std::string> _names;  // by number
+  std::vector<std::string> _names;  // of persons, by number
+  std::vector<std::string> _all;    // of persons and of faces without one, by number
   std::map<std::string, std::int32_t> _numbers;
   std::map<std::string, std::int32_t> _faces;
   std::map<std::string, std::int32_t> _voices;

@@ -215,6 +215,7 @@ boost::optional<Step> RosbagCycles::_entryOf(const std::string& name, Face& face
 {
   Step entry;
   entry.person = person;
+  entry.personName = _persons.nameOf(person);
   entry.time = _cycle->begin;
   entry.observation = std::exchange(face.pending, {});
   if (face.pendingSince)
@@ -294,6 +295,7 @@ void RosbagCycles::_tellMissing(const std::set<std::int32_t>& seen)
     Step entry;
     entry.time = _now;
     entry.person = person;
+    entry.personName = _persons.nameOf(person);
     entry.seen = false;
     _entries.push_back(std::move(entry));
   }

@@ -134,7 +134,8 @@ void TidyReader::_takeRow()
   _time = _rowTime;
   _anyTime = true;
 
-  StepInMaking step = _stepOf(row.person);
+  const std::optional<std::int32_t> person = _personOf(row);
+  StepInMaking step = _stepOf(person);
   if (!addTidyReading(*_table, row.reading, step.entry))
     return;
   if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
@@ -142,9 +143,15 @@ void TidyReader::_takeRow()
   if (const auto found = implausibleReading(step.entry))
     _table->refuse(partOf(found->member), found->member + ": " + found->message);
   if (!step.entry.seen && step.readings.size() > 1)
-    _table->refuse(TidyColumn::Reading,
-                   "person " + std::to_string(*row.person) + " is not seen at this time, and yet observed");
-  (row.person ? _steps[*row.person] : _room) = std::move(step);
+    _table->refuse(TidyColumn::Reading, "person " + *row.person + " is not seen at this time, and yet observed");
+  (person ? _steps[*person] : _room) = std::move(step);
+}
+
+std::optional<std::int32_t> TidyReader::_personOf(const TidyRow& row)
+{
+  if (!row.person)
+    return {};
+  return _persons.numberOf(*row.person, _table->placeOf(TidyColumn::Person));
 }
 
 TidyReader::StepInMaking TidyReader::_stepOf(const std::optional<std::int32_t>& person) const
@@ -157,6 +164,7 @@ TidyReader::StepInMaking TidyReader::_stepOf(const std::optional<std::int32_t>& 
   StepInMaking step;
   step.entry.time = _time;
   step.entry.person = *person;
+  step.entry.personName = _persons.nameOf(*person);
   return step;
 }
 

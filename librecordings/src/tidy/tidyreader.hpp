@@ -1,8 +1,10 @@
 #pragma once
 
-#include <skeigiot/recordings/recording.hpp>
+#include "csv/personnames.hpp"
 #include "tidy/tidyreadings.hpp"
 #include "tidy/tidytable.hpp"
+
+#include <skeigiot/recordings/recording.hpp>
 
 #include <ko/systemclock.hpp>
 
@@ -49,13 +51,15 @@ private:
   void _fetchRow();
   ko::SystemClock::time_point _timeOf(const TidyRow& row);
   void _takeRow();
+  std::optional<std::int32_t> _personOf(const TidyRow& row);
   StepInMaking _stepOf(const std::optional<std::int32_t>& person) const;
   void _endTime();
 
   std::unique_ptr<TidyTable> _table;
-  std::optional<double> _origin;   // [s] since 1970, to which the times are added; decided by the first row
-  bool _hasMoments = false;        // instead of seconds
-  std::optional<TidyRow> _row;     // read, and not taken yet
+  PersonNames _persons;
+  std::optional<double> _origin;  // [s] since 1970, to which the times are added; decided by the first row
+  bool _hasMoments = false;       // instead of seconds
+  std::optional<TidyRow> _row;    // read, and not taken yet
   ko::SystemClock::time_point _rowTime;
   ko::SystemClock::time_point _time;            // of the steps below, and the latest so far
   bool _anyRow = false;                         // whose time is known

@@ -8,10 +8,12 @@
 #include <ko/utf8.hpp>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <map>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -304,12 +306,25 @@ void refuseWhatTheReadingHasNot(const TidyTable& table, const Reading& reading, 
       table.refuse(column, "there is none of the reading " + name);
 }
 
-std::optional<std::int32_t> personOf(const TidyTable& table, bool ofPerson)
+bool isNumber(std::string_view text)
+{
+  text.remove_prefix(!text.empty() && text.front() == '+' ? 1 : 0);
+  double number = 0.;
+  const char* const end = text.data() + text.size();
+  return std::from_chars(text.data(), end, number).ptr == end;
+}
+
+/// Returns the number or the name of the person: what is a number has to be a whole one.
+std::optional<std::string> personOf(const TidyTable& table, bool ofPerson)
 {
   if (ofPerson && !table.hasColumn(Column::Person))
-    return 0;
+    return "0";
   if (ofPerson)
-    return Fields(table).whole<std::int32_t>(Column::Person);
+  {
+    const Fields fields(table);
+    std::string person = fields.text(Column::Person);
+    return isNumber(person) ? std::to_string(fields.whole<std::int32_t>(Column::Person)) : std::move(person);
+  }
   if (table.has(Column::Person))
     table.refuse(Column::Person, "expected nobody, since the row is about the room or a scope");
   return {};

@@ -33,12 +33,12 @@ struct TidyRow
   double seconds = 0.;                                ///< from the start or since 1970, as the table counts
   std::optional<ko::SystemClock::time_point> moment;  ///< the time, if the table has it; then the seconds are none
   std::string reading;                                ///< its name
-  std::optional<std::int32_t> person;                 ///< whose it is; nobody's if it is about the room or a scope
+  std::optional<std::string> person;  ///< number or name of whose it is; nobody's if it is about the room or a scope
 };
 
 /// Reads where the row belongs that the table stands on.
 ///
-/// \throws BadLine if time or person is none, or there is no such reading.
+/// \throws BadLine if there is no time, no person or no such reading.
 TidyRow readTidyRow(const TidyTable& table);
 
 /// Adds what the row says of the reading `name` to its step; returns false if the fields that the reading needs are all

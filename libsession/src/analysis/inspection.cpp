@@ -172,6 +172,8 @@ void Inspection::_addPerson(const recordings::Step& step)
   if (isNew)
     span.first = step.time;
   span.last = step.time;
+  if (!step.personName.empty())
+    span.name = step.personName;
   ++(step.seen ? span.seen : span.notSeen);
 }
 

@@ -33,10 +33,13 @@ private:
 
 Json asJson(const PersonSpan& span, Inspection::TimePoint first)
 {
-  return {{"seen", span.seen},
-          {"notSeen", span.notSeen},
-          {"from", inSeconds(span.first - first)},
-          {"to", inSeconds(span.last - first)}};
+  Json json = {{"seen", span.seen},
+               {"notSeen", span.notSeen},
+               {"from", inSeconds(span.first - first)},
+               {"to", inSeconds(span.last - first)}};
+  if (!span.name.empty())
+    json["name"] = span.name;
+  return json;
 }
 
 Json asJson(const NumberRange& range)

@@ -1,3 +1,5 @@
+#include "export/csvtext.hpp"
+
 #include <skeigiot/session/exactnumber.hpp>
 #include <skeigiot/session/exportfields.hpp>
 #include <skeigiot/session/exportformat.hpp>
@@ -32,7 +34,7 @@ private:
     if (value)
       appendExactSeconds(_line, *value);
   }
-  void _append(const std::string& value) { _line += value; }
+  void _append(const std::string& value) { appendCsvText(_line, value); }
 
   std::string& _line;
 };
@@ -40,7 +42,7 @@ private:
 /// Writes every update as a line of comma-separated values.
 ///
 /// Floats have the shortest text that reads back as the same number; truth values are 0 and 1; what is missing is
-/// empty. No field needs quotes.
+/// empty. Texts are quoted where they must be.
 class CsvExport : public Exporter
 {
 public:
@@ -49,7 +51,7 @@ public:
   void writeHeader() override
   {
     std::string header;
-    forEachExportedField(1, Snapshot(), [&header](const char* name, const auto&) {
+    forEachExportedField({}, Snapshot(), [&header](const char* name, const auto&) {
       header += (header.empty() ? "" : ",") + std::string(name);
     });
     _stream << header << '\n';

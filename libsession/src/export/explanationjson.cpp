@@ -45,6 +45,15 @@ Json stateJson(const Snapshot& snapshot)
           {"zone", zoneName(snapshot.zone)}};
 }
 
+/// A person without a name has no member name.
+Json beginningOf(const Snapshot& snapshot, const std::string& recording)
+{
+  Json json = {{"recording", recording}, {"person", snapshot.person}};
+  if (!snapshot.name.empty())
+    json["name"] = snapshot.name;
+  return json;
+}
+
 Json zoneChangesJson(const std::vector<SeenZoneChange>& changes, TimePoint start)
 {
   Json json = Json::array();
@@ -105,30 +114,30 @@ std::string explanationJson(const Explanation& explanation, const std::string& r
 {
   const Snapshot& after = explanation.after;
   const double time = secondsOf(after.sinceStart);
-  return textOf({{"recording", recording},
-                 {"person", after.person},
-                 {"time", time},
-                 {"seen", after.seen},
-                 {"before", stateJson(explanation.before)},
-                 {"after", stateJson(after)},
-                 {"forces", forcesJson(explanation.forces, time)},
-                 {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
-                 {"sentences", sentencesOn(explanation)}});
+  Json json = beginningOf(after, recording);
+  json.update({{"time", time},
+               {"seen", after.seen},
+               {"before", stateJson(explanation.before)},
+               {"after", stateJson(after)},
+               {"forces", forcesJson(explanation.forces, time)},
+               {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+               {"sentences", sentencesOn(explanation)}});
+  return textOf(json);
 }
 
 std::string explanationJson(const SpanExplanation& explanation, const std::string& recording)
 {
   const Snapshot& after = explanation.after;
-  return textOf({{"recording", recording},
-                 {"person", after.person},
-                 {"updates", explanation.updates},
-                 {"first", secondsOf(explanation.first)},
-                 {"last", secondsOf(after.sinceStart)},
-                 {"before", stateJson(explanation.before)},
-                 {"after", stateJson(after)},
-                 {"shares", sharesJson(explanation.changes)},
-                 {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
-                 {"sentences", sentencesOn(explanation)}});
+  Json json = beginningOf(after, recording);
+  json.update({{"updates", explanation.updates},
+               {"first", secondsOf(explanation.first)},
+               {"last", secondsOf(after.sinceStart)},
+               {"before", stateJson(explanation.before)},
+               {"after", stateJson(after)},
+               {"shares", sharesJson(explanation.changes)},
+               {"zoneChanges", zoneChangesJson(explanation.zoneChanges, startOf(after))},
+               {"sentences", sentencesOn(explanation)}});
+  return textOf(json);
 }
 
 }  // namespace KV::session

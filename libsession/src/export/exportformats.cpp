@@ -10,10 +10,11 @@ namespace KV::session
 ExportFormat csvExport();
 ExportFormat jsonlExport();
 ExportFormat recordingExport();
+ExportFormat summaryExport();
 
 const std::vector<ExportFormat>& exportFormats()
 {
-  static const std::vector<ExportFormat> all = {csvExport(), jsonlExport(), recordingExport()};
+  static const std::vector<ExportFormat> all = {csvExport(), jsonlExport(), summaryExport(), recordingExport()};
   return all;
 }
 

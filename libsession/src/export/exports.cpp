@@ -62,6 +62,12 @@ std::vector<SessionObserver*> Exports::Spilled::observers() const
   return exportersOf(_files);
 }
 
+void Exports::Spilled::endSession(const std::string& error)
+{
+  for (const File& file : _files)
+    file.exporter->endSession(error);
+}
+
 Exports::Exports() = default;
 Exports::~Exports() = default;
 
@@ -79,10 +85,16 @@ bool Exports::empty() const
   return _files.empty();
 }
 
-void Exports::beginSession(int number)
+void Exports::beginSession(const SessionName& session)
 {
   for (const File& file : _files)
-    file.exporter->beginSession(number);
+    file.exporter->beginSession(session);
+}
+
+void Exports::endSession(const std::string& error)
+{
+  for (const File& file : _files)
+    file.exporter->endSession(error);
 }
 
 std::vector<SessionObserver*> Exports::observers() const
@@ -90,14 +102,14 @@ std::vector<SessionObserver*> Exports::observers() const
   return exportersOf(_files);
 }
 
-std::unique_ptr<Exports::Spilled> Exports::spill(int number) const
+std::unique_ptr<Exports::Spilled> Exports::spill(const SessionName& session) const
 {
   std::unique_ptr<Spilled> spilled(new Spilled);
   for (const File& file : _files)
   {
     Spilled::File part{std::make_unique<SpillFile>(file.spilled), nullptr};
     part.exporter = file.format.make(part.file->stream());
-    part.exporter->beginSession(number);
+    part.exporter->beginSession(session);
     spilled->_files.push_back(std::move(part));
   }
   return spilled;

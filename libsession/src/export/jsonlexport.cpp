@@ -2,7 +2,11 @@
 #include <skeigiot/session/exportfields.hpp>
 #include <skeigiot/session/exportformat.hpp>
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace KV::session
 {
@@ -10,7 +14,9 @@ namespace KV::session
 namespace
 {
 
-/// Appends the members of one object. All texts are names of the library, in which nothing needs to be escaped.
+using Json = nlohmann::json;
+
+/// Appends the members of one object. A person without a name has no member name.
 class JsonFields
 {
 public:
@@ -19,6 +25,8 @@ public:
   template <typename Value>
   void operator()(const char* name, const Value& value)
   {
+    if (isNameOfNobody(name, value))
+      return;
     _line += _line.empty() ? "{\"" : ",\"";
     _line += name;
     _line += "\":";
@@ -36,7 +44,16 @@ private:
     else
       _line += "null";
   }
-  void _append(const std::string& value) { _line += '"' + value + '"'; }
+  void _append(const std::string& value)
+  {
+    const auto isPlain = [](char character) {
+      return character >= ' ' && character <= '~' && character != '"' && character != '\\';
+    };
+    if (std::all_of(value.begin(), value.end(), isPlain))
+      _line += '"' + value + '"';
+    else  // the name of a file need not be UTF-8
+      _line += Json(value).dump(-1, ' ', false, Json::error_handler_t::replace);
+  }
   void _append(float value)
   {
     if (std::isfinite(value))

@@ -1,5 +1,7 @@
 #include "export/ownoutput.hpp"
 
+#include "export/summarycolumns.hpp"
+
 #include <skeigiot/session/exportfields.hpp>
 
 #include <nlohmann/json.hpp>
@@ -30,10 +32,13 @@ const std::vector<OwnTable>& ownTables()
 {
   static const std::vector<OwnTable> tables = [] {
     Names exported;
-    forEachExportedField(1, Snapshot(), [&exported](const char* name, const auto&) { exported.insert(name); });
+    forEachExportedField({}, Snapshot(), [&exported](const char* name, const auto&) { exported.insert(name); });
     const Names agreement = {"quantity", "first", "second",      "person", "at",  "delay",
                              "measure",  "class", "other_class", "value",  "low", "high"};
+    const std::vector<std::string> columns = summaryColumns();
+    const Names summary(columns.begin(), columns.end());
     return std::vector<OwnTable>{{exported, {"recording", "person", "time", "clock"}},
+                                 {summary, {"recording", "file", "person", "scope", "verdict"}},
                                  {agreement, {"quantity", "first", "second", "measure"}}};
   }();
   return tables;

@@ -29,7 +29,8 @@ public:
   template <typename Value>
   void operator()(const char* name, const Value& value)
   {
-    if (std::string_view(name) != "recording")
+    const std::string_view field(name);
+    if (field != "recording" && field != "file" && !isNameOfNobody(field, value))
       _object[name] = value;
   }
   void operator()(const char*, Duration) {}
@@ -49,7 +50,13 @@ Json jsonOf(const ScopeVerdict& verdict)
   }
   Json persons = Json::array();
   for (const auto& [person, ofPerson] : verdict.persons)
-    persons.push_back({{"person", person}, {"verdict", ofPerson.word}, {"updates", ofPerson.updates}});
+  {
+    Json& added = persons.emplace_back(Json{{"person", person}});
+    if (std::string name = ofPerson.summary.name(); !name.empty())
+      added["name"] = std::move(name);
+    added["verdict"] = ofPerson.word;
+    added["updates"] = ofPerson.updates;
+  }
   object["persons"] = std::move(persons);
   return object;
 }
@@ -121,7 +128,7 @@ std::string Stream::_state()
   if (_observer.about)
     object["updated"] = _observer.updated;
   if (_observer.person)
-    forEachExportedField(1, *_observer.person, StateMembers(object));
+    forEachExportedField({}, *_observer.person, StateMembers(object));
   if (_observer.ambiance)
   {
     object["agitation"] = _observer.ambiance->agitation;

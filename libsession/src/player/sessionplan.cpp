@@ -82,7 +82,9 @@ std::string noteOn(const std::string& folder, const std::vector<std::string>& pa
   return text + (passedOver.size() > mostNamed ? ", ..." : "");
 }
 
-void addContents(const std::string& folder, const std::string& format, SessionPlan& plan)
+/// Adds the recordings of the folder. Exports name them by their paths below it if `isOnly`, so if no other folder or
+/// file is replayed with it.
+void addContents(const std::string& folder, const std::string& format, bool isOnly, SessionPlan& plan)
 {
   std::vector<std::string> passedOver;
   std::vector<std::string> notes;
@@ -90,7 +92,7 @@ void addContents(const std::string& folder, const std::string& format, SessionPl
   for (const fs::path& path : sortedContents(folder, notes))
   {
     if (!format.empty() || recordings::isRecording(path.string()))
-      plan.sessions.push_back({{{path.string(), Duration(0)}}});
+      plan.sessions.push_back({{{path.string(), Duration(0)}}, isOnly ? path.filename().string() : path.string()});
     else
       passedOver.push_back(path.filename().string());
   }
@@ -132,6 +134,11 @@ std::string SessionInputs::name() const
   return text;
 }
 
+SessionName SessionInputs::exportedAs(int number) const
+{
+  return {number, file.empty() ? name() : file};
+}
+
 SessionPlan planSessions(const SessionArguments& arguments)
 {
   const auto& paths = arguments.paths;
@@ -144,7 +151,7 @@ SessionPlan planSessions(const SessionArguments& arguments)
   {
     const auto offset = arguments.offsets.find(path);
     if (isFolderOfRecordings(path))
-      addContents(path, arguments.format, plan);
+      addContents(path, arguments.format, paths.size() == 1, plan);
     else if (arguments.separately)
       plan.sessions.push_back({{{path, Duration(0)}}});
     else

@@ -123,6 +123,7 @@ Json personOf(std::int32_t person, const Moments& moments, const ReportRecorder&
   const auto number = [&](auto of) { return series<float>(moments, of); };
   const auto state = [&](auto of) { return series<std::uint8_t>(moments, of); };
   return {{"id", person},
+          {"name", recorder.summary().persons().at(person).name()},
           {"summary", summaryOf(recorder.summary().persons().at(person))},
           {"moments", moments.size()},
           {"time", series<double>(moments, [](const Moment& moment) { return secondsOf(moment.snapshot.sinceStart); })},
@@ -142,24 +143,6 @@ Json personOf(std::int32_t person, const Moments& moments, const ReportRecorder&
           {"forces", forcesOf(moments)}};
 }
 
-const char* nameOf(ScopeEnd end)
-{
-  switch (end)
-  {
-    case ScopeEnd::Complete:
-      return "complete";
-    case ScopeEnd::NotStopped:
-      return "not stopped";
-    case ScopeEnd::CutShort:
-      return "cut short";
-    case ScopeEnd::NotReached:
-      return "not reached";
-    case ScopeEnd::NotOpen:
-      return "not open";
-  }
-  return "";
-}
-
 Json scopesOf(const ReportRecorder& recorder)
 {
   Json scopes = Json::array();
@@ -174,7 +157,7 @@ Json scopesOf(const ReportRecorder& recorder)
     scopes.push_back({{"name", scope.name},
                       {"from", secondsOf(scope.from)},
                       {"to", secondsOf(scope.to)},
-                      {"end", nameOf(scope.end)},
+                      {"end", scopeEndName(scope.end)},
                       {"persons", std::move(persons)}});
   }
   return scopes;

@@ -42,4 +42,10 @@ std::string easeName(const KV::BodyLanguageEase& ease)
   return ease.level < atEaseFrom ? "neutral" : "at ease";
 }
 
+std::string personText(std::int32_t person, const std::string& name)
+{
+  const std::string number = "person " + std::to_string(person);
+  return name.empty() ? number : name + " (" + number + ")";
+}
+
 }  // namespace KV::session

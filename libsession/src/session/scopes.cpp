@@ -5,14 +5,32 @@
 namespace KV::session
 {
 
+const char* scopeEndName(ScopeEnd end)
+{
+  switch (end)
+  {
+    case ScopeEnd::Complete:
+      return "complete";
+    case ScopeEnd::NotStopped:
+      return "not stopped";
+    case ScopeEnd::CutShort:
+      return "cut short";
+    case ScopeEnd::NotReached:
+      return "not reached";
+    case ScopeEnd::NotOpen:
+      return "not open";
+  }
+  return "";
+}
+
 ScopeVerdict::OfPerson ScopeVerdict::of(std::int32_t person) const
 {
   if (end == ScopeEnd::NotOpen)
-    return {"error", 0};
+    return {"error", 0, {}};
   if (end == ScopeEnd::NotReached)
-    return {"-", 0};
+    return {"-", 0, {}};
   const auto found = persons.find(person);
-  return found == persons.end() ? OfPerson{KV::Verdict().word(), 0} : found->second;
+  return found == persons.end() ? OfPerson{KV::Verdict().word(), 0, {}} : found->second;
 }
 
 Scopes::Scopes(const std::vector<ScopeSpan>& spans)
@@ -50,14 +68,14 @@ bool Scopes::start(const std::string& name, std::int32_t samples, Duration now)
   return true;
 }
 
-void Scopes::update(std::int32_t person, const KV::PersonState& state)
+void Scopes::update(const Snapshot& snapshot, const KV::PersonState& state)
 {
   for (auto& [name, scope] : _started)
-    _add(scope, person, state);
+    _add(scope, snapshot, state);
   for (Span& span : _spans)
   {
     if (span.open)
-      _add(*span.open, person, state);
+      _add(*span.open, snapshot, state);
   }
 }
 
@@ -86,21 +104,26 @@ std::vector<ScopeVerdict> Scopes::finish(Duration now)
   return verdicts;
 }
 
-void Scopes::_add(Open& scope, std::int32_t person, const KV::PersonState& state)
+void Scopes::_add(Open& scope, const Snapshot& snapshot, const KV::PersonState& state)
 {
-  Tally& tally = scope.tallies[person];
+  Tally& tally = scope.tallies[snapshot.person];
   const bool full = scope.samples >= 0 && tally.updates >= static_cast<std::size_t>(scope.samples);
   if (full)
     return;
   tally.verdict.add(state);
   ++tally.updates;
+  tally.summary.add(snapshot);
 }
 
 ScopeVerdict Scopes::_judge(const std::string& name, const Open& scope, Duration to, ScopeEnd end)
 {
   ScopeVerdict verdict{name, scope.from, to, end, {}};
   for (const auto& [person, tally] : scope.tallies)
-    verdict.persons[person] = {tally.verdict.word(), tally.updates};
+  {
+    ScopeVerdict::OfPerson& ofPerson = verdict.persons[person];
+    ofPerson = {tally.verdict.word(), tally.updates, tally.summary};
+    ofPerson.summary.finish();
+  }
   return verdict;
 }
 

@@ -93,6 +93,7 @@ void Session::forget(std::int32_t person)
 {
   _pacer.forget(person);
   _graph.remove(person);
+  _names.erase(person);
 }
 
 void Session::finish()
@@ -167,6 +168,8 @@ void Session::_updatePerson(const recordings::Step& step)
 {
   if (!step.person)
     return;
+  if (!step.personName.empty())
+    _names[*step.person] = step.personName;
   if (step.seen)
     _graph.updateOrCreate(*step.person, [&](KV::Person& person) {
       if (_pacer.take(person, _nonFinite.withoutThem(step, length())))
@@ -191,14 +194,16 @@ Snapshot Session::_snapshot(const KV::Person& person, bool seen) const
   snapshot.sinceStart = length();
   snapshot.isDated = _isDated;
   snapshot.person = person.personID;
+  if (const auto name = _names.find(person.personID); name != _names.end())
+    snapshot.name = name->second;
   snapshot.seen = seen;
   return snapshot;
 }
 
 void Session::_report(const KV::Person& person, bool seen)
 {
-  _scopes.update(person.personID, person.personState);
   const Snapshot snapshot = _snapshot(person, seen);
+  _scopes.update(snapshot, person.personState);
   for (SessionObserver* observer : _observers)
     observer->personUpdated(snapshot);
 }

@@ -75,6 +75,15 @@ TEST_F(JsonLines, HoldEverythingOfAStep)
   EXPECT_THAT(entry.scopeStops, ElementsAre("a", "b"));
 }
 
+TEST_F(JsonLines, KeepTheNameOfAPerson)
+{
+  const std::string line = R"({"time":7,"person":3,"name":"Zo\u00eb \"Z\""})";
+  const auto entry = entryOf(line);
+  EXPECT_EQ("Zo\xc3\xab \"Z\"", entry.personName);
+  EXPECT_EQ(entry.personName, entryOf(written(entry)).personName);
+  EXPECT_EQ("", entryOf(R"({"time":7,"person":3})").personName);
+}
+
 TEST_F(JsonLines, TellOfAPersonWhoWasNotSeen)
 {
   const auto entry = entryOf(R"({"time":7,"person":-3,"seen":false})");
@@ -183,8 +192,9 @@ TEST_P(BadJsonLine, IsNamed)
 INSTANTIATE_TEST_SUITE_P(
     With, BadJsonLine,
     ::testing::Values(
-        BadLineCase{"AnUnknownMember", R"({"time":2,"persn":1})",
-                    "persn: there is no such member; expected time, start, ambiance, person, seen, observation, stop"},
+        BadLineCase{
+            "AnUnknownMember", R"({"time":2,"persn":1})",
+            "persn: there is no such member; expected time, start, ambiance, person, name, seen, observation, stop"},
         BadLineCase{
             "AnUnknownReading", R"({"time":2,"person":1,"observation":{"smil":{"value":1}}})",
             "observation.smil: there is no such member; expected lookingAtRobot, headHeight, distance, gaze, "
@@ -237,6 +247,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "ambiance.movements: expected no negative number, found -1"},
         BadLineCase{"AnObservationOfNobody", R"({"time":2,"observation":{"distance":{"value":1}}})",
                     "person: is missing: whose observation is it?"},
+        BadLineCase{"NobodysName", R"({"time":2,"name":"anna"})", "person: is missing: whose name is it?"},
+        BadLineCase{"ANumberAsName", R"({"time":2,"person":1,"name":1})", "name: expected a text, found '1'"},
         BadLineCase{"NobodyNotSeen", R"({"time":2,"seen":false})", "person: is missing: who was not seen?"},
         BadLineCase{"AnObservationOfThePersonNotSeen",
                     R"({"time":2,"person":1,"seen":false,"observation":{"distance":{"value":1}}})",

@@ -69,6 +69,24 @@ protected:
   const std::string header = "time,person,reading,value\n";
 };
 
+TEST_F(MergedRecordings, TakeTheSameNameForTheSamePerson)
+{
+  const auto contents = read({{"a", header + "0,anna,smile,1\n1,ben,smile,1\n"},
+                              {"b", header + "10,ben,asrEmotion,1\n11,zoe,asrEmotion,1\n12,anna,asrEmotion,1\n"}});
+  EXPECT_THAT(told(contents), ElementsAre("0 person 0 smile", "1 person 1 smile", "10 person 1 speech",
+                                          "11 person 2 speech", "12 person 0 speech"));
+  EXPECT_EQ("ben", contents.entries.at(2).personName);
+  EXPECT_EQ("zoe", contents.entries.at(3).personName);
+  EXPECT_THAT(contents.warnings, IsEmpty());
+}
+
+TEST_F(MergedRecordings, JoinNamesAndNumbersByTheNumber)
+{
+  const auto contents = read({{"a", header + "0,0,smile,1\n"}, {"b", header + "0,anna,asrEmotion,1\n"}});
+  EXPECT_THAT(told(contents), ElementsAre("0 person 0 smile speech"));
+  EXPECT_EQ("anna", contents.entries.at(0).personName);
+}
+
 TEST_F(MergedRecordings, TellTheStepsInTheOrderOfTheirTimes)
 {
   const auto contents = read({{"a", header + "0,1,smile,1\n10,1,smile,1\n"},

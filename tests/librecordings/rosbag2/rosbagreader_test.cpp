@@ -303,6 +303,9 @@ TEST_F(RosbagReaderTest, KnowsAPersonWhoseFaceIsFoundAnew)
   const auto contents = read();
   EXPECT_THAT(stepsOf(contents), ElementsAre("0", "1", "0", "-1"));
   EXPECT_THAT(contents.description.back(), HasSubstr("person 0 is 'ada'"));
+  EXPECT_EQ("ada", contents.entries.at(0).personName);
+  EXPECT_EQ("b", contents.entries.at(1).personName) << "a face that belongs to nobody has its id";
+  EXPECT_EQ("b", contents.entries.at(3).personName) << "so has one that is missing";
 }
 
 TEST_F(RosbagReaderTest, NumbersPersonsInTheOrderOfTheirMessages)

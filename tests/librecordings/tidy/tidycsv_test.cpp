@@ -46,6 +46,19 @@ TEST_F(TidyCsv, HoldsAReadingInEachRow)
   EXPECT_EQ(4, contents.entries[1].person.value());
 }
 
+TEST_F(TidyCsv, CountsPersonsWhoHaveNames)
+{
+  const auto contents = read("time,person,reading,value\n0,anna,smile,1\n0,01_ben,smile,1\n1,anna,smile,1\n");
+  EXPECT_THAT(contents.badLines, IsEmpty());
+  ASSERT_EQ(3u, contents.entries.size());
+  EXPECT_EQ(0, contents.entries[0].person.value());
+  EXPECT_EQ("anna", contents.entries[0].personName);
+  EXPECT_EQ(1, contents.entries[1].person.value());
+  EXPECT_EQ("01_ben", contents.entries[1].personName);
+  EXPECT_EQ("anna", contents.entries[2].personName);
+  EXPECT_EQ("", read("time,person,reading,value\n0,3,smile,1\n").entries.at(0).personName);
+}
+
 TEST_F(TidyCsv, MakesOneStepOfTheRowsOfATimeAndAPerson)
 {
   const auto contents = read(
@@ -331,6 +344,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadTidyCase{"NoPerson", "time,person,reading,value\n0,,smile,1\n", "2: person: is missing"},
         BadTidyCase{"HalfAPerson", "time,person,reading,value\n0,1.5,smile,1\n",
                     "2: person: expected a whole number, found '1.5'"},
+        BadTidyCase{"NameBesideNumbers", "time,person,reading,value\n0,1,smile,1\n0,anna,smile,1\n",
+                    "3: person: expected a whole number as in the rows before, found 'anna'"},
         BadTidyCase{"PersonOfAScope", "time,person,reading,value\n0,1,start,talk\n",
                     "2: person: expected nobody, since the row is about the room or a scope"},
         BadTidyCase{"ScopeWithoutName", "time,reading,value\n0,start,\n", "2: value: is missing"},

@@ -15,7 +15,7 @@ using namespace replaytests;
 const char* const header =
     "recording,person,time,clock,seen,valence,valence_confidence,valence_binary,unsmoothed_valence_binary,"
     "unsmoothed_valence_confidence,attention,attention_confidence,zone,pleasure,ease,ease_confidence,"
-    "valence_known,attention_known\n";
+    "valence_known,attention_known,name,file\n";
 
 TEST(CsvExport, HasAHeader)
 {
@@ -36,12 +36,12 @@ TEST(CsvExport, HasALineForEachUpdate)
   snapshot.zone = ko::human::AttentionState::LookingUpLeft;
   snapshot.pleasure = KV::PleasureNegative;
   snapshot.ease = {-0.5f, 0.5f};
-  csv->beginSession(2);
+  csv->beginSession({2, "second.csv"});
   csv->personUpdated(snapshot);
   csv->personUpdated(snapshotAt(2.));
   EXPECT_EQ(
-      "2,-3,1.25,1577836801.25,0,0.1,1,-1,1,0.25,0.7,1,LookingUpLeft,negative,-0.5,0.5,1,1\n"
-      "2,0,2,1577836802,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1\n",
+      "2,-3,1.25,1577836801.25,0,0.1,1,-1,1,0.25,0.7,1,LookingUpLeft,negative,-0.5,0.5,1,1,,second.csv\n"
+      "2,0,2,1577836802,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1,,second.csv\n",
       file.str());
 }
 
@@ -52,7 +52,7 @@ TEST(CsvExport, HasNoClockWhereTheRecordingHasNoDate)
   KV::session::Snapshot snapshot = snapshotAt(1.25);
   snapshot.isDated = false;
   csv->personUpdated(snapshot);
-  EXPECT_EQ("1,0,1.25,,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1\n", file.str());
+  EXPECT_EQ("1,0,1.25,,1,0,1,0,0,0,0,1,Unknown,neutral,0,0,1,1,,\n", file.str());
 }
 
 TEST(CsvExport, KeepsTheNumbersOfUnknownEstimatesAndSaysThatTheyAre)
@@ -63,7 +63,18 @@ TEST(CsvExport, KeepsTheNumbersOfUnknownEstimatesAndSaysThatTheyAre)
   snapshot.hadValenceEvidence = false;
   snapshot.attention.confidence = 0.f;
   csv->personUpdated(snapshot);
-  EXPECT_EQ("1,0,0,1577836800,1,0.5,1,0,0,0,0.25,0,Unknown,neutral,0,0,0,0\n", file.str());
+  EXPECT_EQ("1,0,0,1577836800,1,0.5,1,0,0,0,0.25,0,Unknown,neutral,0,0,0,0,,\n", file.str());
+}
+
+TEST(CsvExport, QuotesNamesThatNeedIt)
+{
+  std::ostringstream file;
+  const auto csv = KV::session::exportFormat("csv").make(file);
+  csv->beginSession({1, "one, \"two\"\n.csv"});
+  KV::session::Snapshot snapshot = snapshotAt(0.);
+  snapshot.name = "Doe, J";
+  csv->personUpdated(snapshot);
+  EXPECT_NE(std::string::npos, file.str().find(",0,0,1,1,\"Doe, J\",\"one, \"\"two\"\"\n.csv\"\n"));
 }
 
 TEST(CsvExport, NamesWhatIsNoNumber)

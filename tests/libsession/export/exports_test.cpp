@@ -88,6 +88,7 @@ TEST_F(ExportsTest, WriteSomethingInEachFormat)
     exporter->writeHeader();
     const std::size_t header = stream.str().size();
     play({exporter.get()}, 1);
+    exporter->endSession("");
     EXPECT_LT(header, stream.str().size()) << format.name;
   }
 }
@@ -120,8 +121,9 @@ TEST_F(ExportsTest, HoldTheSameBytesWhicheverSessionIsPlayedFirst)
     addAll(inOrder);
     for (int number = 1; number <= 3; ++number)
     {
-      inOrder.beginSession(number);
+      inOrder.beginSession({number, "file"});
       play(inOrder.observers(), number);
+      inOrder.endSession("");
     }
     inOrder.commit();
   }
@@ -132,14 +134,16 @@ TEST_F(ExportsTest, HoldTheSameBytesWhicheverSessionIsPlayedFirst)
   std::map<int, std::unique_ptr<Exports::Spilled>> parts;
   for (const int number : {3, 1, 2})
   {
-    parts[number] = spilled.spill(number);
+    parts[number] = spilled.spill({number, "file"});
     play(parts[number]->observers(), number);
+    parts[number]->endSession("");
   }
   for (const auto& [number, part] : parts)
     spilled.append(*part);
   spilled.commit();
   EXPECT_EQ(expected, written());
   EXPECT_EQ(7, std::count(expected.at("csv").begin(), expected.at("csv").end(), '\n')) << "one header, six updates";
+  EXPECT_EQ(4, std::count(expected.at("summary").begin(), expected.at("summary").end(), '\n')) << "three persons";
 }
 
 }  // namespace

@@ -56,13 +56,28 @@ TEST_F(StreamTest, AnswersWithTheStateThatAReplayExports)
     json expected = json::parse(line);
     json found = answer(lineOf(entry(i)));
     EXPECT_EQ(i + 1, found["line"]);
-    for (const char* const name : {"recording", "time", "clock"})
+    for (const char* const name : {"recording", "file", "time", "clock"})
       expected.erase(name);
     EXPECT_EQ(true, found["updated"]);
     for (const char* const name : {"line", "time", "updated"})
       found.erase(name);
     EXPECT_EQ(expected, found);
   }
+}
+
+TEST_F(StreamTest, KnowsThePersonByTheNameThatALineGave)
+{
+  KV::recordings::Step named = seenAt(0., 3);
+  named.personName = "anna";
+  named.scopeStarts.push_back({"talk", -1});
+  EXPECT_EQ("anna", answer(lineOf(named))["name"]);
+  EXPECT_EQ("anna", answer(lineOf(seenAt(0.05, 3)))["name"]) << "a line that gives none";
+  EXPECT_EQ(0U, answer(lineOf(seenAt(0.06, 4))).count("name")) << "another person";
+  KV::recordings::Step last = seenAt(0.2, 3);
+  last.scopeStops.emplace_back("talk");
+  EXPECT_EQ("anna", answer(lineOf(last))["verdicts"][0]["persons"][0]["name"]);
+  answer(R"({"time":)" + std::to_string(last.time.time_since_epoch().count()) + R"(,"leave":[3]})");
+  EXPECT_EQ(0U, answer(lineOf(seenAt(0.3, 3))).count("name")) << "somebody new";
 }
 
 TEST_F(StreamTest, SaysWhichLineUpdatesAndAnswersTheOthersWithTheStateThatHolds)

@@ -91,6 +91,21 @@ TEST_F(SessionPlanTest, GivesEachRecordingOfAFolderASessionInTheOrderOfTheirName
   EXPECT_THAT(planned(), ElementsAre("./a.csv", "./b.csv", "./c.csv"));
 }
 
+TEST_F(SessionPlanTest, NamesFilesBelowTheFolderForExports)
+{
+  folder.write("a.csv", tidy);
+  const auto file = [this] { return KV::session::planSessions(arguments).sessions.front().exportedAs(3).file; };
+  arguments.paths = {folder.path("")};
+  EXPECT_EQ("a.csv", file());
+  EXPECT_EQ(3, KV::session::planSessions(arguments).sessions.front().exportedAs(3).number);
+  arguments.paths = {folder.path("a.csv")};
+  EXPECT_EQ(folder.path("a.csv"), file());
+  arguments.paths = {"face.csv", "voice.csv"};
+  EXPECT_EQ("face.csv + voice.csv", file());
+  arguments.paths = {folder.path("."), folder.path(".")};
+  EXPECT_EQ(folder.path("./a.csv"), file()) << "of two folders, the paths tell which";
+}
+
 TEST_F(SessionPlanTest, PassesOverWhatIsNoRecordingAndSaysSo)
 {
   folder.write("a.csv", tidy);

@@ -54,6 +54,12 @@ INSTANTIATE_TEST_SUITE_P(AtTheLimits, EaseName,
                                            EaseCase{"AllEase", 0.5f, "at ease"}),
                          support::RowName());
 
+TEST(PersonTexts, HaveTheNumberBesideTheName)
+{
+  EXPECT_EQ("anna (person 3)", KV::session::personText(3, "anna"));
+  EXPECT_EQ("person -1", KV::session::personText(-1, ""));
+}
+
 TEST(EaseNames, IsADashBeforeTheFirstEstimate)
 {
   EXPECT_EQ("-", KV::session::easeName(KV::BodyLanguageEase()));

@@ -6,9 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <random>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -23,13 +25,43 @@ using replaytests::inNanoseconds;
 const KV::PersonState positive(1.f, 1.f, 0.f, 0.f);
 const KV::PersonState negative(-1.f, 1.f, 0.f, 0.f);
 
+KV::session::Snapshot updateOf(std::int32_t person, double seconds = 0., float valence = 0.f)
+{
+  KV::session::Snapshot snapshot;
+  snapshot.person = person;
+  snapshot.name = "p" + std::to_string(person);
+  snapshot.sinceStart = inNanoseconds(seconds);
+  snapshot.valence = {valence, 0.5f};
+  return snapshot;
+}
+
+TEST(Scopes, SumUpTheUpdatesOfEachPersonInThem)
+{
+  Scopes scopes({{"span", inNanoseconds(1.), inNanoseconds(2.)}});
+  std::vector<ScopeVerdict> verdicts;
+  for (const double time : {0., 1., 1.5, 2., 2.5})
+  {
+    for (ScopeVerdict& verdict : scopes.advance(inNanoseconds(time)))
+      verdicts.push_back(std::move(verdict));
+    scopes.update(updateOf(3, time, time < 1. || time > 2. ? -1.f : 0.25f), positive);
+  }
+  ASSERT_EQ(1U, verdicts.size());
+  const KV::session::PersonSummary summary = verdicts.front().of(3).summary;
+  EXPECT_EQ("p3", summary.name());
+  EXPECT_EQ(3U, summary.updates());
+  EXPECT_EQ(inNanoseconds(1.), summary.from());
+  EXPECT_EQ(inNanoseconds(2.), summary.to());
+  EXPECT_DOUBLE_EQ(0.25, summary.valence());
+  EXPECT_EQ(0U, verdicts.front().of(4).summary.updates());
+}
+
 TEST(Scopes, JudgeEachPersonByTheirOwnStates)
 {
   Scopes scopes({});
   scopes.start("a", -1, inNanoseconds(0.));
-  scopes.update(1, positive);
-  scopes.update(2, negative);
-  scopes.update(2, negative);
+  scopes.update(updateOf(1), positive);
+  scopes.update(updateOf(2), negative);
+  scopes.update(updateOf(2), negative);
 
   const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
 
@@ -54,8 +86,8 @@ TEST(Scopes, TakeAsManyUpdatesOfEachPersonAsTheyWereStartedFor)
   Scopes scopes({});
   scopes.start("a", 2, inNanoseconds(0.));
   for (int i = 0; i < 3; ++i)
-    scopes.update(1, negative);
-  scopes.update(2, positive);
+    scopes.update(updateOf(1), negative);
+  scopes.update(updateOf(2), positive);
 
   const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
 
@@ -67,7 +99,7 @@ TEST(Scopes, StartedForNoUpdateTakeNone)
 {
   Scopes scopes({});
   scopes.start("a", 0, inNanoseconds(0.));
-  scopes.update(1, negative);
+  scopes.update(updateOf(1), negative);
   const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(1.));
   EXPECT_EQ(0U, verdict.of(1).updates);
   EXPECT_EQ("neutral", verdict.of(1).word);
@@ -77,9 +109,9 @@ TEST(Scopes, StartedAgainForgetWhatTheyTookBefore)
 {
   Scopes scopes({});
   scopes.start("a", -1, inNanoseconds(0.));
-  scopes.update(1, negative);
+  scopes.update(updateOf(1), negative);
   scopes.start("a", -1, inNanoseconds(1.));
-  scopes.update(1, positive);
+  scopes.update(updateOf(1), positive);
   const ScopeVerdict verdict = scopes.stop("a", inNanoseconds(2.));
   EXPECT_EQ("positive", verdict.of(1).word);
   EXPECT_EQ(inNanoseconds(1.), verdict.from);
@@ -105,7 +137,7 @@ TEST(Scopes, NeverStoppedAreJudgedAtTheEnd)
 {
   Scopes scopes({});
   scopes.start("a", -1, inNanoseconds(0.));
-  scopes.update(1, positive);
+  scopes.update(updateOf(1), positive);
   const std::vector<ScopeVerdict> verdicts = scopes.finish(inNanoseconds(9.));
   ASSERT_EQ(1U, verdicts.size());
   EXPECT_EQ(ScopeEnd::NotStopped, verdicts[0].end);
@@ -135,7 +167,7 @@ std::vector<ScopeVerdict> judged(const ScopeSpan& span, int last)
   {
     for (const ScopeVerdict& verdict : scopes.advance(inNanoseconds(second)))
       verdicts.push_back(verdict);
-    scopes.update(1, positive);
+    scopes.update(updateOf(1), positive);
   }
   for (const ScopeVerdict& verdict : scopes.finish(inNanoseconds(last)))
     verdicts.push_back(verdict);
@@ -227,7 +259,7 @@ TEST(Scopes, JudgeAsTheRecorderDoes)
     {
       const KV::PersonState state(valence(random), confidence(random), 0.f, 0.f);
       recorder.update_notMutexed(state);
-      scopes.update(7, state);
+      scopes.update(updateOf(7), state);
     }
 
     const auto recorded = recorder.stopRecording("a");

@@ -37,6 +37,22 @@ protected:
   Log log;
 };
 
+TEST_F(SessionTest, KeepsTheNameThatAStepGivesThePerson)
+{
+  Session session({}, {&log});
+  KV::recordings::Step named = seenAt(0., 4);
+  named.personName = "anna";
+  session.play(named);
+  session.play(seenAt(0.2, 4));
+  session.play(seenAt(0.2, 5));
+  session.forget(4);
+  session.play(seenAt(0.4, 4));
+  std::vector<std::string> names;
+  for (const Snapshot& snapshot : log.snapshots)
+    names.push_back(snapshot.name);
+  EXPECT_EQ((std::vector<std::string>{"anna", "anna", "", ""}), names);
+}
+
 TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
 {
   Session session({}, {&log});

@@ -105,6 +105,50 @@ TEST_F(LargeFolder, TellsErrorsInTheOrderOfTheFiles)
   EXPECT_EQ(1 + 2 * 297, std::count(all.begin(), all.end(), '\n'));
 }
 
+TEST_F(LargeFolder, HasTheFileInEachLineOfItsExports)
+{
+  folder.write("anna.csv", recordingOf(2));
+  folder.write("ben, again.csv", recordingOf(1));
+  replay("--quiet --jsonl " + results.path("all.jsonl"));
+  const std::string csv = results.read("all.csv");
+  EXPECT_THAT(csv, ::testing::HasSubstr(",name,file\n1,0,0,"));
+  EXPECT_THAT(csv, ::testing::HasSubstr(",,anna.csv\n2,0,0,"));
+  EXPECT_THAT(csv, ::testing::EndsWith(",,\"ben, again.csv\"\n"));
+  EXPECT_THAT(results.read("all.jsonl"), ::testing::HasSubstr("\"file\":\"ben, again.csv\"}\n"));
+}
+
+TEST_F(LargeFolder, IsSummedUpInATableAndInAFileForStatistics)
+{
+  folder.write("anna.csv", recordingOf(3));
+  folder.write("bad.csv", "time,person,reading,value\nnever,0,smile,1\n");
+  folder.write("two.csv", "time,person,reading,value\n0,zoe,touchEmotion,1\n0,yve,smile,1\n0.5,zoe,smile,1\n");
+  const CommandResult result = replay("--summary " + results.path("summary.csv") + " --scope end=0.1..");
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.output,
+              ::testing::HasSubstr("\n3 recordings   length  persons   seen  valence  attention  verdict"));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\nanna.csv +0:00.2 +1 +100 % +unknown +unknown +unknown\n"));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\nbad.csv .*not read"));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\ntwo.csv +0:00.5 +2 +100 % +[+]"));
+  EXPECT_THAT(result.output, ::testing::HasSubstr("\nzoe (person 0)\n"));
+  const std::string summary = results.read("summary.csv");
+  EXPECT_EQ(1 + 2 + 1 + 4, std::count(summary.begin(), summary.end(), '\n')) << summary;
+  EXPECT_THAT(summary,
+              ::testing::HasSubstr("\n1,anna.csv,0,,whole recording,0,0.2,complete,unknown,3,0,0.2,1,,,0,,,0,,,"));
+  EXPECT_THAT(summary, ::testing::HasSubstr("\n2,bad.csv,,,,"));
+  EXPECT_THAT(summary, ::testing::HasSubstr("bad.csv:2: time: expected a number, found 'never'\n"));
+  EXPECT_THAT(summary, ::testing::HasSubstr("\n3,two.csv,0,zoe,end,0.1,0.5,complete,"));
+}
+
+TEST_F(LargeFolder, IsSummedUpAlikeWhateverTheNumberOfJobs)
+{
+  for (int i = 0; i < 30; ++i)
+    folder.write(numberedName(i), recordingOf(1 + i));
+  const CommandResult one = replay("--jobs 1 --summary " + results.path("one.csv"));
+  const CommandResult more = replay("--jobs 4 --summary " + results.path("more.csv"));
+  EXPECT_EQ(one.output, more.output);
+  EXPECT_EQ(results.read("one.csv"), results.read("more.csv"));
+}
+
 TEST_F(LargeFolder, NamedFileByFileIsNoSession)
 {
   for (int i = 0; i < 65; ++i)

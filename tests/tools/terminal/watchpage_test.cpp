@@ -76,6 +76,18 @@ TEST_F(WatchPageTest, ShowsARowOfBarsConfidencesAndHistories)
       page(200, 24).at(2));
 }
 
+TEST_F(WatchPageTest, ShowsTheNameOfAPersonWithTheNumber)
+{
+  add(7, 0.5f, 0.75f);
+  Snapshot named = snapshotAt(0., 0.5f, 0.75f);
+  named.person = 12;
+  named.name = "anna\x1b[2J of the long name";
+  table.personUpdated(named);
+  EXPECT_EQ(0U, page(80, 24).at(1).find("            person  valence"));
+  EXPECT_EQ(0U, page(80, 24).at(2).find("                 7  "));
+  EXPECT_EQ(0U, page(80, 24).at(3).find("anna\\u001b[2J (12)  "));
+}
+
 TEST_F(WatchPageTest, ShowsShorterHistoriesOnANarrowerTerminal)
 {
   add(7, -1.f, 0.5f);

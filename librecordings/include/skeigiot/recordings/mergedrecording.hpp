@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <deque>
 #include <exception>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -36,6 +37,8 @@ struct SKEIGIOT_API RecordingInput
 /// for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs that are
 /// of one kind, or for which no such step comes, make steps of their own. Two inputs that tell the same reading of a
 /// person at the same time are no inputs of one session, but recordings of two persons.
+///
+/// Persons of two inputs are the same if they have the same name, or the same number where an input has no names.
 ///
 /// Holds no more than the steps of longestWait.
 class SKEIGIOT_API MergedRecording : public Reader
@@ -85,6 +88,7 @@ private:
   };
 
   void _fetch(std::size_t number);
+  void _unifyPerson(Step& entry);
   void _fetchFirst();
   bool _readOne();
   void _readUntil(TimePoint time);
@@ -96,8 +100,10 @@ private:
 
   std::vector<Input> _inputs;
   bool _begun = false;
-  std::deque<Item> _read;                 // what is read, and not told yet
-  TimePoint _reached = TimePoint::min();  // of what was read last
+  std::deque<Item> _read;                        // what is read, and not told yet
+  TimePoint _reached = TimePoint::min();         // of what was read last
+  std::map<std::string, std::int32_t> _numbers;  // of persons with a name
+  std::map<std::int32_t, std::string> _names;    // of all persons; empty: none
   std::vector<std::string> _warnings;
 };
 

@@ -26,6 +26,7 @@ struct SKEIGIOT_API Step
   boost::optional<float> ambianceActivity;  ///< activity of the room, if it was measured
 
   boost::optional<std::int32_t> person;  ///< whom the step is about
+  std::string personName;                ///< what the recording calls them, in UTF-8; empty: by the number alone
   bool seen = true;                      ///< false: the person was not observed in this cycle, and ages
   KV::PersonObservation observation;     ///< readings of the person; empty if they were not seen
 

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/sessionname.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
+
+#include <string>
 
 namespace KV::session
 {
@@ -15,15 +18,19 @@ public:
   /// Writes the head of the file, if its format has one. Call it once for each file, before the first session.
   virtual void writeHeader() {}
 
-  /// Says that the session with this number comes next; they count from 1.
-  void beginSession(int number) { _session = number; }
+  /// Says which session comes next.
+  void beginSession(const SessionName& session) { _session = session; }
+
+  /// Says that the session has ended, after the last call of an observer's function. `error` is what ended it early, or
+  /// kept it from beginning; it is empty if nothing did.
+  virtual void endSession(const std::string& /*error*/) {}
 
 protected:
-  /// Returns the number of the session that is exported, from 1.
-  int session() const { return _session; }
+  /// Returns which session is exported.
+  const SessionName& session() const { return _session; }
 
 private:
-  int _session = 1;
+  SessionName _session;
 };
 
 }  // namespace KV::session

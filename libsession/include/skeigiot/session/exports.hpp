@@ -30,6 +30,9 @@ public:
     /// Returns the observers of the session.
     std::vector<SessionObserver*> observers() const;
 
+    /// Says that the session has ended, see Exporter::endSession().
+    void endSession(const std::string& error);
+
   private:
     friend class Exports;
     struct File;
@@ -55,16 +58,18 @@ public:
   /// Tells whether nothing is exported.
   bool empty() const;
 
-  /// Says that the session with this number, counted from 1, is the next for observers().
-  void beginSession(int number);
+  /// Says which session is the next for observers().
+  void beginSession(const SessionName& session);
 
   /// Returns the observers that write directly to the files; one session after the other.
   std::vector<SessionObserver*> observers() const;
 
-  /// Begins to export the session with this number to temporary files; may be called from several threads.
-  ///
-  /// \throws WriteError if the temporary files cannot be made.
-  std::unique_ptr<Spilled> spill(int number) const;
+  /// Says that the session of observers() has ended, see Exporter::endSession().
+  void endSession(const std::string& error);
+
+  /// Begins to export a session to memory and, where that is not enough, temporary files; may be called from several
+  /// threads.
+  std::unique_ptr<Spilled> spill(const SessionName& session) const;
 
   /// Writes a spilled session to the files.
   ///

@@ -34,6 +34,7 @@ struct SKEIGIOT_API NumberRange
 /// What a recording tells of one person.
 struct SKEIGIOT_API PersonSpan
 {
+  std::string name;                   ///< what the recording calls the person; empty if they have no name
   std::size_t seen = 0;               ///< steps in which the person was observed
   std::size_t notSeen = 0;            ///< steps that say that the person was not
   ko::SystemClock::time_point first;  ///< time of the first step about the person

@@ -6,6 +6,7 @@
 
 #include <ko/human/attentionstate.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace KV::session
@@ -21,5 +22,8 @@ SKEIGIOT_API std::string pleasureName(KV::PleasureState pleasure);
 ///
 /// The limits are those of the library's own, longer text.
 SKEIGIOT_API std::string easeName(const KV::BodyLanguageEase& ease);
+
+/// Returns "person 3" or, if the recording gives the person a name, "anna (person 3)".
+SKEIGIOT_API std::string personText(std::int32_t person, const std::string& name);
 
 }  // namespace KV::session

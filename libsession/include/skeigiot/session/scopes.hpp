@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/inputlimits.hpp>
+#include <skeigiot/session/personsummary.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/snapshot.hpp>
 #include <skeigiot/verdict.hpp>
@@ -27,6 +28,9 @@ enum class ScopeEnd
   NotOpen      ///< the recording stopped what it had not started
 };
 
+/// Returns "complete", "not stopped", "cut short", "not reached" or "not open".
+SKEIGIOT_API const char* scopeEndName(ScopeEnd end);
+
 /// How a scope went, for each person with an update in it.
 struct SKEIGIOT_API ScopeVerdict
 {
@@ -35,6 +39,7 @@ struct SKEIGIOT_API ScopeVerdict
   {
     std::string word;         ///< "positive", "neutral", "negative" or "unknown"
     std::size_t updates = 0;  ///< how many updates it stands on
+    PersonSummary summary;    ///< of these updates; finished
   };
 
   /// Returns the verdict on `person`: that of a scope without updates if they had none in it, "error" if the scope was
@@ -73,7 +78,9 @@ public:
   bool start(const std::string& name, std::int32_t samples, Duration now);
 
   /// Adds the state, as it is now, to every open scope that still takes updates of this person.
-  void update(std::int32_t person, const KV::PersonState& state);
+  ///
+  /// \param snapshot of the same update; says who the person is
+  void update(const Snapshot& snapshot, const KV::PersonState& state);
 
   /// Returns how many scopes are open that start() opened.
   std::size_t openCount() const { return _started.size(); }
@@ -92,6 +99,7 @@ private:
   {
     KV::Verdict verdict;
     std::size_t updates = 0;
+    PersonSummary summary;
   };
 
   struct Open
@@ -108,7 +116,7 @@ private:
     bool closed = false;
   };
 
-  static void _add(Open& scope, std::int32_t person, const KV::PersonState& state);
+  static void _add(Open& scope, const Snapshot& snapshot, const KV::PersonState& state);
   static ScopeVerdict _judge(const std::string& name, const Open& scope, Duration to, ScopeEnd end);
   static ScopeVerdict _judgeAtTheEnd(const Span& span, Duration now);
 

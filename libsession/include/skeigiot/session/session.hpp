@@ -17,6 +17,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,7 @@ private:
   NonFiniteReadings _nonFinite;
   Pacer _pacer;
   KV::SocialGraph _graph;
+  std::map<std::int32_t, std::string> _names;  // of persons who have one
   KV::AmbianceState _ambiance;
   Scopes _scopes;
   std::size_t _notStarted = 0;  // scopes that were too many

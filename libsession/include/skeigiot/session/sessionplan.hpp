@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/session/sessionname.hpp>
 
 #include <ko/systemclock.hpp>
 
@@ -30,6 +31,10 @@ struct SKEIGIOT_API SessionInputs
   };
 
   std::vector<Input> inputs;  ///< one at least; if there are several, they are merged
+  std::string file = {};      ///< what exports call it: the path below the folder that was named, or as it was given
+
+  /// Returns the name that exports have for it, as the session with this number.
+  SessionName exportedAs(int number) const;
 
   /// Returns the paths, as messages call the session.
   std::string name() const;

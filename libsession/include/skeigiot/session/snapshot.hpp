@@ -9,6 +9,7 @@
 #include <ko/human/attentionstate.hpp>
 
 #include <cstdint>
+#include <string>
 
 namespace KV::session
 {
@@ -21,6 +22,7 @@ struct SKEIGIOT_API Snapshot
   bool isDated = true;     ///< false: `time` has no date, see recordings::Reader::isDated(); `sinceStart` holds
 
   std::int32_t person = 0;  ///< whose update it was
+  std::string name;         ///< what the recording calls the person, in UTF-8; empty: by the number alone
   bool seen = true;         ///< false: the person was not observed in this cycle so far
 
   KV::ValueConfidence<float> valence;                                   ///< in [-1, 1]
