@@ -4,6 +4,7 @@
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
+#include "commands/inspectfolder.hpp"
 #include "terminal/inspectiontext.hpp"
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
@@ -12,9 +13,11 @@
 #include <skeigiot/session/inspectionreport.hpp>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -36,11 +39,31 @@ struct Arguments
   bool json = false;
 };
 
+/// Tells whether it is a folder of recordings, and no bag.
+bool isFolder(const std::string& path)
+{
+  std::error_code error;
+  return std::filesystem::is_directory(path, error) &&
+         !std::filesystem::exists(std::filesystem::path(path) / "metadata.yaml", error);
+}
+
+ExitStatus runOfFolder(const Arguments& arguments)
+{
+  Messages messages(std::cerr, false);
+  const session::SessionPlan plan = session::planSessions({{arguments.path}, {}, true, arguments.reading.format});
+  for (const std::string& note : plan.notes)
+    messages.note(note);
+  StandardOutput output;
+  return inspectFolder(plan.sessions, arguments.reading, arguments.json, output, messages);
+}
+
 ExitStatus run(const Arguments& arguments)
 {
   checkStandardOutput({{{arguments.path, {}}}});
   try
   {
+    if (isFolder(arguments.path))
+      return runOfFolder(arguments);
     const session::InspectionReport report = session::inspect(arguments.path, arguments.reading.format,
                                                               arguments.reading.options, [](const session::Progress&) {
                                                                 Interruption::check();
@@ -67,7 +90,9 @@ void addInspectCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("inspect", "Tells what is in a recording, and how it is read");
-  command.add_option("RECORDING", arguments->path, "File to look into")->required()->type_name("");
+  command.add_option("RECORDING", arguments->path, "File to look into, or a folder of them, which becomes a table")
+      ->required()
+      ->type_name("");
   command.add_flag("--json", arguments->json, "As JSON");
   addReadingOptions(command, arguments->reading);
   command.footer(footer);

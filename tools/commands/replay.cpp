@@ -198,7 +198,9 @@ void checkReport(const ReplayOptions& options)
   if (*options.report == "-")
     throw CLI::ValidationError(reportOption, "needs a file; standard output shows the replay");
   if (options.sessions.size() != 1)
-    throw CLI::ValidationError(reportOption, "is about one session: name the inputs of one recording");
+    throw CLI::ValidationError(reportOption,
+                               "is about one session: name the inputs of one recording, or let \"skeigiot report\" "
+                               "write a folder of pages");
 }
 
 /// Fills in the sessions, and which of their options follow from them.

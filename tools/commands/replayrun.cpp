@@ -2,6 +2,7 @@
 
 #include "cli/interruption.hpp"
 #include "commands/reportfile.hpp"
+#include "commands/reportfolder.hpp"
 #include "commands/sessionreplay.hpp"
 #include "terminal/foldertable.hpp"
 
@@ -62,6 +63,8 @@ public:
       _exports.add(format, target, check);
     if (options.report)
       _report.emplace(*options.report, check);
+    if (options.reportFolder)
+      _reports.emplace(*options.reportFolder, options.sessions, check);
     if (_display.shows())
       check.admit("-");
   }
@@ -91,14 +94,21 @@ public:
 private:
   void _oneByOne()
   {
-    const SessionOutlets outlets{_display, _messages, _observers(), _progress, Interruption::check};
     for (std::size_t i = 0; i < _options.sessions.size() && !_isInVain(); ++i)
     {
       _separate(i);
       _exports.beginSession(_nameOf(i));
-      SessionOutcome outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
-      _exports.endSession(outcome.error);
-      _add(std::move(outcome));
+      try
+      {
+        SessionOutcome outcome = _replayed(i, {_display, _messages, _observers(), _progress, Interruption::check});
+        _exports.endSession(outcome.error);
+        _add(std::move(outcome));
+      }
+      catch (const Interrupted&)
+      {
+        _exports.endSession(interruptedText);
+        throw;
+      }
     }
   }
 
@@ -138,10 +148,9 @@ private:
         throw Cancelled();
     };
     const recordings::InterruptionCheck whileReading(check);
-    const SessionOutlets outlets{display, messages, session.exports->observers(), progress, check};
     try
     {
-      session.outcome = replaySession(_options.sessions[i], _options, _surroundings, outlets);
+      session.outcome = _replayed(i, {display, messages, session.exports->observers(), progress, check});
     }
     catch (const Interrupted& interrupted)
     {
@@ -152,6 +161,24 @@ private:
     session.output = output.str();
     session.errors = errors.str();
     return session;
+  }
+
+  /// Replays a session, and writes its own report, if there are reports of all.
+  SessionOutcome _replayed(std::size_t i, SessionOutlets outlets) const
+  {
+    const session::SessionInputs& session = _options.sessions[i];
+    if (!_reports)
+      return replaySession(session, _options, _surroundings, outlets);
+    session::OutputCheck checked(true);  // the page was admitted in the beginning
+    ReportFile report(_reports->pageOf(i), checked);
+    outlets.observers.push_back(&report.observer());
+    SessionOutcome outcome = replaySession(session, _options, _surroundings, outlets);
+    if (outcome.opened)
+    {
+      report.commit(session, outcome.said, _options.format, _options.givenOptions);
+      outcome.report = report.overview();
+    }
+    return outcome;
   }
 
   /// The sessions themselves notice an interruption, so that what they exported is not lost.
@@ -180,6 +207,8 @@ private:
     _exports.commit();
     if (_report)
       _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
+    if (_reports)
+      _reports->commit();
   }
 
   void _add(SessionOutcome outcome)
@@ -187,10 +216,13 @@ private:
     _said.insert(_said.end(), outcome.said.begin(), outcome.said.end());
     _status = graver(_status, outcome.status);
     _anyOpened = _anyOpened || outcome.opened;
+    if (_reports)
+      _reports->add({outcome.overview.file, "", std::move(outcome.report), outcome.overview.warnings, outcome.error},
+                    outcome.opened);
     _overviews.push_back(std::move(outcome.overview));
   }
 
-  bool _isInVain() const { return _display.closed() && _exports.empty() && !_report; }
+  bool _isInVain() const { return _display.closed() && _exports.empty() && !_report && !_reports; }
 
   session::SessionName _nameOf(std::size_t i) const { return _options.sessions[i].exportedAs(static_cast<int>(i) + 1); }
 
@@ -201,6 +233,7 @@ private:
   ProgressLine _progress;
   session::Exports _exports;
   boost::optional<ReportFile> _report;
+  boost::optional<ReportFolder> _reports;
   std::vector<std::string> _said;  // warnings and errors of all sessions
   std::vector<FileOverview> _overviews;
   ExitStatus _status = Success;

@@ -38,6 +38,7 @@ struct ReplayOptions
   boost::optional<std::string> report;         ///< file of the report of the one session
   std::string format;                          ///< that all inputs are read as; empty: found out
   std::vector<std::string> givenOptions;       ///< how the user wanted it read, for the report: "--fps 25"
+  boost::optional<std::string> reportFolder;   ///< folder of the reports of all sessions
   std::vector<std::string> otherInputs;        ///< files besides the recordings that no output may overwrite
   bool force = false;                          ///< existing files are replaced, whatever they are
 };

@@ -11,8 +11,12 @@
 #include <skeigiot/session/report.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
+#include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <memory>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include <unistd.h>
@@ -30,13 +34,16 @@ const char* const footer =
 over time with their confidences, what was observed, and what pulled; and for a moment that is clicked, every force in
 order. Files named together are inputs of one session, as for "skeigiot replay".
 
+A folder of recordings becomes a folder with a page of each, and index.html, which leads to them with small pictures.
+
 A long recording is thinned so that the page stays below 15 MB: extremes are kept, and the page says so.
 
 Exit status: as that of "skeigiot replay".
 
 Examples:
   skeigiot report face.csv -o report.html
-  skeigiot report face.csv voice.csv --scope greeting=0..12.5 -o report.html)";
+  skeigiot report face.csv voice.csv --scope greeting=0..12.5 -o report.html
+  skeigiot report recordings/ -o pages/)";
 
 const char* const withoutPage =
     "this command was built without the page of the report: install npm (on Debian: nodejs and npm), and build it anew";
@@ -49,18 +56,40 @@ struct Arguments
   std::string target;
 };
 
+/// Tells whether a folder was named that holds the recording.
+bool isOfFolder(const session::SessionInputs& session, const session::SessionArguments& arguments)
+{
+  return session.inputs.front().path != arguments.paths.front();
+}
+
+/// \throws CLI::ValidationError if the target can be no folder of pages.
+void planFolder(Arguments& arguments)
+{
+  const std::filesystem::path target = arguments.target;
+  std::error_code error;
+  const bool isOther = std::filesystem::exists(target, error) && !std::filesystem::is_directory(target, error);
+  if (arguments.target == "-" || isOther || (target.extension() == ".html" && !std::filesystem::exists(target, error)))
+    throw CLI::ValidationError(
+        "-o", "each recording of a folder gets a page: name a folder for them, not '" + arguments.target + "'");
+  arguments.replay.reportFolder = arguments.target;
+  arguments.replay.jobs = std::max(1U, std::thread::hardware_concurrency());
+}
+
 /// \throws Error, CLI::ValidationError if there can be no such session.
-void plan(Arguments& arguments)
+void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
   arguments.replay.skipBad = arguments.reading.skipBad;
   arguments.replay.otherInputs = {arguments.reading.options.mapping};
   arguments.replay.shown = false;
-  arguments.replay.report = arguments.target;
-  arguments.replay.sessions = planNamedSessions(arguments.sessions).sessions;
-  if (arguments.replay.sessions.size() != 1)
-    throw CLI::ValidationError(
-        "a report is about one session: name the inputs of one recording, and no folder of several");
+  session::SessionPlan plan = planNamedSessions(arguments.sessions);
+  for (const std::string& note : plan.notes)
+    messages.note(note);
+  arguments.replay.sessions = std::move(plan.sessions);
+  if (arguments.replay.sessions.size() == 1 && !isOfFolder(arguments.replay.sessions.front(), arguments.sessions))
+    arguments.replay.report = arguments.target;
+  else
+    planFolder(arguments);
 }
 
 ExitStatus run(Arguments& arguments)
@@ -73,7 +102,7 @@ ExitStatus run(Arguments& arguments)
   }
   try
   {
-    plan(arguments);
+    plan(arguments, messages);
   }
   catch (const recordings::Error& error)
   {
@@ -91,8 +120,12 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("report", description);
-  command.add_option("RECORDING", arguments->sessions.paths, "Files of one session")->required()->type_name("");
-  command.add_option("-o,--output", arguments->target, "Where the page goes, \"-\" for standard output")
+  command.add_option("RECORDING", arguments->sessions.paths, "Files of one session, or a folder of recordings")
+      ->required()
+      ->type_name("");
+  command
+      .add_option("-o,--output", arguments->target,
+                  "Where the page goes, \"-\" for standard output; the folder of the pages\nfor a folder of recordings")
       ->required()
       ->type_name("FILE");
   addForceOption(command, arguments->replay.force);

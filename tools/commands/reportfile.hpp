@@ -29,6 +29,9 @@ public:
   void commit(const session::SessionInputs& session, const std::vector<std::string>& messages,
               const std::string& format, const std::vector<std::string>& givenOptions);
 
+  /// Returns what an index shows of the report, after commit().
+  session::ReportOverview overview() const { return _report.overview(); }
+
 private:
   session::ReplacedFile _file;
   session::Report _report;

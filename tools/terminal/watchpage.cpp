@@ -111,8 +111,7 @@ PageLine rowOf(const session::PersonRow& row, bool isChosen, const WatchContents
   const Look plain = row.last.seen ? Look::Plain : Look::Faint;
   const Look colored = row.last.seen ? lookOf(row.last.pleasure) : Look::Faint;
   PageLine line{
-      {(isChosen ? "›" : " ") + padLeft(personLabel(row.last), widths.person) + gap,
-       isChosen ? Look::Heading : plain},
+      {(isChosen ? "›" : " ") + padLeft(personLabel(row.last), widths.person) + gap, isChosen ? Look::Heading : plain},
       {centredBar(valence, widths.valenceHalf) + " " + numberOr(valence, session::signedNumber, signedWidth), colored},
       confidenceOf(row.last.valence),
       {historyOf(row.valence, now, widths, -1.) + gap, plain},

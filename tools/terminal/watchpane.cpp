@@ -1,5 +1,6 @@
 #include "terminal/watchpane.hpp"
 
+#include "terminal/personheading.hpp"
 #include "terminal/text.hpp"
 
 #include <skeigiot/readings.hpp>
@@ -210,7 +211,7 @@ std::vector<PageLine> readingParagraph(const std::vector<ReadingText>& readings,
 Span title(const session::PersonRow& row, session::TimePoint now)
 {
   const session::Snapshot& last = row.last;
-  return {"Person " + std::to_string(last.person) + ", updated " +
+  return {personHeading(last.person, last.name) + ", updated " +
               session::clockText(std::max(session::Duration(0), session::Duration(now - last.time))) +
               " ago: " + row.why(now),
           Look::Heading};

@@ -3,6 +3,7 @@
 import { ChartGroup } from "../shared/chartgroup";
 import { nearest, Person, readRecording } from "./data";
 import { byId, element } from "../shared/dom";
+import { readFolder, showFolder } from "./folder";
 import { showNothingPinned, showPinned, showReadout } from "./momentview";
 import { addRoom, personFacts, showHeader, showRecording } from "./overview";
 import { PersonView } from "./personview";
@@ -200,4 +201,6 @@ class Page {
   }
 }
 
-new Page().show();
+const folder = readFolder(byId("data").textContent ?? "");
+if (folder) showFolder(folder, byId("header"), byId("recording").parentElement ?? document.body);
+else new Page().show();

@@ -1,6 +1,7 @@
 #include <skeigiot/session/report.hpp>
 
 #include "report/reportdata.hpp"
+#include "report/reportoverview.hpp"
 #include "report/reportpage.hpp"
 #include "report/reportrecorder.hpp"
 
@@ -49,6 +50,11 @@ void Report::ambianceUpdated(float agitation, KV::ExcitationState excitation)
 void Report::scopeJudged(const ScopeVerdict& verdict)
 {
   _recorder->scopeJudged(verdict);
+}
+
+ReportOverview Report::overview() const
+{
+  return overviewOf(*_recorder);
 }
 
 void Report::write(std::ostream& stream, const ReportOrigin& origin)

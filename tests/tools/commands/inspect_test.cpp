@@ -96,6 +96,38 @@ TEST_F(InspectCommand, ReadsOverBadLinesAndTellsOfThem)
   EXPECT_EQ(folder.path("recording.csv") + ":3: value: expected a number, found 'wide'", badLines["first"]);
 }
 
+TEST_F(InspectCommand, HasALineForEachRecordingOfAFolder)
+{
+  folder.write("a.csv", face);
+  folder.write("b.csv", "time,reading,value\n0,smile,0.5\n1,smile,wide\n");
+  folder.write("c.csv", "time,reading\n");
+  folder.write("notes.txt", "nothing that is known\n");
+  const CommandResult result = runCommand({"inspect", folder.path("")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("passed over 1 file of no known format: notes.txt"));
+  EXPECT_THAT(result.errors, HasSubstr("c.csv: "));
+  EXPECT_THAT(result.output, ::testing::StartsWith("3 recordings  format    length  steps/s  persons  seen  readings"));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\na.csv +openface +0:03.2 +10 +1 +[0-9]+ % +expressions, "));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\nb.csv +tidy +0:00.0 +1 +100 % +smile +1 bad line\n"));
+  EXPECT_THAT(result.output, ::testing::ContainsRegex("\nc.csv +not read: see the message\n"));
+}
+
+TEST_F(InspectCommand, TellsOfAFolderAsJson)
+{
+  folder.write("a.csv", face);
+  folder.write("b.csv", face);
+  const Json json = Json::parse(runCommand({"inspect", folder.path(""), "--json"}).output);
+  ASSERT_EQ(2U, json.size());
+  EXPECT_EQ(folder.path("b.csv"), json[1]["path"]);
+}
+
+TEST_F(InspectCommand, NamesThePersonWhoHasAName)
+{
+  const std::string table = "time,person,reading,value\n0,anna,smile,0.5\n";
+  EXPECT_THAT(inspect(table).output, HasSubstr("\n  person 0  anna: seen in 1 step"));
+  EXPECT_EQ("anna", inspectedAsJson(table)["persons"]["0"]["name"]);
+}
+
 TEST_F(InspectCommand, NamesAFileThatCannotBeRead)
 {
   const CommandResult result = inspect("nothing that is known\n");

@@ -109,13 +109,65 @@ TEST_F(ReportCommand, LeavesNoPageOfAFileThatCannotBeRead)
   EXPECT_EQ((std::set<std::string>{"other.txt"}), folder.names());
 }
 
-TEST_F(ReportCommand, RefusesSeveralSessions)
+TEST_F(ReportCommand, OfAFolderIsAPageOfEachRecordingAndAnIndex)
+{
+  folder.write("a b.csv", smiles);
+  folder.write("bad.csv", smiles + "2,smile,wide\n");
+  folder.write("index", "time,person,reading,value\n0,anna,touchEmotion,1\n1,anna,smile,1\n");
+  TemporaryFolder pages;
+  const std::string target = pages.path("new/pages");
+  const CommandResult result = runCommand({"report", folder.path(""), "-o", target});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("", result.output);
+  EXPECT_THAT(result.errors, HasSubstr("bad.csv:4: value: expected a number"));
+  const std::string index = pages.read("new/pages/index.html");
+  EXPECT_THAT(index, StartsWith("<!doctype html>"));
+  EXPECT_THAT(index, HasSubstr("{\"recordings\":[{\"file\":\"a b.csv\",\"page\":\"a%20b.csv.html\",\"length\":1.0,"
+                               "\"personCount\":1,\"persons\":[{\"id\":0,\"name\":\"\",\"verdict\":\"unknown\","
+                               "\"seen\":1.0,\"valence\":null,\"attention\":null,"));
+  EXPECT_THAT(index, HasSubstr("\"page\":\"index-2.html\""));
+  EXPECT_THAT(index, HasSubstr("\"name\":\"anna\""));
+  EXPECT_THAT(index, HasSubstr(":4: value: expected a number, found 'wide'\"}"));
+  EXPECT_THAT(pages.read("new/pages/a b.csv.html"), HasSubstr("\"name\":\"whole recording\""));
+  EXPECT_THAT(pages.read("new/pages/bad.csv.html"), HasSubstr(":4: value: expected a number"));
+  EXPECT_THAT(pages.read("new/pages/index-2.html"), HasSubstr("\"name\":\"anna\""));
+
+  const CommandResult again = runCommand({"report", folder.path(""), "-o", target});
+  EXPECT_EQ(2, again.status) << "pages of ours are replaced";
+  EXPECT_EQ(result.errors, again.errors);
+}
+
+TEST_F(ReportCommand, OfAFolderHasNoPageOfWhatCannotBeRead)
 {
   folder.write("a.csv", smiles);
-  folder.write("b.csv", smiles);
-  const CommandResult result = runCommand({"report", folder.path(""), "-o", "-"});
+  folder.write("b.csv", "time,reading\n");
+  TemporaryFolder pages;
+  EXPECT_EQ(2, runCommand({"report", folder.path(""), "-o", pages.path("")}).status);
+  EXPECT_EQ((std::set<std::string>{"a.csv.html", "index.html"}), pages.names());
+  EXPECT_THAT(pages.read("index.html"), HasSubstr("\"file\":\"b.csv\",\"page\":\"\""));
+}
+
+TEST_F(ReportCommand, OfAFolderGoesToAFolder)
+{
+  folder.write("a.csv", smiles);
+  for (const std::string& target : {std::string("-"), folder.path("a.csv"), folder.path("report.html")})
+  {
+    const CommandResult result = runCommand({"report", folder.path(""), "-o", target});
+    EXPECT_EQ(2, result.status);
+    EXPECT_THAT(result.errors, HasSubstr("-o: each recording of a folder gets a page: name a folder for them, not"));
+  }
+  EXPECT_EQ((std::set<std::string>{"a.csv"}), folder.names());
+}
+
+TEST_F(ReportCommand, OfAFolderLeavesFilesOfOthersAlone)
+{
+  folder.write("a.csv", smiles);
+  TemporaryFolder pages;
+  pages.write("index.html", "somebody's\n");
+  const CommandResult result = runCommand({"report", folder.path(""), "-o", pages.path("")});
   EXPECT_EQ(2, result.status);
-  EXPECT_THAT(result.errors, HasSubstr("a report is about one session"));
+  EXPECT_EQ((std::set<std::string>{"index.html"}), pages.names());
+  EXPECT_EQ("somebody's\n", pages.read("index.html"));
 }
 
 TEST_F(ReportCommand, IsWhatAReplayWritesBesideWhatItShows)

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/session/reportorigin.hpp>
+#include <skeigiot/session/reportoverview.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <memory>
@@ -43,6 +44,9 @@ public:
 
   /// As above, with names of the inputs of the session, and with warnings and errors.
   void write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes);
+
+  /// Returns what an index of several reports shows of this one. Call it after write().
+  ReportOverview overview() const;
 
 private:
   std::unique_ptr<ReportRecorder> _recorder;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "cli/exitstatus.hpp"
+#include "cli/messages.hpp"
+#include "cli/readingarguments.hpp"
+
+#include <skeigiot/session/sessionplan.hpp>
+
+#include <ostream>
+#include <vector>
+
+namespace KV::tools
+{
+
+/// Looks into one recording after the other, and writes a table with a line for each, or a JSON array. What cannot be
+/// read does not end it.
+ExitStatus inspectFolder(const std::vector<session::SessionInputs>& sessions, const ReadingArguments& reading,
+                         bool asJson, std::ostream& output, Messages& messages);
+
+}  // namespace KV::tools
