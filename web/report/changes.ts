@@ -1,9 +1,13 @@
 // What pulled a quantity, as bars that are stacked upwards and downwards, one for each short stretch of time.
 
 import uPlot from "uplot";
-import { ChartOptions, measuringAxis, timeAxis } from "../shared/chartgroup";
+import { ChartOptions, font, timeAxis, valueAxis } from "../shared/chartgroup";
 import { Change, Person } from "./data";
+import { plain } from "../shared/text";
 import { cssColor, fillOf, Look } from "../shared/theme";
+
+/** How much of the scale is shown beyond its last label. */
+const margin = 1.04;
 
 export interface Bins {
   times: number[];
@@ -51,7 +55,8 @@ export function byStrength(changes: Change[]): Change[] {
     .map(({ change }) => change);
 }
 
-export function changeOptions(looks: Look[], isTimeLabelled: boolean): ChartOptions {
+/** The scale goes from -limit to limit, whatever the bars are. */
+export function changeOptions(looks: Look[], limit: number, isTimeLabelled: boolean): ChartOptions {
   const bars = uPlot.paths.bars?.({ size: [0.92, Infinity], align: 0 });
   const series = looks.flatMap((look): uPlot.Series[] => {
     const fill = fillOf(look);
@@ -60,17 +65,50 @@ export function changeOptions(looks: Look[], isTimeLabelled: boolean): ChartOpti
   });
   return {
     height: isTimeLabelled ? 148 : 130,
-    axes: [timeAxis(isTimeLabelled), measuringAxis("")],
-    scales: { y: { range: (_, min, max) => symmetric(min, max) } },
+    axes: [timeAxis(isTimeLabelled), valueAxis(labelsUpTo(limit))],
+    scales: { y: { range: [-limit * margin, limit * margin] } },
     cursor: { points: { show: false } },
     series: [{}, ...series.reverse()],
-    hooks: { draw: [zeroLine] },
+    hooks: { draw: [zeroLine, (chart) => markBeyond(chart, limit)] },
   };
 }
 
-function symmetric(min: number | null, max: number | null): uPlot.Range.MinMax {
-  const greatest = Math.max(Math.abs(min ?? 0), Math.abs(max ?? 0), 0.001) * 1.08;
-  return [-greatest, greatest];
+function labelsUpTo(limit: number): Map<number, string> {
+  const values = [-limit, -limit / 2, 0, limit / 2, limit];
+  return new Map(values.map((value) => [value, value > 0 ? `+${value}` : String(value).replace("-", "−")]));
+}
+
+/** Marks bars that go beyond the scale, and says how far the furthest of those side by side go. */
+function markBeyond(chart: uPlot, limit: number): void {
+  const [times, ...series] = chart.data as unknown as [number[], ...(number | null)[][]];
+  for (const sign of [1, -1]) {
+    const heights = times.map((_, bin) => Math.max(0, ...series.map((values) => sign * (values[bin] ?? 0))));
+    for (let bin = 0; bin < times.length; ++bin) {
+      if (heights[bin] <= limit * margin) continue;
+      let furthest = bin;
+      for (; bin + 1 < times.length && heights[bin + 1] > limit * margin; ++bin)
+        if (heights[bin + 1] > heights[furthest]) furthest = bin + 1;
+      drawBeyond(chart, times[furthest], sign, heights[furthest]);
+    }
+  }
+}
+
+function drawBeyond(chart: uPlot, time: number, sign: number, height: number): void {
+  const { ctx: context, bbox } = chart;
+  const text = `${sign > 0 ? "▲ +" : "▼ −"}${plain(height)}`;
+  const ratio = devicePixelRatio;
+  context.save();
+  context.font = font(Math.round(10 * ratio));
+  context.textAlign = "center";
+  context.textBaseline = "middle";
+  const half = context.measureText(text).width / 2 + 2 * ratio;
+  const x = Math.min(Math.max(chart.valToPos(time, "x", true), bbox.left + half), bbox.left + bbox.width - half);
+  const y = sign > 0 ? bbox.top + 7 * ratio : bbox.top + bbox.height - 7 * ratio;
+  context.fillStyle = cssColor("surface");
+  context.fillRect(x - half, y - 6 * ratio, 2 * half, 12 * ratio);
+  context.fillStyle = cssColor("text");
+  context.fillText(text, x, y);
+  context.restore();
 }
 
 function zeroLine(chart: uPlot): void {

@@ -4,6 +4,7 @@ type Base64 = string;
 
 interface RawPerson {
   id: number;
+  name?: string;
   summary: PersonSummary;
   moments: number;
   time: Base64;
@@ -96,6 +97,8 @@ export interface Change {
 
 export interface Person {
   id: number;
+  /** As the recording calls the person; empty if it has numbers only. */
+  name: string;
   summary: PersonSummary;
   time: Float64Array;
   updates: Uint32Array;
@@ -117,8 +120,6 @@ export interface Person {
 }
 
 export interface Recording extends Facts {
-  /** Sources, those first that moved valence and attention most. */
-  ranks: string[];
   ambiance: { time: Float64Array; agitation: Float32Array; excited: Uint8Array };
   persons: Person[];
 }
@@ -179,6 +180,7 @@ function forceReader(raw: RawPerson["forces"], sources: string[]): (moment: numb
 function person(raw: RawPerson, sources: string[]): Person {
   return {
     id: raw.id,
+    name: raw.name ?? "",
     summary: raw.summary,
     time: doubles(raw.time),
     updates: counts(raw.updates),
@@ -198,21 +200,12 @@ function person(raw: RawPerson, sources: string[]): Person {
   };
 }
 
-function rankedSources(sources: string[], persons: Person[]): string[] {
-  const strength = new Map(sources.map((source) => [source, 0]));
-  for (const { valenceChanges, attentionChanges } of persons)
-    for (const { source, distances } of [...valenceChanges, ...attentionChanges])
-      strength.set(source, (strength.get(source) ?? 0) + distances.reduce((sum, one) => sum + Math.abs(one), 0));
-  return [...strength].sort((left, right) => right[1] - left[1]).map(([source]) => source);
-}
-
 export function readRecording(text: string): Recording {
   const raw = JSON.parse(text) as RawRecording;
   const { ambiance, persons: rawPersons, ...facts } = raw;
   const persons = rawPersons.map((one) => person(one, raw.sources));
   return {
     ...facts,
-    ranks: rankedSources(raw.sources, persons),
     ambiance: {
       time: doubles(ambiance.time),
       agitation: floats(ambiance.agitation),
@@ -220,6 +213,37 @@ export function readRecording(text: string): Recording {
     },
     persons,
   };
+}
+
+/** Returns "Person 3", or the name that the recording has, with the number. */
+export function personName({ id, name }: Person): string {
+  return name ? `${name} (${id})` : `Person ${id}`;
+}
+
+/**
+ * Returns the moment in which valence or attention changed most in one update, as `skeigiot why` chooses it. A change from
+ * what was not known is less than any other.
+ */
+export function greatestChange(person: Person): number {
+  const { time, updates, valence, valenceConfidence, attention, attentionConfidence } = person;
+  let greatest = { known: -1, unknown: -1 };
+  let moment = 0;
+  for (let i = 0; i < time.length; ++i) {
+    const change = { known: 0, unknown: 0 };
+    const add = (values: Float32Array, confidences: Float32Array) => {
+      const distance = Math.abs(values[i] - (i > 0 ? values[i - 1] : 0)) / Math.max(1, updates[i]);
+      const kind = i > 0 && confidences[i - 1] > 0 ? "known" : "unknown";
+      change[kind] = Math.max(change[kind], distance);
+    };
+    add(valence, valenceConfidence);
+    add(attention, attentionConfidence);
+    const isGreater =
+      change.known > greatest.known || (change.known === greatest.known && change.unknown > greatest.unknown);
+    if (!isGreater) continue;
+    greatest = change;
+    moment = i;
+  }
+  return moment;
 }
 
 /** Returns the index of the time that is nearest. */

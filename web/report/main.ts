@@ -1,16 +1,17 @@
 // Puts the page together, and lets it be used with mouse and keyboard.
 
 import { ChartGroup } from "../shared/chartgroup";
-import { nearest, Person, readRecording } from "./data";
+import { greatestChange, nearest, Person, readRecording } from "./data";
 import { byId, element } from "../shared/dom";
 import { readFolder, showFolder } from "./folder";
 import { showNothingPinned, showPinned, showReadout } from "./momentview";
 import { addRoom, personFacts, showHeader, showRecording } from "./overview";
+import { PersonTabs } from "./persons";
 import { PersonView } from "./personview";
 
 const cardPadding = 30;
 const bigStep = 1; // [s]
-const printedWidth = 640;
+const printedWidth = 670; // of a page of A4 without its margins and those of a card [px]
 
 function keyHint(): HTMLElement {
   const key = (name: string) => element("kbd", {}, name);
@@ -24,14 +25,19 @@ function keyHint(): HTMLElement {
     key("Shift"),
     " by a second; ",
     key("Enter"),
-    " pins it; numbers choose the person",
+    " pins it; ",
+    key("1"),
+    " ",
+    key("2"),
+    " … choose the person",
   );
 }
 
 class Page {
   private readonly recording = readRecording(byId("data").textContent ?? "");
   private person: Person | undefined = this.recording.persons[0];
-  private moment = 0;
+  private readonly tabs = new PersonTabs(byId("persons"), this.recording, (number) => this.select(number));
+  private moment = this.person ? greatestChange(this.person) : 0;
   private pinned: number | null = null;
   private group: ChartGroup | undefined;
   private isPrinting = false;
@@ -41,6 +47,7 @@ class Page {
     showHeader(byId("header"), this.recording);
     showRecording(byId("recording"), this.recording);
     this.showPersons();
+    byId("keys").replaceChildren(keyHint());
     this.showAll();
     document.addEventListener("keydown", (event) => this.keyPressed(event));
     new ResizeObserver(() => this.resized()).observe(byId("estimates"));
@@ -57,33 +64,14 @@ class Page {
   }
 
   private showPersons(): void {
-    const buttons = this.recording.persons.map((person, number) => {
-      const isSelected = person === this.person;
-      const button = element(
-        "button",
-        {
-          id: `tab-${number}`,
-          type: "button",
-          role: "tab",
-          "data-person": String(person.id),
-          "aria-selected": String(isSelected),
-          "aria-controls": "person",
-          tabindex: isSelected ? "0" : "-1",
-        },
-        `Person ${person.id}`,
-        number < 9 ? element("kbd", { "aria-hidden": "true" }, String(number + 1)) : null,
-      );
-      button.addEventListener("click", () => this.select(number));
-      if (isSelected) byId("person").setAttribute("aria-labelledby", button.id);
-      return button;
-    });
-    byId("persons").replaceChildren(...buttons, keyHint());
+    this.tabs.show(this.person);
+    const selected = byId("persons").querySelector('[aria-selected="true"]');
+    if (selected) byId("person").setAttribute("aria-labelledby", selected.id);
   }
 
   private select(number: number): void {
     const person = this.recording.persons[number];
     if (!person || person === this.person) return;
-    const hadFocus = byId("persons").contains(document.activeElement);
     const time = this.person?.time[this.moment] ?? 0;
     const pinnedTime = this.pinned === null ? null : (this.person?.time[this.pinned] ?? null);
     this.person = person;
@@ -91,7 +79,6 @@ class Page {
     this.pinned = pinnedTime === null ? null : nearest(person.time, pinnedTime);
     this.showPersons();
     this.showAll();
-    if (hadFocus) byId(`tab-${number}`).focus();
   }
 
   private showAll(): void {
@@ -108,7 +95,9 @@ class Page {
     });
     this.group = group;
     if (this.person) {
-      this.view = new PersonView(this.recording, this.person, group, byId("estimates"), byId("details"));
+      this.view = new PersonView(this.recording, this.person, group, byId("estimates"), byId("details"), (number) =>
+        this.select(number),
+      );
       byId("estimates").prepend(personFacts(this.person));
     } else byId("estimates").replaceChildren(element("p", { class: "card" }, "Nobody was seen in this recording."));
     addRoom(byId("details"), this.recording, group);
@@ -150,35 +139,27 @@ class Page {
 
   private showPinned(): void {
     if (!this.person || this.pinned === null) showNothingPinned(byId("pinned"));
-    else showPinned(byId("pinned"), this.recording, this.person, this.pinned);
+    else showPinned(byId("pinned"), this.person, this.pinned);
     this.group?.markPinned(this.pinned === null ? null : (this.person?.time[this.pinned] ?? null));
   }
 
   private keyPressed(event: KeyboardEvent): void {
     if (event.ctrlKey || event.altKey || event.metaKey) return;
-    const isInTabs = byId("persons").contains(document.activeElement);
-    const isHandled = (isInTabs && this.keyInTabs(event)) || this.keyAnywhere(event, isInTabs);
+    if (event.target instanceof HTMLInputElement && event.key !== "Escape") return;
+    const isInTabs = this.tabs.hasFocus();
+    const isHandled = (isInTabs && this.tabs.keyPressed(event.key, this.person)) || this.keyAnywhere(event);
     if (isHandled) event.preventDefault();
   }
 
-  private keyInTabs({ key }: KeyboardEvent): boolean {
-    const count = this.recording.persons.length;
-    const current = this.person ? this.recording.persons.indexOf(this.person) : 0;
-    const step = { ArrowLeft: -1, ArrowRight: 1 }[key];
-    if (step === undefined) return false;
-    this.select((current + step + count) % count);
-    return true;
-  }
-
-  private keyAnywhere({ key, shiftKey }: KeyboardEvent, isInTabs: boolean): boolean {
+  private keyAnywhere({ key, shiftKey, target, timeStamp }: KeyboardEvent): boolean {
     const step = { ArrowLeft: -1, ArrowRight: 1 }[key];
     if (step !== undefined && this.person) {
       if (shiftKey) this.moveTo(this.person.time[this.moment] + step * bigStep);
       else this.goTo(this.moment + step);
       return true;
     }
-    if (/^[1-9]$/.test(key)) {
-      this.select(Number(key) - 1);
+    if (/^[0-9]$/.test(key)) {
+      this.tabs.digitTyped(key, timeStamp);
       return true;
     }
     switch (key) {
@@ -189,7 +170,7 @@ class Page {
         this.goTo(Infinity);
         return true;
       case "Enter":
-        if (isInTabs) return false;
+        if (target instanceof HTMLButtonElement) return false;
         this.pin(this.moment);
         return true;
       case "Escape":

@@ -1,9 +1,10 @@
 // What is said of one moment: its values, and why they changed.
 
-import { Force, Person, Recording } from "./data";
+import { Force, Person, personName, Recording } from "./data";
 import { element, table } from "../shared/dom";
-import { clock, percent, plain, signed, valenceWord, zoneWord } from "../shared/text";
-import { sourceLook, swatch } from "../shared/theme";
+import { apart, clock, counted, plain, signed, valenceWord, zoneWord } from "../shared/text";
+import { swatch } from "../shared/theme";
+import { sourceLook } from "./sources";
 
 interface Reading {
   name: string;
@@ -50,7 +51,7 @@ function line(name: string, words: (Node | string)[], value: Node): HTMLElement 
 }
 
 function sureness(key: string, confidence: number): (Node | string)[] {
-  return [number(key, confidence, percent(confidence)), " sure"];
+  return ["confidence ", number(key, confidence, plain(confidence))];
 }
 
 function estimates(recording: Recording, person: Person, moment: number): HTMLElement[] {
@@ -60,7 +61,7 @@ function estimates(recording: Recording, person: Person, moment: number): HTMLEl
   const isValenceKnown = person.valenceKnown[moment] > 0;
   const isAttentionKnown = person.attentionKnown[moment] > 0;
   return [
-    line("time", [`person ${person.id}`], number("time", person.time[moment], clock(person.time[moment], 2))),
+    line("time", [personName(person)], number("time", person.time[moment], clock(person.time[moment], 2))),
     line(
       "valence",
       [
@@ -72,7 +73,7 @@ function estimates(recording: Recording, person: Person, moment: number): HTMLEl
     line(
       "attention",
       sureness("attentionConfidence", person.attentionConfidence[moment]),
-      number("attention", attention, isAttentionKnown ? percent(attention) : "unknown"),
+      number("attention", attention, isAttentionKnown ? plain(attention) : "unknown"),
     ),
     line("zone", [], state("zone", zone)),
     line("pleasure", [], state("pleasure", recording.pleasureNames[person.pleasure[moment]])),
@@ -103,10 +104,11 @@ export function showReadout(target: HTMLElement, recording: Recording, person: P
   );
 }
 
+type Text = (value: number, decimals: number) => string;
+
 /** Only valence has a sign. */
-function textOf(quantity: string, decimals = 3): (value: number) => string {
-  const isSigned = quantity === "valence" || quantity === "unsmoothed valence";
-  return (value) => (isSigned ? signed(value, decimals) : plain(value, decimals));
+function textOf(quantity: string): Text {
+  return quantity === "valence" || quantity === "unsmoothed valence" ? signed : plain;
 }
 
 /** "Valence went from 0.41 to 0.12: Face characteristics −0.35, Touch emotion +0.06." */
@@ -116,29 +118,64 @@ function sentence(quantity: string, forces: Force[]): string {
   if (own.length === 0) return `Nothing pulled the ${quantity}.`;
   const bySource = new Map<string, number>();
   for (const { source, before, after } of own) bySource.set(source, (bySource.get(source) ?? 0) + after - before);
-  const text = textOf(quantity);
   const parts = [...bySource]
     .sort((left, right) => Math.abs(right[1]) - Math.abs(left[1]))
-    .map(([source, distance]) => `${source} ${signed(distance, 3)}`);
-  return `${title} went from ${text(own[0].before)} to ${text(own[own.length - 1].after)}: ${parts.join(", ")}.`;
+    .map(([source, distance]) => `${source} ${signed(distance, 3)}`)
+    .filter((text) => !text.endsWith(" 0.000"));
+  const [before, after] = [own[0].before, own[own.length - 1].after].map((value) => textOf(quantity)(value, 3));
+  const pulls = parts.length > 0 ? `: ${parts.join(", ")}.` : "; no source moved it by 0.001.";
+  return before === after ? `${title} stayed at ${before}${pulls}` : `${title} went from ${before} to ${after}${pulls}`;
+}
+
+const isUnsmoothed = ({ quantity }: Force) => quantity.startsWith("unsmoothed");
+
+let showsUnsmoothed = false;
+
+/** Returns a box to tick that shows the rows of unsmoothed quantities; it stays as it was ticked. */
+function unsmoothedSwitch(list: HTMLElement, count: number): HTMLElement {
+  const box = element("input", { type: "checkbox", id: "unsmoothed" });
+  const show = () => list.toggleAttribute("data-unsmoothed", showsUnsmoothed);
+  box.checked = showsUnsmoothed;
+  box.addEventListener("change", () => {
+    showsUnsmoothed = box.checked;
+    show();
+  });
+  show();
+  return element("label", { class: "note fold" }, box, ` also the ${counted(count, "row")} of the unsmoothed valence`);
+}
+
+/** Returns where the force moved the quantity from and to, with so many decimals that both differ. */
+function moveOf({ quantity, before, after }: Force): HTMLElement[] {
+  const texts = apart(before, after, textOf(quantity));
+  return [
+    number("before", before, texts ? texts[0] : textOf(quantity)(before, 3)),
+    number("after", after, texts ? texts[1] : "the same"),
+  ];
 }
 
 /** Lists the forces of a moment in their order. */
-export function showPinned(target: HTMLElement, recording: Recording, person: Person, moment: number): void {
+export function showPinned(target: HTMLElement, person: Person, moment: number): void {
   const forces = person.forcesAt(moment);
   const rows = forces.map((force) => [
     element(
       "span",
       { "data-source": force.source },
-      swatch(sourceLook(recording.ranks.indexOf(force.source))),
+      swatch(sourceLook(force.source)),
       force.source,
       element("small", {}, force.quantity),
     ),
     number("weight", force.weight, plain(force.weight, 3)),
-    number("target", force.target, textOf(force.quantity, 2)(force.target)),
-    number("before", force.before, textOf(force.quantity)(force.before)),
-    number("after", force.after, textOf(force.quantity)(force.after)),
+    number("target", force.target, textOf(force.quantity)(force.target, 2)),
+    ...moveOf(force),
   ]);
+  const list = table(
+    `Forces at ${clock(person.time[moment], 2)}, in order`,
+    ["source and quantity", "weight", "target", "from", "to"],
+    rows,
+    [1, 2, 3, 4],
+  );
+  const folded = forces.filter(isUnsmoothed).length;
+  list.querySelectorAll("tbody tr").forEach((row, i) => row.classList.toggle("unsmoothed", isUnsmoothed(forces[i])));
   const others = person.updates[moment] - 1;
   target.replaceChildren(
     element(
@@ -146,16 +183,8 @@ export function showPinned(target: HTMLElement, recording: Recording, person: Pe
       { class: "card", "data-moment": String(moment) },
       element("p", { class: "sentence" }, sentence("valence", forces)),
       element("p", { class: "sentence" }, sentence("attention", forces)),
-      element(
-        "div",
-        { class: "scroll" },
-        table(
-          `Forces at ${clock(person.time[moment], 2)}, in order`,
-          ["source and quantity", "weight", "target", "from", "to"],
-          rows,
-          [1, 2, 3, 4],
-        ),
-      ),
+      element("div", { class: "scroll" }, list),
+      folded > 0 ? unsmoothedSwitch(list, folded) : null,
       others > 0
         ? element("p", { class: "note" }, `${others} updates between this moment and the one before it are not shown.`)
         : null,
@@ -168,7 +197,7 @@ export function showNothingPinned(target: HTMLElement): void {
   target.replaceChildren(
     element(
       "div",
-      { class: "card" },
+      { class: "card unpinned" },
       element("p", { class: "note" }, "Click a moment, or press Enter, to see which forces acted in it, in their order."),
     ),
   );

@@ -1,7 +1,7 @@
 // What is said of the recording as a whole.
 
 import { ChartGroup, measuringAxis, timeAxis } from "../shared/chartgroup";
-import { Person, Recording, Scope } from "./data";
+import { Person, personName, Recording, Scope } from "./data";
 import { element, table } from "../shared/dom";
 import { originCard } from "./origin";
 import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
@@ -52,10 +52,10 @@ function ifKnown(value: number | null, text: (known: number) => string): string 
 export function personFacts({ summary }: Person): HTMLElement {
   return facts([
     ["present", `${clock(summary.from)} to ${clock(summary.to)}`],
-    ["visible", percent(summary.visible)],
+    ["visible, of the time", percent(summary.visible)],
     ["mean valence", ifKnown(summary.valence, (known) => `${signed(known)} (${valenceWord(known)})`)],
-    ["mean attention", ifKnown(summary.attention, percent)],
-    ["engaged", ifKnown(summary.engaged, percent)],
+    ["mean attention", ifKnown(summary.attention, plain)],
+    ["engaged, of the time", ifKnown(summary.engaged, percent)],
     ["updates", summary.updates.toLocaleString("en")],
   ]);
 }
@@ -67,29 +67,30 @@ const endings: Record<string, string> = {
   "not open": "stopped, but not started",
 };
 
-function scopeRow(scope: Scope, persons: Person[]): string[] {
-  const ending = endings[scope.end];
-  const verdictOf = (id: number) => {
-    const found = scope.persons.find((one) => one.id === id);
-    return found ? `${found.verdict} (${counted(found.updates, "update")})` : "";
-  };
-  return [
-    scope.name,
-    `${clock(scope.from)} to ${clock(scope.to)}${ending ? `, ${ending}` : ""}`,
-    ...persons.map(({ id }) => verdictOf(id)),
-  ];
+function scopeTime({ end, from, to }: Scope): string {
+  const ending = endings[end];
+  return `${clock(from)} to ${clock(to)}${ending ? `, ${ending}` : ""}`;
 }
 
+function verdictOf({ persons }: Scope, { id }: Person): string {
+  const found = persons.find((one) => one.id === id);
+  return found ? `${found.verdict} (${counted(found.updates, "update")})` : "";
+}
+
+/** The longer of both lists goes down the table, the other across. */
 function scopesCard({ persons, scopes }: Recording): HTMLElement {
-  const headings = ["scope", "time", ...persons.map(({ id }) => `person ${id}`)];
+  const byScope = persons.length <= Math.max(4, scopes.length);
+  const headings = byScope
+    ? ["scope", "time", ...persons.map(personName)]
+    : ["person", ...scopes.map((scope) => `${scope.name}, ${scopeTime(scope)}`)];
+  const rows = byScope
+    ? scopes.map((scope) => [scope.name, scopeTime(scope), ...persons.map((person) => verdictOf(scope, person))])
+    : persons.map((person) => [personName(person), ...scopes.map((scope) => verdictOf(scope, person))]);
   return element(
     "div",
-    { class: "card scroll" },
-    table(
-      "Scopes and their verdicts",
-      headings,
-      scopes.map((scope) => scopeRow(scope, persons)),
-    ),
+    { class: "card long" },
+    element("div", { class: "scroll rows verdicts", tabindex: "0", role: "group", "aria-label": "Verdicts" },
+      table("Scopes and their verdicts", headings, rows)),
   );
 }
 

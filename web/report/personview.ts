@@ -5,9 +5,11 @@ import { ChartGroup, ChartOptions, gapsBeyond, measuringAxis, timeAxis, valueAxi
 import { Change, Person, Recording } from "./data";
 import { element } from "../shared/dom";
 import { binned, byStrength, changeOptions, stacked } from "./changes";
+import { addComparison } from "./comparison";
 import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
 import { signed, zoneArrow, zoneWord } from "../shared/text";
-import { cssColor, Look, sourceLook, swatch, lineSwatch } from "../shared/theme";
+import { cssColor, Look, swatch, lineSwatch } from "../shared/theme";
+import { sourceLook } from "./sources";
 
 /** An update says what holds until the next one, for so long at most [s]. */
 const longestHold = 1;
@@ -88,11 +90,13 @@ export class PersonView {
     private readonly group: ChartGroup,
     private readonly estimates: HTMLElement,
     private readonly details: HTMLElement,
+    select: (number: number) => void,
   ) {
     this.longest = Math.max(longestHold, 2 * recording.stretch);
     estimates.replaceChildren();
     details.replaceChildren();
     this.addEstimates();
+    addComparison(details, recording, person, group, this.longest, select);
     this.addInputs();
     this.addChanges();
   }
@@ -106,7 +110,7 @@ export class PersonView {
     const card = this.card(this.estimates);
     this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
     this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, this.person.valenceKnown, -1));
-    this.heading(card, "Attention", "how much of it the robot has; the band likewise");
+    this.heading(card, "Attention", "how much of it the robot has, from 0 to 1; the band likewise");
     this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, this.person.attentionKnown, 0));
     this.chart(card, ribbonOptions(this.stateLanes(), true), [this.person.time, this.person.valence]);
     card.append(
@@ -121,6 +125,7 @@ export class PersonView {
 
   private addInputs(): void {
     const card = this.card(this.details);
+    card.classList.add("long");
     this.heading(card, "What came in", "");
     for (const chart of inputCharts) this.addInputChart(card, chart);
     const lanes = this.eventLanes();
@@ -131,7 +136,9 @@ export class PersonView {
   private addInputChart(card: HTMLElement, { title, unit, range, lines }: InputChart): void {
     const shown = lines.filter(({ input }) => this.person.inputs.has(input));
     if (shown.length === 0) return;
-    card.append(
+    const block = element("div", { class: "block" });
+    card.append(block);
+    block.append(
       element("h3", {}, title),
       element(
         "ul",
@@ -141,7 +148,7 @@ export class PersonView {
     );
     const data = shown.map(({ input }) => withoutNaN(this.person.inputs.get(input) ?? []));
     this.chart(
-      card,
+      block,
       {
         height: 104,
         scales: range ? { y: { range } } : {},
@@ -151,7 +158,7 @@ export class PersonView {
             ? valueAxis(
                 new Map([
                   [0, "0"],
-                  [0.5, "½"],
+                  [0.5, "0.5"],
                   [1, "1"],
                 ]),
               )
@@ -173,11 +180,12 @@ export class PersonView {
   }
 
   private addChanges(): void {
-    this.addChangesOf("What pulled valence", "up is towards positive", this.person.valenceChanges, false);
-    this.addChangesOf("What pulled attention", "up is towards the robot", this.person.attentionChanges, true);
+    this.addChangesOf("What pulled valence", "up is towards positive", this.person.valenceChanges, 0.5, false);
+    this.addChangesOf("What pulled attention", "up is towards the robot", this.person.attentionChanges, 0.1, true);
   }
 
-  private addChangesOf(title: string, hint: string, all: Change[], isLast: boolean): void {
+  /** The scale is the same in all reports, so that bars can be compared; what goes beyond `limit` is marked. */
+  private addChangesOf(title: string, hint: string, all: Change[], limit: number, isLast: boolean): void {
     const changes = byStrength(all);
     const card = this.card(this.details);
     this.heading(card, title, `how far each source moved it in an update, on average over a bar; ${hint}`);
@@ -185,13 +193,13 @@ export class PersonView {
       card.append(element("p", { class: "note" }, "Nothing did."));
       return;
     }
-    const looks = changes.map(({ source }) => sourceLook(this.recording.ranks.indexOf(source)));
+    const looks = changes.map(({ source }) => sourceLook(source));
     card.append(this.sourceLegend(changes, looks));
     const data = () => {
       const count = Math.max(10, Math.round(card.clientWidth / pixelsPerBar));
       return stacked(binned(this.person, changes, this.group.from, this.group.to, count));
     };
-    const chart = this.chart(card, changeOptions(looks, isLast), data());
+    const chart = this.chart(card, changeOptions(looks, limit, isLast), data());
     this.redraws.push(() => {
       chart.setData(data(), false);
       chart.redraw();
@@ -220,9 +228,9 @@ export class PersonView {
 
   private attentionOptions(): ChartOptions {
     const labels = new Map([
-      [0, "none"],
-      [0.5, "50 %"],
-      [1, "full"],
+      [0, "0"],
+      [0.5, "0.5"],
+      [1, "1"],
     ]);
     return this.bandOptions(140, [0, 1], labels, "attention");
   }

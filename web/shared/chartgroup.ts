@@ -70,7 +70,7 @@ export class ChartGroup {
     if (width === this.width) return;
     this.width = width;
     for (const chart of this.charts) {
-      chart.setSize({ width, height: chart.height });
+      chart.batch(() => chart.setSize({ width, height: chart.height })); // at once: the cursor is placed by its scales
       this.placeCursor(chart);
     }
   }

@@ -24,7 +24,7 @@ export function table(caption: string, headings: string[], rows: Child[][], nume
   return element(
     "table",
     {},
-    element("caption", {}, caption),
+    caption ? element("caption", {}, caption) : null,
     element(
       "thead",
       {},

@@ -130,6 +130,7 @@ export function ribbonOptions(lanes: Lane[], isTimeLabelled: boolean): ChartOpti
     padding: [4, 12, 0, 0],
     scales: { y: { range: [0, 1] } },
     axes: [{ ...axis, grid: { show: false } }, { size: axisWidth, values: () => [], grid: { show: false }, ticks: { show: false } }],
+    cursor: { points: { show: false } },
     series: [{}, { show: false }],
     plugins: [lanesPlugin(lanes)],
   };

@@ -21,6 +21,19 @@ export function plain(value: number, decimals = 2): string {
   return value.toFixed(decimals).replace("-", "−");
 }
 
+/** Returns both numbers with as few decimals, three or more, as they need to differ; null if they are equal. */
+export function apart(
+  left: number,
+  right: number,
+  text: (value: number, decimals: number) => string,
+): [string, string] | null {
+  for (let decimals = 3; decimals <= 7; ++decimals) {
+    const texts: [string, string] = [text(left, decimals), text(right, decimals)];
+    if (texts[0] !== texts[1]) return texts;
+  }
+  return null;
+}
+
 export function percent(share: number): string {
   if (share > 0 && share < 0.005) return "<1 %";
   if (share < 1 && share >= 0.995) return ">99 %";

@@ -14,11 +14,11 @@ export function cssColor(name: string): string {
   return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 }
 
-/** Returns the look of the source with that rank, the same wherever it is shown. */
-export function sourceLook(rank: number): Look {
+/** Returns one of 64 looks; the first eight have colours of their own. */
+export function numberedLook(number: number): Look {
   const count = hatches.length;
-  const round = Math.floor(rank / count);
-  return { color: cssColor(`source-${rank % count}`), hatch: hatches[(rank + 3 * round) % count] };
+  const round = Math.floor(number / count);
+  return { color: cssColor(`source-${number % count}`), hatch: hatches[(number + 3 * round) % count] };
 }
 
 function strokes(context: CanvasRenderingContext2D, hatch: Hatch, size: number): void {

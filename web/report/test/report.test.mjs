@@ -54,6 +54,27 @@ async function open(url, { width = 1280, colorScheme = "light" } = {}) {
   return { page, complaints };
 }
 
+/** Makes a recording of this number of persons, who come and go; returns its file. */
+function crowd(count) {
+  const file = join(work, `crowd${count}.jsonl`);
+  const lines = [];
+  for (let tick = 0; tick < 600; ++tick)
+    for (let person = 1; person <= count; ++person) {
+      const from = (37 * person) % 400;
+      if (tick < from || tick > from + 3 + ((53 * person) % 300)) continue;
+      const joy = 0.5 + 0.5 * Math.sin(tick / 40 + person);
+      const shares = { joy, sorrow: 1 - joy, anger: 0, surprise: 0, calm: 0 };
+      const expressions = Object.fromEntries(
+        Object.entries(shares).map(([name, value]) => [name, { value, confidence: 0.8 }]),
+      );
+      const headPosture = { yaw: 50 * Math.sin(tick / 60 + 2 * person), pitch: 0, roll: 0 };
+      const rest = JSON.stringify({ person, observation: { expressions, headPosture } }).slice(1);
+      lines.push(`{"time":${1577836800000000000n + BigInt(tick) * 100000000n},${rest}`);
+    }
+  writeFileSync(file, lines.join("\n") + "\n");
+  return file;
+}
+
 const exact = (page, key) => page.locator(`#readout [data-key="${key}"]`).getAttribute("data-value").then(Number);
 const words = (page, key) => page.locator(`#readout [data-key="${key}"]`).innerText();
 
@@ -186,8 +207,115 @@ async function expectPersonsCanBeSwitchedByKeyboard(url) {
   assert.equal(await selectedPerson(page), first);
   await page.keyboard.press("ArrowRight");
   assert.equal(await selectedPerson(page), second);
-  assert.match(await page.locator("#readout").innerText(), new RegExp(`person ${second}`));
+  assert.match(await page.locator("#readout").innerText(), new RegExp(`Person ${second}`));
   await page.close();
+}
+
+/** Returns at which time, on the axis, each cursor and each dot on a line is. */
+function cursorTimes(page, length) {
+  return page.locator(".u-over").evaluateAll(
+    (plots, length) =>
+      plots.flatMap((plot) => {
+        const box = plot.getBoundingClientRect();
+        const timeAt = (node, middle) => ((middle(node.getBoundingClientRect()) - box.left) / box.width) * length;
+        const cursor = plot.querySelector(".u-cursor-x");
+        const dots = [...plot.querySelectorAll(".u-cursor-pt")].filter((dot) => dot.getBoundingClientRect().width > 0);
+        return [
+          timeAt(cursor, ({ left }) => left),
+          ...dots.map((dot) => timeAt(dot, ({ left, right }) => (left + right) / 2)),
+        ];
+      }),
+    length,
+  );
+}
+
+async function expectCursorStaysAtItsTime(url, length) {
+  const { page } = await open(url);
+  await hover(page, 0.55);
+  await page.mouse.move(0, 0);
+  const time = await exact(page, "time");
+  for (const width of [1280, 700, 1000, 390, 1280]) {
+    await page.setViewportSize({ width, height: 900 });
+    await page.waitForTimeout(100); // until the page was laid out anew
+    const { width: wide } = await plotBox(page);
+    const tolerance = (3 / wide) * length; // some pixels
+    for (const found of await cursorTimes(page, length))
+      assert.ok(Math.abs(found - time) < tolerance, `${width} px wide: ${found} s instead of ${time} s`);
+    assert.equal(await exact(page, "time"), time);
+  }
+  await page.close();
+}
+
+/** Returns the time of the update that changed an estimate of the person most which was known before. */
+function timeOfGreatestChange(recording, person) {
+  let before;
+  let greatest = { distance: -1, time: 0 };
+  for (const update of exported(recording).filter((one) => Number(one.person) === person)) {
+    const distances = ["valence", "attention"]
+      .filter((name) => Number(before?.[`${name}_confidence`]) > 0)
+      .map((name) => Math.abs(Number(update[name]) - Number(before[name])));
+    const distance = Math.max(0, ...distances);
+    if (distance > greatest.distance) greatest = { distance, time: Number(update.time) };
+    before = update;
+  }
+  return greatest.time;
+}
+
+async function expectForcesReadWell(url) {
+  const { page } = await open(url);
+  let unsmoothed = 0;
+  for (const share of [0.1, 0.3, 0.5, 0.7, 0.9]) {
+    await hover(page, share);
+    await page.keyboard.press("Enter");
+    const shown = await page.locator("#pinned tbody tr").evaluateAll((rows) =>
+      rows.map((row) => ({
+        quantity: row.querySelector("small").textContent,
+        isShown: row.getClientRects().length > 0,
+        before: row.querySelector('[data-key="before"]').textContent,
+        after: row.querySelector('[data-key="after"]').textContent,
+      })),
+    );
+    for (const { quantity, isShown, before, after } of shown) {
+      assert.notEqual(before, after, "no force moves from a number to the same");
+      assert.equal(isShown, unsmoothed > 1 || !quantity.startsWith("unsmoothed"), quantity);
+    }
+    for (const said of await page.locator("#pinned .sentence").allInnerTexts())
+      assert.doesNotMatch(said, /from ([−+0-9.]+) to \1\b/);
+    // Unfolded for the moments after the second one.
+    if (++unsmoothed === 2) await page.locator("#unsmoothed").check();
+  }
+  assert.match(await page.locator("#pinned .fold").innerText(), /also the \d+ rows? of the unsmoothed valence/);
+  await page.close();
+}
+
+/** Returns a picture of the swatch of each source in the legends. */
+async function swatches(url) {
+  const { page } = await open(url);
+  const found = await page.locator(".legend li:has(.swatch)").evaluateAll((items) =>
+    items.map((item) => [item.textContent, item.querySelector("canvas").toDataURL()]),
+  );
+  await page.close();
+  return new Map(found);
+}
+
+/** Prints the page; returns how many pages of paper it takes, and leaves them in a file. */
+async function printed(page, name) {
+  const pdf = await page.pdf({ path: join(work, `${name}.pdf`), format: "A4", preferCSSPageSize: true });
+  return pdf.toString("latin1").match(/\/Type \/Page\b/g).length;
+}
+
+/** What is not to be divided has to fit on a page. */
+async function expectChartsFitOnPaper(page) {
+  await page.setViewportSize({ width: 703, height: 1032 }); // A4 without margins
+  await page.emulateMedia({ media: "print" });
+  await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
+  const heights = await page
+    .locator(".card:not(.long), .block, #estimates")
+    .evaluateAll((blocks) => blocks.map((block) => block.getBoundingClientRect().height));
+  assert.ok(heights.length > 5);
+  for (const height of heights) assert.ok(height <= 1032, `${height} px`);
+  const wide = await page.evaluate(() => document.documentElement.scrollWidth);
+  assert.ok(wide <= 703, `${wide} px wide`);
 }
 
 async function takePictures(url, name) {
@@ -215,6 +343,94 @@ for (const recording of recordings) {
   await test(`${name}: the forces of a pinned moment are those that "why" tells`, () =>
     expectPinnedForcesAreThoseOfWhy(url, recording));
 }
+
+await test("the cursor stays at its time when the window is resized", () =>
+  expectCursorStaysAtItsTime(makeReport(recordings[0]), 60));
+
+await test("the cursor begins at the greatest change", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  const expected = timeOfGreatestChange(recordings[0], await selectedPerson(page));
+  assert.ok(Math.abs((await exact(page, "time")) - expected) < 1e-6);
+  await page.close();
+});
+
+await test("a force's row says where it moved from and to, and rows of the unsmoothed valence are folded", () =>
+  expectForcesReadWell(makeReport(recordings[0])));
+
+await test("attention is a number from 0 to 1", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  assert.match(await words(page, "attention"), /^[01]\.\d\d$/);
+  assert.match(await page.locator("#estimates .facts").innerText(), /mean attention\s+[01]\.\d\d/);
+  assert.doesNotMatch(await page.locator("#readout").innerText(), /%/);
+  await page.close();
+});
+
+await test("a source has the same colour in every recording", async () => {
+  const [one, other] = [await swatches(makeReport(recordings[0])), await swatches(makeReport(crowd(30)))];
+  const common = [...one.keys()].filter((source) => other.has(source));
+  assert.ok(common.length >= 3, String(common));
+  for (const source of common) assert.equal(one.get(source), other.get(source), source);
+  assert.equal(new Set(one.values()).size, one.size, "sources look different");
+});
+
+await test("thirty persons have tabs that can be used", async () => {
+  const url = makeReport(crowd(30));
+  for (const width of [1280, 390]) {
+    const { page, complaints } = await open(url, { width });
+    assert.equal(await page.locator('#persons [role="tab"]').count(), 30);
+    const tabs = page.locator("#persons");
+    assert.ok((await tabs.boundingBox()).height < 160, "the tabs leave room for the charts");
+    await page.keyboard.type("25");
+    assert.equal(await selectedPerson(page), 25);
+    const selected = await page.locator('#persons [aria-selected="true"]').boundingBox();
+    const box = await tabs.boundingBox();
+    assert.ok(selected.x >= box.x - 1 && selected.x + selected.width <= box.x + box.width + 1, "in view, across");
+    assert.ok(selected.y >= box.y - 1 && selected.y + selected.height <= box.y + box.height + 1, "in view, down");
+    await page.locator('#persons [aria-selected="true"]').focus();
+    await page.keyboard.press("End");
+    assert.equal(await selectedPerson(page), 30);
+    await page.keyboard.press("ArrowRight");
+    assert.equal(await selectedPerson(page), 1);
+    await page.locator('#comparison [data-row="17"] button').click();
+    assert.equal(await selectedPerson(page), 17);
+    assert.equal(await page.locator("#comparison [data-row]").count(), 30);
+    await page.screenshot({ path: join(work, `crowd-${width}-whole.png`), fullPage: true });
+    const wide = await page.evaluate(() => document.documentElement.scrollWidth - innerWidth);
+    assert.ok(wide <= 0, `${width} px wide: the page is ${wide} px wider`);
+    assert.deepEqual(complaints, []);
+    await page.close();
+  }
+});
+
+await test("persons are compared on one axis", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  const colors = await page.locator("#comparison canvas").first().evaluate((canvas) => {
+    const { data } = canvas.getContext("2d").getImageData(0, 0, canvas.width, canvas.height);
+    const found = new Set();
+    for (let i = 0; i < data.length; i += 4)
+      found.add("#" + [...data.slice(i, i + 3)].map((byte) => byte.toString(16).padStart(2, "0")).join(""));
+    return ["source-0", "source-1"].filter((name) =>
+      found.has(getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim()),
+    );
+  });
+  assert.deepEqual(colors, ["source-0", "source-1"], "a line of each person");
+  assert.match(await page.locator("#comparison").innerText(), /Person 1[\s\S]*Person 2/);
+  await page.close();
+});
+
+await test("on paper no chart is cut, and pages are filled", async () => {
+  for (const [recording, most] of [
+    [recordings[0], 4],
+    [crowd(30), 5],
+  ]) {
+    const { page, complaints } = await open(makeReport(recording));
+    const pages = await printed(page, basename(recording, ".jsonl"));
+    assert.ok(pages <= most, `${pages} pages`);
+    await expectChartsFitOnPaper(page);
+    assert.deepEqual(complaints, []);
+    await page.close();
+  }
+});
 
 await test("persons can be switched by keyboard", () => {
   const severalPersons = recordings[0];
