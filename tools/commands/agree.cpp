@@ -2,6 +2,7 @@
 
 #include "cli/argumentparsing.hpp"
 #include "cli/interruption.hpp"
+#include "cli/labelarguments.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
@@ -55,7 +56,6 @@ Examples:
   skeigiot agree face.csv --labels anna.eaf --label "smiling=positive" --unlabelled neutral
   skeigiot agree face.csv --labels anna.csv --labels ben.csv --value valence --scale 1..9 --json)";
 
-constexpr double greatestTime = 4e9;   // [s]
 constexpr double greatestDelay = 60.;  // [s]
 
 /// Everything that the command line can say.
@@ -71,44 +71,13 @@ struct Arguments
   bool json = false;
 };
 
-void addMeaningOptions(CLI::App& command, session::AgreementOptions& agreement)
+void addDelayOption(CLI::App& command, session::AgreementOptions& agreement)
 {
-  const std::string group = "What labels mean";
-  addTexts(command, "--label", "A label that means a state. May be given several times", "LABEL=STATE",
-           [&agreement](const std::string& text) { agreement.mapping.add(text); })
-      ->group(group);
-  addTexts(command, "--unlabelled",
-           "State that time without a label counts as. May be given for pleasure,\n"
-           "engagement and zones",
-           "STATE", [&agreement](const std::string& text) { agreement.mapping.setUnlabelled(text); })
-      ->group(group);
-  addChoice<std::string>(command, "--value",
-                         "Meaning of values, where the column does not name it, and of labels\nthat are numbers",
-                         "QUANTITY", {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
-      ->group(group);
-  addTexts(command, "--scale",
-           "Values that stand for the least and the greatest of the estimate\n(-1..1 for valence, "
-           "0..1 for attention)",
-           "FROM..TO", [&agreement](const std::string& text) { agreement.scale = session::parseLabelScale(text); })
-      ->group(group);
-  addTexts(command, "--person",
-           "Number of the person whom labels, or their tier, call NAME; a number\nalone is for labels "
-           "without a name. May be given several times",
-           "[NAME=]ID", [&agreement](const std::string& text) { session::parseLabelPerson(text, agreement.persons); })
-      ->group(group);
-  addTexts(command, "--tier", "Use only labels of this tier (of BORIS: observation). May be given\nseveral times",
-           "NAME", [&agreement](const std::string& text) { agreement.tiers.insert(text); })
-      ->group(group);
-  addNumber(
-      command, "--labels-offset", "Add so many seconds to all times of labels", "SECONDS", "seconds",
-      [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
-      [&agreement](double seconds) { agreement.offset = seconds; })
-      ->group(group);
   addNumber(
       command, "--max-delay", "Try delays up to so many seconds, in both directions (5)", "SECONDS",
       "a number from 0 to 60", [](double seconds) { return seconds >= 0. && seconds <= greatestDelay; },
       [&agreement](double seconds) { agreement.maximalDelay = seconds; })
-      ->group(group);
+      ->group(labelGroup);
 }
 
 void addOptions(CLI::App& command, Arguments& arguments)
@@ -125,7 +94,8 @@ void addOptions(CLI::App& command, Arguments& arguments)
                   "standard\noutput, instead of text")
       ->type_name("FILE");
   addForceOption(command, arguments.force);
-  addMeaningOptions(command, arguments.agreement);
+  addLabelOptions(command, arguments.agreement);
+  addDelayOption(command, arguments.agreement);
   addCycleOption(command, arguments.cycle);
   addReadingOptions(command, arguments.reading);
   addBoundaryOptions(command);
@@ -139,18 +109,6 @@ session::SessionInputs onlySession(session::SessionArguments arguments, const st
   if (plan.sessions.size() > 1)
     throw CLI::ValidationError("RECORDING", "there are several in the folder: name one of them");
   return plan.sessions.front();
-}
-
-std::vector<recordings::Labels> readAll(const std::vector<std::string>& paths, Messages& messages)
-{
-  std::vector<recordings::Labels> all;
-  for (const std::string& path : paths)
-  {
-    all.push_back(recordings::readLabels(path));
-    for (const std::string& warning : all.back().warnings)
-      messages.note(std::string("warning: ").append(path).append(": ").append(warning));
-  }
-  return all;
 }
 
 /// \throws Error if the recording cannot be read to its end.
@@ -217,7 +175,7 @@ ExitStatus run(const Arguments& arguments)
   {
     const session::SessionInputs inputs = onlySession(arguments.session, arguments.reading.format);
     const std::unique_ptr<session::ReplacedFile> table = makeTable(arguments, inputs);
-    const std::vector<recordings::Labels> labels = readAll(arguments.labels, messages);
+    const std::vector<recordings::Labels> labels = readLabelFiles(arguments.labels, messages);
     session::AgreementRecorder recorder;
     play(arguments, inputs, recorder, messages);
     const session::Agreement agreement = recorder.compare(labels, arguments.agreement);

@@ -206,14 +206,25 @@ private:
   {
     _exports.commit();
     if (_report)
-      _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
+      _commitReport();
     if (_reports)
       _reports->commit();
+  }
+
+  void _commitReport()
+  {
+    session::ReportAdditions additions = _options.reportAdditions;
+    additions.learned = _learned;
+    const std::vector<std::string> warnings = _report->add(additions);
+    _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
+    for (const std::string& warning : warnings)
+      _messages.note("warning: " + warning);
   }
 
   void _add(SessionOutcome outcome)
   {
     _said.insert(_said.end(), outcome.said.begin(), outcome.said.end());
+    _learned = outcome.learned;
     _status = graver(_status, outcome.status);
     _anyOpened = _anyOpened || outcome.opened;
     if (_reports)
@@ -234,7 +245,8 @@ private:
   session::Exports _exports;
   boost::optional<ReportFile> _report;
   boost::optional<ReportFolder> _reports;
-  std::vector<std::string> _said;  // warnings and errors of all sessions
+  std::vector<std::string> _said;     // warnings and errors of all sessions
+  std::vector<std::string> _learned;  // of the faces at rest, by the last session
   std::vector<FileOverview> _overviews;
   ExitStatus _status = Success;
   bool _anyOpened = false;

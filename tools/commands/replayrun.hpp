@@ -6,6 +6,7 @@
 
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/cycle.hpp>
+#include <skeigiot/session/reportadditions.hpp>
 #include <skeigiot/session/scopespan.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -41,6 +42,7 @@ struct ReplayOptions
   boost::optional<std::string> reportFolder;   ///< folder of the reports of all sessions
   std::vector<std::string> otherInputs;        ///< files besides the recordings that no output may overwrite
   bool force = false;                          ///< existing files are replaced, whatever they are
+  session::ReportAdditions reportAdditions;    ///< what the report shows beside the session
 };
 
 /// Where a replay reads from and writes to.

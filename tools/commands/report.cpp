@@ -1,10 +1,13 @@
 #include "commands/report.hpp"
 
+#include "cli/argumentparsing.hpp"
 #include "cli/givenoptions.hpp"
+#include "cli/labelarguments.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
 #include "commands/replayrun.hpp"
+#include "commands/reportvideo.hpp"
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
 
@@ -15,9 +18,11 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -36,6 +41,10 @@ order. Files named together are inputs of one session, as for "skeigiot replay".
 
 A folder of recordings becomes a folder with a page of each, and index.html, which leads to them with small pictures.
 
+Labels that coders gave to the recording are drawn beside the estimate, in the formats of "skeigiot agree": states as ribbons,
+values as lines, and labels without a state as they are. A video is not part of the page: its path relative to the page is, so
+move both together.
+
 A long recording is thinned so that the page stays below 15 MB: extremes are kept, and the page says so.
 
 Exit status: as that of "skeigiot replay".
@@ -43,6 +52,7 @@ Exit status: as that of "skeigiot replay".
 Examples:
   skeigiot report face.csv -o report.html
   skeigiot report face.csv voice.csv --scope greeting=0..12.5 -o report.html
+  skeigiot report face.csv --labels anna.eaf --label "smiling=positive" --video face.mp4 -o report.html
   skeigiot report recordings/ -o pages/)";
 
 const char* const withoutPage =
@@ -54,7 +64,11 @@ struct Arguments
   session::SessionArguments sessions;
   ReadingArguments reading;
   std::string target;
+  std::vector<std::string> labels;
+  std::string video;
 };
+
+constexpr double greatestTime = 4e9;  // [s]
 
 /// Tells whether a folder was named that holds the recording.
 bool isOfFolder(const session::SessionInputs& session, const session::SessionArguments& arguments)
@@ -65,6 +79,8 @@ bool isOfFolder(const session::SessionInputs& session, const session::SessionArg
 /// \throws CLI::ValidationError if the target can be no folder of pages.
 void planFolder(Arguments& arguments)
 {
+  if (!arguments.labels.empty() || !arguments.video.empty())
+    throw CLI::ValidationError("--labels and --video belong to one recording: name that, and no folder of several");
   const std::filesystem::path target = arguments.target;
   std::error_code error;
   const bool isOther = std::filesystem::exists(target, error) && !std::filesystem::is_directory(target, error);
@@ -80,7 +96,9 @@ void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
   arguments.replay.skipBad = arguments.reading.skipBad;
-  arguments.replay.otherInputs = {arguments.reading.options.mapping};
+  arguments.replay.otherInputs = {arguments.reading.options.mapping, arguments.video};
+  arguments.replay.otherInputs.insert(arguments.replay.otherInputs.end(), arguments.labels.begin(),
+                                      arguments.labels.end());
   arguments.replay.shown = false;
   session::SessionPlan plan = planNamedSessions(arguments.sessions);
   for (const std::string& note : plan.notes)
@@ -90,6 +108,21 @@ void plan(Arguments& arguments, Messages& messages)
     arguments.replay.report = arguments.target;
   else
     planFolder(arguments);
+}
+
+/// Adds what the page shows beside the session.
+void addShownBeside(CLI::App& command, Arguments& arguments)
+{
+  session::ReportAdditions& additions = arguments.replay.reportAdditions;
+  addTexts(command, "--labels", "File of labels to draw. May be given several times, for several coders", "FILE",
+           [&arguments](const std::string& text) { arguments.labels.push_back(text); });
+  command.add_option("--video", arguments.video, "Video to play beside the curves, in step with the cursor")
+      ->type_name("FILE");
+  addNumber(
+      command, "--video-offset", "Second of the recording at which the video begins (0)", "SECONDS", "seconds",
+      [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
+      [&additions](double seconds) { additions.videoOffset = seconds; });
+  addLabelOptions(command, additions.labelOptions);
 }
 
 ExitStatus run(Arguments& arguments)
@@ -103,6 +136,10 @@ ExitStatus run(Arguments& arguments)
   try
   {
     plan(arguments, messages);
+    session::ReportAdditions& additions = arguments.replay.reportAdditions;
+    additions.labels = readLabelFiles(arguments.labels, messages);
+    if (!arguments.video.empty())
+      additions.video = addressOfVideo(arguments.video, arguments.target);
   }
   catch (const recordings::Error& error)
   {
@@ -132,6 +169,7 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
   addOffsetOption(command, arguments->sessions.offsets);
   addScopeOption(command, arguments->replay.scopes);
   addCycleOption(command, arguments->replay.cycle);
+  addShownBeside(command, *arguments);
   addReadingOptions(command, arguments->reading);
   addBoundaryOptions(command);
   command.footer(footer);

@@ -18,6 +18,9 @@ public:
   /// \throws WriteError if the file cannot be made.
   ReportFile(const std::string& target, session::OutputCheck& check) : _file(target, check) {}
 
+  /// Adds what the page shows beside the session, before commit(); returns warnings on labels that it does not show.
+  std::vector<std::string> add(const session::ReportAdditions& additions) { return _report.add(additions); }
+
   /// Returns what is to watch the session.
   session::SessionObserver& observer() { return _report; }
 

@@ -82,7 +82,8 @@ public:
       error = messageOf(*outcome.error);
       _sayError(error);
     }
-    return {outcome.error ? BadInput : Success, outcome.opened, _said, error, _overview(outcome, summary)};
+    return {outcome.error ? BadInput : Success, outcome.opened, _said, error, _overview(outcome, summary),
+            session::ReportOverview(),          outcome.learned};
   }
 
 private:

@@ -31,11 +31,12 @@ struct SessionOutlets
 struct SessionOutcome
 {
   ExitStatus status = Success;
-  bool opened = false;                  ///< there was a recording to read
-  std::vector<std::string> said;        ///< its warnings and errors
-  std::string error = {};               ///< what ended it early, or kept it from beginning; empty if nothing did
-  FileOverview overview = {};           ///< what the table of all recordings has of it
-  session::ReportOverview report = {};  ///< what the index of all reports has of it
+  bool opened = false;                    ///< there was a recording to read
+  std::vector<std::string> said;          ///< its warnings and errors
+  std::string error = {};                 ///< what ended it early, or kept it from beginning; empty if nothing did
+  FileOverview overview = {};             ///< what the table of all recordings has of it
+  session::ReportOverview report = {};    ///< what the index of all reports has of it
+  std::vector<std::string> learned = {};  ///< what was learned of the faces at rest
 };
 
 /// Replays one session, the clock of this thread being set to its time, and shows what the library thought.

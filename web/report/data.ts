@@ -33,6 +33,15 @@ export interface Origin {
   made: string;
 }
 
+interface RawLabels {
+  warnings: string[];
+  persons: {
+    person: number;
+    ribbons: { coder: string; quantity: string; tier?: string; from: Base64; to: Base64; texts: string[] }[];
+    lines: { coder: string; quantity: string; time: Base64; value: Base64 }[];
+  }[];
+}
+
 interface Facts {
   inputs: string[];
   notes: string[];
@@ -49,9 +58,14 @@ interface Facts {
   sources: string[];
   boundaries: { option: string; description: string; value: number }[];
   scopes: Scope[];
+  /** What was learned of faces at rest, a line each. */
+  learned: string[];
+  /** Where a video is, relative to the page, and when in the recording it begins [s]. */
+  video: { address: string; offset: number } | null;
 }
 
 interface RawRecording extends Facts {
+  labels: RawLabels | null;
   ambiance: Record<"time" | "agitation" | "excited", Base64>;
   persons: RawPerson[];
 }
@@ -95,6 +109,24 @@ export interface Change {
   distances: Float32Array;
 }
 
+/** Spans to which a coder gave labels; `quantity` is empty if these mean no state. */
+export interface LabelRibbon {
+  coder: string;
+  quantity: string;
+  tier: string;
+  from: Float64Array;
+  to: Float64Array;
+  texts: string[];
+}
+
+/** Values that a coder gave; NaN where a line ends. */
+export interface LabelLine {
+  coder: string;
+  quantity: string;
+  time: Float64Array;
+  value: Float32Array;
+}
+
 export interface Person {
   id: number;
   /** As the recording calls the person; empty if it has numbers only. */
@@ -115,11 +147,14 @@ export interface Person {
   inputs: Map<string, Float32Array>;
   valenceChanges: Change[];
   attentionChanges: Change[];
+  labels: { ribbons: LabelRibbon[]; lines: LabelLine[] };
   /** Returns the forces that acted at a moment, in their order. */
   forcesAt(moment: number): Force[];
 }
 
 export interface Recording extends Facts {
+  /** On labels that are not shown. */
+  labelWarnings: string[];
   ambiance: { time: Float64Array; agitation: Float32Array; excited: Uint8Array };
   persons: Person[];
 }
@@ -177,7 +212,27 @@ function forceReader(raw: RawPerson["forces"], sources: string[]): (moment: numb
   };
 }
 
-function person(raw: RawPerson, sources: string[]): Person {
+function labelsOf(id: number, labels: RawLabels | null | undefined): Person["labels"] {
+  const found = labels?.persons.find(({ person }) => person === id);
+  return {
+    ribbons: (found?.ribbons ?? []).map(({ coder, quantity, tier, from, to, texts }) => ({
+      coder,
+      quantity,
+      tier: tier ?? "",
+      from: doubles(from),
+      to: doubles(to),
+      texts,
+    })),
+    lines: (found?.lines ?? []).map(({ coder, quantity, time, value }) => ({
+      coder,
+      quantity,
+      time: doubles(time),
+      value: floats(value),
+    })),
+  };
+}
+
+function person(raw: RawPerson, sources: string[], labels: RawLabels | null): Person {
   return {
     id: raw.id,
     name: raw.name ?? "",
@@ -196,16 +251,18 @@ function person(raw: RawPerson, sources: string[]): Person {
     inputs: new Map(Object.entries(raw.inputs).map(([name, text]) => [name, floats(text)])),
     valenceChanges: changes(raw.valenceChanges, sources),
     attentionChanges: changes(raw.attentionChanges, sources),
+    labels: labelsOf(raw.id, labels),
     forcesAt: forceReader(raw.forces, sources),
   };
 }
 
 export function readRecording(text: string): Recording {
   const raw = JSON.parse(text) as RawRecording;
-  const { ambiance, persons: rawPersons, ...facts } = raw;
-  const persons = rawPersons.map((one) => person(one, raw.sources));
+  const { ambiance, labels, persons: rawPersons, ...facts } = raw;
+  const persons = rawPersons.map((one) => person(one, raw.sources, labels));
   return {
     ...facts,
+    labelWarnings: labels?.warnings ?? [],
     ambiance: {
       time: doubles(ambiance.time),
       agitation: floats(ambiance.agitation),

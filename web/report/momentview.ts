@@ -1,5 +1,6 @@
 // What is said of one moment: its values, and why they changed.
 
+import { codersAt } from "./coders";
 import { Force, Person, personName, Recording } from "./data";
 import { element, table } from "../shared/dom";
 import { apart, clock, counted, plain, signed, valenceWord, zoneWord } from "../shared/text";
@@ -93,11 +94,14 @@ function observed(person: Person, moment: number): HTMLElement[] {
 /** Shows the values of a moment in all views. */
 export function showReadout(target: HTMLElement, recording: Recording, person: Person, moment: number): void {
   const inputs = observed(person, moment);
+  const coders = codersAt(person, person.time[moment]).map(({ name, text }) => line(name, [], state("coder", text)));
   target.replaceChildren(
     element(
       "div",
       { class: "card", "data-moment": String(moment) },
       element("dl", { class: "readout" }, ...estimates(recording, person, moment)),
+      coders.length > 0 ? element("p", { class: "group" }, "what coders said") : null,
+      coders.length > 0 ? element("dl", { class: "readout coders" }, ...coders) : null,
       element("p", { class: "group" }, inputs.length > 0 ? "what came in" : "nothing came in"),
       element("dl", { class: "readout inputs" }, ...inputs),
     ),

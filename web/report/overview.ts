@@ -41,6 +41,8 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
     ]),
     originCard(recording),
     element("p", { class: "note" }, `Trust: ${recording.trust}.`),
+    ...(recording.learned ?? []).map((line) => element("p", { class: "note" }, `Learned: ${line}.`)),
+    ...recording.labelWarnings.map((line) => element("p", { class: "note" }, `Warning: ${line}.`)),
   );
 }
 

@@ -7,9 +7,11 @@ import { element } from "../shared/dom";
 import { binned, byStrength, changeOptions, stacked } from "./changes";
 import { addComparison } from "./comparison";
 import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
-import { signed, zoneArrow, zoneWord } from "../shared/text";
+import { signed } from "../shared/text";
 import { cssColor, Look, swatch, lineSwatch } from "../shared/theme";
+import { coderLanes, coderLegend, coderLines, codersNote } from "./coders";
 import { sourceLook } from "./sources";
+import { pleasureLook, zoneLook } from "./statelooks";
 
 /** An update says what holds until the next one, for so long at most [s]. */
 const longestHold = 1;
@@ -109,10 +111,13 @@ export class PersonView {
   private addEstimates(): void {
     const card = this.card(this.estimates);
     this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
+    this.addLegend(card, "valence");
     this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, this.person.valenceKnown, -1));
     this.heading(card, "Attention", "how much of it the robot has, from 0 to 1; the band likewise");
+    this.addLegend(card, "attention");
     this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, this.person.attentionKnown, 0));
     this.chart(card, ribbonOptions(this.stateLanes(), true), [this.person.time, this.person.valence]);
+    this.addCoders(card);
     card.append(
       element(
         "p",
@@ -121,6 +126,19 @@ export class PersonView {
         element("span", { class: "keys" }, "Drag to zoom in, double-click to see all again."),
       ),
     );
+  }
+
+  private addCoders(card: HTMLElement): void {
+    const lanes = coderLanes(this.person, this.recording.length);
+    if (lanes.length === 0) return;
+    card.append(element("h3", {}, "What coders said"));
+    this.chart(card, ribbonOptions(lanes, true), [this.person.time, this.person.valence]);
+    card.append(element("p", { class: "note", id: "coders" }, codersNote(this.person) ?? ""));
+  }
+
+  private addLegend(card: HTMLElement, quantity: string): void {
+    const legend = coderLegend(this.person, quantity);
+    if (legend) card.append(legend);
   }
 
   private addInputs(): void {
@@ -242,6 +260,7 @@ export class PersonView {
       height,
       scales: { y: { range: [range[0] - 0.03, range[1] + 0.03] } },
       axes: [timeAxis(false), valueAxis(labels)],
+      plugins: coderLines(this.person, color),
       bands: [{ series: [1, 2], fill: `${cssColor(color)}38` }],
       series: [{}, edge, { ...edge }, { stroke: cssColor(color), width: 2, gaps, points: { show: false } }],
     };
@@ -350,26 +369,6 @@ export class PersonView {
 /** Tells whether there is no number in any series: axes alone would look like a line at 0 that is missed. */
 function hasNoData([, ...series]: uPlot.AlignedData): boolean {
   return series.length > 0 && series.every((values) => Array.from(values).every((value) => value === null));
-}
-
-function zoneLook(name: string): { look: Look; texts: string[] } {
-  if (name === "Unknown") return { look: { color: cssColor("nowhere"), hatch: "dots" }, texts: ["no zone", "?"] };
-  const texts = [zoneWord(name), zoneArrow(name)];
-  if (name === "LookingAtRobot") return { look: { color: cssColor("robot"), hatch: "solid" }, texts };
-  return { look: { color: cssColor("elsewhere"), hatch: "solid" }, texts };
-}
-
-function pleasureLook(name: string): { look: Look; texts: string[] } {
-  switch (name) {
-    case "positive":
-      return { look: { color: cssColor("positive"), hatch: "solid" }, texts: ["positive", "+"] };
-    case "negative":
-      return { look: { color: cssColor("negative"), hatch: "rising" }, texts: ["negative", "−"] };
-    case "neutral":
-      return { look: { color: cssColor("neutral"), hatch: "solid" }, texts: ["neutral", "0"] };
-    default:
-      return { look: { color: cssColor("nowhere"), hatch: "dots" }, texts: ["unknown", "?"] };
-  }
 }
 
 function marksOf(times: Float64Array, values: Float32Array, input: string): Mark[] {

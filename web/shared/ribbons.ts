@@ -93,6 +93,14 @@ function drawLane(chart: uPlot, context: CanvasRenderingContext2D, lane: Lane, t
   });
 }
 
+/** Returns as much of the text as there is room for. */
+function shortened(context: CanvasRenderingContext2D, text: string, room: number): string {
+  if (context.measureText(text).width <= room) return text;
+  let letters = [...text];
+  while (letters.length > 1 && context.measureText(`${letters.join("")}…`).width > room) letters = letters.slice(0, -1);
+  return `${letters.join("")}…`;
+}
+
 /** Draws the lanes below each other, and their names at the left. */
 function lanesPlugin(lanes: Lane[]): uPlot.Plugin {
   return {
@@ -114,7 +122,8 @@ function lanesPlugin(lanes: Lane[]): uPlot.Plugin {
           context.restore();
           context.textAlign = "right";
           context.fillStyle = cssColor("muted");
-          context.fillText(lane.name, chart.bbox.left - 6 * ratio, top + (laneHeight * ratio) / 2);
+          const name = shortened(context, lane.name, chart.bbox.left - 8 * ratio);
+          context.fillText(name, chart.bbox.left - 6 * ratio, top + (laneHeight * ratio) / 2);
         });
         context.restore();
       },

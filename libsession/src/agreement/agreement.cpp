@@ -101,6 +101,8 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
   agreement.seed = options.seed;
   agreement.resamples = options.resamples;
   agreement.warnings = coded.warnings;
+  if (!coded.withoutState.empty())
+    agreement.warnings.insert(agreement.warnings.begin(), coded.withoutState);
   for (const auto& [quantity, coders] : coded.classes)
   {
     const LabelQuantity& found = labelQuantities().at(quantity);
@@ -124,8 +126,9 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
             agreement.comparisons);
   }
   if (agreement.comparisons.empty())
-    throw std::invalid_argument("no label can be compared: " +
-                                (coded.warnings.empty() ? std::string("there is none") : joined(coded.warnings)));
+    throw std::invalid_argument("no label can be compared: " + (agreement.warnings.empty()
+                                                                    ? std::string("there is none")
+                                                                    : joined(agreement.warnings)));
   return agreement;
 }
 

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <tuple>
+#include <utility>
 
 namespace KV::session
 {
@@ -71,6 +72,9 @@ public:
       coded.classes[std::get<0>(key)][std::get<1>(key)][std::get<2>(key)] = withoutOverlaps(std::move(pieces));
     for (auto& [key, pieces] : _values)
       coded.values[std::get<0>(key)][std::get<1>(key)][std::get<2>(key)] = withoutOverlaps(std::move(pieces));
+    coded.others = std::move(_others);
+    if (!_withoutState.empty())
+      coded.withoutState = "labels left out that mean no state: " + listOf(_withoutState);
     coded.warnings = _warnings();
     return coded;
   }
@@ -104,6 +108,7 @@ private:
     if (!state && !std::isfinite(value))
     {
       ++_withoutState[span.label];
+      _keepOther(span);
       return;
     }
     if (span.to <= span.from)
@@ -123,6 +128,16 @@ private:
     }
     piece.valueFrom = piece.valueTo = _scaled(value, _options.valueQuantity, span.coder);
     _values[{_options.valueQuantity, span.coder, *person}].push_back(piece);
+  }
+
+  void _keepOther(recordings::LabelSpan span)
+  {
+    const boost::optional<std::int32_t> person = _personNamed(span.person, span.tier);
+    if (!person || _persons.count(*person) == 0)
+      return;
+    span.from += _options.offset;
+    span.to += _options.offset;
+    _others[*person][{span.coder, span.tier}].push_back(std::move(span));
   }
 
   void _add(const recordings::LabelTrack& track)
@@ -204,7 +219,6 @@ private:
       if (!counts.empty())
         warnings.push_back(text + ": " + listOf(counts));
     };
-    warn(_withoutState, "labels left out that mean no state");
     warn(_withoutDuration, "labels left out that have no duration");
     warn(_withoutPerson, "labels left out, as nobody said which person of the recording is meant");
     warn(_notInRecording, "labels left out of persons that are not in the recording");
@@ -221,6 +235,7 @@ private:
   std::set<std::string> _names;  // of persons, in the chosen labels
   std::map<std::tuple<std::size_t, std::string, std::int32_t>, std::vector<CoursePiece>> _classes;
   std::map<std::tuple<std::string, std::string, std::int32_t>, std::vector<CoursePiece>> _values;
+  std::map<std::int32_t, std::map<std::pair<std::string, std::string>, std::vector<recordings::LabelSpan>>> _others;
 
   // How many labels were left out, by label, person or coder
   std::map<std::string, std::size_t> _withoutState;

@@ -10,6 +10,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace KV::session
@@ -23,7 +24,10 @@ struct CodedLabels
 
   std::map<std::size_t, OfCoders> classes;  ///< by index in labelQuantities()
   std::map<std::string, OfCoders> values;   ///< by "attention" and "valence"
-  std::vector<std::string> warnings;        ///< on labels that were left out
+  /// Labels without a state, which cannot be compared: by person, then by coder and tier, in the order of the files.
+  std::map<std::int32_t, std::map<std::pair<std::string, std::string>, std::vector<recordings::LabelSpan>>> others;
+  std::string withoutState;           ///< says how many those are; empty if there are none
+  std::vector<std::string> warnings;  ///< on labels that were left out for other reasons
 };
 
 /// Makes courses of labels about these persons of the recording.

@@ -1,19 +1,33 @@
 #include <skeigiot/session/report.hpp>
 
 #include "report/reportdata.hpp"
+#include "report/reportlabels.hpp"
 #include "report/reportoverview.hpp"
 #include "report/reportpage.hpp"
 #include "report/reportrecorder.hpp"
 
+#include <cstdint>
+#include <set>
+
 namespace KV::session
 {
+
+/// What was added, as the page reads it.
+struct Report::Added
+{
+  nlohmann::ordered_json learned = nlohmann::ordered_json::array();
+  nlohmann::ordered_json labels;  // null if there are none
+  nlohmann::ordered_json video;   // null if there is none
+};
 
 bool Report::isAvailable()
 {
   return !reportTemplate().empty();
 }
 
-Report::Report() : _recorder(std::make_unique<ReportRecorder>(ReportRecorder::Limits())) {}
+Report::Report()
+  : _recorder(std::make_unique<ReportRecorder>(ReportRecorder::Limits())), _added(std::make_unique<Added>())
+{}
 
 Report::~Report() = default;
 
@@ -57,10 +71,28 @@ ReportOverview Report::overview() const
   return overviewOf(*_recorder);
 }
 
+std::vector<std::string> Report::add(const ReportAdditions& additions)
+{
+  _added->learned = additions.learned;
+  if (!additions.video.empty())
+    _added->video = {{"address", additions.video}, {"offset", additions.videoOffset}};
+  if (additions.labels.empty())
+    return {};
+  std::set<std::int32_t> persons;
+  for (const auto& [person, moments] : _recorder->moments())
+    persons.insert(person);
+  _added->labels = reportLabels(additions.labels, persons, additions.labelOptions);
+  return _added->labels["warnings"];
+}
+
 void Report::write(std::ostream& stream, const ReportOrigin& origin)
 {
   _recorder->finish();
-  writeReport(stream, reportTemplate(), textForScript(reportData(*_recorder, origin)));
+  nlohmann::ordered_json data = reportData(*_recorder, origin);
+  data["learned"] = _added->learned;
+  data["labels"] = _added->labels;
+  data["video"] = _added->video;
+  writeReport(stream, reportTemplate(), textForScript(data));
 }
 
 void Report::write(std::ostream& stream, const std::vector<std::string>& inputs, const std::vector<std::string>& notes)

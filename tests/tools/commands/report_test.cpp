@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <set>
 #include <string>
 
@@ -107,6 +108,51 @@ TEST_F(ReportCommand, LeavesNoPageOfAFileThatCannotBeRead)
   const CommandResult result = runCommand({"report", recording, "-o", folder.path("report.html")});
   EXPECT_EQ(2, result.status);
   EXPECT_EQ((std::set<std::string>{"other.txt"}), folder.names());
+}
+
+TEST_F(ReportCommand, ShowsLabelsOfCoders)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const std::string labels = folder.write("anna.csv", "start,end,value\n0,1,smiling\n0,1,waving\n");
+  const CommandResult result =
+      runCommand({"report", recording, "--labels", labels, "--label", "smiling=positive", "-o", "-"});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.output, HasSubstr(R"("coder":"anna","quantity":"pleasure")"));
+  EXPECT_THAT(result.output, HasSubstr(R"("texts":["positive"])"));
+  EXPECT_THAT(result.output, HasSubstr(R"("texts":["waving"])"));
+}
+
+TEST_F(ReportCommand, SaysWhichLabelsThePageDoesNotShow)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const std::string labels = folder.write("anna.csv", "start,end,value,person\n0,1,positive,9\n");
+  const CommandResult result = runCommand({"report", recording, "--labels", labels, "-o", folder.path("r.html")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_EQ("skeigiot: warning: labels left out of persons that are not in the recording: '9' (1)\n", result.errors);
+  EXPECT_EQ(2, runCommand({"report", recording, "--labels", recording + "x", "-o", "-"}).status);
+}
+
+TEST_F(ReportCommand, NamesAVideoByItsPathRelativeToThePage)
+{
+  std::filesystem::create_directory(folder.path("pages"));
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const std::string video = folder.write("a \"b\" 50%#?é<.webm", "");
+  const CommandResult result = runCommand(
+      {"report", recording, "--video", video, "--video-offset", "-1.5", "-o", folder.path("pages/report.html")});
+  EXPECT_EQ(0, result.status);
+  EXPECT_THAT(folder.read("pages/report.html"),
+              HasSubstr(R"("video":{"address":"../a%20%22b%22%2050%25%23%3F%C3%A9%3C.webm","offset":-1.5})"));
+}
+
+TEST_F(ReportCommand, RefusesAVideoThatIsNotThere)
+{
+  const std::string recording = folder.write("smiles.csv", smiles);
+  const CommandResult result =
+      runCommand({"report", recording, "--video", folder.path("none.webm"), "-o", folder.path("report.html")});
+  EXPECT_EQ(2, result.status);
+  EXPECT_THAT(result.errors, HasSubstr("none.webm: there is no such video file"));
+  EXPECT_EQ((std::set<std::string>{"smiles.csv"}), folder.names());
 }
 
 TEST_F(ReportCommand, OfAFolderIsAPageOfEachRecordingAndAnIndex)

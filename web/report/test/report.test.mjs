@@ -404,17 +404,57 @@ await test("thirty persons have tabs that can be used", async () => {
 
 await test("persons are compared on one axis", async () => {
   const { page } = await open(makeReport(recordings[0]));
-  const colors = await page.locator("#comparison canvas").first().evaluate((canvas) => {
-    const { data } = canvas.getContext("2d").getImageData(0, 0, canvas.width, canvas.height);
+  const colors = await colorsOf(page.locator("#comparison canvas").first());
+  for (const name of ["source-0", "source-1"]) assert.ok(colors.includes(await cssColor(page, name)), "a line of each");
+  assert.match(await page.locator("#comparison").innerText(), /Person 1[\s\S]*Person 2/);
+  await page.close();
+});
+
+/** Makes a report of the first recording with labels of two coders about person 1, of which some mean no state. */
+function labelledReport(name) {
+  const anna = join(work, "anna.csv");
+  const ben = join(work, "ben.csv");
+  writeFileSync(anna, "start,end,value,person\n0,20,smiling,1\n20,40,positive,2\n30,40,negative,1\n12,13,waving,1\n");
+  writeFileSync(ben, "time,valence,person\n0,0,1\n20,0.5,1\n40,-0.5,1\n60,1,1\n");
+  const options = ["--labels", anna, "--labels", ben, "--label", "smiling=positive"];
+  const file = join(work, `${name}.html`);
+  execFileSync(command, ["report", recordings[0], "-o", file, ...options]);
+  return pathToFileURL(file).href;
+}
+
+/** Returns the colours, as "#rrggbb", that a canvas has. */
+function colorsOf(canvas) {
+  return canvas.evaluate((drawn) => {
+    const { data } = drawn.getContext("2d").getImageData(0, 0, drawn.width, drawn.height);
     const found = new Set();
     for (let i = 0; i < data.length; i += 4)
       found.add("#" + [...data.slice(i, i + 3)].map((byte) => byte.toString(16).padStart(2, "0")).join(""));
-    return ["source-0", "source-1"].filter((name) =>
-      found.has(getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim()),
-    );
+    return [...found];
   });
-  assert.deepEqual(colors, ["source-0", "source-1"], "a line of each person");
-  assert.match(await page.locator("#comparison").innerText(), /Person 1[\s\S]*Person 2/);
+}
+
+const cssColor = (page, name) =>
+  page.evaluate((name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim(), name);
+
+await test("labels of coders are ribbons and lines beside the estimate", async () => {
+  const { page, complaints } = await open(labelledReport("labelled"));
+  assert.match(await page.locator("#coders").innerText(), /anna: pleasure, labels\./);
+  const estimates = page.locator("#estimates canvas:not(.stroke)");
+  assert.equal(await estimates.count(), 4, "valence, attention, states, coders");
+  assert.ok((await colorsOf(estimates.nth(0))).includes(await cssColor(page, "source-3")), "ben's valence");
+  assert.ok(!(await colorsOf(estimates.nth(1))).includes(await cssColor(page, "source-3")), "and no attention");
+  const lanes = await colorsOf(estimates.nth(3));
+  for (const name of ["positive", "negative", "scope"]) assert.ok(lanes.includes(await cssColor(page, name)), name);
+
+  await hover(page, 12.5 / 60);
+  const said = () => page.locator("#readout .coders").innerText();
+  assert.match(await said(), /anna, pleasure\s+positive\s+anna, labels\s+waving\s+ben, valence\s+\+0\.31/);
+  await hover(page, 35 / 60);
+  assert.match(await said(), /anna, pleasure\s+negative\s+ben, valence\s+−0\.2/);
+  await page.screenshot({ path: join(work, "labelled-whole.png"), fullPage: true });
+  await page.keyboard.press("2");
+  assert.match(await page.locator("#coders").innerText(), /anna: pleasure\./);
+  assert.deepEqual(complaints, []);
   await page.close();
 });
 

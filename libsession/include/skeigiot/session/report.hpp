@@ -1,6 +1,7 @@
 #pragma once
 
 #include <skeigiot/api.hpp>
+#include <skeigiot/session/reportadditions.hpp>
 #include <skeigiot/session/reportorigin.hpp>
 #include <skeigiot/session/reportoverview.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
@@ -37,6 +38,11 @@ public:
   void ambianceUpdated(float agitation, KV::ExcitationState excitation) override;
   void scopeJudged(const ScopeVerdict& verdict) override;
 
+  /// Adds what the page shows beside the session. Call it before write().
+  ///
+  /// \return warnings on labels that the page does not show
+  std::vector<std::string> add(const ReportAdditions& additions);
+
   /// Writes the page, which says where it comes from. Call it once, after the session has ended.
   ///
   /// \throws std::logic_error if the library was built without the page.
@@ -49,7 +55,10 @@ public:
   ReportOverview overview() const;
 
 private:
+  struct Added;
+
   std::unique_ptr<ReportRecorder> _recorder;
+  std::unique_ptr<Added> _added;
 };
 
 }  // namespace KV::session

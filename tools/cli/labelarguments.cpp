@@ -1,0 +1,63 @@
+#include "cli/labelarguments.hpp"
+
+#include "cli/argumentparsing.hpp"
+
+namespace KV::tools
+{
+
+namespace
+{
+
+constexpr double greatestTime = 4e9;  // [s]
+
+}  // namespace
+
+const char* const labelGroup = "What labels mean";
+
+void addLabelOptions(CLI::App& command, session::AgreementOptions& agreement)
+{
+  addTexts(command, "--label", "A label that means a state. May be given several times", "LABEL=STATE",
+           [&agreement](const std::string& text) { agreement.mapping.add(text); })
+      ->group(labelGroup);
+  addTexts(command, "--unlabelled",
+           "State that time without a label counts as. May be given for pleasure,\n"
+           "engagement and zones",
+           "STATE", [&agreement](const std::string& text) { agreement.mapping.setUnlabelled(text); })
+      ->group(labelGroup);
+  addChoice<std::string>(command, "--value",
+                         "Meaning of values, where the column does not name it, and of labels\nthat are numbers",
+                         "QUANTITY", {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
+      ->group(labelGroup);
+  addTexts(command, "--scale",
+           "Values that stand for the least and the greatest of the estimate\n(-1..1 for valence, "
+           "0..1 for attention)",
+           "FROM..TO", [&agreement](const std::string& text) { agreement.scale = session::parseLabelScale(text); })
+      ->group(labelGroup);
+  addTexts(command, "--person",
+           "Number of the person whom labels, or their tier, call NAME; a number\nalone is for labels "
+           "without a name. May be given several times",
+           "[NAME=]ID", [&agreement](const std::string& text) { session::parseLabelPerson(text, agreement.persons); })
+      ->group(labelGroup);
+  addTexts(command, "--tier", "Use only labels of this tier (of BORIS: observation). May be given\nseveral times",
+           "NAME", [&agreement](const std::string& text) { agreement.tiers.insert(text); })
+      ->group(labelGroup);
+  addNumber(
+      command, "--labels-offset", "Add so many seconds to all times of labels", "SECONDS", "seconds",
+      [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
+      [&agreement](double seconds) { agreement.offset = seconds; })
+      ->group(labelGroup);
+}
+
+std::vector<recordings::Labels> readLabelFiles(const std::vector<std::string>& paths, Messages& messages)
+{
+  std::vector<recordings::Labels> all;
+  for (const std::string& path : paths)
+  {
+    all.push_back(recordings::readLabels(path));
+    for (const std::string& warning : all.back().warnings)
+      messages.note(std::string("warning: ").append(path).append(": ").append(warning));
+  }
+  return all;
+}
+
+}  // namespace KV::tools
