@@ -91,7 +91,7 @@ function rowOf(person: Person, swatch: HTMLElement, isSelected: boolean, select:
   ];
 }
 
-/** Adds the comparison, if there is more than one person. */
+/** Adds the comparison, if there is more than one person, and returns its card. */
 export function addComparison(
   target: HTMLElement,
   recording: Recording,
@@ -99,9 +99,9 @@ export function addComparison(
   group: ChartGroup,
   longest: number,
   select: (number: number) => void,
-): void {
+): HTMLElement | null {
   const { persons } = recording;
-  if (persons.length < 2) return;
+  if (persons.length < 2) return null;
   const chosen = persons.indexOf(selected);
   // Who is selected is drawn last, over the others.
   const order = persons.map((_, number) => number).filter((number) => number !== chosen);
@@ -129,4 +129,5 @@ export function addComparison(
       table("", ["person", "present", "visible", "mean valence", "mean attention", "engaged"], rows, [2, 3, 4, 5]),
     ),
   );
+  return card;
 }

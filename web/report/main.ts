@@ -1,17 +1,21 @@
 // Puts the page together, and lets it be used with mouse and keyboard.
 
-import { ChartGroup } from "../shared/chartgroup";
-import { greatestChange, nearest, Person, readRecording } from "./data";
+import { ChartGroup, ChartGroupEvents } from "../shared/chartgroup";
+import { greatestChange, nearest, Person, personName, readRecording } from "./data";
 import { byId, element } from "../shared/dom";
 import { readFolder, showFolder } from "./folder";
 import { showNothingPinned, showPinned, showReadout } from "./momentview";
-import { addRoom, personFacts, showHeader, showRecording } from "./overview";
+import { figureOf } from "./figure";
+import { Film } from "./film";
+import { addRoom, baseTitle, captionOf, personFacts, showHeader, showRecording } from "./overview";
 import { PersonTabs } from "./persons";
-import { PersonView } from "./personview";
+import { barsIn, PersonView } from "./personview";
+import { fileName, FileKind, savePng, saveText } from "./save";
+import { csvOf, FigureName } from "./tables";
 
 const cardPadding = 30;
 const bigStep = 1; // [s]
-const printedWidth = 670; // of a page of A4 without its margins and those of a card [px]
+const paperWidth = 670; // of a page of A4 without its margins and those of a card [px]
 
 function keyHint(): HTMLElement {
   const key = (name: string) => element("kbd", {}, name);
@@ -41,6 +45,7 @@ class Page {
   private pinned: number | null = null;
   private group: ChartGroup | undefined;
   private isPrinting = false;
+  private film: Film | undefined;
   private view: PersonView | undefined;
 
   show(): void {
@@ -49,11 +54,21 @@ class Page {
     this.showPersons();
     byId("keys").replaceChildren(keyHint());
     this.showAll();
+    this.showFilm();
     document.addEventListener("keydown", (event) => this.keyPressed(event));
     new ResizeObserver(() => this.resized()).observe(byId("estimates"));
     matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.showAll());
     addEventListener("beforeprint", () => this.setPrinting(true));
     addEventListener("afterprint", () => this.setPrinting(false));
+  }
+
+  private showFilm(): void {
+    const { video } = this.recording;
+    if (!video) return;
+    this.film = new Film(byId("film"), video, (shown) => {
+      if (this.person) this.showAt(nearest(this.person.time, shown));
+    });
+    this.film.show(this.person?.time[this.moment] ?? 0);
   }
 
   /** Paper is light, and of its own width. */
@@ -85,29 +100,88 @@ class Page {
     this.group?.destroy();
     const from = this.group?.from ?? 0;
     const to = this.group?.to ?? this.recording.length;
-    const group = new ChartGroup(Math.max(this.recording.length, 1e-3), this.chartWidth(), {
-      hover: (time) => this.moveTo(time),
+    const events: ChartGroupEvents = {
+      hover: (time) => this.hovered(time),
       pick: (time) => {
         this.moveTo(time);
         this.pin(this.moment);
       },
       range: () => this.view?.rangeChanged(),
-    });
+    };
+    const group = new ChartGroup(this.length(), this.chartWidth(), events, this.isPrinting);
     this.group = group;
+    group.from = from;
+    group.to = to;
+    group.markPinned(this.pinnedTime());
     if (this.person) {
-      this.view = new PersonView(this.recording, this.person, group, byId("estimates"), byId("details"), (number) =>
-        this.select(number),
-      );
+      this.view = this.viewIn(this.person, group, byId("estimates"), byId("details"));
       byId("estimates").prepend(personFacts(this.person));
     } else byId("estimates").replaceChildren(element("p", { class: "card" }, "Nobody was seen in this recording."));
-    addRoom(byId("details"), this.recording, group);
-    if (from > 0 || to < this.recording.length) group.showRange(from, to);
+    addRoom(byId("details"), this.recording, group, (kind) => this.save("room", kind));
+    group.placeDrawings();
     this.showMoment();
     this.showPinned();
   }
 
+  private pinnedTime(): number | null {
+    return this.pinned === null ? null : (this.person?.time[this.pinned] ?? null);
+  }
+
+  private length(): number {
+    return Math.max(this.recording.length, 1e-3);
+  }
+
+  private viewIn(person: Person, group: ChartGroup, estimates: HTMLElement, details: HTMLElement): PersonView {
+    return new PersonView(this.recording, person, group, estimates, details, {
+      select: (number) => this.select(number),
+      save: (figure, kind) => this.save(figure, kind),
+    });
+  }
+
+  /** Saves what the figure shows now: its person, its span of time, and the moment that is pinned. */
+  private save(figure: FigureName, kind: FileKind): void {
+    const { person, group, recording } = this;
+    if (!person || !group) return;
+    const caption = captionOf(recording, person, group);
+    const name = `${fileName(baseTitle(recording), personName(person), figure)}.${kind.toLowerCase()}`;
+    if (kind === "CSV") {
+      const bars = barsIn(byId("details").querySelector<HTMLElement>(`[data-figure="${figure}"]`)?.clientWidth ?? 0);
+      saveText(csvOf(figure, recording, person, group, bars, caption), "text/csv", name);
+      return;
+    }
+    const svg = this.onPaper((paper, cards) => {
+      const card = cards.querySelector(`[data-figure="${figure}"]`);
+      return card ? figureOf(card, paper, paperWidth, caption) : "";
+    });
+    if (kind === "SVG") saveText(svg, "image/svg+xml", name);
+    else savePng(svg, name);
+  }
+
+  /** Draws all charts on paper, beside the page, for as long as `use` runs. */
+  private onPaper<Result>(use: (group: ChartGroup, cards: HTMLElement) => Result): Result {
+    const root = document.documentElement;
+    const wasPaper = root.hasAttribute("data-print");
+    root.toggleAttribute("data-print", true);
+    const paper = new ChartGroup(this.length(), paperWidth, { hover() {}, pick() {}, range() {} }, true);
+    const [estimates, details] = [element("div"), element("div")];
+    const cards = element("div", { class: "paper", style: `width:${paperWidth + cardPadding}px` }, estimates, details);
+    document.body.append(cards);
+    try {
+      paper.from = this.group?.from ?? 0;
+      paper.to = this.group?.to ?? this.recording.length;
+      paper.markPinned(this.pinnedTime());
+      if (this.person) this.viewIn(this.person, paper, estimates, details);
+      addRoom(details, this.recording, paper, () => {});
+      return use(paper, cards);
+    } finally {
+      paper.destroy();
+      cards.remove();
+      root.toggleAttribute("data-print", wasPaper);
+    }
+  }
+
   private chartWidth(): number {
-    if (this.isPrinting) return printedWidth;
+    if (this.isPrinting) return paperWidth;
     return Math.max(240, byId("estimates").clientWidth - (innerWidth <= 560 ? 14 : cardPadding));
   }
 
@@ -116,13 +190,23 @@ class Page {
     this.view?.rangeChanged();
   }
 
+  /** A video that plays leads the cursor. */
+  private hovered(time: number): void {
+    if (!this.film?.isPlaying) this.moveTo(time);
+  }
+
   private moveTo(time: number): void {
     if (this.person) this.goTo(nearest(this.person.time, time));
   }
 
   private goTo(moment: number): void {
     if (!this.person) return;
-    this.moment = Math.min(Math.max(moment, 0), this.person.time.length - 1);
+    this.showAt(Math.min(Math.max(moment, 0), this.person.time.length - 1));
+    this.film?.show(this.person.time[this.moment]);
+  }
+
+  private showAt(moment: number): void {
+    this.moment = moment;
     this.showMoment();
   }
 
@@ -140,7 +224,7 @@ class Page {
   private showPinned(): void {
     if (!this.person || this.pinned === null) showNothingPinned(byId("pinned"));
     else showPinned(byId("pinned"), this.person, this.pinned);
-    this.group?.markPinned(this.pinned === null ? null : (this.person?.time[this.pinned] ?? null));
+    this.group?.markPinned(this.pinnedTime());
   }
 
   private keyPressed(event: KeyboardEvent): void {
@@ -168,6 +252,10 @@ class Page {
         return true;
       case "End":
         this.goTo(Infinity);
+        return true;
+      case " ":
+        if (!this.film || target instanceof HTMLButtonElement || target instanceof HTMLVideoElement) return false;
+        this.film.toggle();
         return true;
       case "Enter":
         if (target instanceof HTMLButtonElement) return false;

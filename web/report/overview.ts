@@ -6,6 +6,23 @@ import { element, table } from "../shared/dom";
 import { originCard } from "./origin";
 import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
 import { cssColor } from "../shared/theme";
+import { addSaveButtons, FileKind } from "./save";
+
+/** Returns what a figure is of: file, person, span, options and version. */
+export function captionOf(recording: Recording, person: Person, { from, to }: { from: number; to: number }): string[] {
+  const { inputs, length, version, options } = recording;
+  const whole = from <= 0 && to >= length;
+  return [
+    `${inputs.map(baseName).join(" + ")}, ${personName(person).replace("Person", "person")}, ` +
+      `${clock(from)} to ${clock(to)}${whole ? ", the whole recording" : ""}.`,
+    `Options: ${(options ?? []).length > 0 ? options?.join(" ") : "the defaults"}. ` +
+      `Made by skeigiot${version ? ` ${version}` : ""}, skeigiot report.`,
+  ];
+}
+
+export function baseTitle({ inputs }: Recording): string {
+  return inputs.map(baseName).join("+");
+}
 
 function facts(entries: [string, string][]): HTMLElement {
   return element(
@@ -113,11 +130,18 @@ function thinningText({ persons, stretch }: Recording): string {
 }
 
 /** Adds the agitation of the room, if it was recorded. */
-export function addRoom(target: HTMLElement, { ambiance }: Recording, group: ChartGroup): void {
+export function addRoom(
+  target: HTMLElement,
+  { ambiance }: Recording,
+  group: ChartGroup,
+  save: (kind: FileKind) => void,
+): void {
   if (ambiance.time.length === 0) return;
   const chart = element("div", { class: "chart" });
   const title = element("h2", {}, "The room ", element("small", {}, "its agitation"));
-  target.append(element("div", { class: "card" }, title, chart));
+  const card = element("div", { class: "card", "data-figure": "room" }, title, chart);
+  addSaveButtons(card, "the room", save);
+  target.append(card);
   group.add(
     chart,
     {

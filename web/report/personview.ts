@@ -10,12 +10,19 @@ import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
 import { signed } from "../shared/text";
 import { cssColor, Look, swatch, lineSwatch } from "../shared/theme";
 import { coderLanes, coderLegend, coderLines, codersNote } from "./coders";
+import { addSaveButtons, FileKind } from "./save";
 import { sourceLook } from "./sources";
 import { pleasureLook, zoneLook } from "./statelooks";
+import { FigureName } from "./tables";
 
 /** An update says what holds until the next one, for so long at most [s]. */
 const longestHold = 1;
 const pixelsPerBar = 7;
+
+/** Returns how many bars fit side by side into so many pixels. */
+export function barsIn(width: number): number {
+  return Math.max(10, Math.round(width / pixelsPerBar));
+}
 
 interface Line {
   input: string;
@@ -82,6 +89,12 @@ const inputCharts: InputChart[] = [
   },
 ];
 
+/** What can be done in the charts of a person. */
+export interface ViewActions {
+  select(number: number): void;
+  save(figure: FigureName, kind: FileKind): void;
+}
+
 export class PersonView {
   private readonly redraws: (() => void)[] = [];
   private readonly longest: number;
@@ -92,13 +105,14 @@ export class PersonView {
     private readonly group: ChartGroup,
     private readonly estimates: HTMLElement,
     private readonly details: HTMLElement,
-    select: (number: number) => void,
+    private readonly actions: ViewActions,
   ) {
     this.longest = Math.max(longestHold, 2 * recording.stretch);
     estimates.replaceChildren();
     details.replaceChildren();
     this.addEstimates();
-    addComparison(details, recording, person, group, this.longest, select);
+    const comparison = addComparison(details, recording, person, group, this.longest, actions.select);
+    if (comparison) this.addSave(comparison, "comparison", "Persons compared");
     this.addInputs();
     this.addChanges();
   }
@@ -109,7 +123,7 @@ export class PersonView {
   }
 
   private addEstimates(): void {
-    const card = this.card(this.estimates);
+    const card = this.card(this.estimates, "estimates", "Valence and attention");
     this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
     this.addLegend(card, "valence");
     this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, this.person.valenceKnown, -1));
@@ -142,7 +156,7 @@ export class PersonView {
   }
 
   private addInputs(): void {
-    const card = this.card(this.details);
+    const card = this.card(this.details, "inputs", "What came in");
     card.classList.add("long");
     this.heading(card, "What came in", "");
     for (const chart of inputCharts) this.addInputChart(card, chart);
@@ -198,14 +212,22 @@ export class PersonView {
   }
 
   private addChanges(): void {
-    this.addChangesOf("What pulled valence", "up is towards positive", this.person.valenceChanges, 0.5, false);
-    this.addChangesOf("What pulled attention", "up is towards the robot", this.person.attentionChanges, 0.1, true);
+    const { valenceChanges, attentionChanges } = this.person;
+    this.addChangesOf("valence", "up is towards positive", valenceChanges, 0.5, false);
+    this.addChangesOf("attention", "up is towards the robot", attentionChanges, 0.1, true);
   }
 
   /** The scale is the same in all reports, so that bars can be compared; what goes beyond `limit` is marked. */
-  private addChangesOf(title: string, hint: string, all: Change[], limit: number, isLast: boolean): void {
+  private addChangesOf(
+    quantity: "valence" | "attention",
+    hint: string,
+    all: Change[],
+    limit: number,
+    isLast: boolean,
+  ): void {
+    const title = `What pulled ${quantity}`;
     const changes = byStrength(all);
-    const card = this.card(this.details);
+    const card = this.card(this.details, `${quantity}-pulls`, title);
     this.heading(card, title, `how far each source moved it in an update, on average over a bar; ${hint}`);
     if (changes.length === 0) {
       card.append(element("p", { class: "note" }, "Nothing did."));
@@ -214,8 +236,8 @@ export class PersonView {
     const looks = changes.map(({ source }) => sourceLook(source));
     card.append(this.sourceLegend(changes, looks));
     const data = () => {
-      const count = Math.max(10, Math.round(card.clientWidth / pixelsPerBar));
-      return stacked(binned(this.person, changes, this.group.from, this.group.to, count));
+      const bars = barsIn(card.clientWidth);
+      return stacked(binned(this.person, changes, this.group.from, this.group.to, bars));
     };
     const chart = this.chart(card, changeOptions(looks, limit, isLast), data());
     this.redraws.push(() => {
@@ -348,10 +370,16 @@ export class PersonView {
     return lanes;
   }
 
-  private card(target: HTMLElement): HTMLElement {
+  private card(target: HTMLElement, figure: FigureName, title: string): HTMLElement {
     const card = element("div", { class: "card" });
     target.append(card);
+    this.addSave(card, figure, title);
     return card;
+  }
+
+  private addSave(card: HTMLElement, figure: FigureName, title: string): void {
+    card.dataset.figure = figure;
+    addSaveButtons(card, title, (kind) => this.actions.save(figure, kind));
   }
 
   private heading(card: HTMLElement, title: string, hint: string): void {

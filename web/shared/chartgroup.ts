@@ -1,6 +1,7 @@
 // Charts over the same time: one cursor and one range for all.
 
 import uPlot from "uplot";
+import { drawnAsSvg, SvgContext } from "./svgcontext";
 import { clock } from "./text";
 import { cssColor } from "./theme";
 
@@ -21,6 +22,7 @@ export interface ChartGroupEvents {
 
 export class ChartGroup {
   private readonly charts: uPlot[] = [];
+  private readonly drawings = new Map<HTMLElement, SvgContext>();
   private time = 0;
   private pinned: number | null = null;
   private isSettingRange = false;
@@ -31,13 +33,17 @@ export class ChartGroup {
     private readonly length: number,
     private width: number,
     private readonly events: ChartGroupEvents,
+    private readonly isForPaper = false,
   ) {
     this.to = length;
   }
 
   add(target: HTMLElement, options: ChartOptions, data: uPlot.AlignedData): uPlot {
-    const chart = new uPlot(this.complete(options), data, target);
+    const chart = this.isForPaper
+      ? this.drawn(target, this.complete(options), data)
+      : new uPlot(this.complete(options), data, target);
     this.charts.push(chart);
+    if (this.isForPaper) return chart;
     this.setRangeOf(chart);
     let pressedAt = 0;
     chart.over.addEventListener("mousedown", (event) => (pressedAt = event.clientX));
@@ -46,6 +52,36 @@ export class ChartGroup {
       if (!wasDragged) this.events.pick(chart.posToVal(event.clientX - chart.over.getBoundingClientRect().left, "x"));
     });
     return chart;
+  }
+
+  /** Returns what the chart in that element shows, if the group is for paper: SVG of the element's size. */
+  drawing(target: HTMLElement): SvgContext | undefined {
+    return this.drawings.get(target);
+  }
+
+  /** Shows the drawings in place of the canvases, if the group is for paper: lines and letters stay sharp there. */
+  placeDrawings(): void {
+    for (const [target, drawing] of this.drawings) {
+      const { width, height } = drawing.canvas;
+      const size = `width="${width / devicePixelRatio}" height="${height / devicePixelRatio}"`;
+      const text = `<svg xmlns="http://www.w3.org/2000/svg" ${size} viewBox="0 0 ${width} ${height}">${drawing.content()}</svg>`;
+      const svg = new DOMParser().parseFromString(text, "image/svg+xml").documentElement;
+      target.querySelector("canvas")?.replaceWith(document.importNode(svg, true));
+    }
+  }
+
+  /** Draws the chart as SVG, and at once. */
+  private drawn(target: HTMLElement, options: uPlot.Options, data: uPlot.AlignedData): uPlot {
+    const { width, height } = options;
+    const context = new SvgContext(width * devicePixelRatio, height * devicePixelRatio);
+    let chart: uPlot | undefined;
+    drawnAsSvg(context, () => {
+      const made = new uPlot(options, data, target);
+      made.batch(() => made.setScale("x", { min: this.from, max: this.to }));
+      chart = made;
+    });
+    this.drawings.set(target, context);
+    return chart as unknown as uPlot;
   }
 
   /** Shows the cursor of all charts at a time. */
@@ -57,6 +93,7 @@ export class ChartGroup {
   /** Marks a time in all charts, or none. */
   markPinned(time: number | null): void {
     this.pinned = time;
+    if (this.isForPaper) return; // charts on paper are drawn once
     for (const chart of this.charts) chart.redraw(false);
   }
 
@@ -67,7 +104,7 @@ export class ChartGroup {
   }
 
   resize(width: number): void {
-    if (width === this.width) return;
+    if (width === this.width || this.isForPaper) return;
     this.width = width;
     for (const chart of this.charts) {
       chart.batch(() => chart.setSize({ width, height: chart.height })); // at once: the cursor is placed by its scales

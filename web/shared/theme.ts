@@ -40,20 +40,56 @@ function strokes(context: CanvasRenderingContext2D, hatch: Hatch, size: number):
   context.fill();
 }
 
-/** Returns what an area is filled with: a colour, with a pattern of the page's background on it. */
-export function fillOf({ color, hatch }: Look): string | CanvasPattern {
-  if (hatch === "solid") return color;
+interface Tile {
+  size: number;
+  draw(context: CanvasRenderingContext2D): void;
+}
+
+/** Returns the tile of a pattern, which repeats to fill an area. */
+export function patternTile({ color, hatch }: Look): Tile {
   const size = Math.round(6 * devicePixelRatio);
+  const draw = (context: CanvasRenderingContext2D) => {
+    context.fillStyle = color;
+    context.fillRect(0, 0, size, size);
+    context.strokeStyle = context.fillStyle = cssColor("surface");
+    context.lineWidth = 1.2 * devicePixelRatio;
+    strokes(context, hatch, size);
+  };
+  return { size, draw };
+}
+
+const looksOfPatterns = new WeakMap<object, Look>();
+
+/** Returns the look that the pattern was made of by fillOf(). */
+export function lookOfPattern(pattern: CanvasPattern | CanvasGradient): Look | undefined {
+  return looksOfPatterns.get(pattern);
+}
+
+/** Returns what an area is filled with: a colour, with a pattern of the page's background on it. */
+export function fillOf(look: Look): string | CanvasPattern {
+  if (look.hatch === "solid") return look.color;
+  const { size, draw } = patternTile(look);
   const tile = document.createElement("canvas");
   tile.width = tile.height = size;
   const context = tile.getContext("2d");
-  if (!context) return color;
-  context.fillStyle = color;
-  context.fillRect(0, 0, size, size);
-  context.strokeStyle = context.fillStyle = cssColor("surface");
-  context.lineWidth = 1.2 * devicePixelRatio;
-  strokes(context, hatch, size);
-  return context.createPattern(tile, "repeat") ?? color;
+  if (!context) return look.color;
+  draw(context);
+  const pattern = context.createPattern(tile, "repeat");
+  if (pattern) looksOfPatterns.set(pattern, look);
+  return pattern ?? look.color;
+}
+
+interface Picture {
+  width: number;
+  height: number;
+  draw(context: CanvasRenderingContext2D): void;
+}
+
+const pictures = new WeakMap<Element, Picture>();
+
+/** Returns how the small picture is drawn, so that it can be drawn elsewhere as well. */
+export function pictureOf(node: Element): Picture | undefined {
+  return pictures.get(node);
 }
 
 function picture(name: string, width: number, height: number, draw: (context: CanvasRenderingContext2D) => void): HTMLElement {
@@ -64,6 +100,7 @@ function picture(name: string, width: number, height: number, draw: (context: Ca
   canvas.setAttribute("aria-hidden", "true");
   const context = canvas.getContext("2d");
   if (context) draw(context);
+  pictures.set(canvas, { width, height, draw });
   return canvas;
 }
 

@@ -7,7 +7,7 @@
 import { chromium } from "playwright-core";
 import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
-import { mkdirSync, writeFileSync } from "node:fs";
+import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { basename, join, resolve } from "node:path";
 import { pathToFileURL } from "node:url";
 
@@ -48,7 +48,10 @@ async function open(url, { width = 1280, colorScheme = "light" } = {}) {
   const complaints = [];
   page.on("console", (message) => ["error", "warning"].includes(message.type()) && complaints.push(message.text()));
   page.on("pageerror", (error) => complaints.push(error.message));
-  page.on("request", (request) => request.url() !== url && complaints.push(`asked for ${request.url()}`));
+  page.on("request", (request) => {
+    const isItself = request.url() === url || /^(blob|data):/.test(request.url());
+    if (!isItself) complaints.push(`asked for ${request.url()}`);
+  });
   await page.goto(url);
   await page.locator("#readout [data-moment]").waitFor();
   return { page, complaints };
@@ -298,6 +301,20 @@ async function swatches(url) {
   return new Map(found);
 }
 
+/** Returns the colours, as "#rrggbb", that a canvas has. */
+function colorsOf(canvas) {
+  return canvas.evaluate((drawn) => {
+    const { data } = drawn.getContext("2d").getImageData(0, 0, drawn.width, drawn.height);
+    const found = new Set();
+    for (let i = 0; i < data.length; i += 4)
+      found.add("#" + [...data.slice(i, i + 3)].map((byte) => byte.toString(16).padStart(2, "0")).join(""));
+    return [...found];
+  });
+}
+
+const cssColor = (page, name) =>
+  page.evaluate((name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim(), name);
+
 /** Prints the page; returns how many pages of paper it takes, and leaves them in a file. */
 async function printed(page, name) {
   const pdf = await page.pdf({ path: join(work, `${name}.pdf`), format: "A4", preferCSSPageSize: true });
@@ -422,20 +439,6 @@ function labelledReport(name) {
   return pathToFileURL(file).href;
 }
 
-/** Returns the colours, as "#rrggbb", that a canvas has. */
-function colorsOf(canvas) {
-  return canvas.evaluate((drawn) => {
-    const { data } = drawn.getContext("2d").getImageData(0, 0, drawn.width, drawn.height);
-    const found = new Set();
-    for (let i = 0; i < data.length; i += 4)
-      found.add("#" + [...data.slice(i, i + 3)].map((byte) => byte.toString(16).padStart(2, "0")).join(""));
-    return [...found];
-  });
-}
-
-const cssColor = (page, name) =>
-  page.evaluate((name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim(), name);
-
 await test("labels of coders are ribbons and lines beside the estimate", async () => {
   const { page, complaints } = await open(labelledReport("labelled"));
   assert.match(await page.locator("#coders").innerText(), /anna: pleasure, labels\./);
@@ -455,6 +458,137 @@ await test("labels of coders are ribbons and lines beside the estimate", async (
   await page.keyboard.press("2");
   assert.match(await page.locator("#coders").innerText(), /anna: pleasure\./);
   assert.deepEqual(complaints, []);
+  await page.close();
+});
+
+/** Presses "Save KIND" in that card; returns the file's name and content. */
+async function saved(page, figure, kind) {
+  const button = page.locator(`[data-figure="${figure}"] .save button`, { hasText: `Save ${kind}` });
+  const [download] = await Promise.all([page.waitForEvent("download"), button.click()]);
+  const file = join(work, `saved-${download.suggestedFilename()}`);
+  await download.saveAs(file);
+  return { name: download.suggestedFilename(), bytes: readFileSync(file) };
+}
+
+/** Drags over a chart, from one share of its width to another. */
+async function zoom(page, from, to) {
+  await page.evaluate(() => scrollTo(0, 0));
+  const box = await plotBox(page);
+  await page.mouse.move(box.x + from * box.width, box.y + 30);
+  await page.mouse.down();
+  await page.mouse.move(box.x + to * box.width, box.y + 30, { steps: 5 });
+  await page.mouse.up();
+}
+
+const figures = ["estimates", "comparison", "inputs", "valence-pulls", "attention-pulls", "room"];
+
+/** Opens the SVG as a document of its own; returns its texts. */
+async function textsOfSvg(bytes) {
+  const page = await browser.newPage({ viewport: { width: 720, height: 900 } });
+  await page.setContent("<!doctype html>");
+  const texts = await page.evaluate((text) => {
+    const parsed = new DOMParser().parseFromString(text, "image/svg+xml");
+    if (parsed.querySelector("parsererror")) throw new Error(parsed.querySelector("parsererror").textContent);
+    document.body.append(document.importNode(parsed.documentElement, true));
+    return [...document.querySelectorAll("svg text")].map((node) => node.textContent);
+  }, bytes.toString());
+  await page.close();
+  return texts;
+}
+
+await test("what is shown is saved as SVG, with file, person and options below", async () => {
+  for (const colorScheme of ["light", "dark"]) {
+    const { page, complaints } = await open(makeReport(recordings[0]), { colorScheme });
+    for (const figure of figures) {
+      const { name, bytes } = await saved(page, figure, "SVG");
+      const texts = await textsOfSvg(bytes);
+      assert.equal(name, `${basename(recordings[0])}-Person_1-${figure}.svg`);
+      assert.ok(texts.includes(`${basename(recordings[0])}, person 1, 0:00.0 to 1:00.0, the whole recording.`), figure);
+      assert.ok(texts.some((text) => /^Options: .* Made by skeigiot/.test(text)), figure);
+      assert.match(bytes.toString(), /<rect width="100%" height="100%" fill="#ffffff"\/>/);
+      assert.ok(bytes.toString().split("<path").length > 3, `${figure} has paths`);
+      assert.doesNotMatch(bytes.toString(), /<image|NaN|undefined/);
+    }
+    assert.ok(await page.evaluate(() => !document.documentElement.hasAttribute("data-print")), "the page stays as it was");
+    assert.deepEqual(complaints, []);
+    await page.close();
+  }
+});
+
+await test("bars of pull have the same scale in every report, whatever is shown", async () => {
+  const scale = (texts) => texts.filter((text) => /^[+−]?0(\.\d+)?$/.test(text)).sort();
+  const found = [];
+  for (const url of [makeReport(recordings[0]), makeReport(crowd(30))]) {
+    const { page } = await open(url);
+    found.push(scale(await textsOfSvg((await saved(page, "valence-pulls", "SVG")).bytes)));
+    await zoom(page, 0.6, 0.63);
+    const zoomed = await textsOfSvg((await saved(page, "valence-pulls", "SVG")).bytes);
+    assert.ok(!zoomed.some((text) => text.includes("the whole recording")), "the caption says what is shown");
+    found.push(scale(zoomed));
+    await page.close();
+  }
+  for (const one of found) assert.deepEqual(one, ["+0.25", "+0.5", "0", "−0.25", "−0.5"]);
+});
+
+await test("a bar beyond the scale is marked with its height", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  const time = await exact(page, "time"); // of the greatest change
+  await zoom(page, (time - 0.6) / 60, (time + 0.6) / 60);
+  const texts = await textsOfSvg((await saved(page, "valence-pulls", "SVG")).bytes);
+  assert.ok(texts.some((text) => /^▲ \+0\.\d\d$/.test(text)), String(texts));
+  await page.close();
+});
+
+await test("what is shown is saved as PNG", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  for (const figure of ["estimates", "valence-pulls"]) {
+    const { name, bytes } = await saved(page, figure, "PNG");
+    assert.match(name, /\.png$/);
+    assert.equal(bytes.subarray(1, 4).toString(), "PNG");
+    const [width, height] = [bytes.readUInt32BE(16), bytes.readUInt32BE(20)];
+    assert.ok(width > 2000 && height > 500, `${width} x ${height}`);
+    await page.evaluate((address) => {
+      const image = new Image();
+      image.id = "saved";
+      image.src = address;
+      document.body.append(image);
+      return image.decode();
+    }, `data:image/png;base64,${bytes.toString("base64")}`);
+    const isBlank = await page.locator("#saved").evaluate((image) => {
+      const canvas = Object.assign(document.createElement("canvas"), { width: 200, height: 200 });
+      canvas.getContext("2d").drawImage(image, 0, 0, 200, 200);
+      const { data } = canvas.getContext("2d").getImageData(0, 0, 200, 200);
+      image.remove();
+      return new Set(data).size < 20;
+    });
+    assert.ok(!isBlank, "something is drawn");
+  }
+  await page.close();
+});
+
+await test("what is shown is saved as CSV, with the numbers of the export", async () => {
+  const { page } = await open(labelledReport("labelled"));
+  const lines = (await saved(page, "estimates", "CSV")).bytes.toString().trim().split("\n");
+  assert.match(lines[0], /^# .*, person 1, 0:00\.0 to 1:00\.0/);
+  const columns = lines[2].split(",");
+  assert.deepEqual(columns.slice(0, 4), ["time", "seen", "valence", "valence_confidence"]);
+  assert.deepEqual(columns.slice(-3), ["anna: pleasure", "anna: labels", "ben: valence"]);
+  const updates = exported(recordings[0]).filter(({ person }) => person === "1");
+  assert.equal(lines.length - 3, updates.length);
+  for (const line of lines.slice(3)) {
+    const row = Object.fromEntries(line.split(",").map((text, column) => [columns[column], text]));
+    const update = updateAt(updates, 1, Number(row.time));
+    for (const name of ["valence_confidence", "attention_confidence", "seen"])
+      assert.equal(Number(row[name]), Number(update[name]), name);
+    for (const name of ["valence", "attention"])
+      assert.equal(row[name], Number(update[`${name}_confidence`]) > 0 ? String(Number(update[name])) : "", name);
+    for (const name of ["zone", "pleasure"]) assert.equal(row[name], update[name]);
+  }
+  for (const figure of figures) {
+    const [header, ...rows] = (await saved(page, figure, "CSV")).bytes.toString().trim().split("\n").slice(2);
+    assert.ok(rows.length > 10, figure);
+    for (const row of rows) assert.equal(row.split(",").length, header.split(",").length, figure);
+  }
   await page.close();
 });
 

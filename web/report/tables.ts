@@ -1,0 +1,131 @@
+// What a card shows, as a table of comma-separated values.
+
+import { binned } from "./changes";
+import { valueAt } from "./coders";
+import { Change, Person, personName, Recording } from "./data";
+
+export type FigureName = "estimates" | "comparison" | "inputs" | "valence-pulls" | "attention-pulls" | "room";
+
+type Cell = string | number | null;
+
+interface Table {
+  header: string[];
+  rows: Cell[][];
+}
+
+/** The span of time that is shown [s]. */
+export interface Span {
+  from: number;
+  to: number;
+}
+
+/** Returns the number with as few digits as single precision needs. */
+function shortest(value: number): string {
+  for (let digits = 6; digits < 9; ++digits) {
+    const text = String(Number(value.toPrecision(digits)));
+    if (Math.fround(Number(text)) === value) return text;
+  }
+  return String(value);
+}
+
+function cell(value: Cell): string {
+  if (value === null || (typeof value === "number" && Number.isNaN(value))) return "";
+  const text = typeof value === "number" && Math.fround(value) === value ? shortest(value) : String(value);
+  return /[",\n\r]/.test(text) ? `"${text.replace(/"/g, '""')}"` : text;
+}
+
+const momentsIn = ({ time }: Person, { from, to }: Span) =>
+  Array.from(time.keys()).filter((moment) => time[moment] >= from && time[moment] <= to);
+
+/** Where nothing is known there is no value. */
+const known = (values: Float32Array, confidences: Float32Array, i: number) => (confidences[i] > 0 ? values[i] : null);
+
+function estimates(recording: Recording, person: Person, span: Span): Table {
+  const lines = person.labels.lines;
+  return {
+    header: [
+      ...["time", "seen", "valence", "valence_confidence", "attention", "attention_confidence", "zone", "pleasure"],
+      ...person.labels.ribbons.map(({ coder, quantity, tier }) => `${coder}: ${quantity || tier || "labels"}`),
+      ...lines.map(({ coder, quantity }) => `${coder}: ${quantity}`),
+    ],
+    rows: momentsIn(person, span).map((i) => [
+      person.time[i],
+      person.seen[i],
+      known(person.valence, person.valenceConfidence, i),
+      person.valenceConfidence[i],
+      known(person.attention, person.attentionConfidence, i),
+      person.attentionConfidence[i],
+      recording.zoneNames[person.zone[i]],
+      recording.pleasureNames[person.pleasure[i]],
+      ...person.labels.ribbons.map(({ from, to, texts }) =>
+        texts.filter((_, label) => from[label] <= person.time[i] && person.time[i] < to[label]).join("; "),
+      ),
+      ...lines.map((line) => valueAt(line, person.time[i])),
+    ]),
+  };
+}
+
+function comparison({ persons }: Recording, span: Span): Table {
+  const rows = persons.flatMap((person) =>
+    momentsIn(person, span).map((i): Cell[] => [
+      person.time[i],
+      personName(person),
+      known(person.valence, person.valenceConfidence, i),
+      known(person.attention, person.attentionConfidence, i),
+    ]),
+  );
+  return { header: ["time", "person", "valence", "attention"], rows };
+}
+
+function inputs(person: Person, span: Span): Table {
+  const all = [...person.inputs];
+  return {
+    header: ["time", ...all.map(([name]) => name)],
+    rows: momentsIn(person, span).map((i) => [person.time[i], ...all.map(([, values]) => values[i])]),
+  };
+}
+
+function pulls(person: Person, changes: Change[], { from, to }: Span, bars: number): Table {
+  const { times, distances } = binned(person, changes, from, to, bars);
+  return {
+    header: ["time", ...changes.map(({ source }) => source)],
+    rows: times.map((time, bar) => [time, ...distances.map((values) => values[bar])]),
+  };
+}
+
+function room({ ambiance }: Recording, { from, to }: Span): Table {
+  const rows: Cell[][] = [];
+  ambiance.time.forEach((time, i) => time >= from && time <= to && rows.push([time, ambiance.agitation[i]]));
+  return { header: ["time", "agitation"], rows };
+}
+
+function tableOf(name: FigureName, recording: Recording, person: Person, span: Span, bars: number): Table {
+  switch (name) {
+    case "estimates":
+      return estimates(recording, person, span);
+    case "comparison":
+      return comparison(recording, span);
+    case "inputs":
+      return inputs(person, span);
+    case "valence-pulls":
+      return pulls(person, person.valenceChanges, span, bars);
+    case "attention-pulls":
+      return pulls(person, person.attentionChanges, span, bars);
+    case "room":
+      return room(recording, span);
+  }
+}
+
+/** Returns the caption as comments, then the numbers that the figure shows. */
+export function csvOf(
+  name: FigureName,
+  recording: Recording,
+  person: Person,
+  span: Span,
+  bars: number,
+  caption: string[],
+): string {
+  const { header, rows } = tableOf(name, recording, person, span, bars);
+  const lines = [header, ...rows].map((row) => row.map(cell).join(","));
+  return [...caption.map((line) => `# ${line.replace(/[\r\n]+/g, " ")}`), ...lines].join("\n") + "\n";
+}
