@@ -9,7 +9,7 @@ import assert from "node:assert/strict";
 import { execFileSync } from "node:child_process";
 import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { basename, join, resolve } from "node:path";
-import { pathToFileURL } from "node:url";
+import { fileURLToPath, pathToFileURL } from "node:url";
 
 const [browserPath, command, workPath, ...recordings] = process.argv.slice(2);
 assert.ok(recordings.length > 0, "usage: node report.test.mjs CHROMIUM SKEIGIOT WORK RECORDING...");
@@ -43,14 +43,15 @@ function exported(recording) {
 }
 
 /** Opens the page; whatever it complains of is an error, and so is every request but the one for itself. */
-async function open(url, { width = 1280, colorScheme = "light" } = {}) {
+async function open(url, { width = 1280, colorScheme = "light", video = "" } = {}) {
   const page = await browser.newPage({ viewport: { width, height: 900 }, colorScheme });
   const complaints = [];
   page.on("console", (message) => ["error", "warning"].includes(message.type()) && complaints.push(message.text()));
   page.on("pageerror", (error) => complaints.push(error.message));
   page.on("request", (request) => {
     const isItself = request.url() === url || /^(blob|data):/.test(request.url());
-    if (!isItself) complaints.push(`asked for ${request.url()}`);
+    const isVideo = request.url().startsWith("file:") && fileURLToPath(request.url()) === video;
+    if (!isItself && !isVideo) complaints.push(`asked for ${request.url()}`);
   });
   await page.goto(url);
   await page.locator("#readout [data-moment]").waitFor();
@@ -589,6 +590,103 @@ await test("what is shown is saved as CSV, with the numbers of the export", asyn
     assert.ok(rows.length > 10, figure);
     for (const row of rows) assert.equal(row.split(",").length, header.split(",").length, figure);
   }
+  await page.close();
+});
+
+/** Has the browser record a video of some seconds; returns its bytes. */
+async function videoOf(seconds) {
+  const page = await browser.newPage();
+  const text = await page.evaluate(async (seconds) => {
+    const canvas = Object.assign(document.createElement("canvas"), { width: 64, height: 48 });
+    const context = canvas.getContext("2d");
+    document.body.append(canvas);
+    const recorder = new MediaRecorder(canvas.captureStream(10), { mimeType: "video/webm;codecs=vp8" });
+    const chunks = [];
+    recorder.ondataavailable = ({ data }) => chunks.push(data);
+    const isStopped = new Promise((resolve) => (recorder.onstop = resolve));
+    recorder.start();
+    const begin = performance.now();
+    await new Promise((resolve) => {
+      const draw = () => {
+        const time = (performance.now() - begin) / 1000;
+        context.fillStyle = `rgb(${Math.round(60 * time)}, 0, 0)`;
+        context.fillRect(0, 0, 64, 48);
+        if (time < seconds) requestAnimationFrame(draw);
+        else resolve();
+      };
+      draw();
+    });
+    recorder.stop();
+    await isStopped;
+    return btoa(String.fromCharCode(...new Uint8Array(await new Blob(chunks).arrayBuffer())));
+  }, seconds);
+  await page.close();
+  return Buffer.from(text, "base64");
+}
+
+/** Waits until the page says so. */
+async function until(said, isTrue, what) {
+  for (let tries = 0; tries < 100; ++tries) {
+    if (isTrue(await said())) return;
+    await new Promise((resolve) => setTimeout(resolve, 100));
+  }
+  assert.fail(`${what}: ${JSON.stringify(await said())}`);
+}
+
+await test("a video plays in step with the cursor", async () => {
+  const folder = join(work, 'clips & "films" #1 100% é');
+  mkdirSync(folder, { recursive: true });
+  const film = join(folder, "a b?.webm");
+  writeFileSync(film, await videoOf(6));
+  const begins = 30;
+  const url = makeReport(recordings[0], "--video", film, "--video-offset", String(begins));
+  const { page, complaints } = await open(url, { video: film });
+  const video = page.locator("#film video");
+  const shown = () => video.evaluate(({ currentTime, seeking }) => (seeking ? -1 : currentTime));
+  const near = (time) => (found) => Math.abs(found - time) < 0.06;
+  await until(() => video.evaluate(({ readyState }) => readyState), (state) => state >= 2, "the video is loaded");
+  assert.equal(await video.evaluate(({ videoWidth }) => videoWidth), 64);
+
+  await hover(page, 33 / 60);
+  await until(shown, near((await exact(page, "time")) - begins), "the video follows the cursor");
+  await hover(page, 31.5 / 60);
+  await until(shown, near((await exact(page, "time")) - begins), "backwards as well");
+  await hover(page, 10 / 60);
+  await until(() => page.locator("#film .note").innerText(), (note) => note === "The video begins at 0:30.0.", "a note");
+  await hover(page, 55 / 60);
+  await until(() => page.locator("#film .note").innerText(), (note) => /^The video ends at 0:3\d/.test(note), "a note");
+
+  await hover(page, 31 / 60);
+  await until(shown, near((await exact(page, "time")) - begins), "the video is back");
+  await page.mouse.move(0, 0);
+  const before = await exact(page, "time");
+  await page.keyboard.press("Space");
+  await until(() => exact(page, "time"), (time) => time > before + 0.5, "the cursor follows the video that plays");
+  await hover(page, 0.1);
+  assert.ok((await exact(page, "time")) > before, "and not the mouse");
+  await page.keyboard.press("Space");
+  assert.ok(await video.evaluate(({ paused }) => paused));
+  await until(() => exact(page, "time"), near((await shown()) + begins), "both stop together");
+
+  await video.evaluate((element) => (element.currentTime = 4));
+  await until(() => exact(page, "time"), near(begins + 4), "the cursor follows the video's own slider");
+  await page.screenshot({ path: join(work, "film.png") });
+  assert.deepEqual(complaints, []);
+  await page.close();
+});
+
+await test("a video that is gone is named", async () => {
+  const film = join(work, "gone.webm");
+  writeFileSync(film, "no video");
+  const { page } = await open(makeReport(recordings[0], "--video", film), { video: film });
+  await until(() => page.locator("#film .note").innerText(), (note) => /cannot play gone\.webm/.test(note), "a note");
+  assert.equal(await page.locator("#readout [data-moment]").count(), 1);
+  await page.close();
+});
+
+await test("a page without a video asks for none", async () => {
+  const { page } = await open(makeReport(recordings[0]));
+  assert.equal(await page.locator("video").count(), 0);
   await page.close();
 });
 
