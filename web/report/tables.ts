@@ -21,7 +21,7 @@ export interface Span {
 
 /** Returns the number with as few digits as single precision needs. */
 function shortest(value: number): string {
-  for (let digits = 6; digits < 9; ++digits) {
+  for (let digits = 6; digits <= 9; ++digits) {
     const text = String(Number(value.toPrecision(digits)));
     if (Math.fround(Number(text)) === value) return text;
   }
