@@ -34,6 +34,13 @@ class Sources(unittest.TestCase):
     def test_in_another_order_would_be_found(self):
         self.assertFalse(is_in_order(["b", "a"], ["a", "b"]))
 
+    def test_have_a_colour_each_on_the_page_of_the_report(self):
+        code = (ROOT / "web" / "report" / "sources.ts").read_text()
+        listed = re.findall(r'^  "([^"]+)",$', code.split("const known = [")[1].split("];")[0], re.MULTILINE)
+        self.assertEqual(len(listed), len(set(listed)))
+        # Not being visible acts instead of an update.
+        self.assertEqual(set(told_in_page()) | {"Not visible"}, set(listed))
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -8,6 +8,7 @@
 
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -33,6 +34,31 @@ TEST(Report, IsAPageOfTheSessionThatItWatched)
   EXPECT_THAT(page.str(), HasSubstr("\"name\":\"greeting\""));
   EXPECT_THAT(page.str(), HasSubstr("\"id\":7"));
   EXPECT_THAT(page.str(), HasSubstr("\"sources\":[\"")) << "it watches the forces";
+}
+
+TEST(Report, ShowsWhatIsAddedToTheSession)
+{
+  if (!KV::session::Report::isAvailable())
+    GTEST_SKIP() << "built without the page of the report";
+  KV::session::Report report;
+  {
+    KV::session::Session session({}, {&report});
+    session.play(seenAt(0., 7));
+    session.finish();
+  }
+  KV::session::ReportAdditions additions;
+  additions.learned = {"rest of person 7: AU12"};
+  additions.labels.emplace_back();
+  additions.labels.back().spans = {{0., 1., "positive", "7", "anna", ""}, {0., 1., "positive", "8", "anna", ""}};
+  additions.video = "face.webm";
+  additions.videoOffset = 0.5;
+  const std::vector<std::string> warnings = report.add(additions);
+  EXPECT_THAT(warnings, ::testing::ElementsAre("labels left out of persons that are not in the recording: '8' (1)"));
+  std::ostringstream page;
+  report.write(page, {"face.csv"}, {});
+  EXPECT_THAT(page.str(), HasSubstr(R"("learned":["rest of person 7: AU12"])"));
+  EXPECT_THAT(page.str(), HasSubstr(R"("coder":"anna","quantity":"pleasure")"));
+  EXPECT_THAT(page.str(), HasSubstr(R"("video":{"address":"face.webm","offset":0.5})"));
 }
 
 }  // namespace

@@ -684,6 +684,16 @@ await test("a video that is gone is named", async () => {
   await page.close();
 });
 
+await test("what was learned of faces at rest is said", async () => {
+  const openFace = recordings.find((recording) => recording.includes("openface"));
+  if (!openFace) return console.log("left out: no recording of OpenFace was given");
+  const { page } = await open(makeReport(openFace));
+  const said = execFileSync(command, ["inspect", openFace]).toString();
+  const learned = /rest of person \d+, in parts of the full scale: \S+ \S+/.exec(said)[0];
+  assert.ok((await page.locator("#header").innerText()).includes(`Learned: ${learned}`));
+  await page.close();
+});
+
 await test("a page without a video asks for none", async () => {
   const { page } = await open(makeReport(recordings[0]));
   assert.equal(await page.locator("video").count(), 0);
