@@ -20,7 +20,7 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 /// Spans of time with the text of each, as the page draws them in a lane.
 class Ribbon
@@ -48,7 +48,8 @@ Json stateRibbon(const Course& course, const LabelQuantity& quantity, const std:
 {
   Ribbon ribbon;
   for (const CoursePiece& piece : course)
-    ribbon.add(piece.from, piece.to, piece.what >= 0 ? quantity.classes.at(piece.what) : "contradiction");
+    ribbon.add(piece.from, piece.to,
+               piece.what >= 0 ? quantity.classes.at(static_cast<std::size_t>(piece.what)) : "contradiction");
   return ribbon.json(coder, quantity.name);
 }
 
