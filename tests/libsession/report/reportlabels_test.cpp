@@ -26,7 +26,8 @@ protected:
   /// Returns what is drawn for person 3.
   Json ofThree() const
   {
-    for (const Json& one : json()["persons"])
+    const Json all = json();
+    for (const Json& one : all["persons"])
       if (one["person"] == 3)
         return one;
     return {};
@@ -57,7 +58,9 @@ TEST_F(LabelsOnAReport, AreMovedByTheirOffset)
 {
   labels.spans = {{1., 2., "positive", "3", "anna", ""}, {1., 2., "waving", "3", "anna", "hands"}};
   options.offset = 0.5;
-  for (const Json& ribbon : ofThree()["ribbons"])
+  const Json three = ofThree();
+  ASSERT_EQ(2U, three["ribbons"].size());
+  for (const Json& ribbon : three["ribbons"])
   {
     EXPECT_EQ(base64(std::vector<double>{1.5}), ribbon["from"]);
     EXPECT_EQ(base64(std::vector<double>{2.5}), ribbon["to"]);
