@@ -32,7 +32,7 @@ export function saveText(text: string, type: string, name: string): void {
 
 /** Saves the SVG as pixels. */
 export function savePng(svg: string, name: string): void {
-  const image = new Image();
+  const image = element("img", { src: `data:image/svg+xml;charset=utf-8,${encodeURIComponent(svg)}` });
   image.addEventListener("load", () => {
     const canvas = document.createElement("canvas");
     canvas.width = image.width * pngScale;
@@ -40,7 +40,6 @@ export function savePng(svg: string, name: string): void {
     canvas.getContext("2d")?.drawImage(image, 0, 0, canvas.width, canvas.height);
     canvas.toBlob((blob) => blob && download(blob, name), "image/png");
   });
-  image.src = `data:image/svg+xml;charset=utf-8,${encodeURIComponent(svg)}`;
 }
 
 /** Returns a name that every file system takes. */
