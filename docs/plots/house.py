@@ -93,6 +93,7 @@ HEADERS = {
     "skeigiot/session/exportfields.hpp": "session",
     "skeigiot/session/exportformat.hpp": "export",
     "skeigiot/session/orderedjobs.hpp": "session",
+    "skeigiot/session/reportadditions.hpp": "report",
     "skeigiot/session/reportorigin.hpp": "report",
     "skeigiot/session/sessionname.hpp": "session",
     "skeigiot/session/sessionobserver.hpp": "session",
