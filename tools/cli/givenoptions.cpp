@@ -11,8 +11,8 @@ namespace
 
 bool isAboutReading(const CLI::Option& option)
 {
-  constexpr std::array groups{"How the recording is read", "Boundaries"};
-  constexpr std::array names{"--offset", "--separately", "--cycle", "--scope"};
+  constexpr std::array groups{"How the recording is read", "Boundaries", "What labels mean"};
+  constexpr std::array names{"--offset", "--separately", "--cycle", "--scope", "--labels"};
   const std::string& group = option.get_group();
   const std::string name = option.get_name();
   return std::find(groups.begin(), groups.end(), group) != groups.end() ||

@@ -58,10 +58,6 @@ interface Facts {
   sources: string[];
   boundaries: { option: string; description: string; value: number }[];
   scopes: Scope[];
-  /** Of the program that made the page. */
-  version?: string;
-  /** As on the command line, those that differ from the defaults. */
-  options?: string[];
   /** What was learned of faces at rest, a line each. */
   learned: string[];
   /** Where a video is, relative to the page, and when in the recording it begins [s]. */

@@ -91,7 +91,17 @@ class Figure {
     const drawing = this.group.drawing(node);
     if (!drawing) return;
     this.parts.push(placed(margin, this.y, drawing));
+    const missing = node.querySelector(".nodata")?.textContent;
+    const middle = { x: this.width / 2, y: this.y + drawing.canvas.height / devicePixelRatio / 2 };
+    if (missing) this.addPlaced(missing, middle.x - this.widthOf(missing, 12, false) / 2, middle.y);
     this.y += drawing.canvas.height / devicePixelRatio;
+  }
+
+  private addPlaced(shown: string, x: number, y: number): void {
+    const before = this.y;
+    this.y = y - 12;
+    this.put(x, 16, (context) => this.write(context, shown, 0, 12, cssColor("muted"), false));
+    this.y = before;
   }
 
   private put(x: number, height: number, draw: (context: CanvasRenderingContext2D) => void, width = this.width): void {

@@ -3,20 +3,19 @@
 import { ChartGroup, measuringAxis, timeAxis } from "../shared/chartgroup";
 import { Person, personName, Recording, Scope } from "./data";
 import { element, table } from "../shared/dom";
-import { originCard } from "./origin";
+import { makerText, originCard } from "./origin";
 import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
 import { cssColor } from "../shared/theme";
 import { addSaveButtons, FileKind } from "./save";
 
 /** Returns what a figure is of: file, person, span, options and version. */
 export function captionOf(recording: Recording, person: Person, { from, to }: { from: number; to: number }): string[] {
-  const { inputs, length, version, options } = recording;
+  const { inputs, length, origin } = recording;
   const whole = from <= 0 && to >= length;
   return [
     `${inputs.map(baseName).join(" + ")}, ${personName(person).replace("Person", "person")}, ` +
       `${clock(from)} to ${clock(to)}${whole ? ", the whole recording" : ""}.`,
-    `Options: ${(options ?? []).length > 0 ? options?.join(" ") : "the defaults"}. ` +
-      `Made by skeigiot${version ? ` ${version}` : ""}, skeigiot report.`,
+    `Options: ${origin.options.length > 0 ? origin.options.join(" ") : "the defaults"}. Made by ${makerText(origin)}.`,
   ];
 }
 

@@ -38,7 +38,7 @@ const momentsIn = ({ time }: Person, { from, to }: Span) =>
   Array.from(time.keys()).filter((moment) => time[moment] >= from && time[moment] <= to);
 
 /** Where nothing is known there is no value. */
-const known = (values: Float32Array, confidences: Float32Array, i: number) => (confidences[i] > 0 ? values[i] : null);
+const known = (values: Float32Array, isKnown: Uint8Array, i: number) => (isKnown[i] ? values[i] : null);
 
 function estimates(recording: Recording, person: Person, span: Span): Table {
   const lines = person.labels.lines;
@@ -51,9 +51,9 @@ function estimates(recording: Recording, person: Person, span: Span): Table {
     rows: momentsIn(person, span).map((i) => [
       person.time[i],
       person.seen[i],
-      known(person.valence, person.valenceConfidence, i),
+      known(person.valence, person.valenceKnown, i),
       person.valenceConfidence[i],
-      known(person.attention, person.attentionConfidence, i),
+      known(person.attention, person.attentionKnown, i),
       person.attentionConfidence[i],
       recording.zoneNames[person.zone[i]],
       recording.pleasureNames[person.pleasure[i]],
@@ -70,8 +70,8 @@ function comparison({ persons }: Recording, span: Span): Table {
     momentsIn(person, span).map((i): Cell[] => [
       person.time[i],
       personName(person),
-      known(person.valence, person.valenceConfidence, i),
-      known(person.attention, person.attentionConfidence, i),
+      known(person.valence, person.valenceKnown, i),
+      known(person.attention, person.attentionKnown, i),
     ]),
   );
   return { header: ["time", "person", "valence", "attention"], rows };
