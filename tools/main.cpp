@@ -1,6 +1,7 @@
 #include "cli/exitstatus.hpp"
 #include "cli/interruption.hpp"
 #include "cli/sessionoptions.hpp"
+#include "cli/words.hpp"
 #include "commands/commandline.hpp"
 #include "terminal/terminalstream.hpp"
 
@@ -9,17 +10,27 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
 
 constexpr const char* outOfMemory = "skeigiot: there is not enough memory\n";
+
+KV::tools::ExitStatus refuse(const std::string& message)
+{
+  std::cerr << "skeigiot: " << message << "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'." << std::endl;
+  return KV::tools::BadInput;
+}
 
 KV::tools::ExitStatus run(int argc, char** argv)
 {
@@ -27,7 +38,9 @@ KV::tools::ExitStatus run(int argc, char** argv)
   const std::unique_ptr<CLI::App> app = KV::tools::commandLine(status);
   try
   {
-    app->parse(argc, argv);
+    std::vector<std::string> words = KV::tools::withCommand({argv + 1, argv + argc}, *app);
+    std::reverse(words.begin(), words.end());  // as CLI11 takes them
+    app->parse(std::move(words));
   }
   catch (const CLI::Success& wish)  // help or version
   {
@@ -35,10 +48,13 @@ KV::tools::ExitStatus run(int argc, char** argv)
     app->exit(wish, output);
     output.flush();
   }
+  catch (const CLI::ExtrasError&)
+  {
+    return refuse(KV::tools::describeUnexpected(*app));
+  }
   catch (const CLI::ParseError& error)
   {
-    std::cerr << "skeigiot: " << error.what() << "\nTry 'skeigiot --help' or 'skeigiot COMMAND --help'." << std::endl;
-    return KV::tools::BadInput;
+    return refuse(error.what());
   }
   catch (const KV::session::OutputRefused& refused)
   {

@@ -74,6 +74,7 @@ HEADERS = {
     "skeigiot/recordings/labeltrack.hpp": "labels",
     "skeigiot/recordings/limits.hpp": "input",
     "skeigiot/recordings/mediapipeface.hpp": "mediapipe",
+    "skeigiot/recordings/openedrecording.hpp": "recording",
     "skeigiot/recordings/pyfeatunits.hpp": "pyfeat",
     "skeigiot/recordings/reader.hpp": "recording",
     "skeigiot/recordings/readingoptions.hpp": "recording",

@@ -27,7 +27,7 @@ class Listener:
 
     def on_force(self, force: skeigiot.Force) -> None:
         if force.quantity in SHOWN:
-            self._moved[force.quantity, force.source] += abs(force.after - force.before)
+            self._moved[force.quantity, force.source_name] += abs(force.after - force.before)
 
     def on_zone_change(self, change: skeigiot.ZoneChange) -> None:
         seconds = (change.datetime - self._start).total_seconds()

@@ -114,9 +114,9 @@ class Replay:
     persons has the rows of each person, by the number of the person; names has the name of each person who has one.
 
     With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
-    update in updates), person, time, source (such as "Touch emotion"), quantity ("valence", "attention confidence",
-    ...), target, weight, before and after: after is before + weight * (target - before), held in the range of the
-    quantity. zone_changes has row, person, time, from, to, and evidence, which is what decided. Otherwise they have no
+    update in updates), person, time, source (as the library has it, such as "Asr emotion"), source_name (in plain
+    words, such as "Words"), quantity ("valence", "attention confidence", ...), target, weight, before and after: after
+    is before + weight * (target - before), held in the range of the quantity. zone_changes has row, person, time, from, to, and evidence, which is what decided. Otherwise they have no
     columns.
 
     ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was

@@ -586,6 +586,8 @@ class Force:
     before: float
     after: float
     source: str
+    @property
+    def source_name(self) -> str: ...
     time: int
     def __init__(
         self,

@@ -6,6 +6,7 @@
 #include "unlocked.hpp"
 
 #include <skeigiot/forceobserver.hpp>
+#include <skeigiot/session/forcenames.hpp>
 
 #include <string>
 
@@ -95,6 +96,9 @@ void bindForce(py::module_& module)
       .def_readwrite("before", &Force::before)
       .def_readwrite("after", &Force::after)
       .def_readwrite("source", &Force::source, "what pulled, such as \"Touch emotion\" or \"Not visible\"")
+      .def_property_readonly(
+          "source_name", [](const Force& self) { return KV::session::sourceName(self.source); },
+          "the source in plain words, such as \"Touch\" or \"Not being visible\"")
       .def_readwrite("time", &Force::time, "nanoseconds since the Unix epoch")
       .def_property_readonly(
           "datetime", [](const Force& self) { return datetimeOf(self.time); }, "the time as an aware datetime in UTC");

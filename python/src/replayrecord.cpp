@@ -12,6 +12,7 @@ void ReplayRecord::forceActed(const KV::Force& force)
   forces.beginRow();
   forces("row", _updates);
   forces("source", force.source);
+  forces("source_name", KV::session::sourceName(force.source));
   forces("quantity", KV::session::quantityName(force.quantity));
   forces("target", force.target);
   forces("weight", force.weight);

@@ -25,6 +25,7 @@ def test_every_force_of_an_update_is_shown() -> None:
 
     touches = [force for force in forces if force.source == "Touch emotion"]
     assert {force.quantity for force in touches} >= {kv.Quantity.ValenceQuantity}
+    assert {force.source_name for force in touches} == {"Touch"}, "in plain words"
     assert all(force.time == 5 for force in forces)
     assert forces[0].datetime.year == 1970
 

@@ -43,7 +43,7 @@ def test_the_listener_tells_what_moved_the_visitor():
     of_valence = lines[lines.index("what moved the valence:") + 1 : lines.index("what moved the attention:") - 1]
     distances = [float(line.split()[0]) for line in of_valence]
     assert distances == sorted(distances, reverse=True) and distances[0] > 0
-    assert any(line.endswith("Face characteristics") for line in of_valence)
+    assert any(line.endswith("Facial expressions") for line in of_valence)
 
 
 def test_the_plot_shows_every_recording_of_a_folder(tmp_path):

@@ -168,12 +168,12 @@ def test_has_the_forces_that_the_command_explains_an_update_by(greeting):
 
 def _force(forces, i):
     numbers = [bits(forces[name][i]) for name in ("target", "weight", "before", "after")]
-    return [forces["time"][i], forces["source"][i], forces["quantity"][i], *numbers]
+    return [*(forces[name][i] for name in ("time", "source", "source_name", "quantity")), *numbers]
 
 
 def _explained(force):
     numbers = [bits(force[name]) for name in ("target", "weight", "before", "after")]
-    return [force["time"], force["source"], force["quantity"], *numbers]
+    return [*(force[name] for name in ("time", "source", "sourceName", "quantity")), *numbers]
 
 
 def test_estimates_the_same_with_and_without_forces(greeting):

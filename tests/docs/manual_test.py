@@ -104,6 +104,7 @@ class BashCompletion(unittest.TestCase):
 
     def test_completes_what_was_begun(self):
         self.assertEqual(["replay", "report"], completed("skeigiot", "re"))
+        self.assertEqual(["replay", "report"], completed("skeigiot", "help", "re"))
         self.assertEqual(["--to-jsonl"], completed("skeigiot", "replay", "face.csv", "--to"))
 
     def test_offers_the_words_that_an_option_takes(self):
@@ -119,6 +120,7 @@ class BashCompletion(unittest.TestCase):
             (Path(folder) / "face.csv").touch()
             (Path(folder) / "fast.csv").touch()
             begun = f"{folder}/fac"
+            self.assertEqual([f"{folder}/face.csv"], completed("skeigiot", begun))
             self.assertEqual([f"{folder}/face.csv"], completed("skeigiot", "replay", begun))
             self.assertEqual([f"{folder}/face.csv"], completed("skeigiot", "why", "--mapping", begun))
             self.assertEqual([], completed("skeigiot", "replay", "--step", ""))
@@ -135,6 +137,7 @@ class FishCompletion(unittest.TestCase):
 
     def test_offers_the_words_that_an_option_takes(self):
         self.assertEqual(["always", "auto", "never"], completed_by_fish("skeigiot replay --color "))
+        self.assertEqual(["replay", "report"], completed_by_fish("skeigiot help re"))
 
     def test_offers_files_where_files_are_taken_and_nothing_for_numbers(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -13,6 +13,20 @@ def told_in_page():
     return re.findall(r"^\|[^|]*\|[^|]*\| `([^`]+)`", table, re.MULTILINE)
 
 
+def shown_in_page():
+    """The column "shown as" for each name in the column "name"."""
+    page = (ROOT / "docs" / "how-it-works.md").read_text()
+    table = page.split("| # | source | name |")[1].split("\n\n")[0]
+    return dict(re.findall(r"^\|[^|]*\|[^|]*\| `([^`]+)` \| ([^|]+) \|", table, re.MULTILINE))
+
+
+def shown_by_the_command():
+    """The plain words for each name, with a capital letter."""
+    code = (ROOT / "libsession" / "src" / "analysis" / "forcenames.cpp").read_text()
+    words = dict(re.findall(r'\{"([^"]+)",\s*"([^"]+)", (?:true|false)\}', code))
+    return {name: text[0].upper() + text[1:] for name, text in words.items()}
+
+
 def is_in_order(names, order):
     """Tells whether the names stand in the order, which may have others between them."""
     rest = iter(order)
@@ -30,6 +44,12 @@ class Sources(unittest.TestCase):
 
     def test_are_all_there_and_no_others(self):
         self.assertEqual({name for update in self.updates for name in update}, set(told_in_page()))
+
+    def test_are_shown_in_the_words_of_the_command(self):
+        shown = shown_in_page()
+        self.assertEqual(set(told_in_page()), set(shown))
+        words = shown_by_the_command()
+        self.assertEqual({name: words[name] for name in shown}, shown)
 
     def test_in_another_order_would_be_found(self):
         self.assertFalse(is_in_order(["b", "a"], ["a", "b"]))

@@ -1,6 +1,7 @@
 #include "cli/readingarguments.hpp"
 
 #include "cli/argumentparsing.hpp"
+#include "cli/standardinput.hpp"
 
 #include <stdexcept>
 #include <string>
@@ -34,6 +35,8 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::st
 std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments)
 {
   return [&arguments](const std::string& path) {
+    if (isStandardInput(path))
+      return recordings::openRecording(standardInput(), nameOf(path), arguments.format, arguments.options);
     return recordings::openRecording(path, arguments.format, arguments.options);
   };
 }

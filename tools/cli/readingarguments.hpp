@@ -19,7 +19,7 @@ struct ReadingArguments
   bool skipBad = false;  ///< go on behind lines that cannot be used
 };
 
-/// Returns what opens a recording as the arguments say; they must outlive it.
+/// Returns what opens a recording as the arguments say, "-" being standard input; they must outlive it.
 std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments);
 
 /// Adds the options that fill in the arguments, which must outlive the command.

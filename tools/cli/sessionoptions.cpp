@@ -1,9 +1,11 @@
 #include "cli/sessionoptions.hpp"
 
 #include "cli/argumentparsing.hpp"
+#include "cli/standardinput.hpp"
 
 #include <skeigiot/session/boundary.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <stdexcept>
@@ -105,6 +107,8 @@ void checkStandardOutput(const session::SessionInputs& inputs)
 
 session::SessionPlan planNamedSessions(const session::SessionArguments& arguments)
 {
+  if (std::count_if(arguments.paths.begin(), arguments.paths.end(), isStandardInput) > 1)
+    throw CLI::ValidationError("'-' is named twice, but standard input can be read only once");
   try
   {
     return session::planSessions(arguments);

@@ -6,6 +6,7 @@
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
+#include "cli/standardinput.hpp"
 #include "terminal/agreementtext.hpp"
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
@@ -82,7 +83,9 @@ void addDelayOption(CLI::App& command, session::AgreementOptions& agreement)
 
 void addOptions(CLI::App& command, Arguments& arguments)
 {
-  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session")->required()->type_name("");
+  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session; \"-\" is standard input")
+      ->required()
+      ->type_name("");
   addTexts(command, "--labels", "File of labels. May be given several times, for several coders", "FILE",
            [&arguments](const std::string& text) { arguments.labels.push_back(text); })
       ->required();
@@ -127,7 +130,7 @@ void play(const Arguments& arguments, const session::SessionInputs& inputs, sess
   for (const std::string& text : outcome.warningLines())
     messages.note("warning: " + text);
   if (outcome.badLines > 0)
-    messages.note(inputs.name() + ": " + outcome.skippedText());
+    messages.note(nameOf(inputs) + ": " + outcome.skippedText());
   if (outcome.error)
     throw recordings::Error(*outcome.error);
 }

@@ -1,6 +1,7 @@
 #include "commands/commandline.hpp"
 
 #include "commands/agree.hpp"
+#include "commands/help.hpp"
 #include "commands/inspect.hpp"
 #include "commands/mapping.hpp"
 #include "commands/replay.hpp"
@@ -30,6 +31,8 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   addTypesCommand(*app, status);
   addWatchCommand(*app, status);
   addWhyCommand(*app, status);
+  addHelpCommand(*app, status);
+  app->footer("A recording without a command is replayed: \"skeigiot face.csv\" is \"skeigiot replay face.csv\".");
   return app;
 }
 

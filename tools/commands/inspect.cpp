@@ -4,6 +4,7 @@
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
+#include "cli/standardinput.hpp"
 #include "commands/inspectfolder.hpp"
 #include "terminal/inspectiontext.hpp"
 #include "terminal/terminal.hpp"
@@ -37,6 +38,7 @@ struct Arguments
   std::string path;
   ReadingArguments reading;
   bool json = false;
+  bool columns = false;
 };
 
 /// Tells whether it is a folder of recordings, and no bag.
@@ -57,6 +59,18 @@ ExitStatus runOfFolder(const Arguments& arguments)
   return inspectFolder(plan.sessions, arguments.reading, arguments.json, output, messages);
 }
 
+session::InspectionReport inspected(const Arguments& arguments)
+{
+  const auto goOn = [](const session::Progress&) {
+    Interruption::check();
+    return true;
+  };
+  const std::string& format = arguments.reading.format;
+  if (isStandardInput(arguments.path))
+    return session::inspect(standardInput(), nameOf(arguments.path), format, arguments.reading.options, goOn);
+  return session::inspect(arguments.path, format, arguments.reading.options, goOn);
+}
+
 ExitStatus run(const Arguments& arguments)
 {
   checkStandardOutput({{{arguments.path, {}}}});
@@ -64,16 +78,13 @@ ExitStatus run(const Arguments& arguments)
   {
     if (isFolder(arguments.path))
       return runOfFolder(arguments);
-    const session::InspectionReport report = session::inspect(arguments.path, arguments.reading.format,
-                                                              arguments.reading.options, [](const session::Progress&) {
-                                                                Interruption::check();
-                                                                return true;
-                                                              });
+    const session::InspectionReport report = inspected(arguments);
     StandardOutput output;
     if (arguments.json)
       session::writeAsJson(output, report);
     else
-      writeAsText(output, report, std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable));
+      writeAsText(output, report, std::clamp(terminalWidth(STDOUT_FILENO, widestTable), narrowestTable, widestTable),
+                  arguments.columns ? ShownColumns::All : ShownColumns::Families);
     output.flush();
     return report.badLines == 0 && report.error.empty() ? Success : BadInput;
   }
@@ -90,10 +101,14 @@ void addInspectCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("inspect", "Tells what is in a recording, and how it is read");
-  command.add_option("RECORDING", arguments->path, "File to look into, or a folder of them, which becomes a table")
+  command
+      .add_option("RECORDING", arguments->path,
+                  "File to look into, \"-\" for standard input; or a folder of them, which\nbecomes a table")
       ->required()
       ->type_name("");
   command.add_flag("--json", arguments->json, "As JSON");
+  command.add_flag("--columns", arguments->columns,
+                   "Name every column; without it, columns that differ in a number are\none");
   addReadingOptions(command, arguments->reading);
   command.footer(footer);
   command.callback([arguments, &status] { status = run(*arguments); });

@@ -5,6 +5,7 @@
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
+#include "cli/standardinput.hpp"
 #include "commands/replayrun.hpp"
 #include "terminal/terminalstream.hpp"
 
@@ -43,10 +44,12 @@ recording in it, each in a session of its own, with persons and scopes of its ow
 A person is updated 10 times a second, however often they are observed: the estimate is made for that rate. --cycle
 sets another rate; with --cycle recorded, each step of the recording updates.
 
-The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) with its confidence (0 to 1),
-the mean attention (0 to 1), and what held in most updates of the row: the zone that the person looks at, left and
-right being the person's own, and the state of pleasure. The ease is what the body language said last. With --explain,
-the sources that moved valence and attention most in each row follow below it, each with the sum of its steps.
+It begins with the result. The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) and
+the mean attention (0 to 1), each with its confidence (0 to 1), and what held in most updates of the row: where the
+person looked, left and right being the person's own, and the state of pleasure. The body language says what it saw of
+the head: up and left count as uneasy, down and right as at ease. An estimate without any evidence is unknown. Rows
+that look the same are one line. With --explain, the sources that moved valence and attention most in each row follow
+below it, each with the sum of its steps.
 
 The verdict on a scope weighs each update by its confidence: "unknown" if that is too low on average, else "positive",
 "neutral" or "negative".
@@ -77,7 +80,8 @@ Exit status: 0 if all went well, 2 if a recording or the command line cannot be 
 is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
 
 Examples:
-  skeigiot replay face.csv
+  skeigiot face.csv
+  ssh robot cat face.csv | skeigiot replay -
   skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
   skeigiot replay face.csv voice.csv touch.csv --offset voice.csv=0.25
   skeigiot replay recordings/ --csv states.csv --summary summary.csv
@@ -97,7 +101,8 @@ struct Arguments
 void addSessionOptions(CLI::App& command, Arguments& arguments)
 {
   const std::string group = "Sessions";
-  command.add_option("RECORDING", arguments.sessions.paths, "Files to replay, or folders of them")
+  command
+      .add_option("RECORDING", arguments.sessions.paths, "Files to replay, or folders of them; \"-\" is standard input")
       ->required()
       ->type_name("");
   addOffsetOption(command, arguments.sessions.offsets)->group(group);
@@ -164,14 +169,15 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
   addForceOption(command, arguments.replay.force)->group(group);
 }
 
-/// Tells whether none of them has to be waited for, such as a pipe: a thread that waits cannot be interrupted.
+/// Tells whether none of them has to be waited for, such as a pipe or standard input: a thread that waits cannot be
+/// interrupted.
 bool areFiles(const std::vector<std::string>& paths)
 {
   return std::none_of(paths.begin(), paths.end(), [](const std::string& path) {
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
-    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
-           !std::filesystem::is_directory(status);
+    return isStandardInput(path) || (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+                                     !std::filesystem::is_directory(status));
   });
 }
 

@@ -157,7 +157,9 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
   CLI::App& command = *app.add_subcommand("report", description);
-  command.add_option("RECORDING", arguments->sessions.paths, "Files of one session, or a folder of recordings")
+  command
+      .add_option("RECORDING", arguments->sessions.paths,
+                  "Files of one session, or a folder of recordings; \"-\" is standard input")
       ->required()
       ->type_name("");
   command

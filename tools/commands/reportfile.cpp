@@ -1,6 +1,7 @@
 #include "commands/reportfile.hpp"
 
 #include "cli/messages.hpp"
+#include "cli/standardinput.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
 
@@ -85,7 +86,7 @@ void ReportFile::commit(const session::SessionInputs& session, const std::vector
 {
   session::ReportOrigin origin;
   for (const session::SessionInputs::Input& input : session.inputs)
-    origin.files.push_back({input.path, sizeOf(input.path), formatOf(input.path, format)});
+    origin.files.push_back({nameOf(input.path), sizeOf(input.path), formatOf(input.path, format)});
   origin.options = givenOptions;
   origin.notes = linesOf(messages);
   origin.version = SKEIGIOT_VERSION;

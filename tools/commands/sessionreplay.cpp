@@ -1,7 +1,9 @@
 #include "commands/sessionreplay.hpp"
 
 #include "cli/sessionoptions.hpp"
+#include "cli/standardinput.hpp"
 #include "terminal/personheading.hpp"
+#include "terminal/resulttext.hpp"
 #include "terminal/shown.hpp"
 #include "terminal/summarytext.hpp"
 #include "terminal/text.hpp"
@@ -22,22 +24,7 @@ namespace KV::tools
 namespace
 {
 
-/// Shows how a recording is read, as soon as that is known.
-class DescriptionShown : public session::SessionObserver
-{
-public:
-  DescriptionShown(Display& display, int width) : _display(display), _width(static_cast<std::size_t>(width)) {}
-
-  void recordingDescribed(const std::vector<std::string>& description) override
-  {
-    for (const std::string& line : description)
-      _display.show(wrapped(line, _width, 2) + "\n");
-  }
-
-private:
-  Display& _display;
-  std::size_t _width;
-};
+const char* const wholeRecording = "whole recording";
 
 /// Notes what is in a recording.
 class ContentsNoted : public session::SessionObserver
@@ -56,17 +43,16 @@ class SessionReplay
 public:
   SessionReplay(const session::SessionInputs& inputs, const ReplayOptions& options,
                 const ReplaySurroundings& surroundings, const SessionOutlets& outlets)
-    : _inputs(inputs), _name(inputs.name()), _options(options), _surroundings(surroundings), _outlets(outlets)
+    : _inputs(inputs), _name(nameOf(inputs)), _options(options), _surroundings(surroundings), _outlets(outlets)
   {}
 
   SessionOutcome run()
   {
     _show(_surroundings.style.bold(shown(_name)) + "\n");
-    DescriptionShown description(_outlets.display, _surroundings.outputWidth);
     session::Timeline timeline(_options.step, _options.explain);
     session::Summary summary;
     std::vector<session::SessionObserver*> observers = _outlets.observers;
-    observers.insert(observers.end(), {&description, &timeline, &summary});
+    observers.insert(observers.end(), {&timeline, &summary});
     ContentsNoted noted;
     if (_outlets.display.shows())
       observers.push_back(&noted);
@@ -92,7 +78,7 @@ private:
     session::PlayerOptions options;
     options.skipBad = _options.skipBad;
     options.cycle = _options.cycle;
-    options.scopes.push_back({"whole recording", session::Duration(0), boost::none});
+    options.scopes.push_back({wholeRecording, session::Duration(0), boost::none});
     options.scopes.insert(options.scopes.end(), _options.scopes.begin(), _options.scopes.end());
     return session::Player(options, [this](const session::Progress& progress) {
       _outlets.checkInterruption();
@@ -106,13 +92,14 @@ private:
                     const session::Timeline& timeline, session::Summary& summary)
   {
     summary.finish();
+    _showResult(outcome, summary);
     for (const std::string& text : outcome.warningLines())
     {
       _show(_surroundings.style.yellow("warning: " + shown(text)) + "\n");
       _said.push_back("warning: " + text);
     }
     _showPersons(timeline, summary);
-    _showTrust(contents, outcome.learned);
+    _showTrust(contents);
     if (!outcome.leftOut.empty())
       _say("warning: " + _name + ": " + outcome.leftOut);
     for (const std::string& line : outcome.libraryWarnings)
@@ -154,24 +141,24 @@ private:
     return overview;
   }
 
-  void _showTrust(const session::Inspection& contents, const std::vector<std::string>& learned)
+  void _showResult(const session::Outcome& outcome, const session::Summary& summary)
+  {
+    const auto width = static_cast<std::size_t>(_surroundings.outputWidth);
+    _show(wrapped(resultText(summary, wholeRecording), width, 0) + "\n");
+    _show(_surroundings.style.dim(shown(readingText(outcome.description))) + "\n");
+  }
+
+  void _showTrust(const session::Inspection& contents)
   {
     if (contents.persons().empty())
       return;
-    const auto show = [this](const std::string& text) {
-      _show("  " + wrapped(text, static_cast<std::size_t>(_surroundings.outputWidth) - 2, 2) + "\n");
-    };
-    _show("\n" + _surroundings.style.bold("Trust") + "\n");
-    show(session::trustIn(contents));
-    for (const std::string& line : learned)
-      show(line);
+    const auto width = static_cast<std::size_t>(_surroundings.outputWidth);
+    _show("\n" + _surroundings.style.bold("Trust") + "\n  " + wrapped(session::trustIn(contents), width - 2, 2) + "\n");
   }
 
   void _showPersons(const session::Timeline& timeline, const session::Summary& summary)
   {
     const Style& style = _surroundings.style;
-    if (summary.persons().empty())
-      _show("\nNobody was seen in this recording.\n");
     for (const auto& [person, rows] : timeline.rows())
       _show("\n" + style.bold(personHeading(person, summary.persons().at(person).name())) + "\n" +
             timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +

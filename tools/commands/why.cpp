@@ -5,6 +5,7 @@
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
+#include "cli/standardinput.hpp"
 #include "terminal/explanationtext.hpp"
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
@@ -36,8 +37,8 @@ const char* const description = "Tells why the library thought so of a person";
 const char* const footer =
     R"(Every change of an estimate is a force: a source pulls a quantity some share of the way, its weight, to a target.
 
-With --at, the forces of one update are shown in the order in which they acted: of the last update of the person at
-that time or before it. Forces of one source that follow each other, as those of all touches that are remembered, are
+Without a time, the forces of the update that changed valence or attention most are shown, in the order in which they
+acted. With --at, of the last update of the person at that time or before it. Forces of one source that follow each other, as those of all touches that are remembered, are
 one row with their number; what did the same to the unsmoothed valence has no row: --all shows every force. A zone has
 a row when it changes, with what decided on it.
 
@@ -50,6 +51,7 @@ Exit status: 0 if there is an answer, 2 if the recording or the command line can
 person or time.
 
 Examples:
+  skeigiot why face.csv
   skeigiot why face.csv --person 1 --at 12.5
   skeigiot why face.csv touch.csv --person 1 --from 10 --to 20 --json)";
 
@@ -62,7 +64,7 @@ struct Arguments
   session::SessionArguments session;
   ReadingArguments reading;
   session::Cycle cycle;
-  std::int32_t person = 0;
+  boost::optional<std::int32_t> person;
   boost::optional<session::Duration> at;
   boost::optional<session::Duration> from;
   boost::optional<session::Duration> to;
@@ -83,20 +85,21 @@ void addTime(CLI::App& command, const std::string& name, const std::string& help
       });
 }
 
-void addPerson(CLI::App& command, std::int32_t& target)
+void addPerson(CLI::App& command, boost::optional<std::int32_t>& target)
 {
   addNumber(
-      command, "--person", "Whom to ask about", "ID", "a whole number",
+      command, "--person", "Whom to ask about (the only person)", "ID", "a whole number",
       [](double number) {
         return number == std::floor(number) && std::abs(number) <= static_cast<double>(greatestPerson);
       },
-      [&target](double number) { target = static_cast<std::int32_t>(number); })
-      ->required();
+      [&target](double number) { target = static_cast<std::int32_t>(number); });
 }
 
 void addOptions(CLI::App& command, Arguments& arguments)
 {
-  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session")->required()->type_name("");
+  command.add_option("RECORDING", arguments.session.paths, "Inputs of one session; \"-\" is standard input")
+      ->required()
+      ->type_name("");
   addOffsetOption(command, arguments.session.offsets);
   addPerson(command, arguments.person);
   addTime(command, "--at", "Explain the last update at that time since the start, or before it", arguments.at);
@@ -111,8 +114,6 @@ void addOptions(CLI::App& command, Arguments& arguments)
 /// \throws CLI::ValidationError for times that do not go together.
 void checkTimes(const Arguments& arguments)
 {
-  if (!arguments.at && !arguments.asksForSpan())
-    throw CLI::ValidationError("--at", "is needed, or a span with --from and --to");
   if (arguments.at && arguments.asksForSpan())
     throw CLI::ValidationError("--at", "asks for one moment, --from and --to for a span: give one of both");
   if (arguments.from && arguments.to && *arguments.to < *arguments.from)
@@ -139,7 +140,8 @@ void write(std::ostream& output, const Explained& explained, const std::string& 
   constexpr int narrowest = 60;
   constexpr int widest = 100;
   const ExplanationLayout layout{std::clamp(terminalWidth(STDOUT_FILENO, widest), narrowest, widest),
-                                 Style(useColors(ColorChoice::Auto, STDOUT_FILENO)), arguments.showsEach};
+                                 Style(useColors(ColorChoice::Auto, STDOUT_FILENO)),
+                                 arguments.at ? "" : "the greatest change", arguments.showsEach};
   output << explanationText(explained, layout);
 }
 
@@ -150,8 +152,9 @@ void answer(const Arguments& arguments)
   Messages messages(std::cerr, false);
   session::Inquiry inquiry;
   inquiry.open = [&] { return session::openSession(session, openerOf(arguments.reading)); };
-  inquiry.name = session.name();
+  inquiry.name = nameOf(session);
   inquiry.person = arguments.person;
+  inquiry.personName = "--person";
   inquiry.cycle = arguments.cycle;
   inquiry.skipBad = arguments.reading.skipBad;
   inquiry.note = [&messages](const std::string& text) { messages.note(text); };
@@ -163,6 +166,8 @@ void answer(const Arguments& arguments)
   StandardOutput output;
   if (arguments.at)
     write(output, session::explainMoment(inquiry, *arguments.at), inquiry.name, arguments);
+  else if (!arguments.asksForSpan())
+    write(output, session::explainGreatestChange(inquiry), inquiry.name, arguments);
   else
     write(output, session::explainSpan(inquiry, arguments.from.value_or(session::Duration(0)), arguments.to),
           inquiry.name, arguments);

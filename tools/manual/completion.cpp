@@ -91,6 +91,18 @@ bool takesFiles(CLI::App& command)
   });
 }
 
+/// The words that the argument of the command takes; none if it takes any.
+std::vector<std::string> wordsOfArgument(CLI::App& command)
+{
+  std::vector<std::string> words;
+  for (CLI::Option* const option : command.get_options())
+  {
+    if (option->get_positional())
+      words = choicesOf(*option);
+  }
+  return words;
+}
+
 /// The text in single quotes, as fish reads it, without line ends.
 std::string fishText(const std::string& text)
 {
@@ -170,7 +182,10 @@ std::string wordCases(CLI::App& app)
   for (CLI::App* command : app.get_subcommands(nullptr))
   {
     cases += "    " + command->get_name() + ")\n";
-    const std::string words = "_skeigiot_words \"$word\" \"" + joined(optionNames(*command), " ") + "\"\n";
+    std::vector<std::string> offered = wordsOfArgument(*command);
+    const std::vector<std::string> options = optionNames(*command);
+    offered.insert(offered.end(), options.begin(), options.end());
+    const std::string words = "_skeigiot_words \"$word\" \"" + joined(offered, " ") + "\"\n";
     if (takesFiles(*command))
       cases += "      if [[ $word != -* ]]; then\n        _skeigiot_files \"$word\"\n      else\n        " + words +
                "      fi\n";
@@ -193,7 +208,8 @@ std::string bashCompletion(CLI::App& app)
          ")\n        command=${COMP_WORDS[i]}\n        break\n        ;;\n    esac\n  done\n\n" +
          "  case \"$command $option\" in\n" + values + "  esac\n\n" + "  case $command in\n    \"\")\n" +
          "      _skeigiot_words \"$word\" \"" + joined(commands, " ") + " " + joined(optionNames(app), " ") +
-         "\"\n      ;;\n" + wordCases(app) + "  esac\n" + ending;
+         "\"\n      ((${#COMPREPLY[@]})) || _skeigiot_files \"$word\"  # a recording\n      ;;\n" + wordCases(app) +
+         "  esac\n" + ending;
 }
 
 std::string fishCompletion(CLI::App& app)
@@ -212,6 +228,8 @@ std::string fishCompletion(CLI::App& app)
     text += "\n";
     if (takesFiles(*command))
       text += "complete -c skeigiot -n " + fishText(inside) + " -F\n";
+    if (const std::vector<std::string> words = wordsOfArgument(*command); !words.empty())
+      text += "complete -c skeigiot -n " + fishText(inside) + " -x -a " + fishText(joined(words, " ")) + "\n";
     text += fishOptions(*command, inside);
   }
   return text;

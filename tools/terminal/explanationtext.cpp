@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -61,7 +62,7 @@ std::string weightText(float weight)
 
 std::string sourceText(const session::CombinedForce& combined)
 {
-  return combined.force.source + (combined.count > 1 ? " ×" + std::to_string(combined.count) : "");
+  return session::sourceName(combined.force.source) + (combined.count > 1 ? " ×" + std::to_string(combined.count) : "");
 }
 
 std::vector<session::CombinedForce> eachAlone(const std::vector<session::ActedForce>& forces)
@@ -87,9 +88,16 @@ std::vector<session::CombinedForce> withoutRepetition(const std::vector<session:
   return result;
 }
 
+std::string capitalised(std::string text)
+{
+  text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+  return text;
+}
+
 TextTable tableOf(const session::Explanation& explanation, bool showsEach)
 {
-  TextTable table({{"source"}, {"quantity"}, {"weight", true}, {"target", true}, {"from", true}, {"to", true}});
+  TextTable table(
+      {{"source", false, true}, {"quantity"}, {"weight", true}, {"target", true}, {"from", true}, {"to", true}});
   for (const session::CombinedForce& row :
        showsEach ? eachAlone(explanation.forces) : withoutRepetition(explanation.forces))
   {
@@ -99,7 +107,7 @@ TextTable tableOf(const session::Explanation& explanation, bool showsEach)
                valueText(force.quantity, force.after)});
   }
   for (const session::SeenZoneChange& change : explanation.zoneChanges)
-    table.add({session::evidenceName(change.evidence), "zone", "", "", session::zoneName(change.from),
+    table.add({capitalised(session::evidenceName(change.evidence)), "zone", "", "", session::zoneName(change.from),
                session::zoneName(change.to)});
   return table;
 }
@@ -131,7 +139,8 @@ std::vector<KV::Quantity> shownQuantities(const session::Changes& changes, bool 
 
 TextTable tableOf(const session::SpanExplanation& explanation, bool showsEach)
 {
-  TextTable table({{"quantity"}, {"source"}, {"forces", true}, {"share", true}, {"moved", true}, {"net", true}});
+  TextTable table(
+      {{"quantity"}, {"source", false, true}, {"forces", true}, {"share", true}, {"moved", true}, {"net", true}});
   for (const KV::Quantity quantity : shownQuantities(explanation.changes, showsEach))
   {
     const std::vector<session::SourceChange> changes = explanation.changes.of(quantity);
@@ -139,9 +148,9 @@ TextTable tableOf(const session::SpanExplanation& explanation, bool showsEach)
     for (std::size_t i = 0; i < changes.size(); ++i)
     {
       const session::SourceChange& change = changes[i];
-      table.add({i == 0 ? session::quantityName(quantity) : "", change.source, std::to_string(change.forces),
-                 formatted("%.1f %%", shares[i] / 10.), formatted("%.3f", change.distance()),
-                 signedText(change.net())});
+      table.add({i == 0 ? session::quantityName(quantity) : "", session::sourceName(change.source),
+                 std::to_string(change.forces), formatted("%.1f %%", shares[i] / 10.),
+                 formatted("%.3f", change.distance()), signedText(change.net())});
     }
   }
   return table;
@@ -162,24 +171,25 @@ std::string timeText(session::Duration time)
   return session::clockText(time) + " (" + seconds + " s)";
 }
 
-std::string heading(const session::Explanation& explanation, const Style& style)
+std::string heading(const session::Explanation& explanation, const ExplanationLayout& layout)
 {
   const session::Snapshot& after = explanation.after;
-  return style.bold(personHeading(after.person, after.name)) + " at " + timeText(after.sinceStart) +
-         (after.seen ? "" : ", not seen") + "\n";
+  return layout.style.bold(personHeading(after.person, after.name)) + " at " + timeText(after.sinceStart) +
+         (after.seen ? "" : ", not seen") + (layout.remark.empty() ? "" : ", " + layout.remark) + "\n";
 }
 
-std::string heading(const session::SpanExplanation& explanation, const Style& style)
+std::string heading(const session::SpanExplanation& explanation, const ExplanationLayout& layout)
 {
   const session::Snapshot& after = explanation.after;
-  return style.bold(personHeading(after.person, after.name)) + " from " + timeText(explanation.first) + " to " +
+  return layout.style.bold(personHeading(after.person, after.name)) + " from " + timeText(explanation.first) + " to " +
          timeText(after.sinceStart) + ", " + session::counted(explanation.updates, "update") + "\n";
 }
 
 template <typename Explained>
 std::string textOf(const Explained& explanation, const ExplanationLayout& layout)
 {
-  return heading(explanation, layout.style) + "\n" + tableOf(explanation, layout.showsEach).text(layout.style) + "\n" +
+  return heading(explanation, layout) + "\n" +
+         tableOf(explanation, layout.showsEach).text(layout.style, static_cast<std::size_t>(layout.width)) + "\n" +
          paragraph(session::sentencesOn(explanation), layout.width);
 }
 

@@ -15,6 +15,7 @@ struct ExplanationLayout
 {
   int width = 80;  ///< columns, for sentences
   Style style{false};
+  std::string remark;      ///< on the update, for the heading
   bool showsEach = false;  ///< every force in a row of its own, and every quantity
 };
 

@@ -1,5 +1,6 @@
 #include "terminal/inspectiontext.hpp"
 
+#include "terminal/columnfamilies.hpp"
 #include "terminal/shown.hpp"
 #include "terminal/text.hpp"
 
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace KV::tools
 {
@@ -97,36 +99,49 @@ void writeNumbers(std::ostream& stream, const std::map<std::string, session::Num
   }
 }
 
-}  // namespace
-
-void writeAsText(std::ostream& stream, const session::InspectionReport& report, int width)
+void addColumns(Lines& lines, const recordings::Columns& columns, ShownColumns which)
 {
-  const session::Inspection& contents = report.contents;
-  Lines lines(stream, width);
-  stream << shown(report.path) << '\n';
-  lines.add("format", report.format);
-  for (const std::string& line : report.description)
-    lines.add(&line == &report.description.front() ? "read as" : "", line);
+  const char* label = "columns";
+  const auto add = [&](const std::vector<std::string>& names, const char* what) {
+    if (names.empty())
+      return;
+    const std::vector<std::string> texts = which == ShownColumns::All ? names : columnFamilies(names);
+    lines.add(label, session::counted(names.size(), "column") + what + recordings::listed(texts));
+    label = "";
+  };
+  add(columns.used, " used: ");
+  add(columns.ignored, " not read: ");
+}
+
+/// What the recording tells: that is what a reader looks for first.
+void writeContents(std::ostream& stream, Lines& lines, const session::Inspection& contents)
+{
+  for (const auto& [person, span] : contents.persons())
+    lines.add("person " + std::to_string(person), describePerson(span, contents.first()));
+  writeNumbers(stream, contents.numbers());
+  for (const auto& [scope, count] : contents.scopes())
+    lines.add("scope", "'" + scope + "', started " + session::counted(count, "time"));
   if (contents.steps() > 0)
   {
     lines.add("span", describeSpan(contents));
     lines.add("gaps", describeGaps(contents.gaps()));
-  }
-  for (const auto& [person, span] : contents.persons())
-    lines.add("person " + std::to_string(person), describePerson(span, contents.first()));
-  if (contents.steps() > 0)
     lines.add("trust", session::trustIn(contents));
+  }
+}
+
+}  // namespace
+
+void writeAsText(std::ostream& stream, const session::InspectionReport& report, int width, ShownColumns which)
+{
+  Lines lines(stream, width);
+  stream << shown(report.path) << '\n';
+  writeContents(stream, lines, report.contents);
+  lines.add("format", report.format);
+  for (const std::string& line : report.description)
+    lines.add(&line == &report.description.front() ? "read as" : "", line);
   for (const std::string& line : report.learned)
     lines.add(&line == &report.learned.front() ? "learned" : "", line);
-  for (const auto& [scope, count] : contents.scopes())
-    lines.add("scope", "'" + scope + "', started " + session::counted(count, "time"));
-  if (!report.columns.used.empty())
-    lines.add("columns", session::counted(report.columns.used.size(), "column") +
-                             " used: " + recordings::listed(report.columns.used));
-  if (!report.columns.ignored.empty())
-    lines.add("", session::counted(report.columns.ignored.size(), "column") +
-                      " not read: " + recordings::listed(report.columns.ignored));
-  writeNumbers(stream, contents.numbers());
+  addColumns(lines, report.columns, which);
   for (const std::string& warning : report.warnings)
     lines.add("warning", warning);
   if (report.moreWarnings > 0)

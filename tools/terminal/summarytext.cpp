@@ -2,6 +2,7 @@
 
 #include "terminal/shown.hpp"
 #include "terminal/text.hpp"
+#include "terminal/zonewords.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/session/names.hpp>
@@ -28,7 +29,7 @@ std::string labelled(const std::string& label, const std::string& text, const St
 
 using Shares = std::vector<std::pair<std::string, double>>;
 
-/// "LookingAtRobot 80 %, LookingDown 20 %": the largest first, without those that never were.
+/// "at the robot 80 %, down 20 %": the largest first, without those that never were.
 std::string listed(Shares shares)
 {
   std::stable_sort(shares.begin(), shares.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
@@ -47,7 +48,7 @@ Shares zoneShares(const session::PersonSummary& summary)
   for (std::int32_t zone = 0; zone <= static_cast<std::int32_t>(ko::human::AttentionState::LookingDownRight); ++zone)
   {
     const auto state = static_cast<ko::human::AttentionState>(zone);
-    shares.emplace_back(session::zoneName(state), summary.share(state));
+    shares.emplace_back(zoneWords(state), summary.share(state));
   }
   return shares;
 }
@@ -140,7 +141,7 @@ std::string summaryText(const session::Summary& all, std::int32_t person, int wi
   text += labelled("engaged", engagedText(summary), style);
   Shares zones = zoneShares(summary);
   zones.emplace_back("not visible", 1. - summary.seenShare());
-  text += labelled("zone", wrapped(listed(zones), static_cast<std::size_t>(width) - textColumn, textColumn), style);
+  text += labelled("looking", wrapped(listed(zones), static_cast<std::size_t>(width) - textColumn, textColumn), style);
   text += labelled("pleasure", listed(pleasureShares(summary)), style);
   const char* label = "verdict";
   for (const session::ScopeVerdict& verdict : all.verdicts())

@@ -34,6 +34,7 @@ public:
   std::string red(const std::string& text) const { return _marked("31", text); }
   std::string green(const std::string& text) const { return _marked("32", text); }
   std::string yellow(const std::string& text) const { return _marked("33", text); }
+  std::string cyan(const std::string& text) const { return _marked("36", text); }
 
 private:
   std::string _marked(const char* code, const std::string& text) const;

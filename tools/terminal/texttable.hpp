@@ -2,6 +2,8 @@
 
 #include "terminal/terminal.hpp"
 
+#include <cstddef>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,7 @@ public:
   {
     std::string header;
     bool isNumber = false;  ///< set to the right
+    bool wraps = false;     ///< takes several lines where the table would be too wide; one column at most
   };
   using Cells = std::vector<std::string>;
 
@@ -26,11 +29,13 @@ public:
   /// \pre there is a cell for each column.
   void add(Cells cells);
 
-  /// Returns the header and the rows, each with a line break.
-  std::string text(const Style& style) const;
+  /// Returns the header and the rows, each with a line break, in lines of that width where the column that wraps can
+  /// make them so.
+  std::string text(const Style& style, std::size_t width = std::numeric_limits<std::size_t>::max()) const;
 
 private:
-  std::vector<std::size_t> _widths() const;
+  std::vector<std::size_t> _widths(std::size_t width) const;
+  std::string _lines(const Cells& cells, const std::vector<std::size_t>& widths) const;
   std::string _line(const Cells& cells, const std::vector<std::size_t>& widths) const;
 
   std::vector<Column> _columns;

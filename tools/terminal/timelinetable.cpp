@@ -2,8 +2,10 @@
 
 #include "terminal/bar.hpp"
 #include "terminal/text.hpp"
+#include "terminal/zonewords.hpp"
 
 #include <skeigiot/session/forcenames.hpp>
+#include <skeigiot/session/headdirection.hpp>
 #include <skeigiot/session/names.hpp>
 #include <skeigiot/session/wording.hpp>
 
@@ -21,20 +23,25 @@ namespace
 constexpr int signedNumberWidth = 5;
 constexpr int plainNumberWidth = 4;
 constexpr int confidenceWidth = 4;
-constexpr int zoneWidth = 16;
+constexpr int zoneWidth = 12;
 constexpr int pleasureWidth = 8;
-constexpr int easeWidth = 7;
+constexpr int directionWidth = 10;  // "head right"
+constexpr int easeWidth = 9;        // ", at ease"
 constexpr int timeWidthAtLeast = 6;
+constexpr int barsAtLeast = 11;  // so that their headers fit
 
 const std::string gap = "  ";
+const std::string unknown = "unknown";
 
 /// What adapts to the recording and to the terminal.
 struct Layout
 {
-  int decimals;     ///< of the seconds in the time
-  int time;         ///< width of the time
-  int valenceHalf;  ///< width of the valence bar to each side of its centre line
-  int attention;    ///< width of the attention bar
+  int decimals;        ///< of the seconds in the time
+  int time;            ///< width of the time
+  int valenceHalf;     ///< width of the valence bar to each side of its centre line
+  int attention;       ///< width of the attention bar
+  bool showsPleasure;  ///< there is room for it
+  bool showsEase;      ///< there is room for it, besides what the body language saw
 };
 
 int decimalsFor(session::Duration step)
@@ -53,9 +60,13 @@ Layout layoutFor(const std::vector<session::TimelineRow>& rows, session::Duratio
 
   constexpr int gaps = 6 * 2;
   constexpr int blanksBeforeBars = 2;
-  const int withoutBars = layout.time + signedNumberWidth + confidenceWidth + plainNumberWidth + zoneWidth +
-                          pleasureWidth + easeWidth + gaps + blanksBeforeBars;
-  const int bars = width - withoutBars;
+  int bars = width - (layout.time + signedNumberWidth + 2 * confidenceWidth + plainNumberWidth + zoneWidth +
+                      directionWidth + gaps + blanksBeforeBars);
+  constexpr int pleasureWithGap = pleasureWidth + 2;
+  layout.showsPleasure = bars - pleasureWithGap >= barsAtLeast;
+  bars -= layout.showsPleasure ? pleasureWithGap : 0;
+  layout.showsEase = bars - easeWidth >= barsAtLeast;
+  bars -= layout.showsEase ? easeWidth : 0;
   layout.attention = bars * 2 / 5;
   layout.valenceHalf = (bars - layout.attention - 1) / 2;
   return layout;
@@ -71,6 +82,16 @@ std::string padLeft(const std::string& text, int width)
   return tools::padLeft(text, static_cast<std::size_t>(width));
 }
 
+int widthOfValence(const Layout& layout)
+{
+  return signedNumberWidth + 1 + 2 * layout.valenceHalf + 1;
+}
+
+int widthOfAttention(const Layout& layout)
+{
+  return plainNumberWidth + 1 + layout.attention;
+}
+
 /// The name of the valence, with 0 above the centre line of the bars and +1 above their end.
 std::string valenceHeader(const Layout& layout)
 {
@@ -78,17 +99,21 @@ std::string valenceHeader(const Layout& layout)
   return upToCentre + "0" + padLeft("+1", layout.valenceHalf);
 }
 
-/// The name of the attention, with 1 above the end of the bars.
+/// The name of the attention, with 1 above the end of the bars where there is room for it.
 std::string attentionHeader(const Layout& layout)
 {
-  return padRight("attention", plainNumberWidth + layout.attention) + "1";
+  const std::string name = "attention";
+  const int width = widthOfAttention(layout);
+  return width > static_cast<int>(name.size()) ? padRight(name, width - 1) + "1" : padRight(name, width);
 }
 
 std::string header(const Layout& layout)
 {
-  return padLeft("time", layout.time) + gap + valenceHeader(layout) + gap + padRight("conf", confidenceWidth) + gap +
-         attentionHeader(layout) + gap + padRight("zone", zoneWidth) + gap + padRight("pleasure", pleasureWidth) + gap +
-         "ease";
+  const std::string confidence = gap + padRight("conf", confidenceWidth);
+  return padLeft("time", layout.time) + gap + valenceHeader(layout) + confidence + gap + attentionHeader(layout) +
+         confidence + gap + padRight("looking", zoneWidth) +
+         (layout.showsPleasure ? gap + padRight("pleasure", pleasureWidth) : "") + gap +
+         (layout.showsEase ? "body language" : "body");
 }
 
 std::string coloredByPleasure(const std::string& text, KV::PleasureState pleasure, const Style& style)
@@ -112,42 +137,78 @@ std::string withoutTrailingBlanks(std::string line)
   return line;
 }
 
-/// Where nothing was ever observed the value is 0 and so is the confidence: that is no estimate to show.
-bool isEstimate(double confidence)
+std::string valenceCell(const session::TimelineRow& row, const Layout& layout, const Style& style)
 {
-  return confidence >= 0.005;
+  if (!row.isValenceKnown())
+    return style.dim(padRight(unknown, widthOfValence(layout)));
+  const std::string number = padLeft(session::signedNumber(row.valence()), signedNumberWidth);
+  return coloredByPleasure(number + " " + centredBar(row.valence(), layout.valenceHalf), row.pleasure(), style);
 }
 
-std::string valenceCell(const session::TimelineRow& row, const Layout& layout)
+std::string attentionCell(const session::TimelineRow& row, const Layout& layout, const Style& style)
 {
-  const std::string number = isEstimate(row.valenceConfidence()) ? session::signedNumber(row.valence()) : "-";
-  return padLeft(number, signedNumberWidth) + " " + centredBar(row.valence(), layout.valenceHalf);
+  if (!row.isAttentionKnown())
+    return style.dim(padRight(unknown, widthOfAttention(layout)));
+  const std::string number = padLeft(session::plainNumber(row.attention()), plainNumberWidth);
+  return style.cyan(number + " " + bar(row.attention(), layout.attention));
 }
 
-std::string attentionCell(const session::TimelineRow& row, const Layout& layout)
+std::string confidenceCell(bool isKnown, double confidence, const Style& style)
 {
-  const std::string number = isEstimate(row.attentionConfidence()) ? session::plainNumber(row.attention()) : "-";
-  return padLeft(number, plainNumberWidth) + " " + bar(row.attention(), layout.attention);
+  return isKnown ? style.dim(bar(confidence, confidenceWidth)) : std::string(confidenceWidth, ' ');
+}
+
+std::string zoneCell(const session::TimelineRow& row, const Style& style)
+{
+  return row.seen() ? padRight(zoneWords(row.zone()), zoneWidth) : style.yellow(padRight("not visible", zoneWidth));
+}
+
+/// What the body language saw, and what it counts as: "head up, uneasy".
+std::string bodyText(const session::TimelineRow& row, const Layout& layout)
+{
+  if (!(row.ease().confidence > 0.f))
+    return "-";
+  const std::string ease = session::easeName(row.ease());
+  if (!row.headDirection())
+    return ease;
+  return session::headDirectionName(*row.headDirection()) + (layout.showsEase ? ", " + ease : "");
+}
+
+std::string bodyCell(const session::TimelineRow& row, const Layout& layout, const Style& style)
+{
+  const std::string text = bodyText(row, layout);
+  const std::string ease = session::easeName(row.ease());
+  if (ease == "uneasy")
+    return style.red(text);
+  return ease == "at ease" ? style.green(text) : text;
 }
 
 std::string line(const session::TimelineRow& row, const Layout& layout, const Style& style)
 {
-  const std::string time = padLeft(session::clockText(row.from(), layout.decimals), layout.time);
-  const std::string valence = valenceCell(row, layout);
-  const std::string confidence = bar(row.valenceConfidence(), confidenceWidth);
-  const std::string attention = attentionCell(row, layout);
-  const std::string zone = padRight(row.seen() ? session::zoneName(row.zone()) : "not visible", zoneWidth);
   const std::string pleasure = padRight(session::pleasureName(row.pleasure()), pleasureWidth);
   return withoutTrailingBlanks(
-      time + gap + coloredByPleasure(valence, row.pleasure(), style) + gap + style.dim(confidence) + gap + attention +
-      gap + (row.seen() ? zone : style.yellow(zone)) + gap + coloredByPleasure(pleasure, row.pleasure(), style) + gap +
-      session::easeName(row.ease()));
+      padLeft(session::clockText(row.from(), layout.decimals), layout.time) + gap + valenceCell(row, layout, style) +
+      gap + confidenceCell(row.isValenceKnown(), row.valenceConfidence(), style) + gap +
+      attentionCell(row, layout, style) + gap +
+      confidenceCell(row.isAttentionKnown(), row.attentionConfidence(), style) + gap + zoneCell(row, style) +
+      (layout.showsPleasure ? gap + coloredByPleasure(pleasure, row.pleasure(), style) : "") + gap +
+      bodyCell(row, layout, style));
 }
 
-std::string gapLine(session::Duration from, session::Duration to, const Layout& layout, const Style& style)
+/// Tells whether the numbers look the same in a bar, or both are unknown.
+bool lookAlike(double left, double right)
 {
-  const std::string time = padLeft(session::clockText(from, layout.decimals), layout.time);
-  return time + gap + style.dim("no updates until " + session::clockText(to, layout.decimals));
+  constexpr double noticed = 0.025;
+  return std::isnan(left) ? std::isnan(right) : std::abs(left - right) < noticed;
+}
+
+bool lookAlike(const session::TimelineRow& left, const session::TimelineRow& right, const Layout& layout)
+{
+  return lookAlike(left.valence(), right.valence()) && lookAlike(left.attention(), right.attention()) &&
+         lookAlike(left.valenceConfidence(), right.valenceConfidence()) &&
+         lookAlike(left.attentionConfidence(), right.attentionConfidence()) && left.seen() == right.seen() &&
+         left.zone() == right.zone() && left.pleasure() == right.pleasure() &&
+         bodyText(left, layout) == bodyText(right, layout);
 }
 
 /// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if none did.
@@ -180,24 +241,67 @@ std::string explanation(const session::Changes& changes, const Layout& layout, i
          style.dim(wrapped(text, static_cast<std::size_t>(width) - indentation, indentation)) + "\n";
 }
 
+/// Writes rows, and in place of several that look like the one before them a line that says so.
+class Table
+{
+public:
+  Table(const std::vector<session::TimelineRow>& rows, session::Duration step, int width, const Style& style)
+    : _rows(rows), _step(step), _width(width), _style(style), _layout(layoutFor(rows, step, width))
+  {}
+
+  std::string text() const
+  {
+    std::string table = _style.bold(header(_layout)) + "\n";
+    session::Duration next = _rows.front().from();
+    for (std::size_t i = 0; i < _rows.size();)
+    {
+      if (_rows[i].from() > next)
+        table += _remark(next, "no updates until " + _timeOf(_rows[i].from()));
+      table += line(_rows[i], _layout, _style) + "\n" + _explanationOf(i);
+      const std::size_t alike = _countAlikeBehind(i);
+      if (alike >= leastFolded)
+        table += _remark(_rows[i + 1].from(), "the same until " + _timeOf(_rows[i + alike].from() + _step));
+      i += alike >= leastFolded ? alike + 1 : 1;
+      next = _rows[i - 1].from() + _step;
+    }
+    return table;
+  }
+
+private:
+  static constexpr std::size_t leastFolded = 2;
+
+  std::string _timeOf(session::Duration time) const { return session::clockText(time, _layout.decimals); }
+
+  std::string _remark(session::Duration from, const std::string& text) const
+  {
+    return padLeft(_timeOf(from), _layout.time) + gap + _style.dim(text) + "\n";
+  }
+
+  std::string _explanationOf(std::size_t i) const { return explanation(_rows[i].changes(), _layout, _width, _style); }
+
+  /// How many rows follow without a gap that look like this one; none where there is more to say of a row.
+  std::size_t _countAlikeBehind(std::size_t first) const
+  {
+    std::size_t i = first;
+    while (i + 1 < _rows.size() && _rows[i + 1].from() == _rows[i].from() + _step &&
+           lookAlike(_rows[first], _rows[i + 1], _layout) && _explanationOf(i).empty() && _explanationOf(i + 1).empty())
+      ++i;
+    return i - first;
+  }
+
+  const std::vector<session::TimelineRow>& _rows;
+  session::Duration _step;
+  int _width;
+  const Style& _style;
+  Layout _layout;
+};
+
 }  // namespace
 
 std::string timelineTable(const std::vector<session::TimelineRow>& rows, session::Duration step, int width,
                           const Style& style)
 {
-  if (rows.empty())
-    return {};
-  const Layout layout = layoutFor(rows, step, width);
-  std::string table = style.bold(header(layout)) + "\n";
-  session::Duration next = rows.front().from();
-  for (const session::TimelineRow& row : rows)
-  {
-    if (row.from() > next)
-      table += gapLine(next, row.from(), layout, style) + "\n";
-    table += line(row, layout, style) + "\n" + explanation(row.changes(), layout, width, style);
-    next = row.from() + step;
-  }
-  return table;
+  return rows.empty() ? "" : Table(rows, step, width, style).text();
 }
 
 }  // namespace KV::tools

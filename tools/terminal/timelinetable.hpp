@@ -16,7 +16,8 @@ constexpr int widestTable = 100;    ///< columns; in more, the bars would only b
 
 /// Returns the rows of one person as a table with a header, at most `width` columns wide.
 ///
-/// Below a row whose changes are known stand the sources that moved valence and attention most.
+/// Below a row whose changes are known stand the sources that moved valence and attention most. Several rows that look
+/// like the one before them become one line that says so.
 ///
 /// \pre `width` is narrowestTable at least.
 std::string timelineTable(const std::vector<session::TimelineRow>& rows, session::Duration step, int width,

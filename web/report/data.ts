@@ -55,7 +55,10 @@ interface Facts {
   stretch: number;
   zoneNames: string[];
   pleasureNames: string[];
+  /** As the library tells them. */
   sources: string[];
+  /** In plain words, in the same order. */
+  sourceNames: string[];
   boundaries: { option: string; description: string; value: number }[];
   scopes: Scope[];
   /** What was learned of faces at rest, a line each. */
@@ -254,6 +257,11 @@ function person(raw: RawPerson, sources: string[], labels: RawLabels | null): Pe
     labels: labelsOf(raw.id, labels),
     forcesAt: forceReader(raw.forces, sources),
   };
+}
+
+/** Returns the plain words for a source of the library. */
+export function sourceName(recording: Recording, source: string): string {
+  return recording.sourceNames[recording.sources.indexOf(source)] ?? source;
 }
 
 export function readRecording(text: string): Recording {

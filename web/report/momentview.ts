@@ -1,7 +1,7 @@
 // What is said of one moment: its values, and why they changed.
 
 import { codersAt } from "./coders";
-import { Force, Person, personName, Recording } from "./data";
+import { Force, Person, personName, Recording, sourceName } from "./data";
 import { element, table } from "../shared/dom";
 import { apart, clock, counted, plain, signed, valenceWord, zoneWord } from "../shared/text";
 import { swatch } from "../shared/theme";
@@ -115,8 +115,8 @@ function textOf(quantity: string): Text {
   return quantity === "valence" || quantity === "unsmoothed valence" ? signed : plain;
 }
 
-/** "Valence went from 0.41 to 0.12: Face characteristics −0.35, Touch emotion +0.06." */
-function sentence(quantity: string, forces: Force[]): string {
+/** "Valence went from 0.41 to 0.12: Facial expressions −0.35, Touch +0.06." */
+function sentence(recording: Recording, quantity: string, forces: Force[]): string {
   const own = forces.filter((force) => force.quantity === quantity);
   const title = quantity[0].toUpperCase() + quantity.slice(1);
   if (own.length === 0) return `Nothing pulled the ${quantity}.`;
@@ -124,7 +124,7 @@ function sentence(quantity: string, forces: Force[]): string {
   for (const { source, before, after } of own) bySource.set(source, (bySource.get(source) ?? 0) + after - before);
   const parts = [...bySource]
     .sort((left, right) => Math.abs(right[1]) - Math.abs(left[1]))
-    .map(([source, distance]) => `${source} ${signed(distance, 3)}`)
+    .map(([source, distance]) => `${sourceName(recording, source)} ${signed(distance, 3)}`)
     .filter((text) => !text.endsWith(" 0.000"));
   const [before, after] = [own[0].before, own[own.length - 1].after].map((value) => textOf(quantity)(value, 3));
   const pulls = parts.length > 0 ? `: ${parts.join(", ")}.` : "; no source moved it by 0.001.";
@@ -165,7 +165,7 @@ export function showPinned(target: HTMLElement, person: Person, moment: number):
       "span",
       { "data-source": force.source },
       swatch(sourceLook(force.source)),
-      force.source,
+      sourceName(recording, force.source),
       element("small", {}, force.quantity),
     ),
     number("weight", force.weight, plain(force.weight, 3)),
@@ -185,8 +185,8 @@ export function showPinned(target: HTMLElement, person: Person, moment: number):
     element(
       "div",
       { class: "card", "data-moment": String(moment) },
-      element("p", { class: "sentence" }, sentence("valence", forces)),
-      element("p", { class: "sentence" }, sentence("attention", forces)),
+      element("p", { class: "sentence" }, sentence(recording, "valence", forces)),
+      element("p", { class: "sentence" }, sentence(recording, "attention", forces)),
       element("div", { class: "scroll" }, list),
       folded > 0 ? unsmoothedSwitch(list, folded) : null,
       others > 0

@@ -2,7 +2,7 @@
 
 import uPlot from "uplot";
 import { ChartGroup, ChartOptions, gapsBeyond, measuringAxis, timeAxis, valueAxis, withoutNaN } from "../shared/chartgroup";
-import { Change, Person, Recording } from "./data";
+import { Change, Person, Recording, sourceName } from "./data";
 import { element } from "../shared/dom";
 import { binned, byStrength, changeOptions, stacked } from "./changes";
 import { addComparison } from "./comparison";
@@ -251,7 +251,7 @@ export class PersonView {
     return element(
       "ul",
       { class: "legend" },
-      ...changes.map(({ source }, number) => element("li", {}, swatch(looks[number]), source)),
+      ...changes.map(({ source }, number) => element("li", {}, swatch(looks[number]), sourceName(this.recording, source))),
     );
   }
 

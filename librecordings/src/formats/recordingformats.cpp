@@ -12,6 +12,7 @@
 #include "tidy/tidyreader.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
+#include <skeigiot/recordings/openedrecording.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <algorithm>
@@ -185,11 +186,17 @@ std::unique_ptr<Reader> openRecording(const std::string& path, const std::string
 std::unique_ptr<Reader> openRecording(std::istream& stream, const std::string& name, const std::string& format,
                                       const ReadingOptions& options)
 {
+  return openDetected(stream, name, format, options).reader;
+}
+
+OpenedRecording openDetected(std::istream& stream, const std::string& name, const std::string& format,
+                             const ReadingOptions& options)
+{
   InputFile file(stream, name);
   const Format& found = format.empty() ? formatOfHead(file.peek(headSize), name) : formatNamed(format, name);
   if (found.read == nullptr)
     throw Error({name, 0, {}}, "the format " + found.name + " cannot be read from a stream; expected a path");
-  return found.read(std::move(file), options);
+  return {found.read(std::move(file), options), found.name};
 }
 
 }  // namespace KV::recordings

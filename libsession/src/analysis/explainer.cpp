@@ -5,7 +5,7 @@
 namespace KV::session
 {
 
-Explainer::Explainer(std::int32_t person, std::function<void(Explanation)> onUpdate)
+Explainer::Explainer(boost::optional<std::int32_t> person, std::function<void(Explanation)> onUpdate)
   : _person(person), _onUpdate(std::move(onUpdate))
 {}
 
@@ -23,9 +23,9 @@ void Explainer::personUpdated(const Snapshot& snapshot)
 {
   _noteUpdate(snapshot);
   Explanation explanation = std::exchange(_explanation, {});
-  if (snapshot.person != _person)
+  if (_person && snapshot.person != *_person)
     return;
-  explanation.before = std::exchange(_before, snapshot);
+  explanation.before = std::exchange(_before[snapshot.person], snapshot);
   explanation.after = snapshot;
   _onUpdate(std::move(explanation));
 }

@@ -1,6 +1,7 @@
 #include <skeigiot/session/forcenames.hpp>
 
 #include <algorithm>
+#include <cctype>
 
 namespace KV::session
 {
@@ -10,32 +11,33 @@ namespace
 
 struct Source
 {
-  const char* name;
+  std::string_view name;  ///< fixed by the library
   const char* plain;
   bool tellsMood;  ///< its target is a mood that somebody showed, rather than a resting value
 };
 
-constexpr std::array<Source, 16> sources{{{"Face characteristics", "face characteristics", true},
-                                          {"Smile", "smile", true},
-                                          {"Voice emotion", "voice", true},
-                                          {"Asr emotion", "speech", true},
-                                          {"Touch emotion", "touch", true},
-                                          {"Context emotion", "context", true},
-                                          {"Body Language", "body language", true},
-                                          {"Gaze and head based attention", "gaze and head", false},
-                                          {"No observation", "lack of observations", false},
-                                          {"Not visible", "not being visible", false},
-                                          {"Points confidence", "facial points", false},
-                                          {"User is speaking", "speaking", false},
-                                          {"Winner unknown", "an unclear face", false},
-                                          {"Distance limitation", "distance", false},
-                                          {"Height limitation", "height of the head", false},
-                                          {"Okao and robot movement limits", "distance and robot movement", false}}};
+constexpr std::array<Source, 16> sources{
+    {{"Face characteristics", "facial expressions", true},
+     {"Smile", "smile", true},
+     {"Voice emotion", "voice", true},
+     {"Asr emotion", "words", true},
+     {"Touch emotion", "touch", true},
+     {"Context emotion", "context", true},
+     {"Body Language", "body language", true},
+     {"Gaze and head based attention", "gaze and head", false},
+     {"No observation", "lack of observations", false},
+     {"Not visible", "not being visible", false},
+     {"Points confidence", "facial points", false},
+     {"User is speaking", "speaking", false},
+     {"Winner unknown", "unclear expressions", false},
+     {"Distance limitation", "distance", false},
+     {"Height limitation", "height of the head", false},
+     {"Okao and robot movement limits", "limits of the sensor and the robot's motion", false}}};
 
-const Source* find(const std::string& name)
+const Source* find(std::string_view name)
 {
   const auto* const found =
-      std::find_if(sources.begin(), sources.end(), [&name](const Source& source) { return source.name == name; });
+      std::find_if(sources.begin(), sources.end(), [name](const Source& source) { return source.name == name; });
   return found == sources.end() ? nullptr : found;
 }
 
@@ -92,6 +94,15 @@ std::string plainSource(const std::string& source)
 {
   const Source* const known = find(source);
   return known == nullptr ? source : known->plain;
+}
+
+std::string sourceName(std::string_view source)
+{
+  const Source* const known = find(source);
+  std::string name(known == nullptr ? source : known->plain);
+  if (known != nullptr)
+    name.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(name.front())));
+  return name;
 }
 
 std::string describeSource(const SourceChange& change)

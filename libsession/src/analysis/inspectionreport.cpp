@@ -1,10 +1,12 @@
 #include <skeigiot/session/inspectionreport.hpp>
 
+#include <skeigiot/recordings/openedrecording.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <nlohmann/json.hpp>
 
 #include <map>
+#include <utility>
 
 namespace KV::session
 {
@@ -54,20 +56,13 @@ Json asJson(const NumberRange& range)
   return json;
 }
 
-}  // namespace
-
-InspectionReport inspect(const std::string& path, const std::string& format, const recordings::ReadingOptions& options,
-                         const Player::GoOn& goOn)
+void read(InspectionReport& report, const Player::Open& open, const Player::GoOn& goOn)
 {
-  InspectionReport report;
-  report.path = path;
-  report.format = format.empty() ? recordings::formatNameOf(path) : format;
   Inspector inspector(report.contents);
   PlayerOptions playing;
   playing.skipBad = true;
   playing.estimates = false;
-  const Outcome outcome =
-      Player(playing, goOn).play([&] { return recordings::openRecording(path, report.format, options); }, {&inspector});
+  const Outcome outcome = Player(playing, goOn).play(open, {&inspector});
   if (!outcome.opened)
     throw recordings::Error(*outcome.error);
   report.description = outcome.description;
@@ -80,6 +75,32 @@ InspectionReport inspect(const std::string& path, const std::string& format, con
   report.firstBadLine = outcome.firstBadLine;
   if (outcome.error)
     report.error = outcome.error->what();
+}
+
+}  // namespace
+
+InspectionReport inspect(const std::string& path, const std::string& format, const recordings::ReadingOptions& options,
+                         const Player::GoOn& goOn)
+{
+  InspectionReport report;
+  report.path = path;
+  report.format = format.empty() ? recordings::formatNameOf(path) : format;
+  read(
+      report, [&] { return recordings::openRecording(path, report.format, options); }, goOn);
+  return report;
+}
+
+InspectionReport inspect(std::istream& stream, const std::string& name, const std::string& format,
+                         const recordings::ReadingOptions& options, const Player::GoOn& goOn)
+{
+  InspectionReport report;
+  report.path = name;
+  const auto open = [&] {
+    recordings::OpenedRecording opened = recordings::openDetected(stream, name, format, options);
+    report.format = opened.format;
+    return std::move(opened.reader);
+  };
+  read(report, open, goOn);
   return report;
 }
 

@@ -92,12 +92,34 @@ std::string describeChange(KV::Quantity quantity, float before, float after, con
 namespace
 {
 
+/// An estimate at one end of a change.
+struct End
+{
+  float value;
+  bool isKnown;  ///< false: the value means nothing
+};
+
+/// Says how the quantity changed, where it may have been unknown before or after.
+std::string sentenceOn(KV::Quantity quantity, const End& before, const End& after, const Changes& all)
+{
+  const std::vector<SourceChange> changes = all.of(quantity);
+  const auto from = static_cast<double>(before.value);
+  const auto to = static_cast<double>(after.value);
+  if (before.isKnown && after.isKnown)
+    return describeChange(quantity, before.value, after.value, changes);
+  if (!before.isKnown && !after.isKnown)
+    return quantityName(quantity) + " is unknown";
+  const std::string howItChanged = after.isKnown ? " was unknown, and is now " + plainNumber(to)
+                                                 : " was " + plainNumber(from) + ", and is now unknown";
+  return quantityName(quantity) + howItChanged + ": " + describePulls(changes, directionBetween(from, to));
+}
+
 std::vector<std::string> sentencesOnChange(const Snapshot& before, const Snapshot& after, const Changes& changes)
 {
-  return {
-      describeChange(KV::ValenceQuantity, before.valence.value, after.valence.value, changes.of(KV::ValenceQuantity)),
-      describeChange(KV::AttentionQuantity, before.attention.value, after.attention.value,
-                     changes.of(KV::AttentionQuantity))};
+  return {sentenceOn(KV::ValenceQuantity, {before.valence.value, before.isValenceKnown()},
+                     {after.valence.value, after.isValenceKnown()}, changes),
+          sentenceOn(KV::AttentionQuantity, {before.attention.value, before.isAttentionKnown()},
+                     {after.attention.value, after.isAttentionKnown()}, changes)};
 }
 
 }  // namespace

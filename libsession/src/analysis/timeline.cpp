@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <utility>
 
 namespace KV::session
 {
@@ -9,12 +11,16 @@ namespace KV::session
 namespace
 {
 
-constexpr Duration second{1'000'000'000};
+constexpr Duration tenth{100'000'000};
+constexpr Duration second = 10 * tenth;
 constexpr Duration minute = 60 * second;
 constexpr Duration hour = 60 * minute;
 
 constexpr Duration::rep mostShownRows = 40;
 constexpr Duration::rep mostKeptRows = 240;
+
+/// The steps that rows of short recordings are shown in, if updates come often enough.
+constexpr std::array shortSteps{tenth, 2 * tenth, 5 * tenth};
 
 /// The steps that rows are shown in; beyond the last they double.
 constexpr std::array shownSteps{second,     2 * second, 5 * second,  10 * second, 15 * second, 30 * second, minute,
@@ -24,8 +30,8 @@ constexpr std::array shownSteps{second,     2 * second, 5 * second,  10 * second
 ///
 /// Each divides the next, so that whole rows can be merged, and every shown step that a recording of more than
 /// mostKeptRows of the step before can need.
-constexpr std::array keptSteps{second,     5 * second,  10 * second, 30 * second, minute,
-                               5 * minute, 10 * minute, 30 * minute, hour};
+constexpr std::array keptSteps{tenth,  5 * tenth,  second,      5 * second,  10 * second, 30 * second,
+                               minute, 5 * minute, 10 * minute, 30 * minute, hour};
 
 /// Returns the shortest of the steps with which the time lies in one of the first `rows` rows.
 template <typename Steps>
@@ -62,8 +68,14 @@ std::vector<TimelineRow> merged(const std::vector<TimelineRow>& rows, Duration s
 }  // namespace
 
 Timeline::Timeline(const boost::optional<Duration>& step, bool explained)
-  : _givenStep(step), _explained(explained), _keptStep(step.value_or(second))
+  : _givenStep(step), _explained(explained), _keptStep(step.value_or(tenth))
 {}
+
+void Timeline::stepBegins(const recordings::Step& step)
+{
+  if (step.person && step.observation.headPosture)
+    ++_headDirections[*step.person].at(static_cast<std::size_t>(directionOf(step.observation.headPosture->value)));
+}
 
 void Timeline::personUpdated(const Snapshot& snapshot)
 {
@@ -77,12 +89,17 @@ void Timeline::personUpdated(const Snapshot& snapshot)
     rows.emplace_back(from);
   rows.back().add(snapshot);
   rows.back().add(_changes);
+  rows.back().add(std::exchange(_headDirections[snapshot.person], {}));
   _changes.clear();
 }
 
 Duration Timeline::step() const
 {
-  return _givenStep.value_or(shortestStep(shownSteps, _last, mostShownRows));
+  if (_givenStep)
+    return *_givenStep;
+  const auto found = std::find_if(shortSteps.begin(), shortSteps.end(),
+                                  [this](Duration step) { return _last / step < mostShownRows && _fillsRowsOf(step); });
+  return found != shortSteps.end() ? *found : shortestStep(shownSteps, _last, mostShownRows);
 }
 
 std::map<std::int32_t, std::vector<TimelineRow>> Timeline::rows() const
@@ -91,6 +108,15 @@ std::map<std::int32_t, std::vector<TimelineRow>> Timeline::rows() const
   for (const auto& [person, rows] : _rows)
     result[person] = merged(rows, step());
   return result;
+}
+
+/// Tells whether each row of each person between the first and the last would have an update.
+bool Timeline::_fillsRowsOf(Duration step) const
+{
+  return std::all_of(_rows.begin(), _rows.end(), [step](const auto& ofPerson) {
+    const Rows rows = merged(ofPerson.second, step);
+    return (rows.back().from() - rows.front().from()) / step + 1 == static_cast<Duration::rep>(rows.size());
+  });
 }
 
 void Timeline::_keepWithin(Duration time)

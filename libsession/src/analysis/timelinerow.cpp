@@ -43,6 +43,11 @@ void TimelineRow::add(const Snapshot& snapshot)
   _ease = snapshot.ease;
 }
 
+void TimelineRow::add(const HeadDirections& directions)
+{
+  addTo(_headDirections, directions);
+}
+
 void TimelineRow::add(const TimelineRow& later)
 {
   _updates += later._updates;
@@ -55,6 +60,7 @@ void TimelineRow::add(const TimelineRow& later)
   _attentionConfidence += later._attentionConfidence;
   addTo(_zones, later._zones);
   addTo(_pleasures, later._pleasures);
+  addTo(_headDirections, later._headDirections);
   _ease = later._ease;
   _changes.add(later._changes);
 }
@@ -62,6 +68,13 @@ void TimelineRow::add(const TimelineRow& later)
 ko::human::AttentionState TimelineRow::zone() const
 {
   return static_cast<ko::human::AttentionState>(mostFrequent(_zones));
+}
+
+boost::optional<HeadDirection> TimelineRow::headDirection() const
+{
+  if (_headDirections == HeadDirections{})
+    return boost::none;
+  return static_cast<HeadDirection>(mostFrequent(_headDirections));
 }
 
 KV::PleasureState TimelineRow::pleasure() const

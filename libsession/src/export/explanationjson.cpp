@@ -40,8 +40,10 @@ Json stateJson(const Snapshot& snapshot)
 {
   return {{"valence", shortest(snapshot.valence.value)},
           {"valenceConfidence", shortest(snapshot.valence.confidence)},
+          {"valenceKnown", snapshot.isValenceKnown()},
           {"attention", shortest(snapshot.attention.value)},
           {"attentionConfidence", shortest(snapshot.attention.confidence)},
+          {"attentionKnown", snapshot.isAttentionKnown()},
           {"zone", zoneName(snapshot.zone)}};
 }
 
@@ -76,6 +78,7 @@ Json forcesJson(const std::vector<ActedForce>& forces, double time)
   for (const ActedForce& force : forces)
     json.push_back({{"time", time},
                     {"source", force.source},
+                    {"sourceName", sourceName(force.source)},
                     {"quantity", quantityName(force.quantity)},
                     {"target", shortest(force.target)},
                     {"weight", shortest(force.weight)},
@@ -94,6 +97,7 @@ Json sharesJson(const Changes& all)
     for (const SourceChange& change : changes)
       json.push_back({{"quantity", quantityName(quantity)},
                       {"source", change.source},
+                      {"sourceName", sourceName(change.source)},
                       {"forces", change.forces},
                       {"share", total > 0. ? change.distance() / total : 0.},
                       {"moved", change.distance()},

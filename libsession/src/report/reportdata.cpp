@@ -3,6 +3,7 @@
 #include "report/base64.hpp"
 
 #include <skeigiot/session/boundary.hpp>
+#include <skeigiot/session/forcenames.hpp>
 #include <skeigiot/session/names.hpp>
 
 #include <algorithm>
@@ -207,6 +208,14 @@ Json pleasureNames()
   return names;
 }
 
+Json namesOf(const std::vector<std::string>& sources)
+{
+  Json names = Json::array();
+  for (const std::string& source : sources)
+    names.push_back(sourceName(source));
+  return names;
+}
+
 }  // namespace
 
 Json reportData(const ReportRecorder& recorder, const ReportOrigin& origin)
@@ -233,6 +242,7 @@ Json reportData(const ReportRecorder& recorder, const ReportOrigin& origin)
           {"zoneNames", zoneNames()},
           {"pleasureNames", pleasureNames()},
           {"sources", recorder.sources()},
+          {"sourceNames", namesOf(recorder.sources())},
           {"boundaries", boundarySettings()},
           {"scopes", scopesOf(recorder)},
           {"ambiance", ambianceOf(recorder.ambiance())},

@@ -1,6 +1,8 @@
 #include "librecordings/bits.hpp"
 #include "librecordings/support.hpp"
 
+#include <skeigiot/recordings/openedrecording.hpp>
+
 #include <map>
 #include <sstream>
 
@@ -90,6 +92,8 @@ TEST_F(Streams, GiveTheStepsAndErrorsOfTheFileForEveryFormatThatIsReadForward)
     const support::Contents expected = support::contentsOf(plain);
 
     EXPECT_EQ(format.name, KV::recordings::formatNameOf(plain));
+    std::istringstream detected(text);
+    EXPECT_EQ(format.name, KV::recordings::openDetected(detected, streamName, "", {}).format);
     EXPECT_EQ(2u, expected.entries.size());
     EXPECT_EQ(1u, expected.badLines.size());
     expectSame(expected, fromStream(text), plain);

@@ -87,12 +87,24 @@ TEST(SourceDescription, TellsTheMoodThatASourcePulledTo)
     change.greatestTarget = greatest;
     return describeSource(change);
   };
-  EXPECT_EQ("face characteristics (negative)", described("Face characteristics", -1.f, -1.f));
+  EXPECT_EQ("facial expressions (negative)", described("Face characteristics", -1.f, -1.f));
   EXPECT_EQ("touch (positive)", described("Touch emotion", 1.f, 1.f));
   EXPECT_EQ("context (neutral)", described("Context emotion", 0.f, 0.f));
   EXPECT_EQ("voice (mixed)", described("Voice emotion", -1.f, 1.f));
   EXPECT_EQ("not being visible", described("Not visible", 0.f, 0.f)) << "rest is no mood";
   EXPECT_EQ("A source of tomorrow", described("A source of tomorrow", 1.f, 1.f));
+}
+
+TEST(SourceNames, AreThePlainWordsWithACapitalLetter)
+{
+  using KV::session::plainSource;
+  using KV::session::sourceName;
+  EXPECT_EQ("Words", sourceName("Asr emotion"));
+  EXPECT_EQ("words", plainSource("Asr emotion"));
+  EXPECT_EQ("Limits of the sensor and the robot's motion", sourceName("Okao and robot movement limits"));
+  EXPECT_EQ("Not being visible", sourceName("Not visible"));
+  EXPECT_EQ("a source of tomorrow", sourceName("a source of tomorrow")) << "that stays as it is";
+  EXPECT_EQ("", sourceName(""));
 }
 
 TEST(Shares, AddUpToAllWhateverTheyAreRoundedTo)

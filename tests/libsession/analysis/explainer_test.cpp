@@ -42,6 +42,20 @@ TEST_F(ExplainerTest, HandsOnEachUpdateOfThePersonWithTheForcesOfThatUpdate)
   EXPECT_TRUE(explanations[1].zoneChanges.empty());
 }
 
+TEST_F(ExplainerTest, HandsOnTheUpdatesOfEverybodyEachWithTheStateBeforeIt)
+{
+  Explainer everybody(boost::none, [this](const Explanation& explanation) { explanations.push_back(explanation); });
+  Session session({}, {&everybody});
+  session.play(seenAt(0., 1));
+  session.play(seenAt(0., 2, 0.5f));
+  session.play(notSeenAt(0.2, 1));
+
+  ASSERT_EQ(3u, explanations.size());
+  EXPECT_EQ(2, explanations[1].after.person);
+  EXPECT_EQ(0.f, explanations[1].before.valence.confidence);
+  EXPECT_EQ(explanations[0].after.valence.value, explanations[2].before.valence.value);
+}
+
 TEST_F(ExplainerTest, NotesWhenEverybodyWasUpdated)
 {
   Session session({}, {&explainer});

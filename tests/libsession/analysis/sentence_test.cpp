@@ -16,7 +16,7 @@ SourceChange change(const char* source, double up, double down, float target)
 TEST(ChangeSentence, TellsWhoPulledAndWhoPulledTheOtherWay)
 {
   EXPECT_EQ(
-      "valence fell from 0.41 to 0.12: face characteristics (negative) pulled 65 %, touch (positive) pulled 35 % the "
+      "valence fell from 0.41 to 0.12: facial expressions (negative) pulled 65 %, touch (positive) pulled 35 % the "
       "other way",
       describeChange(KV::ValenceQuantity, 0.41f, 0.12f,
                      {change("Face characteristics", 0., 0.65, -1.f), change("Touch emotion", 0.35, 0., 1.f)}));

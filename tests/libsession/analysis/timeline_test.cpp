@@ -1,6 +1,7 @@
 #include "libsession/entries.hpp"
 #include "support/tablename.hpp"
 
+#include <skeigiot/session/session.hpp>
 #include <skeigiot/session/timeline.hpp>
 
 #include <gtest/gtest.h>
@@ -38,12 +39,121 @@ TEST_P(TimelineStep, FitsTheLengthOfTheRecording)
 }
 
 INSTANTIATE_TEST_SUITE_P(Lengths, TimelineStep,
-                         ::testing::Values(StepCase{"OneMoment", 0., 1.},
+                         ::testing::Values(StepCase{"OneMoment", 0., 0.1},
                                            StepCase{"LastMomentOfFortyRows", 39.999999999, 1.},
                                            StepCase{"FirstMomentOfAFortyFirst", 40., 2.}, StepCase{"AMinute", 60., 2.},
                                            StepCase{"FiveMinutes", 300., 10.}, StepCase{"AQuarterOfAnHour", 900., 30.},
                                            StepCase{"AnHour", 3600., 120.}, StepCase{"ADay", 86400., 3600.},
                                            StepCase{"AMonth", 30. * 86400., 32. * 3600.}),
+                         support::RowName());
+
+/// Updates ten times a second.
+void updateUntil(double length, Timeline& timeline, double period = 0.1)
+{
+  for (int i = 0; i * period <= length; ++i)
+    timeline.personUpdated(snapshotAt(i * period));
+}
+
+class TimelineStepOfAClip : public ::testing::TestWithParam<StepCase>
+{};
+
+TEST_P(TimelineStepOfAClip, IsFineEnoughToSeeSomething)
+{
+  Timeline timeline(boost::none);
+  updateUntil(GetParam().length, timeline);
+  EXPECT_EQ(inNanoseconds(GetParam().step), timeline.step());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, TimelineStepOfAClip,
+                         ::testing::Values(StepCase{"TwoSeconds", 2., 0.1}, StepCase{"FourSeconds", 3.9, 0.1},
+                                           StepCase{"MoreThanFourSeconds", 4., 0.2}, StepCase{"EightSeconds", 7.9, 0.2},
+                                           StepCase{"TenSeconds", 10., 0.5}, StepCase{"TwentySeconds", 19.9, 0.5},
+                                           StepCase{"MoreThanTwentySeconds", 20., 1.}),
+                         support::RowName());
+
+TEST(Timeline, HasRowsOfASecondWhereUpdatesAreSeldom)
+{
+  Timeline seldom(boost::none);
+  updateUntil(3., seldom, 1.);
+  EXPECT_EQ(inNanoseconds(1.), seldom.step());
+  EXPECT_EQ(4U, seldom.rows().at(0).size());
+
+  Timeline twicePerSecond(boost::none);
+  updateUntil(3., twicePerSecond, 0.5);
+  EXPECT_EQ(inNanoseconds(0.5), twicePerSecond.step());
+
+  Timeline withAGap(boost::none);
+  updateUntil(1., withAGap);
+  withAGap.personUpdated(snapshotAt(2.));
+  EXPECT_EQ(inNanoseconds(1.), withAGap.step());
+}
+
+KV::recordings::Step turnedAt(double sinceStart, std::int32_t person, float yaw, float pitch)
+{
+  KV::recordings::Step step = entryAt(sinceStart);
+  step.person = person;
+  step.observation.headPosture.emplace(step.time, KV::HeadPosture(yaw, pitch, 0.f));
+  return step;
+}
+
+TEST(Timeline, KnowsWhatTheBodyLanguageSawMostInEachRow)
+{
+  using KV::session::HeadDirection;
+  Timeline timeline(inNanoseconds(1.));
+  timeline.stepBegins(turnedAt(0., 0, 0.f, 0.f));
+  timeline.stepBegins(turnedAt(0.01, 0, 0.f, 10.f));
+  timeline.stepBegins(turnedAt(0.02, 0, 0.f, 10.f));
+  timeline.stepBegins(turnedAt(0.02, 8, 20.f, 0.f));
+  timeline.personUpdated(snapshotAt(0.1));
+  timeline.stepBegins(turnedAt(1.1, 0, -20.f, 0.f));
+  timeline.personUpdated(snapshotAt(1.2));
+  timeline.personUpdated(snapshotAt(2.2));
+  const std::vector<TimelineRow> rows = timeline.rows().at(0);
+  ASSERT_EQ(3U, rows.size());
+  EXPECT_TRUE(rows[0].headDirection() == HeadDirection::Up);
+  EXPECT_TRUE(rows[1].headDirection() == HeadDirection::Left);
+  EXPECT_FALSE(rows[2].headDirection()) << "no posture was told";
+}
+
+struct DirectionCase
+{
+  const char* name;
+  float yaw;
+  float pitch;
+  const char* text;
+  float ease;
+};
+
+class EaseSeen : public KV::session::SessionObserver
+{
+public:
+  void personUpdated(const KV::session::Snapshot& snapshot) override { ease = snapshot.ease.level; }
+
+  float ease = 0.f;
+};
+
+class HeadDirectionOf : public ::testing::TestWithParam<DirectionCase>
+{};
+
+TEST_P(HeadDirectionOf, IsWhatTheBodyLanguageCounts)
+{
+  const KV::HeadPosture posture(GetParam().yaw, GetParam().pitch, 0.f);
+  EXPECT_EQ(GetParam().text, KV::session::headDirectionName(KV::session::directionOf(posture)));
+
+  EaseSeen seen;
+  KV::session::Session session({}, {&seen});
+  session.play(turnedAt(0., 0, GetParam().yaw, GetParam().pitch));
+  EXPECT_EQ(GetParam().ease, seen.ease);
+}
+
+INSTANTIATE_TEST_SUITE_P(Postures, HeadDirectionOf,
+                         ::testing::Values(DirectionCase{"Up", 0.f, 6.f, "head up", -0.5f},
+                                           DirectionCase{"UpAndRight", 20.f, 6.f, "head up", -0.5f},
+                                           DirectionCase{"Down", 0.f, -6.f, "head down", 0.5f},
+                                           DirectionCase{"DownAndLeft", -20.f, -6.f, "head down", 0.5f},
+                                           DirectionCase{"Left", -6.f, 0.f, "head left", -0.5f},
+                                           DirectionCase{"Right", 6.f, 0.f, "head right", 0.5f},
+                                           DirectionCase{"Straight", 5.9f, 5.9f, "straight", 0.f}),
                          support::RowName());
 
 TEST(Timeline, MergesRowsIntoTheSameAsIfItHadKnownTheLengthBefore)

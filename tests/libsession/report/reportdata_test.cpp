@@ -75,6 +75,8 @@ TEST(ReportData, HoldsTheRecordingAsAWhole)
   EXPECT_EQ("greeting", data["scopes"][0]["name"]);
   EXPECT_EQ(2, data["scopes"][0]["persons"][0]["updates"]);
   EXPECT_THAT(data["sources"].dump(), HasSubstr("Not visible"));
+  EXPECT_THAT(data["sourceNames"].dump(), HasSubstr("Not being visible"));
+  EXPECT_EQ(data["sources"].size(), data["sourceNames"].size());
 }
 
 TEST(ReportData, SaysHowItCameAbout)

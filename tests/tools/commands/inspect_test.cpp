@@ -13,6 +13,7 @@ namespace
 using namespace replaytests;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 using Json = nlohmann::json;
 using Texts = std::vector<std::string>;
 
@@ -45,10 +46,12 @@ TEST_F(InspectCommand, TellsWhatIsInARecordingAndHowItIsRead)
   const CommandResult result = inspect(face);
   EXPECT_EQ(0, result.status);
   EXPECT_EQ("", result.errors);
-  EXPECT_THAT(result.output,
-              HasSubstr(folder.path("recording.csv") + "\n  format    openface\n  read as   OpenFace: "));
+  EXPECT_THAT(result.output, StartsWith(folder.path("recording.csv") + "\n  person 3  seen in 3 steps, not seen in "));
   EXPECT_THAT(result.output, HasSubstr("\n  span      0:03.2, "));
-  EXPECT_THAT(result.output, HasSubstr("\n  person 3  seen in 3 steps, not seen in "));
+  EXPECT_THAT(result.output, HasSubstr("\n  format    openface\n  read as   OpenFace: "));
+  EXPECT_LT(result.output.find("\n  person 3"), result.output.find("\n    smile  "));
+  EXPECT_LT(result.output.find("\n    smile  "), result.output.find("\n  span  "));
+  EXPECT_LT(result.output.find("\n  span  "), result.output.find("\n  format  "));
   EXPECT_THAT(result.output,
               HasSubstr("  columns   6 columns used: frame, face_id, timestamp, confidence, success, AU12_r\n"
                         "            2 columns not read: note, AU12_c\n"));
@@ -77,6 +80,16 @@ TEST_F(InspectCommand, TellsColumnsAndWarningsOfATableOfReadings)
   EXPECT_EQ((Texts{"columns that are not read: mood"}), json["warnings"].get<Texts>());
   EXPECT_EQ(1, json["gaps"]["count"]);
   EXPECT_THAT(inspect(table).output, HasSubstr("1 gap of a second or more, the longest of 5 s at 0:00.0\n"));
+}
+
+TEST_F(InspectCommand, NamesColumnsThatDifferInANumberAsOneUnlessAllAreWanted)
+{
+  const std::string table =
+      "frame,timestamp,AU12_r,eye_lmk_x_0,eye_lmk_x_1,eye_lmk_x_2,AU12_c\n"
+      "1,0,1,0,0,0,1\n";
+  EXPECT_THAT(inspect(table).output, HasSubstr("            4 columns not read: eye_lmk_x_0..2, AU12_c\n"));
+  EXPECT_THAT(inspect(table, {"--columns"}).output,
+              HasSubstr("            4 columns not read: eye_lmk_x_0, eye_lmk_x_1, eye_lmk_x_2, AU12_c\n"));
 }
 
 TEST_F(InspectCommand, SaysNothingOfColumnsWhereThereAreNone)

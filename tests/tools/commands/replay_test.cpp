@@ -430,7 +430,7 @@ INSTANTIATE_TEST_SUITE_P(
                   {"."},
                   "files named together are inputs of one session, recordings in a folder are sessions of their own: "
                   "give --separately to replay all of them one by one"},
-        UsageCase{"AnUnknownOption", {"--speed"}, "The following argument was not expected: --speed"}),
+        UsageCase{"AnUnknownOption", {"--speed"}, "this argument was not expected: --speed"}),
     support::RowName());
 
 TEST_F(CommandTest, WantsACommandAndARecording)

@@ -22,6 +22,7 @@ namespace
 using namespace replaytests;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 using Step = ScriptedReader::Step;
 using Names = std::set<std::string>;
 
@@ -75,23 +76,25 @@ TEST_F(ReplayTest, TellsWhatMovedEachRowIfThatIsWanted)
   scripts["face.csv"] = {seen(0.)};
   replay();
   const std::string plain = output.str();
-  EXPECT_THAT(plain, Not(HasSubstr("face characteristics")));
+  EXPECT_THAT(plain, Not(HasSubstr("facial expressions")));
 
   output.str("");
   options.sessions.clear();
   options.explain = true;
   replay();
-  EXPECT_THAT(output.str(), HasSubstr("\n        valence: face characteristics +"));
+  EXPECT_THAT(output.str(), HasSubstr("\n        valence: facial expressions +"));
   EXPECT_THAT(output.str(), HasSubstr("; attention: gaze and head +"));
   EXPECT_EQ(linesOf(plain) + 1, linesOf(output.str())) << "one row, and all else as before";
 }
 
-TEST_F(ReplayTest, ShowsHowTheRecordingIsReadThenEachPersonWithASummary)
+TEST_F(ReplayTest, BeginsWithTheResultAndALineOnHowItWasReadThenEachPersonWithASummary)
 {
   scripts["face.csv"] = {seen(0., 2), seen(0.5, 7), seen(1., 2)};
   EXPECT_EQ(KV::tools::Success, replay());
   const std::string text = output.str();
-  EXPECT_EQ(0U, text.find("face.csv\nsigns as scripted\nrate as scripted\n\nPerson 2\n"));
+  EXPECT_THAT(text, testing::ContainsRegex("face\\.csv\n(Person|How person) 2 [^\n]*"));
+  EXPECT_THAT(text,
+              HasSubstr("\nRead as: signs as scripted, rate as scripted; 'skeigiot inspect' says more.\n\nPerson 2\n"));
   EXPECT_THAT(text, HasSubstr("  span       0:00.0 to 0:01.0, 2 updates"));
   EXPECT_THAT(text, HasSubstr("\nPerson 7\n"));
   EXPECT_THAT(text, HasSubstr("'whole recording' (0:00.0 to 0:01.0, 1 update)"));
@@ -324,7 +327,8 @@ TEST_F(ReplayTest, MergesTheInputsOfASession)
   options.sessions = {{{{"face.csv", {}}, {"voice.csv", inNanoseconds(0.25)}}}};
   options.exports["recording"] = folder.path("own.jsonl");
   EXPECT_EQ(KV::tools::Success, replayAsPlanned());
-  EXPECT_THAT(output.str(), HasSubstr("face.csv + voice.csv\nOne session of 2 inputs"));
+  EXPECT_THAT(output.str(), StartsWith("face.csv + voice.csv\n"));
+  EXPECT_THAT(output.str(), HasSubstr("\nRead as: One session of 2 inputs"));
   EXPECT_THAT(output.str(), HasSubstr("\nPerson 1\n"));
   EXPECT_THAT(output.str(), HasSubstr("\nPerson 2\n"));
   const auto reader = KV::recordings::openRecording(folder.path("own.jsonl"), "jsonl", {});

@@ -59,7 +59,7 @@ TEST_F(WatchProcess, ShowsWhatMovedAPersonMost)
   process.resize(200);
   process.write(lineAbout(12));
   EXPECT_TRUE(process.sees(", valence +"));
-  EXPECT_TRUE(process.sees(" by face characteristics"));
+  EXPECT_TRUE(process.sees(" by facial expressions"));
   process.press("q");
   EXPECT_EQ(0, process.status());
 }

@@ -33,7 +33,7 @@ TEST(Summary, DescribesAPerson)
       "  valence    +0.33 on average, with confidence 1.00\n"
       "  attention   0.67 on average, with confidence 1.00\n"
       "  engaged    67 % of the time (attention from 0.60), strictly 67 % (from 0.90)\n"
-      "  zone       LookingUp 67 %, LookingDown 33 %\n"
+      "  looking    up 67 %, down 33 %\n"
       "  pleasure   positive 67 %, negative 33 %\n",
       summaryText(summary, 0, 80, Style(false)));
 }

@@ -159,6 +159,7 @@ function pinnedForces(page) {
       const number = (key) => Number(row.querySelector(`[data-key="${key}"]`).dataset.value);
       return {
         source: row.querySelector("[data-source]").dataset.source,
+        sourceName: row.querySelector("[data-source]").childNodes[1].textContent,
         quantity: row.querySelector("small").innerText,
         target: number("target"),
         weight: number("weight"),
@@ -172,8 +173,9 @@ function pinnedForces(page) {
 /** Returns the forces of the update as `skeigiot why` tells them. */
 function explained(recording, person, time) {
   const text = execFileSync(command, ["why", recording, "--person", String(person), "--at", String(time), "--json"]);
-  return JSON.parse(text).forces.map(({ source, quantity, target, weight, before, after }) => ({
+  return JSON.parse(text).forces.map(({ source, sourceName, quantity, target, weight, before, after }) => ({
     source,
+    sourceName,
     quantity,
     target: Math.fround(target),
     weight: Math.fround(weight),

@@ -4,6 +4,8 @@
 #include <skeigiot/session/explanation.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
+#include <boost/optional/optional.hpp>
+
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -11,7 +13,7 @@
 namespace KV::session
 {
 
-/// Hands on each update of one person with its forces, and notes who else is there.
+/// Hands on each update of one person, or of everybody, with its forces, and notes who is there.
 class SKEIGIOT_API Explainer : public SessionObserver
 {
 public:
@@ -22,8 +24,8 @@ public:
     Duration last{0};   ///< [ns] of the last update, since the start
   };
 
-  /// Calls `onUpdate` after each update of the person, on the thread that plays.
-  Explainer(std::int32_t person, std::function<void(Explanation)> onUpdate);
+  /// Calls `onUpdate` after each update of the person, or of everybody without one, on the thread that plays.
+  Explainer(boost::optional<std::int32_t> person, std::function<void(Explanation)> onUpdate);
 
   bool watchesForces() const override { return true; }
   void forceActed(const KV::Force& force) override;
@@ -36,10 +38,10 @@ public:
 private:
   void _noteUpdate(const Snapshot& snapshot);
 
-  std::int32_t _person;
+  boost::optional<std::int32_t> _person;
   std::function<void(Explanation)> _onUpdate;
-  Snapshot _before;          // of the person
-  Explanation _explanation;  // of the update that is under way, whoever is updated
+  std::map<std::int32_t, Snapshot> _before;  // of those whose updates are handed on
+  Explanation _explanation;                  // of the update that is under way, whoever is updated
   std::map<std::int32_t, Updates> _persons;
 };
 

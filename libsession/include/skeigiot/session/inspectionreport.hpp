@@ -6,6 +6,7 @@
 #include <skeigiot/session/player.hpp>
 
 #include <cstddef>
+#include <istream>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -35,6 +36,12 @@ struct SKEIGIOT_API InspectionReport
 /// \param goOn see Player
 /// \throws Error if it cannot be opened.
 SKEIGIOT_API InspectionReport inspect(const std::string& path, const std::string& format,
+                                      const recordings::ReadingOptions& options, const Player::GoOn& goOn = {});
+
+/// As inspect() of a path, of a recording that comes from a stream; `name` stands where the path stands.
+///
+/// \throws Error if it cannot be opened.
+SKEIGIOT_API InspectionReport inspect(std::istream& stream, const std::string& name, const std::string& format,
                                       const recordings::ReadingOptions& options, const Player::GoOn& goOn = {});
 
 /// Writes the report as a JSON object; times in seconds, the first since 1970 or null if there is no date, others since

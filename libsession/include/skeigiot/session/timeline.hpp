@@ -27,10 +27,11 @@ public:
 
   bool watchesForces() const override { return _explained; }
   void forceActed(const KV::Force& force) override { _changes.add(force); }
+  void stepBegins(const recordings::Step& step) override;
   void personUpdated(const Snapshot& snapshot) override;
 
-  /// Returns how long a row is: the given step, or the shortest readable one of at least a second with which the
-  /// recording so far takes at most 40 rows.
+  /// Returns how long a row is: the given step, or the shortest readable one with which the recording so far takes at
+  /// most 40 rows. It is shorter than a second only where each row of each person has an update.
   Duration step() const;
 
   /// Returns the rows of each person, by time; stretches without an update have none.
@@ -40,13 +41,15 @@ private:
   using Rows = std::vector<TimelineRow>;
 
   void _keepWithin(Duration time);
+  bool _fillsRowsOf(Duration step) const;
 
   boost::optional<Duration> _givenStep;
   bool _explained;
   Duration _keptStep;
   Duration _last{0};
   std::map<std::int32_t, Rows> _rows;
-  Changes _changes;  // of the update that is under way
+  Changes _changes;                                        // of the update that is under way
+  std::map<std::int32_t, HeadDirections> _headDirections;  // since the last update of the person
 };
 
 }  // namespace KV::session

@@ -2,7 +2,10 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/session/changes.hpp>
+#include <skeigiot/session/headdirection.hpp>
 #include <skeigiot/session/snapshot.hpp>
+
+#include <boost/optional/optional.hpp>
 
 #include <array>
 #include <cstddef>
@@ -21,6 +24,8 @@ public:
   void add(const Snapshot& snapshot);
   /// Adds what moved the estimates in one update.
   void add(const Changes& changes) { _changes.add(changes); }
+  /// Adds what the body language saw.
+  void add(const HeadDirections& directions);
   /// Adds the row of the stretch behind this one.
   void add(const TimelineRow& later);
 
@@ -54,6 +59,10 @@ public:
   /// The ease after the last update.
   KV::BodyLanguageEase ease() const { return _ease; }
 
+  /// Returns what the body language saw most often; of several, the first in the order of the enumeration; none without
+  /// a head posture.
+  boost::optional<HeadDirection> headDirection() const;
+
   /// What moved the estimates; empty if nobody watched that.
   const Changes& changes() const { return _changes; }
 
@@ -71,6 +80,7 @@ private:
   double _attentionConfidence = 0.;
   std::array<std::size_t, 10> _zones{};
   std::array<std::size_t, 4> _pleasures{};
+  HeadDirections _headDirections{};
   KV::BodyLanguageEase _ease;
   Changes _changes;
 };

@@ -1,0 +1,121 @@
+#include "terminal/resulttext.hpp"
+
+#include <skeigiot/session/wording.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace KV::tools
+{
+
+namespace
+{
+
+constexpr std::size_t mostTold = 3;  // persons with a sentence each
+
+const char* const unknown = "unknown";
+
+/// Returns the number with its sign, without the blank that stands for no sign in a column.
+std::string signedText(double value)
+{
+  const std::string text = session::signedNumber(value);
+  return text.substr(text.find_first_not_of(' '));
+}
+
+/// Returns the verdict on the person, "unknown" without one.
+std::string verdictOn(std::int32_t person, const session::Summary& summary, const std::string& scope)
+{
+  const auto& verdicts = summary.verdicts();
+  const auto found = std::find_if(verdicts.begin(), verdicts.end(),
+                                  [&scope](const session::ScopeVerdict& verdict) { return verdict.name == scope; });
+  return found == verdicts.end() ? unknown : found->of(person).word;
+}
+
+/// "How person 1 felt", "Person 1 was positive on the whole (valence +0.55)".
+std::string sentenceOn(std::int32_t person, const session::PersonSummary& ofPerson, const std::string& verdict)
+{
+  const std::string number = std::to_string(person);
+  const std::string looked =
+      "looked at the robot " + session::percentage(ofPerson.lookingAtRobotShare()) + " of the time";
+  const bool knowsValence = verdict != unknown && ofPerson.isValenceKnown();
+  if (!knowsValence && !ofPerson.isAttentionKnown())
+    return "How person " + number + " felt, and where they looked, is unknown.";
+  if (!knowsValence)
+    return "How person " + number + " felt is unknown; they " + looked + ".";
+  const std::string felt =
+      "Person " + number + " was " + verdict + " on the whole (valence " + signedText(ofPerson.valence()) + ")";
+  return felt + (ofPerson.isAttentionKnown() ? " and " + looked + "." : "; where they looked is unknown.");
+}
+
+/// "3 positive, 1 neutral, 2 unknown".
+std::string countedVerdicts(const session::Summary& summary, const std::string& scope)
+{
+  std::array<std::pair<const char*, std::size_t>, 4> counts{
+      {{"positive", 0}, {"neutral", 0}, {"negative", 0}, {unknown, 0}}};
+  for (const auto& [person, ofPerson] : summary.persons())
+  {
+    const std::string verdict = ofPerson.isValenceKnown() ? verdictOn(person, summary, scope) : unknown;
+    for (auto& [word, count] : counts)
+      count += verdict == word ? 1 : 0;
+  }
+  std::string text;
+  for (const auto& [word, count] : counts)
+  {
+    if (count > 0)
+      text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + word;
+  }
+  return text;
+}
+
+std::string sentenceOnMany(const session::Summary& summary, const std::string& scope)
+{
+  std::size_t known = 0;
+  double looked = 0.;
+  for (const auto& [person, ofPerson] : summary.persons())
+  {
+    if (!ofPerson.isAttentionKnown())
+      continue;
+    ++known;
+    looked += ofPerson.lookingAtRobotShare();
+  }
+  const std::string felt =
+      std::to_string(summary.persons().size()) + " persons, on the whole: " + countedVerdicts(summary, scope);
+  if (known == 0)
+    return felt + "; where they looked is unknown.";
+  return felt + "; " + (known == summary.persons().size() ? "they" : "those of whom it is known") +
+         " looked at the robot " + session::percentage(looked / static_cast<double>(known)) +
+         " of the time on average.";
+}
+
+}  // namespace
+
+std::string resultText(const session::Summary& summary, const std::string& scope)
+{
+  const auto& persons = summary.persons();
+  if (persons.empty())
+    return "Nobody was seen in this recording.";
+  if (persons.size() > mostTold)
+    return sentenceOnMany(summary, scope);
+  std::string text;
+  for (const auto& [person, ofPerson] : persons)
+    text += (text.empty() ? "" : " ") + sentenceOn(person, ofPerson, verdictOn(person, summary, scope));
+  return text;
+}
+
+std::string readingText(const std::vector<std::string>& description)
+{
+  std::string text;
+  const auto add = [&text](const std::string& line, const char* ends) {
+    text += (text.empty() ? "" : ", ") + line.substr(0, line.find_first_of(ends));
+  };
+  if (!description.empty())
+    add(description[0], ":;");
+  if (description.size() == 2)  // of one input: what is read, and its times
+    add(description[1], ",;");
+  return "Read as: " + text + "; 'skeigiot inspect' says more.";
+}
+
+}  // namespace KV::tools

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ko/human/attentionstate.hpp>
+
+#include <string>
+
+namespace KV::tools
+{
+
+/// Returns where somebody looks, in the words of the page: "at the robot", "down right", "no zone" for Unknown.
+///
+/// Left and right are the person's own.
+std::string zoneWords(ko::human::AttentionState zone);
+
+}  // namespace KV::tools
