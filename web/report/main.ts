@@ -223,7 +223,7 @@ class Page {
 
   private showPinned(): void {
     if (!this.person || this.pinned === null) showNothingPinned(byId("pinned"));
-    else showPinned(byId("pinned"), this.person, this.pinned);
+    else showPinned(byId("pinned"), this.recording, this.person, this.pinned);
     this.group?.markPinned(this.pinnedTime());
   }
 

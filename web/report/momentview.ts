@@ -158,7 +158,7 @@ function moveOf({ quantity, before, after }: Force): HTMLElement[] {
 }
 
 /** Lists the forces of a moment in their order. */
-export function showPinned(target: HTMLElement, person: Person, moment: number): void {
+export function showPinned(target: HTMLElement, recording: Recording, person: Person, moment: number): void {
   const forces = person.forcesAt(moment);
   const rows = forces.map((force) => [
     element(
