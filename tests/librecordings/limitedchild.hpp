@@ -5,7 +5,10 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
+
+#include <unistd.h>
 
 namespace support
 {
@@ -28,13 +31,21 @@ inline void limit(__rlimit_resource_t resource, std::size_t bytes)
   setrlimit(resource, &most);
 }
 
-/// For the statement of an EXPECT_EXIT(): runs `work` with at most so many bytes of address space and in each file that
-/// it writes, and ends the process with status 0 if it returns true.
+/// Returns how many bytes of address space the process has.
+inline std::size_t addressSpace()
+{
+  std::size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+/// For the statement of an EXPECT_EXIT(): runs `work` with at most so many bytes of address space more than there are,
+/// and in each file that it writes, and ends the process with status 0 if it returns true.
 [[noreturn]] inline void runLimited(std::size_t memory, std::size_t file, const std::function<bool()>& work)
 {
   std::signal(SIGXFSZ, SIG_IGN);
   if (memoryCanBeLimited)
-    limit(RLIMIT_AS, memory);
+    limit(RLIMIT_AS, addressSpace() + memory);
   limit(RLIMIT_FSIZE, file);
   std::_Exit(work() ? 0 : 1);
 }

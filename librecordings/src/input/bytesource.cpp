@@ -26,6 +26,7 @@ namespace KV::recordings
 namespace
 {
 constexpr unsigned int compressedBufferSize = 128U << 10U;
+constexpr std::size_t largestPiece = std::size_t{1} << 20U;  // [bytes] that are unpacked at once
 constexpr const char* isCut = "the compressed data end too early: the file was cut";
 constexpr const char* isDamaged = "the compressed data are damaged: ";
 constexpr std::array<Bytef, 2> gzipMagic = {0x1f, 0x8b};
@@ -159,7 +160,10 @@ public:
   {
     if (!_begun)
       _begin();
-    return _isPacked ? _unpack(bytes, count) : _copy(bytes, count);
+    if (!_isPacked)
+      return _copy(bytes, count);
+    InterruptionCheck::ask();  // few stored bytes may hold much
+    return _unpack(bytes, std::min(count, largestPiece));
   }
 
   std::string fault() const override { return _fault.empty() ? _stored->fault() : _fault; }

@@ -20,7 +20,7 @@ using namespace KV::recordings;
 using testing::HasSubstr;
 using testing::SizeIs;
 
-constexpr std::size_t enoughMemory = 256 * limits::mebibyte;  // of address space, libraries included
+constexpr std::size_t enoughMemory = 256 * limits::mebibyte;  // of address space
 constexpr std::size_t anyFile = 1024 * limits::mebibyte;
 
 class InputLimits : public support::RecordingTest
