@@ -245,10 +245,10 @@ def test_warns_of_columns_that_are_not_read():
         (
             {"time": np.array([1577836800000, 1577836800033]), "smile": [0.5, 0.5]},
             "frame, row 0: time: expected seconds, from the start of the recording or since 1970, found "
-            "'1577836800000'; it looks like milliseconds since 1970",
+            "'1577836800000'; this looks like milliseconds, to be divided by 1000",
         ),
         ({"time": [1577836800e9], "smile": [0.5]}, "frame, row 0: time: expected seconds, from the start of the record"),
-        ({"time": [0, 33333333], "smile": [0.5, 0.5]}, "frame, row 1: time: is more than 11 days after the row before"),
+        ({"time": [0, 33333333], "smile": [0.5, 0.5]}, "frame, row 1: time: is 33333333 s after the one before"),
         ({"time": np.array([0, "NaT"], dtype="m8[s]"), "smile": [0.5, 0.5]}, "frame, row 1: time: is missing"),
         ({"time": [datetime.timedelta(0), 1], "smile": [0.5, 0.5]}, "frame, row 1: time: expected a timedelta, found 1"),
         ({"time": np.array([0, "NaT"], dtype="datetime64[s]"), "smile": [0.5, 0.5]}, "frame, row 1: time: is missing"),

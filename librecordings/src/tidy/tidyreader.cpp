@@ -21,12 +21,6 @@ std::string keyOf(const std::string& reading, const Step& entry)
   return reading;
 }
 
-// The column that holds the last part of a reading, such as "confidence" of "smile.confidence".
-TidyColumn partOf(const std::string& member)
-{
-  return tidyColumnNamed(member.substr(member.rfind('.') + 1)).value_or(TidyColumn::Value);
-}
-
 }  // namespace
 
 TidyReader::TidyReader(std::unique_ptr<TidyTable> table) : _table(std::move(table))
@@ -140,8 +134,6 @@ void TidyReader::_takeRow()
     return;
   if (!step.readings.insert(keyOf(row.reading, step.entry)).second)
     _table->refuse(TidyColumn::Reading, row.reading + " is there twice at this time");
-  if (const auto found = implausibleReading(step.entry))
-    _table->refuse(partOf(found->member), found->member + ": " + found->message);
   if (!step.entry.seen && step.readings.size() > 1)
     _table->refuse(TidyColumn::Reading, "person " + *row.person + " is not seen at this time, and yet observed");
   (person ? _steps[*person] : _room) = std::move(step);

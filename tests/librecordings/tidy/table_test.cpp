@@ -100,10 +100,8 @@ TEST_F(TableTest, WithScoresInPercentIsRefused)
   const std::vector<double> smile = {0.5, 50.};
   const std::vector<double> seconds = {0., 1.};
   const Table table{"table", 2, {{"time", seconds.data(), {}}, {"smile", smile.data(), {}}}};
-  EXPECT_EQ(
-      "table, row 1: smile: smile.value: expected a number from 0 to 1, found 50: this looks like percent, to be "
-      "divided by 100",
-      support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0));
+  EXPECT_EQ("table, row 1: smile: 50 is far from its range, 0 to 1; it looks like percent: divide it by 100",
+            support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0));
 }
 
 TEST_F(TableTest, WithoutTimesIsRefused)
