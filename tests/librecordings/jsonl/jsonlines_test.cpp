@@ -362,19 +362,18 @@ TEST_F(JsonLines, AreRefusedIfTheirTimesAreNoNanoseconds)
 
 TEST_F(JsonLines, AreRefusedWhereAScoreIsPercent)
 {
-  const auto errorOf = [this](const std::string& observation) {
-    const auto contents = read("{\"time\":7,\"person\":1,\"observation\":{" + observation + "}}\n");
-    return contents.badLines.empty() ? "" : contents.badLines.front().substr(folder.path("f").size());
+  const auto errorIn = [this](const std::string& observation) {
+    return errorOf("{\"time\":7,\"person\":1,\"observation\":{" + observation + "}}\n");
   };
   const std::string why = ": this looks like percent, to be divided by 100";
-  EXPECT_EQ(":1: observation.smile.value: expected a number from 0 to 1, found 50" + why,
-            errorOf(R"("smile":{"value":50,"confidence":1})"));
-  EXPECT_EQ(":1: observation.smile.confidence: expected a number from 0 to 1, found 95" + why,
-            errorOf(R"("smile":{"value":1,"confidence":95})"));
-  EXPECT_EQ(":1: observation.expressions.joy.value: expected a number from 0 to 1, found 80" + why,
-            errorOf(R"("expressions":{"joy":{"value":80,"confidence":1}})"));
-  EXPECT_EQ("", errorOf(R"("gaze":{"yaw":80,"pitch":50},"distance":{"value":3},"touchEmotion":{"value":80})"));
-  EXPECT_EQ("", errorOf(R"("smile":{"value":1.01,"confidence":1})"));
+  EXPECT_EQ("1: observation.smile.value: expected a number from 0 to 1, found 50" + why,
+            errorIn(R"("smile":{"value":50,"confidence":1})"));
+  EXPECT_EQ("1: observation.smile.confidence: expected a number from 0 to 1, found 95" + why,
+            errorIn(R"("smile":{"value":1,"confidence":95})"));
+  EXPECT_EQ("1: observation.expressions.joy.value: expected a number from 0 to 1, found 80" + why,
+            errorIn(R"("expressions":{"joy":{"value":80,"confidence":1}})"));
+  EXPECT_EQ("", errorIn(R"("gaze":{"yaw":80,"pitch":50},"distance":{"value":3},"touchEmotion":{"value":80})"));
+  EXPECT_EQ("", errorIn(R"("smile":{"value":1.01,"confidence":1})"));
 }
 
 TEST_F(JsonLines, AreRefusedWhereTheTimeOfAReadingIsNoNanoseconds)
