@@ -37,9 +37,9 @@ struct SKEIGIOT_API ScopeVerdict
   /// The verdict on one person.
   struct OfPerson
   {
-    std::string word;         ///< "positive", "neutral", "negative" or "unknown"
-    std::size_t updates = 0;  ///< how many updates it stands on
-    PersonSummary summary;    ///< of these updates; finished
+    std::string word;            ///< "positive", "neutral", "negative" or "unknown"
+    std::size_t updates = 0;     ///< how many updates it stands on
+    PersonSummary summary = {};  ///< of these updates; finished
   };
 
   /// Returns the verdict on `person`: that of a scope without updates if they had none in it, "error" if the scope was
