@@ -124,15 +124,20 @@ export class PersonView {
 
   private addEstimates(): void {
     const card = this.card(this.estimates, "estimates", "Valence and attention");
-    this.heading(card, "Valence", "how the person feels; the band is wider the less sure the estimate is");
-    this.addLegend(card, "valence");
-    this.chart(card, this.valenceOptions(), this.withBand(this.person.valence, this.person.valenceConfidence, this.person.valenceKnown, -1));
-    this.heading(card, "Attention", "how much of it the robot has, from 0 to 1; the band likewise");
-    this.addLegend(card, "attention");
-    this.chart(card, this.attentionOptions(), this.withBand(this.person.attention, this.person.attentionConfidence, this.person.attentionKnown, 0));
-    this.chart(card, ribbonOptions(this.stateLanes(), true), [this.person.time, this.person.valence]);
-    this.addCoders(card);
-    card.append(
+    card.classList.add("long");
+    const { person } = this;
+    const first = this.block(card);
+    this.heading(first, "Valence", "how the person feels; the band is wider the less sure the estimate is");
+    this.addLegend(first, "valence");
+    const valences = this.withBand(person.valence, person.valenceConfidence, person.valenceKnown, -1);
+    this.chart(first, this.valenceOptions(), valences);
+    const second = this.block(card);
+    this.heading(second, "Attention", "how much of it the robot has, from 0 to 1; the band likewise");
+    this.addLegend(second, "attention");
+    const attentions = this.withBand(person.attention, person.attentionConfidence, person.attentionKnown, 0);
+    this.chart(second, this.attentionOptions(), attentions);
+    this.chart(second, ribbonOptions(this.stateLanes(), true), [person.time, person.valence]);
+    second.append(
       element(
         "p",
         { class: "note" },
@@ -140,14 +145,16 @@ export class PersonView {
         element("span", { class: "keys" }, "Drag to zoom in, double-click to see all again."),
       ),
     );
+    this.addCoders(card);
   }
 
   private addCoders(card: HTMLElement): void {
     const lanes = coderLanes(this.person, this.recording.length);
     if (lanes.length === 0) return;
-    card.append(element("h3", {}, "What coders said"));
-    this.chart(card, ribbonOptions(lanes, true), [this.person.time, this.person.valence]);
-    card.append(element("p", { class: "note", id: "coders" }, codersNote(this.person) ?? ""));
+    const block = this.block(card);
+    block.append(element("h3", {}, "What coders said"));
+    this.chart(block, ribbonOptions(lanes, true), [this.person.time, this.person.valence]);
+    block.append(element("p", { class: "note", id: "coders" }, codersNote(this.person) ?? ""));
   }
 
   private addLegend(card: HTMLElement, quantity: string): void {
@@ -168,8 +175,7 @@ export class PersonView {
   private addInputChart(card: HTMLElement, { title, unit, range, lines }: InputChart): void {
     const shown = lines.filter(({ input }) => this.person.inputs.has(input));
     if (shown.length === 0) return;
-    const block = element("div", { class: "block" });
-    card.append(block);
+    const block = this.block(card);
     block.append(
       element("h3", {}, title),
       element(
@@ -375,6 +381,13 @@ export class PersonView {
     target.append(card);
     this.addSave(card, figure, title);
     return card;
+  }
+
+  /** Adds a part of the card that is not divided between two sheets of paper. */
+  private block(card: HTMLElement): HTMLElement {
+    const block = element("div", { class: "block" });
+    card.append(block);
+    return block;
   }
 
   private addSave(card: HTMLElement, figure: FigureName, title: string): void {
