@@ -2,7 +2,7 @@
 
 import { binned } from "./changes";
 import { valueAt } from "./coders";
-import { Change, Person, personName, Recording } from "./data";
+import { Change, Person, personName, Recording, sourceName } from "./data";
 
 export type FigureName = "estimates" | "comparison" | "inputs" | "valence-pulls" | "attention-pulls" | "room";
 
@@ -85,10 +85,10 @@ function inputs(person: Person, span: Span): Table {
   };
 }
 
-function pulls(person: Person, changes: Change[], { from, to }: Span, bars: number): Table {
+function pulls(recording: Recording, person: Person, changes: Change[], { from, to }: Span, bars: number): Table {
   const { times, distances } = binned(person, changes, from, to, bars);
   return {
-    header: ["time", ...changes.map(({ source }) => source)],
+    header: ["time", ...changes.map(({ source }) => sourceName(recording, source))],
     rows: times.map((time, bar) => [time, ...distances.map((values) => values[bar])]),
   };
 }
@@ -108,9 +108,9 @@ function tableOf(name: FigureName, recording: Recording, person: Person, span: S
     case "inputs":
       return inputs(person, span);
     case "valence-pulls":
-      return pulls(person, person.valenceChanges, span, bars);
+      return pulls(recording, person, person.valenceChanges, span, bars);
     case "attention-pulls":
-      return pulls(person, person.attentionChanges, span, bars);
+      return pulls(recording, person, person.attentionChanges, span, bars);
     case "room":
       return room(recording, span);
   }
