@@ -150,11 +150,13 @@ class Replay:
 
     def title_of(self, person: int) -> str:
         """Returns what to call a person in titles."""
-        return f"Person {person}"
+        name = self.names.get(person)
+        return f"Person {person}" if name is None else f"{name} ({person})"
 
     def summary(self) -> pandas.DataFrame:
         """Returns what the recording showed on the whole, as a pandas frame with a row for each person and scope, by
-        their start, longer scopes first: "whole recording" is the first of each person.
+        their start, longer scopes first: "whole recording" is the first of each person. `skeigiot replay --summary`
+        writes the same columns.
 
         Means and shares are over time. valence, attention and their confidences are means over the time in which the
         estimate was known, NaN if it never was; valence_known and attention_known are the shares of that time. engaged

@@ -45,7 +45,9 @@ def _row(replay: ShownReplay, number: int, scope: ShownVerdict, boundaries: Mapp
     seen_and_known = np.where(updates["seen"], known["attention"], 0.0)
     verdict = scope.persons[number]
     row: Dict[str, Any] = {
+        "file": updates["file"][0],
         "person": number,
+        "name": replay.names.get(number, ""),
         "scope": scope.scope,
         "start": scope.start,
         "stop": scope.stop,

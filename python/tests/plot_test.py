@@ -1,5 +1,6 @@
 """Pictures and summaries of replays, and what notebooks show of them."""
 
+import csv
 import sys
 
 import numpy as np
@@ -153,6 +154,31 @@ def test_a_summary_has_the_numbers_that_the_command_shows(greeting):
     assert f"{100 * row.engaged:.0f} % of the time (attention from 0.60), strictly {100 * row.strictly_engaged:.0f} %" in shown
     assert f"LookingAtRobot {100 * row.zone_LookingAtRobot:.0f} %" in shown
     assert f"positive {100 * row.pleasure_positive:.0f} %, neutral {100 * row.pleasure_neutral:.0f} %" in shown
+
+
+def test_a_summary_is_what_the_command_writes(tmp_path):
+    path = tmp_path / "summary.csv"
+    recordings.command("replay", recordings.greeting(), "--quiet", "--summary", path)
+    with open(path, newline="") as file:
+        written = [row for row in csv.DictReader(file) if row["scope"] == "whole recording"]
+    frame = skeigiot.replay(recordings.greeting()).summary()
+    frame = frame[frame.scope == "whole recording"]
+    assert set(frame) <= set(written[0])
+    assert len(frame) == len(written)
+    for found, expected in zip(frame.to_dict("records"), written):
+        for name, value in found.items():
+            text = expected[name]
+            same = text == value if isinstance(value, str) else value == pytest.approx(float(text or "nan"), nan_ok=True)
+            assert same, name
+
+
+def test_a_summary_calls_persons_by_their_names():
+    frame = {"time": [0.0, 0.0], "person": ["anna", "ben"], "smile": [1.0, 0.0]}
+    replay = skeigiot.replay(frame)
+    assert replay.summary().name.tolist() == ["anna", "ben"]
+    assert replay.title_of(1) == "ben (1)"
+    assert replay.title_of(2) == "Person 2"
+    assert "ben (1)" in replay._repr_html_()
 
 
 def test_a_summary_leaves_out_what_is_unknown():

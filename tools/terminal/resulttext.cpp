@@ -1,5 +1,9 @@
 #include "terminal/resulttext.hpp"
 
+#include "terminal/personheading.hpp"
+#include "terminal/shown.hpp"
+
+#include <skeigiot/session/names.hpp>
 #include <skeigiot/session/wording.hpp>
 
 #include <algorithm>
@@ -34,19 +38,20 @@ std::string verdictOn(std::int32_t person, const session::Summary& summary, cons
   return found == verdicts.end() ? unknown : found->of(person).word;
 }
 
-/// "How person 1 felt", "Person 1 was positive on the whole (valence +0.55)".
+/// "How person 1 felt", "Person 1 was positive on the whole (valence +0.55)". A name stands before the number.
 std::string sentenceOn(std::int32_t person, const session::PersonSummary& ofPerson, const std::string& verdict)
 {
-  const std::string number = std::to_string(person);
+  const std::string name = ofPerson.name();
+  const std::string who = shown(session::personText(person, name));
   const std::string looked =
       "looked at the robot " + session::percentage(ofPerson.lookingAtRobotShare()) + " of the time";
   const bool knowsValence = verdict != unknown && ofPerson.isValenceKnown();
   if (!knowsValence && !ofPerson.isAttentionKnown())
-    return "How person " + number + " felt, and where they looked, is unknown.";
+    return "How " + who + " felt, and where they looked, is unknown.";
   if (!knowsValence)
-    return "How person " + number + " felt is unknown; they " + looked + ".";
-  const std::string felt =
-      "Person " + number + " was " + verdict + " on the whole (valence " + signedText(ofPerson.valence()) + ")";
+    return "How " + who + " felt is unknown; they " + looked + ".";
+  const std::string felt = personHeading(person, name) + " was " + verdict + " on the whole (valence " +
+                           signedText(ofPerson.valence()) + ")";
   return felt + (ofPerson.isAttentionKnown() ? " and " + looked + "." : "; where they looked is unknown.");
 }
 

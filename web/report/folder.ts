@@ -99,7 +99,7 @@ function personCells(person: FolderPerson): HTMLElement[] {
   const valence = number(person.valence, signed);
   const attention = number(person.attention, plain);
   return [
-    element("td", {}, name),
+    element("td", { class: "who" }, name),
     element("td", { class: "number" }, number(person.seen, percent)),
     element("td", {}, picture(person.valenceCurve, -1, "valence", `Valence of ${name}: ${valence} on average`)),
     element("td", { class: "number" }, valence),

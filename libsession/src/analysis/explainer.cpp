@@ -36,6 +36,7 @@ void Explainer::_noteUpdate(const Snapshot& snapshot)
   if (isNew)
     updates->second.first = snapshot.sinceStart;
   updates->second.last = snapshot.sinceStart;
+  updates->second.name = snapshot.name;
 }
 
 }  // namespace KV::session

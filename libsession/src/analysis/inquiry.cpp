@@ -77,6 +77,8 @@ std::string listed(const std::map<std::int32_t, Explainer::Updates>& persons)
     if (++count > mostPersonsNamed)
       return text + ", ... (" + std::to_string(persons.size()) + " in all)";
     text += (text.empty() ? "" : ", ") + std::to_string(person);
+    if (!updates.name.empty())
+      text += " (" + updates.name + ")";
   }
   return text;
 }

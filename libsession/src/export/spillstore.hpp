@@ -18,7 +18,7 @@ namespace KV::session
 class SpillStore
 {
 public:
-  static constexpr std::size_t blockSize = std::size_t{64} << 10U;  ///< [bytes]
+  static constexpr std::size_t blockSize = std::size_t{16} << 10U;  ///< [bytes]
 
   /// Number of a block in the file.
   using Block = std::size_t;

@@ -60,13 +60,13 @@ void forEachColumn(const SessionName& session, const Row& row, Field&& field)
   maybe("person", hasPerson, [&] { return row.number; });
   field("name", hasPerson ? row.person->name() : std::string());
   maybe("scope", hasScope, [&] { return row.scope->name; });
-  maybe("scope_from", hasScope, [&] { return row.scope->from; });
-  maybe("scope_to", hasScope, [&] { return row.scope->to; });
-  maybe("scope_end", hasScope, [&] { return std::string(scopeEndName(row.scope->end)); });
+  maybe("start", hasScope, [&] { return row.scope->from; });
+  maybe("stop", hasScope, [&] { return row.scope->to; });
+  maybe("end", hasScope, [&] { return std::string(scopeEndName(row.scope->end)); });
   field("verdict", verdict.word);
   maybe("updates", hasPerson, [&] { return static_cast<int>(verdict.updates); });
-  maybe("from", hasUpdates, [&] { return summary.from(); });
-  maybe("to", hasUpdates, [&] { return summary.to(); });
+  maybe("first", hasUpdates, [&] { return summary.from(); });
+  maybe("last", hasUpdates, [&] { return summary.to(); });
   maybe("seen", hasUpdates, [&] { return summary.seenShare(); });
 
   const bool hasValence = hasUpdates && summary.isValenceKnown();

@@ -83,18 +83,18 @@ TEST_F(SummaryExport, HasARowForEachPersonAndScope)
   EXPECT_EQ("4", all[0].at("person"));
   EXPECT_EQ("whole recording", all[0].at("scope"));
   EXPECT_EQ("3", all[0].at("updates"));
-  EXPECT_EQ("0", all[0].at("from"));
-  EXPECT_EQ("1", all[0].at("to"));
+  EXPECT_EQ("0", all[0].at("first"));
+  EXPECT_EQ("1", all[0].at("last"));
   EXPECT_EQ("4", all[1].at("person"));
   EXPECT_EQ("end", all[1].at("scope"));
-  EXPECT_EQ("1", all[1].at("scope_from"));
+  EXPECT_EQ("1", all[1].at("start"));
   EXPECT_EQ("1", all[1].at("updates"));
   EXPECT_EQ("7", all[2].at("person"));
   for (const auto& row : all)
   {
     EXPECT_EQ("1", row.at("recording"));
     EXPECT_EQ("face.csv", row.at("file"));
-    EXPECT_EQ("complete", row.at("scope_end"));
+    EXPECT_EQ("complete", row.at("end"));
     EXPECT_EQ("", row.at("error"));
     EXPECT_EQ("", row.at("agitation"));
   }

@@ -61,6 +61,16 @@ TEST(ResultText, SaysHowAPersonFeltAndWhereTheyLooked)
             Result().with("positive", snapshotAt(0., 0.5f, 1.f)).text());
 }
 
+TEST(ResultText, CallsAPersonByTheirName)
+{
+  KV::session::Snapshot snapshot = snapshotAt(0., 0.5f, 1.f);
+  snapshot.name = "anna\n";
+  EXPECT_EQ("anna\\n (person 1) was positive on the whole (valence +0.50) and looked at the robot 100 % of the time.",
+            Result().with("positive", snapshot).text());
+  EXPECT_EQ("How anna\\n (person 1) felt is unknown; they looked at the robot 100 % of the time.",
+            Result().with("unknown", withoutValence(snapshot)).text());
+}
+
 TEST(ResultText, SaysWhatIsUnknown)
 {
   EXPECT_EQ("How person 1 felt is unknown; they looked at the robot 100 % of the time.",

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <string>
 
 namespace KV::session
 {
@@ -22,6 +23,7 @@ public:
   {
     Duration first{0};  ///< [ns] of the first update, since the start
     Duration last{0};   ///< [ns] of the last update, since the start
+    std::string name;   ///< what the recording calls the person; empty if they have no name
   };
 
   /// Calls `onUpdate` after each update of the person, or of everybody without one, on the thread that plays.
