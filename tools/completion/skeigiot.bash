@@ -25,7 +25,7 @@ _skeigiot()
 
   for ((i = 1; i < COMP_CWORD; ++i)); do
     case ${COMP_WORDS[i]} in
-      agree | replay | inspect | mapping | report | stream | types | watch | why)
+      agree | replay | inspect | mapping | report | stream | types | watch | why | help)
         command=${COMP_WORDS[i]}
         break
         ;;
@@ -57,7 +57,7 @@ _skeigiot()
       :
       return
       ;;
-    "replay --offset" | "replay --csv" | "replay --jsonl" | "replay --to-jsonl" | "replay --report" | "replay --mapping")
+    "replay --offset" | "replay --csv" | "replay --jsonl" | "replay --summary" | "replay --to-jsonl" | "replay --report" | "replay --mapping")
       _skeigiot_files "$word"
       return
       ;;
@@ -89,11 +89,11 @@ _skeigiot()
       _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
       return
       ;;
-    "report --scope" | "report --cycle" | "report --fps" | "report --look-at" | "report --rest" | "report --camera-height" | "report --min-confidence" | "report --au-full-scale" | "report --person-from" | "report --boundary-positive" | "report --boundary-negative" | "report --boundary-confidence" | "report --boundary-looking-at-robot" | "report --boundary-strictly-looking-at-robot" | "report --boundary-excited")
+    "report --scope" | "report --cycle" | "report --video-offset" | "report --label" | "report --unlabelled" | "report --scale" | "report --person" | "report --tier" | "report --labels-offset" | "report --fps" | "report --look-at" | "report --rest" | "report --camera-height" | "report --min-confidence" | "report --au-full-scale" | "report --person-from" | "report --boundary-positive" | "report --boundary-negative" | "report --boundary-confidence" | "report --boundary-looking-at-robot" | "report --boundary-strictly-looking-at-robot" | "report --boundary-excited")
       :
       return
       ;;
-    "report -o" | "report --output" | "report --offset" | "report --mapping")
+    "report -o" | "report --output" | "report --offset" | "report --labels" | "report --video" | "report --mapping")
       _skeigiot_files "$word"
       return
       ;;
@@ -103,6 +103,10 @@ _skeigiot()
       ;;
     "report --format")
       _skeigiot_words "$word" "livelink pyfeat blendshapes openface tidy mediapipe rosbag2 jsonl"
+      return
+      ;;
+    "report --value")
+      _skeigiot_words "$word" "valence attention"
       return
       ;;
     "stream --cycle")
@@ -153,27 +157,28 @@ _skeigiot()
 
   case $command in
     "")
-      _skeigiot_words "$word" "agree replay inspect mapping report stream types watch why --help --version -h"
+      _skeigiot_words "$word" "agree replay inspect mapping report stream types watch why help --help --version -h"
+      ((${#COMPREPLY[@]})) || _skeigiot_files "$word"  # a recording
       ;;
     agree)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --csv --cycle --format --fps --frame --help --json --label --labels --labels-offset --look-at --mapping --max-delay --min-confidence --mirrored --offset --person --person-from --rest --scale --skip-bad --tier --unlabelled --value -h"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --csv --cycle --force --format --fps --frame --help --json --label --labels --labels-offset --look-at --mapping --max-delay --min-confidence --mirrored --offset --person --person-from --rest --scale --skip-bad --tier --unlabelled --value -h"
       fi
       ;;
     replay)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --color --csv --cycle --explain --format --fps --frame --help --jobs --jsonl --look-at --mapping --min-confidence --mirrored --offset --person-from --quiet --report --rest --scope --separately --skip-bad --step --to-jsonl -h -q"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --color --csv --cycle --explain --force --format --fps --frame --help --jobs --jsonl --look-at --mapping --min-confidence --mirrored --offset --person-from --quiet --report --rest --scope --separately --skip-bad --step --summary --to-jsonl -h -q"
       fi
       ;;
     inspect)
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --camera-height --format --fps --frame --help --json --look-at --mapping --min-confidence --mirrored --person-from --rest --skip-bad -h"
+        _skeigiot_words "$word" "--au-full-scale --camera-height --columns --format --fps --frame --help --json --look-at --mapping --min-confidence --mirrored --person-from --rest --skip-bad -h"
       fi
       ;;
     mapping)
@@ -183,7 +188,7 @@ _skeigiot()
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --format --fps --frame --help --look-at --mapping --min-confidence --mirrored --offset --output --person-from --rest --scope --skip-bad -h -o"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --force --format --fps --frame --help --label --labels --labels-offset --look-at --mapping --min-confidence --mirrored --offset --output --person --person-from --rest --scale --scope --skip-bad --tier --unlabelled --value --video --video-offset -h -o"
       fi
       ;;
     stream)
@@ -205,6 +210,9 @@ _skeigiot()
       else
         _skeigiot_words "$word" "--all --at --au-full-scale --camera-height --cycle --format --fps --frame --from --help --json --look-at --mapping --min-confidence --mirrored --offset --person --person-from --rest --skip-bad --to -h"
       fi
+      ;;
+    help)
+      _skeigiot_words "$word" "agree replay inspect mapping report stream types watch why help --help -h"
       ;;
   esac
 }
