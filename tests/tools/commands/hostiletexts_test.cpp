@@ -58,6 +58,7 @@ const std::string steps =
     "{\"time\":1000000000,\"person\":1,\"start\":[{\"scope\":" + inJson +
     "}],\"observation\":{\"gaze\":{\"yaw\":0,\"pitch\":0}}}\n{\"time\":2000000000,\"person\":1}\n";
 const std::string table = "frame,face_id,timestamp,confidence,success,AU12_r," + hostile + "\n1,3,0,0.9,1,2.5,a\n";
+const std::string named = "frame,name,timestamp,confidence,success,AU12_r\n1," + hostile + ",0,0.9,1,2.5\n";
 const std::string labels = "start,end,value,coder\n0,1,positive," + hostile + "\n0,1,neutral,b\n";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -86,6 +87,8 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"CodersOfLabels", "in.csv", labels,
                 "printf '{\"time\":0,\"person\":1}\\n{\"time\":900000000,\"person\":1}\\n' > in.jsonl; "
                 "$skeigiot agree in.jsonl --labels in.csv"},
+        Hostile{"PersonsInAReplay", "in.csv", named, "$skeigiot replay --person-from name in.csv"},
+        Hostile{"PersonsInAnExplanation", "in.csv", named, "$skeigiot why --person-from name in.csv --at 0"},
         Hostile{"Types", "in", "", "$skeigiot types \"$2\""}, Hostile{"Options", "in", "", "$skeigiot \"--$2\""},
         Hostile{"Mappings", "in.csv", table + "\n",
                 "printf '{%s:1}' '" + inJson + "' > m; $skeigiot replay --mapping m in.csv"}),
