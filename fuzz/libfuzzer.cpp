@@ -1,3 +1,4 @@
+#include "cost.hpp"
 #include "target.hpp"
 
 #include <algorithm>
@@ -29,6 +30,6 @@ const fuzz::Target& chosenTarget()
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
   static const fuzz::Target& target = chosenTarget();
-  target.run({reinterpret_cast<const char*>(data), size});
+  fuzz::runWithinBudget(target, {reinterpret_cast<const char*>(data), size});
   return 0;
 }

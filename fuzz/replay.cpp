@@ -1,3 +1,4 @@
+#include "cost.hpp"
 #include "target.hpp"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ int replay(const fuzz::Target& target, const std::filesystem::path& folder)
   for (const auto& entry : std::filesystem::directory_iterator(folder))
   {
     std::cout << entry.path().filename().string() << std::endl;  // known even if the next line ends the program
-    target.run(contentOf(entry.path()));
+    fuzz::runWithinBudget(target, contentOf(entry.path()));
     ++files;
   }
   std::cout << files << " files of " << target.name << " replayed\n";

@@ -42,6 +42,11 @@ void fuzzStream(std::string_view input);
 void fuzzJson(std::string_view input);
 void fuzzCbor(std::string_view input);
 void fuzzCalls(std::string_view input);
+void fuzzMessages(std::string_view input);  ///< of bags, made of the bytes
+void fuzzReport(std::string_view input);
+void fuzzInspect(std::string_view input);
+void fuzzWhy(std::string_view input);
+void fuzzWatch(std::string_view input);
 /// @}
 
 /// Ends the program with what was expected and is not so; a finding for the fuzzer.

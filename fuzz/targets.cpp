@@ -23,6 +23,11 @@ const std::vector<Target>& targets()
       {"json", fuzzJson},
       {"cbor", fuzzCbor},
       {"calls", fuzzCalls},
+      {"messages", fuzzMessages},
+      {"report", fuzzReport},
+      {"inspect", fuzzInspect},
+      {"why", fuzzWhy},
+      {"watch", fuzzWatch},
   };
   return all;
 }
