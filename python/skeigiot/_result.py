@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import io
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
@@ -9,7 +10,7 @@ from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
-from . import _html, _plot, _summary
+from . import _html, _plot
 
 if TYPE_CHECKING:
     import pandas  # type: ignore[import]
@@ -132,7 +133,7 @@ class Replay:
         self.learned: List[str] = outcome["learned"]
         self.warnings: List[str] = outcome["warnings"]
         self.updates = _timed(_columns(outcome["updates"]))
-        self._boundaries: Dict[str, float] = outcome["boundaries"]
+        self._summary: str = outcome["summary"]
         self.forces = self._with_persons(_columns(outcome["forces"]))
         self.zone_changes = self._with_persons(_columns(outcome["zone_changes"]))
         self.ambiance = _timed(_columns(outcome["ambiance"]))
@@ -154,26 +155,25 @@ class Replay:
         return f"Person {person}" if name is None else f"{name} ({person})"
 
     def summary(self) -> pandas.DataFrame:
-        """Returns what the recording showed on the whole, as a pandas frame with a row for each person and scope, by
-        their start, longer scopes first: "whole recording" is the first of each person. `skeigiot replay --summary`
-        writes the same columns.
+        """Returns what the recording showed on the whole, as a pandas frame with the rows and columns that `skeigiot
+        replay --summary` exports: one for each person and scope.
 
-        Means and shares are over time. valence, attention and their confidences are means over the time in which the
-        estimate was known, NaN if it never was; valence_known and attention_known are the shares of that time. engaged
-        and strictly_engaged are the shares in which the person was seen with an attention from the boundaries
-        looking_at_robot and strictly_looking_at_robot on. zone_... are shares in which the person was seen and looked
-        there, pleasure_... shares with that mood, seen or not. verdict and updates are those of verdicts; first and
-        last are the times of the first and the last update in the scope. Raises ImportError if there is no pandas.
+        Means and shares are over time. Means leave out what is unknown, and are NaN if it was never known;
+        valence_known and attention_known are the shares in which it was known. engaged and strictly_engaged are the
+        shares in which the person was seen with an attention from the boundaries looking_at_robot and
+        strictly_looking_at_robot on. Raises ImportError if there is no pandas.
         """
         import pandas
 
-        return pandas.DataFrame(_summary.rows_of(self, self._boundaries))
+        frame = pandas.read_csv(io.StringIO(self._summary), keep_default_na=False, na_values=[""])
+        texts = ["file", "name", "scope", "scope_end", "verdict", "error"]
+        return frame.assign(**{column: frame[column].fillna("").astype(str) for column in texts})
 
     def plot(self, persons: Optional[Iterable[int]] = None) -> Figure:
         """Draws valence and attention of each person over time, in bands that are wider the less sure the estimate is,
         and ribbons of the scopes, zones and pleasure; returns the figure of matplotlib.
 
-        persons: whom to draw; not given, all persons, or of many those with the most updates. What is unknown is not
+        persons: whom to draw, by their numbers; not given, all persons, or of many those with the most updates. What is unknown is not
         drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(), or
         pyplot.show(). Raises ImportError if there is no matplotlib, ValueError for a person who is not there.
         """

@@ -156,10 +156,7 @@ py::dict dictOf(ReplayOutcome& outcome)
   dict["error"] = errorOf(outcome.error, outcome.hint);
   dict["verdicts"] = verdicts;
   dict["updates"] = outcome.tables.updates.take();
-  py::dict boundaries;
-  boundaries["looking_at_robot"] = outcome.lookingAtRobot;
-  boundaries["strictly_looking_at_robot"] = outcome.strictlyLookingAtRobot;
-  dict["boundaries"] = boundaries;
+  dict["summary"] = textOf(outcome.summary);
   dict["forces"] = outcome.tables.forces.take();
   dict["zone_changes"] = outcome.tables.zoneChanges.take();
   dict["ambiance"] = outcome.tables.ambiance.take();

@@ -2,12 +2,13 @@
 
 #include "silencedlog.hpp"
 
-#include <skeigiot/personstate.hpp>
+#include <skeigiot/session/exportformat.hpp>
 #include <skeigiot/session/player.hpp>
 
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <sstream>
 #include <utility>
 
 namespace binding
@@ -89,11 +90,16 @@ ReplayOutcome play(const ReplayRequest& request, const std::vector<KV::session::
 ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check)
 {
   ReplayTables tables;
-  ReplayRecord record(request.session.exportedAs(request.number), request.explain, tables);
-  ReplayOutcome result = play(request, {&record}, check);
+  const KV::session::SessionName name = request.session.exportedAs(request.number);
+  ReplayRecord record(name, request.explain, tables);
+  std::ostringstream summary;
+  const auto exporter = KV::session::exportFormat("summary").make(summary);
+  exporter->writeHeader();
+  exporter->beginSession(name);
+  ReplayOutcome result = play(request, {&record, exporter.get()}, check);
+  exporter->endSession(result.error ? result.error->what() : "");
   result.tables = std::move(tables);
-  result.lookingAtRobot = KV::PersonState::getBinaryBoundaryLookingAtRobot();
-  result.strictlyLookingAtRobot = KV::PersonState::getBinaryBoundaryStrictlyLookingAtRobot();
+  result.summary = summary.str();
   return result;
 }
 

@@ -39,8 +39,7 @@ struct ReplayOutcome
   std::string name;
   ReplayTables tables;
   KV::session::Duration length{0};
-  float lookingAtRobot = 0.f;          ///< boundary of the attention, as it was then
-  float strictlyLookingAtRobot = 0.f;  ///< likewise
+  std::string summary;  ///< as comma-separated values; empty if it was only played
   std::vector<std::string> description;
   std::vector<std::string> learned;
   std::vector<std::string> warnings;
