@@ -91,11 +91,11 @@ std::size_t columnsOf(const KV::tools::PageLine& line)
   });
 }
 
-void showPage(const KV::session::PersonTable& table, const KV::tools::InputStatus& status, KV::session::TimePoint now)
+void showPage(const KV::tools::WatchContents& contents, KV::tools::WatchView& view)
 {
   for (const std::size_t height : {std::size_t{1}, std::size_t{24}})
   {
-    const auto page = KV::tools::watchPage(table, status, now, width, height);
+    const auto page = KV::tools::watchPage(contents, view, width, height);
     expect(page.size() <= height, "a page is no higher than the terminal");
     for (const KV::tools::PageLine& line : page)
       expect(columnsOf(line) <= width, "a line is no wider than the terminal");
@@ -153,6 +153,7 @@ void fuzzWatch(std::string_view input)
   KV::session::PersonTable table;
   KV::session::LiveSession session(KV::session::StreamTimes::Lines, [arrival] { return arrival; }, {&table});
   KV::tools::InputStatus status;
+  KV::tools::WatchView view;
   for (int left = mostSteps; left > 0 && !input.empty(); --left)
   {
     const std::string_view line = input.substr(0, input.find('\n'));
@@ -169,7 +170,8 @@ void fuzzWatch(std::string_view input)
       status.lastError = error.member() + ": " + error.what();
     }
     table.removeOld(session.present());
-    showPage(table, status, session.present());
+    showPage({table.rows(), status, session.present()}, view);
+    view.press(left % 2 == 0 ? KV::tools::Key::Down : KV::tools::Key::Pane, table.rows());
   }
 }
 

@@ -19,6 +19,7 @@ public:
   {
     Bits bits;
     bits._add(entry.time);
+    bits._add(entry.isDated);
     bits._addAll(entry.scopeStarts);
     bits._add(entry.movements);
     bits._add(entry.ambianceActivity);

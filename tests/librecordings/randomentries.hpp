@@ -2,6 +2,7 @@
 
 #include "librecordings/support.hpp"
 
+#include <skeigiot/recordings/implausible.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
 #include <array>
@@ -105,11 +106,22 @@ private:
     return points;
   }
 
+  // Any time but those that look like one of our days in another unit, which a reader refuses.
+  std::int64_t _otherTime()
+  {
+    while (true)
+    {
+      const auto high = std::uint64_t{_random()} << 32U;
+      const auto nanoseconds = static_cast<std::int64_t>(high | _random());
+      if (!KV::recordings::implausibleTime(timeOf(nanoseconds)))
+        return nanoseconds;
+    }
+  }
+
   template <typename T>
   void _put(KV::PersonObservation::Reading<T>& reading, const T& value)
   {
-    const auto time = _perhaps() ? timeOf(_nanoseconds)
-                                 : timeOf(static_cast<std::int64_t>((std::uint64_t{_random()} << 32U) | _random()));
+    const auto time = timeOf(_perhaps() ? _nanoseconds : _otherTime());
     if (_perhaps())
       reading.emplace(time, value);
   }

@@ -62,12 +62,11 @@ std::string nameOf(const std::string& path)
   return isStandardInput(path) ? "standard input" : path;
 }
 
-std::string nameOf(const session::SessionInputs& session)
+session::SessionInputs named(session::SessionInputs session)
 {
-  session::SessionInputs named = session;
-  for (session::SessionInputs::Input& input : named.inputs)
+  for (session::SessionInputs::Input& input : session.inputs)
     input.path = nameOf(input.path);
-  return named.name();
+  return session;
 }
 
 std::istream& standardInput()

@@ -14,8 +14,8 @@ bool isStandardInput(const std::string& path);
 /// Returns the path, or for "-" what messages call it.
 std::string nameOf(const std::string& path);
 
-/// Returns the paths of the session, with standard input by its name.
-std::string nameOf(const session::SessionInputs& session);
+/// Returns the session with standard input by what messages call it; for its names, not to open its inputs.
+session::SessionInputs named(session::SessionInputs session);
 
 /// Returns the bytes of standard input. Reading waits for them, and throws Interrupted if a signal ends the program.
 ///

@@ -130,7 +130,7 @@ void play(const Arguments& arguments, const session::SessionInputs& inputs, sess
   for (const std::string& text : outcome.warningLines())
     messages.note("warning: " + text);
   if (outcome.badLines > 0)
-    messages.note(nameOf(inputs) + ": " + outcome.skippedText());
+    messages.note(named(inputs).name() + ": " + outcome.skippedText());
   if (outcome.error)
     throw recordings::Error(*outcome.error);
 }

@@ -1,6 +1,7 @@
 #include "commands/replayrun.hpp"
 
 #include "cli/interruption.hpp"
+#include "cli/standardinput.hpp"
 #include "commands/reportfile.hpp"
 #include "commands/reportfolder.hpp"
 #include "commands/sessionreplay.hpp"
@@ -235,7 +236,10 @@ private:
 
   bool _isInVain() const { return _display.closed() && _exports.empty() && !_report && !_reports; }
 
-  session::SessionName _nameOf(std::size_t i) const { return _options.sessions[i].exportedAs(static_cast<int>(i) + 1); }
+  session::SessionName _nameOf(std::size_t i) const
+  {
+    return named(_options.sessions[i]).exportedAs(static_cast<int>(i) + 1);
+  }
 
   const ReplayOptions& _options;
   const ReplaySurroundings& _surroundings;

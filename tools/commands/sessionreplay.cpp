@@ -43,7 +43,7 @@ class SessionReplay
 public:
   SessionReplay(const session::SessionInputs& inputs, const ReplayOptions& options,
                 const ReplaySurroundings& surroundings, const SessionOutlets& outlets)
-    : _inputs(inputs), _name(nameOf(inputs)), _options(options), _surroundings(surroundings), _outlets(outlets)
+    : _inputs(inputs), _name(named(inputs).name()), _options(options), _surroundings(surroundings), _outlets(outlets)
   {}
 
   SessionOutcome run()

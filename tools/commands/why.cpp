@@ -152,7 +152,7 @@ void answer(const Arguments& arguments)
   Messages messages(std::cerr, false);
   session::Inquiry inquiry;
   inquiry.open = [&] { return session::openSession(session, openerOf(arguments.reading)); };
-  inquiry.name = nameOf(session);
+  inquiry.name = named(session).name();
   inquiry.person = arguments.person;
   inquiry.personName = "--person";
   inquiry.cycle = arguments.cycle;

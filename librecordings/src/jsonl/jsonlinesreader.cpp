@@ -40,10 +40,13 @@ boost::optional<Step> JsonLinesReader::next()
     Step entry = stepFromJson(line);
     if (_anyRead && entry.time < _time)
       throw MemberError("time", "time runs backwards, expected the lines in the order of their times");
+    if (_anyRead && !entry.isDated)
+      throw MemberError("dated", "only the first line tells whether the recording has a date");
     if (const auto found = _units.look(entry))
       throw Error({_file.path(), _file.lineNumber(), found->member}, found->message);
     if (const auto found = implausibleReading(entry))
       throw MemberError("observation." + found->member, found->message);
+    _isDated = _anyRead ? _isDated : entry.isDated;
     _anyRead = true;
     _time = entry.time;
     return entry;
@@ -59,7 +62,8 @@ boost::optional<Step> JsonLinesReader::next()
 std::vector<std::string> JsonLinesReader::describe() const
 {
   return {"JSON Lines: angles in degrees; head yaw to the own right, gaze yaw to the own left, pitch up",
-          "times in nanoseconds since 1970, as the lines say; persons by their member person"};
+          _isDated ? "times in nanoseconds since 1970, as the lines say; persons by their member person"
+                   : "times in nanoseconds, of an unknown day; persons by their member person"};
 }
 
 }  // namespace KV::recordings

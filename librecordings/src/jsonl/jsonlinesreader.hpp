@@ -24,12 +24,17 @@ public:
 
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
+
+  /// Known when the first line was read.
+  bool isDated() const override { return _isDated; }
+
   double progress() const override { return _file.progress(); }
 
 private:
   InputFile _file;
   TimeUnitCheck _units;
   bool _anyRead = false;
+  bool _isDated = true;
   ko::SystemClock::time_point _time;  // of the line read last
 };
 

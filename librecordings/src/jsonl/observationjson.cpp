@@ -118,6 +118,7 @@ template <typename Visitor>
 void visit(Visitor& members, Step& entry)
 {
   Ambiance ambiance{entry.movements, entry.ambianceActivity};
+  members.optional("dated", entry.isDated, entry.isDated);
   members.optional("start", entry.scopeStarts, entry.scopeStarts.empty());
   members.optional("ambiance", ambiance, ambiance.movements == 0 && !ambiance.activity);
   members.optional("person", entry.person, !entry.person);

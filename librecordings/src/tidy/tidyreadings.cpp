@@ -1,6 +1,6 @@
 #include "tidy/tidyreadings.hpp"
 
-#include "recording/plausible.hpp"
+#include "recording/scalecheck.hpp"
 
 #include <skeigiot/readings.hpp>
 #include <skeigiot/recordings/quote.hpp>
@@ -101,8 +101,8 @@ private:
     if (_scales == nullptr)
       return;
     const auto scale = _scales->find(column);
-    if (scale != _scales->end() && isImplausible(value, scale->second))
-      _table.refuse(column, _subject(column) + implausibleText(value, scale->second));
+    if (scale != _scales->end() && isFarFrom(value, scale->second))
+      _table.refuse(column, _subject(column) + farFromText(value, scale->second));
   }
 
   /// Names the reading, unless the column does.

@@ -13,10 +13,27 @@ class RecordingExport : public Exporter
 public:
   explicit RecordingExport(std::ostream& stream) : _writer(stream) {}
 
-  void stepBegins(const recordings::Step& step) override { _writer.write(step); }
+  void recordingDated(bool isDated) override { _isDated = isDated; }
+
+  void stepBegins(const recordings::Step& step) override
+  {
+    if (_isDated || _anyWritten)
+      _writer.write(step);
+    else
+      _writeUndated(step);
+    _anyWritten = true;
+  }
 
 private:
+  void _writeUndated(recordings::Step step)
+  {
+    step.isDated = false;
+    _writer.write(step);
+  }
+
   recordings::JsonLinesWriter _writer;
+  bool _isDated = true;
+  bool _anyWritten = false;
 };
 
 }  // namespace

@@ -345,6 +345,33 @@ TEST_F(JsonLines, ReadBackToTheSameBits)
   EXPECT_EQ(text, textAgain);
 }
 
+TEST_F(JsonLines, SayInTheFirstLineThatTheirDayIsUnknown)
+{
+  const std::string path = folder.write("f", "{\"time\":1577836800000000000,\"dated\":false}\n{\"time\":1577836800100000000}\n");
+  const auto reader = KV::recordings::openRecording(path, "", {});
+  EXPECT_TRUE(reader->next());
+  EXPECT_FALSE(reader->isDated());
+  EXPECT_THAT(reader->describe(), testing::Contains("times in nanoseconds, of an unknown day; persons by their member person"));
+  EXPECT_TRUE(reader->next());
+  EXPECT_FALSE(reader->isDated());
+}
+
+TEST_F(JsonLines, RefuseToLoseTheirDayInALaterLine)
+{
+  const std::string path = folder.write("f", "{\"time\":1577836800000000000}\n{\"time\":1577836800100000000,\"dated\":false}\n");
+  EXPECT_THAT(support::contentsOf(path).badLines,
+              ElementsAre(path + ":2: dated: only the first line tells whether the recording has a date"));
+}
+
+TEST_F(JsonLines, AreWrittenWithoutADayIfTheStepHasNone)
+{
+  KV::recordings::Step step;
+  step.time = support::timeOf(1577836800000000000);
+  EXPECT_EQ("{\"time\":1577836800000000000}\n", written(step));
+  step.isDated = false;
+  EXPECT_EQ("{\"dated\":false,\"time\":1577836800000000000}\n", written(step));
+}
+
 TEST_F(JsonLines, AreRefusedIfTheirTimesAreNoNanoseconds)
 {
   EXPECT_EQ(folder.path("f") +

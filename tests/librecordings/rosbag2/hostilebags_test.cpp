@@ -118,7 +118,7 @@ TEST_F(HostileBags, AreRefusedIfTheyHoldPrograms)
        "has the trigger 'extra': a bag has tables and indices only"},
       {"PRAGMA writable_schema = ON; INSERT INTO sqlite_master VALUES('table', 'extra', 'extra', 0, 'CREATE VIRTUAL "
        "TABLE "
-       "extra USING nothing()')",
+       "extra USING nowhere()')",
        "has the virtual table 'extra': a bag has tables and indices only"},
   };
   for (const auto& [program, message] : programs)

@@ -206,7 +206,7 @@ TEST_F(FormattedTable, RefusesFormatsThatAreNoTables)
 {
   EXPECT_EQ("table: a table cannot be of the format jsonl, JSON Lines of skeigiot", errorWith("jsonl"));
   EXPECT_EQ("table: there is no column time", errorWith("tidy"));
-  table.columns.resize(2);
+  table.columns.resize(1);
   EXPECT_EQ("table: there is no column time", errorWith(""));
   table.rows = 0;
   EXPECT_EQ("table: there is no row", errorWith("openface"));
@@ -214,8 +214,9 @@ TEST_F(FormattedTable, RefusesFormatsThatAreNoTables)
 
 TEST_F(FormattedTable, OfReadingsIsNoneOfAFrontEnd)
 {
+  const std::vector<double> shares = {0.9, 0.1, nothing};
   table.columns[1].name = "time";
-  table.columns[4].name = "smile";
+  table.columns[4] = {"smile", shares.data(), {}};
   const support::Contents found = support::contentsOf(*KV::recordings::openTable(table, "openface", {}));
   ASSERT_EQ(3U, found.entries.size());
   EXPECT_TRUE(found.entries.front().observation.smile);

@@ -19,6 +19,8 @@ namespace KV::recordings
 struct SKEIGIOT_API Step
 {
   ko::SystemClock::time_point time;  ///< what the clock shows during the step; never before that of the step before
+  bool isDated = true;  ///< false: nobody knows on which day it was, the times count from a made-up start. The first
+                        ///< step says it for the whole recording
 
   std::vector<ScopeStart> scopeStarts;  ///< scopes that begin with this step
 

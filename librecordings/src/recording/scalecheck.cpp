@@ -1,4 +1,4 @@
-#include "recording/plausible.hpp"
+#include "recording/scalecheck.hpp"
 
 #include <array>
 #include <charconv>
@@ -30,13 +30,13 @@ std::string likelyUnit(double value, const KV::Scale& scale)
 
 }  // namespace
 
-bool isImplausible(double value, const KV::Scale& scale)
+bool isFarFrom(double value, const KV::Scale& scale)
 {
   const double width = scale.greatest - scale.least;
   return value < scale.least - width || value > scale.greatest + width;
 }
 
-std::string implausibleText(double value, const KV::Scale& scale)
+std::string farFromText(double value, const KV::Scale& scale)
 {
   const std::string unit = scale.unit;
   std::string text = textOf(value) + " is far from its range, " + textOf(scale.least) + " to " +
