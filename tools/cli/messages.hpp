@@ -15,9 +15,6 @@ class Messages
 public:
   Messages(std::ostream& stream, bool quiet) : _stream(stream), _quiet(quiet) {}
 
-  /// Returns the text as it is written, without its line end.
-  static std::string line(const std::string& text) { return "skeigiot: " + text; }
-
   void error(const std::string& text) { _write(text); }
 
   void note(const std::string& text)
@@ -27,7 +24,7 @@ public:
   }
 
 private:
-  void _write(const std::string& text) { _stream << line(shownMessage(text)) << std::endl; }
+  void _write(const std::string& text) { _stream << "skeigiot: " << shownMessage(text) << std::endl; }
 
   std::ostream& _stream;
   bool _quiet;

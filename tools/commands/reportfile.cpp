@@ -66,13 +66,13 @@ std::string dateOfToday()
   return text.data();
 }
 
-/// Returns the lines that a terminal shows of the messages.
+/// Returns the lines of the messages.
 std::vector<std::string> linesOf(const std::vector<std::string>& messages)
 {
   std::vector<std::string> lines;
   for (const std::string& message : messages)
   {
-    std::istringstream stream(Messages::line(message));
+    std::istringstream stream(message);
     for (std::string line; std::getline(stream, line);)
       lines.push_back(line);
   }

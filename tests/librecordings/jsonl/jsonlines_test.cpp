@@ -194,7 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         BadLineCase{
             "AnUnknownMember", R"({"time":2,"persn":1})",
-            "persn: there is no such member; expected time, start, ambiance, person, name, seen, observation, stop"},
+            "persn: there is no such member; expected time, dated, start, ambiance, person, name, seen, observation, stop"},
         BadLineCase{
             "AnUnknownReading", R"({"time":2,"person":1,"observation":{"smil":{"value":1}}})",
             "observation.smil: there is no such member; expected lookingAtRobot, headHeight, distance, gaze, "
@@ -369,7 +369,7 @@ TEST_F(JsonLines, AreWrittenWithoutADayIfTheStepHasNone)
   step.time = support::timeOf(1577836800000000000);
   EXPECT_EQ("{\"time\":1577836800000000000}\n", written(step));
   step.isDated = false;
-  EXPECT_EQ("{\"dated\":false,\"time\":1577836800000000000}\n", written(step));
+  EXPECT_EQ("{\"time\":1577836800000000000,\"dated\":false}\n", written(step));
 }
 
 TEST_F(JsonLines, AreRefusedIfTheirTimesAreNoNanoseconds)

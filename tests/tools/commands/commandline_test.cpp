@@ -208,7 +208,7 @@ TEST_F(CommandLine, EndsWhenItIsInterruptedWhileItWaitsForStandardInput)
       "command=$!\n"
       "exec 3>\"$1/pipe\"\n"
       "cat \"$1/touch.csv\" >&3\n"
-      "while [ -z \"$(ls \"$1\" | grep export)\" ]; do :; done\n"
+      "while [ -z \"$(ls -A \"$1\" | grep .skeigiot)\" ]; do :; done\n"  // the export, under another name until it is whole
       "kill -TERM $command\n"
       "wait $command\n",
       {folder.path("")});

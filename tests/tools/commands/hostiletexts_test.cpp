@@ -55,8 +55,8 @@ TEST_P(HostileTexts, AreShownAsEscapes)
 }
 
 const std::string steps =
-    "{\"time\":1000000000,\"person\":1,\"start\":[{\"scope\":" + inJson +
-    "}],\"observation\":{\"gaze\":{\"yaw\":0,\"pitch\":0}}}\n{\"time\":2000000000,\"person\":1}\n";
+    "{\"time\":1600000000000000000,\"person\":1,\"start\":[{\"scope\":" + inJson +
+    "}],\"observation\":{\"gaze\":{\"yaw\":0,\"pitch\":0}}}\n{\"time\":1600000001000000000,\"person\":1}\n";
 const std::string table = "frame,face_id,timestamp,confidence,success,AU12_r," + hostile + "\n1,3,0,0.9,1,2.5,a\n";
 const std::string named = "frame,name,timestamp,confidence,success,AU12_r\n1," + hostile + ",0,0.9,1,2.5\n";
 const std::string labels = "start,end,value,coder\n0,1,positive," + hostile + "\n0,1,neutral,b\n";
@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"MembersInAnAnswer", "in", "{" + inJson + ":1}\n", "$skeigiot stream < in"},
         Hostile{"MembersOfARecording", "in.jsonl", "{\"time\":5," + inJson + ":1}\n", "$skeigiot replay in.jsonl"},
         Hostile{"MembersInAnInspection", "in.jsonl", "{\"time\":5," + inJson + ":1}\n", "$skeigiot inspect in.jsonl"},
-        Hostile{"MembersThatAreSkipped", "in.jsonl", steps + "{\"time\":5000000000," + inJson + ":1}\n",
+        Hostile{"MembersThatAreSkipped", "in.jsonl", steps + "{\"time\":1600000005000000000," + inJson + ":1}\n",
                 "$skeigiot replay --skip-bad in.jsonl"},
         Hostile{"ScopesInAReplay", "in.jsonl", steps, "$skeigiot replay in.jsonl"},
         Hostile{"ScopesInAnInspection", "in.jsonl", steps, "$skeigiot inspect in.jsonl"},
@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"FilesThatAreMissing", "in.jsonl", steps, "$skeigiot replay \"$2\""},
         Hostile{"FilesThatAreExplained", hostile + ".jsonl", steps, "$skeigiot why \"$2.jsonl\" --at 700"},
         Hostile{"FilesThatAreInspected", hostile + ".jsonl", steps, "$skeigiot inspect \"$2.jsonl\""},
-        Hostile{"FilesThatAreReported", hostile + ".jsonl", "{", "$skeigiot report \"$2.jsonl\""},
+        Hostile{"FilesThatAreReported", hostile + ".jsonl", "{", "$skeigiot report \"$2.jsonl\" -o report.html"},
         Hostile{"FilesOfLabels", hostile + ".csv", "a\n", "$skeigiot agree in.jsonl --labels \"$2.csv\""},
         Hostile{"FilesThatCannotBeWritten", "in.jsonl", steps, "$skeigiot replay in.jsonl --csv \"nowhere/$2\""},
         Hostile{"CodersOfLabels", "in.csv", labels,

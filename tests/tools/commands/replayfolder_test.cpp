@@ -125,7 +125,7 @@ TEST_F(LargeFolder, IsSummedUpInATableAndInAFileForStatistics)
   const CommandResult result = replay("--summary " + results.path("summary.csv") + " --scope end=0.1..");
   EXPECT_EQ(2, result.status);
   EXPECT_THAT(result.output,
-              ::testing::HasSubstr("\n3 recordings   length  persons   seen  valence  attention  verdict"));
+              ::testing::HasSubstr("\n3 recordings  length  persons   seen  valence  attention  verdict"));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\nanna.csv +0:00.2 +1 +100 % +unknown +unknown +unknown\n"));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\nbad.csv .*not read"));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\ntwo.csv +0:00.5 +2 +100 % +[+]"));

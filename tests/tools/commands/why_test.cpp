@@ -65,7 +65,7 @@ TEST_F(WhyCommand, ShowsTheForcesOfAnUpdateAndSaysWhatTheyDid)
   EXPECT_EQ("", result.errors);
   EXPECT_THAT(result.output, StartsWith("Person 1 at 0:02.0 (2 s)\n\nsource "));
   EXPECT_THAT(result.output, HasSubstr("\nTouch ×2  "));
-  EXPECT_THAT(result.output, HasSubstr("\nattention  "));
+  EXPECT_THAT(result.output, HasSubstr("\nGaze and head  "));
   EXPECT_THAT(result.output, HasSubstr("\nvalence fell from 0.65 to "));
   EXPECT_THAT(result.output, HasSubstr("touch (mixed) pulled 100 %\n"));
   EXPECT_THAT(result.output, HasSubstr("\nthe zone changed from Unknown to LookingAtRobot, decided by: attention\n"));
@@ -170,7 +170,7 @@ TEST_F(WhyCommand, TellsOfAnUpdateInAMergedSessionWhatAllInputsDid)
       runCommand({"why", touch, voice, "--offset", voice + "=0.5", "--person", "1", "--at", "0"});
   EXPECT_EQ(0, result.status) << result.errors;
   EXPECT_THAT(result.output, HasSubstr("\nTouch  "));
-  EXPECT_THAT(result.output, HasSubstr("\nVoice  "));
+  EXPECT_THAT(result.output, HasSubstr("\nVoice \u00d7"));
 }
 
 TEST_F(WhyCommand, NamesThePersonsWhoAreThereIfOneIsNot)
@@ -184,7 +184,7 @@ TEST_F(WhyCommand, TakesTheOnlyPersonAndTheMomentOfTheGreatestChange)
                                        "time,person,reading,value,yaw,pitch\n"
                                        "0,7,touchEmotion,1,,\n"
                                        "0,7,gaze,,0,0\n"
-                                       "1,7,touchEmotion,0.9,,\n"
+                                       "1,7,touchEmotion,1,,\n"
                                        "2,7,touchEmotion,-1,,\n"
                                        "2.1,7,touchEmotion,-1,,\n"
                                        "9,7,touchEmotion,-1,,\n");

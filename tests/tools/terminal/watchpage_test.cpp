@@ -83,9 +83,9 @@ TEST_F(WatchPageTest, ShowsTheNameOfAPersonWithTheNumber)
   named.person = 12;
   named.name = "anna\x1b[2J of the long name";
   table.personUpdated(named);
-  EXPECT_EQ(0U, page(80, 24).at(1).find("            person  valence"));
-  EXPECT_EQ(0U, page(80, 24).at(2).find("                 7  "));
-  EXPECT_EQ(0U, page(80, 24).at(3).find("anna\\u001b[2J (12)  "));
+  EXPECT_THAT(page(80, 24).at(1), StartsWith("             person  valence"));
+  EXPECT_THAT(page(80, 24).at(2), StartsWith("›                 7  "));
+  EXPECT_THAT(page(80, 24).at(3), StartsWith(" anna\\u001b[2J (12)  "));
 }
 
 TEST_F(WatchPageTest, ShowsShorterHistoriesOnANarrowerTerminal)
