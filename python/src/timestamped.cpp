@@ -2,6 +2,8 @@
 
 #include "representation.hpp"
 
+#include <string_view>
+
 namespace py = pybind11;
 
 namespace binding
@@ -15,6 +17,12 @@ AnyTimestamped stampedFrom(py::handle source, ko::SystemClock::time_point now)
     return {now, py::reinterpret_borrow<py::object>(source)};
   const auto pair = py::reinterpret_borrow<py::tuple>(source);
   return {timeFrom(pair[0]), pair[1]};
+}
+
+bool isTruth(py::handle value)
+{
+  const std::string_view type = Py_TYPE(value.ptr())->tp_name;
+  return PyBool_Check(value.ptr()) || type == "numpy.bool_" || type == "numpy.bool";
 }
 
 void refuseReading(py::handle value, const std::string& what, const std::string& expected)

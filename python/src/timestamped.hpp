@@ -10,6 +10,7 @@
 #include <boost/optional/optional.hpp>
 
 #include <string>
+#include <type_traits>
 
 /// \file
 /// Readings: values with their times, which Python sees as Timestamped.
@@ -29,6 +30,9 @@ void bindTimestamped(pybind11::module_& module);
 /// Takes a Timestamped or a pair (time, value) apart; anything else is a value of the time `now`.
 AnyTimestamped stampedFrom(pybind11::handle source, ko::SystemClock::time_point now);
 
+/// Tells whether this is True or False, of Python or of NumPy.
+bool isTruth(pybind11::handle value);
+
 /// \throws pybind11::type_error always: says what the reading cannot be, and what is expected.
 [[noreturn]] void refuseReading(pybind11::handle value, const std::string& what, const std::string& expected);
 
@@ -45,7 +49,8 @@ KV::Timestamped<T> readingFrom(pybind11::handle source, ko::SystemClock::time_po
     refuseReading(source, what, expectedValue<T>);
   const AnyTimestamped any = stampedFrom(source, now);
   py::detail::make_caster<T> caster;
-  if (!caster.load(any.value, true))
+  const bool isNoTruth = std::is_same_v<T, bool> && !isTruth(any.value);  // a score of 0.1 would become true
+  if (isNoTruth || !caster.load(any.value, true))
     refuseReading(any.value, what, expectedValue<T>);
   return {any.time, py::detail::cast_op<T>(caster)};
 }

@@ -236,7 +236,8 @@ def test_a_copy_of_the_memories_of_a_person_is_another_handle() -> None:
 
 @pytest.mark.parametrize("handle", [kv.PersonMemory(), kv.PersonState(), kv.Person(1)])
 def test_handles_say_why_there_is_no_deep_copy_and_no_pickle(handle: Any) -> None:
-    for operation in (copy.deepcopy, pickle.dumps):
+    operations: list[Callable[[Any], object]] = [copy.deepcopy, pickle.dumps]
+    for operation in operations:
         with pytest.raises(TypeError, match=f"a {type(handle).__name__} .* handle.*no deep copy and no pickle"):
             operation(handle)
 

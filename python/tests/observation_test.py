@@ -6,6 +6,7 @@ import re
 from datetime import datetime, timezone
 from typing import Any
 
+import numpy as np
 import pytest
 import skeigiot as kv
 from skeigiot import ko
@@ -96,11 +97,20 @@ def test_a_value_of_another_type_is_refused_by_name_and_says_what_is_expected(na
         ({"age": 34}, r"age cannot be 34: expected ValueConfidence\(value, confidence\) with a whole number"),
         ({"distance": "far"}, "distance cannot be 'far': expected a number"),
         ({"speaking": 1}, "speaking cannot be 1: expected True or False"),
+        ({"lookingAtRobot": 0.1}, "lookingAtRobot cannot be 0.1: expected True or False"),
+        ({"faceDetected": (7, 0)}, "faceDetected cannot be 0: expected True or False"),
     ],
 )
 def test_a_bare_number_is_told_what_it_is_to_be(wrong: Any, message: str) -> None:
     with pytest.raises(TypeError, match=message):
         kv.PersonObservation(**wrong)
+
+
+def test_a_truth_of_numpy_is_one() -> None:
+    truths = np.array([0.2, 0.8]) > 0.5
+    for wanted, truth in zip((False, True), truths):
+        made = kv.PersonObservation(speaking=(7, truth))
+        assert made.speaking is not None and made.speaking.value is wanted
 
 
 def test_values_that_are_given_together_have_one_time() -> None:

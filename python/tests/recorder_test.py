@@ -1,6 +1,7 @@
 """The recorder and its verdicts."""
 
 import copy
+from collections.abc import Callable
 
 import pytest
 import skeigiot as kv
@@ -65,7 +66,8 @@ def test_a_verdict_takes_each_state_as_it_is_when_added() -> None:
 
 def test_a_scope_with_half_a_surrogate_pair_is_refused() -> None:
     recorder = kv.KVEmotionRecorder()
-    for operation in (recorder.startRecording, recorder.stopRecording):
+    operations: list[Callable[[str], object]] = [recorder.startRecording, recorder.stopRecording]
+    for operation in operations:
         with pytest.raises(ValueError, match=r"scope: '\\ud800' has half a surrogate pair, so it is no text"):
             operation("\ud800")
 
