@@ -2,7 +2,8 @@
 
 from __future__ import annotations
 
-from collections.abc import Iterable, Sequence
+import math
+from collections.abc import Iterable, Mapping, Sequence
 from html import escape
 from typing import TYPE_CHECKING, Any, List
 
@@ -12,20 +13,25 @@ if TYPE_CHECKING:
     from ._shown import ShownReplay, ShownTable
 
 _SHOWN_ROWS = 10
+_WHOLE_RECORDING = "whole recording"
 
 
-def of_replay(replay: ShownReplay) -> str:
-    """Returns what is in a replay: persons, verdicts, how it was read, and warnings."""
+def of_replay(replay: ShownReplay, summary: Mapping[str, Sequence[Any]]) -> str:
+    """Returns what is in a replay: persons, verdicts, how it was read, and warnings.
+
+    summary: the columns of the replay's summary
+    """
     persons = [
         [
-            replay.title_of(number),
-            f"{columns.rows}",
-            f"{columns['time'][0]:.1f} to {columns['time'][-1]:.1f} s",
-            f"{columns['seen'].mean():.0%}",
-            _mean(replay, number, "valence", "+.2f"),
-            _mean(replay, number, "attention", ".2f"),
+            replay.title_of(summary["person"][row]),
+            str(summary["updates"][row]),
+            f"{summary['first'][row]:.1f} to {summary['last'][row]:.1f} s",
+            format(summary["seen"][row], ".0%"),
+            _number(summary["valence"][row], "+.2f"),
+            _number(summary["attention"][row], ".2f"),
         ]
-        for number, columns in replay.persons.items()
+        for row, scope in enumerate(summary["scope"])
+        if scope == _WHOLE_RECORDING
     ]
     parts = [
         f"<p><b>{escape(replay.name)}</b>: {_counted(replay.updates.rows, 'update')} of "
@@ -76,10 +82,8 @@ def _estimate(estimate: Any, form: str, value: str = "value") -> List[str]:
     return [format(getattr(estimate, value), form), f"{estimate.confidence:.2f}"]
 
 
-def _mean(replay: ShownReplay, number: int, quantity: str, form: str) -> str:
-    updates = replay.persons[number]
-    known = updates[quantity + "_known"]
-    return format(float(updates[quantity][known].mean()), form) if known.any() else "unknown"
+def _number(number: float, form: str) -> str:
+    return "unknown" if math.isnan(number) else format(number, form)
 
 
 def _verdicts(replay: ShownReplay) -> str:
@@ -111,4 +115,5 @@ def _table(head: Iterable[str], rows: Iterable[Sequence[str]]) -> str:
     return f"<table>\n<thead><tr>{names}</tr></thead>\n<tbody>\n" + "\n".join(lines) + "\n</tbody>\n</table>"
 
 
-setattr(_skeigiot.PersonState, "_repr_html_", of_state)
+# A compiled class shows itself as well; type checkers refuse to assign to its method.
+setattr(_skeigiot.PersonState, "_repr_html_", lambda self: of_state(self))

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import io
 from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
@@ -10,7 +9,7 @@ from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
-from . import _html, _plot
+from . import _html, _plot, _summary
 
 if TYPE_CHECKING:
     import pandas  # type: ignore[import]
@@ -117,8 +116,8 @@ class Replay:
     With explain=True, forces has a row for each force, in the order in which they acted, with the columns row (of the
     update in updates), person, time, source (as the library has it, such as "Asr emotion"), source_name (in plain
     words, such as "Words"), quantity ("valence", "attention confidence", ...), target, weight, before and after: after
-    is before + weight * (target - before), held in the range of the quantity. zone_changes has row, person, time, from, to, and evidence, which is what decided. Otherwise they have no
-    columns.
+    is before + weight * (target - before), held in the range of the quantity. zone_changes has row, person, time, from,
+    to, and evidence, which is the reading that decided. Without explain=True they have no columns.
 
     ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was
     none. verdicts are those on the whole recording and on all scopes. description says in which way the recording was
@@ -150,7 +149,7 @@ class Replay:
         return self.updates.to_pandas()
 
     def title_of(self, person: int) -> str:
-        """Returns what to call a person in titles."""
+        """Returns what to call a person in titles: "anna (3)", or "Person 3" if the recording gives no name."""
         name = self.names.get(person)
         return f"Person {person}" if name is None else f"{name} ({person})"
 
@@ -161,26 +160,25 @@ class Replay:
         Means and shares are over time. Means leave out what is unknown, and are NaN if it was never known;
         valence_known and attention_known are the shares in which it was known. engaged and strictly_engaged are the
         shares in which the person was seen with an attention from the boundaries looking_at_robot and
-        strictly_looking_at_robot on. Raises ImportError if there is no pandas.
+        strictly_looking_at_robot on. A person without an update in a scope has updates 0 and NaN for all that is
+        measured. A recording without a person has one row, about the room. Raises ImportError if there is no pandas.
         """
         import pandas
 
-        frame = pandas.read_csv(io.StringIO(self._summary), keep_default_na=False, na_values=[""])
-        texts = ["file", "name", "scope", "scope_end", "verdict", "error"]
-        return frame.assign(**{column: frame[column].fillna("").astype(str) for column in texts})
+        return pandas.DataFrame(_summary.columns_of(self._summary))
 
     def plot(self, persons: Optional[Iterable[int]] = None) -> Figure:
         """Draws valence and attention of each person over time, in bands that are wider the less sure the estimate is,
         and ribbons of the scopes, zones and pleasure; returns the figure of matplotlib.
 
-        persons: whom to draw, by their numbers; not given, all persons, or of many those with the most updates. What is unknown is not
-        drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(), or
-        pyplot.show(). Raises ImportError if there is no matplotlib, ValueError for a person who is not there.
+        persons: whom to draw, by their numbers; not given, all persons, or of many those with the most updates. What is
+        unknown is not drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(),
+        or pyplot.show(). Raises ImportError if there is no matplotlib, ValueError for a person who is not there.
         """
         return _plot.draw(self, persons)
 
     def _repr_html_(self) -> str:
-        return _html.of_replay(self)
+        return _html.of_replay(self, _summary.columns_of(self._summary))
 
     def __repr__(self) -> str:
         return f"<Replay of {self.name}: {self.updates.rows} updates of {len(self.persons)} persons, {self.length:g} s>"

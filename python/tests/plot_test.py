@@ -1,10 +1,10 @@
 """Pictures and summaries of replays, and what notebooks show of them."""
 
 import csv
+import io
 import sys
 
 import numpy as np
-import pandas
 import pytest
 
 import recordings
@@ -118,6 +118,13 @@ def test_notebooks_show_what_is_in_a_replay(greeting):
     assert "<&>" not in html
 
 
+def test_notebooks_show_the_means_of_the_summary(greeting):
+    html = greeting._repr_html_()
+    for row in greeting.summary().groupby("person").first().itertuples():
+        means = f"<td>{row.seen:.0%}</td><td>{row.valence:+.2f}</td><td>{row.attention:.2f}</td>"
+        assert f"<td>Person {row.Index}</td><td>{row.updates}</td>" in html and means in html
+
+
 def test_notebooks_show_the_ends_of_a_table(greeting):
     html = greeting.updates._repr_html_()
     assert html.count("<tr>") == 1 + 5 + 1 + 5
@@ -133,35 +140,69 @@ def test_notebooks_show_the_estimates_of_a_state():
     assert "<td>attention</td><td>unknown</td><td></td>" in html
 
 
-def test_a_summary_is_what_the_command_exports(greeting, tmp_path):
-    path = tmp_path / "summary.csv"
-    recordings.command("replay", recordings.greeting(), "--scope", "start <&>=0..20", "--quiet", "--summary", path)
-    exported = pandas.read_csv(path)
+TEXTS = ["file", "name", "scope", "end", "verdict", "error"]
+
+
+def exported_summary(*arguments, status=0):
+    """Returns the rows of `skeigiot replay --summary`, with the names of the columns in front."""
+    text = recordings.command("replay", *arguments, "--quiet", "--summary", "-", status=status)
+    return list(csv.reader(io.StringIO(text, newline="")))
+
+
+def assert_is_export(frame, exported):
+    """Holds a summary against an export, bit for bit."""
+    names, *rows = exported
+    assert list(frame) == names
+    assert len(frame) == len(rows)
+    for column, name in enumerate(names):
+        texts = [row[column] for row in rows]
+        if name in TEXTS:
+            assert frame[name].tolist() == texts, name
+        else:
+            assert [bits_of(number) for number in frame[name]] == [bits_of(float(text or "nan")) for text in texts], name
+
+
+def bits_of(number):
+    return "nan" if np.isnan(number) else float(number).hex()
+
+
+def test_a_summary_is_what_the_command_exports(greeting):
+    exported = exported_summary(recordings.greeting(), "--scope", "start <&>=0..20")
+    assert_is_export(greeting.summary(), exported)
+    scopes = {verdict.scope: verdict for verdict in greeting.verdicts}
+    assert len(exported) == 1 + 2 * len(scopes) > 7
+    for row in greeting.summary().itertuples():
+        verdict = scopes[row.scope].persons.get(row.person)
+        assert (row.verdict, row.updates) == ((verdict.word, verdict.updates) if verdict else ("neutral", 0))
+
+
+def test_columns_of_a_summary_have_the_same_types_for_all_recordings(greeting):
     frame = greeting.summary()
-    assert list(frame) == list(exported)
-    assert len(frame) == len(exported) > 4
-    for column in exported:
-        if column not in ("file", "recording"):
-            assert frame[column].replace("", np.nan).tolist() == pytest.approx(exported[column].tolist(), nan_ok=True) or (
-                frame[column].tolist() == exported[column].fillna("").tolist()
-            ), column
-    assert set(frame.verdict) <= {"positive", "neutral", "negative", "unknown"}
+    assert [name for name in frame if frame[name].dtype == object] == TEXTS
+    assert [name for name in frame if frame[name].dtype == np.int64] == ["recording", "person", "updates"]
+    columns = {"time": [0.0, 1.0], "person": ["True", "1_000"], "distance": [1.0, 1.0]}
+    short = skeigiot.replay(columns, scopes={"007": (0, 1)}).summary()
+    assert short.name.tolist() == ["True", "True", "1_000", "1_000"]
+    assert short.scope.tolist() == ["whole recording", "007"] * 2
+    assert (short.dtypes == frame.dtypes).all()
 
 
-def test_a_summary_is_what_the_command_writes(tmp_path):
-    path = tmp_path / "summary.csv"
-    recordings.command("replay", recordings.greeting(), "--quiet", "--summary", path)
-    with open(path, newline="") as file:
-        written = [row for row in csv.DictReader(file) if row["scope"] == "whole recording"]
-    frame = skeigiot.replay(recordings.greeting()).summary()
-    frame = frame[frame.scope == "whole recording"]
-    assert set(frame) <= set(written[0])
-    assert len(frame) == len(written)
-    for found, expected in zip(frame.to_dict("records"), written):
-        for name, value in found.items():
-            text = expected[name]
-            same = text == value if isinstance(value, str) else value == pytest.approx(float(text or "nan"), nan_ok=True)
-            assert same, name
+def test_a_summary_without_a_person_tells_of_the_room(tmp_path):
+    path = tmp_path / "room.csv"
+    path.write_text("time,reading,value\n0,ambiance.activity,0.5\n1,ambiance.activity,0.5\n")
+    frame = skeigiot.replay(path).summary()
+    assert_is_export(frame, exported_summary(path))
+    assert len(frame) == 1 and frame.person.isna().all() and frame.agitation[0] > 0 and frame.verdict[0] == ""
+
+
+def test_a_summary_tells_what_ended_the_recording(tmp_path):
+    path = tmp_path / "bad.csv"
+    path.write_text("time,reading,value\n0,smile,0.5\n1,smile,much\n")
+    with pytest.raises(skeigiot.RecordingError) as caught:
+        skeigiot.replay(path)
+    frame = caught.value.replay.summary()
+    assert_is_export(frame, exported_summary(path, status=2))
+    assert frame.error.tolist() == [str(caught.value)]
 
 
 def test_a_summary_calls_persons_by_their_names():
@@ -178,17 +219,18 @@ def test_a_summary_leaves_out_what_is_unknown():
     (row,) = replay.summary().itertuples()
     assert np.isnan(row.valence) and np.isnan(row.valence_confidence) and row.valence_known == 0
     assert row.updates == 3 and row.seen == 1 and row.name == "" and row.error == ""
+    assert (row.first, row.last) == (0.0, 2.0)
 
 
 def test_a_summary_is_of_the_boundaries_of_its_replay():
     frame = {"time": np.arange(30) / 10, "gaze.yaw": np.zeros(30), "gaze.pitch": np.zeros(30)}
     usual = skeigiot.replay(frame).summary().engaged[0]
     strict = skeigiot.replay(frame, boundaries={"looking_at_robot": 0.999}).summary().engaged[0]
-    assert usual > strict
+    assert usual > 0.8 > strict
 
 
 def test_titles_name_persons():
     replay = skeigiot.replay({"time": [0.0, 0.1], "person": ["Anna", "NA <b>"], "smile": [0.5, 0.5]})
-    assert [axis.get_title(loc="left") for axis in replay.plot().axes[::3]] == ["Anna (person 0)", "NA <b> (person 1)"]
-    assert "<td>NA &lt;b&gt; (person 1)</td>" in replay._repr_html_()
+    assert [axis.get_title(loc="left") for axis in replay.plot().axes[::3]] == ["Anna (0)", "NA <b> (1)"]
+    assert "<td>NA &lt;b&gt; (1)</td>" in replay._repr_html_()
     assert replay.summary().name.tolist() == ["Anna", "NA <b>"]
