@@ -1,7 +1,8 @@
 #include "columns.hpp"
 
+#include "texts.hpp"
+
 #include <pybind11/numpy.h>
-#include <pybind11/stl.h>
 
 #include <algorithm>
 #include <memory>
@@ -46,7 +47,7 @@ py::dict Columns::take()
     std::visit(
         [&](auto& values) {
           if constexpr (std::is_same_v<Texts&, decltype(values)>)
-            columns[column.name] = py::make_tuple(arrayOf(std::move(values.codes)), py::cast(values.texts));
+            columns[column.name] = py::make_tuple(arrayOf(std::move(values.codes)), textsOf(values.texts));
           else if constexpr (std::is_same_v<Values<std::uint8_t>&, decltype(values)>)
             columns[column.name] = arrayOf(std::move(values)).attr("view")("bool");
           else

@@ -2,6 +2,7 @@
 #include "module.hpp"
 #include "replayrun.hpp"
 #include "silencedlog.hpp"
+#include "texts.hpp"
 #include "unlocked.hpp"
 
 #include <skeigiot/recordings/interruptioncheck.hpp>
@@ -103,21 +104,6 @@ private:
   std::unique_lock<std::mutex> _lock;
   std::optional<KV::session::SavedBoundaries> _saved;
 };
-
-/// Decodes what may hold the name of a file, which is any bytes.
-py::str textOf(const std::string& bytes)
-{
-  return py::reinterpret_steal<py::str>(
-      PyUnicode_DecodeFSDefaultAndSize(bytes.data(), static_cast<Py_ssize_t>(bytes.size())));
-}
-
-py::list textsOf(const std::vector<std::string>& texts)
-{
-  py::list list;
-  for (const std::string& text : texts)
-    list.append(textOf(text));
-  return list;
-}
 
 /// \param hint  behind the message
 py::object errorOf(const boost::optional<KV::recordings::Error>& error, const std::string& hint = {})

@@ -1,6 +1,7 @@
 """Replays of whole recordings, held against the command."""
 
 import json
+import os
 import warnings
 
 import numpy as np
@@ -60,7 +61,8 @@ def test_has_a_clock_where_the_times_count_since_1970(written):
 
 
 def test_tells_unknown_estimates_from_zeros(written):
-    path = written("time,person,reading,value,yaw,pitch\n0,1,headPosture,,0,10\n1,1,headPosture,,0,10\n2,1,touchEmotion,1,,\n")
+    heads = "0,1,headPosture,,0,10,0\n1,1,headPosture,,0,10,0\n"
+    path = written("time,person,reading,value,yaw,pitch,roll\n" + heads + "2,1,touchEmotion,1,,,\n")
     updates = skeigiot.replay(path).updates
     assert updates["valence"][0] != 0.0  # by the body language
     assert updates["valence_known"].tolist() == [False, False, True]
@@ -88,6 +90,16 @@ def test_keeps_the_names_of_persons(written):
     assert result.verdicts[0].persons.keys() == {0, 1}
     assert skeigiot.replay({"time": [0.0], "person": ["zoe"], "smile": [1.0]}).names == {0: "zoe"}
     assert skeigiot.replay({"time": [0.0], "person": [3], "smile": [1.0]}).names == {}
+
+
+def test_names_of_files_may_be_any_bytes(tmp_path):
+    path = os.path.join(os.fsencode(tmp_path), b"\xff.csv")
+    with open(path, "w") as file:
+        file.write("time,reading,value\n0,smile,1\n")
+    result = skeigiot.replay(os.fsdecode(path))
+    assert os.fsencode(result.name) == path
+    assert [os.fsencode(name) for name in result.updates["file"]] == [path]
+    assert [os.fsencode(name) for name in result.summary()["file"]] == [path]
 
 
 def test_names_the_files_below_their_folder(written, tmp_path):
