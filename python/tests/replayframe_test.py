@@ -24,10 +24,15 @@ def columns(greeting):
     return recordings.wide_columns(greeting)
 
 
+def assert_same_but_named_frame(of_frame, of_file):
+    assert set(of_frame.updates["file"]) == {"frame"}
+    assert_same_updates(of_frame.updates, of_file.updates, apart_from=["file"])
+
+
 def test_a_frame_of_the_readings_gives_the_same_as_the_file(greeting, columns):
     of_file = skeigiot.replay(greeting, explain=True)
     of_frame = skeigiot.replay(pandas.DataFrame(columns), explain=True)
-    assert_same_updates(of_frame.updates, of_file.updates)
+    assert_same_but_named_frame(of_frame, of_file)
     assert_same_updates(of_frame.forces, of_file.forces)
     assert_same_updates(of_frame.ambiance, of_file.ambiance)
     assert [_judgement(verdict) for verdict in of_frame.verdicts] == [_judgement(verdict) for verdict in of_file.verdicts]
@@ -40,25 +45,31 @@ def _judgement(verdict):
 
 
 def test_a_dict_of_columns_gives_the_same_as_the_file(greeting, columns):
-    assert_same_updates(skeigiot.replay(columns).updates, skeigiot.replay(greeting).updates)
+    assert_same_but_named_frame(skeigiot.replay(columns), skeigiot.replay(greeting))
 
 
 @pytest.mark.parametrize(
     "convert",
     [
         lambda times: times,
-        lambda times: (times - START) / 1e9,
         lambda times: times.astype("datetime64[ns]"),
         lambda times: pandas.Series(pandas.to_datetime(times, utc=True)),
         lambda times: pandas.Series(pandas.to_datetime(times, utc=True)).dt.tz_convert("Asia/Tokyo"),
         lambda times: [datetime.datetime.fromtimestamp(time / 1e9, datetime.timezone.utc) for time in times],
     ],
-    ids=["nanoseconds", "seconds", "datetime64", "utc", "tokyo", "datetimes"],
+    ids=["nanoseconds", "datetime64", "utc", "tokyo", "datetimes"],
 )
 def test_takes_times_as_numbers_and_as_moments(greeting, columns, convert):
     times = np.array(columns["time"], dtype=np.int64)
     frame = dict(columns, time=convert(times))
-    assert_same_updates(skeigiot.replay(frame).updates, skeigiot.replay(greeting).updates)
+    assert_same_but_named_frame(skeigiot.replay(frame), skeigiot.replay(greeting))
+
+
+def test_takes_times_as_seconds_from_the_start(greeting, columns):
+    times = np.array(columns["time"], dtype=np.int64)
+    of_frame = skeigiot.replay(dict(columns, time=(times - START) / 1e9))
+    assert np.isnat(of_frame.updates["clock"]).all()
+    assert_same_updates(of_frame.updates, skeigiot.replay(greeting).updates, apart_from=["file", "clock"])
 
 
 @pytest.mark.parametrize(
@@ -112,7 +123,7 @@ def test_a_frame_of_a_front_end_gives_the_same_as_its_file(name, named):
         of_file = skeigiot.replay(path)
         frame = pandas.read_csv(path, skipinitialspace=True)
         of_frame = skeigiot.replay(frame, **({"format": format_of} if named else {}))
-    assert_same_updates(of_frame.updates, of_file.updates)
+    assert_same_but_named_frame(of_frame, of_file)
     assert of_frame.description == of_file.description
 
 
@@ -124,7 +135,7 @@ def test_a_frame_of_openface_is_read_as_the_file(tmp_path, dtype):
     of_file = skeigiot.replay(path, mirrored=True)
     assert of_frame.updates["time"].tolist() == pytest.approx(of_file.updates["time"].tolist(), abs=1e-6)
     if dtype != "float32":
-        assert_same_updates(of_frame.updates, of_file.updates)
+        assert_same_but_named_frame(of_frame, of_file)
     voice = {"time": [0.0], "asrEmotion": [-1]}
     merged = skeigiot.replay([pandas.read_csv(path, skipinitialspace=True), voice], format="openface")
     assert (merged.updates["valence"] != of_file.updates["valence"]).any()
@@ -154,7 +165,7 @@ def test_names_what_is_near_where_no_column_is_a_reading():
 
 def test_takes_the_times_from_the_index(greeting, columns):
     frame = pandas.DataFrame(columns).set_index("time")
-    assert_same_updates(skeigiot.replay(frame).updates, skeigiot.replay(greeting).updates)
+    assert_same_but_named_frame(skeigiot.replay(frame), skeigiot.replay(greeting))
 
 
 def test_reads_the_columns_of_pandas_that_know_missing_values(greeting, columns):
@@ -165,15 +176,15 @@ def test_reads_the_columns_of_pandas_that_know_missing_values(greeting, columns)
         start=frame["start"].astype("category"),
         **{"expressions.joy": frame["expressions.joy"].astype("Float64")},
     )
-    assert_same_updates(skeigiot.replay(nullable).updates, skeigiot.replay(greeting).updates)
+    assert_same_but_named_frame(skeigiot.replay(nullable), skeigiot.replay(greeting))
 
 
 def test_a_long_frame_gives_the_same_as_the_tidy_file(tmp_path):
     path = tmp_path / "tidy.csv"
     path.write_text(recordings.TIDY)
     of_file = skeigiot.replay(path)
-    assert_same_updates(skeigiot.replay(pandas.read_csv(path)).updates, of_file.updates)
-    assert_same_updates(skeigiot.replay(pandas.read_csv(path, dtype=str)).updates, of_file.updates)
+    assert_same_but_named_frame(skeigiot.replay(pandas.read_csv(path)), of_file)
+    assert_same_but_named_frame(skeigiot.replay(pandas.read_csv(path, dtype=str)), of_file)
 
 
 def test_a_row_without_readings_is_a_person_who_is_seen():
@@ -208,7 +219,8 @@ def test_merges_a_frame_with_a_file(tmp_path):
         )
     )
     merged = skeigiot.replay([face, voice])
-    assert_same_updates(merged.updates, skeigiot.replay([face_file, voice]).updates)
+    assert set(merged.updates["file"]) == {f"frame + {voice}"}
+    assert_same_updates(merged.updates, skeigiot.replay([face_file, voice]).updates, apart_from=["file"])
     assert (merged.updates["valence"] != skeigiot.replay(face).updates["valence"]).any()
 
 
