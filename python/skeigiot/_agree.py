@@ -28,19 +28,19 @@ class Agreement:
     """
 
     measures: Columns
-    """further columns: at ("undelayed" or "best"), delay [s], seconds (which were compared), measure ("kappa", "accuracy",
-    "f1"; "ccc", "pearson", "rmse"), class (of f1), value, low and high (of 95 %), unit ("persons" or "blocks") and units
-    (how many the interval was drawn from); NaN where something is not defined"""
+    """further columns: at ("undelayed" or "best"), delay [s], seconds (how many were compared), measure ("kappa",
+    "accuracy", "f1"; "ccc", "pearson", "rmse"), class (of f1), value, low and high (ends of the 95 % interval), unit
+    ("persons" or "blocks") and units (how many the interval was drawn from); NaN where something is not defined"""
     confusion: Columns
     """further columns: at, first_class, second_class, seconds"""
     left_out: Columns
     """further columns: reason ("noUpdate", "noLabel", "contradiction", "notSeen", "unknownEstimate"), seconds"""
     warnings: List[str]
-    """on the recording, and on labels that were left out"""
+    """about the recording, and about labels that were left out"""
     seed: int
-    """of the generator that draws the intervals"""
+    """of the random numbers that the intervals are drawn with"""
     resamples: int
-    """how often they were drawn"""
+    """how many samples each interval was drawn from"""
 
     def __repr__(self) -> str:
         return f"<Agreement: {self.measures.rows} measures>"
@@ -51,23 +51,26 @@ class _Agree(ReadingSettings):
     """Compares the estimate of a recording with labels that people gave to it.
 
     recording: as for replay()
-    labels: a file of labels, or several, as of several coders: ELAN .eaf, Praat TextGrid, events of BORIS, labels of Audacity,
-        or CSV with the columns start, end, value or time, value, and person, coder and tier. Times are seconds since the start
-        of the recording.
-    meanings: which label means which state, as {"smiling": "positive"}. States are negative, neutral, positive; engaged,
-        not-engaged; and the names of zones. The name of a state needs no meaning.
-    unlabelled: state, or states of several quantities, that time without a label counts as; without it such time is left out
-    value: what values are whose column does not say it, and labels that are numbers: "valence" or "attention"
-    scale: values of the coders that stand for the least and the greatest of the estimate
-    persons: numbers of persons by the names that labels, or their tiers, call them; "" for labels that name nobody
+    labels: a file of labels, or several, as of several coders: ELAN .eaf, Praat TextGrid, events of BORIS, labels of
+        Audacity, or CSV with the columns start, end, value or time, value, and person, coder and tier. Times are
+        seconds since the start of the recording.
+    meanings: which label means which state, as {"smiling": "positive"}. States are negative, neutral, positive;
+        engaged, not-engaged; and the names of zones. The name of a state needs no meaning.
+    unlabelled: the state, or states of several quantities, that time without a label counts as; if not given, such time
+        is left out
+    value: the quantity of values whose column does not name it, and of labels that are numbers: "valence" or
+        "attention"
+    scale: the values of the coders that stand for the least and the greatest estimate
+    persons: numbers of persons by the names that labels, or their tiers, give them; "" for labels without a name
     tiers: only labels of these tiers are used
     labels_offset: [s] added to all times of labels
     max_delay: [s] delays are tried up to this, in both directions
 
-    All else is as for replay(). Compared are all times of the estimate: an update holds until the next one, for a second at
-    most. docs/agreement.md has the formulas and their sources.
+    All else is as for replay(). All times of the estimate are compared: an update holds until the next one, for a
+    second at most. docs/agreement.md has the formulas and their sources.
 
-    Raises what replay() raises, RecordingError for labels that cannot be read, and ValueError if no label can be compared.
+    Raises what replay() raises, RecordingError for labels that cannot be read, and ValueError if no label can be
+    compared.
     """
 
     recording: Union[Path, Frame, Sequence[Union[Path, Frame]]]
@@ -84,8 +87,8 @@ class _Agree(ReadingSettings):
 
     def run(self) -> Agreement:
         inputs = _inputs(_sources_of(self.recording), self.offsets or {})
-        is_one = isinstance(self.labels, (str, os.PathLike))
-        paths = [existing(path) for path in ([self.labels] if is_one else self.labels)]  # type: ignore[union-attr]
+        labels = [self.labels] if isinstance(self.labels, (str, os.PathLike)) else self.labels
+        paths = [existing(path) for path in labels]
         if not paths:
             raise ValueError("there is no file of labels")
         text, warnings = _skeigiot._agree(inputs, paths, self.packed(), self._comparison())

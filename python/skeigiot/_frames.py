@@ -19,22 +19,22 @@ PackedColumn = Tuple[str, Union["npt.NDArray[np.float64]", List[str]]]
 PackedFrame = Tuple[str, int, Optional["npt.NDArray[np.int64]"], List[PackedColumn]]
 
 _LEAST_NANOSECONDS = 946_684_800 * 10**9
-"""Whole numbers from here on count nanoseconds since 1970: this is the year 2000. Smaller ones are taken for seconds."""
+"""The year 2000: whole numbers from here on count nanoseconds since 1970, smaller ones are seconds."""
 
-_TELLING_ROWS = 20
-"""So many rows in steps of whole numbers are no chance."""
+_ENOUGH_ROWS = 20
+"""From here on, whole numbers in large steps are likely to be milliseconds."""
 
 
 def is_frame(source: Any) -> bool:
-    """Tells a pandas frame, or a dict of columns, from what names a recording."""
+    """Tells whether this is a pandas frame or a dict of columns, and not the path of a recording."""
     return isinstance(source, Mapping) or hasattr(source, "columns")
 
 
 def pack(frame: Any, name: str) -> PackedFrame:
-    """Returns name, number of rows, the times if they are moments [ns], and the columns: numbers, NaN where there is
-    none, or texts.
+    """Returns the name, the number of rows, the times if they are moments [ns], and the columns: numbers, NaN where one
+    is missing, or texts.
 
-    Raises ValueError if this is no table, or its times are not such.
+    Raises ValueError if this is no table, or its times cannot be read.
     """
     columns = _columns_of(frame)
     for column, _ in columns:
@@ -58,22 +58,23 @@ def pack(frame: Any, name: str) -> PackedFrame:
 
 
 def notes_on(packed: PackedFrame) -> List[str]:
-    """Returns what may be wrong with a frame, and does not keep it from being read."""
+    """Returns warnings of what may be wrong with a frame that can be read."""
     name, _, _, columns = packed
     times = next((values for column, values in columns if column == "time"), None)
-    if not isinstance(times, np.ndarray) or len(times) < _TELLING_ROWS:
+    if not isinstance(times, np.ndarray) or len(times) < _ENOUGH_ROWS:
         return []
     steps = np.diff(np.unique(times))
-    if len(steps) < _TELLING_ROWS - 1 or np.median(steps) < 10 or not np.all(times == np.floor(times)):
+    if len(steps) < _ENOUGH_ROWS - 1 or np.median(steps) < 10 or not np.all(times == np.floor(times)):
         return []
     hours = (times[-1] - times[0]) / 3600
     return [
-        f"{name}: time is read as seconds, so it lasts {hours:.1f} hours; if these are milliseconds, divide them by 1000"
+        f"{name}: time is read as seconds, so it lasts {hours:.1f} hours; "
+        "if these are milliseconds, divide them by 1000"
     ]
 
 
 def with_nearest(text: str) -> str:
-    """Returns a text of the library on columns that are not read, with the names that they may be meant to have."""
+    """Adds the nearest known name to each column that a warning of the library says is not read."""
     head, separator, rest = text.partition(_NOT_READ)
     if not separator:
         return text
@@ -81,7 +82,7 @@ def with_nearest(text: str) -> str:
 
 
 def explained(error: RecordingError, frames: Iterable[PackedFrame]) -> RecordingError:
-    """Returns an error on the columns of a frame with the columns that there are, and what they may be meant to be."""
+    """Adds the columns of the frame, each with the nearest known name, to an error that one is missing."""
     for name, _, _, columns in frames:
         if str(error).startswith((f"{name}: there is no column time", f"{name}: no column is a reading")):
             shown = [_with_nearest(column) for column, _ in columns[:_SHOWN_COLUMNS]]
@@ -140,7 +141,7 @@ def _plain(values: npt.NDArray[Any], place: str) -> Union[npt.NDArray[np.float64
 
 
 def _moments_of(times: npt.NDArray[Any], name: str) -> Optional[npt.NDArray[np.int64]]:
-    """Returns nanoseconds since 1970, or None if the times are in seconds or since the start."""
+    """Returns nanoseconds since 1970, or None if the times are seconds, or timedeltas since the start."""
     if times.dtype.kind == "M":
         return _nanoseconds(times, name)
     if times.dtype.kind in "iu":
@@ -151,7 +152,7 @@ def _moments_of(times: npt.NDArray[Any], name: str) -> Optional[npt.NDArray[np.i
 
 
 def _seconds_of(times: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
-    """Returns times since the start in seconds; others stay as they are."""
+    """Returns timedeltas in seconds; other times stay as they are."""
     if times.dtype.kind == "O" and isinstance(times[0], datetime.timedelta):
         strange = next((row for row, time in enumerate(times) if not isinstance(time, datetime.timedelta)), None)
         if strange is not None:

@@ -19,7 +19,7 @@ MOST_PERSONS = 8
 """More are not drawn, unless they are named."""
 
 _LONGEST_HOLD = 1.0
-"""[s] An update says what holds until the next one, for so long at most."""
+"""[s] A state holds until the next update, for so long at most."""
 
 _MUTED, _GRID, _LANE = "#596273", "#e9ebef", "#f1f2f5"
 _COLORS = {"valence": "#0062a3", "attention": "#b34700"}
@@ -192,7 +192,7 @@ def _lanes_of(replay: ShownReplay, number: int) -> List[_Lane]:
 
 
 def _segments(time: npt.NDArray[Any], states: npt.NDArray[Any], look: Any) -> List[_Segment]:
-    """Joins updates with the same state; what an update says holds until the next one, for _LONGEST_HOLD at most."""
+    """Joins updates with the same state, which holds until the next update, for _hold_of() at most."""
     segments: List[_Segment] = []
     until = np.minimum(np.append(time[1:], time[-1:]), time + _hold_of(time))
     begin = 0
@@ -259,7 +259,8 @@ def _draw_boxes(axis: Axes, lanes: Sequence[_Lane]) -> None:
         axis.axhspan(row + 0.08, row + 0.92, color=_LANE, linewidth=0, zorder=0)
         for one in lane.segments:
             span = [(one.start, one.stop - one.start)]
-            axis.broken_barh(span, (row + 0.08, 0.84), facecolor=one.color, hatch=one.hatch, edgecolor="white", linewidth=0.6)
+            look = {"facecolor": one.color, "hatch": one.hatch, "edgecolor": "white", "linewidth": 0.6}
+            axis.broken_barh(span, (row + 0.08, 0.84), **look)
 
 
 def _draw_texts(axis: Axes, lanes: Sequence[_Lane]) -> None:
@@ -270,8 +271,6 @@ def _draw_texts(axis: Axes, lanes: Sequence[_Lane]) -> None:
             room = (one.stop - one.start) / (end - begin) * points
             fitting = next((text for text in one.texts if (0.6 * len(text) + 1.0) * _TEXT_SIZE <= room), None)
             if fitting is not None:
+                look = {"ha": "center", "va": "center_baseline", "fontsize": _TEXT_SIZE, "clip_on": True}
                 box = {"facecolor": "white", "edgecolor": "none", "pad": 1.0}
-                middle = (one.start + one.stop) / 2
-                axis.text(
-                    middle, row + 0.5, fitting, ha="center", va="center_baseline", fontsize=_TEXT_SIZE, bbox=box, clip_on=True
-                )
+                axis.text((one.start + one.stop) / 2, row + 0.5, fitting, bbox=box, **look)

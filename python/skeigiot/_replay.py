@@ -50,9 +50,9 @@ class _ReplayOne(Settings):
     The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
     headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
     seen, which is false where the person was not observed. NaN, None and empty texts are unknown: a reading that lacks
-    one of its parts is unknown in that row. Numbers that are far from their range, such as percent, are refused. A row without a
-    person can tell of the room (ambiance.activity, ambiance.movements) and scopes (start, start.samples, stop). A frame
-    with a column reading is one of tidy CSV itself: a reading in each row.
+    one of its parts is unknown in that row. Numbers that are far from their range, such as percent, are refused. A row
+    without a person can tell of the room (ambiance.activity, ambiance.movements) and scopes (start, start.samples,
+    stop). A frame with a column reading is one of tidy CSV itself: a reading in each row.
 
     format: the format of the files, and of frames that are not of readings; found out if not given, see FORMATS
     explain: also keep every force that moved an estimate
@@ -73,8 +73,8 @@ class _ReplayOne(Settings):
     look_at: the direction of a look at the robot: to the "camera"; along the "axis" of the camera; "learned", where the
         head rests most; or to a point in metres from the camera, as (right, down, forward). The default is "camera",
         and for bags of ROS 2 the axis, moved by up to 5 degrees towards where the head rests.
-    rest: what is taken off a face as its rest: "learned" as faces come, "none", or the median of a span in seconds since
-        the start, as (from, to)
+    rest: what is taken off a face as its rest: "learned" as faces come, "none", or the median of a span in seconds
+        since the start, as (from, to)
     boundaries: {"positive": 0.2, "negative": ..., "confidence": ..., "looking_at_robot": ...,
         "strictly_looking_at_robot": ..., "excited": ...}, set for this replay. They are the process-wide boundaries of
         PersonState and AmbianceState: whatever else estimates in the meantime has them, too.
