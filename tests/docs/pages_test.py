@@ -34,7 +34,8 @@ class Pages(unittest.TestCase):
             found = subprocess.run([ROOT / "script" / "use-python", BUILD / "python", "/usr/bin/python3"], env=environment,
                                    capture_output=True, text=True, check=True)
             self.assertRegex(found.stdout, r"finds the module skeigiot now, from any folder: .*skeigiot\.pth says where")
-            done = subprocess.run(["/usr/bin/python3", "-c", program.group(1)], env=environment, cwd=folder,
+            check = "assert replay.updates['valence_known'].all() and replay.summary().verdict[0] == 'positive'\n"
+            done = subprocess.run(["/usr/bin/python3", "-c", program.group(1) + check], env=environment, cwd=folder,
                                   capture_output=True, text=True, check=True)
             self.assertEqual("", done.stderr)
             self.assertIn("200 rows", done.stdout)
