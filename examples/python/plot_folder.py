@@ -27,7 +27,7 @@ def print_means(replays: list[skeigiot.Replay]) -> None:
             shown = f"{at_robot:.0%}" if updates["attention_known"].any() else "unknown"
             print(
                 f"{mean_of(updates, 'valence', '+.2f'):>7}  {mean_of(updates, 'attention', '.2f'):>9}  {shown:>18}"
-                f"  person {number} in {Path(replay.name).name}"
+                f"  {replay.title_of(number)} in {Path(replay.name).name}"
             )
 
 
@@ -55,7 +55,7 @@ def draw_quantity(axis: Any, replay: skeigiot.Replay, quantity: str, limits: tup
     for number, updates in replay.persons.items():
         known = np.where(updates[quantity + "_known"], updates[quantity], np.nan)  # no line where it is unknown
         doubt = 0.15 * (1.0 - updates[quantity + "_confidence"])
-        (line,) = axis.plot(updates["time"], known, label=f"person {number}")
+        (line,) = axis.plot(updates["time"], known, label=replay.title_of(number))
         axis.fill_between(updates["time"], known - doubt, known + doubt, color=line.get_color(), alpha=0.2)
     if not any(updates[quantity + "_known"].any() for updates in replay.persons.values()):
         axis.text(0.5, 0.5, "no data", ha="center", va="center", transform=axis.transAxes)

@@ -72,7 +72,7 @@ class ReadingSettings:
         fps, height, scale = self.fps, self.camera_height, self.au_full_scale
         expect_text("person_from", self.person_from or "")
         if self.format is not None and self.format not in FORMATS:
-            raise ValueError(f"format: there is none named {self.format!r}; expected one of: {', '.join(FORMATS)}")
+            raise ValueError(f"format: there is no format {self.format!r}; expected one of: {', '.join(FORMATS)}")
         if fps is not None:
             _expect("fps", fps, fps > 0 and np.isfinite(fps), "a number above 0")
         if height is not None:
@@ -128,7 +128,8 @@ def _joined(value: Union[str, Tuple[float, ...]], separator: str) -> str:
 
 def _boundary(name: str) -> str:
     if name not in _OPTION_OF_BOUNDARY:
-        raise ValueError(f"boundaries: there is none named {name!r}; expected one of: {', '.join(_OPTION_OF_BOUNDARY)}")
+        expected = ", ".join(_OPTION_OF_BOUNDARY)
+        raise ValueError(f"boundaries: there is no boundary {name!r}; expected one of: {expected}")
     return _OPTION_OF_BOUNDARY[name]
 
 

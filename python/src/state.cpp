@@ -83,7 +83,7 @@ void bindEstimates(Class& state)
   bindQuery(state, "personAttention", "attention", &PersonState::personAttention,
             "the attention, from 0 (absent) to 1 (attends to the robot)");
   bindQuery(state, "personAttentionZone", "attentionZone", &PersonState::personAttentionZone,
-            "the name of the attention zone, or \"Unknown\" if there is none");
+            "the name of the attention zone, or \"Unknown\" if it is not known");
   bindQuery(state, "personAttentionState", "attentionState", &PersonState::personAttentionState, "the attention zone");
   bindQuery(state, "personPleasureState", "pleasureState", &PersonState::personPleasureState,
             "the pleasure state by the process-wide boundaries. A NaN valence with enough confidence is "

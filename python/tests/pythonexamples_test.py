@@ -57,10 +57,10 @@ def test_the_plot_shows_every_recording_of_a_folder(tmp_path):
     one = result.persons[1]
     valence = f"{one['valence'][one['valence_known']].mean():+7.2f}"
     assert [line.split("  ")[-1] for line in lines[1:]] == [
-        "person 1 in greeting.jsonl",
-        "person 2 in greeting.jsonl",
-        "person 0 in two.csv",
-        "person 1 in two.csv",
+        "Person 1 in greeting.jsonl",
+        "Person 2 in greeting.jsonl",
+        "Person 0 in two.csv",
+        "Person 1 in two.csv",
     ]
     assert lines[1].startswith(valence)
     assert picture.read_bytes().startswith(b"\x89PNG")

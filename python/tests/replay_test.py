@@ -237,7 +237,7 @@ def test_refuses_a_boundary_that_the_library_does(greeting):
     with pytest.raises(ValueError, match="2 does not lie strictly between -1 and 1"):
         skeigiot.replay(greeting, boundaries={"confidence": 0.5, "positive": 2})
     assert skeigiot.PersonState.getBinaryBoundaryPositive() == before
-    with pytest.raises(ValueError, match="there is none named 'postive'; expected one of: positive, "):
+    with pytest.raises(ValueError, match="there is no boundary 'postive'; expected one of: positive, "):
         skeigiot.replay(greeting, boundaries={"postive": 0.5})
 
 
@@ -376,7 +376,7 @@ def test_has_the_errors_of_python_for_what_is_not_there(tmp_path, greeting):
 @pytest.mark.parametrize(
     "options, message",
     [
-        ({"format": "mp4"}, "format: there is none named 'mp4'; expected one of: livelink, "),
+        ({"format": "mp4"}, "format: there is no format 'mp4'; expected one of: livelink, "),
         ({"fps": 0}, "fps: expected a number above 0, got 0"),
         ({"fps": float("nan")}, "fps: expected a number above 0"),
         ({"min_confidence": 1.5}, "min_confidence: expected a number from 0 to 1"),
