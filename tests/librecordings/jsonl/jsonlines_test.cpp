@@ -192,9 +192,9 @@ TEST_P(BadJsonLine, IsNamed)
 INSTANTIATE_TEST_SUITE_P(
     With, BadJsonLine,
     ::testing::Values(
-        BadLineCase{
-            "AnUnknownMember", R"({"time":2,"persn":1})",
-            "persn: there is no such member; expected time, dated, start, ambiance, person, name, seen, observation, stop"},
+        BadLineCase{"AnUnknownMember", R"({"time":2,"persn":1})",
+                    "persn: there is no such member; expected time, dated, start, ambiance, person, name, seen, "
+                    "observation, stop"},
         BadLineCase{
             "AnUnknownReading", R"({"time":2,"person":1,"observation":{"smil":{"value":1}}})",
             "observation.smil: there is no such member; expected lookingAtRobot, headHeight, distance, gaze, "
@@ -347,18 +347,21 @@ TEST_F(JsonLines, ReadBackToTheSameBits)
 
 TEST_F(JsonLines, SayInTheFirstLineThatTheirDayIsUnknown)
 {
-  const std::string path = folder.write("f", "{\"time\":1577836800000000000,\"dated\":false}\n{\"time\":1577836800100000000}\n");
+  const std::string path =
+      folder.write("f", "{\"time\":1577836800000000000,\"dated\":false}\n{\"time\":1577836800100000000}\n");
   const auto reader = KV::recordings::openRecording(path, "", {});
   EXPECT_TRUE(reader->next());
   EXPECT_FALSE(reader->isDated());
-  EXPECT_THAT(reader->describe(), testing::Contains("times in nanoseconds, of an unknown day; persons by their member person"));
+  EXPECT_THAT(reader->describe(),
+              testing::Contains("times in nanoseconds, of an unknown day; persons by their member person"));
   EXPECT_TRUE(reader->next());
   EXPECT_FALSE(reader->isDated());
 }
 
 TEST_F(JsonLines, RefuseToLoseTheirDayInALaterLine)
 {
-  const std::string path = folder.write("f", "{\"time\":1577836800000000000}\n{\"time\":1577836800100000000,\"dated\":false}\n");
+  const std::string path =
+      folder.write("f", "{\"time\":1577836800000000000}\n{\"time\":1577836800100000000,\"dated\":false}\n");
   EXPECT_THAT(support::contentsOf(path).badLines,
               ElementsAre(path + ":2: dated: only the first line tells whether the recording has a date"));
 }

@@ -208,7 +208,8 @@ TEST_F(CommandLine, EndsWhenItIsInterruptedWhileItWaitsForStandardInput)
       "command=$!\n"
       "exec 3>\"$1/pipe\"\n"
       "cat \"$1/touch.csv\" >&3\n"
-      "while [ -z \"$(ls -A \"$1\" | grep .skeigiot)\" ]; do :; done\n"  // the export, under another name until it is whole
+      "looks=0\n"  // for the export, which has another name until it is whole
+      "until ls -A \"$1\" | grep -q .skeigiot || [ $((looks += 1)) -gt 5000 ]; do :; done\n"
       "kill -TERM $command\n"
       "wait $command\n",
       {folder.path("")});

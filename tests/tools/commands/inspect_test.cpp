@@ -119,7 +119,8 @@ TEST_F(InspectCommand, HasALineForEachRecordingOfAFolder)
   EXPECT_EQ(2, result.status);
   EXPECT_THAT(result.errors, HasSubstr("passed over 1 file of no known format: notes.txt"));
   EXPECT_THAT(result.errors, HasSubstr("c.csv:1: there is no row below the header"));
-  EXPECT_THAT(result.output, ::testing::StartsWith("3 recordings  format    length  steps/s  persons   seen  readings"));
+  EXPECT_THAT(result.output,
+              ::testing::StartsWith("3 recordings  format    length  steps/s  persons   seen  readings"));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\na.csv +openface +0:03.2 +10 +1 +[0-9]+ % +expressions, "));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\nb.csv +tidy +0:00.0 +1 +100 % +smile +1 bad line\n"));
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\nc.csv +not read: see the message\n"));

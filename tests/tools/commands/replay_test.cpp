@@ -490,7 +490,8 @@ TEST_F(CommandTest, ExportsWhatWasReadAndLeavesNoTemporaryFileWhenItIsInterrupte
       "command=$!\n"
       "exec 3>\"$1/pipe.jsonl\"\n"
       "cat \"$2\" >&3\n"
-      "while [ -z \"$(ls -A \"$1\" | grep skeigiot)\" ]; do :; done\n"
+      "looks=0\n"
+      "until ls -A \"$1\" | grep -q .skeigiot || [ $((looks += 1)) -gt 5000 ]; do :; done\n"
       "kill -TERM $command\n"
       "wait $command\n",
       {folder.path(""), recording});
