@@ -29,6 +29,8 @@ std::string secondsText(Duration duration)
 
 void noteProblems(const Inquiry& inquiry, const Outcome& outcome)
 {
+  if (!inquiry.note)
+    return;
   for (const std::string& warning : outcome.warningLines())
     inquiry.note("warning: " + warning);
   if (outcome.badLines > 0)

@@ -55,7 +55,7 @@ TEST_P(Interruption, EndsALineWithoutAnEnd)
 {
   const CommandResult result = interrupted("inspect --format jsonl", "/dev/zero", "^/dev/zero", GetParam().signal);
   EXPECT_EQ(status(), result.status);
-  EXPECT_EQ("", result.errors);
+  EXPECT_THAT(result.errors, ::testing::Not(::testing::HasSubstr("skeigiot"))) << "a shell may say something itself";
 }
 
 TEST_P(Interruption, EndsTheUnpackingOfAnEndlessLine)

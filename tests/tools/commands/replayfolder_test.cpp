@@ -135,7 +135,7 @@ TEST_F(LargeFolder, IsSummedUpInATableAndInAFileForStatistics)
   EXPECT_THAT(summary,
               ::testing::HasSubstr("\n1,anna.csv,0,,whole recording,0,0.2,complete,unknown,3,0,0.2,1,,,0,,,0,,,"));
   EXPECT_THAT(summary, ::testing::HasSubstr("\n2,bad.csv,,,,"));
-  EXPECT_THAT(summary, ::testing::HasSubstr("bad.csv:2: time: expected a number, found 'never'\n"));
+  EXPECT_THAT(summary, ::testing::HasSubstr("bad.csv:2: time: expected a number, found 'never'\"\n"));
   EXPECT_THAT(summary, ::testing::HasSubstr("\n3,two.csv,0,zoe,end,0.1,0.5,complete,"));
 }
 

@@ -184,16 +184,16 @@ TEST_F(WhyCommand, TakesTheOnlyPersonAndTheMomentOfTheGreatestChange)
                                        "time,person,reading,value,yaw,pitch\n"
                                        "0,7,touchEmotion,1,,\n"
                                        "0,7,gaze,,0,0\n"
-                                       "1,7,touchEmotion,1,,\n"
+                                       "1,7,gaze,,0,0\n"
                                        "2,7,touchEmotion,-1,,\n"
-                                       "2.1,7,touchEmotion,-1,,\n"
-                                       "9,7,touchEmotion,-1,,\n");
+                                       "2.1,7,gaze,,0,0\n"
+                                       "4,7,gaze,,0,0\n");
   const CommandResult result = runCommand({"why", one});
   EXPECT_EQ(0, result.status) << result.errors;
   EXPECT_THAT(result.output, StartsWith("Person 7 at 0:02.0 (2 s), the greatest change\n"))
       << "not at 0, where nothing was known before, though the valence rises by more";
   EXPECT_EQ(runCommand({"why", one, "--at", "2", "--json"}).output, runCommand({"why", one, "--json"}).output);
-  EXPECT_THAT(runCommand({"why", one, "--from", "1"}).output, StartsWith("Person 7 from 0:01.0 (1 s) to 0:09.0 (9 s)"));
+  EXPECT_THAT(runCommand({"why", one, "--from", "1"}).output, StartsWith("Person 7 from 0:01.0 (1 s) to 0:04.0 (4 s)"));
 }
 
 TEST_F(WhyCommand, TakesTheFirstUpdateOfAPersonOfWhomThereIsOneOnly)

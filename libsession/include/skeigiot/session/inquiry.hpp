@@ -24,7 +24,7 @@ struct SKEIGIOT_API Inquiry
   std::string personName = {};                   ///< what the caller calls the person, for messages
   bool skipBad = false;                          ///< read on behind a line that cannot be used
   Cycle cycle = {};                              ///< how often persons are updated
-  std::function<void(const std::string&)> note;  ///< takes warnings of the reader and of the library
+  std::function<void(const std::string&)> note;  ///< takes warnings of the reader and of the library; may be empty
   Player::GoOn goOn;                             ///< see Player
 };
 
