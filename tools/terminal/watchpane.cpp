@@ -244,13 +244,13 @@ std::vector<PageLine> watchPane(const session::PersonRow& row, session::TimePoin
 {
   if (height < 2)
     return {};
-  const std::vector<ReadingText> readings = readingsOf(row.readings, now);
+  const std::vector<ReadingText> texts = readingsOf(row.readings, now);
   std::vector<PageLine> lines{{}, {title(row, now)}};
   if (width >= sideBySideFrom)
-    append(lines, sideBySide(forceLines(row.forces, height - 2), readingLines(readings)));
+    append(lines, sideBySide(forceLines(row.forces, height - 2), readingLines(texts)));
   else
   {
-    std::vector<PageLine> paragraph = readingParagraph(readings, width);
+    std::vector<PageLine> paragraph = readingParagraph(texts, width);
     const std::size_t mostForReadings = (height - 2) / 2;
     paragraph.resize(std::min(paragraph.size(), mostForReadings));
     append(lines, forceLines(row.forces, height - 2 - paragraph.size()));
