@@ -28,10 +28,16 @@ inline std::int64_t ageInMs(ko::SystemClock::time_point time)
   return ageInMs(time, ko::SystemClock::now());
 }
 
-/// Returns the age as the weights want it, in seconds; reads the clock once.
+/// Returns the age as the weights want it, in seconds.
+constexpr float secondsOf(std::int64_t ageInMs)
+{
+  return static_cast<float>(ageInMs) * 0.001f;
+}
+
+/// Returns how long ago `time` was, in seconds as the weights want them; reads the clock once.
 inline float ageInSeconds(ko::SystemClock::time_point time)
 {
-  return static_cast<float>(ageInMs(time)) * 0.001f;
+  return secondsOf(ageInMs(time));
 }
 
 }  // namespace KV

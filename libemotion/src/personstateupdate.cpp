@@ -1,6 +1,7 @@
 #include "personstateprivate.hpp"
 
 #include "age.hpp"
+#include "ageweight.hpp"
 #include "clamp.hpp"
 #include "forcewatch.hpp"
 #include "initialisedearly.hpp"
@@ -61,6 +62,12 @@ constexpr float asr = 4.f;
 constexpr float touch = 4.f;
 constexpr float anySource = 2.5f;
 }  // namespace halfLife
+
+/// The weights that are needed many times in each update, by age in milliseconds.
+using FacialPointsWeights = AgeWeights<inMilliseconds(halfLife::facialPoints)>;
+using AngleWeights = AgeWeights<inMilliseconds(halfLife::angles)>;
+using AsrWeights = AgeWeights<inMilliseconds(halfLife::asr)>;
+using TouchWeights = AgeWeights<inMilliseconds(halfLife::touch)>;
 
 /// From which age [s] on a reading does not count at all.
 namespace lifetime
@@ -219,12 +226,12 @@ private:
       float weightSum = 0.f;
       for (const Timestamped<FacialPoints>& record : records)
       {
-        const float weight = softStep(ageInSeconds(record.time), halfLife::facialPoints);
+        const float weight = FacialPointsWeights::at(ageInMs(record.time));
         confidenceSum += weight * record.value.globalConfidence();
         weightSum += weight;
       }
       const float confidence = maximum(0.f, confidenceSum / weightSum);
-      return Seen{confidence, softStep(ageInSeconds(records.begin()->time), halfLife::facialPoints)};
+      return Seen{confidence, FacialPointsWeights::at(ageInMs(records.begin()->time))};
     });
     if (!seen)
     {
@@ -369,32 +376,37 @@ private:
   void _pullByRememberedEmotions()
   {
     const boost::lock_guard<boost::mutex> lock(_state.observationsMutex);
-    _pullByMemory(_memory.asrEmotionMemory, AsrChannel, [this](float asr, float age) {
-      _pullValence(asrTarget(asr), softStep(age, halfLife::asr) * gain::emotion, "Asr emotion");
-    });
-    _pullByMemory(_memory.touchEmotionMemory, TouchChannel, [this](std::int32_t touch, float age) {
-      _pullValence(touchTarget(touch), softStep(age, halfLife::touch) * gain::emotion, "Touch emotion");
-    });
-    _pullByMemory(_memory.contextEmotionMemory, ContextChannel, [this](const ContextEmotion& context, float age) {
-      const float weight = softStep(age, context.lifetime);
-      _pullValence(static_cast<float>(context.valence), weight * gain::emotion, "Context emotion");
-    });
+    _pullByMemory(
+        _memory.asrEmotionMemory, AsrChannel, [](float, std::int64_t age) { return AsrWeights::at(age); },
+        [this](float asr, float weight) { _pullValence(asrTarget(asr), weight * gain::emotion, "Asr emotion"); });
+    _pullByMemory(
+        _memory.touchEmotionMemory, TouchChannel, [](std::int32_t, std::int64_t age) { return TouchWeights::at(age); },
+        [this](std::int32_t touch, float weight) {
+          _pullValence(touchTarget(touch), weight * gain::emotion, "Touch emotion");
+        });
+    _pullByMemory(
+        _memory.contextEmotionMemory, ContextChannel,
+        [](const ContextEmotion& context, std::int64_t age) { return LifetimeWeights::at(age, context.lifetime); },
+        [this](const ContextEmotion& context, float weight) {
+          _pullValence(static_cast<float>(context.valence), weight * gain::emotion, "Context emotion");
+        });
   }
 
-  /// Keeps the time of the youngest record, and calls `pull` with each record's value and age [s].
+  /// Keeps the time of the youngest record, and calls `pull` with each record's value and weight, which `weigh` gives
+  /// for the value and its age [ms].
   ///
   /// The records are copied, and their ages read, under the memory's mutex; `pull` is called without it. While somebody
   /// observes forces, each age is read just before its forces instead, since they read the clock for their times: so
   /// the clock is read in one order, observed or not. A clock that fails leaves the forces of the records before.
-  template <typename T, typename Pull>
-  void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel, Pull pull)
+  template <typename T, typename Weigh, typename Pull>
+  void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel, Weigh weigh, Pull pull)
   {
     const bool observed = ForceWatch::isOn();
     boost::container::small_vector<Timestamped<T>, 16> records;
-    boost::container::small_vector<float, 16> ages;
-    const auto pullByAges = [&] {
-      for (std::size_t i = 0; i < ages.size(); ++i)
-        pull(records[i].value, ages[i]);
+    boost::container::small_vector<float, 16> weights;
+    const auto pullByWeights = [&] {
+      for (std::size_t i = 0; i < weights.size(); ++i)
+        pull(records[i].value, weights[i]);
     };
     try
     {
@@ -405,20 +417,20 @@ private:
         records.assign(remembered.begin(), remembered.end());
         if (observed)
           return;
-        ages.reserve(records.size());
+        weights.reserve(records.size());
         for (const Timestamped<T>& record : records)
-          ages.push_back(ageInSeconds(record.time));
+          weights.push_back(weigh(record.value, ageInMs(record.time)));
       });
     }
     catch (...)
     {
-      pullByAges();
+      pullByWeights();
       throw;
     }
-    pullByAges();
+    pullByWeights();
     if (observed)
       for (const Timestamped<T>& record : records)
-        pull(record.value, ageInSeconds(record.time));
+        pull(record.value, weigh(record.value, ageInMs(record.time)));
   }
 
   void _pullValence(float target, float weight, std::string_view source)
@@ -464,7 +476,7 @@ private:
       return std::nullopt;
     MeanAngles mean;
     for (const Timestamped<HeadPosture>& record : records)
-      mean.add(record.value.yaw(), record.value.pitch(), softStep(ageInSeconds(record.time), halfLife::angles));
+      mean.add(record.value.yaw(), record.value.pitch(), AngleWeights::at(ageInMs(record.time)));
     return mean;
   }
 
@@ -478,7 +490,7 @@ private:
 
       MeanAngles mean;
       for (const Timestamped<Gaze>& record : records)
-        mean.add(record.value.yaw, record.value.pitch, softStep(ageInSeconds(record.time), halfLife::angles));
+        mean.add(record.value.yaw, record.value.pitch, AngleWeights::at(ageInMs(record.time)));
       _meanGazeYaw = mean.yaw();
       _meanGazePitch = mean.pitch();
       _estimateAttention(GazeAttention, gazeMagnitude(_meanGazeYaw, _meanGazePitch), angle::attentiveGaze);
@@ -508,7 +520,7 @@ private:
   /// How much the last reading of a group of sources still counts, whose age is `ageInMs`.
   static float _silenceWeight(std::int64_t ageInMs)
   {
-    return ageInMs < 1 ? 0.f : softStep(static_cast<float>(ageInMs) * 0.001f, halfLife::anySource);
+    return ageInMs < 1 ? 0.f : weightOfAge(ageInMs, halfLife::anySource);
   }
 
   /// Without any source the valence drifts to neutral, the faster the longer all have been silent.

@@ -34,5 +34,6 @@ set(OBSERVATION_TESTS
     ramp_test.cpp
     # shared helpers
     age_test.cpp
+    ageweight_test.cpp
     clamp_test.cpp
     diagnostictext_test.cpp)
