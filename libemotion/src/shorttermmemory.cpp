@@ -2,6 +2,8 @@
 
 #include "age.hpp"
 
+#include <boost/none.hpp>
+#include <boost/optional/optional.hpp>
 #include <boost/thread/lock_guard.hpp>
 
 #include <algorithm>
@@ -19,15 +21,16 @@ namespace KV
 namespace
 {
 
-/// Tells whether records are too old, each with a clock reading of its own.
+/// Tells whether records are too old, each with a clock reading of its own unless the time is given.
 class TooOld
 {
 public:
   explicit TooOld(boost::chrono::milliseconds horizon) : _horizon(horizon.count()), _surelyYoung(ticksOf(_horizon)) {}
 
-  bool operator()(ko::SystemClock::time_point time) const
+  bool operator()(ko::SystemClock::time_point time) const { return at(_clock.now(), time); }
+
+  bool at(ko::SystemClock::time_point now, ko::SystemClock::time_point time) const
   {
-    const ko::SystemClock::time_point now = _clock.now();
     // Nearly all are younger than the horizon, which shows without a division. A time in the future wraps around.
     if (ticksOf(now) - ticksOf(time) < _surelyYoung)
       return false;
@@ -68,6 +71,27 @@ Iterator keepYoung(Iterator first, Iterator last, Predicate isTooOld)
   return kept;
 }
 
+/// Returns the time of the ManualClock that the thread reads, if it reads one. It cannot count its readings: a pass
+/// that reads it once for all records is one during which no other thread happened to move it.
+///
+/// Deliberate: a class that is derived from ManualClock may count, and is read for each record like any other clock.
+boost::optional<ko::SystemClock::time_point> timeOfManualClock()
+{
+  if (!ko::detail::threadClock.ticks)
+    return boost::none;
+  return ko::SystemClock::now();
+}
+
+/// Returns where the young records end at one time. The records are sorted by time, and so by age: most often it is
+/// enough to look at the last one.
+template <typename Iterator>
+Iterator endOfYoung(Iterator first, Iterator last, const TooOld& isTooOld, ko::SystemClock::time_point now)
+{
+  while (last != first && isTooOld.at(now, std::prev(last)->time))
+    --last;
+  return last;
+}
+
 }  // namespace
 
 template <typename T>
@@ -98,6 +122,13 @@ void ShortTermMemory<T>::_forgetOld()
   try
   {
     const TooOld isTooOld(_horizon);
+    if (const auto now = timeOfManualClock())
+    {
+      const auto kept = endOfYoung(_records.begin(), _records.end(), isTooOld, *now);
+      if (kept != _records.end())
+        _records.erase(kept, _records.end());
+      return;
+    }
     const auto tooOld = [&isTooOld](const Timestamped<T>& reading) { return isTooOld(reading.time); };
     _records.erase(keepYoung(_records.begin(), _records.end(), tooOld), _records.end());
   }

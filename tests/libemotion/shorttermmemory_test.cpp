@@ -695,6 +695,72 @@ TEST(ShortTermMemoryClock, NeitherLosesNorDoublesNorDisordersHoweverItJumpsAndFa
   }
 }
 
+/// A class derived from ManualClock that counts how often it is read, and moves on at each reading.
+class CountingManualClock : public ko::ManualClock
+{
+public:
+  using ManualClock::ManualClock;
+
+  Time now() override
+  {
+    ++readings;
+    advance(step);
+    return ManualClock::now();
+  }
+
+  int readings = 0;
+  nanoseconds step{0};
+};
+
+TEST(ShortTermMemoryClock, IsReadOncePerRecordThoughItsClassIsDerivedFromManualClock)
+{
+  CountingManualClock clock(start);
+  const ko::ScopedClockSource scope(clock);
+  ShortTermMemory<float> memory(milliseconds(7000));
+  for (int i = 0; i < 4; ++i)
+    memory.record(reading(start - seconds(i), static_cast<float>(i + 1)));
+  clock.readings = 0;
+  clock.step = seconds(3);
+
+  forgetOld(memory);
+
+  EXPECT_EQ(4, clock.readings);
+  // Their ages are read as 3, 7, 11 and 15 s.
+  EXPECT_THAT(values(memory), ElementsAre(1.f, 2.f));
+}
+
+TEST(ShortTermMemoryClock, ForgetsTheSameWhetherItIsManualOrReadForEachRecord)
+{
+  constexpr unsigned seed = 20;
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<std::int64_t> ageInNs(-100000000, 300000000);
+  std::uniform_int_distribution<std::int64_t> stepInNs(-30000000, 40000000);
+  for (const int horizonInMs : {-1, 0, 7, 200})
+  {
+    Time now = start;
+    ko::ManualClock manual(now);
+    support::ScriptedClock scripted([&now](int) { return now; });
+    ShortTermMemory<float> one{milliseconds(horizonInMs)};
+    ShortTermMemory<float> other{milliseconds(horizonInMs)};
+    for (int i = 0; i < 2000; ++i)
+    {
+      now += nanoseconds(stepInNs(random));
+      manual.set(now);
+      const Timestamped<float> added = reading(now - nanoseconds(ageInNs(random)), static_cast<float>(i));
+      {
+        const ko::ScopedClockSource scope(manual);
+        one.record(added);
+      }
+      {
+        const ko::ScopedClockSource scope(scripted);
+        other.record(added);
+      }
+      ASSERT_EQ(values(other), values(one)) << "horizon " << horizonInMs << " ms, reading " << i;
+    }
+  }
+}
+
 // Threads
 
 TEST(ShortTermMemoryThreads, FindTheMemoryAsItWasWhileTheyHoldItsMutex)

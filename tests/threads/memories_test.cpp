@@ -22,6 +22,7 @@
 namespace
 {
 
+using support::microseconds;
 using support::milliseconds;
 
 constexpr int count = 4;
@@ -75,6 +76,58 @@ TEST_F(MemoriesOfThreads, ForgetWhileOthersRecordAndRead)
   EXPECT_EQ(0, unsorted);
   EXPECT_LE(memory.records().size(), 53U) << "a record for each of 51 ms, and the one that is ahead";
   EXPECT_TRUE(memory.youngest().value);
+}
+
+// A pass may read a manual clock once for all records. Whatever it keeps and drops must then be right for one moment
+// between its begin and its end.
+TEST_F(MemoriesOfThreads, ForgetAsAtOneMomentWhileAnotherMovesTheClock)
+{
+  constexpr milliseconds horizon(40);
+  constexpr int records = 100;
+  constexpr int passes = 200;
+  const auto isTooOld = [&](int ageAtStartInMs, ko::SystemClock::time_point now) {
+    return now - (support::start - milliseconds(ageAtStartInMs)) >= horizon + milliseconds(1);
+  };
+  std::atomic<int> keptTooLong{0};
+  std::atomic<int> forgottenTooEarly{0};
+  std::atomic<int> outOfOrder{0};
+  std::atomic<int> atWork{2};
+
+  const auto forget = [&](int) {
+    const ko::ScopedClockSource ofThisThread(clock);
+    for (int pass = 0; pass < passes; ++pass)
+    {
+      clock.set(support::start - milliseconds(records - 40));  // soon, the oldest is too old
+      KV::ShortTermMemory<int> memory{horizon};
+      for (int age = 0; age < records; ++age)
+        memory.record({support::start - milliseconds(age), age});
+      const boost::lock_guard<boost::mutex> lock(memory.mutex());
+      const auto remembered = static_cast<int>(memory.records().size());
+
+      const ko::SystemClock::time_point before = clock.now();
+      memory._forgetOld();
+      const ko::SystemClock::time_point after = clock.now();
+
+      int next = 0;
+      for (const KV::Timestamped<int>& record : memory.records())
+      {
+        outOfOrder += static_cast<int>(record.value != next++);
+        keptTooLong += static_cast<int>(isTooOld(record.value, before));
+      }
+      for (; next < remembered; ++next)
+        forgottenTooEarly += static_cast<int>(!isTooOld(next, after));
+    }
+    --atWork;
+  };
+  threads::runTogether(1, forget, [&](int) {
+    --atWork;
+    while (atWork > 0)
+      clock.advance(microseconds(20));
+  });
+
+  EXPECT_EQ(0, keptTooLong);
+  EXPECT_EQ(0, forgottenTooEarly);
+  EXPECT_EQ(0, outOfOrder);
 }
 
 // Each quantity is moved under its mutex, and all forces are alike: so their order makes no difference.

@@ -66,9 +66,9 @@ public:
 
   /// Removes every record that _isTooOld() judges too old, each with a clock reading of its own, newest first.
   ///
-  /// An exception of the clock is caught and written to standard output as "Error while forgeting old memory: <what>";
-  /// the memory then holds what it held before. So it does if the clock throws what is no std::exception, which passes
-  /// to the caller.
+  /// A ko::ManualClock itself is read once for all of them. An exception of any other clock is caught and written to
+  /// standard output as "Error while forgeting old memory: <what>"; the memory then holds what it held before. So it
+  /// does if the clock throws what is no std::exception, which passes to the caller.
   ///
   /// \par Thread safety
   ///   Takes no lock: the caller holds mutex().
