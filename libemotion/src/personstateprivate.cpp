@@ -65,13 +65,16 @@ __attribute__((noinline)) void moveWatched(float target, float weight, std::stri
   }
 }
 
+// Without a constructor to run: a look-up is one load.
+thread_local WrittenWeight lastWeight __attribute__((tls_model("initial-exec")));
+
 /// Composes the text of the force, and moves the quantities under their mutex.
 template <typename... Quantities>
 void applyForce(std::string_view words, float target, float weight, std::string_view source, boost::mutex& mutex,
                 Quantities... pulled)
 {
   DiagnosticText text;
-  describeForce(text, words, target, weight, source);
+  describeForce(text, words, target, weight, source, lastWeight);
   if (ForceWatch::isOn())
     return moveWatched(target, weight, source, mutex, pulled...);
   const boost::lock_guard<boost::mutex> lock(mutex);

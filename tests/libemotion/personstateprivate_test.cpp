@@ -26,7 +26,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <locale>
 #include <random>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -459,18 +461,60 @@ INSTANTIATE_TEST_SUITE_P(
                                 &Estimate::attentionConfidence, &Estimate::attentionConfidence, 0.f}),
     support::RowName());
 
-TEST(PersonStatePrivate, DescribesAForceWithItsSource)
+/// The text of a force after which another weight was written last.
+std::string describe(std::string_view quantity, float target, float weight, std::string_view source,
+                     KV::WrittenWeight last = {})
 {
   KV::DiagnosticText text;
-  KV::describeForce(text, "valence", -0.5f, 0.455f, "Voice emotion");
-  EXPECT_EQ("Applying valence force 45.5 towards -0.5 (Voice emotion)", text.text());
+  KV::describeForce(text, quantity, target, weight, source, last);
+  return text.text();
+}
+
+TEST(PersonStatePrivate, DescribesAForceWithItsSource)
+{
+  EXPECT_EQ("Applying valence force 45.5 towards -0.5 (Voice emotion)",
+            describe("valence", -0.5f, 0.455f, "Voice emotion"));
 }
 
 TEST(PersonStatePrivate, DescribesAForceWithoutASource)
 {
-  KV::DiagnosticText text;
-  KV::describeForce(text, "attention confidence", 1.f, 0.012345678f, "");
-  EXPECT_EQ("Applying attention confidence force 1.23457 towards 1", text.text());
+  EXPECT_EQ("Applying attention confidence force 1.23457 towards 1",
+            describe("attention confidence", 1.f, 0.012345678f, ""));
+}
+
+TEST(PersonStatePrivate, DescribesEachTargetAsAStreamDoes)
+{
+  for (const float end : {1.f, -1.f})
+    for (const float target : {end, std::nextafter(end, 0.f), std::nextafter(end, 2.f * end), end * 1.00001f,
+                               end * 0.5f, end * 0.f, end * infinity, end * 10.f, std::copysign(nan, end)})
+    {
+      std::ostringstream stream;
+      stream.imbue(std::locale::classic());
+      stream << "Applying attention force 65 towards " << target << " (here)";
+      EXPECT_EQ(stream.str(), describe("attention", target, 0.65f, "here"));
+    }
+}
+
+TEST(PersonStatePrivate, DescribesEachWeightWhicheverWasWrittenBefore)
+{
+  const std::vector<float> weights{0.f,    -0.f,        0.0065f, 0.65f,    1.f,       -1.f, -0.000123457f,
+                                   1e-42f, 3.40282e36f, 1e38f,   infinity, -infinity, nan,  -nan};
+  KV::WrittenWeight last;
+  for (const float before : weights)
+    for (const float weight : weights)
+    {
+      KV::DiagnosticText other;
+      KV::describeForce(other, "valence", 0.f, before, "before", last);
+      std::ostringstream stream;
+      stream.imbue(std::locale::classic());
+      stream << "Applying attention force " << 100.f * weight << " towards 0 (here)";
+      for (int repetition = 0; repetition < 4; ++repetition)
+      {
+        KV::DiagnosticText text;
+        KV::describeForce(text, "attention", 0.f, weight, "here", last);
+        EXPECT_EQ(stream.str(), text.text()) << "after " << other.text();
+      }
+    }
 }
 
 TEST(PersonStatePrivate, DescribesForcesOfSourcesOfAnyLength)
@@ -478,9 +522,8 @@ TEST(PersonStatePrivate, DescribesForcesOfSourcesOfAnyLength)
   for (std::size_t length = 1; length < 2000; ++length)
   {
     const std::string source(length, 'x');
-    KV::DiagnosticText text;
-    KV::describeForce(text, "valence", -1.23456e-38f, -1.23456e-36f, source);
-    ASSERT_EQ("Applying valence force -1.23456e-34 towards -1.23456e-38 (" + source + ")", text.text());
+    ASSERT_EQ("Applying valence force -1.23456e-34 towards -1.23456e-38 (" + source + ")",
+              describe("valence", -1.23456e-38f, -1.23456e-36f, source));
   }
 }
 
