@@ -1,5 +1,7 @@
 #include "csv/csvrows.hpp"
 
+#include "csv/csvfields.hpp"
+
 #include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
@@ -7,31 +9,6 @@
 
 namespace KV::recordings
 {
-namespace
-{
-bool isBlank(char character)
-{
-  return character == ' ' || character == '\t';
-}
-
-// Both look at each character alone: a field has a blank or two, and a search for one of a set costs more than that.
-
-void skipBlanks(std::string_view& text)
-{
-  while (!text.empty() && isBlank(text.front()))
-    text.remove_prefix(1);
-}
-
-std::string_view trimmed(std::string_view field)
-{
-  skipBlanks(field);
-  while (!field.empty() && isBlank(field.back()))
-    field.remove_suffix(1);
-  return field;
-}
-
-}  // namespace
-
 CsvRows::CsvRows(InputFile input) : _file(std::move(input)) {}
 
 bool CsvRows::next()
@@ -49,38 +26,34 @@ bool CsvRows::next()
 
 bool CsvRows::_split(std::string_view line)
 {
-  _fields.clear();
-  if (trimmed(line).empty())
-    return true;
-  if (line.find('"') != std::string_view::npos)
+  const LineScan scan = scanLine(line);
+  if (scan.hasQuote)
     return _splitQuoted(line);
-  _splitUnquoted(line);
+  if (scan.commas >= limits::mostFields)
+    _refuseSoManyFields();
+  _fields.resize(scan.commas + 1);  // most often, the row before had as many
+  splitAtCommas(line, _fields.data());
+  if (_fields.size() == 1 && _fields.front().empty())
+    _fields.clear();  // an empty line has no fields
   return true;
-}
-
-// Most files have thousands of columns and no quotes: a search of the whole line spares one of every field.
-void CsvRows::_splitUnquoted(std::string_view line)
-{
-  while (true)
-  {
-    const std::size_t end = line.find(',');
-    _add(trimmed(line.substr(0, end)));
-    if (end == std::string_view::npos)
-      return;
-    line.remove_prefix(end + 1);
-  }
 }
 
 void CsvRows::_add(std::string_view field)
 {
   if (_fields.size() == limits::mostFields)
-    throw BadLine({_file.path(), _file.lineNumber(), {}},
-                  "has more than " + std::to_string(limits::mostFields) + " fields: this is no row of a recording");
+    _refuseSoManyFields();
   _fields.push_back(field);
+}
+
+void CsvRows::_refuseSoManyFields() const
+{
+  throw BadLine({_file.path(), _file.lineNumber(), {}},
+                "has more than " + std::to_string(limits::mostFields) + " fields: this is no row of a recording");
 }
 
 bool CsvRows::_splitQuoted(std::string_view line)
 {
+  _fields.clear();
   _unquoted.clear();
   _unquoted.reserve(line.size());  // so that fields stay where they are
   while (true)
@@ -96,7 +69,7 @@ bool CsvRows::_splitQuoted(std::string_view line)
       const std::string_view field = line.substr(0, line.find(','));
       if (field.find('"') != std::string_view::npos)
         return false;
-      _add(trimmed(field));
+      _add(withoutBlanks(field));
       line.remove_prefix(field.size());
     }
     if (line.empty())

@@ -36,8 +36,8 @@ public:
 private:
   // Split the line into _fields; false if a quote is out of place or not closed.
   bool _split(std::string_view line);
-  void _splitUnquoted(std::string_view line);
   void _add(std::string_view field);
+  [[noreturn]] void _refuseSoManyFields() const;
   bool _splitQuoted(std::string_view line);
 
   // Adds the field that begins with a quote, and takes it and the blanks behind it from `rest`; false as above.
