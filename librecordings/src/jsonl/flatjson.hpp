@@ -1,0 +1,187 @@
+#pragma once
+
+#include <skeigiot/recordings/inputlimits.hpp>
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <limits>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+
+namespace KV::recordings
+{
+
+/// A line holds something else than the plain JSON that recordings consist of: an error, or what FlatJson does not
+/// know. Whoever catches it parses the line into a tree, which has the messages.
+class NotPlain : public std::exception
+{};
+
+/// A JSON object in a text, without a tree: its values one after the other, each with its place in the text.
+///
+/// It knows what recordings consist of. Texts with escapes, null, and numbers beyond 64 bits are not plain, nor is an
+/// object that is nested deeper or has more parts than any observation. Whatever it takes, a JSON parser takes too.
+class FlatJson
+{
+public:
+  /// Parses the text, which has to outlive the object.
+  ///
+  /// \throws NotPlain if the text is anything else than one plain JSON value. A name that is in an object twice is left
+  ///   to whoever reads the members.
+  explicit FlatJson(std::string_view text);
+  FlatJson(const FlatJson&) = delete;  // values refer to it
+  FlatJson& operator=(const FlatJson&) = delete;
+
+  class Value;
+
+  /// Returns the outermost value.
+  Value document() const;
+
+private:
+  enum class Kind : std::uint8_t
+  {
+    Object,
+    Array,
+    Text,
+    Whole,  // a number without a fraction and an exponent
+    Fraction,
+    True,
+    False
+  };
+
+  // A std::string_view without a constructor.
+  struct Piece
+  {
+    const char* begin;
+    std::size_t size;
+
+    std::string_view view() const { return {begin, size}; }
+  };
+
+  // Has no constructor either: there is one of them for each part that a text might have, and most are never used.
+  struct Part
+  {
+    Piece name;          // of a member
+    Piece text;          // of a text or number
+    std::uint32_t size;  // how many members or elements it has
+    std::uint32_t end;   // the index behind the last part of it
+    Kind kind;
+  };
+  static_assert(std::is_trivial_v<Part>);
+
+  // An object, array, member or element are up to three parts for those who parse into a tree.
+  static constexpr std::size_t mostParts = limits::mostPartsOfStep / 3;
+  static constexpr int deepest = 8;
+  static_assert(deepest < limits::deepestJson);
+
+  void _skipSpace();
+  char _peek() const;
+  bool _take(char character);
+  void _expect(char character);
+  void _takeWord(std::string_view word);
+  void _readValue(Piece name, int depth);
+  std::uint32_t _readMembers(int depth);
+  std::uint32_t _readElements(int depth);
+  Piece _readText();
+  Piece _readNumber(Kind& kind);
+  void _readDigits();
+
+  const char* _next;
+  const char* _end;
+  std::uint32_t _count = 0;
+  std::array<Part, mostParts> _parts;
+};
+
+/// One value of a FlatJson, which has to outlive it.
+class FlatJson::Value
+{
+public:
+  Value(const FlatJson& json, std::uint32_t index) : _json(&json), _index(index) {}
+
+  bool isObject() const { return _part().kind == Kind::Object; }
+  bool isArray() const { return _part().kind == Kind::Array; }
+
+  /// Returns how many members or elements there are.
+  std::size_t size() const { return _part().size; }
+
+  std::string_view name() const { return _part().name.view(); }  ///< empty unless it is a member
+
+  /// Returns the first member or element, if size() is not 0.
+  Value first() const { return {*_json, _index + 1}; }
+  /// Returns the member or element behind this one, if there is one.
+  Value next() const { return {*_json, _part().end}; }
+
+  std::optional<bool> asBool() const
+  {
+    if (_part().kind == Kind::True)
+      return true;
+    return _part().kind == Kind::False ? std::optional<bool>(false) : std::nullopt;
+  }
+
+  std::optional<std::string_view> asText() const
+  {
+    return _part().kind == Kind::Text ? std::optional<std::string_view>(_part().text.view()) : std::nullopt;
+  }
+
+  /// Returns the number, rounded once.
+  ///
+  /// \throws NotPlain if single precision cannot hold it, or it is a whole number beyond 64 bits.
+  std::optional<float> asFloat() const
+  {
+    if (_part().kind == Kind::Fraction)
+      return _number<float>();
+    if (_part().kind != Kind::Whole)
+      return {};
+    // By way of an integer: -0 is 0 then, as it is for other parsers.
+    return *_part().text.begin == '-' ? static_cast<float>(_number<std::int64_t>())
+                                      : static_cast<float>(_number<std::uint64_t>());
+  }
+
+  /// Returns the whole number if `Integer` holds it.
+  ///
+  /// \throws NotPlain if 64 bits do not.
+  template <typename Integer>
+  std::optional<Integer> asWhole() const
+  {
+    using Limits = std::numeric_limits<Integer>;
+    if (_part().kind != Kind::Whole)
+      return {};
+    if (*_part().text.begin != '-')
+    {
+      const auto number = _number<std::uint64_t>();
+      return number <= static_cast<std::uint64_t>(Limits::max()) ? std::optional<Integer>(static_cast<Integer>(number))
+                                                                 : std::nullopt;
+    }
+    const auto number = _number<std::int64_t>();
+    if (!Limits::is_signed || number < static_cast<std::int64_t>(Limits::min()))
+      return {};
+    return static_cast<Integer>(number);
+  }
+
+private:
+  const Part& _part() const { return _json->_parts[_index]; }
+
+  template <typename Number>
+  Number _number() const
+  {
+    const Piece text = _part().text;
+    Number number{};
+    if (std::from_chars(text.begin, text.begin + text.size, number).ec != std::errc())
+      throw NotPlain();
+    return number;
+  }
+
+  const FlatJson* _json;
+  std::uint32_t _index;
+};
+
+inline FlatJson::Value FlatJson::document() const
+{
+  return {*this, 0};
+}
+
+}  // namespace KV::recordings
