@@ -8,9 +8,8 @@ from collections.abc import Mapping, Sequence
 from dataclasses import dataclass, field
 from typing import Any, Dict, Iterator, List, Optional, Tuple, Union
 
-import numpy as np
-
 from . import _skeigiot
+from ._numpy import np
 from ._replay import Frame, _function, _inputs, _sources_of, _warn
 from ._result import Columns
 from ._settings import Path, ReadingSettings, existing

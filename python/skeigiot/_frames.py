@@ -6,14 +6,15 @@ import datetime
 import difflib
 import re
 from collections.abc import Mapping
-from typing import Any, Iterable, List, Optional, Tuple, Union
-
-import numpy as np
-import numpy.typing as npt
+from typing import TYPE_CHECKING, Any, Iterable, List, Optional, Tuple, Union
 
 from . import _skeigiot
+from ._numpy import np
 from ._result import RecordingError
 from ._settings import expect_text
+
+if TYPE_CHECKING:
+    import numpy.typing as npt
 
 PackedColumn = Tuple[str, Union["npt.NDArray[np.float64]", List[str]]]
 PackedFrame = Tuple[str, int, Optional["npt.NDArray[np.int64]"], List[PackedColumn]]

@@ -6,10 +6,10 @@ from collections.abc import Iterable, Sequence
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, List, Optional, Tuple
 
-import numpy as np
-import numpy.typing as npt
+from ._numpy import np
 
 if TYPE_CHECKING:
+    import numpy.typing as npt
     from matplotlib.axes import Axes  # type: ignore[import]
     from matplotlib.figure import Figure  # type: ignore[import]
 

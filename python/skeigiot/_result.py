@@ -6,12 +6,11 @@ from collections.abc import Iterable, Mapping
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 
-import numpy as np
-import numpy.typing as npt
-
 from . import _html, _plot, _summary
+from ._numpy import np
 
 if TYPE_CHECKING:
+    import numpy.typing as npt
     import pandas  # type: ignore[import]
     from matplotlib.figure import Figure  # type: ignore[import]
 

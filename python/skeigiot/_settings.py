@@ -8,9 +8,8 @@ from collections.abc import Mapping
 from dataclasses import dataclass
 from typing import Any, Dict, Optional, Tuple, Union
 
-import numpy as np
-
 from . import _skeigiot
+from ._numpy import np
 
 Path = Union[str, "os.PathLike[str]"]
 Span = Tuple[Optional[float], Optional[float]]

@@ -5,9 +5,8 @@ from __future__ import annotations
 from collections.abc import Iterator, Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Optional
 
-import numpy.typing as npt
-
 if TYPE_CHECKING:
+    import numpy.typing as npt
     from typing import Protocol
 
     class ShownTable(Protocol):

@@ -24,6 +24,19 @@ def test_the_package_says_which_version_it_is() -> None:
     assert [part.isdigit() for part in skeigiot.__version__.split(".")] == [True] * 3
 
 
+def test_numpy_is_imported_when_it_is_first_needed() -> None:
+    program = (
+        "import sys, skeigiot\n"
+        "print('numpy' in sys.modules)\n"
+        "skeigiot.replay({'time': [0.0, 0.1], 'smile': [0.5, 0.5], 'person': [1, 1]})\n"
+        "print('numpy' in sys.modules)\n"
+    )
+
+    done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True, check=True)
+
+    assert done.stdout.split() == ["False", "True"]
+
+
 def test_another_python_is_told_which_one_the_package_was_built_for(tmp_path: Path) -> None:
     package = tmp_path / "skeigiot"
     shutil.copytree(Path(skeigiot.__file__).parent, package, ignore=shutil.ignore_patterns("_skeigiot.*so"))

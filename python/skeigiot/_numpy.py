@@ -1,0 +1,22 @@
+"""NumPy, imported when it is first needed: it takes longer to import than the rest of the package."""
+
+from __future__ import annotations
+
+import importlib
+from typing import TYPE_CHECKING, Any
+
+if TYPE_CHECKING:
+    import numpy as np
+else:
+
+    class _Numpy:
+        """Stands in for the module; what is asked for once is kept."""
+
+        def __getattr__(self, name: str) -> Any:
+            value = getattr(importlib.import_module("numpy"), name)
+            setattr(self, name, value)
+            return value
+
+    np = _Numpy()
+
+__all__ = ["np"]
