@@ -1,5 +1,6 @@
 #include "fullobservation.hpp"
 
+#include <skeigiot/recordings/jsonlineswriter.hpp>
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/player.hpp>
 #include <skeigiot/session/session.hpp>
@@ -62,6 +63,34 @@ private:
   std::filesystem::path _path;
 };
 
+/// A file of JSON Lines of thirty seconds of one face with all its readings and twelve points; removed at the end.
+class JsonLinesFile
+{
+public:
+  JsonLinesFile() : _path(std::filesystem::temp_directory_path() / "skeigiot_replay_benchmark.jsonl")
+  {
+    std::ofstream file(_path);
+    KV::recordings::JsonLinesWriter writer(file);
+    for (int row = 0; row < rows; ++row)
+    {
+      KV::recordings::Step step;
+      step.time = benchmarks::epoch + row * boost::chrono::nanoseconds(1000000000 / rowsPerSecond);
+      step.person = 1;
+      step.observation = benchmarks::faceObservation(step.time);
+      step.observation.facialPoints = benchmarks::fullObservation(step.time).facialPoints;
+      writer.write(step);
+    }
+  }
+  JsonLinesFile(const JsonLinesFile&) = delete;
+  JsonLinesFile& operator=(const JsonLinesFile&) = delete;
+  ~JsonLinesFile() { std::filesystem::remove(_path); }
+
+  std::string path() const { return _path.string(); }
+
+private:
+  std::filesystem::path _path;
+};
+
 void countTime(benchmark::State& state)
 {
   const double secondsOfFace = static_cast<double>(rows) / rowsPerSecond;
@@ -69,9 +98,10 @@ void countTime(benchmark::State& state)
   state.SetItemsProcessed(state.iterations() * rows);
 }
 
+template <typename File>
 void BM_ReplayReadingAlone(benchmark::State& state)
 {
-  const FaceFile file;
+  const File file;
   for (auto _ : state)
   {
     const auto reader = KV::recordings::openRecording(file.path(), "", KV::recordings::ReadingOptions());
@@ -80,11 +110,13 @@ void BM_ReplayReadingAlone(benchmark::State& state)
   }
   countTime(state);
 }
-BENCHMARK(BM_ReplayReadingAlone)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_ReplayReadingAlone, FaceFile)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_ReplayReadingAlone, JsonLinesFile)->Unit(benchmark::kMillisecond);
 
+template <typename File>
 void BM_ReplayEndToEnd(benchmark::State& state)
 {
-  const FaceFile file;
+  const File file;
   for (auto _ : state)
   {
     KV::session::PlayerOptions options;
@@ -95,7 +127,8 @@ void BM_ReplayEndToEnd(benchmark::State& state)
   }
   countTime(state);
 }
-BENCHMARK(BM_ReplayEndToEnd)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_ReplayEndToEnd, FaceFile)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(BM_ReplayEndToEnd, JsonLinesFile)->Unit(benchmark::kMillisecond);
 
 /// What is left where nothing is read: the steps are in memory, and in each of them all thirteen sensors report.
 void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
