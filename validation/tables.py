@@ -17,7 +17,7 @@ class Check(NamedTuple):
 
 
 def checks(rows):
-    return table(["", "what must hold", "what was found", "holds"],
+    return table(["", "expectation", "result", "holds"],
                  [[row.number, row.expectation, row.found, "yes" if row.holds else "**no**"] for row in rows])
 
 
