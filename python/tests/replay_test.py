@@ -245,7 +245,7 @@ def test_replays_folders_with_any_number_of_jobs(greeting, written, tmp_path):
     written(recordings.TIDY, "b.csv")
     written(recordings.OPENFACE, "a.csv")
     written("no recording", "notes.txt")
-    with pytest.warns(skeigiot.RecordingWarning, match="passed over 1 file of no known format: notes.txt"):
+    with pytest.warns(skeigiot.RecordingWarning, match="skipped 1 file of unknown format: notes.txt"):
         one_by_one = skeigiot.replay_all(tmp_path, jobs=1)
         at_once = skeigiot.replay_all(tmp_path, jobs=4)
     export = exported(tmp_path)

@@ -208,7 +208,7 @@ TEST_F(RealRecording, WithAMillisecondFromFrameToFrameIsDoubted)
   const auto contents = support::contentsOf(path(name));
   expectGoodSteps(contents);
   EXPECT_EQ(100u, contents.entries.size());
-  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the time stamps tell of 1000 frames/s")));
+  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the rate by the time stamps is 1000 frames/s")));
   EXPECT_NEAR(0.099, support::secondsOf(contents.entries.back()), 1e-9);
   for (const auto& entry : contents.entries)
     ASSERT_GT(entry.observation.facialPoints.value().value.globalConfidence(), 0.8f);

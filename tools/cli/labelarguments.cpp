@@ -16,33 +16,33 @@ const char* const labelGroup = "What labels mean";
 
 void addLabelOptions(CLI::App& command, session::AgreementOptions& agreement)
 {
-  addTexts(command, "--label", "A label that means a state. May be given several times", "LABEL=STATE",
+  addTexts(command, "--label", "Assigns a state to a label. May be given several times", "LABEL=STATE",
            [&agreement](const std::string& text) { agreement.mapping.add(text); })
       ->group(labelGroup);
   addTexts(command, "--unlabelled",
-           "State that time without a label counts as. May be given for pleasure,\n"
+           "State of time without a label. May be given once for each of pleasure,\n"
            "engagement and zones",
            "STATE", [&agreement](const std::string& text) { agreement.mapping.setUnlabelled(text); })
       ->group(labelGroup);
   addChoice<std::string>(command, "--value",
-                         "Meaning of values, where the column does not name it, and of labels\nthat are numbers",
+                         "Quantity of values and of labels that are numbers, if the column does\nnot name it",
                          "QUANTITY", {{"valence", "valence"}, {"attention", "attention"}}, agreement.valueQuantity)
       ->group(labelGroup);
   addTexts(command, "--scale",
-           "Values that stand for the least and the greatest of the estimate\n(-1..1 for valence, "
-           "0..1 for attention)",
+           "Values of the coder for the ends of the scale: -1 and 1 for valence,\n"
+           "0 and 1 for attention",
            "FROM..TO", [&agreement](const std::string& text) { agreement.scale = session::parseLabelScale(text); })
       ->group(labelGroup);
   addTexts(command, "--person",
-           "Number of the person whom labels, or their tier, call NAME; a number\nalone is for labels "
-           "without a name. May be given several times",
+           "Assigns labels, or a tier, with this NAME to a person; without NAME=,\n"
+           "assigns labels without a name. May be given several times",
            "[NAME=]ID", [&agreement](const std::string& text) { session::parseLabelPerson(text, agreement.persons); })
       ->group(labelGroup);
   addTexts(command, "--tier", "Use only labels of this tier (of BORIS: observation). May be given\nseveral times",
            "NAME", [&agreement](const std::string& text) { agreement.tiers.insert(text); })
       ->group(labelGroup);
   addNumber(
-      command, "--labels-offset", "Add so many seconds to all times of labels", "SECONDS", "seconds",
+      command, "--labels-offset", "Seconds to add to all times of labels", "SECONDS", "seconds",
       [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
       [&agreement](double seconds) { agreement.offset = seconds; })
       ->group(labelGroup);

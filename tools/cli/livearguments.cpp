@@ -11,8 +11,8 @@ CLI::Option* addTimesOption(CLI::App& command, session::StreamTimes& times)
 {
   return addChoice<session::StreamTimes>(
       command, "--times",
-      "What the clock shows during a line: the time of its arrival (default), or\n"
-      "its own member time, which it then must have",
+      "Clock during a line. arrival: the time at which the line arrived (default).\n"
+      "lines: the member time of the line, which is then required",
       "WHICH", {{"arrival", session::StreamTimes::Arrival}, {"lines", session::StreamTimes::Lines}}, times);
 }
 

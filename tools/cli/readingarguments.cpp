@@ -48,7 +48,7 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
   reading.rateName = "--fps";
   reading.mappingName = "--mapping";
 
-  std::string help = "Format of the recording, found out if not given:";
+  std::string help = "Format of the recording (default: detected):";
   std::vector<std::pair<std::string, std::string>> formats;
   for (const recordings::Format& format : recordings::recordingFormats())
   {
@@ -62,27 +62,28 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
   command.add_flag("--mirrored", reading.mirrored, "The video is a mirror image: exchange left and right")
       ->group(group);
   addParsed<recordings::LookAt>(command, "--look-at",
-                                "Direction of a look at the robot: to RIGHT,DOWN,FORWARD in metres\n"
-                                "from the camera; to the camera (default, but for bags); axis,\n"
-                                "parallel to the axis of the camera (for bags, and then moved by up to\n"
-                                "5 degrees towards where the head rests); or learned, where the head\n"
-                                "rests most",
+                                "Where a person looks who looks at the robot. camera: at the camera\n"
+                                "(default, except for bags). RIGHT,DOWN,FORWARD: at a point, in metres\n"
+                                "from the camera. axis: parallel to the axis of the camera (default for\n"
+                                "bags, moved by up to 5 degrees towards the usual direction of the\n"
+                                "head). learned: in the usual direction of the head",
                                 "POINT", recordings::parseLookAt, reading.lookAt)
       ->group(group);
   addChoice<recordings::LookAt>(
-      command, "--frame", "Older words for --look-at: line-of-sight is camera, camera is axis", "FRAME",
+      command, "--frame", "Older name of --look-at: line-of-sight means camera, camera means axis", "FRAME",
       {{"line-of-sight", {recordings::LookAt::Kind::Camera, {}}}, {"camera", {recordings::LookAt::Kind::Axis, {}}}},
       reading.lookAt)
       ->group(group)
       ->excludes("--look-at");
   addParsed<recordings::Rest>(command, "--rest",
-                              "What is taken off a face as its rest: learned as faces come (default),\n"
-                              "none, or the median of a span in seconds such as 2..7.5",
+                              "Face at rest, which is subtracted from each face: learned during the\n"
+                              "recording (default), none, or the median of a span in seconds such as\n"
+                              "2..7.5",
                               "REST", recordings::parseRest, reading.rest)
       ->group(group);
   addNumber(command, "--camera-height",
-            "Height of the camera above the floor; without it the heights of\n"
-            "heads are unknown",
+            "Height of the camera above the floor; without it, head heights are\n"
+            "unknown",
             "METRES", "a number", isFinite,
             [&reading](double metres) { reading.cameraHeight = static_cast<float>(metres); })
       ->group(group);
@@ -95,19 +96,19 @@ void addReadingOptions(CLI::App& command, ReadingArguments& arguments)
             [&reading](double intensity) { reading.actionUnitFullScale = static_cast<float>(intensity); })
       ->group(group);
   command
-      .add_option("--mapping", reading.mapping,
-                  "JSON file that says how action units, blendshapes and emotions\nbecome readings, instead of the "
-                  "built-in tables")
+      .add_option(
+          "--mapping", reading.mapping,
+          "JSON file that replaces the built-in tables, which convert action\nunits, blendshapes and emotions to "
+          "readings")
       ->type_name("FILE")
       ->group(group);
   command
       .add_option("--person-from", reading.personColumn,
-                  "Column of a CSV file that names the person; names that are no\nnumbers are shown beside numbers "
-                  "in the order in which they appear")
+                  "Column of a CSV file with the number or the name of the person; names\nget numbers in the order in "
+                  "which they appear")
       ->type_name("COLUMN")
       ->group(group);
-  command.add_flag("--skip-bad", arguments.skipBad, "Go on behind lines that cannot be used, and count them")
-      ->group(group);
+  command.add_flag("--skip-bad", arguments.skipBad, "Skip and count lines that cannot be used")->group(group);
 }
 
 }  // namespace KV::tools

@@ -23,14 +23,14 @@ std::string withOptions(const session::PlanError& error)
   switch (error.fault())
   {
     case session::PlanFault::FilesBesideFolders:
-      return message + ": give --separately to replay all of them one by one";
+      return message + ": give --separately to replay each as a session of its own";
     case session::PlanFault::NothingToMove:
     case session::PlanFault::NoSuchInput:
       return "--offset: " + message;
     case session::PlanFault::NamedTwice:
       return message + ": give --separately to replay it twice";
     case session::PlanFault::TooManyInputs:
-      return message + ": name their folder instead, or give --separately, to replay them one by one";
+      return message + ": name their folder instead, or give --separately, to replay each as a session of its own";
   }
   return message;
 }
@@ -52,15 +52,15 @@ float numberOf(const std::string& option, const std::string& text)
 
 CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::Duration>& offsets)
 {
-  return addTexts(command, "--offset", "Add so many seconds to all times of an input. May be given several\ntimes",
+  return addTexts(command, "--offset", "Seconds to add to all times of an input. May be given several times",
                   "FILE=SECONDS", [&offsets](const std::string& text) { session::parseOffset(text, offsets); });
 }
 
 CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& scopes)
 {
   return addTexts(command, "--scope",
-                  "Judge this span, too, in seconds since the start, both ends included;\n"
-                  "either may be left out. May be given several times",
+                  "Give a verdict on this span, too, in seconds since the start, both\n"
+                  "ends included; either end may be left out. May be given several times",
                   "NAME=FROM..TO",
                   [&scopes](const std::string& text) { scopes.push_back(session::parseScopeSpan(text)); });
 }
@@ -80,16 +80,17 @@ CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle)
   };
   return command
       .add_option_function<std::string>(name, take,
-                                        "Updates of a person in a second (10); what is observed in between is\n"
-                                        "remembered. recorded: update with each observation")
+                                        "Updates of a person per second (10); each update uses all\n"
+                                        "observations since the last one. recorded: update with each\n"
+                                        "observation")
       ->type_name("HZ|recorded");
 }
 
 CLI::Option* addForceOption(CLI::App& command, bool& force)
 {
   return command.add_flag("--force", force,
-                          "Replace existing files, whatever they are. Without it, only those are\n"
-                          "replaced that look like an export of skeigiot. No input is ever\nreplaced");
+                          "Replace any existing file. Without it, only files that look like an\n"
+                          "export of skeigiot are replaced. An input is never replaced");
 }
 
 std::string messageOf(const session::OutputRefused& refused)
@@ -124,13 +125,13 @@ std::string messageOf(const recordings::Error& error)
   std::string message = error.what();
   const auto& remedy = error.remedy();
   if (remedy && remedy->input.empty())
-    return message + "; --separately replays each for itself, and so does a folder that holds them";
+    return message + "; --separately, or naming their folder, replays each as a session of its own";
   if (remedy)
   {
     std::array<char, 64> seconds{};
     std::snprintf(seconds.data(), seconds.size(), "%.3f", static_cast<double>(remedy->offset.count()) * 1e-9);
     message += "; --offset " + remedy->input + "=" + seconds.data() +
-               " would let them begin together, --separately replays each for itself";
+               " would let them begin together, --separately replays each as a session of its own";
   }
   return message;
 }

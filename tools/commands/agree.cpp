@@ -33,23 +33,25 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Compares the estimate with labels that people gave to the recording";
+const char* const description = "Compares the estimate with labels that coders gave to the recording";
 
 const char* const footer =
-    R"(Files of labels: ELAN .eaf, Praat TextGrid, events of BORIS (CSV, TSV), label tracks of Audacity, and CSV with the
-columns start, end, value (a label) or time, value (a number), and person, coder and tier where there are several. Times are
-in seconds since the start of the recording. The coder is who the file names, or else the name of the file.
+    R"(Files of labels: ELAN .eaf, Praat TextGrid, events of BORIS (CSV, TSV), label tracks of Audacity, and CSV. A CSV has the
+columns start, end, value (a label) or time, value (a number), and person, coder and tier if there are several. Times
+are in seconds since the start of the recording. If a file names no coder, the name of the file is used.
 
-A label says a state: negative, neutral, positive; engaged, not-engaged; or the name of a zone, such as LookingAtRobot. Other
-labels need --label. Time without a label is left out, unless --unlabelled says what it means.
+A label is a state: negative, neutral, positive; engaged, not-engaged; or the name of a zone, such as LookingAtRobot.
+Use --label to assign a state to any other label. Time without a label is left out, unless --unlabelled assigns a state
+to it.
 
-Compared are all times of the estimate: an update holds until the next one, for a second at most. For states: Cohen's kappa,
-accuracy, F1 of each, and the confusion table. For values: Lin's concordance correlation (ccc), Pearson's correlation, and
-the root of the mean squared error. Each at the times of the labels, and at the delay at which both agree best: positive if
-the labels come later than the estimate. With two coders, also their agreement with each other, which is the most that an
-estimate can reach.
+The comparison counts time: an update holds until the next one, for at most one second. States are compared by Cohen's
+kappa, accuracy, F1 of each state, and the confusion table; values by Lin's concordance correlation (ccc), Pearson's
+correlation, and the root mean squared error. All measures are computed twice: at the times of the labels, and at the
+delay with the best agreement, which is positive if the labels come later than the estimate. If there are several
+coders, they are also compared with each other. Do not expect better agreement of an estimate.
 
-Intervals hold 95 % of 1000 resamples: of persons if there are 5, else of blocks of 10 s. The seed is fixed.
+Intervals contain 95 % of 1000 resamples: of persons if there are at least 5, otherwise of blocks of 10 s. The seed is
+fixed.
 
 Exit status: 0 if something was compared, 2 if the recording, the labels or the command line cannot be used.
 
@@ -75,8 +77,8 @@ struct Arguments
 void addDelayOption(CLI::App& command, session::AgreementOptions& agreement)
 {
   addNumber(
-      command, "--max-delay", "Try delays up to so many seconds, in both directions (5)", "SECONDS",
-      "a number from 0 to 60", [](double seconds) { return seconds >= 0. && seconds <= greatestDelay; },
+      command, "--max-delay", "Longest delay to try, in both directions (5)", "SECONDS", "a number from 0 to 60",
+      [](double seconds) { return seconds >= 0. && seconds <= greatestDelay; },
       [&agreement](double seconds) { agreement.maximalDelay = seconds; })
       ->group(labelGroup);
 }
@@ -172,7 +174,7 @@ void write(const Arguments& arguments, const session::Agreement& agreement, sess
 ExitStatus run(const Arguments& arguments)
 {
   if (arguments.json && arguments.csv == "-")
-    throw CLI::ValidationError("--json", "and --csv - both write to standard output: give one of both");
+    throw CLI::ValidationError("--json", "and --csv - both write to standard output: give only one of both");
   Messages messages(std::cerr, false);
   try
   {

@@ -32,7 +32,7 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   addWatchCommand(*app, status);
   addWhyCommand(*app, status);
   addHelpCommand(*app, status);
-  app->footer("A recording without a command is replayed: \"skeigiot face.csv\" is \"skeigiot replay face.csv\".");
+  app->footer("Without a command, a recording is replayed: \"skeigiot face.csv\" is \"skeigiot replay face.csv\".");
   return app;
 }
 

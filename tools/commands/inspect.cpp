@@ -29,9 +29,10 @@ namespace
 {
 
 const char* const footer =
-    R"(Reads the whole recording, over bad lines. Readings are named as in JSON Lines; scores with confidence 0 do not count.
+    R"(Reads the whole recording and skips bad lines. Readings have the names of JSON Lines. Scores with confidence 0 do not
+count.
 
-Exit status: 0 if all of it can be read, 2 if a line, or the rest of the file, cannot.)";
+Exit status: 0 if all lines can be read, 2 if a line or the rest of the file cannot be read.)";
 
 struct Arguments
 {
@@ -100,15 +101,15 @@ ExitStatus run(const Arguments& arguments)
 void addInspectCommand(CLI::App& app, ExitStatus& status)
 {
   const auto arguments = std::make_shared<Arguments>();
-  CLI::App& command = *app.add_subcommand("inspect", "Tells what is in a recording, and how it is read");
+  CLI::App& command = *app.add_subcommand("inspect", "Shows the content of a recording, and how it is read");
   command
       .add_option("RECORDING", arguments->path,
-                  "File to look into, \"-\" for standard input; or a folder of them, which\nbecomes a table")
+                  "File, \"-\" for standard input, or folder of recordings, which is shown\nas a table")
       ->required()
       ->type_name("");
   command.add_flag("--json", arguments->json, "As JSON");
   command.add_flag("--columns", arguments->columns,
-                   "Name every column; without it, columns that differ in a number are\none");
+                   "Name every column; without it, columns whose names differ only in a\nnumber are shown as one");
   addReadingOptions(command, arguments->reading);
   command.footer(footer);
   command.callback([arguments, &status] { status = run(*arguments); });

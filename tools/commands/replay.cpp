@@ -33,51 +33,50 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Shows what the library thought of the persons in a recording";
+const char* const description = "Estimates valence and attention of the persons in a recording";
 
 const char* const footer =
-    R"(Files named together are inputs of one session, merged by time. What the others tell of a person joins the next
-step of the first, best the face, about the same person; it waits for 0.2 s at most. Times that count from 0 are
-aligned at their zeros, and placed at a fixed time of the clock; times since 1970 stay. A folder stands for every
-recording in it, each in a session of its own, with persons and scopes of its own.
+    R"(Inputs: files that you name together are one session, merged by time. Name the file with the face first. Its steps
+set the timing: a reading of another file joins the next step about the same person, within 0.2 s. Times that count
+from 0 start together, at a fixed date; times since 1970 are not changed. If you name a folder, each recording in it
+is a session of its own.
 
-A person is updated 10 times a second, however often they are observed: the estimate is made for that rate. --cycle
-sets another rate; with --cycle recorded, each step of the recording updates.
+Updates: a person is updated 10 times a second, at any rate of observations. --cycle sets another rate; with --cycle
+recorded, each step of the recording makes an update.
 
-It begins with the result. The timeline has a row for each step: the mean valence (negative to positive, -1 to 1) and
-the mean attention (0 to 1), each with its confidence (0 to 1), and what held in most updates of the row: where the
-person looked, left and right being the person's own, and the state of pleasure. The body language says what it saw of
-the head: up and left count as uneasy, down and right as at ease. An estimate without any evidence is unknown. Rows
-that look the same are one line. With --explain, the sources that moved valence and attention most in each row follow
-below it, each with the sum of its steps.
+Output: first the result in a sentence, then the timeline. A row of the timeline has the mean valence (-1 negative to
+1 positive) and the mean attention (0 to 1), each with its confidence (0 to 1). It also has the most frequent zone, in
+which left and right are the person's own, and the most frequent pleasure state. The body language describes the head:
+up and left count as uneasy, down and right as at ease. An estimate without any evidence is unknown. Equal rows in
+sequence are one line. With --explain, each row has the sources that moved valence and attention most, with their sums.
 
-The verdict on a scope weighs each update by its confidence: "unknown" if that is too low on average, else "positive",
-"neutral" or "negative".
+Verdict: a scope is "positive", "neutral" or "negative" by its updates, weighted by their confidence, or "unknown" if
+the mean confidence is too low.
 
 Exports have a line for each update of each person, with these fields:
   recording                          number of the session, from 1
   person                             identifier
   time, clock                        seconds since the start of the recording, and since 1970-01-01 UTC;
-                                     no clock where the recording has no date
-  seen                               whether the person was observed in this update, or only aged
+                                     clock is empty if the recording has no date
+  seen                               whether the person was observed in this update
   valence, valence_confidence        -1 to 1, 0 to 1
   valence_binary                     1 above 0.2, -1 from -0.2 downwards, else 0
   unsmoothed_valence_binary, unsmoothed_valence_confidence
-                                     the same of a second valence that the same forces move
+                                     the same, of a second valence that the same forces move
   attention, attention_confidence    0 to 1 each
   zone                               LookingAtRobot, LookingUp, ..., LookingDownRight, or Unknown
   pleasure                           positive, neutral, negative, or unknown
   ease, ease_confidence              of the body language: -0.5 to 0.5, 0 to 1
-  valence_known, attention_known     0 where nothing told of it so far: the numbers then mean nothing
+  valence_known, attention_known     0 without any evidence so far: the numbers then mean nothing
   name                               of the person, if the recording has one
-  file                               of the recording: its path below the folder, or as it was given
+  file                               path of the recording, below its folder or as you gave it
 
-The summary has a row for each recording, person and scope: the verdict, the updates in the scope, the share of the
-time in which the person was seen, the means of valence and attention with their confidences, and the shares of zones
-and pleasure. What was never known is empty.
+The summary has a row for each recording, person and scope: the verdict, the number of updates, the share of the time
+in which the person was seen, the means of valence and attention with their confidences, and the shares of zones and
+pleasure states. A field is empty if its value was never known.
 
-Exit status: 0 if all went well, 2 if a recording or the command line cannot be used (what came before the bad input
-is shown and exported all the same), 1 if something else went wrong, such as an export that cannot be written.
+Exit status: 0 for success; 2 if a recording or the command line cannot be used (results before the bad input are
+still shown and exported); 1 for any other error, such as an export that cannot be written.
 
 Examples:
   skeigiot face.csv
@@ -108,13 +107,13 @@ void addSessionOptions(CLI::App& command, Arguments& arguments)
   addOffsetOption(command, arguments.sessions.offsets)->group(group);
   command
       .add_flag("--separately", arguments.sessions.separately,
-                "Replay each file in a session of its own, instead of all as inputs of\none")
+                "Replay each file as a session of its own; without it, all files are\none session")
       ->group(group);
   addCycleOption(command, arguments.replay.cycle)->group(group);
   addNumber(
       command, "--jobs",
-      "How many sessions are replayed at a time; the output is the same\n(default: one for each core)", "NUMBER",
-      "a whole number from 1 to 1024",
+      "Number of sessions to replay at the same time; the output does not\nchange (default: one for each core)",
+      "NUMBER", "a whole number from 1 to 1024",
       [](double number) { return number >= 1. && number <= 1024. && number == std::floor(number); },
       [&arguments](double number) { arguments.replay.jobs = static_cast<std::size_t>(number); })
       ->group(group);
@@ -122,10 +121,10 @@ void addSessionOptions(CLI::App& command, Arguments& arguments)
 
 void addShowingOptions(CLI::App& command, Arguments& arguments)
 {
-  const std::string group = "What is shown";
+  const std::string group = "Output";
   addScopeOption(command, arguments.replay.scopes)->group(group);
   addNumber(
-      command, "--step", "Length of a row of the timeline; chosen for about 40 rows if not given", "SECONDS",
+      command, "--step", "Length of a row of the timeline (default: chosen for about 40 rows)", "SECONDS",
       "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
       [&arguments](double seconds) {
         arguments.replay.step = session::Duration(static_cast<session::Duration::rep>(std::llround(seconds * 1e9)));
@@ -137,9 +136,9 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
       ->group(group);
   command
       .add_flag("--explain", arguments.replay.explain,
-                "Show below each row of the timeline which sources moved valence and\nattention most")
+                "Show in the timeline the sources that moved valence and attention most")
       ->group(group);
-  command.add_flag("-q,--quiet", arguments.replay.quiet, "Write nothing but errors")->group(group);
+  command.add_flag("-q,--quiet", arguments.replay.quiet, "Write only errors")->group(group);
 }
 
 /// Returns the option that exports in this format: its name, but what writes a recording says into which format.
@@ -150,7 +149,7 @@ std::string exportOption(const session::ExportFormat& format)
 
 void addExportOptions(CLI::App& command, Arguments& arguments)
 {
-  const std::string group = "Exports (\"-\" is standard output, which then holds nothing else)";
+  const std::string group = "Exports (\"-\" is standard output, which then has nothing else)";
   for (const session::ExportFormat& format : session::exportFormats())
   {
     const auto add = [&replay = arguments.replay, name = format.name](const std::string& target) {
@@ -163,7 +162,7 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
   command
       .add_option_function<std::string>(
           reportOption, [&replay = arguments.replay](const std::string& target) { replay.report = target; },
-          "Write a page of it, as \"skeigiot report\" does; not to standard output")
+          "Write an HTML report, as \"skeigiot report\" does; not to standard output")
       ->type_name("FILE")
       ->group(group);
   addForceOption(command, arguments.replay.force)->group(group);
@@ -190,7 +189,7 @@ void checkSessionsOfExports(const ReplayOptions& options)
   {
     const session::ExportFormat& format = session::exportFormat(name);
     if (!format.oneSession.empty())
-      throw CLI::ValidationError(exportOption(format), "takes one session only: " + format.oneSession);
+      throw CLI::ValidationError(exportOption(format), "needs a single session: " + format.oneSession);
   }
 }
 
@@ -200,13 +199,13 @@ void checkReport(const ReplayOptions& options)
   if (!options.report)
     return;
   if (!session::Report::isAvailable())
-    throw CLI::ValidationError(reportOption, "this command was built without the page: it needs npm");
+    throw CLI::ValidationError(reportOption, "this command was built without the HTML report, which needs npm");
   if (*options.report == "-")
     throw CLI::ValidationError(reportOption, "needs a file; standard output shows the replay");
   if (options.sessions.size() != 1)
     throw CLI::ValidationError(reportOption,
-                               "is about one session: name the inputs of one recording, or let \"skeigiot report\" "
-                               "write a folder of pages");
+                               "writes one session: name the inputs of one recording, or use \"skeigiot report\" to "
+                               "write a folder of reports");
 }
 
 /// Fills in the sessions, and which of their options follow from them.

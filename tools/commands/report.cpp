@@ -32,22 +32,23 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Makes a page of what the library thought of the persons in a recording, and why";
+const char* const description = "Writes an HTML report of the estimates in a recording, and the forces behind them";
 
 const char* const footer =
-    R"(The page is one HTML file that opens in any browser, without a network. It shows valence and attention of each person
-over time with their confidences, what was observed, and what pulled; and for a moment that is clicked, every force in
-order. Files named together are inputs of one session, as for "skeigiot replay".
+    R"(The report is one HTML file that opens in any browser, without a network. It shows the valence and attention of each
+person over time with their confidences, the readings, and the sources that moved the estimates. Click a moment to see
+all its forces. Files that you name together are one session, as in "skeigiot replay".
 
-A folder of recordings becomes a folder with a page of each, and index.html, which leads to them with small pictures.
+For a folder of recordings, the command writes a folder with a report of each, and index.html with links and small
+pictures.
 
-Labels that coders gave to the recording are drawn beside the estimate, in the formats of "skeigiot agree": states as ribbons,
-values as lines, and labels without a state as they are. A video is not part of the page: its path relative to the page is, so
-move both together.
+Labels of coders are drawn beside the estimate: states and other labels as ribbons, values as lines. Files and options
+are those of "skeigiot agree". A video remains a separate file. The report has its path relative to itself, so move
+both together.
 
-A long recording is thinned so that the page stays below 15 MB: extremes are kept, and the page says so.
+A long recording is shortened so that the report stays below 15 MB. Extremes are kept, and the report says so.
 
-Exit status: as that of "skeigiot replay".
+Exit status: as for "skeigiot replay".
 
 Examples:
   skeigiot report face.csv -o report.html
@@ -56,7 +57,7 @@ Examples:
   skeigiot report recordings/ -o pages/)";
 
 const char* const withoutPage =
-    "this command was built without the page of the report: install npm (on Debian: nodejs and npm), and build it anew";
+    "this command was built without the HTML report: install npm (on Debian: nodejs and npm), and build again";
 
 struct Arguments
 {
@@ -80,13 +81,13 @@ bool isOfFolder(const session::SessionInputs& session, const session::SessionArg
 void planFolder(Arguments& arguments)
 {
   if (!arguments.labels.empty() || !arguments.video.empty())
-    throw CLI::ValidationError("--labels and --video belong to one recording: name that, and no folder of several");
+    throw CLI::ValidationError("--labels and --video belong to one recording: name a file, not a folder of several");
   const std::filesystem::path target = arguments.target;
   std::error_code error;
   const bool isOther = std::filesystem::exists(target, error) && !std::filesystem::is_directory(target, error);
   if (arguments.target == "-" || isOther || (target.extension() == ".html" && !std::filesystem::exists(target, error)))
     throw CLI::ValidationError(
-        "-o", "each recording of a folder gets a page: name a folder for them, not '" + arguments.target + "'");
+        "-o", "each recording of a folder gets a report: name a folder for them, not '" + arguments.target + "'");
   arguments.replay.reportFolder = arguments.target;
   arguments.replay.jobs = std::max(1U, std::thread::hardware_concurrency());
 }
@@ -116,7 +117,7 @@ void addShownBeside(CLI::App& command, Arguments& arguments)
   session::ReportAdditions& additions = arguments.replay.reportAdditions;
   addTexts(command, "--labels", "File of labels to draw. May be given several times, for several coders", "FILE",
            [&arguments](const std::string& text) { arguments.labels.push_back(text); });
-  command.add_option("--video", arguments.video, "Video to play beside the curves, in step with the cursor")
+  command.add_option("--video", arguments.video, "Video to show in the report, at the time of the cursor")
       ->type_name("FILE");
   addNumber(
       command, "--video-offset", "Second of the recording at which the video begins (0)", "SECONDS", "seconds",
@@ -163,8 +164,9 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
       ->required()
       ->type_name("");
   command
-      .add_option("-o,--output", arguments->target,
-                  "Where the page goes, \"-\" for standard output; the folder of the pages\nfor a folder of recordings")
+      .add_option(
+          "-o,--output", arguments->target,
+          "File for the report, \"-\" for standard output; for a folder of\nrecordings, the folder for the reports")
       ->required()
       ->type_name("FILE");
   addForceOption(command, arguments->replay.force);

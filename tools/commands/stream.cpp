@@ -27,25 +27,25 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Answers observations as they come with what the library thinks of the persons";
+const char* const description = "Answers live observations with the estimate of the person";
 
 const char* const footer =
-    R"(Reads JSON Lines, each a step as in a recording, from standard input, and answers each with a line of JSON on
-standard output, at once. In a line the time may be left out, and these members are known besides those of a recording:
+    R"(Reads JSON Lines from standard input. Each line is a step, as in a recording, and is answered at once with a line of
+JSON on standard output. The time of a line is optional. A line may have two members that recordings do not have:
   boundaries  boundaries of the library to set, such as {"positive":0.3,"lookingAtRobot":0.7}
   leave       list of the numbers of persons to forget
 
 An answer has these members:
   line, time                         number of the line that it answers, and nanoseconds since 1970
-  updated                            whether the line updated the person whom it is about; false: it is remembered,
-                                     and the next update takes it in
-  person, seen, valence, ...         the state of that person that holds: as 'skeigiot replay --jsonl'
-  agitation, excited                 of the room, if the line tells its activity
-  verdicts                           on the scopes that the line stops
-  warnings                           of the library
-  error                              instead of all but line: the line was refused, and changed nothing
+  updated                            true if the line updated the person; false if it waits for the next update
+  person, seen, valence, ...         the present state of the person, as in 'skeigiot replay --jsonl'
+  agitation, excited                 ambiance of the room, if the line has the room's activity
+  verdicts                           verdicts on the scopes that the line stops
+  warnings                           warnings of the library
+  error                              the line was refused and changed nothing; besides, only line is there
 
-It ends at the end of the input, when it is interrupted or terminated, and when nobody reads the answers any more.
+The command ends at the end of the input, when it is interrupted or terminated, and when the reader of its answers has
+gone.
 
 Example, in which the valence of a person rises with joy and falls with sorrow:
   for score in joy joy sorrow sorrow; do
@@ -108,9 +108,9 @@ void greet()
   if (isTerminal(STDIN_FILENO))
     Messages(std::cerr, false)
         .note(
-            "waiting for lines of JSON, each with observations of a person, such as\n"
+            "waiting for lines of JSON with observations of persons, such as\n"
             R"(  {"person":1,"observation":{"expressions":{"joy":{"value":1,"confidence":1}}}})"
-            "\n  Ctrl-D ends it; 'skeigiot stream --help' tells what a line may say");
+            "\n  Ctrl-D ends the input; 'skeigiot stream --help' describes the lines");
 }
 
 /// Whoever feeds it ends it, or whoever reads from it: neither is a failure.

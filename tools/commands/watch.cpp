@@ -37,19 +37,19 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Shows a live table of the persons whose observations come in";
+const char* const description = "Shows live estimates of all persons in a table";
 
 const char* const footer =
-    R"(Reads the same lines from standard input as 'skeigiot stream', and shows on the terminal, for each person: the
-valence from -1 to 1 and the attention from 0 to 1, each with its confidence and, on a wide terminal, the last minute;
-the zone that the person looks at (left and right being the person's own); and why: the state of pleasure, what moved
-valence or attention most in the last update, and the ease of the body language. Below is a pane with the forces and
-the readings of the chosen person. Persons who were not seen for a minute are left out.
+    R"(Reads the same lines from standard input as 'skeigiot stream'. The table has a row for each person: the valence from -1
+to 1 and the attention from 0 to 1, each with its confidence and, on a wide terminal, the last minute; the attention
+zone, in which left and right are the person's own; and, below "why", the pleasure state, the source that moved valence
+or attention most in the last update, and the ease of the body language. The pane below the table has the forces and
+readings of the chosen person. Persons who were not seen for a minute are left out.
 
-With a RECORDING, of any format, that is played as if it came in now. Times and rate are those of the recording.
+A RECORDING, of any format, is played in real time. Times and rate are those of the recording.
 
 Keys: up and down choose a person, enter shows or hides the pane, space pauses, ? shows help, q quits. The table stays
-when the input has ended.
+after the end of the input.
 
 Examples:
   robot-perception | skeigiot watch
@@ -357,8 +357,8 @@ void addWatchCommand(CLI::App& app, ExitStatus& status)
                                                  "Inputs of one session to play, instead of standard input")
                                      ->type_name("");
   addNumber(
-      command, "--speed", "How many times as fast as it was recorded (1)", "FACTOR", "a number from 0.01 to 1000",
-      [](double speed) { return speed >= 0.01 && speed <= 1000.; },
+      command, "--speed", "Speed of playing: 2 is twice as fast as recorded (1)", "FACTOR",
+      "a number from 0.01 to 1000", [](double speed) { return speed >= 0.01 && speed <= 1000.; },
       [arguments = arguments.get()](double speed) { arguments->speed = speed; })
       ->needs(recording);
   addOffsetOption(command, arguments->recording.offsets);

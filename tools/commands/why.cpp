@@ -32,20 +32,22 @@ namespace KV::tools
 namespace
 {
 
-const char* const description = "Tells why the library thought so of a person";
+const char* const description = "Explains an estimate of a person by the forces that moved it";
 
 const char* const footer =
-    R"(Every change of an estimate is a force: a source pulls a quantity some share of the way, its weight, to a target.
+    R"(Only forces change an estimate. In each force, a source pulls a quantity towards a target; the weight is the share of
+the way that the quantity moves.
 
-Without a time, the forces of the update that changed valence or attention most are shown, in the order in which they
-acted. With --at, of the last update of the person at that time or before it. Forces of one source that follow each other, as those of all touches that are remembered, are
-one row with their number; what did the same to the unsmoothed valence has no row: --all shows every force. A zone has
-a row when it changes, with what decided on it.
+With --at, the command shows the forces of one update, in their order: the last update of the person at or before that
+time. Without a time, it is the update that changed valence or attention most. Forces of one source that follow each
+other, such as those of all remembered touches, are one row with their number. A force that moves the unsmoothed
+valence exactly as it moves the valence has no row; --all shows every force. If the zone changes, a row has the new
+zone and the reading that decided it.
 
-With --from, --to, or both, every source has its share in the total change of each quantity in that span, both ends
-included: "moved" is the sum of all its steps whichever way they went, "net" is their sum with signs.
+With --from, --to, or both, the command shows the share of each source in the changes of each quantity during that
+span, both ends included. "moved" is the sum of all moves, up and down; "net" is their sum with signs.
 
-The sentences tell shares of the total change, too.
+The sentences below the table have shares of the total change, too.
 
 Exit status: 0 if there is an answer, 2 if the recording or the command line cannot be used, or if it has no such
 person or time.
@@ -88,7 +90,7 @@ void addTime(CLI::App& command, const std::string& name, const std::string& help
 void addPerson(CLI::App& command, boost::optional<std::int32_t>& target)
 {
   addNumber(
-      command, "--person", "Whom to ask about (the only person)", "ID", "a whole number",
+      command, "--person", "Person to explain (default: the only person)", "ID", "a whole number",
       [](double number) {
         return number == std::floor(number) && std::abs(number) <= static_cast<double>(greatestPerson);
       },
@@ -102,9 +104,9 @@ void addOptions(CLI::App& command, Arguments& arguments)
       ->type_name("");
   addOffsetOption(command, arguments.session.offsets);
   addPerson(command, arguments.person);
-  addTime(command, "--at", "Explain the last update at that time since the start, or before it", arguments.at);
-  addTime(command, "--from", "Explain all updates from that time on (default: from the start)", arguments.from);
-  addTime(command, "--to", "Explain all updates up to that time (default: to the end)", arguments.to);
+  addTime(command, "--at", "Explain the last update at or before that time since the start", arguments.at);
+  addTime(command, "--from", "Explain all updates from that time on (default: the start)", arguments.from);
+  addTime(command, "--to", "Explain all updates up to that time (default: the end)", arguments.to);
   command.add_flag("--all", arguments.showsEach, "Show every force in a row of its own, and the unsmoothed valence");
   command.add_flag("--json", arguments.json, "As JSON, with every force of the update");
   addCycleOption(command, arguments.cycle);
@@ -115,7 +117,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
 void checkTimes(const Arguments& arguments)
 {
   if (arguments.at && arguments.asksForSpan())
-    throw CLI::ValidationError("--at", "asks for one moment, --from and --to for a span: give one of both");
+    throw CLI::ValidationError("--at", "is one moment, --from and --to are a span: give only one of both");
   if (arguments.from && arguments.to && *arguments.to < *arguments.from)
     throw CLI::ValidationError("--to", "the span ends before it begins");
 }

@@ -67,7 +67,7 @@ std::string describeSpan(const session::Inspection& contents)
 std::string describeGaps(const session::Inspection::Gaps& gaps)
 {
   if (gaps.count == 0)
-    return "none of a second or more";
+    return "no gap of a second or more";
   return session::counted(gaps.count, "gap") + " of a second or more, the longest of " +
          rounded(inSeconds(gaps.longest)) + " s at " + session::clockText(gaps.at);
 }

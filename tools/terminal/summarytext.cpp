@@ -62,7 +62,7 @@ Shares pleasureShares(const session::PersonSummary& summary)
   return shares;
 }
 
-const char* const unknown = "unknown: nothing in the recording tells it";
+const char* const unknown = "unknown: no evidence in the recording";
 
 std::string valenceText(const session::PersonSummary& summary)
 {

@@ -182,7 +182,7 @@ std::vector<PageLine> waitingText()
   return {{{"Waiting for the first line on standard input: a step of a recording as JSON, such as", Look::Plain}},
           {{R"(  {"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}})",
             Look::Plain}},
-          {{"'skeigiot stream --help' tells what a line may say.", Look::Plain}}};
+          {{"'skeigiot stream --help' describes the lines.", Look::Plain}}};
 }
 
 std::vector<PageLine> helpText()

@@ -80,7 +80,7 @@ std::vector<PageLine> forceLines(const std::vector<session::ActedForce>& forces,
   std::vector<PageLine> lines{{{header, Look::Heading}}};
   const std::vector<session::CombinedForce> strongest = strongestOf(forces);
   if (strongest.empty())
-    lines.push_back({{"none moved it visibly", Look::Faint}});
+    lines.push_back({{"no visible change", Look::Faint}});
   for (std::size_t i = 0; i < strongest.size(); ++i)
   {
     const bool isLastLine = lines.size() + 1 >= height;

@@ -123,7 +123,7 @@ void FaceReader::_warnOfLateTimestamps(const FaceRow& row)
     return;
   _warnedOfTimestamps = true;
   _warnings.push_back("line " + std::to_string(row.line) +
-                      " has a time stamp, though the first rows have none: it is not used, nor are those after it; "
+                      " has a time stamp, but the first rows have no time stamps: it is ignored, with all later ones; "
                       "give the rate of the video" +
                       settingName(_rateName));
 }

@@ -124,7 +124,7 @@ void FrameTimes::_describe(const AssumedRate& assumedRate, const std::string& ra
     case Source::Timestamps:
       _description = rate + " by the time stamps";
       if (_framesPerSecond > 0.0 && (cyclesPerSecond > greatestUsualRate || cyclesPerSecond < leastUsualRate))
-        _warning = "the time stamps tell of " + rate + ", and are used as they are; give the rate of the video" +
+        _warning = "the rate by the time stamps is " + rate + ", and is used as it is; give the rate of the video" +
                    settingName(rateName) + " if it was another";
       break;
     case Source::AssumedRate:

@@ -26,7 +26,7 @@ struct Signature
 };
 
 constexpr const char* video = "a video: run a front end such as OpenFace on it, and give its output";
-constexpr const char* sound = "a sound recording, which tells nothing of faces";
+constexpr const char* sound = "a sound recording, without faces";
 constexpr const char* picture = "a picture: run a front end such as OpenFace on it, and give its output";
 constexpr const char* packed = "a packed file: unpack it first; only gzip is read as it is";
 constexpr const char* utf16 = "text in UTF-16: save it as UTF-8";

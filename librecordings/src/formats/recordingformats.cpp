@@ -102,7 +102,7 @@ void refuseToLookIntoPipes(const std::string& path)
   const auto status = std::filesystem::status(path, error);
   if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
       !std::filesystem::is_directory(status))
-    throw Error({path, 0, {}}, "the format of what is no regular file cannot be detected; expected its name");
+    throw Error({path, 0, {}}, "is not a regular file, so its format cannot be detected: name the format");
 }
 
 // The format of a file that begins with `head`; none if that is not known.
@@ -148,7 +148,7 @@ const std::vector<Format>& recordingFormats()
       table<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older",
                                      "there are fewer than 2 columns such as frame, pose_Rx, gaze_angle_x and AU12_r",
                                      looksLikeOpenFace),
-      table<readTidyCsv>("tidy", "CSV of single readings, for all that no front end tells",
+      table<readTidyCsv>("tidy", "CSV of single readings, such as touch, one in each row",
                          "there are no columns time and reading", looksLikeTidyCsv),
       forward<readFaces<FaceLandmarkerRows>>("mediapipe", "JSON of MediaPipe FaceLandmarker results",
                                              "there is no JSON with faceBlendshapes or faceLandmarks",

@@ -259,8 +259,8 @@ private:
     if (_inPart)
       inflateReset(&_inflater);
     else
-      _fault = "something else than gzip stands behind the compressed data, at byte " + std::to_string(_place()) +
-               ": the rest cannot be read";
+      _fault =
+          "other data follow the compressed data, at byte " + std::to_string(_place()) + ": the rest cannot be read";
   }
 
   // Goes to the next byte that is not 0; false at the end.

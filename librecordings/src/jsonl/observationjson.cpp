@@ -647,7 +647,7 @@ void refuseContradictions(const Step& entry)
   if (!entry.person && !entry.seen)
     throw MemberError("person", "is missing: who was not seen?");
   if (!entry.seen && !isEmpty(entry.observation))
-    throw MemberError("observation", "there is none of a person who was not seen");
+    throw MemberError("observation", "a person who was not seen has no observation");
 }
 
 template <typename Members>
@@ -660,7 +660,7 @@ TimePoint timeOfLine(const typename Members::Value& object, const boost::optiona
   else
     members.required("time", time);
   if (time < 0)
-    throw MemberError("time", "is before 1970, which the library takes for never");
+    throw MemberError("time", "is before 1970; such times mean \"never\"");
   return timeOf(time);
 }
 

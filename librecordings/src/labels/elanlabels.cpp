@@ -191,7 +191,7 @@ private:
     while (after + 1 < _order.size() && !_order[after])
       ++after;
     if (!_order[before] || !_order[after])
-      throw Error(_place(node, "TIME_SLOT"), "has no time, and no slot with a time before and behind it");
+      throw Error(_place(node, "TIME_SLOT"), "has no time, and no slot with a time before and after it");
     const double share = static_cast<double>(slot.order - before) / static_cast<double>(after - before);
     return *_order[before] + share * (*_order[after] - *_order[before]);
   }

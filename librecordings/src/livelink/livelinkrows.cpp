@@ -159,7 +159,7 @@ std::string LiveLinkRows::describeReadings() const
 
 std::string LiveLinkRows::describePersons() const
 {
-  return _persons.description() + ", confidence 1, since there is none; " +
+  return _persons.description() + ", confidence 1, since the file has none; " +
          describeMissing({{_head.has_value(), "head pose"}, {false, "distance"}});
 }
 

@@ -98,7 +98,7 @@ std::string FaceLandmarkerRows::describeReadings() const
 
 std::string FaceLandmarkerRows::describePersons() const
 {
-  return "persons in the order of the result, confidence 1, since there is none; " +
+  return "persons in the order of the result, confidence 1, since the file has none; " +
          describeMissing({{_haveMatrices, "head pose and distance"}, {_haveScores, "blendshapes"}});
 }
 

@@ -44,7 +44,7 @@ void refuseOpenFace3(const CsvHeader& header)
 void refuseWhatTellsNothing(const OpenFaceColumns& columns, const Error::Place& place)
 {
   if (!columns.frame && !columns.timestamp)
-    throw Error(place, "there is no column frame and none timestamp; expected one of them at least");
+    throw Error(place, "there is no column frame and no column timestamp; expected at least one of them");
   if (!columns.rotation && !columns.hasGaze() && !columns.hasActionUnits())
     throw Error(place, "there is nothing to read; expected head pose (" + listed(rotationNames) + "), gaze (" +
                            listed(gazeAngleNames) + "; or " + listed(gazeVectorNames) +

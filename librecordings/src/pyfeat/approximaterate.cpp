@@ -45,7 +45,7 @@ std::optional<AssumedRate> ApproximateRate::rate() const
 
   AssumedRate assumed;
   assumed.framesPerSecond = rate;
-  assumed.reason = "since the file tells of " + rounded(_least) + " to " + rounded(_greatest) + " by whole seconds";
+  assumed.reason = "since times in whole seconds allow " + rounded(_least) + " to " + rounded(_greatest);
   assumed.warning = _greatest < _least * noticedDifference
                         ? std::string()
                         : "the times in whole seconds leave open which rate from " + rounded(_least) + " to " +

@@ -360,9 +360,9 @@ void MergedRecording::_warnOfLonelyPersons()
     const std::set<std::int32_t>& persons = _inputs[i].persons;
     const auto isKnown = [&known](std::int32_t person) { return known.count(person) > 0; };
     if (!known.empty() && !persons.empty() && std::none_of(persons.begin(), persons.end(), isKnown))
-      _warnings.push_back(_inputs[i].from.path + " tells of person " + std::to_string(*persons.begin()) + ", " +
-                          _inputs.front().from.path + " of person " + std::to_string(*known.begin()) +
-                          ", and of none do both: give the same person the same number");
+      _warnings.push_back(_inputs[i].from.path + " has person " + std::to_string(*persons.begin()) + ", " +
+                          _inputs.front().from.path + " has person " + std::to_string(*known.begin()) +
+                          ", and no person is in both: give the same person the same number");
   }
 }
 

@@ -66,9 +66,9 @@ std::vector<std::string> Ros4hriDispatch::warnings() const
   switch (_cycles.gaze())
   {
     case RosbagCycles::Gaze::FollowsFace:
-      return {"the eyes were not tracked: the frames of the gazes never move against those of the faces"};
+      return {"this bag has no eye tracking: gaze equals head direction"};
     case RosbagCycles::Gaze::None:
-      return {"there are no frames of gazes: the attention of who faces the camera cannot be told"};
+      return {"this bag has no gaze: attention is unknown for a person who faces the camera"};
     default:
       return {};
   }

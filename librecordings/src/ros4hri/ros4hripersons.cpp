@@ -50,7 +50,7 @@ std::optional<std::int32_t> RosbagPersons::ofVoice(const std::string& voice) con
 std::string RosbagPersons::describe() const
 {
   if (_names.empty())
-    return "persons are the faces in the order of their appearance";
+    return "each face is a person, in the order of appearance";
   std::vector<std::string> parts;
   for (std::size_t number = 0; number < _names.size() && number < mostDescribed; ++number)
     parts.push_back(std::to_string(number) + " is " + quote(_names[number]));

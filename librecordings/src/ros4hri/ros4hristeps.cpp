@@ -46,7 +46,7 @@ Transform transformOf(const RosTransform& told)
   const Vector3& translation = told.translation;
   if (!rotation || !std::isfinite(translation[0] + translation[1] + translation[2]))
     throw RosMessageError("the frame " + quote(told.child) +
-                          " has no place: its numbers are none, or its rotation is 0");
+                          " has no position: a number is not finite, or its rotation is 0");
   return {*rotation, translation};
 }
 

@@ -47,7 +47,7 @@ public:
     const std::size_t count = read<std::uint32_t>();
     const std::size_t rest = _buffer.getBufferSize() - _cdr.getSerializedDataLength();
     if (count > rest / smallestElement)
-      throw RosMessageError("tells of " + std::to_string(count) + " elements, but has " + std::to_string(rest) +
+      throw RosMessageError("claims " + std::to_string(count) + " elements, but has " + std::to_string(rest) +
                             " bytes left");
     return count;
   }

@@ -303,7 +303,7 @@ void refuseWhatTheReadingHasNot(const TidyTable& table, const Reading& reading, 
   for (const Column column : {Column::Value, Column::Yaw, Column::Pitch, Column::Roll, Column::Valence,
                               Column::Lifetime, Column::X, Column::Y, Column::Samples})
     if (table.has(column) && !contains(reading.needed, column) && !contains(reading.optional, column))
-      table.refuse(column, "there is none of the reading " + name);
+      table.refuse(column, "does not belong to the reading " + name);
 }
 
 bool isNumber(std::string_view text)
@@ -326,7 +326,7 @@ std::optional<std::string> personOf(const TidyTable& table, bool ofPerson)
     return isNumber(person) ? std::to_string(fields.whole<std::int32_t>(Column::Person)) : std::move(person);
   }
   if (table.has(Column::Person))
-    table.refuse(Column::Person, "expected nobody, since the row is about the room or a scope");
+    table.refuse(Column::Person, "expected no person, since the row is about the room or a scope");
   return {};
 }
 

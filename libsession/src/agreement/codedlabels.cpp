@@ -74,7 +74,7 @@ public:
       coded.values[std::get<0>(key)][std::get<1>(key)][std::get<2>(key)] = withoutOverlaps(std::move(pieces));
     coded.others = std::move(_others);
     if (!_withoutState.empty())
-      coded.withoutState = "labels left out that mean no state: " + listOf(_withoutState);
+      coded.withoutState = "labels without a state left out: " + listOf(_withoutState);
     coded.warnings = _warnings();
     return coded;
   }
@@ -219,13 +219,13 @@ private:
       if (!counts.empty())
         warnings.push_back(text + ": " + listOf(counts));
     };
-    warn(_withoutDuration, "labels left out that have no duration");
-    warn(_withoutPerson, "labels left out, as nobody said which person of the recording is meant");
-    warn(_notInRecording, "labels left out of persons that are not in the recording");
+    warn(_withoutDuration, "labels without a duration left out");
+    warn(_withoutPerson, "labels left out, because no person of the recording is assigned to them");
+    warn(_notInRecording, "labels of persons who are not in the recording left out");
     if (_valuesWithoutName > 0)
       warnings.push_back(counted(_valuesWithoutName, "value") +
-                         " left out, as nobody said whether they are valence or attention");
-    warn(_beyondScale, "values beyond the range of the estimate, so the scale of the coder is another");
+                         " left out, because it is not known whether they are valence or attention");
+    warn(_beyondScale, "values outside the range of the estimate: the scale of the coder differs");
     return warnings;
   }
 

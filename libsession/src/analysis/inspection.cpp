@@ -103,7 +103,7 @@ std::string describeMissing(const Contents& contents)
   const bool othersDo = contents.haveAny({"voiceEmotion", "asrEmotion", "touchEmotion", "contextEmotion"});
   std::vector<std::string> parts;
   if (!facesTellValence)
-    parts.emplace_back(othersDo ? "no expressions: the face tells nothing of valence"
+    parts.emplace_back(othersDo ? "no expressions: the face does not move valence"
                                 : "no expressions: valence stays unknown");
   if (!contents.haveAny({"headPosture", "gaze", "lookingAtRobot"}))
     parts.emplace_back("neither head posture nor gaze: attention stays unknown");
@@ -187,7 +187,7 @@ std::string trustIn(const Inspection& inspection)
     told += span.seen + span.notSeen;
   }
   if (told == 0)
-    return "nobody is told of";
+    return "no persons";
   const Contents contents(inspection.numbers());
   std::string sentence = "seen in " + percentage(static_cast<double>(seen) / static_cast<double>(told)) + " of steps";
   for (const std::string& part : {describeStrengths(contents), describeOffset(contents), describeMissing(contents)})

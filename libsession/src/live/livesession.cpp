@@ -114,7 +114,7 @@ recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
     throw recordings::MemberError(found->member, found->message);
   if (line.entry.time > arrival + furthestAhead)
     throw recordings::MemberError(
-        "time", "lies more than a second ahead: are the clocks of the sender and of this machine alike?");
+        "time", "lies more than a second ahead: compare the clocks of the sender and of this machine");
   if (KV::leaveOutAhead(line.entry.observation, arrival + furthestAhead) > 0)
     throw recordings::MemberError("observation",
                                   "a reading lies more than a second ahead: it would count as new until then");

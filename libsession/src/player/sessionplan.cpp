@@ -64,7 +64,7 @@ std::vector<fs::path> sortedContents(const std::string& folder, std::vector<std:
     if (mayBeRecording(path, ofEntry))
       paths.push_back(path);
     if (ofEntry)
-      notes.push_back(path.string() + ": passed over, since it cannot be read: " + ofEntry.message());
+      notes.push_back(path.string() + ": skipped, since it cannot be read: " + ofEntry.message());
   }
   if (error)
     throw recordings::Error({folder, 0, {}}, "cannot be read: " + error.message());
@@ -76,7 +76,7 @@ std::vector<fs::path> sortedContents(const std::string& folder, std::vector<std:
 std::string noteOn(const std::string& folder, const std::vector<std::string>& passedOver)
 {
   constexpr std::size_t mostNamed = 3;
-  std::string text = folder + ": passed over " + counted(passedOver.size(), "file") + " of no known format: ";
+  std::string text = folder + ": skipped " + counted(passedOver.size(), "file") + " of unknown format: ";
   for (std::size_t i = 0; i < std::min(mostNamed, passedOver.size()); ++i)
     text += (i > 0 ? ", " : "") + passedOver[i];
   return text + (passedOver.size() > mostNamed ? ", ..." : "");
@@ -108,9 +108,9 @@ void refuseContradictions(const SessionArguments& arguments, std::size_t folders
   const std::size_t files = arguments.paths.size() - folders;
   if (folders > 0 && files > 0 && !arguments.separately)
     throw PlanError(PlanFault::FilesBesideFolders,
-                    "files named together are inputs of one session, recordings in a folder are sessions of their own");
+                    "files named together are one session, but each recording of a folder is a session of its own");
   if (!arguments.offsets.empty() && (arguments.separately || folders > 0 || files < 2))
-    throw PlanError(PlanFault::NothingToMove, "there is no other input of the same session to be moved against");
+    throw PlanError(PlanFault::NothingToMove, "an offset needs another input in the same session");
 
   const std::set<std::string> paths(arguments.paths.begin(), arguments.paths.end());
   for (const auto& [path, offset] : arguments.offsets)

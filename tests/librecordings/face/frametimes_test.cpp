@@ -73,14 +73,15 @@ TEST(FrameTimes, DoubtARateThatNoCameraHas)
 {
   EXPECT_EQ("", FrameTimes({}, framesAt(119.0)).warning());
   EXPECT_EQ(
-      "the time stamps tell of 1000 frames/s, and are used as they are; give the rate of the video if it was another",
+      "the rate by the time stamps is 1000 frames/s, and is used as it is; give the rate of the video if it was "
+      "another",
       FrameTimes({}, framesAt(1000.0)).warning());
 }
 
 TEST(FrameTimes, SayHowUsersGiveTheRate)
 {
   EXPECT_EQ(
-      "the time stamps tell of 1000 frames/s, and are used as they are; give the rate of the video (fps=) if it was "
+      "the rate by the time stamps is 1000 frames/s, and is used as it is; give the rate of the video (fps=) if it was "
       "another",
       FrameTimes({}, framesAt(1000.0), {}, "fps=").warning());
   EXPECT_EQ("there are no time stamps: 30 frames/s are assumed; give the rate of the video (fps=) if it was another",

@@ -77,7 +77,7 @@ TEST_F(RecordingFormats, NeedAFile)
 TEST_F(RecordingFormats, AreNotDetectedInAPipe)
 {
   ASSERT_EQ(0, mkfifo(folder.path("pipe").c_str(), 0600));
-  EXPECT_EQ(folder.path("pipe") + ": the format of what is no regular file cannot be detected; expected its name",
+  EXPECT_EQ(folder.path("pipe") + ": is not a regular file, so its format cannot be detected: name the format",
             support::contentsOf(folder.path("pipe")).fatal);
 }
 

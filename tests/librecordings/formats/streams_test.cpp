@@ -131,8 +131,8 @@ TEST_F(Streams, SayThatSomethingElseStandsBehindPackedParts)
 {
   const std::string line = "{\"time\":1000}\n";
   const std::string part = bytesOf(folder.writeCompressed("f", line));
-  const std::string place = ": something else than gzip stands behind the compressed data, at byte " +
-                            std::to_string(part.size()) + ": the rest cannot be read";
+  const std::string place =
+      ": other data follow the compressed data, at byte " + std::to_string(part.size()) + ": the rest cannot be read";
   for (const std::string& behind : {"x" + part, std::string("x"), part.substr(0, 1)})
   {
     SCOPED_TRACE(behind);

@@ -216,7 +216,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLineCase{"ATimeThatIsTooLarge", R"({"time":9223372036854775808})",
                     "time: expected a whole number from -9223372036854775808 to 9223372036854775807, found "
                     "'9223372036854775808'"},
-        BadLineCase{"ATimeBefore1970", R"({"time":-1})", "time: is before 1970, which the library takes for never"},
+        BadLineCase{"ATimeBefore1970", R"({"time":-1})", "time: is before 1970; such times mean \"never\""},
         BadLineCase{"ATimeThatRunsBackwards", R"({"time":0})",
                     "time: time runs backwards, expected the lines in the order of their times"},
         BadLineCase{"AMissingMember", R"({"time":2,"person":1,"observation":{"smile":{"value":1}}})",
@@ -252,7 +252,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLineCase{"NobodyNotSeen", R"({"time":2,"seen":false})", "person: is missing: who was not seen?"},
         BadLineCase{"AnObservationOfThePersonNotSeen",
                     R"({"time":2,"person":1,"seen":false,"observation":{"distance":{"value":1}}})",
-                    "observation: there is none of a person who was not seen"},
+                    "observation: a person who was not seen has no observation"},
         BadLineCase{"NoObject", "[1,2]", "expected a JSON object on one line, found '[1,2]'"}),
     [](const auto& row) { return std::string(row.param.name); });
 

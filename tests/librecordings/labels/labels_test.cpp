@@ -323,7 +323,7 @@ TEST_F(LabelFile, OfElanSaysWhatIsWrongAndWhere)
   EXPECT_THAT(errorOf(elan(slot("a", "0"), tier("t", referring("1", "2", "v")) + tier("u", referring("2", "1", "v")))),
               HasSubstr("annotations refer to each other in a circle"));
   EXPECT_THAT(errorOf(elan(slot("a"), tier("t", aligned("1", "a", "a", "v")))),
-              HasSubstr("has no time, and no slot with a time before and behind it"));
+              HasSubstr("has no time, and no slot with a time before and after it"));
 }
 
 TEST_F(LabelFile, OfElanMayBeBig)

@@ -257,7 +257,7 @@ TEST_F(FaceLandmarkerReader, WarnsOfMillisecondsInPlaceOfSeconds)
                                  "\n"
                                  R"({"timestamp":66,"faceBlendshapes":[[]]})"
                                  "\n");
-  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the time stamps tell of 0.0303 frames/s")));
+  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the rate by the time stamps is 0.0303 frames/s")));
 }
 
 // How the file is written.
@@ -277,11 +277,12 @@ TEST_F(FaceLandmarkerReader, ReadsAnArrayOnOneLineAndOneOfManyLines)
 TEST_F(FaceLandmarkerReader, SaysWhatItReads)
 {
   const auto contents = readWell(resultOf(turned(0)));
-  EXPECT_THAT(contents.description,
-              ElementsAre("MediaPipe FaceLandmarker: head pose from the matrices, in cm, counted from the line of "
-                          "sight to the camera, not mirrored",
-                          HasSubstr("persons in the order of the result, confidence 1, since there is none; missing: "
-                                    "blendshapes")));
+  EXPECT_THAT(
+      contents.description,
+      ElementsAre("MediaPipe FaceLandmarker: head pose from the matrices, in cm, counted from the line of "
+                  "sight to the camera, not mirrored",
+                  HasSubstr("persons in the order of the result, confidence 1, since the file has none; missing: "
+                            "blendshapes")));
 }
 
 // Bad input.

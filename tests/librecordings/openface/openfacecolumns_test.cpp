@@ -19,7 +19,7 @@ TEST(OpenFaceHeader, IsKnownByTwoOfItsNames)
 
 TEST_F(OpenFaceColumns, MustTellAFrameOrATime)
 {
-  EXPECT_EQ("1: there is no column frame and none timestamp; expected one of them at least",
+  EXPECT_EQ("1: there is no column frame and no column timestamp; expected at least one of them",
             errorOf("confidence,success,AU12_r\n1,1,2\n"));
 }
 

@@ -434,7 +434,7 @@ TEST_F(OpenFaceReader, WarnsOfARateThatNoCameraHas)
 {
   const auto contents = read("frame,timestamp,AU12_r\n1,0.000,1\n2,0.001,1\n");
   EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "1 0+"));
-  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the time stamps tell of 1000 frames/s")));
+  EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the rate by the time stamps is 1000 frames/s")));
 }
 
 TEST_F(OpenFaceReader, LooksBeyondAFirstFrameOfManyFacesForTheRate)
@@ -460,7 +460,7 @@ TEST_F(OpenFaceReader, WarnsOfTimeStampsThatItDoesNotUse)
   EXPECT_THAT(contents.description.back(), HasSubstr("30 frames/s assumed"));
   ASSERT_EQ(2u, contents.warnings.size());
   EXPECT_EQ(
-      "line 312 has a time stamp, though the first rows have none: it is not used, nor are those after it; give the "
+      "line 312 has a time stamp, but the first rows have no time stamps: it is ignored, with all later ones; give the "
       "rate of the video",
       contents.warnings[1]);
 }

@@ -288,7 +288,7 @@ TEST_F(MergedRecordings, TellWhatIsWrongWhereTheInputHadComeTo)
 TEST_F(MergedRecordings, WarnIfTheyHaveNoPersonInCommon)
 {
   const auto contents = read({{"a", header + "0,0,smile,1\n"}, {"b", header + "0,1,asrEmotion,1\n"}});
-  EXPECT_THAT(contents.warnings, ElementsAre("b tells of person 1, a of person 0, and of none do both: give the same "
+  EXPECT_THAT(contents.warnings, ElementsAre("b has person 1, a has person 0, and no person is in both: give the same "
                                              "person the same number"));
   EXPECT_THAT(read({{"a", header + "0,0,smile,1\n"}, {"b", header + "0,0,asrEmotion,1\n"}}).warnings, IsEmpty());
 }

@@ -163,7 +163,7 @@ TEST(RosMessages, AreRefusedWhereTheyLieAboutTheirLength)
   }
   catch (const RosMessageError& error)
   {
-    EXPECT_STREQ("tells of 4294967295 elements, but has 20 bytes left", error.what());
+    EXPECT_STREQ("claims 4294967295 elements, but has 20 bytes left", error.what());
   }
 }
 

@@ -320,8 +320,8 @@ TEST_F(AgreementOfLabels, FindsPersonsByNameNumberAndTier)
   add(0., 10., "positive");
   const Agreement agreement = compare();
   EXPECT_THAT(agreement.warnings,
-              ElementsAre("labels left out, as nobody said which person of the recording is meant: '' (1), 'Otto' (1)",
-                          "labels left out of persons that are not in the recording: '9' (1)"));
+              ElementsAre("labels left out, because no person of the recording is assigned to them: '' (1), 'Otto' (1)",
+                          "labels of persons who are not in the recording left out: '9' (1)"));
   EXPECT_EQ(7U, agreement.comparisons.size()) << "anna: all, 1, 2; ben: all, 2; both: all, 2";
 }
 
@@ -360,8 +360,9 @@ TEST_F(AgreementOfLabels, NamesLabelsThatMeanNoState)
   add(2., 2., "positive");
   labels.tracks.push_back({"value", "", "anna", "", {{0., 0.}}});
   EXPECT_EQ(
-      "no label can be compared: labels left out that mean no state: 'smiling' (2); labels left out that have no "
-      "duration: 'positive' (1); 1 value left out, as nobody said whether they are valence or attention",
+      "no label can be compared: labels without a state left out: 'smiling' (2); labels without a "
+      "duration left out: 'positive' (1); 1 value left out, because it is not known whether they are valence or "
+      "attention",
       refusal());
 }
 
@@ -370,7 +371,7 @@ TEST_F(AgreementOfLabels, WarnsOfAnotherScale)
   play(1, 10., 5.);
   labels.tracks.push_back({"valence", "", "anna", "", {{0., 4.}, {1., 0.}}});
   EXPECT_THAT(compare().warnings,
-              ElementsAre("values beyond the range of the estimate, so the scale of the coder is another: 'anna' (1)"));
+              ElementsAre("values outside the range of the estimate: the scale of the coder differs: 'anna' (1)"));
 }
 
 TEST_F(AgreementOfLabels, IsWrittenAsJsonAndCsv)

@@ -124,14 +124,14 @@ TEST(TrustInARecording, SaysWhatFollowsFromWhatIsMissing)
   step.observation.contextEmotion.emplace(step.time, KV::ContextEmotion(1, 5.f));
   inspection.add(step);
   EXPECT_EQ(
-      "seen in 100 % of steps; no expressions: the face tells nothing of valence, neither head posture nor gaze: "
+      "seen in 100 % of steps; no expressions: the face does not move valence, neither head posture nor gaze: "
       "attention stays unknown",
       KV::session::trustIn(inspection));
 }
 
 TEST(TrustInARecording, WithoutPersonsIsNone)
 {
-  EXPECT_EQ("nobody is told of", KV::session::trustIn(Inspection()));
+  EXPECT_EQ("no persons", KV::session::trustIn(Inspection()));
 }
 
 }  // namespace

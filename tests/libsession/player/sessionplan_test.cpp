@@ -115,7 +115,7 @@ TEST_F(SessionPlanTest, PassesOverWhatIsNoRecordingAndSaysSo)
   arguments.paths = {folder.path(".")};
   EXPECT_THAT(planned(), ElementsAre("./a.csv"));
   EXPECT_THAT(KV::session::planSessions(arguments).notes,
-              ElementsAre(folder.path(".") + ": passed over 1 file of no known format: labels.txt"));
+              ElementsAre(folder.path(".") + ": skipped 1 file of unknown format: labels.txt"));
 }
 
 TEST_F(SessionPlanTest, PassesOverALinkThatLeadsToItselfAndSaysSo)
@@ -127,7 +127,7 @@ TEST_F(SessionPlanTest, PassesOverALinkThatLeadsToItselfAndSaysSo)
   EXPECT_THAT(planned(), ElementsAre("./a.csv"));
   EXPECT_THAT(
       KV::session::planSessions(arguments).notes,
-      ElementsAre(folder.path("./loop") + ": passed over, since it cannot be read: Too many levels of symbolic links"));
+      ElementsAre(folder.path("./loop") + ": skipped, since it cannot be read: Too many levels of symbolic links"));
 }
 
 TEST_F(SessionPlanTest, PassesOverAFolderThatNobodyMayReadAndSaysSo)
@@ -140,7 +140,7 @@ TEST_F(SessionPlanTest, PassesOverAFolderThatNobodyMayReadAndSaysSo)
   arguments.paths = {folder.path(".")};
   EXPECT_THAT(planned(), ElementsAre("./a.csv"));
   EXPECT_THAT(KV::session::planSessions(arguments).notes,
-              ElementsAre(folder.path("./closed") + ": passed over, since it cannot be read: Permission denied"));
+              ElementsAre(folder.path("./closed") + ": skipped, since it cannot be read: Permission denied"));
 }
 
 TEST_F(SessionPlanTest, TakesEveryFileOfAFolderWhoseFormatIsGiven)
@@ -175,8 +175,7 @@ TEST_F(SessionPlanTest, RefusesFilesBesideFoldersUnlessTheyAreSeparate)
 {
   folder.write("a.csv", tidy);
   arguments.paths = {folder.path("."), "b.csv"};
-  EXPECT_EQ("files named together are inputs of one session, recordings in a folder are sessions of their own",
-            refusal());
+  EXPECT_EQ("files named together are one session, but each recording of a folder is a session of its own", refusal());
   arguments.separately = true;
   EXPECT_THAT(planned(), ElementsAre("./a.csv", "b.csv"));
 }
@@ -190,7 +189,7 @@ TEST_F(SessionPlanTest, RefusesOffsetsOfWhatIsNoInput)
 
 TEST_F(SessionPlanTest, RefusesOffsetsWhereThereIsNothingToMoveAgainst)
 {
-  const std::string expected = "there is no other input of the same session to be moved against";
+  const std::string expected = "an offset needs another input in the same session";
   arguments.offsets["face.csv"] = Duration(1);
   arguments.paths = {"face.csv"};
   EXPECT_EQ(expected, refusal());

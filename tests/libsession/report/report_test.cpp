@@ -53,7 +53,7 @@ TEST(Report, ShowsWhatIsAddedToTheSession)
   additions.video = "face.webm";
   additions.videoOffset = 0.5;
   const std::vector<std::string> warnings = report.add(additions);
-  EXPECT_THAT(warnings, ::testing::ElementsAre("labels left out of persons that are not in the recording: '8' (1)"));
+  EXPECT_THAT(warnings, ::testing::ElementsAre("labels of persons who are not in the recording left out: '8' (1)"));
   std::ostringstream page;
   report.write(page, {"face.csv"}, {});
   EXPECT_THAT(page.str(), HasSubstr(R"("learned":["rest of person 7: AU12"])"));

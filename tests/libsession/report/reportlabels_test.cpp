@@ -105,7 +105,7 @@ TEST_F(LabelsOnAReport, OfOtherPersonsAreLeftOutAndWarnedOf)
   const Json all = json();
   EXPECT_TRUE(all["persons"].empty());
   ASSERT_EQ(1U, all["warnings"].size());
-  EXPECT_EQ("labels left out of persons that are not in the recording: '9' (1)", all["warnings"][0]);
+  EXPECT_EQ("labels of persons who are not in the recording left out: '9' (1)", all["warnings"][0]);
 }
 
 }  // namespace

@@ -103,7 +103,7 @@ TEST_F(AgreeCommand, SaysWhichLabelsMeanNothing)
   const CommandResult result = agree({});
   EXPECT_EQ(2, result.status);
   EXPECT_EQ("", result.output);
-  EXPECT_EQ("skeigiot: no label can be compared: labels left out that mean no state: 'smiling' (1)\n", result.errors);
+  EXPECT_EQ("skeigiot: no label can be compared: labels without a state left out: 'smiling' (1)\n", result.errors);
 }
 
 TEST_F(AgreeCommand, RefusesWhatCannotBeRead)

@@ -117,7 +117,7 @@ TEST_F(InspectCommand, HasALineForEachRecordingOfAFolder)
   folder.write("notes.txt", "nothing that is known\n");
   const CommandResult result = runCommand({"inspect", folder.path("")});
   EXPECT_EQ(2, result.status);
-  EXPECT_THAT(result.errors, HasSubstr("passed over 1 file of no known format: notes.txt"));
+  EXPECT_THAT(result.errors, HasSubstr("skipped 1 file of unknown format: notes.txt"));
   EXPECT_THAT(result.errors, HasSubstr("c.csv:1: there is no row below the header"));
   EXPECT_THAT(result.output,
               ::testing::StartsWith("3 recordings  format    length  steps/s  persons   seen  readings"));

@@ -225,7 +225,7 @@ TEST_F(CommandTest, NamesTheOptionsThatLetDistantInputsBeReplayed)
       late + ": begins at 2023-11-14 22:13:20 UTC, but " + early +
       " at 2020-01-01 00:00:00 UTC: one counts from its start (which is placed at 2020), the other since 1970, or they "
       "are no inputs of one session; --offset " +
-      early + "=122163200.000 would let them begin together, --separately replays each for itself\n";
+      early + "=122163200.000 would let them begin together, --separately replays each as a session of its own\n";
   EXPECT_THAT(replay({early, late}).errors, EndsWith(expected));
   EXPECT_THAT(runCommand({"why", early, late, "--person", "1", "--at", "0"}).errors, EndsWith(expected));
 }
@@ -237,8 +237,8 @@ TEST_F(CommandTest, NamesTheWaysOutIfFilesNamedTogetherAreOfSeveralPersons)
   const CommandResult result = replay({clip, other});
   EXPECT_EQ(2, result.status);
   EXPECT_EQ("skeigiot: " + other + ": smile: person 0 has this reading at the same time in " + clip +
-                ": these are recordings of two persons, or of two sessions; --separately replays each for itself, and "
-                "so does a folder that holds them\n",
+                ": these are recordings of two persons, or of two sessions; --separately, or naming their folder, "
+                "replays each as a session of its own\n",
             result.errors);
   EXPECT_EQ(0, replay({clip, other, "--separately"}).status);
 }
@@ -256,7 +256,7 @@ TEST_F(CommandTest, GoesOnWithTheOthersOfABatch)
     EXPECT_THAT(result.output, HasSubstr("a.csv\n"));
     EXPECT_THAT(result.output, HasSubstr("c.csv\n"));
     EXPECT_THAT(result.errors, HasSubstr("b.csv:2: value: expected a number"));
-    EXPECT_THAT(result.errors, HasSubstr("loop: passed over, since it cannot be read: Too many levels"));
+    EXPECT_THAT(result.errors, HasSubstr("loop: skipped, since it cannot be read: Too many levels"));
   }
 }
 
@@ -286,7 +286,7 @@ TEST_F(CommandTest, ReplaysAFolderOfRecordingsWithTheSameResultWhateverTheNumber
   EXPECT_EQ(one.errors, four.errors);
   EXPECT_EQ(folder.read("1.csv"), folder.read("4.csv"));
   EXPECT_EQ(361U, linesOf(folder.read("4.csv")));
-  EXPECT_THAT(four.errors, HasSubstr("passed over 1 file of no known format: notes.txt\n"));
+  EXPECT_THAT(four.errors, HasSubstr("skipped 1 file of unknown format: notes.txt\n"));
   EXPECT_THAT(four.errors, HasSubstr("recordings/b.jsonl:121: "));
 }
 
@@ -415,7 +415,7 @@ INSTANTIATE_TEST_SUITE_P(
             "AScopeWithoutTimes", {"--scope", "greeting"}, "--scope: 'greeting' is not NAME=FROM..TO: '=' is missing"},
         UsageCase{"SeveralRecordingsIntoOne",
                   {"another.csv", "--separately", "--to-jsonl", "-"},
-                  "--to-jsonl: takes one session only: times in a recording never go backwards"},
+                  "--to-jsonl: needs a single session: times in a recording never go backwards"},
         UsageCase{"NoJobs", {"--jobs", "0"}, "--jobs: expected a whole number from 1 to 1024, found '0'"},
         UsageCase{"HalfAJob", {"--jobs", "1.5"}, "--jobs: expected a whole number from 1 to 1024, found '1.5'"},
         UsageCase{"OffsetWithoutFile", {"--offset", "0.25"}, "--offset: '0.25' is not FILE=SECONDS"},
@@ -423,14 +423,14 @@ INSTANTIATE_TEST_SUITE_P(
             "OffsetOfNoInput", {"another.csv", "--offset", "voice.csv=1"}, "--offset: there is no input 'voice.csv'"},
         UsageCase{"OffsetOfTheOnlyInput",
                   {"--offset", "voice.csv=1"},
-                  "--offset: there is no other input of the same session to be moved against"},
+                  "--offset: an offset needs another input in the same session"},
         UsageCase{"AnInputTwice",
                   {"another.csv", "another.csv"},
                   "one input is named twice: give --separately to replay it twice"},
         UsageCase{"AFileBesideAFolder",
                   {"."},
-                  "files named together are inputs of one session, recordings in a folder are sessions of their own: "
-                  "give --separately to replay all of them one by one"},
+                  "files named together are one session, but each recording of a folder is a session of its own: "
+                  "give --separately to replay each as a session of its own"},
         UsageCase{"AnUnknownOption", {"--speed"}, "this argument was not expected: --speed"}),
     support::RowName());
 

@@ -155,9 +155,9 @@ TEST_F(LargeFolder, NamedFileByFileIsNoSession)
     folder.write(numberedName(i), recordingOf(2));
   const CommandResult result = runShell("\"$skeigiot\" replay \"$1\"/*.csv", {folder.path("")});
   EXPECT_EQ(2, result.status);
-  EXPECT_THAT(result.errors,
-              ::testing::HasSubstr("65 files named together are inputs of one session, which takes 64 at most: name "
-                                   "their folder instead, or give --separately, to replay them one by one"));
+  EXPECT_THAT(result.errors, ::testing::HasSubstr(
+                                 "65 files named together are inputs of one session, which takes 64 at most: name "
+                                 "their folder instead, or give --separately, to replay each as a session of its own"));
   EXPECT_EQ(0, runShell("\"$skeigiot\" replay --separately \"$1\"/*.csv", {folder.path("")}).status);
 }
 

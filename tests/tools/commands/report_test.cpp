@@ -130,7 +130,7 @@ TEST_F(ReportCommand, SaysWhichLabelsThePageDoesNotShow)
   const std::string labels = folder.write("anna.csv", "start,end,value,person\n0,1,positive,9\n");
   const CommandResult result = runCommand({"report", recording, "--labels", labels, "-o", folder.path("r.html")});
   EXPECT_EQ(0, result.status);
-  EXPECT_EQ("skeigiot: warning: labels left out of persons that are not in the recording: '9' (1)\n", result.errors);
+  EXPECT_EQ("skeigiot: warning: labels of persons who are not in the recording left out: '9' (1)\n", result.errors);
   EXPECT_EQ(2, runCommand({"report", recording, "--labels", recording + "x", "-o", "-"}).status);
 }
 
@@ -201,7 +201,7 @@ TEST_F(ReportCommand, OfAFolderGoesToAFolder)
   {
     const CommandResult result = runCommand({"report", folder.path(""), "-o", target});
     EXPECT_EQ(2, result.status);
-    EXPECT_THAT(result.errors, HasSubstr("-o: each recording of a folder gets a page: name a folder for them, not"));
+    EXPECT_THAT(result.errors, HasSubstr("-o: each recording of a folder gets a report: name a folder for them, not"));
   }
   EXPECT_EQ((std::set<std::string>{"a.csv"}), folder.names());
 }
@@ -261,7 +261,7 @@ TEST_F(ReportCommand, OfAReplayNeedsOneSessionOfFilesAndAFileToWrite)
     EXPECT_EQ(2, result.status);
     return result.errors;
   };
-  EXPECT_THAT(errorOf(folder.path(""), folder.path("c.html")), HasSubstr("--report: is about one session"));
+  EXPECT_THAT(errorOf(folder.path(""), folder.path("c.html")), HasSubstr("--report: writes one session"));
   EXPECT_THAT(errorOf(folder.path("a.csv"), "-"), HasSubstr("--report: needs a file"));
   const CommandResult twice =
       runCommand({"replay", folder.path("a.csv"), "--csv", folder.path("x"), "--report", folder.path("x")});

@@ -201,7 +201,7 @@ TEST(StreamAtATerminal, SaysWhatItWaitsFor)
 {
   TerminalProcess process({"stream"}, TerminalProcess::Input::Terminal);
   EXPECT_TRUE(process.sees("waiting for lines of JSON"));
-  EXPECT_TRUE(process.sees("Ctrl-D ends it"));
+  EXPECT_TRUE(process.sees("Ctrl-D ends the input"));
   process.press("{\"person\":1}\n");
   EXPECT_TRUE(process.sees("\"updated\":true"));
   process.press("\004");

@@ -235,7 +235,7 @@ TEST_F(WhyCommand, SaysFromWhenOnAPersonIsKnown)
 
 TEST_F(WhyCommand, RefusesTimesThatDoNotGoTogether)
 {
-  expectRefusal(why({"--person", "1", "--at", "1", "--to", "2"}), "--at: asks for one moment");
+  expectRefusal(why({"--person", "1", "--at", "1", "--to", "2"}), "--at: is one moment");
   expectRefusal(why({"--person", "1", "--from", "2", "--to", "1"}), "--to: the span ends before it begins\n");
   expectRefusal(why({"--person", "1", "--at", "-1"}), "--at: expected a time in seconds since the start");
   expectRefusal(why({"--person", "1.5", "--at", "1"}), "--person: expected a whole number");

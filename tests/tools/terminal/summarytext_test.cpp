@@ -47,9 +47,9 @@ TEST(Summary, DoesNotTellAMeanOfWhatWasNeverKnown)
   summary.personUpdated(unknown);
   summary.finish();
   EXPECT_THAT(summaryText(summary, 0, 80, Style(false)),
-              HasSubstr("  valence    unknown: nothing in the recording tells it\n"
-                        "  attention  unknown: nothing in the recording tells it\n"
-                        "  engaged    unknown: nothing in the recording tells it\n"));
+              HasSubstr("  valence    unknown: no evidence in the recording\n"
+                        "  attention  unknown: no evidence in the recording\n"
+                        "  engaged    unknown: no evidence in the recording\n"));
 }
 
 struct VerdictCase

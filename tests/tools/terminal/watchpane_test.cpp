@@ -72,7 +72,7 @@ TEST_F(WatchPaneTest, LeavesOutWhatCannotBeSeenAndWhatRepeats)
   act("Smile", KV::ValenceQuantity, 0.5f, 0.504f);
   act("Touch emotion", KV::UnsmoothedValenceQuantity, 0.f, 0.5f);
   act("Touch emotion", KV::UnsmoothedValenceConfidenceQuantity, 0.f, 0.5f);
-  EXPECT_EQ("none moved it visibly", pane(80, 10).at(3));
+  EXPECT_EQ("no visible change", pane(80, 10).at(3));
 }
 
 TEST_F(WatchPaneTest, CountsTheForcesForWhichThereIsNoRoom)
