@@ -71,9 +71,9 @@ Exports have a line for each update of each person, with these fields:
   name                               of the person, if the recording has one
   file                               path of the recording, below its folder or as you gave it
 
-The summary has a row for each recording, person and scope: the verdict, the number of updates, the share of the time
-in which the person was seen, the means of valence and attention with their confidences, and the shares of zones and
-pleasure states. A field is empty if its value was never known.
+The summary has a row for each recording, person and scope. It has the verdict, the number of updates, and the share of
+the time in which the person was seen. It also has the means of valence and attention with their confidences, and the
+shares of zones and pleasure states. A field is empty if its value was never known.
 
 Exit status: 0 for success; 2 if a recording or the command line cannot be used (results before the bad input are
 still shown and exported); 1 for any other error, such as an export that cannot be written.

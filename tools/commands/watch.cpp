@@ -40,11 +40,11 @@ namespace
 const char* const description = "Shows live estimates of all persons in a table";
 
 const char* const footer =
-    R"(Reads the same lines from standard input as 'skeigiot stream'. The table has a row for each person: the valence from -1
-to 1 and the attention from 0 to 1, each with its confidence and, on a wide terminal, the last minute; the attention
-zone, in which left and right are the person's own; and, below "why", the pleasure state, the source that moved valence
-or attention most in the last update, and the ease of the body language. The pane below the table has the forces and
-readings of the chosen person. Persons who were not seen for a minute are left out.
+    R"(Reads the same lines from standard input as 'skeigiot stream'. The table has a row for each person. It has the valence
+from -1 to 1 and the attention from 0 to 1, each with its confidence and, on a wide terminal, the last minute. The
+column "zone" says where the person looks; left and right are the person's own. The column "why" has the pleasure
+state, the source that moved valence or attention most in the last update, and the ease of the body language. The pane
+below the table has the forces and readings of the chosen person. Persons who were not seen for a minute are left out.
 
 A RECORDING, of any format, is played in real time. Times and rate are those of the recording.
 

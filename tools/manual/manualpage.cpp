@@ -167,16 +167,16 @@ ManualPage subcommandPage(CLI::App& command)
 }
 
 const char* const aboutTheCommand =
-    R"(Takes what a robot, or a program that looks at faces, perceives of persons, and tells how each of them feels and
-attends: a valence from -1 (negative) to 1 (positive), an attention from 0 to 1, each with a confidence, the zone that
-the person looks at, and the state of pleasure.
+    R"(Estimates how each person feels and attends, from the readings of a robot or of a program that analyses faces. The
+estimate has a valence from -1 (negative) to 1 (positive) and an attention from 0 to 1, each with a confidence. It also
+has the zone that the person looks at, and the pleasure state.
 
 Recordings are files of OpenFace, py-feat, MediaPipe FaceLandmarker and Live Link Face, bags of ROS 2, tables of single
-readings, and JSON Lines. What they are is found out from their contents; they may be compressed by gzip.)";
+readings, and JSON Lines. The format is detected from the contents. Files may be compressed by gzip.)";
 
 const char* const exitStatus =
-    R"(0 if all went well, 2 if a recording or the command line cannot be used, 1 if something else went
-wrong, such as a file that cannot be written. The pages of the subcommands say more.)";
+    R"(0 for success, 2 if a recording or the command line cannot be used, 1 for any other error, such as a
+file that cannot be written. The pages of the subcommands have the details.)";
 
 const char* const environment = R"(NO_COLOR: if it is set and not empty, nothing is written in colours.)";
 
