@@ -9,7 +9,7 @@
 namespace KV
 {
 
-/// What AmbianceState::ambientActivityLevel() may be asked for.
+/// The choices of AmbianceState::ambientActivityLevel().
 enum AmbianceDescription : int
 {
   AmbianceActivity = 0,  ///< the agitation, in [0, 1]

@@ -7,7 +7,7 @@
 namespace KV
 {
 
-/// How much at ease a person's posture looks. Stores what it is given.
+/// How much at ease a person's posture looks. Stores its values unchanged.
 struct SKEIGIOT_API BodyLanguageEase
 {
   /// Makes the ease before the first estimate: level 0, confidence 0.

@@ -13,7 +13,7 @@ namespace KV
 struct BodyLanguageStatePrivate;
 class PersonMemory;
 
-/// What BodyLanguageState::bodyLanguageState() may be asked for.
+/// The choices of BodyLanguageState::bodyLanguageState().
 enum BodyLanguageDescription : int
 {
   BodyLanguageEaseDescription = 0  ///< how much at ease the person looks

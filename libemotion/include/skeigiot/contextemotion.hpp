@@ -7,7 +7,7 @@
 namespace KV
 {
 
-/// An emotion that the context of the interaction imposes. Stores what it is given.
+/// An emotion that the context of the interaction imposes. Stores its values unchanged.
 struct SKEIGIOT_API ContextEmotion
 {
   /// Stores both as they are given.

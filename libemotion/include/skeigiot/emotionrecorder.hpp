@@ -53,7 +53,7 @@ public:
   ///   Takes no lock: the caller keeps other operations from running at the same time.
   void update_notMutexed(const PersonState& state);
 
-  /// Tells whether any scope is open, even one that takes no more samples.
+  /// Returns whether any scope is open, even one that takes no more samples.
   ///
   /// \par Thread safety
   ///   Takes no lock: the caller keeps other operations from running at the same time.

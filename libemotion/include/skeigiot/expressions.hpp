@@ -6,7 +6,7 @@
 namespace KV
 {
 
-/// Scores of seven emotional expressions, each meant to lie in [0, 1]. Stores what it is given; default all 0.
+/// Scores of seven emotional expressions, each meant to lie in [0, 1]. Stores its values unchanged; default all 0.
 ///
 /// Calm, anger, joy and sorrow are features of the mood classes; laughter, excitement and surprise are kept for
 /// callers, and the estimate does not read them.
@@ -18,7 +18,7 @@ struct SKEIGIOT_API Expressions
   ValueConfidence<float> sorrow;      ///< of the face or voice
   ValueConfidence<float> laughter;    ///< of the face or voice
   ValueConfidence<float> excitement;  ///< of the face or voice
-  ValueConfidence<float> surprise;    ///< of the face; no voice analyser tells it
+  ValueConfidence<float> surprise;    ///< of the face; no voice analyser reports it
 };
 
 }  // namespace KV

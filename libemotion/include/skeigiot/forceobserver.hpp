@@ -36,7 +36,7 @@ struct Force
   ko::SystemClock::time_point time;  ///< when it acted, by the clock of the thread
 };
 
-/// What decided on an attention zone.
+/// The reading that decided an attention zone.
 enum ZoneEvidence : int
 {
   NoAttentionEvidence,     ///< neither head nor gaze was seen lately: no zone

@@ -5,7 +5,7 @@
 namespace KV
 {
 
-/// Direction of a person's gaze. Stores what it is given.
+/// Direction of a person's gaze. Stores its values unchanged.
 struct SKEIGIOT_API Gaze
 {
   /// Makes a gaze straight ahead.

@@ -7,7 +7,7 @@
 namespace KV
 {
 
-/// Orientation of a person's head. Stores what it is given.
+/// Orientation of a person's head. Stores its values unchanged.
 ///
 /// A NaN angle answers false to every direction test. A posture can be both up and left; it is never both up and down.
 class SKEIGIOT_API HeadPosture

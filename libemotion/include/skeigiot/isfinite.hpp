@@ -33,7 +33,7 @@ namespace KV
 constexpr float greatestReading = 1e30f;
 
 /// \name Readings
-/// Tell whether every number of the reading is finite: neither NaN nor beyond greatestReading.
+/// Return whether every number of the reading is finite: neither NaN nor beyond greatestReading.
 /// @{
 SKEIGIOT_API bool isFinite(const Gaze& gaze);                 ///< both angles
 SKEIGIOT_API bool isFinite(const HeadPosture& posture);       ///< all three angles
@@ -44,7 +44,7 @@ SKEIGIOT_API bool isFinite(const FacialPoints& points);      ///< positions and 
 SKEIGIOT_API bool isFinite(const ContextEmotion& emotion);   ///< the lifetime
 /// @}
 
-/// Tells whether every reading that is there is finite; one without any reading is.
+/// Returns whether every reading that is there is finite; one without any reading is.
 SKEIGIOT_API bool isFinite(const PersonObservation& observation);
 
 /// Takes the readings that are not finite out of the observation, and returns how many they were; the others stay.

@@ -61,8 +61,8 @@ public:
   std::pair<PleasureState, ko::human::AttentionState> personDescriptor() const;
 
   std::int32_t personID = 0;  ///< identifier of the person in the robot's user session
-  PersonState personState;    ///< what is thought of the person; a handle
-  PersonMemory personMemory;  ///< what was seen of the person lately; a handle
+  PersonState personState;    ///< the estimate; a handle
+  PersonMemory personMemory;  ///< the recent readings of the person; a handle
 };
 
 /// Writes "Person (US#<id>) ", without a line end.

@@ -19,12 +19,12 @@
 namespace KV
 {
 
-/// What one perception cycle knows of one person: independent readings, each optional and with its own time.
+/// The readings of one person in one perception cycle: independent, each optional and with its own time.
 ///
 /// The library never modifies an observation and never assumes that a reading is there; one without any reading is
 /// valid.
 ///
-/// PersonMemory::remembered() tells what is remembered, also of the readings that the estimate does not use.
+/// PersonMemory::remembered() returns the remembered readings, also those that the estimate does not use.
 struct SKEIGIOT_API PersonObservation
 {
   /// A value and when it was observed, or nothing.

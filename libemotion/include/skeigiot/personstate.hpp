@@ -23,7 +23,7 @@ class PersonMemory;
 struct PersonObservation;
 struct PersonStatePrivate;
 
-/// What PersonState::personEmotion() may be asked for.
+/// The choices of PersonState::personEmotion().
 enum PersonDescription : int
 {
   Positive = 0,  ///< the positive part of the valence
@@ -97,7 +97,7 @@ public:
   /// Returns the smoothed valence, from -1 (negative) to 1 (positive).
   ValueConfidence<float> personValence() const;
 
-  /// Tells whether any source of valence ever acted on this record: face, smile, voice, words, touch or context.
+  /// Returns whether any source of valence ever acted on this record: face, smile, voice, words, touch or context.
   ///
   /// Until then the valence means nothing, though its confidence may be above 0: well seen facial points raise it, and
   /// body language alone moves the valence a little. A state made of numbers says true, and one that was read from its
@@ -116,7 +116,7 @@ public:
   /// Returns the attention, from 0 (absent) to 1 (attends to the robot).
   ValueConfidence<float> personAttention() const;
 
-  /// Returns the name of the attention zone, or "Unknown" if there is none.
+  /// Returns the name of the attention zone, or "Unknown" without a zone.
   std::string personAttentionZone() const;
 
   /// Returns the pleasure state by the process-wide boundaries, each read under its mutex when it is needed.
@@ -158,7 +158,7 @@ public:
   /// Stores the valence, clamped to [-1, 1]; a NaN is stored as it is. Takes no lock.
   void _setValence(float valence);
 
-  /// Fuses what `memory` holds and what `observation` brings into the state; see Person::update().
+  /// Updates the state from the readings in `memory` and in `observation`; see Person::update().
   ///
   /// The memory is read only: `observation` is not filed into it here.
   ///

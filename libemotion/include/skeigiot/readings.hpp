@@ -17,10 +17,10 @@
 namespace KV
 {
 
-/// What a number measures.
+/// Unit and range of a number.
 struct Scale
 {
-  const char* unit;  ///< such as "deg"; empty where there is none
+  const char* unit;  ///< such as "deg"; empty without a unit
   double least;      ///< smallest number that makes sense; readings below it are not refused
   double greatest;   ///< greatest number that makes sense; readings above it are not refused
 };
@@ -137,13 +137,13 @@ inline constexpr auto partsOf<HeadPosture> =
                     PropertyPart{"pitch", &HeadPosture::pitch, &HeadPosture::setPitch},
                     PropertyPart{"roll", &HeadPosture::roll, &HeadPosture::setRoll});
 
-/// What the context imposes, and for how long.
+/// The emotion that the context imposes, and its duration.
 template <>
 inline constexpr auto partsOf<ContextEmotion> = std::make_tuple(FieldPart{"valence", &ContextEmotion::valence},
                                                                 FieldPart{"lifetime", &ContextEmotion::lifetime,
                                                                           scale::seconds});
 
-/// The scores that a voice has. The surprise of a VoiceEmotion is no part of it: no voice analyser tells it.
+/// The scores that a voice has. The surprise of a VoiceEmotion is left out: no voice analyser reports it.
 template <>
 inline constexpr auto partsOf<VoiceEmotion> = std::make_tuple(FieldPart{"calm", &Expressions::calm},
                                                               FieldPart{"anger", &Expressions::anger},

@@ -9,7 +9,7 @@
 namespace KV
 {
 
-/// What a memory holds of one kind of reading: a copy, see PersonMemory::remembered().
+/// The remembered readings of one kind: a copy, see PersonMemory::remembered().
 template <typename T>
 struct Remembered
 {

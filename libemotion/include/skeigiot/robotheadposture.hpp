@@ -5,7 +5,7 @@
 namespace KV
 {
 
-/// Orientation of the robot's own head. Stores what it is given.
+/// Orientation of the robot's own head. Stores its values unchanged.
 struct SKEIGIOT_API RobotHeadPosture
 {
   /// Makes a head that is straight.

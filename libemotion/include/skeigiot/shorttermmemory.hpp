@@ -74,7 +74,7 @@ public:
   ///   Takes no lock: the caller holds mutex().
   void _forgetOld();
 
-  /// Tells whether the age of the reading, in whole milliseconds (truncated), is strictly greater than the horizon.
+  /// Returns whether the age of the reading, in whole milliseconds (truncated), is strictly greater than the horizon.
   ///
   /// A reading from the future has a negative age and is never too old.
   ///

@@ -6,7 +6,7 @@
 namespace KV
 {
 
-/// How much a person smiles. Stores what it is given.
+/// How much a person smiles. Stores its values unchanged.
 struct SKEIGIOT_API Smile
 {
   /// Makes no smile, with confidence 0.

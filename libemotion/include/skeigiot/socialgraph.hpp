@@ -22,7 +22,7 @@ namespace KV
 ///   persons() and find() share their records with the stored ones and are not protected by the graph.
 /// \par Failures
 ///   An operation that throws, since memory has run out or a callback threw, leaves the graph unlocked; the persons in
-///   it are the same as before, but for one whom updateOrCreate() added before the callback.
+///   it are the same as before, except for one whom updateOrCreate() added before the callback.
 class SKEIGIOT_API SocialGraph
 {
 public:

@@ -7,8 +7,8 @@ namespace KV
 
 /// A value with the confidence in it.
 ///
-/// Stores what it is given: the confidence is meant to lie in [0, 1] and is never tested here. The library uses it for
-/// float, bool, unsigned int and std::pair<float, float>.
+/// Stores its values unchanged: the confidence is meant to lie in [0, 1] and is never tested here. The library uses it
+/// for float, bool, unsigned int and std::pair<float, float>.
 template <typename T>
 struct SKEIGIOT_API ValueConfidence
 {

@@ -8,7 +8,7 @@
 namespace KV
 {
 
-/// Emotional scores of a person's voice. Stores what it is given; default all 0.
+/// Emotional scores of a person's voice. Stores its values unchanged; default all 0.
 ///
 /// The getters hide the members of the same names, which stay reachable through Expressions. A voice analyser has no
 /// score for surprise: that member is inherited, stays 0, and has no getter.

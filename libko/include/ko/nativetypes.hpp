@@ -31,7 +31,7 @@ KO_API TypeInterface* typeOf();
 namespace detail
 {
 
-/// What is the same for every C++ type that can be made and copied; the storage is the address of the object.
+/// The common part of all C++ types that can be made and copied; the storage is the address of the object.
 template <typename T, typename Interface>
 class TypeBase : public Interface
 {

@@ -16,7 +16,7 @@ class ClockSource;
 namespace detail
 {
 
-/// What SystemClock::now() reads on one thread; both null for the wall clock.
+/// The clock that SystemClock::now() reads on one thread; both null for the wall clock.
 struct ThreadClock
 {
   const std::atomic<std::int64_t>* ticks;  // of a ManualClock, which is so common in replays that it is read in place
@@ -43,7 +43,7 @@ public:
   using time_point = boost::chrono::time_point<SystemClock, duration>;  ///< [ns] since 1970-01-01T00:00:00Z
   static constexpr bool is_steady = false;                              ///< the wall clock may be set back
 
-  /// Returns the time of the innermost ScopedClockSource of this thread, or the wall clock if there is none.
+  /// Returns the time of the innermost ScopedClockSource of this thread, or of the wall clock without one.
   ///
   /// \throws whatever the clock source throws; the wall clock throws nothing.
   /// \par Thread safety
@@ -72,7 +72,7 @@ public:
   virtual SystemClock::time_point now() = 0;
 };
 
-/// A clock that stands still until it is told to move: for replays and tests.
+/// A clock that moves only when the program moves it: for replays and tests.
 ///
 /// \par Thread safety
 ///   All operations may be called from several threads at once.

@@ -14,9 +14,9 @@
 /// \file
 /// The registry of types: from a C++ type, or from a class name alone, to the interface that describes it.
 ///
-/// May be used at any time, static initialisation and end of the process included. What is registered stays for the
-/// life of the process, so a library that registers types must stay loaded. All of it is safe from any thread. What
-/// throws, since memory has run out, has registered nothing.
+/// May be used at any time, static initialisation and end of the process included. Registered types stay for the
+/// life of the process, so a library that registers types must stay loaded. All of it is safe from any thread. If
+/// memory runs out, a call throws and registers nothing.
 
 namespace ko
 {

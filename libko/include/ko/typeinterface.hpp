@@ -14,7 +14,7 @@ namespace ko
 
 class Value;
 
-/// What values of a type look like, whatever the C++ type: which of the interfaces below describes it.
+/// The kind of a type: which of the interfaces below describes it.
 enum class TypeKind
 {
   Bool,      ///< true or false
@@ -56,7 +56,7 @@ public:
   /// Returns the storage of `object`, or without one that of a new default object, which destroy() deletes.
   virtual void* initializeStorage(void* object = nullptr) const = 0;
 
-  /// Returns the address of the object, of the type that info() tells.
+  /// Returns the address of the object, which has the type that info() returns.
   virtual void* ptrFromStorage(void* storage) const = 0;
 
   /// Returns the storage of a new object, made by the type's copy constructor; destroy() deletes it.
@@ -162,14 +162,14 @@ public:
 
   virtual TypeInterface* valueType() const = 0;  ///< null if that type is not registered
 
-  /// Returns the storage of the value, or null if there is none.
+  /// Returns the storage of the value, or null without a value.
   virtual void* value(void* storage) const = 0;
 
   /// Stores a copy of `value`, a storage of valueType(), or nothing if it is null.
   virtual void assign(void* storage, void* value) const = 0;
 };
 
-/// What sets a struct on the other side apart from one here, by the names of members.
+/// The differences of a struct on the other side from one here, by the names of members.
 struct KO_API MemberDifference
 {
   std::vector<std::string> dropped;  ///< the source has them, the target does not

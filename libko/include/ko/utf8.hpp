@@ -7,7 +7,7 @@
 namespace ko
 {
 
-/// Tells whether the text is well-formed UTF-8; the empty text is.
+/// Returns whether the text is well-formed UTF-8; the empty text is.
 ///
 /// \par Complexity
 ///   Linear in the length of the text.

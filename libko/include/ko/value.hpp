@@ -77,7 +77,7 @@ public:
   Value clone() const { return *this; }
 
   /// Returns a value of the same type that shares no record: each handle in it is on a new one, whose registered
-  /// members have the same contents. What is not a registered member has its default.
+  /// members have the same contents. All other members have their defaults.
   ///
   /// \throws TypeError if a member is of a type that is not registered, or a handle has no record.
   Value detached() const;
@@ -105,14 +105,14 @@ public:
 
   /// Returns a copy of a member or element, by its index, or by its name or text key.
   ///
-  /// \throws std::out_of_range with the index or name, if there is none.
+  /// \throws std::out_of_range with the index or name, if there is no such member.
   Value at(std::size_t index) const;
   /// As above.
   Value at(std::string_view name) const;
 
   /// Sets a member of a struct or tuple, converting `value` to its type.
   ///
-  /// \throws std::out_of_range with the index or name, if there is none.
+  /// \throws std::out_of_range with the index or name, if there is no such member.
   /// \throws TypeError if the value does not fit.
   void set(std::size_t index, const Value& value);
   /// As above.

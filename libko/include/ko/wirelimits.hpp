@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// What a document may ask of the reader, JSON and CBOR alike; whatever exceeds it is refused with a TypeError.
+/// Limits of a document, in JSON and CBOR; a document that exceeds one is refused with a TypeError.
 namespace ko::wirelimits
 {
 

@@ -8,7 +8,7 @@
 namespace KV::classification
 {
 
-/// The fitted parameters of a mood score. Stores what it is given.
+/// The fitted parameters of a mood score. Stores its values unchanged.
 struct SKEIGIOT_API Coefficient
 {
   /// Stores both as they are given.

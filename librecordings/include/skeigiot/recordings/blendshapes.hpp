@@ -25,7 +25,7 @@ public:
   Blendshapes();
 
   /// Sets the score of the blendshape with this name: 0 is relaxed, 1 is the greatest; what is beyond counts as the
-  /// nearest of both, NaN as unknown. Returns false, and changes nothing, if it is none of blendshapeNames().
+  /// nearest of both, NaN as unknown. Returns false, and changes nothing, if it is not in blendshapeNames().
   bool set(std::string_view name, float score);
 
   /// As above, for blendshapeNames()[index].
@@ -38,7 +38,7 @@ public:
   /// \throws std::out_of_range if there is no such name.
   float at(std::size_t index) const { return _scores.at(index); }
 
-  /// Tells whether no score is known.
+  /// Returns whether no score is known.
   bool areUnknown() const;
 
 private:

@@ -7,8 +7,8 @@
 namespace KV::recordings
 {
 
-/// How strongly a classifier believes in each of the six basic emotions and the neutral face: shares in [0, 1]. What is
-/// beyond counts as the nearest of both, NaN as unknown.
+/// How strongly a classifier believes in each of the six basic emotions and the neutral face: shares in [0, 1]. A
+/// number beyond counts as the nearest of both, NaN as unknown.
 struct SKEIGIOT_API EmotionScores
 {
   static constexpr float unknown =

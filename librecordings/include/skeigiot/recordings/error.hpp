@@ -25,7 +25,7 @@ public:
     std::string field;     ///< column or member
   };
 
-  /// What would help, for a user interface that can say how to ask for it: each input in a session of its own, or an
+  /// A way out, for a user interface that can name its options: each input in a session of its own, or an
   /// input of the session moved in time.
   struct Remedy
   {

@@ -49,7 +49,7 @@ public:
   boost::optional<KV::PersonObservation> observe(const Face& face, ko::SystemClock::time_point time,
                                                  RestingFace& rest) const;
 
-  /// Tells whether a face of this confidence counts: it is at least minimalConfidence; NaN is not.
+  /// Returns whether a face of this confidence counts: it is at least minimalConfidence; NaN is not.
   bool isTracked(float confidence) const;
 
   /// Returns the readings of a face, whatever its confidence.

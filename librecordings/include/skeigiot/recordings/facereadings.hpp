@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// What is read of one face, in the units and signs of PersonObservation, without a time.
+/// The readings of one face, in the units and signs of PersonObservation, without a time.
 struct SKEIGIOT_API FaceReadings
 {
   std::optional<KV::HeadPosture> headPosture;    ///< [deg] yaw to the own right, pitch up
@@ -18,10 +18,10 @@ struct SKEIGIOT_API FaceReadings
   std::optional<float> distance;                 ///< [m] from the camera
   std::optional<float> headHeight;               ///< [m] above the floor
   std::optional<KV::Smile> smile;                ///< degree in [0, 1]
-  std::optional<KV::Expressions> expressions;    ///< one score for each; confidence 0: the face tells nothing of it
+  std::optional<KV::Expressions> expressions;    ///< one score for each; confidence 0: unknown
   std::optional<KV::FacialPoints> facialPoints;  ///< those of the landmarks that are known
 
-  /// Tells whether there is no reading.
+  /// Returns whether there is no reading.
   bool empty() const;
 
   /// Returns the observation of a detected face with these readings, all made at `time`.

@@ -19,7 +19,7 @@ struct SKEIGIOT_API Format
   std::string description;  ///< one line for the help
   std::string missing;      ///< what a file lacks that is not of it, such as "there are no columns time and reading"
 
-  /// Tells from the first bytes of the file (decompressed) whether it is of this format.
+  /// Returns whether the file is of this format, from its first bytes (decompressed).
   bool (*detect)(const std::string& head);
 
   /// Opens the file.

@@ -27,7 +27,7 @@ struct SKEIGIOT_API Implausible
 /// is left alone, since front ends round so. Or a reading of a step of our time, whose own time is implausibleTime().
 SKEIGIOT_API boost::optional<Implausible> implausibleReading(const Step& step);
 
-/// Tells whether a time looks like seconds, milliseconds or microseconds since 1970 that were taken for nanoseconds.
+/// Returns whether a time looks like seconds, milliseconds or microseconds since 1970 that were taken for nanoseconds.
 ///
 /// Ask it of the first time of a recording, or of times that are known to be of today: a recording that counts from 0
 /// passes through all of them.

@@ -30,7 +30,7 @@ public:
   ///
   /// Waits until the stream has filled a buffer or ended: this is for recordings, not for what a sensor sends now.
   ///
-  /// \param name  stands in messages where the path of a file stands.
+  /// \param name  used in messages in place of the path of a file.
   /// \throws Error if the stream has failed before.
   InputFile(std::istream& stream, const std::string& name);
 
@@ -46,7 +46,7 @@ public:
   /// \throws Error if the file cannot be read, or its compressed data are damaged or cut.
   bool readLine(std::string_view& line);
 
-  /// Hands out what stands behind what was read so far, as much as there is at once; returns false at the end of the
+  /// Returns the next bytes after those read so far, as many as are there at once; returns false at the end of the
   /// file. Lines are not counted.
   ///
   /// The view is valid until the next call.

@@ -10,7 +10,7 @@ namespace KV::recordings
 /// Lets a program end what takes long on one thread, above all reading: while it lives, reading on its thread calls
 /// `check` several times a second, also while it waits for a pipe.
 ///
-/// What `check` throws ends the reading and reaches the caller; it must not be an Error. Several of one thread are
+/// An exception of `check` ends the reading and reaches the caller; it must not be an Error. Several of one thread are
 /// nested: the newest is asked.
 ///
 /// \par Thread safety

@@ -16,7 +16,7 @@ public:
   /// Writes to `stream`, which must outlive the writer.
   explicit JsonLinesWriter(std::ostream& stream) : _stream(stream) {}
 
-  /// Writes one line; whether that worked is told by the state of the stream.
+  /// Writes one line; the state of the stream shows whether that worked.
   void write(const Step& entry);
 
 private:

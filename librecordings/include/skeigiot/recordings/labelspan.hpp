@@ -15,7 +15,7 @@ struct SKEIGIOT_API LabelSpan
   std::string label;   ///< as the coder wrote it, without blanks around it
   std::string person;  ///< whom it is about, as the file names the person; empty: not said
   std::string coder;  ///< who coded it; the name of the file, without folder and extension, where the file does not say
-  std::string tier;   ///< tier (ELAN, Praat), observation (BORIS), or column tier (CSV); empty: there is none
+  std::string tier;   ///< tier (ELAN, Praat), observation (BORIS), or column tier (CSV); empty without a tier
 };
 
 }  // namespace KV::recordings

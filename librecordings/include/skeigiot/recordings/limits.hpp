@@ -1,7 +1,7 @@
 #pragma once
 
 /// \file
-/// What numbers of a recording can mean; a number beyond is not used.
+/// Limits of numbers in a recording; a number beyond its limit is not used.
 
 namespace KV::recordings
 {

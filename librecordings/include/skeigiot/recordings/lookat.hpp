@@ -8,7 +8,7 @@
 namespace KV::recordings
 {
 
-/// What a person looks at who looks at the robot: head posture and gaze are 0 / 0 there.
+/// The point that a person looks at who looks at the robot: head posture and gaze are 0 / 0 there.
 struct SKEIGIOT_API LookAt
 {
   /// By what the direction of the robot is known.
@@ -27,7 +27,7 @@ struct SKEIGIOT_API LookAt
 
 /// Reads "camera", "axis", "learned", or three numbers of metres such as "0,-0.2,0.05".
 ///
-/// \throws std::invalid_argument if it is none of these.
+/// \throws std::invalid_argument for any other text.
 SKEIGIOT_API LookAt parseLookAt(const std::string& text);
 
 }  // namespace KV::recordings

@@ -33,10 +33,10 @@ struct SKEIGIOT_API RecordingInput
 /// order of the inputs.
 ///
 /// Each update lets every remembered reading act again. So that a program which updates with each step does not update
-/// once for each input, what another input tells of a person waits for the next step of the first about that person,
+/// once for each input, a reading of another input waits for the next step of the first about the same person,
 /// for longestWait at most, and becomes part of it; every reading keeps its own time. Readings of two inputs that are
-/// of one kind, or for which no such step comes, make steps of their own. Two inputs that tell the same reading of a
-/// person at the same time are no inputs of one session, but recordings of two persons.
+/// of one kind, or for which no such step comes, make steps of their own. Two inputs with the same reading of a
+/// person at the same time do not belong to one session: they are recordings of two persons.
 ///
 /// Persons of two inputs are the same if they have the same name, or the same number where an input has no names.
 ///
@@ -55,12 +55,12 @@ public:
   explicit MergedRecording(std::vector<RecordingInput> inputs);
 
   /// \throws Error as well if the inputs begin at times that do not fit together, an offset moves one to before 1970,
-  ///   or two of them tell the same reading of a person at the same time.
+  ///   or two of them have the same reading of a person at the same time.
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
   std::vector<std::string> describeLearned() const override;
   std::vector<std::string> takeWarnings() override;
-  /// Tells whether all inputs have dates, or offsets of more than greatestDistance, which move them to a date.
+  /// Returns whether all inputs have dates, or offsets of more than greatestDistance, which move them to a date.
   bool isDated() const override;
   double progress() const override;
 

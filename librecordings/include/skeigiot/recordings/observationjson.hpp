@@ -23,7 +23,7 @@ public:
 
   /// Returns the path of the member, such as "observation.smile.value"; empty if the text is no JSON object.
   const std::string& member() const { return _member; }
-  /// Tells whether the text is no JSON object at all, as the last line of a file that was cut.
+  /// Returns whether the text is no JSON object at all, as the last line of a file that was cut.
   bool isSyntax() const { return _member.empty(); }
 
 private:
@@ -59,12 +59,12 @@ struct SKEIGIOT_API StreamLine
 {
   BoundarySettings boundaries;        ///< those that the line sets; set before the step takes effect
   std::vector<std::int32_t> leaving;  ///< persons to forget
-  Step entry;                         ///< the step, empty but for its time if the line has none
+  Step entry;                         ///< the step; only its time if the line has no step
 };
 
 /// Reads a line of a live stream, which may have the members "boundaries" and "leave" besides those of a step.
 ///
-/// \param arrival stands in for a time that is left out; without it, none may be.
+/// \param arrival replaces a missing time; without it, the time is required.
 /// \throws MemberError as stepFromJson() does.
 SKEIGIOT_API StreamLine streamLineFromJson(std::string_view text, boost::optional<ko::SystemClock::time_point> arrival);
 

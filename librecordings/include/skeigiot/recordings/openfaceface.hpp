@@ -9,7 +9,7 @@
 namespace KV::recordings
 {
 
-/// One face as OpenFace 2 tells it. A group with a number that is not finite counts as missing.
+/// One face in the form of OpenFace 2. A group with a number that is not finite counts as missing.
 struct SKEIGIOT_API OpenFaceFace
 {
   float confidence = 1.f;                            ///< confidence

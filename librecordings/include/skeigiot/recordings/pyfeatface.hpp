@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// One face as py-feat tells it. A group with a number that is not finite counts as missing.
+/// One face in the form of py-feat. A group with a number that is not finite counts as missing.
 struct SKEIGIOT_API PyFeatFace
 {
   float confidence = 1.f;                         ///< FaceScore

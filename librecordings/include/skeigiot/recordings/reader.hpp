@@ -33,11 +33,11 @@ public:
   /// Returns the warnings that came up since the last call.
   virtual std::vector<std::string> takeWarnings() { return {}; }
 
-  /// Tells whether the times have a date. If not, they count from the start of the recording and were placed on
+  /// Returns whether the times have a date. If not, they count from the start of the recording and were placed on
   /// 2020-01-01: only the time since the first step means anything. Known once the first step was read.
   virtual bool isDated() const { return true; }
 
-  /// Returns which columns are read; nothing if there are none, or the format does not tell.
+  /// Returns which columns are read; empty if the format has no columns, or does not report them.
   virtual Columns columns() const { return {}; }
 
   /// Returns how far the file was read, in [0, 1].

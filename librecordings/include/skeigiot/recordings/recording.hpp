@@ -17,14 +17,14 @@
 #include <string>
 #include <vector>
 
-/// Everyone's recordings, and what front ends tell, as steps and observations of the library.
+/// Recordings and outputs of front ends, as steps and observations of the library.
 namespace KV::recordings
 {
 
 /// Returns all formats; detection asks them in this order.
 SKEIGIOT_API const std::vector<Format>& recordingFormats();
 
-/// Tells whether a file is of one of the formats; one that cannot be read counts as one, so that it is not lost.
+/// Returns whether a file is of one of the formats; one that cannot be read counts as one, so that it is not lost.
 SKEIGIOT_API bool isRecording(const std::string& path);
 
 /// Returns the name of the format of a file.
@@ -40,10 +40,10 @@ SKEIGIOT_API std::unique_ptr<Reader> openRecording(const std::string& path, cons
 
 /// Reads a recording from where the stream stands, plain or compressed by gzip, in the same way as one with a path.
 ///
-/// The stream must outlive the reader, and nobody else may read from it. It may stand at any place and need not be able
+/// The stream must outlive the reader, and nobody else may read from it. It may be at any place and need not be able
 /// to go back. Bags of ROS 2 cannot be read from a stream.
 ///
-/// \param name    stands in messages where the path of a file stands.
+/// \param name    used in messages in place of the path of a file.
 /// \param format  name of the format; empty to detect it by the first 64 KiB.
 /// \throws Error if the stream cannot be read, no format fits, or the format needs a path.
 SKEIGIOT_API std::unique_ptr<Reader> openRecording(std::istream& stream, const std::string& name,

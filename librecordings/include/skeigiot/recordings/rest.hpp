@@ -28,7 +28,7 @@ struct SKEIGIOT_API Rest
 
 /// Reads "learned", "none", or a span in seconds such as "2..7.5".
 ///
-/// \throws std::invalid_argument if it is none of these, or the span does not end behind its start.
+/// \throws std::invalid_argument for any other text, or if the span does not end after its start.
 SKEIGIOT_API Rest parseRest(const std::string& text);
 
 }  // namespace KV::recordings

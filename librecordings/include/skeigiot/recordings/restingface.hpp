@@ -24,7 +24,7 @@ struct SKEIGIOT_API RestingScore
   float most = 0.5f;    ///< in [0, 1]: no rest is learned beyond it, so that a lasting expression still counts
 };
 
-/// What was learned of one score.
+/// The learned values of one score.
 struct SKEIGIOT_API LearnedScore
 {
   std::string name;     ///< of the score, such as "AU12"
@@ -32,7 +32,7 @@ struct SKEIGIOT_API LearnedScore
   float rest = 0.f;     ///< what it is now
 };
 
-/// What one person's face looks like at rest, and where the head rests: learned as faces come, never from later ones.
+/// One person's face and head direction at rest: learned as faces come, never from later ones.
 ///
 /// The rest of a score is a running low quantile: it rises by 0.002 and falls by 0.012 of the full scale a second, so
 /// that a face is below it for about a seventh of the time. A held expression of four seconds raises it by 0.008.
@@ -55,7 +55,7 @@ private:
   friend struct FaceAdapterPrivate;
   using TimePoint = ko::SystemClock::time_point;
 
-  /// Tells how much time passed for learning.
+  /// The time that passed for learning.
   struct Clock
   {
     /// Returns the seconds since the last call, 0.5 at most: a gap is not time in which a face was seen.

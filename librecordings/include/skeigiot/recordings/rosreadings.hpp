@@ -8,7 +8,7 @@
 #include <skeigiot/recordings/roslandmarks.hpp>
 
 /// \file
-/// What single messages of ROS4HRI tell of a face. The pose comes from transforms: RosFace.
+/// Readings of a face from single messages of ROS4HRI. The pose comes from transforms: RosFace.
 
 namespace KV::recordings
 {

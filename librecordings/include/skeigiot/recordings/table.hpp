@@ -38,7 +38,8 @@ SKEIGIOT_API std::unique_ptr<Reader> openTable(const Table& table);
 /// A table with times and at least one reading is a table of readings, whatever the format.
 ///
 /// \param format  name of the format; empty to detect it by the names of the columns.
-/// \throws Error if there is no row, no time or no reading, or the format is none of tables. Errors name rows, counted
+/// \throws Error if there is no row, no time or no reading, or the format is not one of tables. Errors name rows,
+/// counted
 ///   from 0.
 SKEIGIOT_API std::unique_ptr<Reader> openTable(const Table& table, const std::string& format,
                                                const ReadingOptions& options);

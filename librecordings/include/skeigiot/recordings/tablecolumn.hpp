@@ -8,7 +8,7 @@
 namespace KV::recordings
 {
 
-/// One column of a table in memory: numbers, of which NaN is none, or texts, of which the empty one is none.
+/// One column of a table in memory: numbers, where NaN is missing, or texts, where the empty text is missing.
 struct SKEIGIOT_API TableColumn
 {
   std::string name;                 ///< such as "time", "person" or "gaze.yaw"

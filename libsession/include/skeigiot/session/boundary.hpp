@@ -21,7 +21,7 @@ struct SKEIGIOT_API Boundary
 /// Returns all boundaries.
 SKEIGIOT_API const std::vector<Boundary>& boundaries();
 
-/// Sets the boundary, and tells whether the library took the value; one that it rejects changes nothing.
+/// Sets the boundary, and returns whether the library took the value; one that it rejects changes nothing.
 ///
 /// The library's own warning of a rejected value is not logged: the result says it.
 [[nodiscard]] SKEIGIOT_API bool setBoundary(const Boundary& boundary, float value);

@@ -8,7 +8,7 @@
 namespace KV::session
 {
 
-/// Appends the shortest decimal text that reads back as the same number; "nan", "inf" and "-inf" for what is none.
+/// Appends the shortest decimal text that reads back as the same number; "nan", "inf" and "-inf" if it is not finite.
 SKEIGIOT_API void appendExact(std::string& text, float number);
 
 /// As above, in double precision.

@@ -48,9 +48,9 @@ struct SKEIGIOT_API SeenZoneChange
 /// One update of one person, and why it came out as it did.
 struct SKEIGIOT_API Explanation
 {
-  Snapshot before;                          ///< after the update before it; as of somebody unknown, if there was none
-  Snapshot after;                           ///< after the update
-  std::vector<ActedForce> forces;           ///< in the order in which they acted
+  Snapshot before;                 ///< after the update before it; that of an unknown person for the first update
+  Snapshot after;                  ///< after the update
+  std::vector<ActedForce> forces;  ///< in the order in which they acted
   std::vector<SeenZoneChange> zoneChanges;  ///< likewise
 };
 

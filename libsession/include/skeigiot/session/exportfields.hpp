@@ -12,7 +12,7 @@
 namespace KV::session
 {
 
-/// Tells whether the field is the name of a person who has none: JSON leaves it out.
+/// Returns whether the field is the name of a person who has none: JSON leaves it out.
 template <typename Value>
 bool isNameOfNobody(std::string_view field, const Value& value)
 {
@@ -24,9 +24,9 @@ bool isNameOfNobody(std::string_view field, const Value& value)
 
 /// Hands every exported field of a snapshot to `field(name, value)`, in the order of the columns.
 ///
-/// The one place that says what an export holds; the help of the command explains the fields. The clock is an optional
+/// The one list of the fields of an export; the help of the command explains the fields. The clock is an optional
 /// Duration: nothing where the recording has no date. Numbers are those of the library also where the estimate is
-/// unknown, which the last fields tell.
+/// unknown, see the last fields.
 ///
 /// New fields are added at the end.
 template <typename Field>

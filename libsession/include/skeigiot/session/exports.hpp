@@ -14,7 +14,7 @@ namespace KV::session
 /// The files that sessions are exported to. None is in its place before commit(): until then a file of that name stays
 /// as it is.
 ///
-/// Sessions stand in the files in the order of their numbers. One that is played before its turn, on another thread, is
+/// The files have the sessions in the order of their numbers. One that is played before its turn, on another thread, is
 /// spilled to temporary files and appended when its turn comes.
 class SKEIGIOT_API Exports
 {
@@ -55,7 +55,7 @@ public:
   /// \throws WriteError if the file cannot be made.
   void add(const std::string& format, const std::string& target, OutputCheck& check);
 
-  /// Tells whether nothing is exported.
+  /// Returns whether nothing is exported.
   bool empty() const;
 
   /// Says which session is the next for observers().

@@ -31,7 +31,7 @@ SKEIGIOT_API std::string plainSource(const std::string& source);
 /// Returns the same words with a capital letter, for a table: "Words".
 SKEIGIOT_API std::string sourceName(std::string_view source);
 
-/// Returns the source of the changes in plain words, with the mood it pulled to if it tells one: "touch (positive)".
+/// Returns the source of the changes in plain words, with the mood it pulled to if it has one: "touch (positive)".
 SKEIGIOT_API std::string describeSource(const SourceChange& change);
 
 }  // namespace KV::session

@@ -10,7 +10,7 @@
 namespace KV::session
 {
 
-/// What the body language sees in a head posture. Up and left count as uneasy, down and right as at ease.
+/// The direction of a head for the body language. Up and left count as uneasy, down and right as at ease.
 enum class HeadDirection
 {
   Up,       ///< up, whatever the yaw

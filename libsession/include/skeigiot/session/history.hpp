@@ -36,7 +36,7 @@ private:
   std::array<Second, seconds> _seconds;
 };
 
-/// Returns a line of blocks, one for each value, whose heights go from `low` to `high`; blank where there is none.
+/// Returns a line of blocks, one for each value, whose heights go from `low` to `high`; blank for a missing value.
 SKEIGIOT_API std::string sparkline(const std::vector<double>& values, double low, double high);
 
 }  // namespace KV::session

@@ -15,7 +15,7 @@
 namespace KV::session
 {
 
-/// What is asked, and of which recording.
+/// A question about an estimate, and its recording.
 struct SKEIGIOT_API Inquiry
 {
   Player::Open open;                             ///< opens the recording

@@ -17,7 +17,7 @@
 namespace KV::session
 {
 
-/// What the values of one number in a recording were.
+/// Count, range and mean of one number in a recording.
 struct SKEIGIOT_API NumberRange
 {
   std::size_t count = 0;                                       ///< of what is a number
@@ -31,7 +31,7 @@ struct SKEIGIOT_API NumberRange
   double mean() const { return sum / static_cast<double>(count); }
 };
 
-/// What a recording tells of one person.
+/// The steps of a recording about one person.
 struct SKEIGIOT_API PersonSpan
 {
   std::string name;                   ///< what the recording calls the person; empty if they have no name
@@ -41,21 +41,21 @@ struct SKEIGIOT_API PersonSpan
   ko::SystemClock::time_point last;   ///< time of the last step about the person
 };
 
-/// What is in a recording.
+/// The content of a recording.
 class SKEIGIOT_API Inspection
 {
 public:
   using TimePoint = ko::SystemClock::time_point;  ///< on the clock of the recording
   using Duration = ko::SystemClock::duration;     ///< [ns]
 
-  /// Times that follow each other are told as a gap from here on.
+  /// The least time between two steps that counts as a gap.
   static constexpr Duration shortestGap = boost::chrono::seconds(1);
 
   /// Stretches without a step, of shortestGap or more.
   struct Gaps
   {
     std::size_t count = 0;  ///< how many there are
-    Duration longest{0};    ///< [ns] the longest of them; 0 if there are none
+    Duration longest{0};    ///< [ns] the longest of them; 0 without gaps
     Duration at{0};         ///< since the first step, where the longest begins
   };
 
@@ -64,12 +64,12 @@ public:
 
   /// Returns how many steps were added.
   std::size_t steps() const { return _steps; }
-  /// Returns the time of the first step; 1970 if there is none.
+  /// Returns the time of the first step; 1970 without steps.
   TimePoint first() const { return _first; }
-  /// Returns the time from the first step to the last; 0 if there is none.
+  /// Returns the time from the first step to the last; 0 without steps.
   Duration length() const { return _last - _first; }
 
-  /// Returns how many different times there are a second, gaps left out; 0 if that cannot be told.
+  /// Returns how many different times there are a second, gaps left out; 0 if that is unknown.
   double timesPerSecond() const;
 
   /// Returns the gaps between steps.
@@ -99,7 +99,7 @@ private:
 };
 
 /// Says in a sentence how far estimates of this recording can be trusted: how often persons were seen, how strong their
-/// expressions get, where their heads point on average, and what is missing and what follows.
+/// expressions get, where their heads point on average, which readings are missing, and the effect of that.
 SKEIGIOT_API std::string trustIn(const Inspection& inspection);
 
 }  // namespace KV::session

@@ -16,11 +16,11 @@
 namespace KV::session
 {
 
-/// What the clock of a live session shows during a step.
+/// The time of the clock of a live session during a step.
 enum class StreamTimes
 {
   Arrival,  ///< the time at which the line came in
-  Lines     ///< the time that the line tells
+  Lines     ///< the time of the line
 };
 
 /// Takes the lines of a live stream into one session.
@@ -31,7 +31,7 @@ class SKEIGIOT_API LiveSession
 public:
   /// Makes a session in which nobody is known; the observers must outlive it.
   ///
-  /// It sets the clock of its thread, so `wallClock`, which tells when a line came in, must not read that.
+  /// It sets the clock of its thread, so `wallClock`, which returns the time of arrival, must not read that.
   LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers,
               Cycle cycle = Cycle());
 
@@ -40,7 +40,7 @@ public:
   /// \throws MemberError if the line is refused.
   std::vector<std::int32_t> take(std::string_view line);
 
-  /// Returns a line about the readings that were left out since the last call, empty if there were none.
+  /// Returns a line about the readings that were left out since the last call, or an empty text.
   std::string takeLeftOut() { return _session.takeLeftOut(); }
 
   /// Returns the time of the last step.

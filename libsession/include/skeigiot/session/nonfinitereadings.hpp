@@ -18,8 +18,8 @@ public:
   /// Returns the observation of the step without them; valid until the next call, and as long as the step.
   const KV::PersonObservation& withoutThem(const recordings::Step& step, Duration sinceStart);
 
-  /// Returns a line that says how many were left out since the last call, and where the first was; empty if there were
-  /// none.
+  /// Returns a line that says how many were left out since the last call, and where the first was; or an empty
+  /// text.
   std::string take();
 
 private:

@@ -23,7 +23,7 @@ template <typename Result>
 class SKEIGIOT_API OrderedJobs
 {
 public:
-  /// Whoever works looks at it now and then, and throws when it is set.
+  /// A working thread reads it now and then, and throws when it is set.
   using Cancelled = std::atomic<bool>;
   /// Does the work of one number. It is called on several threads at once; what it throws, take() throws.
   using Work = std::function<Result(std::size_t number, const Cancelled& cancelled)>;
@@ -87,7 +87,7 @@ private:
     std::exception_ptr error;
   };
 
-  /// Tells whether another thread could be started; throws if it was to be the first.
+  /// Returns whether another thread could be started; throws if it was to be the first.
   bool _addThread()
   {
     try

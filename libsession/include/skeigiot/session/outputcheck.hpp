@@ -34,7 +34,7 @@ private:
 
 /// Refuses outputs that would destroy something: an input, another output, or a file of somebody else.
 ///
-/// Files are told apart by device and inode, so that neither another spelling nor a link hides which file it is. Make
+/// Files are compared by device and inode, so that neither another spelling nor a link hides which file it is. Make
 /// one object for all outputs that are written together. It opens nothing for writing.
 class SKEIGIOT_API OutputCheck
 {
@@ -42,8 +42,8 @@ public:
   /// With `force`, any existing file may be replaced, but no input.
   explicit OutputCheck(bool force = false);
 
-  /// Notes that the file is an input, "-" for standard input; of a folder, each file that is directly in it. What is
-  /// not there is passed over.
+  /// Notes that the file is an input, "-" for standard input; of a folder, each file that is directly in it. A missing
+  /// file is ignored.
   void protect(const std::string& input);
 
   /// Notes all inputs of the session.

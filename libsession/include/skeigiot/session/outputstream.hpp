@@ -18,7 +18,7 @@ public:
   /// Makes an error that reads "<target>: <what the system says of errorNumber>".
   WriteError(const std::string& target, int errorNumber);
 
-  /// Tells whether the reader of a pipe went away, which is no fault.
+  /// Returns whether the reader of a pipe went away, which is no fault.
   bool pipeClosed() const;
 
 private:
@@ -31,7 +31,7 @@ class SKEIGIOT_API OutputStream : public std::ostream
 public:
   /// Makes a stream that does not own the descriptor; `target` is what errors call it.
   ///
-  /// What is left unflushed at the end is lost: flush() before.
+  /// Text that is not flushed at the end is lost: flush() before.
   OutputStream(int fileDescriptor, const std::string& target);
 
 private:

@@ -32,7 +32,7 @@ namespace KV::session
 /// - A person who is seen at any time of a cycle is seen in this cycle.
 /// - If the clock was set back, the next observation updates.
 ///
-/// Person::personID tells persons apart. Time comes from ko::SystemClock, so ko::ManualClock works as elsewhere.
+/// Person::personID identifies a person. Time comes from ko::SystemClock, so ko::ManualClock works as elsewhere.
 ///
 /// \code
 ///   KV::session::Pacer pacer;  // 10 updates a second
@@ -49,7 +49,7 @@ namespace KV::session
 class SKEIGIOT_API Pacer
 {
 public:
-  /// Who waits for an update, and when it is made at the latest.
+  /// A person who waits for an update, and the latest time of the update.
   struct SKEIGIOT_API Waiting
   {
     ko::SystemClock::time_point latest;  ///< a cycle after the update was due
@@ -81,7 +81,7 @@ public:
   /// Call it when no more observations come. It leaves the grid of the person as it is.
   bool finish(KV::Person& person);
 
-  /// Tells whether observations of this person wait for an update.
+  /// Returns whether observations of this person wait for an update.
   bool isWaiting(std::int32_t person) const;
 
   /// Returns who has waited longest, if anybody waits.
@@ -92,7 +92,7 @@ public:
 
   /// Lets the next observation of a person update at once, as after a pause; what waits goes on waiting until then.
   ///
-  /// For a clock that stands still: cycles would never end.
+  /// For a clock that does not move: cycles would never end.
   void restart(std::int32_t person);
 
   /// Forgets a person: drops what waits, and the next observation under this number updates at once.

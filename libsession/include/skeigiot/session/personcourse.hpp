@@ -11,7 +11,7 @@
 namespace KV::session
 {
 
-/// What was thought of one person over a recording, as pieces of time in which nothing changes.
+/// The estimate of one person over a recording, as pieces of time in which nothing changes.
 class SKEIGIOT_API PersonCourse
 {
 public:

@@ -14,7 +14,7 @@
 namespace KV::session
 {
 
-/// What a recording, or a scope of it, showed of one person on the whole.
+/// Means and shares of one person over a recording or a scope.
 ///
 /// Means and shares are over time: what an update says holds until the next one, for a second at most, so that a
 /// stretch without updates does not count for what was last said before it. Valence and attention count while they are
@@ -38,9 +38,9 @@ public:
   /// Returns how many updates were added.
   std::size_t updates() const { return _updates; }
 
-  /// Tells whether the valence was known at any time.
+  /// Returns whether the valence was known at any time.
   bool isValenceKnown() const { return _valenceKnown > 0.; }
-  /// Tells whether the attention was known at any time.
+  /// Returns whether the attention was known at any time.
   bool isAttentionKnown() const { return _attentionKnown > 0.; }
 
   // Means over the time in which the estimate was known.

@@ -17,7 +17,7 @@
 namespace KV::session
 {
 
-/// What is known of one person at the moment.
+/// The present state of one person.
 struct SKEIGIOT_API PersonRow
 {
   /// Returns in a few words what the estimate rests on, with the source that moved it most in the last update.
@@ -42,7 +42,7 @@ public:
   void forceActed(const KV::Force& force) override;
   void personUpdated(const Snapshot& snapshot) override;
 
-  /// Drops the person; nothing happens if there is none of that number.
+  /// Drops the person; nothing happens if the number is unknown.
   void remove(std::int32_t person) { _rows.erase(person); }
 
   /// Drops whoever was not seen for a minute.

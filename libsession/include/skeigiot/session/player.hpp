@@ -26,7 +26,7 @@ struct SKEIGIOT_API PlayerOptions
   bool skipBad = false;                ///< go on behind a line that cannot be used
   std::vector<ScopeSpan> scopes = {};  ///< stretches that are judged
   Cycle cycle = {};                    ///< how often persons are updated
-  bool estimates = true;               ///< false: the recording is only read; observers are told of its steps alone
+  bool estimates = true;               ///< false: the recording is only read; observers receive its steps only
 };
 
 /// How far a recording was played.
@@ -44,7 +44,7 @@ struct SKEIGIOT_API Outcome : ReadingNotes
   std::vector<std::string> description;      ///< how signs, units and rate were read
   std::vector<std::string> learned;          ///< what was learned of the faces at rest, see recordings::Reader
   recordings::Columns columns;               ///< which columns were read
-  std::string leftOut;                       ///< on readings that are not finite; empty if there were none
+  std::string leftOut;                       ///< on readings that are not finite, or empty
   std::vector<std::string> libraryWarnings;  ///< warnings of the estimate, a line each
   Duration length{0};                        ///< how much of the recording was played
   bool isDated = true;                       ///< whether its times have a date, see recordings::Reader
@@ -62,14 +62,14 @@ public:
   /// Opens the recording; called once by play(). A recordings::Error that it throws becomes part of the outcome.
   using Open = std::function<std::unique_ptr<recordings::Reader>()>;
 
-  /// Called after each step, and if the recording cannot be opened; returns whether to go on. What it throws ends the
+  /// Called after each step, and if the recording cannot be opened; returns whether to go on. An exception ends the
   /// playing, and reaches the caller.
   using GoOn = std::function<bool(const Progress&)>;
 
   /// Makes a player that asks `goOn` whether to go on; without it, recordings are played to their ends.
   explicit Player(PlayerOptions options, GoOn goOn = {});
 
-  /// Plays one recording; the observers are told of it, and must outlive the call.
+  /// Plays one recording to the observers, which must outlive the call.
   ///
   /// A recording that cannot be read, or not to its end, is no exception: the outcome says so, and what was good is
   /// played.

@@ -13,7 +13,7 @@ namespace KV::session
 
 /// A file that is written beside its target and takes its place only when it is complete.
 ///
-/// Whoever reads the target sees the old file or the whole new one. A target that is no regular file, such as a device
+/// A reader of the target sees the old file or the whole new one. A target that is no regular file, such as a device
 /// or a named pipe, cannot be replaced and is written directly; so is standard output, which goes by the name "-".
 class SKEIGIOT_API ReplacedFile
 {

@@ -22,7 +22,7 @@ class ReportRecorder;
 class SKEIGIOT_API Report : public SessionObserver
 {
 public:
-  /// Tells whether the library was built with the page.
+  /// Returns whether the library was built with the page.
   static bool isAvailable();
 
   /// Begins an empty report.

@@ -10,7 +10,7 @@
 namespace KV::session
 {
 
-/// What a report shows beside the session itself.
+/// The parts of a report that do not come from the session.
 struct SKEIGIOT_API ReportAdditions
 {
   std::vector<std::string> learned;        ///< what was learned of the faces at rest, as Outcome::learned

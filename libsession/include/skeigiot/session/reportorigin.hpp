@@ -11,7 +11,7 @@
 namespace KV::session
 {
 
-/// What a report says of its making, before the charts: from which files it was made, in which way, by what and when.
+/// The head of a report: files, the way in which they were read, options, version and date.
 struct SKEIGIOT_API ReportOrigin
 {
   /// A file that was read.

@@ -11,12 +11,12 @@
 namespace KV::session
 {
 
-/// What the index of several reports shows of one of them.
+/// The entry of one report in the index of several.
 struct SKEIGIOT_API ReportOverview
 {
   static constexpr std::size_t stretches = 60;  ///< into which a small picture divides the recording
 
-  /// What the index shows of one person.
+  /// The part of the entry about one person.
   struct Person
   {
     std::int32_t number = 0;       ///< of the person

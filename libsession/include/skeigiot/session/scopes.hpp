@@ -38,7 +38,7 @@ struct SKEIGIOT_API ScopeVerdict
   struct OfPerson
   {
     std::string word;            ///< "positive", "neutral", "negative" or "unknown"
-    std::size_t updates = 0;     ///< how many updates it stands on
+    std::size_t updates = 0;     ///< number of updates that it is based on
     PersonSummary summary = {};  ///< of these updates; finished
   };
 
@@ -85,7 +85,7 @@ public:
   /// Returns how many scopes are open that start() opened.
   std::size_t openCount() const { return _started.size(); }
 
-  /// Tells whether start() opened a scope of that name that is still open.
+  /// Returns whether start() opened a scope of that name that is still open.
   bool isOpen(const std::string& name) const { return _started.count(name) != 0; }
 
   /// Closes a scope that start() opened.

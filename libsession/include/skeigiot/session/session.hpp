@@ -36,13 +36,13 @@ public:
   /// Makes a session in which nobody is known yet; the observers must outlive it.
   Session(const std::vector<ScopeSpan>& spans, std::vector<SessionObserver*> observers, Cycle cycle = Cycle());
 
-  /// Says whether the times of the steps have a date, which is so if nobody says otherwise; snapshots tell it.
+  /// Says whether the times of the steps have a date, which is so by default; snapshots have it.
   void setDated(bool isDated) { _isDated = isDated; }
 
   /// Takes one step: scope starts, ambiance, person, scope stops. A scope that would be one too many is not started.
   void play(const recordings::Step& step);
 
-  /// Tells whether all scopes that the step starts can be open beside those that are open now, see Scopes::mostOpen.
+  /// Returns whether all scopes that the step starts can be open beside those that are open now, see Scopes::mostOpen.
   bool canStartScopes(const recordings::Step& step) const;
 
   /// Forgets a person: who comes back under that number is somebody new.
@@ -54,10 +54,10 @@ public:
   /// Ends the recording: updates the persons whose observations still wait, and judges the scopes that are still open.
   void finish();
 
-  /// Returns a line about the readings that were left out since the last call, empty if there were none.
+  /// Returns a line about the readings that were left out since the last call, or an empty text.
   std::string takeLeftOut() { return _nonFinite.take(); }
 
-  /// Returns a line about the scopes that were not started since the last call, empty if there were none.
+  /// Returns a line about the scopes that were not started since the last call, or an empty text.
   std::string takeNotStarted();
 
   /// Returns how much of the recording was played.

@@ -7,7 +7,7 @@
 namespace KV::session
 {
 
-/// What exports call a session.
+/// The name of a session in exports.
 struct SKEIGIOT_API SessionName
 {
   int number = 1;    ///< of the session in the export, from 1

@@ -35,7 +35,7 @@ public:
   /// The recording was opened: says how signs, units and rate are read. A player calls this before the first step.
   virtual void recordingDescribed(const std::vector<std::string>&) {}
 
-  /// The recording was opened: tells whether its times have a date, see recordings::Reader::isDated(). A player calls
+  /// The recording was opened; says whether its times have a date, see recordings::Reader::isDated(). A player calls
   /// this before the first step.
   virtual void recordingDated(bool /*isDated*/) {}
 
@@ -49,7 +49,7 @@ public:
   /// Whether the session calls personWaits(); asked once, when the session is made.
   virtual bool watchesWaiting() const { return false; }
 
-  /// The step is about a person who is updated later, when the cycle is over: tells the state that holds until then.
+  /// The step is about a person who is updated later, when the cycle is over; has the state until then.
   virtual void personWaits(const Snapshot&) {}
 
   /// The ambiance of the room was updated.

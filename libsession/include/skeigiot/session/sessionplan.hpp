@@ -40,20 +40,20 @@ struct SKEIGIOT_API SessionInputs
   std::string name() const;
 };
 
-/// What a user says of sessions.
+/// The user's settings of sessions.
 struct SKEIGIOT_API SessionArguments
 {
   std::vector<std::string> paths;                            ///< of files and folders
   std::map<std::string, ko::SystemClock::duration> offsets;  ///< by path
   bool separately = false;                                   ///< each file is a session of its own
-  std::string format;                                        ///< of the recordings; empty: found out
+  std::string format;                                        ///< of the recordings; empty: detected
 };
 
 /// Which sessions there are.
 struct SKEIGIOT_API SessionPlan
 {
   std::vector<SessionInputs> sessions;  ///< in the order in which they are played
-  std::vector<std::string> notes;       ///< on what was passed over
+  std::vector<std::string> notes;       ///< on files that were skipped
 };
 
 /// Why inputs and offsets are no sessions.
@@ -80,8 +80,8 @@ private:
   PlanFault _fault;
 };
 
-/// Finds out which sessions there are: files named together are inputs of one, unless they are to be separate; a folder
-/// stands for every recording in it, each in a session of its own, in the order of their names.
+/// Lists the sessions: files named together are inputs of one, unless they are to be separate; a folder
+/// is replaced by its recordings, each in a session of its own, in the order of their names.
 ///
 /// \throws Error for a folder that cannot be read or holds no recording.
 /// \throws PlanError for arguments that do not go together.

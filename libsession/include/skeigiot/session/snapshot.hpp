@@ -14,7 +14,7 @@
 namespace KV::session
 {
 
-/// What the library thought of one person after one update: a copy, which later updates leave alone.
+/// The estimate of one person after one update: a copy, which later updates do not change.
 struct SKEIGIOT_API Snapshot
 {
   TimePoint time;          ///< on the clock of the recording

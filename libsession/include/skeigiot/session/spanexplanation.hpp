@@ -10,7 +10,7 @@
 namespace KV::session
 {
 
-/// All updates of one person in a span of time, and what moved her estimates in it.
+/// All updates of one person in a span of time, and the forces that moved the estimates.
 struct SKEIGIOT_API SpanExplanation
 {
   /// Adds the next update of the person; updates come in the order of their times.

@@ -17,8 +17,8 @@
 namespace KV::session
 {
 
-/// Answers each line of a live stream by one line: what the library thinks of the person whom the line is about, or
-/// what is wrong with it.
+/// Answers each line of a live stream by one line: the estimate of the person whom the line is about, or
+/// the error in the line.
 class SKEIGIOT_API Stream
 {
 public:
@@ -37,7 +37,7 @@ private:
   /// Keeps what the session says of one line.
   struct Observer : SessionObserver
   {
-    /// What the last update of the room said.
+    /// The result of the last update of the room.
     struct Ambiance
     {
       float agitation = 0.f;                                   ///< in [0, 1]

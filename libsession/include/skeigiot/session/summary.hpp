@@ -13,7 +13,7 @@
 namespace KV::session
 {
 
-/// What one recording showed on the whole.
+/// Means and shares of one recording.
 class SKEIGIOT_API Summary : public SessionObserver
 {
 public:
@@ -30,7 +30,7 @@ public:
   /// Returns the verdicts by their start, longer scopes first; complete once the summary is finished.
   const std::vector<ScopeVerdict>& verdicts() const { return _verdicts; }
 
-  /// What was said of the ambiance of the room.
+  /// Means of the ambiance of the room.
   struct Ambiance
   {
     std::size_t updates = 0;    ///< how often the room was updated

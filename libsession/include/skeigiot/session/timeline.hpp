@@ -22,7 +22,7 @@ class SKEIGIOT_API Timeline : public SessionObserver
 {
 public:
   /// Makes an empty timeline; `step` is the length of a row if the user wants a certain one, and `explained` says
-  /// whether rows tell which sources changed the estimates.
+  /// whether rows have the sources that changed the estimates.
   explicit Timeline(const boost::optional<Duration>& step, bool explained = false);
 
   bool watchesForces() const override { return _explained; }

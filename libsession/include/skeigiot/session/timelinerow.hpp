@@ -32,12 +32,12 @@ public:
   /// Returns where the stretch begins, since the start of the recording.
   Duration from() const { return _from; }
 
-  /// Tells whether the person was seen in at least half of the updates.
+  /// Returns whether the person was seen in at least half of the updates.
   bool seen() const { return 2 * _seen >= _updates; }
 
-  /// Tells whether the valence was known in any of the updates, see Snapshot::isValenceKnown().
+  /// Returns whether the valence was known in any of the updates, see Snapshot::isValenceKnown().
   bool isValenceKnown() const { return _valenceKnown > 0; }
-  /// Tells whether the attention was known in any of the updates.
+  /// Returns whether the attention was known in any of the updates.
   bool isAttentionKnown() const { return _attentionKnown > 0; }
 
   // Means over the updates in which the estimate was known.
@@ -63,7 +63,7 @@ public:
   /// a head posture.
   boost::optional<HeadDirection> headDirection() const;
 
-  /// What moved the estimates; empty if nobody watched that.
+  /// Returns the changes of the estimates; empty if they were not observed.
   const Changes& changes() const { return _changes; }
 
 private:
