@@ -59,7 +59,7 @@ class _Agree(ReadingSettings):
         is left out
     value: the quantity of values whose column does not name it, and of labels that are numbers: "valence" or
         "attention"
-    scale: the values of the coders that stand for the least and the greatest estimate
+    scale: the values of the coders for the least and the greatest estimate
     persons: numbers of persons by the names that labels, or their tiers, give them; "" for labels without a name
     tiers: only labels of these tiers are used
     labels_offset: [s] added to all times of labels

@@ -27,7 +27,7 @@ _ENOUGH_ROWS = 20
 
 
 def is_frame(source: Any) -> bool:
-    """Tells whether this is a pandas frame or a dict of columns, and not the path of a recording."""
+    """Returns whether this is a pandas frame or a dict of columns, and not the path of a recording."""
     return isinstance(source, Mapping) or hasattr(source, "columns")
 
 

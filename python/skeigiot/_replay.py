@@ -37,55 +37,56 @@ _CALLER = 4
 
 @dataclass(frozen=True, eq=False)
 class _ReplayOne(Settings):
-    """Replays one recording, and returns what the library thought of the persons in it.
+    """Replays one recording, and returns the estimates of the persons in it.
 
-    The recording is a file, a bag of ROS 2, a frame, or a list of those: inputs of one session, merged by time; what
-    the others tell joins the next step of the first about the same person.
+    The recording is a file, a bag of ROS 2, a frame, or a list of those. A list is one session, merged by time: a
+    reading of a later input joins the next step of the first input about the same person.
 
-    A frame is a pandas frame or a dict of columns of one length. A frame of a front end's file, as by
-    pandas.read_csv("openface.csv"), is read like the file itself. A frame of readings has a column time: seconds from
-    the start or since 1970 (numbers), nanoseconds since 1970 (integers, from the year 2000 on), timedeltas from the
-    start, aware datetimes, or NumPy's datetime64, which is UTC. Each row is an observation of the person whose number
-    or name is in the column person; without that column, of person 0.
-    The other columns are the readings, named as in tidy CSV: smile and smile.confidence; gaze.yaw and gaze.pitch;
-    headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking; ...; and
-    seen, which is false where the person was not observed. NaN, None and empty texts are unknown: a reading that lacks
-    one of its parts is unknown in that row. Numbers that are far from their range, such as percent, are refused. A row
-    without a person can tell of the room (ambiance.activity, ambiance.movements) and scopes (start, start.samples,
-    stop). A frame with a column reading is one of tidy CSV itself: a reading in each row.
+    A frame is a pandas frame or a dict of columns of one length. A frame of a front end's file, such as
+    pandas.read_csv("openface.csv"), is read like the file.
 
-    format: the format of the files, and of frames that are not of readings; found out if not given, see FORMATS
+    A frame of readings has a column time: seconds from the start or since 1970 (numbers), nanoseconds since 1970
+    (integers, from the year 2000 on), timedeltas from the start, aware datetimes, or NumPy's datetime64, which is UTC.
+    Each row is an observation of one person. The column person has the number or the name; without it, all rows are
+    person 0. The other columns are the readings, with the names of tidy CSV: smile and smile.confidence; gaze.yaw and
+    gaze.pitch; headPosture.yaw, .pitch and .roll; expressions.joy and expressions.joy.confidence; distance; speaking;
+    ...; and seen, which is false if the person was not observed. NaN, None and empty texts are unknown; a reading with
+    an unknown part is unknown in that row. Numbers far outside their range, such as percent, are an error. A row
+    without a person may have readings of the room (ambiance.activity, ambiance.movements) and scopes (start,
+    start.samples, stop). A frame with a column reading is tidy CSV: it has one reading in each row.
+
+    format: the format of the files, and of frames that are not of readings; detected if not given, see FORMATS
     explain: also keep every force that moved an estimate
-    cycle: updates of a person in a second, above 0 and up to 1000; what is observed in between is remembered at its own
-        time. "recorded": update with each row or step
-    scopes: spans to judge besides the whole recording, as {name: (from, to)} in seconds since the start, both ends
-        included; None at either is the start or the end
+    cycle: updates of a person per second, above 0 and up to 1000; each update uses all observations since the last
+        one. "recorded": update with each row or step
+    scopes: spans for verdicts besides the whole recording, as {name: (from, to)} in seconds since the start, both ends
+        included; None means the start or the end
     offsets: seconds to add to all times of an input, by its path
-    skip_bad: go on behind lines that cannot be used; they are counted in a warning
-    person_from: column of a CSV file that names the person
-    mapping: JSON file that says how action units, blendshapes and emotions become readings
+    skip_bad: skip lines that cannot be used; a warning has their number
+    person_from: column of a CSV file with the number or the name of the person
+    mapping: JSON file that replaces the built-in tables, which convert action units, blendshapes and emotions
     fps: frames per second, instead of the time stamps of the file
     mirrored: the video is a mirror image
-    line_of_sight: False is the older word for look_at="axis"
-    camera_height: [m] above the floor; without it the heights of heads are unknown
+    line_of_sight: older argument; False means look_at="axis"
+    camera_height: [m] above the floor; without it, head heights are unknown
     min_confidence: below this, 0 to 1, a face counts as not seen
     au_full_scale: intensity of an action unit that counts as full
-    look_at: the direction of a look at the robot: to the "camera"; along the "axis" of the camera; "learned", where the
-        head rests most; or to a point in metres from the camera, as (right, down, forward). The default is "camera",
-        and for bags of ROS 2 the axis, moved by up to 5 degrees towards where the head rests.
-    rest: what is taken off a face as its rest: "learned" as faces come, "none", or the median of a span in seconds
-        since the start, as (from, to)
+    look_at: where a person looks who looks at the robot: at the "camera"; along the "axis" of the camera; "learned",
+        the usual direction of the head; or at a point in metres from the camera, as (right, down, forward). The default
+        is "camera"; for bags of ROS 2 it is the axis, moved by up to 5 degrees towards the usual direction of the head.
+    rest: face at rest, which is subtracted from each face: "learned" during the recording, "none", or the median of a
+        span in seconds since the start, as (from, to)
     boundaries: {"positive": 0.2, "negative": ..., "confidence": ..., "looking_at_robot": ...,
         "strictly_looking_at_robot": ..., "excited": ...}, set for this replay. They are the process-wide boundaries of
-        PersonState and AmbianceState: whatever else estimates in the meantime has them, too.
+        PersonState and AmbianceState, so they also apply to other estimates at the same time.
 
-    The recording is read and played without the interpreter lock; an interrupt (Ctrl-C) ends it. Clocks, and what
-    listens to forces, are not touched on other threads.
+    The recording is read and played without the interpreter lock; an interrupt (Ctrl-C) ends it. Clocks and force
+    observers of other threads are not changed.
 
     Warnings are issued as RecordingWarning, and kept in the result.
 
-    Raises FileNotFoundError for a file that is not there, RecordingError for one that cannot be read, ValueError for
-    arguments that are out of their range, TypeError for what is no recording.
+    Raises FileNotFoundError for a missing file, RecordingError for a file that cannot be read, ValueError for
+    arguments out of their range, TypeError for an object that is not a recording.
     """
 
     recording: Union[Path, Frame, Sequence[Union[Path, Frame]]]
@@ -110,15 +111,15 @@ class _ReplayOne(Settings):
 class _ReplayAll(Settings):
     """Replays several recordings, each in a session of its own, and returns the results in their order.
 
-    The recordings are files, or folders, which stand for every recording in them in the order of their names; files of
-    no known format are passed over with a warning.
+    The recordings are files or folders. For a folder, all its recordings are replayed, in the order of their names;
+    files of unknown format are skipped with a warning.
 
-    jobs: how many are replayed at a time, on threads of their own; one for each core if not given
+    jobs: number of recordings to replay at the same time, on threads of their own; one for each core if not given
 
-    All else is as for replay(), but a recording that cannot be read does not end the others: its result holds what came
-    before, and the error as error.
+    The other arguments are those of replay(). A recording that cannot be read does not end the others: its result has
+    the updates before the error, and the error as error.
 
-    Raises FileNotFoundError for a path that is not there, RecordingError for a folder without a recording.
+    Raises FileNotFoundError for a missing path, RecordingError for a folder without a recording.
     """
 
     recordings: Union[Path, Sequence[Path]]

@@ -19,7 +19,7 @@ class RecordingError(ValueError):
     """A recording that cannot be read; the text says where, and what was expected.
 
     file, line and field (a column, or a member of JSON) are None where they say nothing. For a frame, the file is
-    "frame, row N", with rows counted from 0. What came before the error stands in replay, unless nothing was read.
+    "frame, row N", with rows counted from 0. The results before the error are in replay, unless nothing was read.
     """
 
     def __init__(self, text: str, file: str = "", line: int = 0, field: str = "") -> None:
@@ -69,7 +69,7 @@ class PersonVerdict:
     word: str
     """"positive", "neutral", "negative" or "unknown\""""
     updates: int
-    """how many updates it stands on"""
+    """number of updates that it is based on"""
 
 
 @dataclass(frozen=True)
@@ -88,7 +88,7 @@ class ScopeVerdict:
 
 
 class Replay:
-    """What the library thought of the persons in a recording.
+    """The estimates of the persons in a recording.
 
     updates has a row for each update of each person, in their order, with the columns that `skeigiot replay --csv`
     exports:
@@ -105,7 +105,7 @@ class Replay:
     - zone: "LookingAtRobot", "LookingUp", ..., "LookingDownRight" or "Unknown"
     - pleasure: "positive", "neutral", "negative" or "unknown"
     - ease, ease_confidence: of the body language, -0.5 to 0.5, 0 to 1
-    - valence_known, attention_known: False where nothing told of it so far; the numbers then mean nothing, so leave
+    - valence_known, attention_known: False without any evidence so far; the numbers then mean nothing, so leave
       them out of means: updates["valence"][updates["valence_known"]].mean()
     - name: of the person; empty if the recording gives none
     - file: the recording: its path below the folder that was replayed, or as it was given

@@ -16,7 +16,7 @@ void bindAmbiance(py::module_& module)
   using KV::AmbianceState;
   py::class_<AmbianceState>(module, "AmbianceState",
                             "How agitated or calm the room is: a smoothed activity measure, raised by the movements "
-                            "counted between updates. str() tells activity and calm, a line each.")
+                            "counted between updates. str() shows activity and calm, a line each.")
       .def(py::init<>(), "Makes a state with all values 0; the calm level is not 1 before the first update.")
       .def("updateAmbiance", &AmbianceState::updateAmbiance, py::arg("activity"), Unlocked(),
            "Makes one step of exponential smoothing towards ten times the activity, and consumes the counted "

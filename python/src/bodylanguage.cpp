@@ -15,9 +15,10 @@ namespace binding
 
 void bindBodyLanguage(py::module_& module)
 {
-  py::class_<KV::BodyLanguageEase> ease(module, "BodyLanguageEase",
-                                        "How much at ease a person's posture looks. Stores what it is given. str() "
-                                        "tells it with a word for the feeling.");
+  py::class_<KV::BodyLanguageEase> ease(
+      module, "BodyLanguageEase",
+      "How much at ease a person's posture looks. Stores its values unchanged. str() has "
+      "the numbers and a word for the feeling.");
   ease.def(py::init<float, float>(), py::arg("level") = 0.f, py::arg("confidence") = 0.f)
       .def_readwrite("level", &KV::BodyLanguageEase::level,
                      "ease in [-0.5, 0.5], both ends included; negative is discomfort, 0 is neutral")

@@ -134,7 +134,7 @@ py::object winnerByArgmax(const ArgmaxRule& self, const py::object&, py::list& l
 void bindCoefficient(py::module_& module)
 {
   py::class_<Coefficient> coefficient(module, "Coefficient",
-                                      "The fitted parameters of a mood score. Stores what it is given.");
+                                      "The fitted parameters of a mood score. Stores its values unchanged.");
   coefficient.def(py::init<std::vector<float>, float>(), py::arg("weights"), py::arg("intercept"))
       .def_readwrite("weights", &Coefficient::weights,
                      "one weight per feature, in feature order; a copy, so assign a list to change them")
@@ -203,12 +203,12 @@ void bindMoodClass(py::module_& module)
                         "One candidate answer of a classification, with the score that rates it.\n\n"
                         "One is greater than another if its score is.")
       .def(py::init(&makeClass), py::arg("name"), py::arg("value"), py::arg("moodScore"),
-           "Makes a class rated by the MoodScore. Raises TypeError if that is none.")
+           "Makes a class rated by the MoodScore. Raises TypeError for any other object.")
       .def("calculateScore", &rate, py::arg("features"),
            "Rates the features and keeps the result in score.\n\n"
            "Raises what the score raises; score is unchanged then.")
       .def_readwrite("name", &MoodClass::name, "label of the class")
-      .def_readwrite("value", &MoodClass::value, "the number that the class stands for")
+      .def_readwrite("value", &MoodClass::value, "the number of the class")
       .def_readonly("moodScore", &MoodClass::moodScore)
       .def_readwrite("score", &MoodClass::score, "the latest result of calculateScore(); no meaning before the first")
       .def(
@@ -250,13 +250,14 @@ void bindClassifier(py::module_& module)
              return MoodClassifier{std::move(type)};
            }),
            py::arg("type"),
-           "Makes a classifier that decides by the MoodClassifierType. Raises TypeError if it is none.")
+           "Makes a classifier that decides by the MoodClassifierType. Raises TypeError for any other object.")
       .def(
           "classify",
           [](const py::object& self, const py::list& classes) -> py::object {
             return self.cast<const MoodClassifier&>().type.attr("classify")(self, classes);
           },
-          py::arg("classes"), "Returns what the rule returns for these classes; raises what it raises.");
+          py::arg("classes"),
+          "Returns the result of the rule for these classes; an exception of the rule reaches the caller.");
 }
 
 }  // namespace

@@ -78,7 +78,7 @@ void bindSources(py::module_& module)
 
   py::class_<ko::ManualClock, ko::ClockSource>(
       module, "ManualClock",
-      "A clock that stands still until it is told to move: for replays and tests. Safe from any thread.\n\n"
+      "A clock that moves only when the program moves it: for replays and tests. Safe from any thread.\n\n"
       "In a with statement it is the clock of this thread: with ManualClock(start) as clock: ...")
       .def(py::init<ko::SystemClock::time_point>(), py::arg("start"), "Makes a clock that shows this time.")
       .def("now", &ko::ManualClock::now, "Returns the time last set, in nanoseconds since the epoch.")

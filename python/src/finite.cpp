@@ -15,7 +15,7 @@ void bindIsFinite(py::module_& module)
 {
   module.def(
       "isFinite", [](const Reading& reading) { return KV::isFinite(reading); }, py::arg("reading"),
-      "Tells whether every number of a reading, or of all readings of an observation, is finite: neither NaN nor "
+      "Returns whether every number of a reading, or of all readings of an observation, is finite: neither NaN nor "
       "beyond "
       "greatestReading. An observation without any reading is.");
 }

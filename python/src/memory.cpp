@@ -184,7 +184,7 @@ void bindShortTermMemory(py::module_& module)
            "Removes every record that _isTooOld() judges too old.\n\n"
            "An exception of the clock is written to standard output; the memory then holds what it held before.")
       .def("_isTooOld", &AnyMemory::isTooOld, py::arg("reading"),
-           "Tells whether the age of the reading, in whole milliseconds (truncated), is strictly greater than the "
+           "Returns whether the age of the reading, in whole milliseconds (truncated), is strictly greater than the "
            "horizon. One from the future never is.")
       .def(
           "horizon", [](const AnyMemory& self) { return timedeltaOf(self.horizon()); },

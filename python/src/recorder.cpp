@@ -39,7 +39,7 @@ void bindEmotionRecorder(py::module_& module)
            "Records the state in every open scope that still takes samples, all with the same time.\n\n"
            "Takes no lock: the caller keeps other operations from running at the same time.")
       .def("hasAnOpenScope_notMutexed", &Recorder::hasAnOpenScope_notMutexed,
-           "Tells whether any scope is open, even one that takes no more samples.\n\n"
+           "Returns whether any scope is open, even one that takes no more samples.\n\n"
            "Takes no lock: the caller keeps other operations from running at the same time.")
       .def(
           "stopRecording",

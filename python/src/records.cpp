@@ -24,7 +24,7 @@ using Scored = KV::ValueConfidence<float>;
 
 void bindGaze(py::module_& module)
 {
-  py::class_<KV::Gaze> record(module, "Gaze", "Direction of a person's gaze. Stores what it is given.");
+  py::class_<KV::Gaze> record(module, "Gaze", "Direction of a person's gaze. Stores its values unchanged.");
   record.def(py::init<float, float>(), py::arg("yaw") = 0.f, py::arg("pitch") = 0.f)
       .def_readwrite("yaw", &KV::Gaze::yaw,
                      "[deg], positive is to the person's own left (the opposite sign of a head yaw)")
@@ -34,11 +34,10 @@ void bindGaze(py::module_& module)
 
 void bindHeadPosture(py::module_& module)
 {
-  py::class_<KV::HeadPosture> record(
-      module, "HeadPosture",
-      "Orientation of a person's head. Stores what it is given.\n\n"
-      "A NaN angle answers False to every direction test. A posture can be both up and "
-      "left; it is never both up and down. str() tells the angles with a word for each.");
+  py::class_<KV::HeadPosture> record(module, "HeadPosture",
+                                     "Orientation of a person's head. Stores its values unchanged.\n\n"
+                                     "A NaN angle answers False to every direction test. A posture can be both up and "
+                                     "left; it is never both up and down. str() has the angles, with a word for each.");
   record.def(py::init<float, float, float>(), py::arg("yaw") = 0.f, py::arg("pitch") = 0.f, py::arg("roll") = 0.f)
       .def_property("yaw", &KV::HeadPosture::yaw, &KV::HeadPosture::setYaw,
                     "[deg], positive is turned to the person's own right")
@@ -50,10 +49,10 @@ void bindHeadPosture(py::module_& module)
       .def("setRoll", &KV::HeadPosture::setRoll, py::arg("roll"))
       .def("setHeadPosture", &KV::HeadPosture::setHeadPosture, py::arg("yaw"), py::arg("pitch"), py::arg("roll"),
            "Sets all three angles, in degrees.")
-      .def("isUp", &KV::HeadPosture::isUp, "Tells whether the pitch is 6 degrees or more.")
-      .def("isDown", &KV::HeadPosture::isDown, "Tells whether the pitch is -6 degrees or less.")
-      .def("isLeft", &KV::HeadPosture::isLeft, "Tells whether the yaw is -6 degrees or less.")
-      .def("isRight", &KV::HeadPosture::isRight, "Tells whether the yaw is 6 degrees or more.")
+      .def("isUp", &KV::HeadPosture::isUp, "Returns whether the pitch is 6 degrees or more.")
+      .def("isDown", &KV::HeadPosture::isDown, "Returns whether the pitch is -6 degrees or less.")
+      .def("isLeft", &KV::HeadPosture::isLeft, "Returns whether the yaw is -6 degrees or less.")
+      .def("isRight", &KV::HeadPosture::isRight, "Returns whether the yaw is 6 degrees or more.")
       .def("__str__", &written<KV::HeadPosture>);
   record.attr("upBoundary") = KV::HeadPosture::upBoundary;
   record.attr("downBoundary") = KV::HeadPosture::downBoundary;
@@ -65,7 +64,7 @@ void bindHeadPosture(py::module_& module)
 void bindRobotHeadPosture(py::module_& module)
 {
   py::class_<KV::RobotHeadPosture> record(module, "RobotHeadPosture",
-                                          "Orientation of the robot's own head. Stores what it is given.");
+                                          "Orientation of the robot's own head. Stores its values unchanged.");
   record.def(py::init<float, float>(), py::arg("yaw") = 0.f, py::arg("pitch") = 0.f)
       .def_readwrite("yaw", &KV::RobotHeadPosture::yaw, "[deg]; only its changes are read")
       .def_readwrite("pitch", &KV::RobotHeadPosture::pitch, "[deg]; only its changes are read");
@@ -74,7 +73,7 @@ void bindRobotHeadPosture(py::module_& module)
 
 void bindSmile(py::module_& module)
 {
-  py::class_<KV::Smile> record(module, "Smile", "How much a person smiles. Stores what it is given.");
+  py::class_<KV::Smile> record(module, "Smile", "How much a person smiles. Stores its values unchanged.");
   record.def(py::init<float, float>(), py::arg("value") = 0.f, py::arg("confidence") = 0.f)
       .def_readwrite("value", &KV::Smile::value, "degree of the smile, meant to lie in [0, 1]")
       .def_readwrite("confidence", &KV::Smile::confidence, "meant to lie in [0, 1]")
@@ -110,7 +109,7 @@ void bindVoiceEmotion(py::module_& module)
 {
   py::class_<KV::VoiceEmotion, KV::Expressions> record(
       module, "VoiceEmotion",
-      "Emotional scores of a person's voice. Stores what it is given.\n\n"
+      "Emotional scores of a person's voice. Stores its values unchanged.\n\n"
       "A voice analyser has no score for surprise: that attribute is inherited, and stays 0 unless it is set. str() is "
       "\"Calm : \" and nothing else.");
   record

@@ -70,7 +70,7 @@ void bindEstimates(Class& state)
   bindQuery(state, "personValence", "valence", &PersonState::personValence,
             "the smoothed valence, from -1 (negative) to 1 (positive)");
   state.def("hadValenceEvidence", &PersonState::hadValenceEvidence,
-            "Tells whether any source of valence ever acted on this state: face, smile, voice, words, touch or "
+            "Returns whether any source of valence ever acted on this state: face, smile, voice, words, touch or "
             "context.\n\n"
             "Until then the valence means nothing, though its confidence may be above 0: well seen facial points "
             "raise it, and body language alone moves the valence a little.");
@@ -125,7 +125,7 @@ void bindOperations(Class& state)
       .def("_setValence", &PersonState::_setValence, py::arg("valence"),
            "Stores the valence, clamped to [-1, 1]; a NaN is stored as it is.")
       .def("_update", &PersonState::_update, py::arg("observation"), py::arg("memory"), Unlocked(),
-           "Fuses what the memory holds and what the observation brings into the state; see Person.update().\n\n"
+           "Updates the state from the readings in the memory and in the observation; see Person.update().\n\n"
            "The memory is read only. Update one person from one thread at a time.");
 }
 
@@ -143,7 +143,7 @@ std::string shown(const py::object& self)
 void bindState(py::module_& module)
 {
   Class state(module, "PersonState",
-              "The estimated emotional and attentional state of one person. str() tells it in nine lines.\n\n"
+              "The estimated emotional and attentional state of one person. str() shows it in nine lines.\n\n"
               "A handle: the state of a person and of its copies is the same, so an update through one is seen through "
               "all. Queries may see it in the middle of an update on another thread. Each query is there under its "
               "name in C++, and as a property.");
