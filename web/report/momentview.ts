@@ -100,9 +100,9 @@ export function showReadout(target: HTMLElement, recording: Recording, person: P
       "div",
       { class: "card", "data-moment": String(moment) },
       element("dl", { class: "readout" }, ...estimates(recording, person, moment)),
-      coders.length > 0 ? element("p", { class: "group" }, "what coders said") : null,
+      coders.length > 0 ? element("p", { class: "group" }, "labels of coders") : null,
       coders.length > 0 ? element("dl", { class: "readout coders" }, ...coders) : null,
-      element("p", { class: "group" }, inputs.length > 0 ? "what came in" : "nothing came in"),
+      element("p", { class: "group" }, inputs.length > 0 ? "readings" : "no readings"),
       element("dl", { class: "readout inputs" }, ...inputs),
     ),
   );

@@ -46,7 +46,7 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
   const title = inputs.map(baseName).join(" + ");
   document.title = `${title} · skeigiot`;
   target.replaceChildren(
-    element("p", { class: "eyebrow" }, "skeigiot report: what it thought, and why"),
+    element("p", { class: "eyebrow" }, "skeigiot report: estimates and forces"),
     element("h1", {}, title),
     facts([
       ["persons", String(persons.length)],
@@ -81,7 +81,7 @@ export function personFacts({ summary }: Person): HTMLElement {
 const endings: Record<string, string> = {
   "not stopped": "not stopped",
   "cut short": "cut short by the end",
-  "not reached": "the recording ended before",
+  "not reached": "the recording ended before the scope",
   "not open": "stopped, but not started",
 };
 
@@ -123,8 +123,8 @@ function thinningText({ persons, stretch }: Recording): string {
   const all = persons.reduce((sum, { summary }) => sum + summary.updates, 0);
   return (
     `The recording is long, so this page holds ${counted(kept, "moment")} of its ${counted(all, "update")}. ` +
-    `Of each ${plain(stretch, 2)} s it keeps the least and the greatest of every estimate and every input, the first ` +
-    "change of zone, pleasure and visibility, and the first of each kind of event; every moment shown is an update as it was."
+    `Of each ${plain(stretch, 2)} s it keeps the least and the greatest of every estimate and every reading, the first ` +
+    "change of zone, pleasure and visibility, and the first of each kind of event. Every moment is an unchanged update."
   );
 }
 

@@ -127,12 +127,12 @@ export class PersonView {
     card.classList.add("long");
     const { person } = this;
     const first = this.block(card);
-    this.heading(first, "Valence", "how the person feels; the band is wider the less sure the estimate is");
+    this.heading(first, "Valence", "from -1 (negative) to 1 (positive); a wide band is a low confidence");
     this.addLegend(first, "valence");
     const valences = this.withBand(person.valence, person.valenceConfidence, person.valenceKnown, -1);
     this.chart(first, this.valenceOptions(), valences);
     const second = this.block(card);
-    this.heading(second, "Attention", "how much of it the robot has, from 0 to 1; the band likewise");
+    this.heading(second, "Attention", "how much the person attends to the robot, from 0 to 1; a wide band is a low confidence");
     this.addLegend(second, "attention");
     const attentions = this.withBand(person.attention, person.attentionConfidence, person.attentionKnown, 0);
     this.chart(second, this.attentionOptions(), attentions);
