@@ -7,13 +7,13 @@ namespace faults
 {
 
 /// Drops what is written to standard error while it lives, without any memory.
-class DeafStandardError
+class SilencedStandardError
 {
 public:
-  DeafStandardError() : _former(std::cerr.rdbuf(&_nowhere)) {}
-  ~DeafStandardError() { std::cerr.rdbuf(_former); }
-  DeafStandardError(const DeafStandardError&) = delete;
-  DeafStandardError& operator=(const DeafStandardError&) = delete;
+  SilencedStandardError() : _former(std::cerr.rdbuf(&_nowhere)) {}
+  ~SilencedStandardError() { std::cerr.rdbuf(_former); }
+  SilencedStandardError(const SilencedStandardError&) = delete;
+  SilencedStandardError& operator=(const SilencedStandardError&) = delete;
 
 private:
   struct Nowhere : std::streambuf

@@ -120,7 +120,7 @@ TEST_F(FailingLog, CutsAnEndlessComplaintOfAHandler)
 /// A handler that needs memory for itself, as most do.
 TEST_F(FailingLog, ReachesEveryHandlerOrNone)
 {
-  const faults::DeafStandardError deaf;
+  const faults::SilencedStandardError silenced;
   int first = 0;
   int last = 0;
   std::size_t written = 0;

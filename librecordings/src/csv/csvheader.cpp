@@ -8,8 +8,8 @@ namespace KV::recordings
 {
 namespace
 {
-// So many known names between other delimiters are no chance.
-constexpr std::ptrdiff_t tellingNames = 2;
+// With this many known column names, the delimiter is right.
+constexpr std::ptrdiff_t enoughNames = 2;
 
 std::string_view trimmed(std::string_view text)
 {
@@ -94,7 +94,7 @@ void refuseOtherDelimiters(const std::vector<std::string_view>& header, const Er
   for (const auto& other : others)
   {
     const auto names = namesIn(header.front(), other.delimiter);
-    if (std::count_if(names.begin(), names.end(), isRead) >= tellingNames)
+    if (std::count_if(names.begin(), names.end(), isRead) >= enoughNames)
       throw Error(place, std::string("the columns are separated by ") + other.name +
                              "; expected commas, and numbers with a decimal point");
   }

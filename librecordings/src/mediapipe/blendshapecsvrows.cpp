@@ -18,8 +18,8 @@ namespace
 {
 constexpr std::size_t matrixSize = 16;
 
-// So many blendshapes are no chance.
-constexpr std::ptrdiff_t tellingNames = 4;
+// With this many blendshapes, the file is a table of blendshapes.
+constexpr std::ptrdiff_t enoughNames = 4;
 
 // As people write the 16 numbers that the API has without names: number 0 to 15.
 const std::array<const char*, 4> matrixPrefixes = {"matrix_", "facialTransformationMatrix_",
@@ -39,7 +39,7 @@ std::string faceColumnOf(const CsvHeader& header)
 bool looksLikeBlendshapeCsv(const std::string& head)
 {
   const auto names = namesIn(headerLineOf(head), ",;\t|");
-  return std::count_if(names.begin(), names.end(), isBlendshape) >= tellingNames;
+  return std::count_if(names.begin(), names.end(), isBlendshape) >= enoughNames;
 }
 
 BlendshapeCsvRows::BlendshapeCsvRows(InputFile input, const ReadingOptions& options)

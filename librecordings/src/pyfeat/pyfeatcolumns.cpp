@@ -50,8 +50,8 @@ bool isScore(const std::string& name)
   return isActionUnitName(name) || isEmotion(name);
 }
 
-// So many bare names of action units and emotions are no chance.
-constexpr std::ptrdiff_t tellingScores = 3;
+// With this many bare names of action units and emotions, the file is from py-feat.
+constexpr std::ptrdiff_t enoughScores = 3;
 
 bool hasAny(const std::vector<std::optional<std::size_t>>& columns)
 {
@@ -82,7 +82,7 @@ bool looksLikePyFeat(const std::string& head)
   const auto names = namesIn(headerLineOf(head), ",;\t|");
   const auto isOfFace = [](const std::string& name) { return isOneOf(faceNames, name); };
   return std::any_of(names.begin(), names.end(), isOfFace) ||
-         std::count_if(names.begin(), names.end(), isScore) >= tellingScores;
+         std::count_if(names.begin(), names.end(), isScore) >= enoughScores;
 }
 
 bool isOfPyFeat(const std::string& name)
