@@ -189,7 +189,7 @@ def _inputs(sources: List[Any], offsets: Mapping[Path, float]) -> List[Tuple[Uni
     if offset_of:
         raise ValueError(f"offsets: there is no input {os.fsdecode(next(iter(offset_of)))!r}")
     if offsets and len(inputs) == 1:
-        raise ValueError("offsets: there is no other input to be moved against")
+        raise ValueError("offsets: an offset needs another input in the same session")
     return inputs
 
 

@@ -39,13 +39,13 @@ std::string hintFor(const KV::recordings::Error& error, const ReplayRequest& req
 {
   const auto& remedy = error.remedy();
   if (remedy && remedy->input.empty())
-    return "; replay_all() replays each for itself, given a list of them or their folder";
+    return "; replay_all() replays each as a session of its own, given a list of them or their folder";
   if (!remedy || request.frames.count(remedy->input) > 0)
     return {};
   std::array<char, 64> seconds{};
   std::snprintf(seconds.data(), seconds.size(), "%.3f", static_cast<double>(remedy->offset.count()) * 1e-9);
   return "; offsets={'" + remedy->input + "': " + seconds.data() +
-         "} would let them begin together, replay_all() replays each for itself";
+         "} would let them begin together, replay_all() replays each as a session of its own";
 }
 
 KV::session::PlayerOptions optionsOf(const ReplayRequest& request)

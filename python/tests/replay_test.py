@@ -310,7 +310,7 @@ def test_names_the_keywords_that_help(written):
         skeigiot.replay([early, late])
     assert str(caught.value).endswith(
         f"or they are no inputs of one session; offsets={{'{early}': 122163200.000}} would let them begin together, "
-        "replay_all() replays each for itself")
+        "replay_all() replays each as a session of its own")
     skeigiot.replay([early, late], offsets={early: 122163200.0})
 
 
@@ -319,7 +319,7 @@ def test_names_the_function_that_replays_recordings_of_several_persons(written):
     with pytest.raises(skeigiot.RecordingError) as caught:
         skeigiot.replay(clips)
     assert str(caught.value).endswith(
-        "; replay_all() replays each for itself, given a list of them or their folder")
+        "; replay_all() replays each as a session of its own, given a list of them or their folder")
     assert len(skeigiot.replay_all(clips)) == 2
 
 
