@@ -47,7 +47,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library_package} ${same_version}
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
     "estimate of how persons in front of a robot feel and attend (development)
 For each person in front of a robot, skeigiot estimates how they feel and
-whether they attend to it, from whatever the robot perceives of them.
+whether they attend to it, from all readings that the robot has of them.
 
 This package holds what programs are built with: the headers of all
 libraries, static libraries of the estimate, and the files for CMake and
@@ -72,7 +72,7 @@ if(SKEIGIOT_BUILD_TOOLS)
   set(CPACK_DEBIAN_RECORDINGS_DESCRIPTION
       "recordings of how persons look and behave, read for skeigiot
 For each person in front of a robot, skeigiot estimates how they feel and
-whether they attend to it, from whatever the robot perceives of them.
+whether they attend to it, from all readings that the robot has of them.
 
 This package holds the shared library that reads recordings of OpenFace,
 py-feat, MediaPipe, Live Link Face and ROS 2, step by step.")
@@ -80,7 +80,7 @@ py-feat, MediaPipe, Live Link Face and ROS 2, step by step.")
   set(CPACK_DEBIAN_SESSION_DESCRIPTION
       "sessions of skeigiot: recordings played, explained and exported
 For each person in front of a robot, skeigiot estimates how they feel and
-whether they attend to it, from whatever the robot perceives of them.
+whether they attend to it, from all readings that the robot has of them.
 
 This package holds the shared library that plays recordings and live
 observations through the estimate, and explains, exports and reports it.")
@@ -93,11 +93,11 @@ observations through the estimate, and explains, exports and reports it.")
   set(CPACK_DEBIAN_TOOLS_DESCRIPTION
       "command that estimates how persons in recordings feel and attend
 For each person in front of a robot, skeigiot estimates how they feel and
-whether they attend to it, from whatever the robot perceives of them.
+whether they attend to it, from all readings that the robot has of them.
 
 This package holds the command skeigiot. It replays recordings of OpenFace,
-py-feat, MediaPipe, Live Link Face and ROS 2, tells what moved an estimate and
-why, writes a page of it, and answers live observations line by line.")
+py-feat, MediaPipe, Live Link Face and ROS 2, shows the forces that moved an
+estimate, writes an HTML report, and answers live observations line by line.")
 endif()
 
 if(TARGET skeigiot-python)
@@ -113,7 +113,7 @@ if(TARGET skeigiot-python)
   set(CPACK_DEBIAN_PYTHON_DESCRIPTION
       "estimate of how persons in front of a robot feel and attend (Python)
 For each person in front of a robot, skeigiot estimates how they feel and
-whether they attend to it, from whatever the robot perceives of them.
+whether they attend to it, from all readings that the robot has of them.
 
 This package holds the module for Python 3. It has the library's classes, and
 replays whole recordings into arrays or data frames.")

@@ -13,7 +13,7 @@ ROUNDING = 1e-6  # [s] of times in tables
 
 
 class State(NamedTuple):
-    """What the library thought of a person after an update."""
+    """The estimate of a person after an update."""
 
     time: float
     seen: bool
