@@ -75,7 +75,7 @@ def test_refuses_what_cannot_be_compared(greeting, labels, tmp_path):
 
 
 def test_warns_of_labels_that_are_left_out(greeting, labels):
-    with pytest.warns(skeigiot.RecordingWarning, match="mean no state: 'smiling'"):
+    with pytest.warns(skeigiot.RecordingWarning, match="labels without a state left out: 'smiling'"):
         result = skeigiot.agree(greeting, labels)
     assert any("smiling" in warning for warning in result.warnings)
 
