@@ -770,8 +770,8 @@ await test("a recording in which nobody was seen opens, too", async () => {
 /** A head without a face: nothing tells of the valence, and the times have no date. */
 function writeHeadAlone(name) {
   const recording = join(work, `${name}.csv`);
-  const rows = [0, 1, 2, 3].map((time) => `${time},1,headPosture,0,10\n`);
-  writeFileSync(recording, `time,person,reading,yaw,pitch\n${rows.join("")}`);
+  const rows = [0, 1, 2, 3].map((time) => `${time},1,headPosture,0,10,0\n`);
+  writeFileSync(recording, `time,person,reading,yaw,pitch,roll\n${rows.join("")}`);
   return recording;
 }
 
