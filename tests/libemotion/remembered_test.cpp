@@ -50,6 +50,17 @@ TEST_F(RememberedReadings, AreNoneAtFirst)
   });
 }
 
+TEST_F(RememberedReadings, AreNoneOfANullPointer)
+{
+  KV::forEachReading([this](const auto& known) {
+    using Value = typename std::decay_t<decltype(known)>::Value;
+    PersonObservation::Reading<Value> PersonObservation::*const none = nullptr;
+    const auto remembered = memory.remembered(none);
+    EXPECT_EQ(0U, remembered.count) << known.name;
+    EXPECT_FALSE(remembered.youngest) << known.name;
+  });
+}
+
 TEST_F(RememberedReadings, AreCountedForEachReadingButThoseThatAreNeverRemembered)
 {
   KV::forEachReading([this](const auto& known) {

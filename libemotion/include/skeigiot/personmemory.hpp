@@ -44,8 +44,8 @@ public:
   /// Returns how many records of a reading are remembered, and the youngest of them:
   /// `memory.remembered(&KV::PersonObservation::age).youngest`.
   ///
-  /// Records older than the horizon, 7 s or for a context emotion 20 s, do not count. Nothing is forgotten or changed:
-  /// asking leaves the estimate as it is. `headHeight` and `voiceEmotion` are never remembered, so their count is 0.
+  /// Records older than the horizon, 7 s or for a context emotion 20 s, do not count. Nothing is forgotten or changed.
+  /// `headHeight` and `voiceEmotion` are never remembered: their count is 0, as is that of a null pointer.
   ///
   /// \par Thread safety
   ///   Takes the mutex of this one memory, and reads the clock under it. May run beside an update of the person, and
