@@ -97,8 +97,9 @@ Duration Timeline::step() const
 {
   if (_givenStep)
     return *_givenStep;
-  const auto found = std::find_if(shortSteps.begin(), shortSteps.end(),
-                                  [this](Duration step) { return _last / step < mostShownRows && _fillsRowsOf(step); });
+  const auto* const found = std::find_if(shortSteps.begin(), shortSteps.end(), [this](Duration step) {
+    return _last / step < mostShownRows && _fillsRowsOf(step);
+  });
   return found != shortSteps.end() ? *found : shortestStep(shownSteps, _last, mostShownRows);
 }
 
