@@ -36,6 +36,8 @@ void PersonSummary::add(const Snapshot& snapshot)
 
 void PersonSummary::finish()
 {
+  if (!_last)
+    return;
   const bool single = _time == 0.;
   _countLast(single ? holdOfASingle : _lastInterval);
 }

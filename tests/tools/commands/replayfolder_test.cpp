@@ -1,3 +1,4 @@
+#include "librecordings/limitedchild.hpp"
 #include "support/command.hpp"
 #include "support/temporaryfolder.hpp"
 
@@ -69,7 +70,10 @@ TEST_F(LargeFolder, NeedsFewOpenFilesAndNoMoreMemoryThanASmallOne)
   EXPECT_EQ(0, result.status) << result.errors;
   const std::string all = results.read("all.csv");
   EXPECT_EQ(1 + 2 * many, std::count(all.begin(), all.end(), '\n'));
-  EXPECT_LT(peakInKilobytes() - before, 16 * 1024);
+  if (support::memoryCanBeLimited)
+  {
+    EXPECT_LT(peakInKilobytes() - before, 16 * 1024);
+  }
 }
 
 TEST_F(LargeFolder, ToldToReplayManyAtATimeReplaysAsManyAsCanBeOpen)
