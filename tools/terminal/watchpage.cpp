@@ -51,7 +51,7 @@ const Widths& widthsFor(std::size_t width)
 /// "7", or "anna (7)" of a person with a name: a long name is cut.
 std::string personLabel(const session::Snapshot& snapshot)
 {
-  const std::string number = std::to_string(snapshot.person);
+  std::string number = std::to_string(snapshot.person);
   if (snapshot.name.empty())
     return number;
   const std::string behind = " (" + number + ")";
