@@ -168,7 +168,7 @@ std::string bodyText(const session::TimelineRow& row, const Layout& layout)
 {
   if (!(row.ease().confidence > 0.f))
     return "-";
-  const std::string ease = session::easeName(row.ease());
+  std::string ease = session::easeName(row.ease());
   if (!row.headDirection())
     return ease;
   return session::headDirectionName(*row.headDirection()) + (layout.showsEase ? ", " + ease : "");

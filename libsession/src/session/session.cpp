@@ -82,8 +82,8 @@ std::string Session::takeNotStarted()
   if (_notStarted == 0)
     return {};
   const std::string scopes = _notStarted == 1 ? "1 scope was" : std::to_string(_notStarted) + " scopes were";
-  const std::string text = scopes + " not started, since " + std::to_string(Scopes::mostOpen) +
-                           " were open already; the first was '" + _firstNotStarted + "'";
+  std::string text = scopes + " not started, since " + std::to_string(Scopes::mostOpen) +
+                     " were open already; the first was '" + _firstNotStarted + "'";
   _notStarted = 0;
   _firstNotStarted.clear();
   return text;
