@@ -27,7 +27,7 @@ public:
 
   Visitors(unsigned int seed, int places) : _random(seed), _places(static_cast<std::size_t>(places)) {}
 
-  /// Returns who is there; whoever has no frame left goes after this one.
+  /// Returns who is there; a visitor without a frame left goes after this one.
   const std::vector<Visitor>& present() const { return _present; }
 
   /// Lets the next frame begin: fills empty places, sometimes.

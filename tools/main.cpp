@@ -79,7 +79,7 @@ int runAndReport(int argc, char** argv)
   }
   catch (const KV::tools::Interrupted& interrupted)
   {
-    std::raise(interrupted.signal);  // whoever started the program learns how it ended
+    std::raise(interrupted.signal);  // shows the parent process how the program ended
   }
   catch (const std::bad_alloc&)
   {

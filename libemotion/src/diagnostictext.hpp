@@ -24,7 +24,7 @@ inline char* put(char* end, std::string_view words)
 /// A text that an operation composes while it works, and drops when it returns.
 ///
 /// Force traces, update reports and memory reports are composed at each call and are deliberately never handed to the
-/// log. Whoever wants to read one calls the overload that takes the text by reference.
+/// log. To read a text, call the overload that takes it by reference.
 ///
 /// Writes what a std::ostream in the classic locale with default formatting would, at a small part of its cost, which
 /// an update pays once per force.
@@ -32,7 +32,7 @@ inline char* put(char* end, std::string_view words)
 class DiagnosticText
 {
 public:
-  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): likewise
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): as above
   DiagnosticText() = default;
   DiagnosticText(const DiagnosticText&) = delete;
   DiagnosticText& operator=(const DiagnosticText&) = delete;

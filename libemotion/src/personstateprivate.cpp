@@ -44,7 +44,7 @@ struct Pulled
   void move(float target, float weight) const { value = clamp(value + weight * (target - value)); }
 };
 
-/// Moves the quantities under their mutex, and then shows the force to whoever watches.
+/// Moves the quantities under their mutex, and then shows the force to the observers.
 template <typename... Quantities>
 __attribute__((noinline)) void moveWatched(float target, float weight, std::string_view source, boost::mutex& mutex,
                                            Quantities... pulled)

@@ -15,7 +15,7 @@
 namespace binding
 {
 
-/// What error messages say that the value of a reading is to be.
+/// Describes the expected value of a reading in error messages.
 template <typename T>
 inline constexpr const char* expectedValue = nullptr;
 

@@ -3,7 +3,7 @@
 #include <pybind11/pybind11.h>
 
 /// \file
-/// What the extension is made of: each function adds the classes and functions of one concern. They are called with
+/// The parts of the extension: each function adds the classes and functions of one concern. They are called with
 /// the interpreter lock held, in the order in which their signatures refer to each other.
 
 namespace binding

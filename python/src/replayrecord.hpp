@@ -18,7 +18,7 @@ struct ReplayTables
 {
   Columns updates;
   Columns forces;       ///< "row" is that of the update
-  Columns zoneChanges;  ///< likewise
+  Columns zoneChanges;  ///< of all updates
   Columns ambiance;
   std::vector<KV::session::ScopeVerdict> verdicts;
 };

@@ -3,7 +3,7 @@
 namespace binding
 {
 
-/// While it lives, records that the library logs on this thread are not handed to Python's logging: whoever makes one
+/// While it lives, records that the library logs on this thread are not handed to Python's logging: the caller
 /// collects them.
 class SilencedLog
 {

@@ -50,8 +50,8 @@ private:
   PyThreadState* _state;
 };
 
-/// What every call gets that may take a mutex of the library: it releases the interpreter lock for its run. So whoever
-/// waits for a mutex never keeps its holder from calling back into Python.
+/// Guard of every call that may take a mutex of the library: it releases the interpreter lock for its run. So a thread
+/// that waits for a mutex never keeps the holder of the mutex from calling back into Python.
 using Unlocked = pybind11::call_guard<Released>;
 
 /// As above, for a part of a call.

@@ -24,6 +24,9 @@ CHECK = load()
 HARD = [
     ("What no front end tells comes from a table.", "'What no front end tells"),
     ("Whoever is not told of any more stays.", "'Whoever is not"),
+    ("Locks of whoever logs are held.", "'whoever'"),
+    ("An old voice acts in full all the same, and is logged.", "'all the same,'"),
+    ("The rest is NaN likewise.", "'likewise'"),
     ("Read are files of OpenFace.", "'Read are'"),
     ("Compared are all times.", "'Compared are'"),
     ("The command tells the format.", "'tells'"),
@@ -40,6 +43,7 @@ HARD = [
 EASY = [
     "The command reads `what tells` and \"what stands\" as they are.",
     "What is an estimate?",
+    "Names that are all the same length are sorted.",
     "The label stands for the state; NaN stands for a missing value.",
     "The columns are a, b, c, d, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v, w, x, y, z, aa, bb, cc, dd, ee, ff and gg.",
     "The file [format](tells.md) is data (" + "very long " * 40 + ").",

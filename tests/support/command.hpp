@@ -17,7 +17,7 @@ struct CommandResult
 /// Runs `skeigiot` with these arguments, in an environment without settings of the user.
 CommandResult runCommand(const std::vector<std::string>& arguments);
 
-/// As runCommand(), but whoever was to read the output has gone away.
+/// As runCommand(), but the reader of the output has gone away.
 CommandResult runCommandIntoClosedPipe(const std::vector<std::string>& arguments);
 
 /// Runs a shell command, in which $skeigiot is the built command and $1, $2, ... are the arguments.

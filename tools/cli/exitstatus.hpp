@@ -3,7 +3,7 @@
 namespace KV::tools
 {
 
-/// What the command tells its caller.
+/// The exit status of the command.
 enum ExitStatus : int
 {
   Success = 0,

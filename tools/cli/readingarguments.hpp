@@ -11,7 +11,7 @@
 namespace KV::tools
 {
 
-/// What the command line says of how recordings are read.
+/// The arguments that say how to read recordings.
 struct ReadingArguments
 {
   recordings::ReadingOptions options;

@@ -62,7 +62,7 @@ private:
   session::Session _session;
   boost::optional<recordings::Step> _next;
   boost::optional<session::TimePoint> _first;  // of the steps that were played
-  session::TimePoint _last;                    // likewise
+  session::TimePoint _last;                    // of the steps that were played
   Clock::time_point _start;                    // when the first step was due, had there been no pause
   boost::optional<Clock::time_point> _pausedAt;
   bool _ended = false;

@@ -113,7 +113,7 @@ void greet()
             "\n  Ctrl-D ends the input; 'skeigiot stream --help' describes the lines");
 }
 
-/// Whoever feeds it ends it, or whoever reads from it: neither is a failure.
+/// Ends when the input ends or when nobody reads the answers any more; neither is a failure.
 ExitStatus run(const Arguments& arguments)
 {
   greet();

@@ -95,7 +95,7 @@ public:
   virtual std::vector<std::string> takeNotes() = 0;
 };
 
-/// Lines of standard input. While the page pauses they are taken all the same, so that their sender need not wait.
+/// Lines of standard input. They are taken also while the page pauses, so that their sender need not wait.
 class Lines : public Source
 {
 public:

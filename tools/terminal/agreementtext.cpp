@@ -21,7 +21,7 @@ using session::AgreementComparison;
 using session::AgreementMeasure;
 using LeftOut = AgreementComparison::LeftOut;
 
-constexpr double shortest = 0.05;  // [s] that a text tells of
+constexpr double shortest = 0.05;  // [s] that a text mentions
 
 constexpr std::array<std::pair<const char*, double LeftOut::*>, 5> reasons = {
     {{"labelled, but the person was not updated", &LeftOut::noUpdate},

@@ -13,7 +13,7 @@
 namespace KV::tools
 {
 
-/// What the table of a folder has of one recording.
+/// One recording in the table of a folder.
 struct FileOverview
 {
   static constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
@@ -24,7 +24,7 @@ struct FileOverview
   std::size_t persons = 0;
   double seen = unknown;       ///< mean over the persons of the share of the time in which they were seen
   double valence = unknown;    ///< mean over the persons whose valence is known
-  double attention = unknown;  ///< likewise
+  double attention = unknown;  ///< mean over the persons whose attention is known
   std::map<std::string, std::size_t> verdicts;  ///< on the whole recording: how many persons have which
   std::size_t warnings = 0;
   bool cut = false;  ///< an error ended it early

@@ -12,7 +12,7 @@
 namespace KV::tools
 {
 
-/// What there is to say of the input.
+/// The state of the input.
 struct InputStatus
 {
   std::string name;              ///< of the recording that is played; empty for standard input

@@ -11,7 +11,7 @@
 namespace KV::tools
 {
 
-/// Returns what `watch` tells of the chosen person: the forces of the last update, the strongest first, and the newest
+/// Returns the pane of the chosen person in `watch`: the forces of the last update, the strongest first, and the newest
 /// readings with their ages; side by side on a wide terminal. There are `height` lines at most.
 std::vector<PageLine> watchPane(const session::PersonRow& row, session::TimePoint now, std::size_t width,
                                 std::size_t height);

@@ -32,7 +32,7 @@ public:
   /// the previous update: at a camera's 30 Hz a head that turns away slowly never counts as turned. Call updateMemory()
   /// for what is observed in between, or leave both to KV::session::Pacer, which updates 10 times a second.
   ///
-  /// A new voice emotion that is more than 3 s old acts in full all the same, and is logged as a warning in the
+  /// A new voice emotion that is more than 3 s old acts in full. The library also logs a warning about it in the
   /// category "kvmood.emotionalstate". Inside a callback of a SocialGraph, log handlers then run under the graph's
   /// mutex.
   ///

@@ -48,8 +48,8 @@ SKEIGIOT_API extern const std::map<ko::human::AttentionState, std::string> atten
 /// A handle: copies share the record, so an update through one is seen through all.
 ///
 /// \par Thread safety
-///   Update one record from one thread at a time. Queries take no lock of the record: whoever asks while another thread
-///   updates has a data race, and may see the record in the middle of it. SocialGraph keeps the two apart.
+///   Update one record from one thread at a time. Queries take no lock of the record: a query during an update of
+///   another thread is a data race, and may see a half updated record. SocialGraph keeps the two apart.
 class SKEIGIOT_API PersonState
 {
 public:

@@ -17,7 +17,7 @@ struct SKEIGIOT_API ValueConfidence
   /// Stores both as they are given.
   ValueConfidence(const T& value_, float confidence_) : value(value_), confidence(confidence_) {}
 
-  T value{};               ///< in the unit of whoever holds it
+  T value{};               ///< in the unit of the reading
   float confidence = 0.f;  ///< meant to lie in [0, 1]
 };
 

@@ -80,7 +80,7 @@ struct Record
 /// \throws std::bad_alloc, and what the clock source of the thread throws; no handler has received the record then.
 /// \par Thread safety
 ///   Safe from any thread. The log holds no lock of its own while a handler runs, so a handler may log, add and remove
-///   handlers; it may be called from several threads at once. Locks of whoever logs are held, see addHandler().
+///   handlers; it may be called from several threads at once. The caller of log() may hold locks, see addHandler().
 KO_API void log(Level level, const Category& category, const std::string& message, const std::string& file,
                 const std::string& function, int line);
 

@@ -10,14 +10,14 @@ namespace KV::recordings
 /// The fields of a row without quotes. A row may have thousands of them, so this is most of the time that it takes to
 /// read one: sixteen characters are compared at a time where the processor can.
 
-/// What a look at a whole line tells of its fields.
+/// The result of scanning a line: the number of its commas, and whether it has a quote.
 struct LineScan
 {
   std::size_t commas;
   bool hasQuote;
 };
 
-/// Counts the commas of the line, and tells whether it has a quote; then the number of commas may be too low.
+/// Counts the commas of the line, and looks for a quote. If there is a quote, the count may be too low.
 LineScan scanLine(std::string_view line);
 
 /// Writes the fields between the commas to `fields`, each without the blanks and tabs around it.

@@ -50,7 +50,7 @@ public:
   /// \throws BadLine if there is none.
   std::int64_t frameNumber(std::size_t column) const;
 
-  /// Returns the seconds in this column, or nothing if the field is empty or says that there is no number.
+  /// Returns the seconds in this column, or nothing if the field is empty or NaN.
   ///
   /// \throws BadLine if they are beyond what a clock can show.
   std::optional<double> timestamp(std::size_t column) const;

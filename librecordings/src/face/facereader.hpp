@@ -21,9 +21,9 @@ namespace KV::recordings
 
 /// Reads the file of a face analyser.
 ///
-/// The rows of one frame are one cycle. Whoever was seen before and is not tracked in a cycle gets an entry that says
-/// so, after the entries of those who are. Where frames are missing in the file, nobody was seen in them. Either ends
-/// after PersonsInView::longestAbsence cycles.
+/// The rows of one frame are one cycle. A person who was seen before, and is not tracked in a cycle, gets an entry that
+/// says so, after the entries of tracked persons. Where frames are missing in the file, nobody was seen in them. Either
+/// ends after PersonsInView::longestAbsence cycles.
 class FaceReader : public Reader
 {
 public:

@@ -17,7 +17,7 @@
 namespace KV::recordings
 {
 
-/// What a file tells of one face in one frame, or that there was none.
+/// One face in one frame of a file, or a frame without a face.
 struct FaceRow
 {
   std::size_t line = 0;

@@ -20,7 +20,7 @@ struct Frame
   bool operator!=(const Frame& other) const { return !(*this == other); }
 };
 
-/// What to assume of a video of which neither the user nor a time stamp tells the rate.
+/// The frame rate of a video that has no time stamps and whose rate the user did not give.
 struct AssumedRate
 {
   double framesPerSecond = 30.0;

@@ -7,17 +7,17 @@
 namespace KV::recordings
 {
 
-/// Keeps count of who was seen in which cycle, so that whoever was not can be told.
+/// Notes who was seen in each cycle, and so knows who is missing.
 class PersonsInView
 {
 public:
-  /// For so many cycles in a row a person is told missing; after that nothing is left that could fade.
+  /// For so many cycles in a row a person is reported as missing; by then the estimate has faded.
   static constexpr int longestAbsence = 300;
 
   /// Notes that the person is seen in this cycle; returns false if that was noted already.
   bool see(std::int32_t person);
 
-  /// Ends the cycle, and returns whoever was seen before and not in it, in ascending order.
+  /// Ends the cycle, and returns the persons who were seen before but not in it, in ascending order.
   std::vector<std::int32_t> endCycle();
 
   bool empty() const { return _cyclesMissed.empty(); }

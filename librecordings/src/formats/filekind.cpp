@@ -120,7 +120,7 @@ std::string bytesOf(const std::string& head)
   return text;
 }
 
-/// What the first line tells of a text.
+/// Describes a text by its first line.
 std::string textKind(const std::string& head)
 {
   constexpr std::size_t mostNamed = 6;

@@ -88,7 +88,7 @@ std::string InputFile::peek(std::size_t count)
   return std::string(_unread().substr(0, count));
 }
 
-// What stands before a fault of the file is there to be read all the same; whoever reads on learns of the fault.
+// The bytes before a fault of the file can be read; reading on behind them throws the fault.
 void InputFile::_readAtLeast(std::size_t count)
 {
   while (_unread().size() < count && _readOn())

@@ -16,8 +16,8 @@
 namespace KV::recordings
 {
 
-/// A line holds something else than the plain JSON that recordings consist of: an error, or what FlatJson does not
-/// know. Whoever catches it parses the line into a tree, which has the messages.
+/// FlatJson cannot parse the line: it has an error, or JSON that recordings seldom have.
+/// Parse the line into a tree then: the tree's parser has the error messages.
 class NotPlain : public std::exception
 {};
 
@@ -30,8 +30,8 @@ class FlatJson
 public:
   /// Parses the text, which has to outlive the object.
   ///
-  /// \throws NotPlain if the text is anything else than one plain JSON value. A name that is in an object twice is left
-  ///   to whoever reads the members.
+  /// \throws NotPlain if the text is anything else than one plain JSON value. A name that is twice in an object is no
+  ///   error here; the reader of the members must check for it.
   explicit FlatJson(std::string_view text);
   FlatJson(const FlatJson&) = delete;  // values refer to it
   FlatJson& operator=(const FlatJson&) = delete;

@@ -30,7 +30,7 @@ public:
     {
       if (++_fields > limits::mostFieldsOfLabels)
         throw Error({_path, _line, {}}, "has more than " + std::to_string(limits::mostFieldsOfLabels) +
-                                            " fields: this is no file of labels");
+                                            " fields: this is not a file of labels");
       row.fields.push_back(_takeField());
       more = !_rest.empty() && _rest.front() == _delimiter;
       if (!_rest.empty())

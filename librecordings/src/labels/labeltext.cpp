@@ -74,7 +74,7 @@ std::string labelText(const std::string& path)
   {
     if (text.size() + block.size() > limits::largestLabels)
       throw Error({path, 0, {}}, "is larger than " + std::to_string(limits::largestLabels / limits::mebibyte) +
-                                     " MiB: this is no file of labels");
+                                     " MiB: this is not a file of labels");
     text += block;
   }
   return decoded(std::move(text));

@@ -25,7 +25,7 @@ constexpr std::ptrdiff_t enoughNames = 4;
 const std::array<const char*, 4> matrixPrefixes = {"matrix_", "facialTransformationMatrix_",
                                                    "facial_transformation_matrix_", "transformation_"};
 
-// As it is called by whoever numbers the faces of a frame.
+// Programs that number the faces of a frame call the column so.
 std::string faceColumnOf(const CsvHeader& header)
 {
   for (const char* const name : {"face_id", "face_index", "faceIndex", "face"})

@@ -23,8 +23,8 @@ struct PyFeatAngles
 
 /// Finds out how a table of py-feat counts its angles, from its first rows.
 ///
-/// An angle beyond 3.2 shows that they are in degrees, else they are in radians. Whoever looks up lowers the ears
-/// against the eyes: by that the landmarks show whether a pitch above 0 is up.
+/// An angle beyond 3.2 shows that they are in degrees, else they are in radians. A person who looks up lowers the
+/// ears against the eyes: so the landmarks show whether a pitch above 0 is up.
 class PyFeatConvention
 {
 public:

@@ -28,7 +28,7 @@ struct PyFeatColumns
   ColumnGroup<2> gaze;      ///< gaze_pitch, gaze_yaw
 
   std::vector<std::optional<std::size_t>> actionUnits;  ///< in the order of the names that are asked for
-  std::vector<std::optional<std::size_t>> emotions;     ///< likewise, by their new or old names
+  std::vector<std::optional<std::size_t>> emotions;     ///< by their new or old names; none where missing
   LandmarkColumns landmarks;
   ColumnGroup<2 * nodLandmarks.size()> nod;  ///< x of all nodLandmarks, then y of all
 

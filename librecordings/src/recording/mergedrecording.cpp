@@ -62,7 +62,7 @@ const char* sameReading(const KV::PersonObservation& left, const KV::PersonObser
   return name;
 }
 
-// Whoever is observed by one input is observed, though others do not see them.
+// A person whom one input observes counts as observed, also if other inputs do not see them.
 bool takeIn(Step& target, const Step& other)
 {
   if (collide(target.observation, other.observation))

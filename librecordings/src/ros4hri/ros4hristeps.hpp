@@ -23,9 +23,9 @@ namespace KV::recordings
 
 /// Makes steps of a recording out of what the nodes of a robot tell one by one.
 ///
-/// The frames of faces that are told within a few milliseconds are one cycle, as the camera saw them at once; what else
-/// is told of a face goes with its next frame. Whoever was in a cycle before, and is neither in this one nor among the
-/// tracked faces, gets a step that says so.
+/// The frames of faces that are told within a few milliseconds are one cycle, as the camera saw them at once; other
+/// messages about a face go with its next frame. A person who was in an earlier cycle, and is neither in this one nor
+/// among the tracked faces, gets a step that says so.
 class RosbagCycles
 {
 public:

@@ -7,7 +7,7 @@
 namespace KV::recordings
 {
 
-/// What a topic tells.
+/// The kind of a topic's messages.
 enum class RosTopicKind
 {
   Transforms,
@@ -21,7 +21,7 @@ enum class RosTopicKind
   Speech
 };
 
-/// What a topic that is read tells, and of whom.
+/// A topic that is read: the kind of its messages, and the face, voice or person that they are about.
 struct RosTopic
 {
   RosTopicKind kind;

@@ -18,7 +18,7 @@ namespace KV::session
 namespace
 {
 
-/// What one row is about. Null: there is none.
+/// Subject of a row; null where the row has no such subject.
 struct Row
 {
   const ScopeVerdict* scope = nullptr;

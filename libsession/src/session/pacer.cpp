@@ -28,7 +28,7 @@ Duration periodOf(const Cycle& cycle)
   return Duration(std::llround(std::min(nanosecondsPerSecond / *cycle.hertz, longest)));
 }
 
-// Times of today are far from the ends; a clock may show any time all the same.
+// Adding to a time near the end of the range would overflow: a clock may show any time.
 TimePoint later(TimePoint time, Duration duration)
 {
   return time > TimePoint::max() - duration ? TimePoint::max() : time + duration;

@@ -137,9 +137,9 @@ TEST_F(InputLimits, RefuseANulThatWouldHideWhatFollows)
 
 TEST_F(InputLimits, RefuseLabelsThatAreTooLarge)
 {
-  EXPECT_EQ(": is larger than 32 MiB: this is no file of labels",
+  EXPECT_EQ(": is larger than 32 MiB: this is not a file of labels",
             errorOfLabels(std::string(limits::largestLabels, ' ') + "start,end,value\n"));
-  EXPECT_EQ(":2: has more than 1000000 fields: this is no file of labels",
+  EXPECT_EQ(":2: has more than 1000000 fields: this is not a file of labels",
             errorOfLabels("start,end,value\n" + std::string(limits::mostFieldsOfLabels, ',')));
 }
 

@@ -43,7 +43,7 @@ private:
   boost::optional<std::int32_t> _person;
   std::function<void(Explanation)> _onUpdate;
   std::map<std::int32_t, Snapshot> _before;  // of those whose updates are handed on
-  Explanation _explanation;                  // of the update that is under way, whoever is updated
+  Explanation _explanation;                  // of the present update, of any person
   std::map<std::int32_t, Updates> _persons;
 };
 

@@ -51,7 +51,7 @@ struct SKEIGIOT_API Explanation
   Snapshot before;                 ///< after the update before it; that of an unknown person for the first update
   Snapshot after;                  ///< after the update
   std::vector<ActedForce> forces;  ///< in the order in which they acted
-  std::vector<SeenZoneChange> zoneChanges;  ///< likewise
+  std::vector<SeenZoneChange> zoneChanges;  ///< in the order in which they happened
 };
 
 }  // namespace KV::session

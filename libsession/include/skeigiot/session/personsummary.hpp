@@ -65,7 +65,7 @@ public:
   /// Returns the share in which the person was seen, with an attention at the boundary or above; NaN if the attention
   /// was never known.
   double lookingAtRobotShare() const { return _ifAttentionKnown(_lookingAtRobot / _time); }
-  /// Returns the share with an attention at the strict boundary or above; NaN likewise.
+  /// Returns the same share for the strict boundary; NaN if the attention was never known.
   double strictlyLookingAtRobotShare() const { return _ifAttentionKnown(_strictlyLookingAtRobot / _time); }
 
 private:

@@ -45,7 +45,7 @@ public:
   /// Drops the person; nothing happens if the number is unknown.
   void remove(std::int32_t person) { _rows.erase(person); }
 
-  /// Drops whoever was not seen for a minute.
+  /// Drops persons who were not seen for a minute.
   void removeOld(TimePoint now);
 
   /// Returns the rows by the numbers of the persons.

@@ -23,7 +23,7 @@ struct SKEIGIOT_API ReportOverview
     std::string verdict;           ///< on the whole recording, or the first scope
     PersonSummary summary;         ///< of the whole recording
     std::vector<float> valence;    ///< mean in each stretch; NaN where it is not known
-    std::vector<float> attention;  ///< likewise
+    std::vector<float> attention;  ///< mean in each stretch; NaN where it is not known
   };
 
   Duration length{0};           ///< of the recording
