@@ -24,7 +24,7 @@ struct ReplayRequest
 {
   KV::session::SessionInputs session;
   std::map<std::string, KV::recordings::Table> frames;  ///< by their names in the session; all others are paths
-  std::string format;                                   ///< of the files; empty: found out
+  std::string format;                                   ///< of the files; empty: detected
   KV::recordings::ReadingOptions reading;
   bool skipBad = false;
   bool explain = false;

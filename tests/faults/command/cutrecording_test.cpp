@@ -130,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Of, CutText,
                                            CutCase{"JsonLinesOfAllReadings", "jsonl/all-readings.jsonl", "jsonl"}),
                          support::RowName());
 
-/// The format is found out as well: what there is of the file tells it.
+/// The format is detected as well, from the part of the file that is left.
 class CutCompressedText : public CutRecording
 {};
 

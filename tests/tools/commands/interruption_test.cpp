@@ -55,7 +55,8 @@ TEST_P(Interruption, EndsALineWithoutAnEnd)
 {
   const CommandResult result = interrupted("inspect --format jsonl", "/dev/zero", "^/dev/zero", GetParam().signal);
   EXPECT_EQ(status(), result.status);
-  EXPECT_THAT(result.errors, ::testing::Not(::testing::HasSubstr("skeigiot"))) << "a shell may say something itself";
+  EXPECT_THAT(result.errors, ::testing::AnyOf("", "Terminated\n"))
+      << "the shell names the signal, the command is silent";
 }
 
 TEST_P(Interruption, EndsTheUnpackingOfAnEndlessLine)

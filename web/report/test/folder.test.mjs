@@ -9,6 +9,7 @@ import { spawnSync } from "node:child_process";
 import { mkdirSync, rmSync, writeFileSync } from "node:fs";
 import { join, resolve } from "node:path";
 import { pathToFileURL } from "node:url";
+import { finish, test } from "./cases.mjs";
 
 const [browserPath, command, workPath] = process.argv.slice(2);
 assert.ok(workPath, "usage: node folder.test.mjs CHROMIUM SKEIGIOT WORK");
@@ -33,17 +34,6 @@ const made = spawnSync(command, ["report", recordings, "-o", pages], { encoding:
 assert.equal(made.status, 2, "other.csv cannot be read");
 
 const browser = await chromium.launch({ executablePath: browserPath, args: ["--no-sandbox"] });
-let failures = 0;
-
-async function test(name, body) {
-  try {
-    await body();
-    console.log(`ok      ${name}`);
-  } catch (error) {
-    ++failures;
-    console.log(`FAILED  ${name}\n${error.stack}`);
-  }
-}
 
 async function open({ width = 1280, colorScheme = "light" } = {}) {
   const page = await browser.newPage({ viewport: { width, height: 700 }, colorScheme });
@@ -101,4 +91,4 @@ for (const colorScheme of ["light", "dark"])
     });
 
 await browser.close();
-process.exitCode = failures > 0 ? 1 : 0;
+finish();

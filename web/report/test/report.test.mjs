@@ -10,6 +10,7 @@ import { execFileSync } from "node:child_process";
 import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { basename, join, resolve } from "node:path";
 import { fileURLToPath, pathToFileURL } from "node:url";
+import { finish, test } from "./cases.mjs";
 
 const [browserPath, command, workPath, ...recordings] = process.argv.slice(2);
 assert.ok(recordings.length > 0, "usage: node report.test.mjs CHROMIUM SKEIGIOT WORK RECORDING...");
@@ -17,17 +18,6 @@ const work = resolve(workPath);
 mkdirSync(work, { recursive: true });
 
 const browser = await chromium.launch({ executablePath: browserPath, args: ["--no-sandbox"] });
-let failures = 0;
-
-async function test(name, body) {
-  try {
-    await body();
-    console.log(`ok      ${name}`);
-  } catch (error) {
-    ++failures;
-    console.log(`FAILED  ${name}\n${error.stack}`);
-  }
-}
 
 function makeReport(recording, ...options) {
   const file = join(work, `${basename(recording).replace(/\..*/, "")}.html`);
@@ -800,4 +790,4 @@ await test("an estimate that never had evidence is unknown, and has no line", as
 });
 
 await browser.close();
-process.exit(failures > 0 ? 1 : 0);
+finish();
