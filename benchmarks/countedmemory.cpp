@@ -23,7 +23,7 @@ std::size_t bytesInUse()
 
 }  // namespace benchmarks
 
-// The forms for arrays, and those with a size, come back to these two.
+// The operators for arrays, and those with a size, call these two.
 
 void* operator new(std::size_t size)
 {

@@ -1,10 +1,10 @@
-/// Writes a fingerprint of every state after every update, so that two builds can be compared: one that was to become
-/// faster must write the same.
+/// Writes a fingerprint of every state after every update, to compare two builds: a build that was made faster must
+/// write the same.
 ///
 /// usage: skeigiot_digest                     of ten thousand random observations
 ///        skeigiot_digest FILE|FOLDER...      of all recordings in them; says on standard error what is not read
 ///
-/// A line for each source: the fingerprint, how many states it is of, and the name.
+/// A line for each source: the fingerprint, the number of its states, and the name.
 
 #include "digestline.hpp"
 #include "statedigest.hpp"
@@ -33,7 +33,7 @@ constexpr std::uint64_t seed = 20200101;
 constexpr std::int64_t observationsOfALife = 1000;
 constexpr model::Nanoseconds start = 1577836800000 * model::millisecond;  // 2020-01-01T00:00:00Z
 
-/// Lives through random observations of one character, and digests the state after each.
+/// Runs random observations of one character, and digests the state after each.
 template <typename Life>
 void writeDigestOf(std::string_view name)
 {
@@ -91,7 +91,7 @@ int writeDigestsOfRecordings(const std::vector<std::string>& paths)
 
 int main(int argc, char** argv)
 {
-  ko::log::addHandler([](const ko::log::Record&) {});  // old observations are many here, and their warnings expected
+  ko::log::addHandler([](const ko::log::Record&) {});  // many observations are old here, so warnings are expected
   const std::vector<std::string> paths(argv + 1, argv + argc);
   if (!paths.empty())
     return writeDigestsOfRecordings(paths);

@@ -34,7 +34,7 @@ public:
       _add(static_cast<unsigned char>(bits >> (bitsPerByte * byte)));
   }
 
-  /// The length goes first, so that "a", "bc" is something else than "ab", "c".
+  /// The length goes first, so that "a", "bc" differs from "ab", "c".
   void add(std::string_view text)
   {
     add(static_cast<std::uint64_t>(text.size()));

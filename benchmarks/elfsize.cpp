@@ -23,7 +23,7 @@ std::vector<char> contentsOf(const std::string& path)
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Copies a structure out of the file, in which it may lie at any address.
+/// Copies a structure out of the file, where it may be at any address.
 template <typename T>
 T structureAt(const std::vector<char>& contents, std::uint64_t offset)
 {

@@ -30,7 +30,7 @@ void overScopes(benchmark::internal::Benchmark* benchmark)
   benchmark->RangeMultiplier(10)->Range(1, 1000);
 }
 
-/// One scope starts anew among `state.range(0)` open ones.
+/// One scope restarts among `state.range(0)` open ones.
 void BM_EmotionRecorderStartOne(benchmark::State& state)
 {
   const std::vector<std::string> names = scopeNames(state.range(0));
@@ -41,7 +41,7 @@ void BM_EmotionRecorderStartOne(benchmark::State& state)
 }
 BENCHMARK(BM_EmotionRecorderStartOne)->Apply(overScopes);
 
-/// One update goes into all scopes, which from time to time start anew.
+/// One update goes into all scopes, which from time to time restart.
 void BM_EmotionRecorderUpdate(benchmark::State& state)
 {
   constexpr int samplesAtMost = 100;

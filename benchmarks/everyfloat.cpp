@@ -1,4 +1,4 @@
-/// Compares, for every float there is, what the library does with what it stands for:
+/// Compares three shortcuts of the library with the functions that they replace, for every float:
 ///
 /// - digits: the six digits in diagnostic texts with those of std::to_chars;
 /// - erf: the error function with that of Boost by its defaults, which evaluates in extended precision;
@@ -91,7 +91,7 @@ bool haveSameStep(float number)
   return areSame(KV::softStep(number, reference), step > floor ? step : floor);
 }
 
-/// What is compared.
+/// The comparisons.
 struct Comparison
 {
   std::string_view name;
@@ -101,7 +101,7 @@ struct Comparison
 constexpr std::array<Comparison, 3> comparisons{
     {{"digits", haveSameDigits}, {"erf", haveSameErf}, {"step", haveSameStep}}};
 
-/// What came of it, from all threads.
+/// The result, from all threads.
 class Findings
 {
 public:
@@ -136,7 +136,7 @@ private:
   std::vector<float> _firstDifferent;
 };
 
-/// Compares one stretch of floats after another until none is left.
+/// Compares one range of floats after another until all are done.
 void compareStretches(const Comparison& comparison, std::uint64_t every, std::atomic<std::uint64_t>& nextStretch,
                       Findings& findings)
 {

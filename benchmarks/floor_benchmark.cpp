@@ -1,10 +1,10 @@
-// What an update cannot cost less than, and what it costs.
+// The least possible cost of an update, and its actual cost.
 //
-// The behaviour of an update asks for a reading of the clock per record and pruning, an error function per weight, and
-// a text per force; records are kept in arrays whose front they are inserted at. The floor is what these cost one by
-// one in the same run: readings, error functions, texts and moved bytes, without any of what holds them together.
+// The behaviour of an update requires a reading of the clock per record and pruning, an error function per weight, and
+// a text per force; records are kept in arrays and inserted at the front. The floor is the cost of these operations one
+// by one in the same run: readings, error functions, texts and moved bytes, without the code between them.
 //
-// Beside it runs the plain model of the tests, which does the same work in the simplest way.
+// The plain model of the tests runs beside it and does the same work in the simplest way.
 
 #include "steadyperson.hpp"
 

@@ -47,7 +47,7 @@ void writeMemoryOfIdlePersons(int count)
   writeRow("memory of an idle person, one of " + std::to_string(count), bytes, "bytes");
 }
 
-/// Of a person all of whose sensors have reported for half a minute.
+/// Of a person with half a minute of reports by all sensors.
 void writeMemoryOfAnObservedPerson(std::int64_t rate)
 {
   constexpr std::int64_t seconds = 30;
@@ -88,7 +88,7 @@ void writeLoadTime(const std::string& name, const benchmarks::LoadTime& time)
   writeRow(name + ", elapsed", time.elapsed / microsecond, "us");
 }
 
-/// The libraries of the language are loaded as well, which a program in C++ has loaded anyway.
+/// The libraries of the language are loaded as well; a program in C++ has loaded them anyway.
 void writeLoadTimes(const std::string& loadLibrary, std::vector<std::string> libraries)
 {
   libraries.insert(libraries.begin(), "libstdc++.so.6");

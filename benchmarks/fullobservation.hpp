@@ -4,11 +4,11 @@
 
 #include <ko/systemclock.hpp>
 
-/// What the benchmarks share.
+/// Shared parts of the benchmarks.
 namespace benchmarks
 {
 
-/// Where the clocks of the benchmarks start: 2020-01-01T00:00:00Z.
+/// The time at which the clocks of the benchmarks start: 2020-01-01T00:00:00Z.
 constexpr ko::SystemClock::time_point epoch{boost::chrono::seconds(1577836800)};
 
 /// Returns an observation in which all thirteen sensors report at `time`, of a person who smiles at the robot; the

@@ -1,5 +1,5 @@
-/// Loads the library that is named, and ends; without a name does nothing. What footprint.cpp starts to see how long
-/// loading takes.
+/// Loads the named library, and ends; without a name it does nothing. footprint.cpp runs it to measure the time of
+/// loading.
 
 #include <dlfcn.h>
 

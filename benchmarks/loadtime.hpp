@@ -6,7 +6,7 @@
 namespace benchmarks
 {
 
-/// What one run of a process took [s].
+/// The time of one run of a process [s].
 struct LoadTime
 {
   double processor = 0.;  ///< of all processors

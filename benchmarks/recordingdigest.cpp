@@ -21,7 +21,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// The files under the path in the order of their names, whatever the order of the directory.
+/// The files under the path in the order of their names, for any order of the directory.
 std::vector<fs::path> filesUnder(const fs::path& path)
 {
   if (!fs::is_directory(path))
@@ -44,7 +44,7 @@ boost::optional<KV::recordings::Step> nextUsable(KV::recordings::Reader& reader)
     }
     catch (const KV::recordings::BadLine&)
     {
-      // the reader goes on behind it
+      // the next call reads the line after it
     }
 }
 

@@ -6,7 +6,7 @@ namespace benchmarks
 {
 
 /// Plays every recording in the folder, or the one in the file, and writes the fingerprint of all states to standard
-/// output. Says on standard error which file was not read, and why.
+/// output. Writes on standard error which file was not read, and why.
 void writeDigestsOfRecordings(const std::filesystem::path& path);
 
 }  // namespace benchmarks

@@ -18,8 +18,8 @@ namespace
 constexpr int rowsPerSecond = 30;
 constexpr int rows = 30 * rowsPerSecond;
 
-/// An OpenFace file of thirty seconds of one face, with the columns that are read and as many others as make the 538 of
-/// a full export; removed at the end.
+/// An OpenFace file of thirty seconds of one face, with the columns that are read and further ones up to the 538 of a
+/// full export; removed at the end.
 class FaceFile
 {
 public:
@@ -130,7 +130,7 @@ void BM_ReplayEndToEnd(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_ReplayEndToEnd, FaceFile)->Unit(benchmark::kMillisecond);
 BENCHMARK_TEMPLATE(BM_ReplayEndToEnd, JsonLinesFile)->Unit(benchmark::kMillisecond);
 
-/// What is left where nothing is read: the steps are in memory, and in each of them all thirteen sensors report.
+/// The cost without reading: the steps are in memory, and all thirteen sensors report in each of them.
 void BM_ReplayAllSensorsFromMemory(benchmark::State& state)
 {
   std::vector<KV::recordings::Step> entries(rows);

@@ -83,8 +83,8 @@ void BM_ShortTermMemoryRecordNewest(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryRecordNewest, HeadPosture)->Apply(overSizes);
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryRecordNewest, FacialPoints)->Apply(overSizes);
 
-/// Every second reading arrives half a horizon late: the older half of what is remembered is complete, in the younger
-/// half every second place is still free.
+/// Every second reading arrives half a horizon late: the older half of the memory is complete, in the younger half
+/// every second place is still free.
 template <typename T>
 void BM_ShortTermMemoryRecordOutOfOrder(benchmark::State& state)
 {
@@ -110,7 +110,7 @@ void BM_ShortTermMemoryRecordOutOfOrder(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryRecordOutOfOrder, HeadPosture)->Apply(overSizes);
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryRecordOutOfOrder, FacialPoints)->Apply(overSizes);
 
-/// Nothing is too old, as at most prunings.
+/// No record is too old, as in most prunings.
 template <typename T>
 void BM_ShortTermMemoryForgetNothing(benchmark::State& state)
 {
@@ -127,7 +127,7 @@ void BM_ShortTermMemoryForgetNothing(benchmark::State& state)
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryForgetNothing, HeadPosture)->Apply(overSizes);
 BENCHMARK_TEMPLATE(BM_ShortTermMemoryForgetNothing, FacialPoints)->Apply(overSizes);
 
-/// All is too old, as after a pause.
+/// All records are too old, as after a pause.
 template <typename T>
 void BM_ShortTermMemoryForgetAll(benchmark::State& state)
 {

@@ -6,13 +6,13 @@
 #include <charconv>
 
 /// \file
-/// The six digits of a weight in the text of a force, against the function of the standard library that writes the
-/// same.
+/// The six digits of a weight in the text of a force, compared with the function of the standard library that writes
+/// the same.
 
 namespace
 {
 
-// A weight as forces have it: from 1 down to 0.01.
+// Typical weights of forces: from 1 down to 0.01.
 float next(float weight)
 {
   return weight > 0.01f ? weight * 0.99f : 1.f;

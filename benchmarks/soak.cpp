@@ -1,5 +1,5 @@
-/// Lets people come and go in front of a robot for hours or days, at accelerated time, and tells by the hour how much
-/// memory there is in use and what an update costs. Fails if either has grown at the end.
+/// Simulates visitors of a robot for hours or days, at accelerated time, and reports each hour how much memory is in
+/// use and the cost of an update. Fails if either has grown at the end.
 ///
 /// usage: skeigiot_soak HOURS [SEED]
 
@@ -39,7 +39,7 @@ constexpr int places = 5;  // for visitors at the same time
 constexpr int framesPerHour = 3600 * benchmarks::framesPerSecond;
 constexpr int framesPerScope = 60 * benchmarks::framesPerSecond;
 
-/// What is measured in one hour. Bytes are taken at its end, when everybody has gone.
+/// The measurements of one hour. Bytes are counted at its end, when everybody has left.
 struct Hour
 {
   std::size_t updates = 0;
@@ -68,7 +68,7 @@ double medianOf(std::vector<double> numbers)
   return *middle;
 }
 
-/// A robot in a place with visitors: what a mood service keeps of them.
+/// A robot in a place with visitors: the objects that a mood service keeps for them.
 class Robot
 {
 public:
@@ -131,7 +131,7 @@ private:
     _verdictOf.erase(found);
   }
 
-  // Observations are made beforehand, so that the time is that of the library.
+  // Observations are made beforehand, so that only the library's time is measured.
   void _update(Hour& hour)
   {
     const std::vector<Visitors::Visitor>& present = _visitors.present();
@@ -206,10 +206,10 @@ double medianCost(const std::vector<Hour>& hours, std::size_t first, std::size_t
   return medianOf(std::move(costs));
 }
 
-/// Compares the end with the start; the first hour is left out, in which the process comes to its size.
+/// Compares the end with the start; the first hour is left out, since the process grows to its size in it.
 bool hasStayed(const std::vector<Hour>& hours)
 {
-  constexpr std::size_t residentSlack = 1 << 20;  // [bytes] the allocator keeps what it was given
+  constexpr std::size_t residentSlack = 1 << 20;  // [bytes] the allocator keeps freed memory
   constexpr double greatestRatio = 1.5;           // of costs: other programs run as well
 
   const Hour& start = hours[1];

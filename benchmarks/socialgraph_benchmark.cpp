@@ -79,14 +79,14 @@ void BM_SocialGraphUpdateOrCreateOfAKnownPerson(benchmark::State& state)
 }
 BENCHMARK(BM_SocialGraphUpdateOrCreateOfAKnownPerson)->Apply(overCounts)->Complexity(benchmark::oLogN);
 
-/// Builds the person, and drops her.
+/// Builds the person, and drops them.
 void BM_SocialGraphAddAKnownPerson(benchmark::State& state)
 {
   useGraph(state, [](KV::SocialGraph& graph, int id) { graph.add(id); });
 }
 BENCHMARK(BM_SocialGraphAddAKnownPerson)->Apply(overCounts)->Complexity(benchmark::oLogN);
 
-/// Persons come in at the end of the order and go again.
+/// Persons come in at the end of the order and leave again.
 void BM_SocialGraphAddAndRemoveTheLast(benchmark::State& state)
 {
   const int last = static_cast<int>(state.range(0));
@@ -97,7 +97,7 @@ void BM_SocialGraphAddAndRemoveTheLast(benchmark::State& state)
 }
 BENCHMARK(BM_SocialGraphAddAndRemoveTheLast)->Apply(overCounts)->Complexity(benchmark::oLogN);
 
-/// Persons come in at the beginning of the order and go again: all others move over and back.
+/// Persons come in at the beginning of the order and leave again: all others are moved twice.
 void BM_SocialGraphAddAndRemoveTheFirst(benchmark::State& state)
 {
   useGraph(state, [](KV::SocialGraph& graph, int) {
@@ -129,7 +129,7 @@ std::vector<int> ids(std::int64_t count, Order order)
   return ids;
 }
 
-/// What keeping the persons in a sorted array costs; without the time that the end of the graph takes.
+/// The cost of keeping the persons in a sorted array; without the time for destroying the graph.
 void BM_SocialGraphAddMany(benchmark::State& state, Order order)
 {
   const std::vector<int> arrivals = ids(state.range(0), order);
@@ -165,7 +165,7 @@ public:
   }
   ObservedPerson(const ObservedPerson&) = delete;
   ObservedPerson& operator=(const ObservedPerson&) = delete;
-  ~ObservedPerson() { _graph.remove(_id); }  // who comes next under this id begins at the epoch
+  ~ObservedPerson() { _graph.remove(_id); }  // the next person with this id begins at the epoch
 
   void update()
   {
@@ -187,7 +187,7 @@ private:
 
 constexpr std::int64_t rate = 30;
 
-/// The others are only there.
+/// The other persons are only in the graph.
 void BM_SocialGraphObserveOneOfMany(benchmark::State& state)
 {
   KV::SocialGraph graph;

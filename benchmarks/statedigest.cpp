@@ -171,7 +171,7 @@ void addQueries(Digest& digest, const KV::PersonState& state)
   add(digest, state.bodyLanguageState().bodyLanguageState(KV::BodyLanguageEaseDescription));
 }
 
-/// A text shows the sign of a NaN, which is as the compiler orders the operands.
+/// A text shows the sign of a NaN, which depends on the compiler's order of operands.
 std::string withoutSignsOfNan(std::string text)
 {
   constexpr std::string_view negative = "-nan";

@@ -7,7 +7,7 @@
 namespace benchmarks
 {
 
-/// Adds all that a person's state consists of, all that can be asked of it, and every remembered reading.
+/// Adds all numbers of a person's state, the results of all its queries, and every remembered reading.
 void add(Digest& digest, const KV::Person& person);
 
 }  // namespace benchmarks

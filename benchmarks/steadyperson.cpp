@@ -21,7 +21,7 @@ model::Nanoseconds timeNow()
   return ko::SystemClock::now().time_since_epoch().count();
 }
 
-/// Stands still, and counts how often it is read.
+/// Does not move, and counts how often it is read.
 class CountingClock : public ko::ClockSource
 {
 public:
@@ -39,7 +39,7 @@ private:
   ko::SystemClock::time_point _time;
 };
 
-/// The observation of fullobservation.hpp in the words of the model.
+/// The observation of fullobservation.hpp in the types of the model.
 model::Observation fullModelObservation(model::Nanoseconds time)
 {
   const auto wobble = static_cast<float>(time / 1000000 % 7);
@@ -76,7 +76,7 @@ double cpuTime()
   return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
 }
 
-/// Returns the bytes of the records that a new one at the front pushes on, over all memories.
+/// Returns the bytes of the records that a new one at the front moves, over all memories.
 std::size_t bytesMoved(std::int64_t rate)
 {
   const std::size_t ofShortHorizon = sizeof(KV::Timestamped<KV::HeadPosture>) + sizeof(KV::Timestamped<float>) +
@@ -127,7 +127,7 @@ Work SteadyPerson::countWork()
 UpdateTimes SteadyPerson::timeUpdates()
 {
   if (_kind == ClockKind::Wall)
-    _remember();  // the little time that passes is not enough for anything to be forgotten
+    _remember();  // too little time passes for a reading to be forgotten
   const std::vector<model::Observation> observations = _nextObservations();
   std::vector<KV::PersonObservation> forLibrary;
   for (const model::Observation& observation : observations)
@@ -157,7 +157,7 @@ UpdateTimes SteadyPerson::timeUpdates()
   return times;
 }
 
-/// Begins anew, with memories as they are after a time as long as the longest horizon.
+/// Starts again, with memories that are filled over the longest horizon.
 void SteadyPerson::_remember()
 {
   _library.emplace(1);
@@ -173,7 +173,7 @@ void SteadyPerson::_remember()
   }
 }
 
-/// On a manual clock they come at the rate of the sensors, on the wall clock as they are taken.
+/// On a manual clock readings come at the rate of the sensors, on the wall clock as fast as they are read.
 std::vector<model::Observation> SteadyPerson::_nextObservations()
 {
   const model::Nanoseconds step = _kind == ClockKind::Manual ? _period : 1;

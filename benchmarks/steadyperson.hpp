@@ -20,7 +20,7 @@ enum class ClockKind
   Wall     ///< as in a robot
 };
 
-/// What one update does, apart from holding it together.
+/// The counted operations of one update.
 struct Work
 {
   std::int64_t readings = 0;  ///< of the clock
@@ -36,8 +36,8 @@ struct UpdateTimes
   double model = 0.;
 };
 
-/// A person all of whose thirteen sensors have reported `rate` times a second for longer than anything is remembered:
-/// as the library knows her, and as the plain model does.
+/// A person whose thirteen sensors have all reported `rate` times a second for longer than the longest memory: once in
+/// the library, and once in the plain model.
 class SteadyPerson
 {
 public:

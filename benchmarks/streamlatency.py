@@ -13,7 +13,7 @@ RATE = 30.0  # [Hz]
 
 
 def observation(person, cycle):
-    """One face, turned a little to and fro, with everything that a camera tells."""
+    """One face, turned a little to and fro, with all readings of a camera."""
     angle = (cycle % 60) - 30
     return {
         "person": person,

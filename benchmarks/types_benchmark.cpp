@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Returns a person with numbers that take all their digits, as an estimate's do.
+/// Returns a person with numbers of full length, as in an estimate.
 KV::Person somebody()
 {
   KV::Person person(1234);

@@ -13,9 +13,9 @@ namespace benchmarks
 constexpr boost::chrono::milliseconds frameTime(100);
 constexpr int framesPerSecond = 10;
 
-/// People who come to a robot, stay for half a minute to ten, and leave; others come in their places.
+/// People who come to a robot, stay for half a minute to ten minutes, and leave; others take their places.
 ///
-/// Nobody comes twice: each has a number of their own.
+/// Nobody comes twice: each visitor has a number of their own.
 class Visitors
 {
 public:
@@ -27,10 +27,10 @@ public:
 
   Visitors(unsigned int seed, int places) : _random(seed), _places(static_cast<std::size_t>(places)) {}
 
-  /// Returns who is there; a visitor without a frame left goes after this one.
+  /// Returns the present visitors; a visitor without a frame left leaves after this one.
   const std::vector<Visitor>& present() const { return _present; }
 
-  /// Lets the next frame begin: fills empty places, sometimes.
+  /// Begins the next frame: fills empty places, sometimes.
   void beginFrame()
   {
     constexpr int shortestStay = 30 * framesPerSecond;
@@ -42,7 +42,7 @@ public:
       --visitor.framesLeft;
   }
 
-  /// Takes those who go out of the list, and calls `leave` with each.
+  /// Removes leaving visitors from the list, and calls `leave` with each.
   template <typename Leave>
   void endFrame(Leave leave)
   {
@@ -58,7 +58,7 @@ public:
     }
   }
 
-  /// Lets everybody go with this frame.
+  /// Makes all visitors leave with this frame.
   void closeTheDoors()
   {
     for (Visitor& visitor : _present)
@@ -68,7 +68,7 @@ public:
   /// Whether the camera sees a visitor in this frame: nearly always.
   bool isSeen() { return !_happens(0.1); }
 
-  /// Returns what the sensors tell of somebody at `time`: the face in each frame, and now and then something else.
+  /// Returns the sensor readings of a visitor at `time`: the face in each frame, and now and then another reading.
   KV::PersonObservation observation(ko::SystemClock::time_point time)
   {
     const KV::PersonObservation full = fullObservation(time);

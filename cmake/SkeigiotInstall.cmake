@@ -1,5 +1,5 @@
-# What an install holds beside the libraries and the command: package files, so that a project elsewhere finds the
-# libraries with find_package(skeigiot) or pkg-config, and the manual pages and shell completion of the command.
+# The parts of an install besides the libraries and the command: package files, so that a project elsewhere finds the libraries
+# with find_package(skeigiot) or pkg-config, and the manual pages and shell completion of the command.
 
 include(CMakePackageConfigHelpers)
 
@@ -13,7 +13,7 @@ install(EXPORT skeigiotTargets NAMESPACE skeigiot:: DESTINATION ${package_dir} C
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/skeigiotConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/skeigiotConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
-# pkg-config: the prefix is found from where the file lies, so that an install can be moved.
+# pkg-config: the prefix is computed from the place of the file, so that an install can be moved.
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH SKEIGIOT_PKGCONFIG_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" SKEIGIOT_PKGCONFIG_TO_PREFIX "${SKEIGIOT_PKGCONFIG_TO_PREFIX}")

@@ -1,4 +1,4 @@
-# The Debian packages, one for each component of an install; script/package makes them, with all set that they need.
+# The Debian packages, one for each component of an install; script/package makes them, with all settings that they need.
 
 set(SKEIGIOT_MAINTAINER "The skeigiot developers <developers@skeigiot.invalid>"
     CACHE STRING "Who maintains the packages: name and address, as in the field Maintainer")
@@ -22,7 +22,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE ${SKEIGIOT_PACKAGE_REVISION})
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "${SKEIGIOT_MAINTAINER}")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# What a package needs of ours is told below; the rest is found in its programs and libraries.
+# Dependencies on our own packages are listed below; the others are detected in the programs and libraries.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/libko ${PROJECT_BINARY_DIR}/libemotion
                                                 ${PROJECT_BINARY_DIR}/librecordings ${PROJECT_BINARY_DIR}/libsession)
@@ -54,7 +54,7 @@ libraries, static libraries of the estimate, and the files for CMake and
 pkg-config.")
 
 if(SKEIGIOT_BUILD_TOOLS)
-  # The interfaces of these two may change with each version, so what uses them needs the very version it was built with.
+  # The interfaces of these two may change with each version, so programs that use them need exactly the version of their build.
   get_target_property(soversion skeigiot-recordings SOVERSION)
   set(recordings_package libskeigiot-recordings${soversion})
   get_target_property(soversion skeigiot-session SOVERSION)
@@ -98,6 +98,22 @@ whether they attend to it, from all readings that the robot has of them.
 This package holds the command skeigiot. It replays recordings of OpenFace,
 py-feat, MediaPipe, Live Link Face and ROS 2, shows the forces that moved an
 estimate, writes an HTML report, and answers live observations line by line.")
+endif()
+
+if(TARGET skeigiot-ros2)
+  list(APPEND CPACK_COMPONENTS_ALL ros)
+  set(CPACK_DEBIAN_ROS_PACKAGE_NAME skeigiot-ros)
+  set(CPACK_DEBIAN_ROS_PACKAGE_SECTION science)
+  set(CPACK_DEBIAN_ROS_PACKAGE_DEPENDS "skeigiot-tools ${same_version}")
+  set(CPACK_DEBIAN_ROS_DESCRIPTION
+      "estimate of how persons in front of a robot feel and attend (ROS 2)
+For each person in front of a robot, skeigiot estimates how they feel and
+whether they attend to it, from all readings that the robot has of them.
+
+This package holds what makes the command 'skeigiot ros' a node of ROS 2,
+which reads the topics of ROS4HRI and publishes the engagement and the
+valence of each person. It speaks DDS, and needs no installation of ROS. A
+unit of systemd is there to be enabled.")
 endif()
 
 if(TARGET skeigiot-python)

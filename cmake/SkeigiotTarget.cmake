@@ -1,4 +1,4 @@
-# What every target of the project is built with, and how its libraries are made.
+# The settings of every target of the project, and how its libraries are made.
 
 set(skeigiot_exports ${CMAKE_CURRENT_LIST_DIR}/exports.map)
 if(SKEIGIOT_HARDENED)
@@ -6,7 +6,7 @@ if(SKEIGIOT_HARDENED)
   check_pie_supported(LANGUAGES CXX)
 endif()
 
-# Language, warnings, floating-point rules and, where asked for, sanitizers and coverage.
+# Language, warnings, floating-point rules and, on request, sanitizers and coverage.
 #
 # The estimate is fixed to the last bit, so the compiler must not contract a product and a sum into one operation.
 function(skeigiot_configure_target target)
@@ -24,8 +24,8 @@ function(skeigiot_configure_target target)
     target_link_options(${target} PRIVATE -fsanitize=${SKEIGIOT_SANITIZE})
   endif()
   if(SKEIGIOT_COVERAGE)
-    # Only functions of the two libraries are counted, in whichever program they are compiled; and not what the compiler
-    # adds to a static variable for two threads that need it for the first time at once.
+    # Only functions of the two libraries are counted, in any program that has them; code that the compiler adds to a static
+    # variable, for two threads that need it for the first time at once, is not.
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fno-threadsafe-statics
                                              -fprofile-filter-files=/lib\(ko|emotion\)/\(include|src\)/)
     target_link_options(${target} PRIVATE --coverage)
@@ -35,8 +35,8 @@ function(skeigiot_configure_target target)
   endif()
 endfunction()
 
-# What makes a mistake harder to exploit: programs at random addresses, nothing writable that the loader has filled in,
-# guarded stacks, and checked calls of the C library (which need an optimising compiler).
+# Settings that make a mistake harder to exploit: programs at random addresses, tables of the loader read-only, guarded stacks,
+# and checked calls of the C library (which need an optimising compiler).
 function(skeigiot_harden_target target)
   set(optimised $<NOT:$<CONFIG:Debug>>)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -46,13 +46,13 @@ function(skeigiot_harden_target target)
 endfunction()
 
 # Makes the shared library `name` (alias `alias`) and the static library `name`-static (alias `alias`-static), through
-# which tests reach what is private. Both are made of the same objects, `name`-objects, so that each source is compiled
+# which tests can use private code. Both are made of the same objects, `name`-objects, so that each source is compiled
 # once.
 #
 #   SOURCES        the sources
 #   LINKS          libraries of ours that its headers need
-#   PRIVATE_LINKS  what only the sources need
-#   PRECOMPILED    more headers of others that many sources include, see SkeigiotPrecompiled.cmake
+# PRIVATE_LINKS  libraries that only the sources need
+# PRECOMPILED    more headers of other libraries that many sources include, see SkeigiotPrecompiled.cmake
 #   VERSION        of the interface, its first number is the SOVERSION; the project's version by default
 #   COMPONENT      of an install, and so the package, that has the shared library; "runtime" by default
 #   STATIC_INSTALLED  the static library is installed as well

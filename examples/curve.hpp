@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// A course over time, drawn by the points that it runs through in straight lines; level before the first and behind
-/// the last.
+/// A curve over time: straight lines through its points; constant before the first point and after the
+/// last.
 class Curve
 {
 public:

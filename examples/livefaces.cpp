@@ -22,7 +22,7 @@ namespace
 constexpr int person = 7;
 constexpr int frames = 180;
 
-// What a camera and a face analyser would tell of one frame: somebody turns to the camera and smiles. The face is lost
+// The readings of a camera and a face analyser in one frame: a person turns to the camera and smiles. The face is lost
 // for some frames.
 KV::recordings::Face faceIn(int frame)
 {
@@ -30,8 +30,8 @@ KV::recordings::Face faceIn(int frame)
   KV::recordings::Face face;
   face.confidence = frame >= 50 && frame < 60 ? 0.2f : 0.95f;
   face.pose.position = {0.31, 0.12, 1.1};                                     // [m] right, down, forward of the camera
-  face.pose.headPosture = KV::HeadPosture(25.f * std::cos(phase), 4.f, 1.f);  // [deg] own right, up, own right shoulder
-  face.pose.gaze = KV::Gaze(-20.f * std::cos(phase), 3.f);                    // [deg] own left, up
+  face.pose.headPosture = KV::HeadPosture(25.f * std::cos(phase), 4.f, 1.f);  // [deg] right, up, right shoulder
+  face.pose.gaze = KV::Gaze(-20.f * std::cos(phase), 3.f);                    // [deg] left, up
   face.actionUnits.emplace();
   face.actionUnits->fullScale = 1.f;  // this analyser gives shares
   face.actionUnits->intensity[6] = 0.5f + 0.4f * std::sin(phase);
@@ -66,8 +66,8 @@ int main(int argc, char** argv)
   const KV::recordings::FaceAdapter adapter(options);
   KV::recordings::RestingFace rest;  // of this person, learned as faces come
 
-  // In each cycle the clock of this thread stands at the time of the frame, as it does in a replay. Without that the
-  // estimate is the same but for the microseconds that pass while it is made, and the replay not the same to the bit.
+  // In each cycle the clock of this thread shows the time of the frame, as in a replay. Otherwise time would pass
+  // during an update, so the estimate, and with it the replay, would differ by some bits.
   ko::SystemClock::time_point time = ko::SystemClock::now();
   ko::ManualClock clock(time);
   const ko::ScopedClockSource scope(clock);

@@ -1,6 +1,6 @@
 /// Makes a recording of a minute in front of a robot, as a script: two persons come, are greeted, and one leaves.
 ///
-/// usage: makegreeting FILE    writes our own JSON Lines; the same bytes at every run
+/// usage: makegreeting FILE    writes JSON Lines of skeigiot; the same bytes at every run
 
 #include "curve.hpp"
 
@@ -28,7 +28,7 @@ constexpr SystemClock::time_point beginning{boost::chrono::seconds(1577836800)};
 constexpr milliseconds cycle(100);
 constexpr milliseconds duration(60000);
 
-/// A stretch of time [s]; the start belongs to it, the end does not.
+/// A time span [s]; its start is included, its end is not.
 struct Stretch
 {
   float from;
@@ -37,7 +37,7 @@ struct Stretch
   bool contains(float time) const { return from <= time && time < to; }
 };
 
-/// Something that a person does once.
+/// An event in the life of a person.
 template <typename T>
 struct Event
 {
@@ -45,7 +45,7 @@ struct Event
   T what;
 };
 
-/// The part of one person.
+/// The script of one person.
 struct Role
 {
   std::int32_t id;
@@ -59,12 +59,12 @@ struct Role
   Curve sorrow;
   Curve surprise;
   Curve voiceJoy;
-  std::vector<Event<float>> words;  // valence of what was said
+  std::vector<Event<float>> words;  // valence of the words
   std::vector<Event<std::int32_t>> touches;
   std::vector<Event<KV::ContextEmotion>> contexts;
 };
 
-/// She comes from the side, is greeted, talks, strokes the robot, and waves goodbye.
+/// The first person comes from the side, is greeted, talks, strokes the robot, and waves goodbye.
 Role visitor()
 {
   return {1,
@@ -91,7 +91,7 @@ Role visitor()
           {}};
 }
 
-/// He keeps away, has had a bad day, says so, and is won over by a song.
+/// The second person keeps away, has had a bad day, says so, and is cheered up by a song.
 Role doubter()
 {
   return {2,
@@ -110,9 +110,9 @@ Role doubter()
           {{40.f, KV::ContextEmotion(1, 4.f)}}};
 }
 
-/// The robot turns from her to him.
+/// The robot turns from one person to the other.
 const Curve robotHeadYaw = {{30.f, -8.f}, {32.f, 22.f}, {36.f, 22.f}, {38.f, 5.f}};
-/// How much goes on in the room.
+/// How much activity there is in the room.
 const Curve roomActivity = {{0.f, 0.005f}, {2.f, 0.05f},  {8.f, 0.02f}, {20.f, 0.06f},
                             {30.f, 0.03f}, {54.f, 0.05f}, {60.f, 0.01f}};
 
@@ -137,10 +137,10 @@ bool anyContains(const std::vector<Stretch>& stretches, float time)
   return std::any_of(stretches.begin(), stretches.end(), contains);
 }
 
-/// Puts the event that falls into the cycle from `time` on, if there is one, into the reading.
+/// Sets the reading to the event in the cycle from `time` on, if there is one.
 template <typename T>
-void tell(const std::vector<Event<T>>& events, float time, SystemClock::time_point now,
-          KV::PersonObservation::Reading<T>& reading)
+void setReading(const std::vector<Event<T>>& events, float time, SystemClock::time_point now,
+                KV::PersonObservation::Reading<T>& reading)
 {
   for (const Event<T>& event : events)
     if (std::fabs(event.time - time) < 0.01f)
@@ -178,7 +178,7 @@ KV::PersonObservation observe(const Role& role, float time, SystemClock::time_po
   const float yaw = role.headYaw(time) + tremor(0.8f);
   const float pitch = role.headPitch(time) + tremor(0.8f);
   const float roll = tremor(1.f);
-  // Not among the arguments: compilers evaluate those in an order of their own.
+  // Not inside the argument list: compilers choose its order of evaluation.
   const float gazePitch = 0.9f * pitch + tremor(1.5f);
   const float gazeYaw = -0.9f * yaw + tremor(1.5f);
 
@@ -201,9 +201,9 @@ KV::PersonObservation observe(const Role& role, float time, SystemClock::time_po
     voice.KV::Expressions::joy = {role.voiceJoy(time), 0.7f};
     observation.voiceEmotion = KV::Timestamped(now, voice);
   }
-  tell(role.words, time, now, observation.asrEmotion);
-  tell(role.touches, time, now, observation.touchEmotion);
-  tell(role.contexts, time, now, observation.contextEmotion);
+  setReading(role.words, time, now, observation.asrEmotion);
+  setReading(role.touches, time, now, observation.touchEmotion);
+  setReading(role.contexts, time, now, observation.contextEmotion);
   return observation;
 }
 
@@ -218,7 +218,7 @@ KV::recordings::Step stepOf(const Role& role, float time, SystemClock::time_poin
   return entry;
 }
 
-/// What the room tells, and which scopes begin and end, in the cycle from `time` on.
+/// The readings of the room, and the scopes that begin and end, in the cycle from `time` on.
 KV::recordings::Step roomStep(milliseconds sinceStart, SystemClock::time_point now)
 {
   const auto ms = sinceStart.count();

@@ -26,7 +26,7 @@
 #include <string_view>
 #include <vector>
 
-/// What is made of recordings to be shown: the input is a recording of any format, or lines of a stream.
+/// The views of recordings: the input is a recording of any format, or lines of a stream.
 namespace fuzz
 {
 
@@ -60,7 +60,7 @@ KV::session::Inquiry inquiryOf(const InputAsFile& file)
   return inquiry;
 }
 
-/// Asks, and shows the answer in every form.
+/// Asks a question, and shows the answer in every form.
 template <typename Ask>
 void explain(const Ask& ask)
 {

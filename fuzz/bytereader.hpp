@@ -11,7 +11,7 @@
 namespace fuzz
 {
 
-/// Takes values from a string of bytes, from its front; behind its end all are 0.
+/// Takes values from the front of a string of bytes; after its end all are 0.
 class ByteReader
 {
 public:
@@ -35,7 +35,7 @@ public:
 
   bool flag() { return below(2) == 1; }
 
-  /// Takes a float: of a plain size, of any bits, or one of those that are borders somewhere.
+  /// Takes a float: of a plain size, of any bits, or one of the usual limits.
   float anyFloat()
   {
     using Limits = std::numeric_limits<float>;

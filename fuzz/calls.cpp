@@ -23,21 +23,21 @@
 #include <utility>
 #include <vector>
 
-/// Sequences of calls to the library: bytes say which, on whom and with what. Two replicas take the same calls, one of
-/// them in halves and watched, and must never differ by a bit.
+/// Sequences of calls to the library: bytes choose the call, the person and the arguments. Two replicas get the same
+/// calls, one of them in halves and observed, and must never differ by a bit.
 namespace fuzz
 {
 
 namespace
 {
 
-constexpr int mostCalls = 200;  // an update reads all that is remembered, so long sequences take long
+constexpr int mostCalls = 200;  // an update reads the whole memory, so long sequences take long
 
 using Time = ko::SystemClock::time_point;
 using boost::chrono::nanoseconds;
 using boost::chrono::seconds;
 
-/// Keeps what the library warns of from standard error.
+/// Keeps the library's warnings away from standard error.
 void silenceLog()
 {
   [[maybe_unused]] static const ko::log::HandlerId id = ko::log::addHandler([](const ko::log::Record&) {});
@@ -80,7 +80,7 @@ public:
   }
 
 private:
-  /// Around now, or any time at all.
+  /// Near the present time, or any time at all.
   Time _time()
   {
     if (_bytes.below(16) == 0)
@@ -115,7 +115,7 @@ private:
   Time _now;
 };
 
-/// What the library keeps for a robot.
+/// The library's objects for one robot.
 struct Replica
 {
   KV::SocialGraph graph;
@@ -138,7 +138,7 @@ bool isWithin(float value, float least)
   return std::isnan(value) || (value >= least && value <= 1.f);
 }
 
-/// Holds for whatever readings; that which is not a number stays in a value, but never in a confidence.
+/// Must hold for all readings; a NaN stays in a value, but never in a confidence.
 void expectInRange(const KV::PersonState& state)
 {
   expect(isWithin(state.personValence().value, -1.f), "the valence is in its range");
@@ -164,7 +164,7 @@ void expectSame(const KV::PersonState& left, const KV::PersonState& right)
   expect(sameBits(left.headHeight(), right.headHeight()), "replicas have one head height");
 }
 
-void expectTellsAndTravels(const KV::Person& person)
+void expectTextAndCopies(const KV::Person& person)
 {
   std::ostringstream text;
   text << person << person.personState;
@@ -192,7 +192,7 @@ void expectSame(const Replica& left, const Replica& right)
          "replicas have one agitation, in its range");
 }
 
-/// Takes calls from the bytes and makes them, on both replicas.
+/// Reads calls from the bytes and makes them, on both replicas.
 class Calls
 {
 public:
@@ -206,7 +206,7 @@ public:
       expectSame(_plain, _watched);
     }
     for (const KV::Person& person : _plain.graph.persons())
-      expectTellsAndTravels(person);
+      expectTextAndCopies(person);
   }
 
 private:

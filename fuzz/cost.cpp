@@ -26,8 +26,8 @@ namespace fuzz
 namespace
 {
 
-// What a target may take: of any input, and for each of its bytes. Most is for few bytes: a line that names a person
-// makes the memory of that person, and a report keeps each update.
+// The budget of a target: for any input, and for each of its bytes. Small inputs need the most for each byte: a line
+// that names a person creates the memory of that person, and a report keeps each update.
 constexpr std::int64_t memoryOfAny = std::int64_t{128} << 20U;  // [bytes]
 constexpr std::int64_t memoryPerByte = 4096;
 constexpr std::int64_t writtenOfAny = std::int64_t{1} << 20U;  // [bytes]
@@ -50,7 +50,7 @@ void noteFreed(const volatile void* memory)
   held -= static_cast<std::int64_t>(__sanitizer_get_allocated_size(memory));
 }
 
-/// Tells whether memory is counted by the sanitizer; else the kernel tells.
+/// Returns whether the sanitizer counts the memory; else the kernel's figures are used.
 bool countsMemory()
 {
   static const bool counts = __sanitizer_install_malloc_and_free_hooks != nullptr &&
@@ -59,7 +59,7 @@ bool countsMemory()
   return counts;
 }
 
-/// Returns a number of a file of the kernel, "name: number"; 0 if there is none.
+/// Returns a number from a file of the kernel, "name: number"; 0 if the name is missing.
 std::int64_t numberIn(const char* path, const std::string& name)
 {
   std::ifstream file(path);
@@ -93,7 +93,7 @@ double secondsOfProcessor()
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-/// What was taken since it was made.
+/// The resources used since the object was made.
 class Cost
 {
 public:
@@ -106,7 +106,7 @@ public:
       return;
     }
     malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";  // begins VmHWM anew
+    std::ofstream("/proc/self/clear_refs") << "5";  // resets VmHWM
     _memory = residentMemory();
   }
 

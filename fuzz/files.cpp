@@ -9,7 +9,7 @@
 #include <functional>
 #include <string_view>
 
-/// Files that are no recordings by themselves, and the messages in a bag.
+/// Files that are not recordings, and the messages in a bag.
 namespace fuzz
 {
 
@@ -37,7 +37,7 @@ void readBlocks(const std::string& path)
     expect(!block.empty(), "a block holds something");
 }
 
-/// Tells whether the reading went well to its end.
+/// Returns whether the reading reached the end without a fault.
 template <typename Read>
 bool succeeds(Read read)
 {

@@ -6,7 +6,7 @@
 namespace fuzz
 {
 
-/// The input as a file in memory, for what reads files; gone with the object.
+/// The input as a file in memory, for functions that read files; removed with the object.
 class InputAsFile
 {
 public:
@@ -15,7 +15,7 @@ public:
   InputAsFile(const InputAsFile&) = delete;
   InputAsFile& operator=(const InputAsFile&) = delete;
 
-  /// Returns by which path it may be opened, as often as one likes.
+  /// Returns the path with which it can be opened, any number of times.
   std::string path() const { return "/proc/self/fd/" + std::to_string(_file); }
 
 private:

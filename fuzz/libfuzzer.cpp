@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// The entry of libFuzzer; the environment variable FUZZ_TARGET says which target it is for.
+/// The entry of libFuzzer; the environment variable FUZZ_TARGET names the target.
 
 namespace
 {

@@ -16,8 +16,8 @@
 #include <string_view>
 #include <vector>
 
-/// Sequences of the messages of a bag: bytes say which topic, what it holds and how much later it came. Frames refer to
-/// each other in trees and in circles. SQLite, which is not built for fuzzing, stays out of it.
+/// Sequences of the messages of a bag: bytes choose the topic, the content and how much later it came. Frames refer to
+/// each other in trees and in circles. SQLite is not built for fuzzing, so it is left out.
 namespace fuzz
 {
 
@@ -139,7 +139,7 @@ Message otherMessage(ByteReader& bytes)
   }
 }
 
-/// A message that fits some topic, or none.
+/// A message of any topic, or an invalid one.
 Message anyMessage(ByteReader& bytes)
 {
   switch (bytes.below(8))

@@ -21,9 +21,9 @@ namespace
 
 using KV::recordings::Step;
 
-constexpr int mostSteps = 200;  // of one input; what comes behind is more of the same
+constexpr int mostSteps = 200;  // of one input; further steps would test nothing new
 
-/// Readings under each of several options; which is chosen by the length of the input, so that an input stays a file.
+/// Reads with each of several options; the length of the input chooses the options, so that an input stays a file.
 KV::recordings::ReadingOptions optionsFor(std::size_t length)
 {
   KV::recordings::ReadingOptions options;
@@ -48,14 +48,14 @@ KV::recordings::ReadingOptions optionsFor(std::size_t length)
   return options;
 }
 
-/// What was read can be written, and reads back as the same.
+/// All steps that were read can be written, and read back as the same.
 void expectRoundTrip(const Step& step)
 {
   const std::string text = KV::recordings::stepToJson(step);
   expect(KV::recordings::stepToJson(KV::recordings::stepFromJson(text)) == text, "a step reads back as it was written");
 }
 
-/// Looks at each step on its way into a session.
+/// Checks each step on its way into a session.
 class Steps : public KV::session::SessionObserver
 {
 public:
@@ -131,9 +131,24 @@ void fuzzRosbag2(std::string_view input)
   play(input, "rosbag2");
 }
 
+void fuzzLibreface(std::string_view input)
+{
+  play(input, "libreface");
+}
+
 void fuzzTidy(std::string_view input)
 {
   play(input, "tidy");
+}
+
+void fuzzWhisper(std::string_view input)
+{
+  play(input, "whisper");
+}
+
+void fuzzXdf(std::string_view input)
+{
+  play(input, "xdf");
 }
 
 void fuzzJsonl(std::string_view input)

@@ -25,7 +25,7 @@ int replay(const fuzz::Target& target, const std::filesystem::path& folder)
   int files = 0;
   for (const auto& entry : std::filesystem::directory_iterator(folder))
   {
-    std::cout << entry.path().filename().string() << std::endl;  // known even if the next line ends the program
+    std::cout << entry.path().filename().string() << std::endl;  // visible even if the next line ends the program
     fuzz::runWithinBudget(target, contentOf(entry.path()));
     ++files;
   }

@@ -8,12 +8,12 @@
 #include <vector>
 
 /// \file
-/// What is fuzzed: functions that take any bytes and must neither crash nor break what they are held to.
+/// The functions under test: they take any bytes, must not crash, and must keep their promises.
 
 namespace fuzz
 {
 
-/// One thing that takes bytes from outside. The corpus of `name` lies in corpus/<name>/.
+/// One function that takes bytes from outside. The corpus of `name` is in corpus/<name>/.
 struct Target
 {
   std::string_view name;
@@ -32,24 +32,31 @@ void fuzzBlendshapes(std::string_view input);
 void fuzzLivelink(std::string_view input);
 void fuzzRosbag2(std::string_view input);
 void fuzzTidy(std::string_view input);
+void fuzzLibreface(std::string_view input);
+void fuzzWhisper(std::string_view input);
+void fuzzXdf(std::string_view input);
 void fuzzJsonl(std::string_view input);
-void fuzzAnyRecording(std::string_view input);  ///< the format is found out
+void fuzzAnyRecording(std::string_view input);  ///< the format is detected
 void fuzzMapping(std::string_view input);
 void fuzzLabels(std::string_view input);
 void fuzzGzip(std::string_view input);
 void fuzzRosMessages(std::string_view input);
 void fuzzStream(std::string_view input);
+void fuzzServe(std::string_view input);  ///< lines as bodies and headers of requests
+void fuzzStudy(std::string_view input);
 void fuzzJson(std::string_view input);
 void fuzzCbor(std::string_view input);
 void fuzzCalls(std::string_view input);
-void fuzzMessages(std::string_view input);  ///< of bags, made of the bytes
+void fuzzMessages(std::string_view input);  ///< of bags, made from the bytes
+void fuzzMcap(std::string_view input);
+void fuzzBagMetadata(std::string_view input);
 void fuzzReport(std::string_view input);
 void fuzzInspect(std::string_view input);
 void fuzzWhy(std::string_view input);
 void fuzzWatch(std::string_view input);
 /// @}
 
-/// Ends the program with what was expected and is not so; a finding for the fuzzer.
+/// Ends the program with the broken expectation; a finding for the fuzzer.
 inline void expect(bool holds, const char* what)
 {
   if (holds)

@@ -25,7 +25,7 @@ namespace
 using ko::Value;
 using Bytes = std::vector<std::uint8_t>;
 
-/// The types that the bytes are asked to become; together they have every kind.
+/// The types into which the bytes are decoded; together they have every kind.
 const std::vector<ko::TypeInterface*>& wantedTypes()
 {
   using Nested = std::map<std::string, std::vector<std::optional<std::pair<std::int8_t, double>>>>;
@@ -36,24 +36,24 @@ const std::vector<ko::TypeInterface*>& wantedTypes()
   return types;
 }
 
-/// Whatever was decoded can be encoded both ways, and decodes to the same.
+/// Everything that was decoded can be encoded both ways, and decodes to the same.
 void expectRoundTrips(const Value& value, ko::TypeInterface* type)
 {
   const std::string text = ko::json::encode(value);
-  if (type->kind() != ko::TypeKind::Dynamic)  // in which a number that JSON has no form for is a text
+  if (type->kind() != ko::TypeKind::Dynamic)  // in which a number that JSON cannot write is a text
     expect(ko::json::decode(text, type) == value, "a value comes back from JSON");
   expect(ko::cbor::decode(ko::cbor::encode(value), type) == value, "a value comes back from CBOR");
   expect(value.detached() == value, "a detached value is the same");
 }
 
-/// What is of no type in particular.
+/// A value without a given type.
 void expectRoundTrips(const Value& value)
 {
   ko::json::encode(value);
   expect(ko::cbor::decode(ko::cbor::encode(value)) == value, "a dynamic value comes back from CBOR");
 }
 
-/// Hands what can be decoded to `check`.
+/// Passes each value that can be decoded to `check`.
 template <typename Decode, typename Check>
 void decodeAnd(Check check, Decode decode)
 {

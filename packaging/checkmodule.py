@@ -1,4 +1,4 @@
-"""Fails unless the Python module says the same of a recording as the command, which exported it.
+"""Fails unless the Python module replays a recording with the same result as the command, which exported it.
 
 usage: checkmodule.py RECORDING EXPORT
 """

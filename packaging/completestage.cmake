@@ -11,7 +11,7 @@ function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-# The same bytes for the same contents: neither name nor time goes into the result.
+# The same bytes for the same contents: the result contains neither name nor time.
 function(compress file target)
   execute_process(COMMAND gzip -9 -n -c ${file} OUTPUT_FILE ${target} COMMAND_ERROR_IS_FATAL ANY)
   file(CHMOD ${target} PERMISSIONS ${for_all_to_read})
@@ -54,8 +54,8 @@ function(add_documents stage package)
   endif()
 endfunction()
 
-# Which package, of which version, a program depends on that uses a library, or a symbol of it. A library whose interface is
-# recorded stays compatible; of another, only the same version will do.
+# On which package, of which version, a program depends that uses a library, or a symbol of it. A library whose interface is
+# recorded stays compatible; for other libraries, only the same version is.
 function(write_library_control stage package component)
   file(GLOB libraries ${stage}/usr/lib/*/lib*.so.[0-9])
   if(NOT libraries)

@@ -79,7 +79,7 @@ int runAndReport(int argc, char** argv)
   }
   catch (const KV::tools::Interrupted& interrupted)
   {
-    std::raise(interrupted.signal);  // shows the parent process how the program ended
+    std::raise(interrupted.signal);  // shows the parent process the cause of the program's end
   }
   catch (const std::bad_alloc&)
   {
@@ -92,7 +92,7 @@ int runAndReport(int argc, char** argv)
   return KV::tools::Failure;
 }
 
-/// For what ends a program on the spot, such as an exception of a destructor: libraries have some that need memory.
+/// For errors that end a program at once, such as an exception of a destructor: some libraries' destructors allocate.
 [[noreturn]] void endWithoutMemory()
 {
   try
@@ -113,7 +113,7 @@ int runAndReport(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-  // A closed pipe, and a file that has reached the greatest size allowed, are noticed when they are written to.
+  // A closed pipe, and a file of the greatest allowed size, are noticed when they are written to.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   std::set_terminate(endWithoutMemory);

@@ -1,4 +1,4 @@
-"""Defaults of the action units against other values, over all recordings that say something of them."""
+"""Defaults of the action units against other values, over all recordings that have them."""
 
 import conversations
 import news

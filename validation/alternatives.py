@@ -1,4 +1,4 @@
-"""Other values of the defaults by which action units become readings."""
+"""Other values of the defaults that turn action units into readings."""
 
 import json
 from typing import NamedTuple, Optional

@@ -32,7 +32,7 @@ class Person(NamedTuple):
 
 
 class Face(NamedTuple):
-    """What the recording itself says of a person: medians over all samples."""
+    """The recording's own data on a person: medians over all samples."""
 
     samples: int
     angle_to_camera: float

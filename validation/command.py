@@ -24,13 +24,13 @@ class State(NamedTuple):
 
 
 def held(states, number, per_second):
-    """The states that hold at so many times from the first on, so many of them a second: of the last update until then."""
+    """The states at so many times from the first on, so many of them a second: each of the last update before."""
     times = [state.time for state in states]
     return [states[bisect_right(times, times[0] + index / per_second + ROUNDING) - 1] for index in range(number)]
 
 
 class Command:
-    """The skeigiot command, and a folder for the files that it is given."""
+    """The skeigiot command, and a folder for its input files."""
 
     def __init__(self, program, folder):
         self._program = program
@@ -49,7 +49,7 @@ class Command:
         return states
 
     def as_json_lines(self, recording, *options):
-        """The recording in the own format."""
+        """The recording in our own format."""
         return self._replay(recording, "--to-jsonl", "-", *options)
 
     def agreement(self, recording, labels, *options):

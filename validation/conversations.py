@@ -22,7 +22,7 @@ MEASURES = ["valence with AU12_r (D4)", "valence above 0.2 with a clear smile, w
 
 
 class Person(NamedTuple):
-    """A person in a conversation: what was coded, and what was estimated, frame by frame."""
+    """A person in a conversation: the codes and the estimates, frame by frame."""
 
     conversation: str
     name: str
@@ -67,7 +67,7 @@ def _persons(command, conversations, *options, away=AWAY):
 
 
 def _as_openface(command, name, rows, away):
-    """A file as OpenFace would have written it, had it seen the eyes where they were coded."""
+    """A file like one of OpenFace whose eyes look in the coded directions."""
     return command.written_table(
         f"conversation_{name}.csv", COLUMNS,
         [_openface_row(row["frame"], number, row, letter, away) for row in rows for number, letter in enumerate("AB")])
@@ -78,7 +78,7 @@ def _openface_row(frame, number, row, letter, away):
 
 
 def gaze_labels(data):
-    """A table of OpenFace with all persons, and labels of what was coded of their gaze, as rows."""
+    """A table of OpenFace with all persons, and labels of their coded gaze, as rows."""
     recording, labels = [], []
     for first, rows in zip(range(0, 2 * len(NAMES), 2), _conversations(data).values()):
         for number, letter in enumerate("AB", first):
@@ -189,7 +189,7 @@ def _valence_of_clear_smiles(persons):
 
 
 def _answers(persons, series):
-    """Mean correlation of those who talk with each other, and of all others."""
+    """Mean correlation of partners in a conversation, and of all other pairs."""
     pairs = [(one, other) for index, one in enumerate(persons) for other in persons[index + 1:]]
     return tuple(mean(correlation(series(one), series(other)) for one, other in pairs
                       if (one.conversation == other.conversation) == together) for together in (True, False))

@@ -1,6 +1,6 @@
 """Faces with the label of an emotion: acted clips by OpenFace, pictures by MediaPipe and by py-feat.
 
-A set that is not at hand is left out of the tables."""
+A set that is not installed is left out of the tables."""
 
 from collections import defaultdict
 

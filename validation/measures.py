@@ -20,7 +20,7 @@ def share(conditions):
 
 
 def correlation(xs, ys):
-    """Pearson's; 0 if one of them does not vary, since it then says nothing about the other."""
+    """Pearson's; 0 if one of them does not vary."""
     mean_x, mean_y = mean(xs), mean(ys)
     deviations_x = [x - mean_x for x in xs]
     deviations_y = [y - mean_y for y in ys]

@@ -1,4 +1,4 @@
-"""Persons in front of a robot that makes three mistakes: gaze by OpenFace, and what happened when."""
+"""Persons in front of a robot that makes three mistakes: gaze by OpenFace, and a list of events."""
 
 from collections import defaultdict
 from typing import NamedTuple
@@ -14,7 +14,7 @@ REACTIONS = ["confusion", "frustration"]
 
 
 class Person(NamedTuple):
-    """Attention of a person, frame by frame, and the spans [s] of what happened."""
+    """Attention of a person, frame by frame, and the time spans [s] of the events."""
 
     name: str
     attentions: list
@@ -38,7 +38,7 @@ def validate(command, data):
 
 
 def rows_by_person(data):
-    """The rows of each person, by her number."""
+    """The rows of each person, by the person's number."""
     rows = defaultdict(list)
     for row in rows_of(data / "hri_gaze" / "badrobots_gaze_p2-8.csv.gz"):
         rows[_number(row["participant"])].append(row)

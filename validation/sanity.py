@@ -1,4 +1,4 @@
-"""What must hold for every recording: a state for each row, in range; and valence follows smiles found otherwise."""
+"""Conditions for every recording: a state for each row, in range; and valence follows smiles found otherwise."""
 
 from typing import NamedTuple
 
@@ -18,7 +18,7 @@ TALKING_FACE = "openface/livetalking_au.csv.gz"  # the only one in which AU06_c 
 
 
 class Count(NamedTuple):
-    """How many states came of the rows of a recording."""
+    """The number of states from the rows of a recording."""
 
     recording: str
     rows: int
@@ -61,7 +61,7 @@ def _counts_of_bags(command, data):
 
 
 def _rows_with_a_face(path):
-    """All rows but those with empty fields at their ends, by which Live Link Face tells of a lost face."""
+    """All rows except those with empty fields at their ends, which Live Link Face writes for a lost face."""
     return sum(None not in row.values() for row in rows_of(path))
 
 

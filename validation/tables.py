@@ -8,7 +8,7 @@ from measures import share
 
 
 class Check(NamedTuple):
-    """What must hold, and whether it does."""
+    """A condition, and whether it is met."""
 
     number: str
     expectation: str
@@ -27,7 +27,7 @@ def table(header, rows):
 
 
 def number(value):
-    """Two places, which hide the last bits in which machines may differ."""
+    """Two decimals, so that differences between machines in the last bits do not show."""
     text = f"{value:.2f}"
     return "0.00" if text == "-0.00" else text
 

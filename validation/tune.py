@@ -1,4 +1,4 @@
-"""Changes each number of the tables of readings, one at a time, and says what labelled faces make of it.
+"""Changes each number of the tables of readings, one at a time, and prints the effect on labelled faces.
 
 The recordings are in two halves: those to choose numbers by, and those to check the choice on. A number is right if its
 neighbours are no better in the first half, and its own row holds in the second one too.
@@ -93,7 +93,7 @@ def _shares(source, program, content):
 
 
 def _changes(built_in):
-    """A name, and what a mapping says, for each factor of each number."""
+    """A name and a mapping for each factor of each number."""
     for reading in READINGS:
         for index, term in enumerate(built_in[reading]["sum"]):
             for factor in FACTORS:
@@ -108,7 +108,7 @@ def _changes(built_in):
 
 
 def _shortened(scores):
-    """The names of left and right scores as one."""
+    """The common name of a left and a right score."""
     return ", ".join(dict.fromkeys(score.removesuffix("Left").removesuffix("Right") for score in scores))
 
 

@@ -1,7 +1,7 @@
-"""A head that turns away slowly: what the estimate makes of it, by how often it is updated.
+"""A head that turns away slowly: the estimate at different rates of updates.
 
-Writes the table into docs/tuning.md, between two comments. `script/validate` runs it; tests/docs/turning_test.py holds the page
-to it.
+Writes the table into docs/tuning.md, between two comments. `script/validate` runs it; tests/docs/turning_test.py compares the
+page with it.
 
 usage: turning.py --command FILE [--page FILE]
 """
@@ -38,7 +38,7 @@ def recording(rate):
 
 
 def attention(command, path, cycle):
-    """The attention that holds at the end."""
+    """The attention at the end."""
     arguments = [command, "replay", "--quiet", "--cycle", cycle, "--csv", "-", path]
     done = subprocess.run(list(map(str, arguments)), capture_output=True, encoding="utf-8", check=True)
     *_, last = csv.DictReader(done.stdout.splitlines())
@@ -60,7 +60,7 @@ def table(command):
 
 
 def with_table(page, new_table):
-    """The page with this table in the place of the old one."""
+    """The page with this table instead of the old one."""
     found, count = re.subn(re.escape(BEGIN) + ".*?" + re.escape(END), lambda _: BEGIN + "\n" + new_table + "\n" + END, page,
                            flags=re.DOTALL)
     if count != 1:

@@ -1,4 +1,4 @@
-"""Replays recordings with known answers and writes a page of what the estimate makes of them."""
+"""Replays recordings with known answers and writes a page on the agreement of the estimate."""
 
 import argparse
 import concurrent.futures

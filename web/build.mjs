@@ -1,12 +1,12 @@
-// Bundles the page into one HTML file, in which only the data of a recording is missing.
+// Bundles a page into one HTML file; in those of a report and a study, only the data is missing.
 //
-// usage: node build.mjs FILE
+// usage: node build.mjs report|live|study FILE
 
 import { build } from "esbuild";
 import { readFile, writeFile } from "node:fs/promises";
 
-const [target] = process.argv.slice(2);
-if (!target) throw new Error("usage: node build.mjs FILE");
+const [page, target] = process.argv.slice(2);
+if (!target) throw new Error("usage: node build.mjs report|live|study FILE");
 
 async function bundled(entry) {
   const result = await build({
@@ -24,10 +24,10 @@ async function bundled(entry) {
 }
 
 const [template, style, script] = await Promise.all([
-  readFile("report/page.html", "utf8"),
-  bundled("shared/style.css"),
-  bundled("report/main.ts"),
+  readFile(`${page}/page.html`, "utf8"),
+  bundled(page === "report" ? "shared/style.css" : `${page}/style.css`),
+  bundled(`${page}/main.ts`),
 ]);
 
-// Functions as replacements: a "$" in the bundle is no reference.
+// Functions as replacements: a "$" in the bundle must not be a reference.
 await writeFile(target, template.replace("/*style*/", () => style).replace("/*script*/", () => script));

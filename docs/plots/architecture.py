@@ -1,4 +1,4 @@
-"""Prints a picture in the language of dot: which part and which room of the tree includes or imports things of which.
+"""Prints a picture in the language of dot: the parts and rooms of the tree, and whose things each includes or imports.
 
 usage: architecture.py TREE
 """

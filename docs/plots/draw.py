@@ -26,7 +26,7 @@ matplotlib.rcParams.update({
 
 from matplotlib import pyplot  # noqa: E402  (after the choice of the backend)
 
-COLORS = ["#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"]  # told apart by the colour-blind as well
+COLORS = ["#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"]  # the colour-blind see the difference, too
 STYLES = ["-", "--", "-.", ":", (0, (5, 1)), (0, (3, 1, 1, 1))]
 
 

@@ -1,4 +1,4 @@
-"""The tree as parts and rooms: which file is where, and which room includes or imports things of which.
+"""The tree as parts and rooms: the place of each file, and whose things each room includes or imports.
 
 A part is a folder at the top of the tree. A room is a folder inside a part that has several; a public header belongs to the
 room of its source file.
@@ -9,7 +9,7 @@ import re
 from collections import Counter
 from pathlib import Path, PurePosixPath
 
-# What each part is. A part of the tree that is not here is an error.
+# A description of each part. A part of the tree that is not here is an error.
 PARTS = {
     "tools": "the command skeigiot: command line and terminal",
     "python": "the Python module",
@@ -24,23 +24,29 @@ PARTS = {
     "web": "pages, in TypeScript",
 }
 
+# The one bridge, whose public header the command includes: it loads the bridge when it is needed.
+BRIDGE = "bridges/ros2"
+
 LIBRARIES = ("libko", "libemotion", "librecordings", "libsession")
 
-# What each room is. A room of the tree that is not here is an error.
+# A description of each room. A room of the tree that is not here is an error.
 ROOMS = {
     "librecordings/recording": "step, reader, error; merged inputs",
-    "librecordings/input": "text, gzip, JSON in pieces",
+    "librecordings/input": "text, gzip and zstd, JSON in pieces",
     "librecordings/csv": "CSV rows and headers",
     "librecordings/face": "what face analysers share",
     "librecordings/tidy": "tables of single readings",
     "librecordings/jsonl": "JSON Lines",
     "librecordings/openface": "OpenFace",
     "librecordings/pyfeat": "py-feat",
+    "librecordings/libreface": "LibreFace",
     "librecordings/mediapipe": "MediaPipe",
     "librecordings/livelink": "Live Link Face",
     "librecordings/ros4hri": "messages of ROS4HRI to steps",
-    "librecordings/rosbag2": "bags of ROS 2",
-    "librecordings/labels": "labels of coders: ELAN, BORIS, Praat, Audacity, CSV",
+    "librecordings/rosbag2": "bags of ROS 2: MCAP, SQLite",
+    "librecordings/whisper": "transcripts of Whisper",
+    "librecordings/xdf": "Lab Streaming Layer",
+    "librecordings/labels": "labels of coders: ELAN, BORIS, Praat, Audacity, BIDS, CSV",
     "librecordings/formats": "the list of formats",
     "libsession/wording": "numbers and times as text",
     "libsession/session": "one session, its observers",
@@ -49,14 +55,21 @@ ROOMS = {
     "libsession/agreement": "the estimate against labels of coders",
     "libsession/export": "CSV, JSON Lines",
     "libsession/report": "the HTML report",
+    "libsession/study": "studies: many sessions, results in SQLite",
     "libsession/live": "live sessions, stream",
     "tools/cli": "arguments, signals, input lines",
     "tools/terminal": "tables, bars, screen",
+    "tools/camera": "faces that the page found",
+    "tools/serve": "the server of the live page",
     "tools/commands": "one file for each command",
     "tools/manual": "manual pages, completion",
+    "tools/ros": "the node of ROS 2: its bridge, its answers",
     "tools/main": "main()",
     "web/shared": "charts, texts, colours",
     "web/report": "the page of a recording",
+    "web/live": "the page of a live session",
+    "web/study": "the page of a study",
+    "web/camera": "finds faces in pictures",
 }
 
 # The rooms of public headers that have no source file of their own name.
@@ -70,6 +83,7 @@ HEADERS = {
     "skeigiot/recordings/faceposition.hpp": "recording",
     "skeigiot/recordings/format.hpp": "recording",
     "skeigiot/recordings/inputlimits.hpp": "input",
+    "skeigiot/recordings/signallimits.hpp": "input",
     "skeigiot/recordings/labelspan.hpp": "labels",
     "skeigiot/recordings/labeltrack.hpp": "labels",
     "skeigiot/recordings/limits.hpp": "input",
@@ -93,6 +107,7 @@ HEADERS = {
     "skeigiot/session/exporter.hpp": "export",
     "skeigiot/session/exportfields.hpp": "session",
     "skeigiot/session/exportformat.hpp": "export",
+    "skeigiot/session/liveinput.hpp": "live",
     "skeigiot/session/orderedjobs.hpp": "session",
     "skeigiot/session/reportadditions.hpp": "report",
     "skeigiot/session/reportorigin.hpp": "report",
@@ -136,7 +151,7 @@ class House:
                 if path.endswith(CPP) and part_of(path) in PARTS and not path.startswith("python/tests/")]
 
     def room_of(self, path):
-        """The room of a file: its part, where that has no rooms."""
+        """The room of a file: its part, if the part has no rooms."""
         part, *rest = PurePosixPath(path).parts
         if part == "web" and len(rest) > 1:
             return f"web/{rest[0]}"
@@ -161,7 +176,7 @@ class House:
         return [room for room in known if room in found]
 
     def includes(self, path):
-        """What a file includes: pairs of the text between the quotes and the file of the tree that it means, or None."""
+        """The includes of a file: pairs of the text between the quotes and the file of the tree that it means, or None."""
         return [(header, self._resolved(path, quote, header)) for quote, header in INCLUDE.findall(self.texts[path])]
 
     def included(self):
@@ -192,6 +207,7 @@ class House:
             return own
         places = [f"{library}/include/{header}" for library in LIBRARIES]
         places += [f"{library}/src/{header}" for library in LIBRARIES]
+        places += [f"{BRIDGE}/include/{header}", f"{BRIDGE}/src/{header}"]
         places += [f"{folder}/{header}" for folder in ("tools", "tests", "python/src", "fuzz", "benchmarks", "examples")]
         return next((place for place in places if place in self.texts), None)
 
@@ -221,11 +237,13 @@ def part_of(path):
 def root_of(path):
     """The folder from which the part of a file writes its includes."""
     part = part_of(path)
+    if part == "bridges":
+        return f"{BRIDGE}/src/"
     return f"{part}/src/" if part in (*LIBRARIES, "python") else f"{part}/"
 
 
 def is_production(path):
-    """Tells whether the file is code of a library, the command, the Python module or a page."""
+    """Returns whether the file is code of a library, the command, the Python module or a page."""
     if part_of(path) not in (*LIBRARIES, "tools", "python", "bridges", "web") or "/test" in path:
         return False
     return path.endswith((*CPP, ".ts", ".py"))
@@ -253,7 +271,7 @@ def reached(start, pairs):
 
 
 def circles(pairs):
-    """The groups of those that lead to each other."""
+    """The groups of rooms that lead to each other."""
     inside = set(pairs)
     while leaves := {b for _, b in inside} - {a for a, _ in inside}:
         inside = {(a, b) for a, b in inside if b not in leaves}
@@ -269,7 +287,7 @@ def _circles(pairs):
 
 
 def without_detours(pairs):
-    """Leaves out what follows from others: an arrow from the first to the second by way of a third."""
+    """Leaves out arrows that follow from others: an arrow from the first to the second by way of a third."""
     kept = set(pairs)
     for pair in sorted(pairs):
         rest = kept - {pair}

@@ -1,5 +1,5 @@
 """Prints a picture of one update in the language of dot: which readings feed which sources, and which quantities those pull.
-What a source pulls is read from the forces that printsources prints.
+The quantities of a source are read from the forces that printsources prints.
 
 usage: pipeline.py SOURCES   what "printsources --quantities" prints
 """

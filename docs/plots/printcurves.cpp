@@ -24,7 +24,7 @@ void print(const std::string& curve, float x, float y)
   std::cout << curve << ',' << x << ',' << y << '\n';
 }
 
-/// A person who is observed as told, and what forces of one source did to her in the last update.
+/// A person with given observations, and the forces of one source on them in the last update.
 class Trial
 {
 public:
@@ -53,7 +53,7 @@ private:
   ko::ScopedClockSource _scope{clock};
 };
 
-/// The weight, or the target, of the force that a reading of `age` exerts.
+/// The weight, or the target, of the force of a reading with the given `age`.
 float afterwards(Trial& trial, const KV::PersonObservation& observation, milliseconds age, bool isTarget)
 {
   trial.update(observation);
@@ -106,7 +106,7 @@ void printAges()
   printAges("age of the facial points", "Points confidence", KV::ValenceConfidenceQuantity, points, 7000, true);
 }
 
-/// The target of the attention of somebody who has looked so from the start.
+/// The target of the attention of a person who has looked in this direction from the start.
 float attentionTarget(const KV::HeadPosture& head, const KV::Gaze& gaze)
 {
   Trial trial("Gaze and head based attention", KV::AttentionQuantity);

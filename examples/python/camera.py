@@ -19,7 +19,7 @@ DURATION = 14.0  # [s]
 
 @dataclass(frozen=True)
 class Face:
-    """What an analyser tells of one face in one frame."""
+    """The data of an analyser on one face in one frame."""
 
     person: int
     head_yaw: float  # [deg], positive to the person's own right
@@ -31,7 +31,7 @@ class Face:
     distance: float  # [m]
 
     def observation(self) -> skeigiot.PersonObservation:
-        """Returns the face as the library takes it in; every reading is stamped with the current time."""
+        """Returns the face as an observation of the library; every reading has the current time."""
         return skeigiot.PersonObservation(
             faceDetected=True,
             headPosture=skeigiot.HeadPosture(yaw=self.head_yaw, pitch=self.head_pitch, roll=0.0),

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Listens to the forces that move an estimate: tells when somebody looks elsewhere, and at the end what moved whom.
+"""Listens to the forces that move an estimate: prints when a person looks elsewhere, and at the end the forces on each person.
 
 usage: listen_to_forces.py
 """

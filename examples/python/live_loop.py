@@ -25,7 +25,7 @@ class Room:
         self._known: set[int] = set()
 
     def take_in(self, faces: Iterable[Face]) -> None:
-        """Takes in everybody who is in the frame, and that those who were there before are not."""
+        """Updates all persons in the frame, and reports those who are missing."""
         seen = {face.person: face.observation() for face in faces}
         for number, observation in seen.items():
             self.graph.updateOrCreate(number, lambda person: self._pacer.take(person, observation))
@@ -34,7 +34,7 @@ class Room:
         self._known |= seen.keys()
 
     def lines(self) -> Iterator[str]:
-        """Yields what is to say of each person."""
+        """Yields a line about each person."""
         for person in self.graph.persons():
             state = person.personState
             yield (

@@ -51,7 +51,7 @@ def draw(replays: list[skeigiot.Replay], picture: Path) -> None:
 
 
 def draw_quantity(axis: Any, replay: skeigiot.Replay, quantity: str, limits: tuple[float, float]) -> None:
-    """Draws a line for each person, in a band that is the wider the less sure the estimate is."""
+    """Draws a line for each person, in a band that is wider where the estimate is less sure."""
     for number, updates in replay.persons.items():
         known = np.where(updates[quantity + "_known"], updates[quantity], np.nan)  # no line where it is unknown
         doubt = 0.15 * (1.0 - updates[quantity + "_confidence"])

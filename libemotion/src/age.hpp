@@ -12,7 +12,7 @@ constexpr std::int64_t nanosecondsPerMillisecond = 1000000;
 
 /// Returns how long before `now` the time was in whole milliseconds, truncated towards zero; negative for the future.
 ///
-/// An age beyond 64 bits of nanoseconds is held at their end.
+/// An age beyond 64 bits of nanoseconds is clamped.
 inline std::int64_t ageInMs(ko::SystemClock::time_point time, ko::SystemClock::time_point now)
 {
   const std::int64_t nowTicks = now.time_since_epoch().count();

@@ -19,9 +19,9 @@ namespace KV
 ///
 /// Weights at the floor need no error function, and are not in the tables.
 ///
-/// The tables belong to the process. They are filled as weights are needed, and pages of them that no age has asked for
-/// take no memory. Threads share them without a lock: each entry is one atomic number, and all who write it write the
-/// same. Entries are computed in the rounding mode of the thread that needs them first.
+/// The tables belong to the process. They are filled as weights are needed, and their unused pages take no memory.
+/// Threads share them without a lock: each entry is one atomic number, and all threads write the same number. Entries
+/// are computed in the rounding mode of the thread that needs them first.
 
 /// Returns softStep() of the age in seconds, without a table.
 inline float weightOfAge(std::int64_t ageInMs, float halfLife)
@@ -59,7 +59,7 @@ public:
       return weightOfAge(ageInMs, halfLife);
     std::atomic<float>& entry = _weights[static_cast<std::size_t>(ageInMs)];
     const float known = entry.load(std::memory_order_relaxed);
-    if (known != 0.f)  // which no weight is
+    if (known != 0.f)  // never a weight
       return known;
     const float weight = weightOfAge(ageInMs, halfLife);
     entry.store(weight, std::memory_order_relaxed);
@@ -76,13 +76,13 @@ std::array<std::atomic<float>, AgeWeights<halfLifeInMs>::size> AgeWeights<halfLi
 /// The weights for half-lives that readings bring along, as context emotions do.
 ///
 /// An entry holds a weight together with the bits of its half-life, so that -0 and 0 differ, and a NaN is found. Ages
-/// of one half-life never share an entry; those of two may, and then replace each other.
+/// of one half-life never share an entry. Ages of two half-lives may share one; the later then replaces the earlier.
 class LifetimeWeights
 {
 public:
   static constexpr std::size_t size = 32768;  ///< entries: the next power of two above contextHorizon
 
-  /// Returns weightOfAge(); an age that is no index of the table is computed each time.
+  /// Returns weightOfAge(); an age beyond the table is computed each time.
   static float at(std::int64_t ageInMs, float halfLife)
   {
     if (isAtSoftStepFloor(softStepArgument(secondsOf(ageInMs), halfLife)))
@@ -93,7 +93,7 @@ public:
     std::atomic<std::uint64_t>& entry = _entries[_indexOf(static_cast<std::uint64_t>(ageInMs), key)];
     const std::uint64_t known = entry.load(std::memory_order_relaxed);
     const auto knownWeight = static_cast<std::uint32_t>(known);
-    if (known >> 32U == key && knownWeight != 0)  // an entry that was never written is 0, which no weight is
+    if (known >> 32U == key && knownWeight != 0)  // an entry that was never written is 0, which is never a weight
       return _floatOf(knownWeight);
     const float weight = weightOfAge(ageInMs, halfLife);
     entry.store(key << 32U | _bitsOf(weight), std::memory_order_relaxed);
@@ -101,7 +101,7 @@ public:
   }
 
 private:
-  /// Each half-life begins elsewhere in the table, so that two of them seldom meet.
+  /// Each half-life begins at another place of the table, so two of them seldom meet.
   static std::size_t _indexOf(std::uint64_t ageInMs, std::uint64_t key)
   {
     constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15;  // 2^64 / golden ratio: spreads the bits of the key

@@ -32,7 +32,7 @@ void BodyLanguageStatePrivate::_update(ShortTermMemory<HeadPosture>& memory)
 
   const std::size_t count = countAfterForgetting(memory);
   if (count == 0)
-    return;  // all expired between the two counts: there is nothing to divide by
+    return;  // all expired between the two counts: nothing to divide by
   ease = BodyLanguageEase(sum / static_cast<float>(count), easeConfidence);
 }
 

@@ -26,8 +26,8 @@ inline char* put(char* end, std::string_view words)
 /// Force traces, update reports and memory reports are composed at each call and are deliberately never handed to the
 /// log. To read a text, call the overload that takes it by reference.
 ///
-/// Writes what a std::ostream in the classic locale with default formatting would, at a small part of its cost, which
-/// an update pays once per force.
+/// Writes the same text as a std::ostream in the classic locale with default formatting, at a small part of its cost,
+/// which an update pays once per force.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the characters are written before they are read
 class DiagnosticText
 {
@@ -64,7 +64,7 @@ public:
     return *this;
   }
 
-  /// Appends what `write` writes from the place that it receives, and whose end it returns: for texts of many parts.
+  /// Appends the text that `write` writes to the place it is given; `write` returns the end: for texts of many parts.
   ///
   /// \pre It writes no more than `size` characters.
   template <typename Write>
@@ -95,8 +95,8 @@ private:
     _first = _long.get();
   }
 
-  std::array<char, 1000> _short;  // holds every text of an ordinary update, so that none allocates
-  std::unique_ptr<char[]> _long;  // NOLINT(modernize-avoid-c-arrays): holds a text that has outgrown it
+  std::array<char, 1000> _short;  // holds every text of an ordinary update without allocating
+  std::unique_ptr<char[]> _long;  // NOLINT(modernize-avoid-c-arrays): holds a text that is too long for it
   char* _first = _short.data();
   std::size_t _size = 0;
   std::size_t _capacity = _short.size();

@@ -3,7 +3,7 @@
 namespace KV
 {
 
-/// How the person state signs its log records, whichever of its units writes them.
+/// The category and the source file in all log records of the person state, from any of its source files.
 constexpr const char* emotionalStateCategory = "kvmood.emotionalstate";
 constexpr const char* emotionalStateSourceFile = "libemotion/src/personstate";
 

@@ -35,7 +35,7 @@ void KVEmotionRecorder::update_notMutexed(const PersonState& state)
 {
   const auto takesSamples = [](const auto& scope) { return scope.second.remainingSamples != 0; };
   const auto taking = static_cast<std::size_t>(std::count_if(_scopes.begin(), _scopes.end(), takesSamples));
-  // All are made before any is filed: if memory runs out, no scope has changed.
+  // All are created before the first is stored: if memory runs out, no scope has changed.
   std::list<Sample> samples(taking, Sample(ko::SystemClock::now(), state));
   for (auto& [name, info] : _scopes)
   {

@@ -18,7 +18,7 @@ constexpr std::array<PointDescription, 12> pointOfSlot = {FacialPoint0, FacialPo
 
 /// Returns the slot of the point.
 ///
-/// \throws std::invalid_argument for a point that there is not.
+/// \throws std::invalid_argument for an unknown point.
 std::size_t slotOf(PointDescription d)
 {
   for (std::size_t slot = 0; slot < pointOfSlot.size(); ++slot)

@@ -7,15 +7,15 @@
 namespace KV
 {
 
-/// What shows forces to the observer of the calling thread.
+/// Shows forces to the observer of the calling thread.
 class ForceWatch
 {
 public:
-  /// Tells whether anybody looks. Without a constructor of the thread's storage: one load.
+  /// Returns whether an observer is set. Without a constructor of the thread's storage: one load.
   static bool isOn() { return _observer != nullptr; }
 
-  /// \name Only if somebody looks
-  /// \throws whatever the observer's callback and the clock throw.
+  /// \name Only if an observer is set
+  /// \throws every exception of the observer's callback and of the clock.
   /// @{
   static void show(Quantity quantity, float target, float weight, float before, float after, std::string_view source);
   static void show(ko::human::AttentionState from, ko::human::AttentionState to, ZoneEvidence evidence);

@@ -31,13 +31,13 @@ bool isFiniteValue(const std::pair<float, float>& position)
   return isFiniteValue(position.first) && isFiniteValue(position.second);
 }
 
-// A surprise that a voice cannot have is examined with the other scores.
+// An impossible surprise of a voice is checked together with the other scores.
 bool isFiniteValue(const VoiceEmotion& emotion)
 {
   return isFinite(static_cast<const Expressions&>(emotion));
 }
 
-// All are compared, which takes less time than a branch for each.
+// All are compared, which is faster than a branch for each.
 template <typename Value>
 bool areFinitePartsOf(const Value& value)
 {

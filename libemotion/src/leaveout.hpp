@@ -9,7 +9,7 @@
 namespace KV
 {
 
-/// Takes the readings for which `isUnwanted` is true out of the observation, and returns how many they were.
+/// Removes the readings for which `isUnwanted` is true from the observation, and returns their number.
 template <typename Predicate>
 std::size_t leaveOut(PersonObservation& observation, Predicate isUnwanted)
 {

@@ -29,7 +29,7 @@ bool hasRecords(ShortTermMemory<T>& memory)
   return !memory.records().empty();
 }
 
-/// For values that are written as they are.
+/// For values that are written unchanged.
 template <typename T>
 void writeYoungest(DiagnosticText& out, ShortTermMemory<T>& memory)
 {
@@ -118,7 +118,7 @@ constexpr ReportedFiling<T> filing(FieldOf<T> reading, MemoryOf<T> memory, const
 using Observation = PersonObservation;
 using Memories = PersonMemoryPrivate;
 
-/// In the order of filing, which is not that of the readings: the report and the clock readings have it.
+/// In the order of storing, which differs from the order of readings: the report and the clock readings follow it.
 constexpr auto filings = std::make_tuple(
     filing(&Observation::age, &Memories::ageMemory, "\t Age : ", writeValue<unsigned int>),
     filing(&Observation::faceDetected, &Memories::faceDetectedMemory, "\t Face detected : "),
@@ -137,7 +137,7 @@ constexpr auto filings = std::make_tuple(
     filing(&Observation::robotHeadPosture, &Memories::robotHeadPostureMemory,
            "\t Robot Head Posture : ", writeYawAndPitch<RobotHeadPosture>));
 
-/// Act on the state alone.
+/// Readings that act on the state alone.
 constexpr auto neverRemembered = std::make_tuple(&Observation::headHeight, &Observation::voiceEmotion);
 
 template <typename Field, typename Other>
@@ -191,7 +191,7 @@ void file(const ReportedFiling<T>& place, const PersonObservation& observation, 
   }
   catch (const std::range_error&)
   {
-    // The last record has passed its horizon since it was counted: there is nothing to write.
+    // The last record has expired since it was counted: nothing to write.
   }
   report << '\n';
 }

@@ -12,7 +12,7 @@
 namespace KV
 {
 
-/// How long a reading is remembered, and, because it outlasts the moment, a context emotion.
+/// How long a reading is remembered, and how long a context emotion, which is valid for longer.
 constexpr boost::chrono::milliseconds readingHorizon(7000);
 constexpr boost::chrono::milliseconds contextHorizon(20000);
 
@@ -21,7 +21,7 @@ struct PersonMemoryPrivate
 {
   /// Files each reading of the observation into its memory.
   ///
-  /// Composes a report of what the memories then hold and drops it; see DiagnosticText.
+  /// Composes a report of the content of the memories and drops it; see DiagnosticText.
   ///
   /// \par Thread safety
   ///   Takes the mutex of one memory at a time, never two at once.

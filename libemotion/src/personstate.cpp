@@ -51,7 +51,7 @@ namespace
 constexpr double ternaryPositive = 0.2;
 constexpr double ternaryNegative = -0.2;
 
-/// What emotionLogMessage() calls engaged and inattentive.
+/// The bounds of "engaged" and "inattentive" in emotionLogMessage().
 constexpr float engagedAttention = 0.6f;
 constexpr float inattentiveAttention = 0.4f;
 
@@ -244,7 +244,7 @@ std::string PersonState::emotionLogMessage() const
 
   std::ostringstream message;
   message.imbue(std::locale::classic());
-  message.exceptions(std::ios::badbit);  // rather than cut the text where memory runs out
+  message.exceptions(std::ios::badbit);  // throws if memory runs out, instead of cutting the text
   message << "Emotion recognized : \n";
   if (valence > 0.f)
     message << "\t - Actually you're in a positive mood at a " << valence * 100.f << "% rate ＼（＠￣∇￣＠）／ \n";

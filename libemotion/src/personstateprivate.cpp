@@ -3,6 +3,7 @@
 #include "age.hpp"
 #include "clamp.hpp"
 #include "emotionalstatelog.hpp"
+#include "forces.hpp"
 #include "forcetext.hpp"
 #include "forcewatch.hpp"
 #include "softstep.hpp"
@@ -33,16 +34,6 @@ constexpr float oldObservationInSeconds = 3.f;
 constexpr float notSeenWeight = 0.26f;
 constexpr float notSeenConfidenceWeight = 0.7f;
 constexpr const char* notSeenSource = "Not visible";
-
-/// A quantity that a force pulls at; `clamp` holds it in its range.
-template <float (*clamp)(float)>
-struct Pulled
-{
-  Quantity quantity;
-  float& value;
-
-  void move(float target, float weight) const { value = clamp(value + weight * (target - value)); }
-};
 
 /// Moves the quantities under their mutex, and then shows the force to the observers.
 template <typename... Quantities>
@@ -195,7 +186,7 @@ void PersonStatePrivate::_warnIfObservationOld(std::int64_t ageInMs, std::string
 
   std::ostringstream message;
   message.imbue(std::locale::classic());
-  message.exceptions(std::ios::badbit);  // rather than cut the text where memory runs out
+  message.exceptions(std::ios::badbit);  // throws if memory runs out, instead of cutting the text
   message << "Processing old observation from " << seconds << " s ago";
   if (!source.empty())
     message << " of " << source;

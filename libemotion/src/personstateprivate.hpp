@@ -46,7 +46,7 @@ enum ObservationChannel : std::size_t
   ObservationChannelCount
 };
 
-/// The channels that the attention is mixed from.
+/// The channels from which the attention is mixed.
 enum AttentionChannel : std::size_t
 {
   HeadAttention,
@@ -64,7 +64,7 @@ struct PersonStatePrivate
 {
   PersonStatePrivate();
 
-  /// Makes the record that a clone of the state gets: mutexes of its own, and the other's values but for four.
+  /// Makes the record that a clone of the state gets: mutexes of its own, and the other's values with four exceptions.
   ///
   /// Deliberate: the body-language record is shared, the unsmoothed valence starts at 0 with confidence 0, the two
   /// attention vectors are empty (the next update fills them with the defaults), and no observation time is kept (all
@@ -85,7 +85,7 @@ struct PersonStatePrivate
   /// \name Forces
   /// Move a quantity by `weight` of the way to `target`, under the mutex of that quantity. A weight of 0 changes
   /// nothing, one of 1 sets the target; others are not refused. A force on the valence moves the unsmoothed valence as
-  /// well, from where that stands.
+  /// well, from its own present value.
   /// @{
   void _applyForceValence(float target, float weight, std::string_view source);
   void _applyForceValenceConfidence(float target, float weight, std::string_view source);
@@ -133,25 +133,25 @@ struct PersonStatePrivate
   static ko::human::AttentionState _computeAttentionZone(float yaw, float pitch, float yawThreshold,
                                                          float pitchThreshold, std::string_view method);
 
-  /// Stores the zone under the attention mutex; `evidence` is what an observer is told of a change.
+  /// Stores the zone under the attention mutex; `evidence` is passed to an observer when the zone changes.
   void _setAttentionZone(ko::human::AttentionState zone, ZoneEvidence evidence = NoAttentionEvidence);
 
   // NOLINTBEGIN(clang-diagnostic-reserved-identifier): the update keeps its name with two underscores.
-  /// Fuses what the memory holds and what the observation brings; see personstateupdate.cpp for the order of sources.
+  /// Fuses the records of the memory with the observation; see personstateupdate.cpp for the order of sources.
   void __update(const PersonObservation& observation, const PersonMemory& memory);
 
   /// As above, and appends the trace of the update to `trace`.
   void __update(const PersonObservation& observation, const PersonMemory& memory, DiagnosticText& trace);
   // NOLINTEND(clang-diagnostic-reserved-identifier)
 
-  /// What a new record holds in attentionAngles (no angle: any first one differs by more than the dead band) and in
+  /// The first contents of attentionAngles (no angle: any first one differs by more than the dead band) and of
   /// attentionEstimates.
   static std::vector<float> initialAttentionAngles();
   static std::vector<float> initialAttentionEstimates();
 
   BodyLanguageState bodyLanguageState;
   ValueConfidence<float> valence;            ///< smoothed
-  ValueConfidence<float> unsmoothedValence;  ///< follows every force on the valence from a start of its own
+  ValueConfidence<float> unsmoothedValence;  ///< follows every force on the valence from its own first value
   bool hadValenceEvidence = false;           ///< a source of valence other than body language has acted
   ValueConfidence<float> attention;
   ko::human::AttentionState attentionZone = ko::human::AttentionState::Unknown;

@@ -3,6 +3,7 @@
 #include "age.hpp"
 #include "ageweight.hpp"
 #include "clamp.hpp"
+#include "forces.hpp"
 #include "forcewatch.hpp"
 #include "initialisedearly.hpp"
 #include "personmemoryprivate.hpp"
@@ -41,7 +42,7 @@ SKEIGIOT_INITIALISED_EARLY const LogregMoodScore PersonStatePrivate::_reg_neg(Lo
 namespace
 {
 
-/// How hard the sources pull: what their weights are multiplied by.
+/// How hard the sources pull: factors of their weights.
 namespace gain
 {
 constexpr float emotion = 0.65f;  // every source of valence but body language, and the attention
@@ -63,13 +64,13 @@ constexpr float touch = 4.f;
 constexpr float anySource = 2.5f;
 }  // namespace halfLife
 
-/// The weights that are needed many times in each update, by age in milliseconds.
+/// The weights that each update needs often, by age in milliseconds.
 using FacialPointsWeights = AgeWeights<inMilliseconds(halfLife::facialPoints)>;
 using AngleWeights = AgeWeights<inMilliseconds(halfLife::angles)>;
 using AsrWeights = AgeWeights<inMilliseconds(halfLife::asr)>;
 using TouchWeights = AgeWeights<inMilliseconds(halfLife::touch)>;
 
-/// From which age [s] on a reading does not count at all.
+/// The age [s] from which on a reading does not count.
 namespace lifetime
 {
 constexpr float speaking = 4.f;
@@ -77,26 +78,26 @@ constexpr float angles = 1.f;
 constexpr float robotHead = 1.f;
 }  // namespace lifetime
 
-/// What the angles of head and gaze mean [deg].
+/// The meaning of head and gaze angles [deg].
 namespace angle
 {
-constexpr float frontalFace = 20.f;  // the expressions of a face turned this far are half trusted
+constexpr float frontalFace = 20.f;  // half trust in the expressions of a face turned this far
 constexpr float attentiveHead = 15.f;
 constexpr float attentiveGaze = 20.f;
-constexpr float deadBand = 0.3f;     // an attention estimate stays while its angle moves by less
+constexpr float deadBand = 0.3f;     // an attention estimate is kept while its angle moves by less
 constexpr float gazeOnlyYaw = 10.f;  // below this head yaw the gaze alone decides
 constexpr float evenYaw = 30.f;      // here head and gaze count alike
 constexpr float headOnlyYaw = 35.f;  // above this head yaw the head alone decides
-constexpr float lostYaw = 40.f;      // beyond these head angles there is no zone
+constexpr float lostYaw = 40.f;      // beyond these head angles the person has no zone
 constexpr float lostPitch = 30.f;
 constexpr float headZoneYaw = 15.f;
 constexpr float gazeZoneYaw = 12.f;
 constexpr float zonePitch = 10.f;
-constexpr float robotYawStep = 7.f;  // a robot head that turned this far is half trusted
+constexpr float robotYawStep = 7.f;  // half trust in a robot head that turned this far
 constexpr float robotPitchStep = 3.5f;
 }  // namespace angle
 
-constexpr float robotAtRest = 0.95f;  // weights from here on say that the robot's head did not move; they do not count
+constexpr float robotAtRest = 0.95f;  // weights from here on mean that the robot's head did not move; they do not count
 constexpr float robotShare = 0.2f;    // of the attention confidence; the rest is the sensor's
 constexpr float sensorShare = 0.8f;
 constexpr float attendingTarget = 0.9f;   // an attention target from here on is the robot's own zone
@@ -112,7 +113,7 @@ constexpr float asrTarget(float asr)
   return asr < 0.f ? -1.f : 1.f;
 }
 
-/// How far a head is turned off, its yaw counting by two thirds and its pitch by one third.
+/// How far a head is turned away: two thirds of its yaw and one third of its pitch.
 float headMagnitude(float yaw, float pitch)
 {
   const double x = 2.0 * static_cast<double>(yaw) / 3.0;
@@ -127,7 +128,7 @@ float gazeMagnitude(float yaw, float pitch)
   return static_cast<float>(std::sqrt(x * x + y * y));
 }
 
-/// The head's share in the attention, the gaze having the rest, by the head's mean yaw: 0 below 10 deg, 1 above 35 deg.
+/// The head's share in the attention by the head's mean yaw: 0 below 10 deg, 1 above 35 deg. The gaze has the rest.
 ///
 /// Deliberate: it jumps at both ends. A NaN yaw leaves the gaze alone.
 float headShare(float meanYaw)
@@ -160,7 +161,7 @@ private:
   float _weightSum = 0.f;
 };
 
-/// One update of one state: run() has the order of the sources, each of which acts on what those before it left.
+/// One update of one state: run() has the order of the sources; each source acts on the result of those before it.
 class StateUpdate
 {
 public:
@@ -197,8 +198,8 @@ public:
   }
 
 private:
-  /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex; returns what it
-  /// returns.
+  /// Prunes the memory and hands its records to `read`, newest first, under the memory's mutex; returns the result of
+  /// `read`.
   ///
   /// Forces act after the mutex is released, so an observer of forces may use the memory.
   template <typename T, typename Read>
@@ -242,7 +243,7 @@ private:
     _state._applyForceValenceConfidence(seen->confidence * seen->weight, gain::confidence, "Points confidence");
   }
 
-  /// A mouth that speaks tells less of the mood.
+  /// A speaking mouth shows less of the mood.
   void _weighSpeaking()
   {
     const auto age = _readPruned(_memory.speakingMemory, [](const auto& records) -> std::optional<float> {
@@ -262,7 +263,7 @@ private:
     _speaking = true;
   }
 
-  // What the observation itself brings
+  // Readings of the observation itself
 
   void _takeOverReadings()
   {
@@ -274,7 +275,7 @@ private:
       _state.headAngles = _observation.headPosture->value;
   }
 
-  /// Keeps the reading and its time if it is there and its time differs from the kept one; tells whether it did.
+  /// Keeps the reading and its time if it is there and its time differs from the kept one; returns whether it did.
   template <typename T>
   bool _takeOverIfNew(const PersonObservation::Reading<T>& reading, ObservationChannel channel, T& kept)
   {
@@ -284,7 +285,7 @@ private:
     return true;
   }
 
-  /// Tells whether the reading is there and was not seen before, and keeps its time.
+  /// Returns whether the reading is there and was not seen before, and keeps its time.
   template <typename T>
   bool _isNew(const PersonObservation::Reading<T>& reading, ObservationChannel channel)
   {
@@ -345,7 +346,7 @@ private:
     }
   }
 
-  /// While the person speaks, a new smile stands in for the expressions.
+  /// While the person speaks, a new smile replaces the expressions.
   ///
   /// Deliberate: a new smile of a silent person moves nothing by itself.
   void _pullBySmile()
@@ -376,61 +377,79 @@ private:
   void _pullByRememberedEmotions()
   {
     const boost::lock_guard<boost::mutex> lock(_state.observationsMutex);
+    _pullByMemory(_memory.asrEmotionMemory, AsrChannel, "Asr emotion", [](float asr, std::int64_t age) {
+      return Pull{asrTarget(asr), AsrWeights::at(age) * gain::emotion};
+    });
+    _pullByMemory(_memory.touchEmotionMemory, TouchChannel, "Touch emotion", [](std::int32_t touch, std::int64_t age) {
+      return Pull{touchTarget(touch), TouchWeights::at(age) * gain::emotion};
+    });
     _pullByMemory(
-        _memory.asrEmotionMemory, AsrChannel, [](float, std::int64_t age) { return AsrWeights::at(age); },
-        [this](float asr, float weight) { _pullValence(asrTarget(asr), weight * gain::emotion, "Asr emotion"); });
-    _pullByMemory(
-        _memory.touchEmotionMemory, TouchChannel, [](std::int32_t, std::int64_t age) { return TouchWeights::at(age); },
-        [this](std::int32_t touch, float weight) {
-          _pullValence(touchTarget(touch), weight * gain::emotion, "Touch emotion");
-        });
-    _pullByMemory(
-        _memory.contextEmotionMemory, ContextChannel,
-        [](const ContextEmotion& context, std::int64_t age) { return LifetimeWeights::at(age, context.lifetime); },
-        [this](const ContextEmotion& context, float weight) {
-          _pullValence(static_cast<float>(context.valence), weight * gain::emotion, "Context emotion");
+        _memory.contextEmotionMemory, ContextChannel, "Context emotion",
+        [](const ContextEmotion& context, std::int64_t age) {
+          return Pull{static_cast<float>(context.valence), LifetimeWeights::at(age, context.lifetime) * gain::emotion};
         });
   }
 
-  /// Keeps the time of the youngest record, and calls `pull` with each record's value and weight, which `weigh` gives
-  /// for the value and its age [ms].
+  /// Keeps the time of the youngest record, and pulls the valence by each record's force; `forceOf` returns the force
+  /// of a value and its age [ms].
   ///
-  /// The records are copied, and their ages read, under the memory's mutex; `pull` is called without it. While somebody
-  /// observes forces, each age is read just before its forces instead, since they read the clock for their times: so
-  /// the clock is read in one order, observed or not. A clock that fails leaves the forces of the records before.
-  template <typename T, typename Weigh, typename Pull>
-  void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel, Weigh weigh, Pull pull)
+  /// The values are read, with their ages, under the memory's mutex; the forces act without it. While forces are
+  /// observed, the values are copied, and each age is read just before its forces instead, since they read the clock
+  /// for their times: so the clock is read in one order, observed or not. If the clock fails, the forces of the records
+  /// before it remain.
+  ///
+  /// Inlined always: the source is a constant at each call.
+  template <typename T, typename ForceOf>
+  __attribute__((always_inline)) void _pullByMemory(ShortTermMemory<T>& memory, ObservationChannel channel,
+                                                    std::string_view source, ForceOf forceOf)
   {
     const bool observed = ForceWatch::isOn();
-    boost::container::small_vector<Timestamped<T>, 16> records;
-    boost::container::small_vector<float, 16> weights;
-    const auto pullByWeights = [&] {
-      for (std::size_t i = 0; i < weights.size(); ++i)
-        pull(records[i].value, weights[i]);
+    boost::container::small_vector<Timestamped<T>, 16> observedRecords;
+    Pulls forces;  // of the others
+    const auto pullOneByOne = [&] {
+      for (const Pull& force : forces)
+        _pullValence(force.target, force.weight, source);
     };
     try
     {
-      _readPruned(memory, [&](const auto& remembered) {
-        if (remembered.empty())
+      _readPruned(memory, [&](const auto& records) {
+        if (records.empty())
           return;
-        _state.lastObservationTimes[channel] = remembered.begin()->time;
-        records.assign(remembered.begin(), remembered.end());
+        _state.lastObservationTimes[channel] = records.begin()->time;
         if (observed)
+        {
+          observedRecords.assign(records.begin(), records.end());
           return;
-        weights.reserve(records.size());
+        }
+        forces.reserve(records.size());
         for (const Timestamped<T>& record : records)
-          weights.push_back(weigh(record.value, ageInMs(record.time)));
+          forces.push_back(forceOf(record.value, ageInMs(record.time)));
       });
     }
     catch (...)
     {
-      pullByWeights();
+      pullOneByOne();
       throw;
     }
-    pullByWeights();
-    if (observed)
-      for (const Timestamped<T>& record : records)
-        pull(record.value, weigh(record.value, ageInMs(record.time)));
+    if (ForceWatch::isOn())
+      pullOneByOne();
+    else if (!forces.empty())
+      _pullValenceUnobserved(forces, source);
+    for (const Timestamped<T>& record : observedRecords)
+    {
+      const Pull force = forceOf(record.value, ageInMs(record.time));
+      _pullValence(force.target, force.weight, source);
+    }
+  }
+
+  /// As _pullValence() for each of the forces, which are not empty.
+  __attribute__((always_inline)) void _pullValenceUnobserved(const Pulls& forces, std::string_view source)
+  {
+    applyForces("valence", forces, source, _state.valenceMutex,  // GCOV_EXCL_LINE
+                Pulled<clampValence>{ValenceQuantity, _state.valence.value},
+                Pulled<clampValence>{UnsmoothedValenceQuantity, _state.unsmoothedValence.value});
+    _valenceObserved = true;
+    _state.hadValenceEvidence = true;
   }
 
   void _pullValence(float target, float weight, std::string_view source)
@@ -442,7 +461,7 @@ private:
 
   // Head and gaze
 
-  /// A head seen lately pulls the valence by its body language and says how much attention it pays.
+  /// A recent head posture pulls the valence by its body language, and shows how much attention the person pays.
   void _followHead()
   {
     const bool seenLately = _readPruned(_memory.headPostureMemory, [this](const auto& records) {
@@ -467,7 +486,7 @@ private:
     _reportAttention("head", _meanHeadYaw, _meanHeadPitch, HeadAttention);
   }
 
-  /// Nothing if the memory is empty, as an observer of forces can leave it.
+  /// Nothing if the memory is empty, which an observer of forces can cause.
   std::optional<MeanAngles> _meanOfHeadPostures()
   {
     const boost::lock_guard<boost::mutex> lock(_memory.headPostureMemory.mutex());
@@ -480,7 +499,7 @@ private:
     return mean;
   }
 
-  /// A gaze seen lately says how much attention it pays.
+  /// A recent gaze shows how much attention the person pays.
   void _followGaze()
   {
     _readPruned(_memory.gazeMemory, [this](const auto& records) {
@@ -498,7 +517,7 @@ private:
     });
   }
 
-  /// Estimates the channel's attention anew, unless its angle has hardly moved since the previous cycle.
+  /// Estimates the channel's attention again, unless its angle has hardly moved since the previous cycle.
   ///
   /// Deliberate: a slow drift, or a NaN difference, never renews the estimate, since the angle is kept in any case.
   void _estimateAttention(AttentionChannel channel, float magnitude, float reference)
@@ -517,13 +536,13 @@ private:
 
   // Without a source, and with one
 
-  /// How much the last reading of a group of sources still counts, whose age is `ageInMs`.
+  /// How much the last reading of a group of sources still counts, at the age `ageInMs`.
   static float _silenceWeight(std::int64_t ageInMs)
   {
     return ageInMs < 1 ? 0.f : weightOfAge(ageInMs, halfLife::anySource);
   }
 
-  /// Without any source the valence drifts to neutral, the faster the longer all have been silent.
+  /// Without any source the valence drifts to neutral; the longer all have been silent, the faster.
   void _decayValence()
   {
     const float weight = _silenceWeight(_state._lastTimeStampedObservationValence());
@@ -561,7 +580,7 @@ private:
     _decideZone(target);
   }
 
-  /// 1 for a robot head at rest, less the more it moved lately: its images are blurred, and its angles late.
+  /// 1 for a robot head at rest, less if it moved lately: its images are blurred, and its angles late.
   float _robotMovementFactor()
   {
     float sum = 0.f;
@@ -588,9 +607,9 @@ private:
     return count > 0.f ? sum / count : 1.f;
   }
 
-  /// Decides on the zone that the person attends to.
+  /// Decides to which zone the person attends.
   ///
-  /// Deliberate: the row comes from the gaze alone; the head's pitch only says whether there is a zone at all.
+  /// Deliberate: the row comes from the gaze alone; the head's pitch only decides whether there is a zone at all.
   void _decideZone(float attentionTarget)
   {
     if (std::fabs(_meanHeadPitch) > angle::lostPitch || std::fabs(_meanHeadYaw) > angle::lostYaw)

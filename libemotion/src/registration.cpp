@@ -37,7 +37,7 @@ void registerValueConfidence(const std::string& className)
   ko::registerRecord<Record>(className, {{"value", &Record::value}, {"confidence", &Record::confidence}});
 }
 
-/// The records that other programs may read by name; the order is part of what they see.
+/// The records that other programs may read by name, in the order that these programs see.
 void registerRecords()
 {
   ko::registerRecord<AmbianceState>("::KV::AmbianceState", {{"agitationLevel", &AmbianceState::agitationLevel},
@@ -82,7 +82,7 @@ struct Registration
   }
 };
 
-/// Not internal, since the static library has the linker look for it: nothing else names this unit.
+/// Not internal, since the linker must find it in the static library: no other unit names this one.
 extern const Registration registration;
 SKEIGIOT_INITIALISED_EARLY const Registration registration;
 

@@ -10,13 +10,13 @@ namespace
 
 using FallingRamp = Ramp<RampDown, float, float>;
 
-/// Full trust in the face sensor up to about 1.3 m, none beyond about 1.5 m.
+/// Full trust in the face sensor up to about 1.3 m, no trust beyond about 1.5 m.
 FallingRamp makeDistanceRamp()
 {
   return {1.4f, 0.2f, 1.f};
 }
 
-/// Full trust in the face sensor up to a head height of about 1.8 m, none beyond about 2.0 m.
+/// Full trust in the face sensor up to a head height of about 1.8 m, no trust beyond about 2.0 m.
 FallingRamp makeHeightRamp()
 {
   return {1.9f, 0.2f, 1.f};

@@ -21,7 +21,7 @@ namespace KV
 namespace
 {
 
-/// Tells whether records are too old, each with a clock reading of its own unless the time is given.
+/// Returns whether records are too old, each with a clock reading of its own unless the time is given.
 class TooOld
 {
 public:
@@ -31,7 +31,7 @@ public:
 
   bool at(ko::SystemClock::time_point now, ko::SystemClock::time_point time) const
   {
-    // Nearly all are younger than the horizon, which shows without a division. A time in the future wraps around.
+    // Nearly all are younger than the horizon: this test needs no division. A time in the future wraps around.
     if (ticksOf(now) - ticksOf(time) < _surelyYoung)
       return false;
     return ageInMs(time, now) > _horizon;
@@ -57,8 +57,8 @@ private:
 
 /// Brings the records for which `isTooOld` is false to the front, in their order, and returns where they end.
 ///
-/// Swaps rather than moves, so that no record is lost or doubled if `isTooOld` throws on the way; while records only
-/// grow older along the way, nothing is swapped at all.
+/// Swaps instead of moving, so that no record is lost or doubled if `isTooOld` throws; if the records are in order of
+/// age, nothing is swapped at all.
 template <typename Iterator, typename Predicate>
 Iterator keepYoung(Iterator first, Iterator last, Predicate isTooOld)
 {
@@ -71,10 +71,10 @@ Iterator keepYoung(Iterator first, Iterator last, Predicate isTooOld)
   return kept;
 }
 
-/// Returns the time of the ManualClock that the thread reads, if it reads one. It cannot count its readings: a pass
-/// that reads it once for all records is one during which no other thread happened to move it.
+/// Returns the time of the ManualClock that the thread reads, if it reads one. A ManualClock cannot count its readings:
+/// one reading for all records equals a pass in which no other thread happened to move the clock.
 ///
-/// Deliberate: a class that is derived from ManualClock may count, and is read for each record like any other clock.
+/// Deliberate: a class that is derived from ManualClock may count, so it is read for each record, as other clocks are.
 boost::optional<ko::SystemClock::time_point> timeOfManualClock()
 {
   if (!ko::detail::threadClock.ticks)
@@ -82,8 +82,8 @@ boost::optional<ko::SystemClock::time_point> timeOfManualClock()
   return ko::SystemClock::now();
 }
 
-/// Returns where the young records end at one time. The records are sorted by time, and so by age: most often it is
-/// enough to look at the last one.
+/// Returns where the young records end at one time. The records are sorted by time, and so by age: mostly, a look at
+/// the last one is enough.
 template <typename Iterator>
 Iterator endOfYoung(Iterator first, Iterator last, const TooOld& isTooOld, ko::SystemClock::time_point now)
 {
@@ -144,7 +144,7 @@ void ShortTermMemory<T>::_forgetOld()
   }
 }
 
-/// After swaps that were left half-way.
+/// Sorts again after swaps that were left half-way.
 template <typename T>
 void ShortTermMemory<T>::_restoreOrder()
 {

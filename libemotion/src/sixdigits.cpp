@@ -15,15 +15,16 @@ namespace
 constexpr std::size_t digitCount = 6;
 constexpr std::uint32_t million = 1000000;
 
-// What is written in fixed notation: below, and from where six digits round to a million, there is an exponent.
+// The range of fixed notation: below it, and from the end that six digits round to a million, there is an exponent.
 constexpr double smallestFixed = 1e-4;
 constexpr double smallestMillion = 999999.5;
 
-constexpr std::array<double, 10> powerOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+constexpr std::array<std::uint32_t, 10> powerOfTen{1,      10,      100,      1000,      10000,
+                                                   100000, 1000000, 10000000, 100000000, 1000000000};
 
 /// Returns how many decimal places show six digits of a magnitude: 0 from 100000 on, 9 below 0.001.
 ///
-/// No float lies between a power of ten and the double that stands for it here.
+/// No float lies between a power of ten and the double used for it here.
 std::size_t placesOf(double magnitude)
 {
   if (magnitude >= 1.)
@@ -31,15 +32,28 @@ std::size_t placesOf(double magnitude)
   return magnitude >= 1e-1 ? 6 : magnitude >= 1e-2 ? 7 : magnitude >= 1e-3 ? 8 : 9;
 }
 
-/// Rounds to the nearest whole number, halves to the even one, whatever rounding the processor is set to. Without a
-/// branch, since none could be foreseen.
-std::uint32_t rounded(double number)
+/// Returns the magnitude of the number, times the power of ten for so many places, rounded to the nearest whole number,
+/// halves to the even one. Whole numbers of 64 bits hold all of the product, so it is exact, and the rounding mode of
+/// the processor does not matter. Without a branch, since the processor could not predict it.
+///
+/// \pre The magnitude is in [smallestFixed, smallestMillion), and the product is not above a million.
+std::uint32_t shifted(float number, std::size_t places)
 {
-  const auto whole = static_cast<std::uint32_t>(number);
-  const double rest = number - whole;
-  const auto isMore = static_cast<std::uint32_t>(rest > 0.5);
-  const auto isHalf = static_cast<std::uint32_t>(rest == 0.5);
-  return whole + (isMore | (isHalf & whole & 1U));
+  constexpr unsigned fractionBits = 23;  // below 8 bits of an exponent and the sign
+  constexpr std::uint32_t leadingBit = 1U << fractionBits;
+  constexpr std::uint32_t wholeExponent = 127 + fractionBits;  // of floats whose last bit counts ones
+
+  std::uint32_t bits = 0;
+  static_assert(sizeof bits == sizeof number);
+  std::memcpy(&bits, &number, sizeof bits);
+  const std::uint32_t exponent = (bits >> fractionBits) & 0xffU;
+  const std::uint32_t fraction = (bits & (leadingBit - 1)) | leadingBit;
+
+  const std::uint64_t product = std::uint64_t{fraction} * powerOfTen[places];  // of 24 and 30 bits
+  const std::uint32_t binaryPlaces = wholeExponent - exponent;                 // 4 to 37
+  const std::uint64_t almostHalf = (std::uint64_t{1} << (binaryPlaces - 1)) - 1;
+  const std::uint64_t isOdd = (product >> binaryPlaces) & 1U;
+  return static_cast<std::uint32_t>((product + almostHalf + isOdd) >> binaryPlaces);
 }
 
 /// Up to eight characters, the first in the lowest byte: moved about in a register, and stored as they are.
@@ -68,7 +82,7 @@ Characters digitsOf(std::uint32_t number)
          (Characters{pairs[number % 100]} << (2 * pair));
 }
 
-/// Returns how many of the digits there are without the zeros at their end; one at least is not 0.
+/// Returns the number of digits without the zeros at their end; at least one digit is not 0.
 std::size_t countWithoutZeros(Characters digits)
 {
   const auto unusedBits = static_cast<unsigned>(__builtin_clzll(digits ^ sixZeros));
@@ -88,9 +102,8 @@ char* writeSixDigits(char* first, float number)
   if (!(magnitude >= smallestFixed && magnitude < smallestMillion))
     return std::to_chars(first, first + sixDigitsSize, number, std::chars_format::general, digitCount).ptr;
 
-  // The product is exact: a float has 24 bits, and the odd part of 10^9 has 21.
   std::size_t places = placesOf(magnitude);
-  std::uint32_t sixDigits = rounded(magnitude * powerOfTen[places]);
+  std::uint32_t sixDigits = shifted(number, places);
   if (sixDigits == million)
   {
     sixDigits /= 10;

@@ -6,8 +6,8 @@
 namespace KV
 {
 
-// 53 bits are enough: for every float, the result is the same as that of the extended precision which Boost takes if it
-// is not told otherwise; benchmarks/everyfloat.cpp shows it.
+// 53 bits are enough: for every float, the result is the same as that of the extended precision which Boost uses by
+// default; benchmarks/everyfloat.cpp shows it.
 float errorFunction(float x)
 {
   using boost::math::policies::policy;

@@ -10,7 +10,7 @@ float errorFunction(float x);
 
 constexpr float softStepFloor = 0.01f;
 
-/// Returns what softStep() takes the error function of.
+/// Returns the argument that softStep() gives to the error function.
 constexpr float softStepArgument(float x, float reference)
 {
   constexpr float gentlest = 0.001f;
@@ -18,8 +18,8 @@ constexpr float softStepArgument(float x, float reference)
   return minimum(steepest, maximum(gentlest, 2.f / reference)) * (reference - x);
 }
 
-/// Tells whether the step is at its floor for this argument, so that there is no need to evaluate it: from here down it
-/// is below 0.0082. So it is for NaN.
+/// Returns whether the step is at its floor for this argument, so that it need not be evaluated: from here down the
+/// step is below 0.0082. NaN is at the floor, too.
 constexpr bool isAtSoftStepFloor(float argument)
 {
   constexpr float atTheFloor = -1.7f;

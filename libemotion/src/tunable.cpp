@@ -16,7 +16,7 @@ void setTunable(Tunable& tunable, float value, const TunableInterval& interval, 
     return;
   }
   std::ostringstream message;
-  message.imbue(std::locale::classic());  // std::to_string writes a comma where C functions do
+  message.imbue(std::locale::classic());  // std::to_string writes a comma in locales whose C functions do
   message << source.function << " failed: " << std::fixed << value << " is not between " << interval.words << ".";
   ko::log::log(ko::log::Level::Warning, source.category, message.str(), source.file, source.function, source.line);
 }

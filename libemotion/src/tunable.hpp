@@ -19,7 +19,7 @@ struct TunableInterval
 constexpr TunableInterval valenceInterval{-1.f, 1.f, "-1.0 and 1.0"};
 constexpr TunableInterval unitInterval{0.f, 1.f, "0.0 and 1.0"};
 
-/// Where a warning about a rejected value comes from.
+/// The source of a warning about a rejected value.
 struct WarningSource
 {
   const char* category;

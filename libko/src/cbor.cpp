@@ -23,7 +23,7 @@ Value decode(const std::vector<std::uint8_t>& bytes)
   if (bytes.size() > wirelimits::bytes)
     throw TypeError("", "longer than " + std::to_string(wirelimits::bytes) + " bytes");
 
-  // What comes before a fault is parsed all the same, to learn the path of the fault.
+  // The bytes before a fault are still parsed, to learn the path of the fault.
   const std::optional<CborFault> fault = findCborFault(bytes);
   const std::uint8_t* const end = bytes.data() + (fault ? fault->offset : bytes.size());
   DocumentReader reader;

@@ -67,7 +67,7 @@ std::optional<std::string> faultOf(const Head& head, std::size_t rest)
   if (head.isIndefinite)
     return std::nullopt;
   const bool hasLength = isString(head) || head.type == Array || head.type == Map;
-  if (hasLength && head.argument > rest)  // every element takes a byte at least
+  if (hasLength && head.argument > rest)  // every element takes at least one byte
     return "a length of " + std::to_string(head.argument) + ", but only " + std::to_string(rest) + " bytes follow";
   if (head.type == NegativeInteger &&
       head.argument > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
@@ -79,7 +79,7 @@ std::optional<std::string> faultOf(const Head& head, std::size_t rest)
 
 std::optional<CborFault> findCborFault(const std::vector<std::uint8_t>& bytes)
 {
-  std::optional<MajorType> chunksOf;  // the type of the string of indefinite length that the scan is inside of
+  std::optional<MajorType> chunksOf;  // the type of the string of indefinite length in which the scan is
   std::size_t offset = 0;
   while (offset < bytes.size())
   {

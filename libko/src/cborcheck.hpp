@@ -16,11 +16,11 @@ struct CborFault
   std::string message;  ///< what is wrong
 };
 
-/// Returns the first fault of the document that the parser of the library would not see itself, or fall over.
+/// Returns the first fault of the document on which the library's parser would fail, or which it would not notice.
 ///
-/// The parser calls itself for every chunk of a string of indefinite length, chunks in chunks included; takes the
-/// length 2^64 - 1 for "indefinite"; and wraps negative integers that are below the range of 64 bits. Looks at the
-/// heads of all items one after the other, without regard to what is inside what, and allocates nothing.
+/// The parser calls itself for every chunk of a string of indefinite length, also for chunks in chunks; takes the
+/// length 2^64 - 1 for "indefinite"; and wraps negative integers that are below the range of 64 bits. This check looks
+/// at the heads of all items one after the other, without regard to nesting, and allocates nothing.
 std::optional<CborFault> findCborFault(const std::vector<std::uint8_t>& bytes);
 
 }  // namespace ko

@@ -19,14 +19,14 @@ bool isWordCharacter(char c)
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-/// Keywords that may stand before the name of a class.
+/// Keywords that may come before the name of a class.
 bool isKeyword(std::string_view word)
 {
   static constexpr std::array<std::string_view, 3> keywords = {"class", "struct", "enum"};
   return std::find(keywords.begin(), keywords.end(), word) != keywords.end();
 }
 
-/// Namespaces of standard libraries that nobody writes.
+/// Namespaces inside standard libraries that users never write.
 bool isInlineNamespace(std::string_view word)
 {
   return word == "__cxx11" || word == "__1";

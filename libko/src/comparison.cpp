@@ -108,7 +108,7 @@ int compareSameKind(const ValueView& left, const ValueView& right)
       return compareMaps(left, right);
     case TypeKind::Struct:
       return compareStructs(left, right);
-    default:  // of a kind that is not known here; compare() has looked inside what is dynamic
+    default:  // of an unknown kind; compare() has already unpacked dynamic values
       return 0;
   }
 }

@@ -68,7 +68,7 @@ ValueView withoutOptional(ValueView view)
   return view;
 }
 
-/// Returns the object without what is around it that a target of this kind does not have.
+/// Returns the object without the wrappers around it that a target of this kind does not have.
 ValueView unwrappedFor(TypeKind target, const ValueView& source)
 {
   if (target == TypeKind::Dynamic)
@@ -151,7 +151,7 @@ void Conversion::_fill(const ValueView& target, const ValueView& source, const P
     case TypeKind::Dynamic:
       return _fillDynamic(target, source, place);
   }
-  throwMisfit(target, source, place);  // a target of a kind that is not known here
+  throwMisfit(target, source, place);  // the target is of an unknown kind
 }
 
 void Conversion::_fillBool(const ValueView& target, const ValueView& source, const Place& place) const
@@ -301,7 +301,7 @@ std::vector<std::string> without(const std::vector<std::string>& all, const std:
   return rest;
 }
 
-/// Refuses a source with other members than the target, unless one of the two structs accepts the difference.
+/// Refuses a source whose members differ from the target's, unless one of the two structs accepts the difference.
 void requireSameMembers(const ValueView& target, const ValueView& source, const Place& place)
 {
   const auto& type = target.as<StructTypeInterface>();

@@ -12,7 +12,7 @@ struct ConversionRules
 {
   /// Take "NaN", "Infinity" and "-Infinity" for numbers where a floating-point type is expected.
   bool nonFiniteAsText = false;
-  /// Build values of the very type anew, member by member, instead of copying them.
+  /// Build values anew, member by member, even where the types are equal, instead of copying them.
   bool rebuildSameType = false;
 };
 

@@ -14,10 +14,10 @@
 namespace ko
 {
 
-/// Builds a value out of what a parser of the library finds in a document, within the limits of ko::wirelimits.
+/// Builds a value from the contents that a parser of the library finds, within the limits of ko::wirelimits.
 ///
-/// Made of the types that json::decode() and cbor::decode() list. The operations that return a bool are those that the
-/// library's parsers call, by the library's names; false stops the parser.
+/// Uses the types that json::decode() and cbor::decode() list. The operations that return a bool are called by the
+/// parsers of the library, so they have the library's names; false stops the parser.
 class DocumentReader
 {
 public:
@@ -43,7 +43,7 @@ public:
   /// Returns where the parser stopped, as TypeError::path() does.
   std::string path() const;
 
-  /// Returns what the parser or this reader stopped at.
+  /// Returns the reason why the parser or this reader stopped.
   const std::string& error() const { return _error; }
 
   /// Whether the parser stopped because the document ended too early.

@@ -8,10 +8,10 @@ namespace ko
 
 /// A clock that follows a slow one with the help of a fast counter of constant but unknown rate.
 ///
-/// Both are read together now and then: that is an anchor. From an anchor the time is counted on, for a millisecond at
-/// most, at the rate that the counter had between the two anchors before; so a step or a slew of the slow clock shows
-/// with the next anchor. As long as the rate is not known, or has just changed by more than a thousandth (the slow
-/// clock was stepped, or the machine slept or moved), the slow clock itself is read.
+/// An anchor is a pair of readings, one of each clock, taken together now and then. From an anchor the time is counted
+/// on, for a millisecond at most, at the rate that the counter had between the two anchors before; so a step or a slew
+/// of the slow clock shows with the next anchor. As long as the rate is not known, or has just changed by more than a
+/// thousandth (the slow clock was stepped, or the machine slept or moved), the slow clock itself is read.
 ///
 /// `Hardware` has the functions `std::uint64_t counter()` and `std::int64_t systemTime()` [ns].
 ///
@@ -24,8 +24,8 @@ public:
   constexpr ExtrapolatedClock() = default;
   explicit constexpr ExtrapolatedClock(const Hardware& hardware) : _hardware(hardware) {}
 
-  /// Returns the time in nanoseconds: within 1000 of the slow clock, unless that was stepped during the last
-  /// millisecond. Never goes back unless the slow clock does.
+  /// Returns the time in nanoseconds: within 1000 of the slow clock, unless the slow clock was stepped during the last
+  /// millisecond. The time never goes back unless the slow clock does.
   std::int64_t now()
   {
     const std::uint64_t ticks = _hardware.counter() - _anchor.counter;
@@ -37,11 +37,11 @@ public:
 private:
   static constexpr std::int64_t validity = 1000000;  // [ns] how long an anchor is counted on from
   static constexpr std::int64_t looseBracket = 400;  // [ns] a pair of readings further apart is no anchor
-  static constexpr std::int64_t holdable = 500;      // [ns] the clock waits rather than go back by up to this much
+  static constexpr std::int64_t longestHold = 500;   // [ns] to go back by up to this much, the clock waits instead
   static constexpr double steadiness = 1e-3;         // two rates agree if they differ by no more than this share
-  static constexpr double caution = 3e-5;            // the clock is run this much too slow, so as not to overtake
-  static constexpr double shortestTick = 1e-3;       // [ns] a counter that went back seems to have ticked for centuries
-  static constexpr double longestTick = 1e5;         // [ns] one that hardly moves is of no use
+  static constexpr double caution = 3e-5;            // runs slower by this share, so that it does not overtake
+  static constexpr double shortestTick = 1e-3;       // [ns] a counter that went back seems to have run for centuries
+  static constexpr double longestTick = 1e5;         // [ns] an anchor needs at least so long a distance
   static constexpr int attempts = 3;
 
   struct Anchor
@@ -53,7 +53,7 @@ private:
 
   std::int64_t _nanoseconds(std::uint64_t ticks) const { return static_cast<std::int64_t>((ticks * _rate) >> 32U); }
 
-  /// Reads both clocks at what is nearly one moment.
+  /// Reads both clocks at nearly one moment.
   Anchor _readBoth()
   {
     Anchor best;
@@ -74,7 +74,7 @@ private:
     const std::int64_t elapsed = fresh.systemTime - _anchor.systemTime;
     const bool rateIsSought = _validTicks == 0;
     if (rateIsSought && elapsed >= 0 && elapsed < validity)
-      return fresh.systemTime;  // too near to the last anchor to tell the rate
+      return fresh.systemTime;  // too near to the last anchor to compute the rate
 
     const double nanosecondsPerTick =
         static_cast<double>(elapsed) / static_cast<double>(fresh.counter - _anchor.counter);
@@ -85,7 +85,7 @@ private:
     const std::int64_t latestShown = _anchorTime + (rateIsSought ? 0 : _nanoseconds(_validTicks));
     const std::int64_t wait = latestShown - fresh.systemTime;
     _anchor = fresh;
-    _anchorTime = wait > 0 && wait < holdable ? latestShown : fresh.systemTime;
+    _anchorTime = wait > 0 && wait < longestHold ? latestShown : fresh.systemTime;
     _nanosecondsPerTick = nanosecondsPerTick;
     if (isSteady && isUsable && isTight)
       _run(nanosecondsPerTick);

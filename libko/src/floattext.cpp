@@ -49,7 +49,7 @@ double shortestDouble(float number)
   const std::string_view text = shortest(number, digits);
   double nearest = 0;
   std::from_chars(text.data(), text.data() + text.size(), nearest);
-  // Rounded twice, the digits of 7.038531e-26f end at its neighbour (no others do), so that it takes all of a double's.
+  // Rounded twice, 7.038531e-26f (and no other float) would become its neighbour, so it gets all digits of a double.
   return static_cast<float>(nearest) == number ? nearest : static_cast<double>(number);
 }
 

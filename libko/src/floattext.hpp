@@ -7,13 +7,13 @@
 namespace ko
 {
 
-/// Returns the number with as few digits as give it back; "NaN", "Infinity" or "-Infinity" if it is not finite.
+/// Returns the number with as few digits as identify it; "NaN", "Infinity" or "-Infinity" if it is not finite.
 std::string floatText(double number);
 
-/// Returns what "NaN", "Infinity" and "-Infinity" stand for, and nothing for any other text.
+/// Returns the number for "NaN", "Infinity" and "-Infinity", and nothing for any other text.
 std::optional<double> nonFiniteFromText(std::string_view text);
 
-/// Returns the double that is written with as few digits as the float needs: 0.1 for 0.1f. It rounds to the float.
+/// Returns the double with the shortest text of the float: 0.1 for 0.1f. The double rounds to the float.
 double shortestDouble(float number);
 
 }  // namespace ko

@@ -21,7 +21,7 @@ Value decode(std::string_view text)
 {
   if (text.size() > wirelimits::bytes)
     throw TypeError("", "longer than " + std::to_string(wirelimits::bytes) + " bytes");
-  // The parser takes a NUL for the end, and would leave what follows unread.
+  // The parser takes a NUL for the end, and would not read the text after it.
   if (text.find('\0') != std::string_view::npos)
     throw TypeError("", "a NUL at byte " + std::to_string(text.find('\0') + 1) + ", which no JSON has");
   DocumentReader reader;

@@ -14,7 +14,7 @@ namespace ko
 namespace
 {
 
-/// Writes in place, into a tree whose end its owner sees to: see DocumentTree.
+/// Writes in place into a tree; the owner of the tree frees it: see DocumentTree.
 class TreeWriter
 {
 public:
@@ -80,7 +80,7 @@ void TreeWriter::write(JsonTree& target, ValueView view, const Place& place, std
                             : _map(target, view, place, inside(depth, place));
     case TypeKind::Struct:
       return _object(target, view, place, inside(depth, place));
-    default:  // null for a kind that is not known here; held() has looked inside what is dynamic
+    default:  // null for an unknown kind; held() has already unpacked dynamic values
       break;
   }
 }

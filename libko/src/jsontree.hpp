@@ -19,8 +19,8 @@ enum class WireForm
 
 /// A value as a tree.
 ///
-/// It takes the tree down itself: a tree of more than one level needs memory for its own end, and would end the process
-/// if there were none.
+/// Frees the tree itself, without allocating: the library's destructor needs memory for a tree of more than one level,
+/// and would end the process if no memory was left.
 class DocumentTree
 {
 public:
@@ -33,7 +33,7 @@ public:
   const JsonTree& root() const { return _root; }
 
 private:
-  DocumentTree() = default;  // what another constructor delegates to is destroyed if that throws
+  DocumentTree() = default;  // a constructor that throws after delegating has its object destroyed
 
   JsonTree _root;
 };

@@ -33,7 +33,7 @@ struct Addition
   explicit Addition(Handler added) : handler(std::move(added)) {}
 
   const Handler handler;
-  std::atomic<bool> isRemoved{false};  // though it stands in the list still, for want of memory
+  std::atomic<bool> isRemoved{false};  // although it is still in the list, for want of memory
 };
 
 using Handlers = std::map<HandlerId, std::shared_ptr<Addition>>;  // ids ascend: in the order of adding
@@ -64,14 +64,14 @@ std::shared_ptr<const Handlers> currentHandlers()
   return shared.handlers;
 }
 
-/// Drops those that had to stay when they were removed.
+/// Drops the handlers that stayed in the list when they were removed.
 void dropRemoved(Handlers& handlers)
 {
   for (auto next = handlers.begin(); next != handlers.end();)
     next = next->second->isRemoved ? handlers.erase(next) : std::next(next);
 }
 
-/// Puts a copy of the handlers, as `change` leaves it, in their place.
+/// Replaces the handlers by a copy that `change` has edited.
 ///
 /// A handler that is dropped thereby dies after the lock is released: its destructor may log.
 template <typename Change>
@@ -86,8 +86,8 @@ void replaceHandlers(Change change)
   former = std::exchange(shared.handlers, std::move(handlers));
 }
 
-/// Removes a handler without memory: it stays in the list, and is passed over.
-void passOver(HandlerId id)
+/// Removes a handler without allocating: it stays in the list, and is skipped.
+void skipHandler(HandlerId id)
 {
   const std::shared_ptr<const Handlers> handlers = currentHandlers();
   const auto found = handlers->find(id);
@@ -109,13 +109,13 @@ void writeToStandardError(const Record& record)
     return;
   std::ostringstream line;
   line.imbue(std::locale::classic());
-  line.exceptions(std::ios::badbit);  // rather than cut the line where memory runs out
+  line.exceptions(std::ios::badbit);  // throws if memory runs out, instead of cutting the line
   line << '[' << levelName(record.level) << "] " << record.category << ": " << record.message << " (" << record.file
        << ':' << record.line << ", " << record.function << ")\n";
   std::cerr << line.str();  // one write, so that lines of several threads do not mix
 }
 
-/// Needs no memory, which may be what the handler has run out of.
+/// Allocates nothing, since the handler may have run out of memory.
 void reportFailure(const char* reason)
 {
   std::array<char, 512> line;  // NOLINT(cppcoreguidelines-pro-type-member-init): snprintf() fills it
@@ -202,7 +202,7 @@ void removeHandler(HandlerId id)
   }
   catch (const std::bad_alloc&)
   {
-    passOver(id);
+    skipHandler(id);
   }
 }
 

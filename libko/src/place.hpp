@@ -8,9 +8,9 @@
 namespace ko
 {
 
-/// Where in a value a walk stands: the value as a whole, or a member or element of the place that it came from.
+/// Where a walk through a value is: at the value as a whole, or at a member or element of the place before.
 ///
-/// Lives on the stack of the walk; the path is only written out for an error.
+/// Lives on the stack of the walk; the path is written only for an error.
 class Place
 {
 public:

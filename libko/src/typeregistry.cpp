@@ -19,7 +19,7 @@ public:
   Value& value(void* storage) const override { return object(storage); }
 };
 
-/// Undoes, at the end of the scope, a step whose successor failed.
+/// Undoes a step at the end of the scope, if a later step failed.
 template <typename Action>
 class Undo
 {
@@ -33,7 +33,7 @@ public:
       _action();
   }
 
-  /// All that followed went well.
+  /// Keeps the step: all later ones succeeded.
   void keepDone() { _done = true; }
 
 private:
@@ -43,7 +43,7 @@ private:
 
 /// The types of the process, by C++ type and by class name.
 ///
-/// It brings along what every program shares, so that those interfaces are of this library and not of one that may be
+/// It holds the interfaces that every program shares, so that they belong to this library and not to one that may be
 /// unloaded.
 class Registry
 {
@@ -100,7 +100,7 @@ Registry& registry()
   return instance;
 }
 
-/// What a struct is found by: its class name, normalised and without a leading "::".
+/// The name by which a struct is found: its class name, normalised and without a leading "::".
 std::string key(std::string_view className)
 {
   std::string name = detail::normalizeClassName(className);

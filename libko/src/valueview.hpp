@@ -33,7 +33,7 @@ inline TypeKind kindOf(const ValueView& view)
   return view.type->kind();
 }
 
-/// Returns what a dynamic value holds, through any number of them; any other object as it is.
+/// Returns the object inside a dynamic value, through any number of them; any other object as it is.
 ValueView held(ValueView view);
 
 /// Returns the number of members of a struct or tuple, or of elements of a list or map; 0 for everything else.

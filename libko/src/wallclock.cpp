@@ -26,8 +26,8 @@ std::int64_t systemTime()
 
 #ifdef KO_COUNT_TIME
 
-/// Tells whether the counter has one rate in all states of all processors: the processor says the first, and the kernel
-/// keeps its own time by the counter only if it has found the second to hold.
+/// Returns whether the counter has one rate in all states of all processors. The processor reports the first; the
+/// kernel uses the counter for its own time only if it has found the second to hold.
 bool counterIsReliable()
 {
   constexpr unsigned int powerManagementLeaf = 0x80000007U;

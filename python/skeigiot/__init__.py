@@ -13,7 +13,7 @@ each with the text that the C++ exception has; ``TypeError`` for an argument of 
 
 from . import _built  # isort: skip  # first: its error names the right Python version
 
-from . import classification, ko
+from . import classification, ko, study
 from ._agree import Agreement, agree
 from ._boundaries import restoredBoundaries
 from ._replay import replay, replay_all
@@ -62,6 +62,7 @@ from ._skeigiot import (
     isFinite,
     leaveOutNonFinite,
 )
+from ._studyresults import StudyResults, open_results
 from .ko import AttentionState, ClockSource, ManualClock, ScopedClockSource, SystemClock
 
 __all__ = [
@@ -107,6 +108,7 @@ __all__ = [
     "ShortTermMemory",
     "Smile",
     "SocialGraph",
+    "StudyResults",
     "SystemClock",
     "Timestamped",
     "ValueConfidence",
@@ -122,7 +124,9 @@ __all__ = [
     "isFinite",
     "ko",
     "leaveOutNonFinite",
+    "open_results",
     "replay",
     "replay_all",
     "restoredBoundaries",
+    "study",
 ]

@@ -1,4 +1,4 @@
-"""Data frames, as the compiled part takes them."""
+"""Data frames, in the form that the compiled part needs."""
 
 from __future__ import annotations
 
@@ -59,7 +59,7 @@ def pack(frame: Any, name: str) -> PackedFrame:
 
 
 def notes_on(packed: PackedFrame) -> List[str]:
-    """Returns warnings of what may be wrong with a frame that can be read."""
+    """Returns warnings about probable mistakes in a frame that can be read."""
     name, _, _, columns = packed
     times = next((values for column, values in columns if column == "time"), None)
     if not isinstance(times, np.ndarray) or len(times) < _ENOUGH_ROWS:
@@ -153,7 +153,7 @@ def _moments_of(times: npt.NDArray[Any], name: str) -> Optional[npt.NDArray[np.i
 
 
 def _seconds_of(times: npt.NDArray[Any], name: str) -> npt.NDArray[Any]:
-    """Returns timedeltas in seconds; other times stay as they are."""
+    """Returns timedeltas in seconds; other times are unchanged."""
     if times.dtype.kind == "O" and isinstance(times[0], datetime.timedelta):
         strange = next((row for row, time in enumerate(times) if not isinstance(time, datetime.timedelta)), None)
         if strange is not None:

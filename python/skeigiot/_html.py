@@ -1,4 +1,4 @@
-"""What notebooks show of replays, tables and states."""
+"""The views of replays, tables and states in notebooks."""
 
 from __future__ import annotations
 
@@ -17,7 +17,7 @@ _WHOLE_RECORDING = "whole recording"
 
 
 def of_replay(replay: ShownReplay, summary: Mapping[str, Sequence[Any]]) -> str:
-    """Returns what is in a replay: persons, verdicts, how it was read, and warnings.
+    """Returns the content of a replay: persons, verdicts, how it was read, and warnings.
 
     summary: the columns of the replay's summary
     """

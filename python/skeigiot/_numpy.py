@@ -10,7 +10,7 @@ if TYPE_CHECKING:
 else:
 
     class _Numpy:
-        """Stands in for the module; what is asked for once is kept."""
+        """Replaces the module until it is needed; attributes are kept after their first use."""
 
         def __getattr__(self, name: str) -> Any:
             value = getattr(importlib.import_module("numpy"), name)

@@ -1,4 +1,4 @@
-"""The curves of a replay, drawn as the HTML report draws them. matplotlib is imported when something is drawn."""
+"""The curves of a replay, drawn as the HTML report draws them. matplotlib is imported when the first picture is drawn."""
 
 from __future__ import annotations
 
@@ -120,7 +120,7 @@ def _title(replay: ShownReplay, numbers: Sequence[int]) -> str:
 
 
 def _draw_quantity(axis: Axes, replay: ShownReplay, number: int, quantity: str, least: float) -> None:
-    """Draws a line in a band that is wider the less sure the estimate is; nothing where the estimate is unknown."""
+    """Draws a line in a band that is wider where the estimate is less sure; with gaps where it is unknown."""
     axis.set_ylim(least - 0.03, 1.03)
     marks = {-1.0: "negative", -0.5: "−0.5", 0.0: "neutral", 0.5: "+0.5", 1.0: "positive"}
     axis.set_yticks(list(marks) if least < 0 else [0.0, 0.5, 1.0])
@@ -228,7 +228,7 @@ def _hidden_look(_: str) -> Tuple[str, str, Tuple[str, ...]]:
 
 
 def _scope_lanes(replay: ShownReplay, number: int) -> List[_Lane]:
-    """Scopes that overlap lie in lanes below each other."""
+    """Scopes that overlap are in lanes below each other."""
     lanes: List[_Lane] = []
     for scope in sorted(replay.verdicts, key=lambda one: (one.start, -one.stop)):
         is_whole = scope.start <= 0 and scope.stop >= replay.length

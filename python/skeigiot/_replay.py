@@ -24,7 +24,7 @@ if TYPE_CHECKING:
     Result = TypeVar("Result", covariant=True)
 
     class Run(Protocol[Result]):
-        """What is called with its arguments, and then run."""
+        """A class that is called with its arguments, and then run."""
 
         def run(self) -> Result: ...
 

@@ -1,4 +1,4 @@
-"""What came of a replay, and what may be wrong with recordings."""
+"""The result of a replay, and the errors and warnings about recordings."""
 
 from __future__ import annotations
 
@@ -16,9 +16,9 @@ if TYPE_CHECKING:
 
 
 class RecordingError(ValueError):
-    """A recording that cannot be read; the text says where, and what was expected.
+    """A recording that cannot be read; the text names the place, and the expected value.
 
-    file, line and field (a column, or a member of JSON) are None where they say nothing. For a frame, the file is
+    file, line and field (a column, or a member of JSON) are None if they are unknown. For a frame, the file is
     "frame, row N", with rows counted from 0. The results before the error are in replay, unless nothing was read.
     """
 
@@ -31,7 +31,7 @@ class RecordingError(ValueError):
 
 
 class RecordingWarning(UserWarning):
-    """Something about a recording that is to be known, and does not keep it from being read."""
+    """A problem of a recording that does not prevent its reading."""
 
 
 class Columns(Dict[str, "npt.NDArray[Any]"]):
@@ -64,7 +64,7 @@ class Columns(Dict[str, "npt.NDArray[Any]"]):
 
 @dataclass(frozen=True)
 class PersonVerdict:
-    """How a scope went for one person."""
+    """The verdict and the means of one person in a scope."""
 
     word: str
     """"positive", "neutral", "negative" or "unknown\""""
@@ -74,7 +74,7 @@ class PersonVerdict:
 
 @dataclass(frozen=True)
 class ScopeVerdict:
-    """How a scope went, for each person with an update in it."""
+    """The same for each person with an update in the scope."""
 
     scope: str
     """the name; "whole recording" for all of it"""
@@ -119,9 +119,9 @@ class Replay:
     to, and evidence, which is the reading that decided. Without explain=True they have no columns.
 
     ambiance has a row for each update of the room: time, clock, agitation (0 to 1), excited; no columns if there was
-    none. verdicts are those on the whole recording and on all scopes. description says in which way the recording was
-    read, learned what was learned of the faces at rest; warnings are the texts of all warnings; length is in seconds;
-    name names the recording; error is what ended it before its end, None if nothing did.
+    no update. verdicts are those on the whole recording and on all scopes. description has how the recording was
+    read, learned the learned faces at rest; warnings are the texts of all warnings; length is in seconds;
+    name names the recording; error is the error that ended it early, None without one.
     """
 
     def __init__(self, outcome: Dict[str, Any]) -> None:
@@ -148,12 +148,12 @@ class Replay:
         return self.updates.to_pandas()
 
     def title_of(self, person: int) -> str:
-        """Returns what to call a person in titles: "anna (3)", or "Person 3" if the recording gives no name."""
+        """Returns the name of a person for titles: "anna (3)", or "Person 3" if the recording gives no name."""
         name = self.names.get(person)
         return f"Person {person}" if name is None else f"{name} ({person})"
 
     def summary(self) -> pandas.DataFrame:
-        """Returns what the recording showed on the whole, as a pandas frame with the rows and columns that `skeigiot
+        """Returns the summary of the recording, as a pandas frame with the rows and columns that `skeigiot
         replay --summary` exports: one for each person and scope.
 
         Means and shares are over time. Means leave out what is unknown, and are NaN if it was never known;
@@ -167,11 +167,11 @@ class Replay:
         return pandas.DataFrame(_summary.columns_of(self._summary))
 
     def plot(self, persons: Optional[Iterable[int]] = None) -> Figure:
-        """Draws valence and attention of each person over time, in bands that are wider the less sure the estimate is,
+        """Draws valence and attention of each person over time, in bands that are wider where the estimate is less sure,
         and ribbons of the scopes, zones and pleasure; returns the figure of matplotlib.
 
-        persons: whom to draw, by their numbers; not given, all persons, or of many those with the most updates. What is
-        unknown is not drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(),
+        persons: whom to draw, by their numbers; not given, all persons, or of many those with the most updates. Unknown values
+        are not drawn. The figure is made with pyplot, so that a notebook shows it; elsewhere call its savefig(),
         or pyplot.show(). Raises ImportError if there is no matplotlib, ValueError for a person who is not there.
         """
         return _plot.draw(self, persons)

@@ -25,7 +25,7 @@ _OPTION_OF_BOUNDARY = {option[len("boundary-"):].replace("-", "_"): option for o
 
 @dataclass(frozen=True, eq=False, kw_only=True)
 class ReadingSettings:
-    """The keyword arguments that say how recordings are read and estimated; replay() says what they mean."""
+    """The keyword arguments for reading recordings and estimating; replay() explains them."""
 
     format: Optional[str] = None
     cycle: Union[float, str] = 10.0
@@ -43,7 +43,7 @@ class ReadingSettings:
     boundaries: Optional[Mapping[str, float]] = None
 
     def packed(self) -> Dict[str, Any]:
-        """Returns them as the compiled part takes them.
+        """Returns them in the form that the compiled part needs.
 
         Raises ValueError for one that is out of its range.
         """
@@ -82,7 +82,7 @@ class ReadingSettings:
 
 @dataclass(frozen=True, eq=False, kw_only=True)
 class Settings(ReadingSettings):
-    """The keyword arguments that replay() and replay_all() share; replay() says what they mean."""
+    """The keyword arguments that replay() and replay_all() share; replay() explains them."""
 
     explain: bool = False
     scopes: Optional[Mapping[str, Span]] = None

@@ -1,4 +1,4 @@
-"""What pictures and notebooks show of a replay: the parts that they read."""
+"""The parts of a replay that pictures and notebooks read."""
 
 from __future__ import annotations
 
@@ -10,7 +10,7 @@ if TYPE_CHECKING:
     from typing import Protocol
 
     class ShownTable(Protocol):
-        """A table, as Columns is one."""
+        """The interface of Columns."""
 
         @property
         def rows(self) -> int: ...
@@ -19,7 +19,7 @@ if TYPE_CHECKING:
         def __len__(self) -> int: ...
 
     class ShownVerdict(Protocol):
-        """How a scope went, as ScopeVerdict says it."""
+        """The interface of ScopeVerdict."""
 
         @property
         def scope(self) -> str: ...
@@ -33,7 +33,7 @@ if TYPE_CHECKING:
         def persons(self) -> Mapping[int, Any]: ...
 
     class ShownReplay(Protocol):
-        """A replay, as Replay is one."""
+        """The interface of Replay."""
 
         @property
         def name(self) -> str: ...

@@ -30,8 +30,8 @@ using KV::classification::Coefficient;
 using KV::classification::LinregMoodScore;
 using KV::classification::LogregMoodScore;
 
-// In Python, classes refer to scores, and classifiers to rules, that may be written in Python as well. So the classes
-// here are the bindings' own, and hold what they refer to; what is computed is the library's.
+// In Python, classes refer to scores, and classifiers to rules, which may be written in Python as well. So the classes
+// here belong to the bindings, and keep the objects they refer to; the library does the computing.
 
 struct MoodScore
 {};
@@ -67,7 +67,7 @@ struct MoodClassifier
   py::object type;
 };
 
-/// What the library wants beside features and scores, and does not read.
+/// Arguments that the library needs besides features and scores, and does not read.
 KV::classification::MoodClass unread(std::int32_t value = 0)
 {
   static const LinregMoodScore score(0, 0.f);
@@ -89,7 +89,7 @@ float scoreOf(const RegressionScore<Score>& self, const py::object&, const std::
   }
   catch (const std::runtime_error& error)
   {
-    throw py::value_error(error.what());  // features that do not go with the weights are a bad argument
+    throw py::value_error(error.what());  // features that do not fit the weights are a bad argument
   }
 }
 
@@ -99,7 +99,7 @@ void rate(const py::object& self, const std::vector<float>& features)
   moodClass.score = moodClass.moodScore.attr("calculateScore")(self, features).cast<float>();
 }
 
-/// Puts the objects of the list in the order of the classes, whose values are the places where they were before.
+/// Sorts the objects of the list by the classes; their values are the objects' places before.
 void reorder(py::list& list, const std::vector<KV::classification::MoodClass>& classes)
 {
   const py::list before(list[py::slice(0, static_cast<py::ssize_t>(list.size()), 1)]);
@@ -193,7 +193,7 @@ void bindScores(py::module_& module)
 
 MoodClass makeClass(std::string name, std::int32_t value, py::object moodScore)
 {
-  moodScore.cast<const MoodScore&>();  // raises if it is none
+  moodScore.cast<const MoodScore&>();  // raises if it has another type
   return {std::move(name), value, std::move(moodScore)};
 }
 
@@ -246,7 +246,7 @@ void bindClassifier(py::module_& module)
           "lead is not strictly greater than the threshold, or is NaN; the list stays sorted.");
   py::class_<MoodClassifier>(module, "MoodClassifier", "Picks the winner of a list of scored classes by a rule.")
       .def(py::init([](py::object type) {
-             type.cast<const MoodClassifierType&>();  // raises if it is none
+             type.cast<const MoodClassifierType&>();  // raises if it has another type
              return MoodClassifier{std::move(type)};
            }),
            py::arg("type"),

@@ -24,12 +24,12 @@ using Scopes = ThreadScopes<ko::ScopedClockSource>;
   throw py::error_already_set();
 }
 
-/// \throws py::type_error, py::value_error that say who told the time, if it is none.
-ko::SystemClock::time_point timeOf(const py::object& told)
+/// \throws py::type_error, py::value_error with the name of the clock, if it did not return a time.
+ko::SystemClock::time_point timeOf(const py::object& returned)
 {
   try
   {
-    return timeFrom(told);
+    return timeFrom(returned);
   }
   catch (const py::type_error& error)
   {
@@ -41,7 +41,7 @@ ko::SystemClock::time_point timeOf(const py::object& told)
   }
 }
 
-/// A clock source that is written in Python; takes the interpreter lock for each look at it.
+/// A clock source that is written in Python; takes the interpreter lock for each reading.
 class PythonClockSource : public ko::ClockSource
 {
 public:
@@ -56,7 +56,7 @@ public:
   }
 };
 
-/// What makes a clock source the clock of the thread; the library's own scope lives only between enter and exit.
+/// Makes a clock source the clock of the thread; the library's own scope lives only between enter and exit.
 struct ScopedClockSource
 {
   py::object source;
@@ -104,7 +104,7 @@ void bindScope(py::module_& module)
       "Scopes nest: the innermost one counts, and its end brings the one around it back. Leaving one on another "
       "thread, or before those inside it, raises RuntimeError.")
       .def(py::init([](const py::object& source) {
-             source.cast<ko::ClockSource&>();  // raises if it is none
+             source.cast<ko::ClockSource&>();  // raises if it has another type
              return ScopedClockSource{source};
            }),
            py::arg("source"))

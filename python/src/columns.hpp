@@ -21,7 +21,7 @@ namespace binding
 class Columns
 {
 public:
-  /// The fields of a row are then told in the same order each time.
+  /// The fields of a row must then come in the same order each time.
   void beginRow() { _next = 0; }
 
   void operator()(const char* name, bool value) { _of<std::uint8_t>(name).push_back(value ? 1 : 0); }
@@ -29,7 +29,7 @@ public:
   void operator()(const char* name, std::int64_t value) { _of<std::int64_t>(name).push_back(value); }
   void operator()(const char* name, float value) { _of<float>(name).push_back(value); }
   void operator()(const char* name, ko::SystemClock::duration value) { (*this)(name, value.count()); }
-  /// What is missing is the least number, which NumPy takes for "not a time".
+  /// A missing time is the least number, which NumPy reads as "not a time".
   void operator()(const char* name, const boost::optional<ko::SystemClock::duration>& value)
   {
     (*this)(name, value ? value->count() : std::numeric_limits<std::int64_t>::min());
@@ -37,14 +37,14 @@ public:
   void operator()(const char* name, std::string_view value);
 
   /// Returns a dict with an array for each column, and leaves the table empty. A column of texts is a pair: codes, and
-  /// the list of texts that they stand for. To be called with the interpreter lock held.
+  /// the list of texts for the codes. To be called with the interpreter lock held.
   pybind11::dict take();
 
 private:
   template <typename T>
   using Values = std::vector<T>;
 
-  /// There are few different ones.
+  /// For few different texts.
   struct Texts
   {
     std::vector<std::int32_t> codes;

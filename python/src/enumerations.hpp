@@ -15,8 +15,8 @@
 #include <limits>
 
 /// \file
-/// Enumerations as enum.IntEnum: members come out, members and any other int go in, so that the library itself refuses
-/// a value outside its list.
+/// Enumerations as enum.IntEnum: the library returns members, and takes members and any other int, so that the library
+/// itself refuses a value outside its list.
 
 namespace binding
 {
@@ -56,7 +56,7 @@ protected:
 namespace pybind11::detail
 {
 
-/// Says how an enumeration is cast, and what signatures call it.
+/// Defines how an enumeration is cast, and its name in signatures.
 #define SKEIGIOT_PYTHON_ENUMERATION(type, pythonName)               \
   template <>                                                       \
   class type_caster<type> : public binding::EnumerationCaster<type> \

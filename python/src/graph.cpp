@@ -16,7 +16,7 @@ namespace binding
 namespace
 {
 
-/// Puts what a callback made of its copy of a person back into the graph, also if the callback raises.
+/// Puts a callback's changed copy of a person back into the graph, also if the callback raises.
 class WriteBack
 {
 public:
@@ -46,10 +46,10 @@ private:
   std::atomic<std::thread::id>& _thread;
 };
 
-/// A graph whose callbacks are Python's, and which refuses what would block for ever: a call from inside a callback.
+/// A graph whose callbacks are Python's; it refuses calls that would never return: those from inside a callback.
 ///
 /// A callback holds the interpreter lock for its own run only. It gets a copy of the person, a handle on the same
-/// records: Python may keep it for longer than the graph keeps its own.
+/// records: Python may keep the copy for longer than the graph keeps its own.
 class Graph
 {
 public:

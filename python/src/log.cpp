@@ -17,7 +17,7 @@ namespace
 
 constexpr int verboseLevel = 15;  // between DEBUG (10) and INFO (20)
 
-/// Returns the level of Python's logging, or 0 for what is not to be heard.
+/// Returns the level of Python's logging, or 0 for records that are not logged.
 int pythonLevel(ko::log::Level level)
 {
   switch (level)
@@ -40,7 +40,7 @@ int pythonLevel(ko::log::Level level)
   return 0;
 }
 
-/// Decodes what may not be UTF-8: a file name is as the system gave it.
+/// Decodes text that may not be UTF-8: a file name has the bytes that the system gave.
 py::str text(const std::string& bytes)
 {
   return py::reinterpret_steal<py::str>(
@@ -62,14 +62,14 @@ void handToLogging(const ko::log::Record& record, int level)
   callPython(logger.attr("handle"), py::make_tuple(made));
 }
 
-/// Runs on whatever thread logs, with or without the interpreter lock, and while mutexes of the library may be held.
+/// Runs on any thread that logs, with or without the interpreter lock, and while mutexes of the library may be held.
 void handle(const ko::log::Record& record)
 {
   const int level = pythonLevel(record.level);
   if (level == 0 || SilencedLog::isOn() || isEnding())
     return;
   locked([&] {
-    const py::error_scope pending;  // the call that logs may be one that is about to raise
+    const py::error_scope pending;  // the call that logs may be about to raise
     handToLogging(record, level);
   });
 }

@@ -113,7 +113,7 @@ std::unique_ptr<AnyMemory> memoryOf(boost::chrono::milliseconds horizon)
   return std::make_unique<MemoryOf<T>>(horizon);
 }
 
-/// What a kind of readings is called in Python, and how its memory is made.
+/// The Python name of a kind of readings, and the function that makes its memory.
 struct Kind
 {
   py::object type;
@@ -198,7 +198,7 @@ void bindShortTermMemory(py::module_& module)
   allowTypeParameter(memory);
 }
 
-/// What a memory holds, its record as Python sees it.
+/// The readings of a memory, each in its Python form.
 struct AnyRemembered
 {
   std::size_t count = 0;

@@ -8,7 +8,7 @@
 namespace
 {
 
-/// What is asked of an empty memory is a failed look-up.
+/// A query to an empty memory is a failed look-up.
 void translateEmptyMemory(std::exception_ptr exception)
 {
   try
@@ -22,14 +22,14 @@ void translateEmptyMemory(std::exception_ptr exception)
   }
 }
 
-/// Stands where pybind11 would give memory without an object in it to an operation of an object that was never made.
+/// Replaces pybind11's allocation, which would give memory without an object to methods of an uninitialised object.
 void* refuseUnmade(std::size_t)
 {
   throw pybind11::type_error(
       "this object was made by __new__() alone, so it holds nothing: call the class, or __init__() first");
 }
 
-/// Objects of this module that nobody has initialised are refused by every operation.
+/// Every operation refuses objects of this module that are not initialised.
 void refuseUnmadeObjects(const pybind11::module_& module)
 {
   for (const auto& [name, value] : module.attr("__dict__").cast<pybind11::dict>())
@@ -46,7 +46,7 @@ PYBIND11_MODULE(_skeigiot, module)
   module.attr("__version__") = SKEIGIOT_VERSION;
   pybind11::register_exception_translator(translateEmptyMemory);
 
-  // Classes say that they live where users find them.
+  // Classes name the module in which users find them.
   const auto under = [&module](const char* package, auto... bind) {
     module.attr("__name__") = package;
     (bind(module), ...);
@@ -58,7 +58,7 @@ PYBIND11_MODULE(_skeigiot, module)
   under("skeigiot", bindRecords, bindFacialPoints, bindObservation, bindFinite, bindMemory, bindRamp);
   under("skeigiot.classification", bindClassification);
   under("skeigiot", bindBodyLanguage, bindAmbiance, bindState, bindPerson, bindPacer, bindGraph, bindRecorder,
-        bindForces, bindReplay);
+        bindForces, bindReplay, bindStudy);
   module.attr("__name__") = name;
   refuseUnmadeObjects(module);
   endWithoutDaemonThreads();

@@ -29,5 +29,6 @@ void bindGraph(pybind11::module_& module);
 void bindRecorder(pybind11::module_& module);
 void bindForces(pybind11::module_& module);
 void bindReplay(pybind11::module_& module);
+void bindStudy(pybind11::module_& module);
 
 }  // namespace binding

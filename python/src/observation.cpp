@@ -21,7 +21,7 @@ namespace binding
 namespace
 {
 
-/// One reading of an observation, as Python gets and sets it.
+/// One reading of an observation, with the functions that get and set it in Python.
 struct Reading
 {
   const char* name;
@@ -87,7 +87,7 @@ const Reading& readingNamed(const std::string& name)
 
 Observation make(const py::dict& named)
 {
-  const ko::SystemClock::time_point now = ko::SystemClock::now();  // one for all that are made together
+  const ko::SystemClock::time_point now = ko::SystemClock::now();  // one time for all readings that are made together
   Observation made;
   for (const auto& [name, value] : named)
   {
@@ -97,7 +97,7 @@ Observation make(const py::dict& named)
   return made;
 }
 
-/// The readings that are there, as keyword arguments.
+/// The readings that exist, as keyword arguments.
 py::dict readingsIn(const Observation& self)
 {
   py::dict there;

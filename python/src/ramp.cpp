@@ -12,7 +12,7 @@ namespace binding
 namespace
 {
 
-/// A ramp whose slope is known when the program runs.
+/// A ramp whose slope is known only at run time.
 struct AnyRamp
 {
   KV::RampSlope slope;

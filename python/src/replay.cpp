@@ -1,6 +1,7 @@
 #include "cycle.hpp"
 #include "module.hpp"
 #include "replayrun.hpp"
+#include "signalcheck.hpp"
 #include "silencedlog.hpp"
 #include "texts.hpp"
 #include "unlocked.hpp"
@@ -16,7 +17,6 @@
 #include <pybind11/numpy.h>
 #include <pybind11/stl.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
@@ -39,39 +39,12 @@ namespace binding
 namespace
 {
 
-/// The replay is one of several, of which another one ended all.
+/// Ends a replay because another one of the same call failed.
 struct Cancelled
 {};
 
-/// Lets Python's signal handlers run now and then while the interpreter lock is released, so that a replay can be
-/// interrupted.
-class SignalCheck
-{
-public:
-  /// \throws py::error_already_set if a handler raises.
-  void operator()()
-  {
-    const auto now = std::chrono::steady_clock::now();
-    if (now - _last < std::chrono::milliseconds(50))
-      return;
-    _last = now;
-    runHandlers();
-  }
-
-  static void runHandlers()
-  {
-    locked([] {
-      if (unlessEnding(&PyErr_CheckSignals) != 0)
-        throw py::error_already_set();
-    });
-  }
-
-private:
-  std::chrono::steady_clock::time_point _last;
-};
-
-/// Sets boundaries of the library, and brings the old ones back. They are process-wide, so that one replay at a time
-/// may do so.
+/// Sets boundaries of the library, and restores the old ones. They are process-wide, so only one replay at a time may
+/// do so.
 class SetBoundaries
 {
 public:
@@ -105,7 +78,7 @@ private:
   std::optional<KV::session::SavedBoundaries> _saved;
 };
 
-/// \param hint  behind the message
+/// \param hint  after the message
 py::object errorOf(const boost::optional<KV::recordings::Error>& error, const std::string& hint = {})
 {
   if (!error)
@@ -149,7 +122,7 @@ py::dict dictOf(ReplayOutcome& outcome)
   return dict;
 }
 
-/// The arrays of a frame must stay as they are for as long as it is used.
+/// The arrays of a frame must not change while it is used.
 KV::recordings::Table frameFrom(const py::tuple& source)
 {
   using Numbers = py::array_t<double, py::array::c_style>;
@@ -179,7 +152,7 @@ void take(const py::dict& options, const char* name, boost::optional<T>& target)
     target = options[name].cast<T>();
 }
 
-/// Parses the option, and names it in what is wrong with it.
+/// Parses the option, and names it in errors.
 template <typename T>
 T parsed(const py::dict& options, const char* name, T (*parse)(const std::string&))
 {
@@ -227,7 +200,7 @@ std::vector<KV::session::ScopeSpan> scopesFrom(const py::list& source)
   return scopes;
 }
 
-/// All but the session.
+/// All arguments except the session.
 ReplayRequest requestFrom(const py::dict& options)
 {
   ReplayRequest request;
@@ -247,7 +220,7 @@ Boundaries boundariesFrom(const py::dict& options)
   return options["boundaries"].cast<Boundaries>();
 }
 
-/// As above, with what the list names, the inputs of one session: each a frame or a path, with its offset in
+/// As above, with the items of the list, the inputs of one session: each a frame or a path, with its offset in
 /// nanoseconds.
 ReplayRequest requestFrom(const py::list& inputs, const py::dict& options)
 {
@@ -278,7 +251,7 @@ py::dict replayOne(const py::list& inputs, const py::dict& options)
     const KV::recordings::InterruptionCheck whileReading(std::ref(check));
     const SetBoundaries set(boundaries);
     ReplayOutcome played = replay(request, std::ref(check));
-    SignalCheck::runHandlers();  // a signal may be why it ended
+    SignalCheck::runHandlers();  // a signal may have ended it
     return played;
   });
   return dictOf(outcome);
@@ -323,7 +296,7 @@ py::tuple agreeOne(const py::list& inputs, const std::vector<std::string>& label
     const SetBoundaries set(boundaries);
     KV::session::AgreementRecorder recorder;
     ReplayOutcome played = play(request, {&recorder}, std::ref(check));
-    SignalCheck::runHandlers();  // a signal may be why it ended
+    SignalCheck::runHandlers();  // a signal may have ended it
     if (played.error)
       throw KV::recordings::Error(*played.error);
     warnings.insert(warnings.end(), played.warnings.begin(), played.warnings.end());
@@ -380,7 +353,7 @@ py::tuple replayAll(const std::vector<std::string>& paths, std::size_t jobs, con
   return py::make_tuple(textsOf(notes), dicts);
 }
 
-/// What planning the sessions may throw.
+/// The exceptions of planning the sessions.
 void translateRecordingError(std::exception_ptr exception)
 {
   try

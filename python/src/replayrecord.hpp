@@ -13,22 +13,22 @@
 namespace binding
 {
 
-/// What a session told.
+/// The tables of a session.
 struct ReplayTables
 {
   Columns updates;
-  Columns forces;       ///< "row" is that of the update
+  Columns forces;       ///< "row" is the row of the update
   Columns zoneChanges;  ///< of all updates
   Columns ambiance;
   std::vector<KV::session::ScopeVerdict> verdicts;
 };
 
-/// Keeps what a session tells in tables.
+/// Writes the data of a session into tables.
 class ReplayRecord : public KV::session::SessionObserver
 {
 public:
-  /// `session` is what exports call the session; `explain` fills the tables of forces and of changes
-  /// of zones. The tables must outlive the record.
+  /// `session` is the session's name in exports; `explain` fills the tables of forces and of changes of zones. The
+  /// tables must outlive the record.
   ReplayRecord(KV::session::SessionName session, bool explain, ReplayTables& tables)
     : _session(std::move(session)), _explain(explain), _tables(tables)
   {}

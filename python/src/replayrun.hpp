@@ -19,7 +19,7 @@
 namespace binding
 {
 
-/// What to replay, and how.
+/// The inputs and options of a replay.
 struct ReplayRequest
 {
   KV::session::SessionInputs session;
@@ -30,32 +30,32 @@ struct ReplayRequest
   bool explain = false;
   KV::session::Cycle cycle;
   std::vector<KV::session::ScopeSpan> scopes;  ///< besides the whole recording
-  std::int32_t number = 1;                     ///< of the session, as exports have it
+  std::int32_t number = 1;                     ///< of the session, in exports
 };
 
-/// What came of it.
+/// The result of a replay.
 struct ReplayOutcome
 {
   std::string name;
   ReplayTables tables;
   KV::session::Duration length{0};
-  std::string summary;  ///< as comma-separated values; empty if it was only played
+  std::string summary;  ///< as comma-separated values; empty if the session was only played
   std::vector<std::string> description;
   std::vector<std::string> learned;
   std::vector<std::string> warnings;
-  boost::optional<KV::recordings::Error> error;  ///< what ended the recording before its end
-  std::string hint;                              ///< goes on behind its message: which keyword helps
+  boost::optional<KV::recordings::Error> error;  ///< why the recording ended early
+  std::string hint;                              ///< follows its message: the keyword that helps
 };
 
 /// Plays one session for these observers, without the interpreter lock; the tables stay empty.
 ///
-/// \param check called for each step; what it throws ends the playing
+/// \param check called for each step; ends the playing by throwing
 ReplayOutcome play(const ReplayRequest& request, const std::vector<KV::session::SessionObserver*>& observers,
                    const std::function<void()>& check);
 
 /// Replays one session as the command does, without the interpreter lock.
 ///
-/// \param check called for each step; what it throws ends the replay
+/// \param check called for each step; ends the replay by throwing
 ReplayOutcome replay(const ReplayRequest& request, const std::function<void()>& check);
 
 }  // namespace binding

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// \file
-/// What is the same for all records in Python: how they are shown, compared and pickled.
+/// Shared by all records in Python: how they are shown, compared and pickled.
 
 namespace binding
 {
@@ -23,7 +23,7 @@ std::string representation(pybind11::handle record, const std::vector<const char
 
 /// Returns the text in UTF-8.
 ///
-/// \throws pybind11::value_error that says what the text is, if it has half a surrogate pair, which UTF-8 cannot hold.
+/// \throws pybind11::value_error that names the text, if it has half a surrogate pair, which UTF-8 cannot hold.
 std::string utf8(const pybind11::str& text, const char* what);
 
 /// Defines __copy__, __deepcopy__ and __reduce_ex__ of a class whose objects are not copied: they raise TypeError with
@@ -65,7 +65,7 @@ void describeRecord(Class& record, const std::vector<const char*>& fields)
   });
 }
 
-/// Lets annotations name the type that a class is generic in, as in ValueConfidence[bool].
+/// Lets annotations name the type of a generic class's value, as in ValueConfidence[bool].
 void allowTypeParameter(pybind11::handle record);
 
 }  // namespace binding

@@ -3,8 +3,8 @@
 namespace binding
 {
 
-/// While it lives, records that the library logs on this thread are not handed to Python's logging: the caller
-/// collects them.
+/// While it lives, log records of this thread are not passed to Python's logging: the caller collects
+/// them.
 class SilencedLog
 {
 public:

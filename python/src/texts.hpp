@@ -11,7 +11,7 @@ namespace binding
 /// Decodes text that may hold the name of a file, which is any bytes: as Python's os.fsdecode() does.
 pybind11::str textOf(const std::string& bytes);
 
-/// As above, for each of them.
+/// As above, for each text.
 pybind11::list textsOf(const std::vector<std::string>& texts);
 
 }  // namespace binding

@@ -12,8 +12,8 @@ namespace binding
 
 /// The scopes of one kind that `with` statements have opened on this thread.
 ///
-/// A C++ scope is to end on the thread that made it, in reverse order of making. A context manager may be left at any
-/// time and place, so that is checked here. While a scope is open, its Python object is kept: the library refers to it.
+/// A C++ scope must end on the thread that made it, in reverse order of making. A context manager may be left at any
+/// time and place, so this is checked here. While a scope is open, its Python object is kept: the library refers to it.
 template <typename Scope>
 class ThreadScopes
 {

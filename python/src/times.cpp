@@ -34,7 +34,7 @@ py::object epoch()
       .attr("datetime")(1970, 1, 1, py::arg("tzinfo") = py::handle(PyDateTime_TimeZone_UTC));
 }
 
-/// Converts an int of any kind, one of numpy included.
+/// Converts an int of any kind, including those of numpy.
 std::int64_t integerFrom(py::handle source, const char* what)
 {
   const auto integer = py::reinterpret_steal<py::object>(PyNumber_Index(source.ptr()));
@@ -47,7 +47,7 @@ std::int64_t integerFrom(py::handle source, const char* what)
   return number;
 }
 
-/// Counts in Python's integers, which do not overflow; a timedelta of pandas has nanoseconds beside its microseconds.
+/// Counts in Python's integers, which do not overflow; a timedelta of pandas has nanoseconds besides its microseconds.
 std::int64_t nanosecondsIn(const py::object& delta, const char* what)
 {
   const auto part = [&delta](const char* name) { return py::object(delta.attr(name)); };

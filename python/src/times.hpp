@@ -9,27 +9,27 @@
 #include <cstdint>
 
 /// \file
-/// Times and durations. A time comes in as an aware datetime or as integer nanoseconds since the Unix epoch, and goes
-/// out as those nanoseconds, which lose nothing.
+/// Times and durations. Python passes a time as an aware datetime or as integer nanoseconds since the Unix epoch, and
+/// gets integer nanoseconds back, which are exact.
 
 namespace binding
 {
 
-/// Tells whether `source` is meant as a time: an int (no bool) or a datetime.
+/// Returns whether `source` is meant as a time: an int (no bool) or a datetime.
 bool isTime(pybind11::handle source);
 
-/// Returns the time that an int or a datetime stands for.
+/// Returns the time of an int or a datetime.
 ///
 /// \throws pybind11::type_error if it is neither; pybind11::value_error if it is a naive datetime, or beyond the range
 ///   of 64-bit nanoseconds.
 ko::SystemClock::time_point timeFrom(pybind11::handle source);
 
-/// Returns the aware datetime, in UTC, of the microsecond that the time lies in.
+/// Returns the aware datetime, in UTC, of the time rounded down to a microsecond.
 pybind11::object datetimeOf(ko::SystemClock::time_point time);
 
 std::int64_t nanosecondsOf(ko::SystemClock::time_point time);
 
-/// Returns the duration that a timedelta, or an int of nanoseconds, stands for; throws as timeFrom() does.
+/// Returns the duration of a timedelta, or of an int of nanoseconds; throws as timeFrom() does.
 boost::chrono::nanoseconds durationFrom(pybind11::handle source);
 
 /// Returns the timedelta of so many milliseconds.

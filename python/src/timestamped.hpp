@@ -13,7 +13,7 @@
 #include <type_traits>
 
 /// \file
-/// Readings: values with their times, which Python sees as Timestamped.
+/// Readings: values with their times, in Python the class Timestamped.
 
 namespace binding
 {
@@ -27,19 +27,19 @@ struct AnyTimestamped
 /// Defines the class Timestamped.
 void bindTimestamped(pybind11::module_& module);
 
-/// Takes a Timestamped or a pair (time, value) apart; anything else is a value of the time `now`.
+/// Divides a Timestamped or a pair (time, value); anything else is a value of the time `now`.
 AnyTimestamped stampedFrom(pybind11::handle source, ko::SystemClock::time_point now);
 
-/// Tells whether this is True or False, of Python or of NumPy.
+/// Returns whether this is True or False, of Python or of NumPy.
 bool isTruth(pybind11::handle value);
 
-/// \throws pybind11::type_error always: says what the reading cannot be, and what is expected.
+/// \throws pybind11::type_error always, with the wrong value, and the expected one.
 [[noreturn]] void refuseReading(pybind11::handle value, const std::string& what, const std::string& expected);
 
 /// As above, with a value of type T.
 ///
-/// \param what what the reading is called in error messages
-/// \throws pybind11::type_error, pybind11::value_error with the name in front, if time or value are not such.
+/// \param what the name of the reading in error messages
+/// \throws pybind11::type_error, pybind11::value_error with the name at the begin, if time or value are wrong.
 template <typename T>
 KV::Timestamped<T> readingFrom(pybind11::handle source, ko::SystemClock::time_point now, const std::string& what)
 {

@@ -20,7 +20,7 @@ namespace
 /// How many calls are in the library without the interpreter lock.
 std::atomic<int> calls{0};
 
-/// What the library keeps for the whole process would now be destroyed, and the daemon threads use it.
+/// The library's process-wide objects would now be destroyed, and the daemon threads use them.
 void endAtOnce(int status, void*)
 {
   if (calls.load() == 0)
@@ -47,7 +47,7 @@ bool isEnding()
 #endif
 }
 
-// Registered last of all, it comes before whatever else is to be done at the end.
+// Registered last of all, so it runs before all other functions at the end.
 void endWithoutDaemonThreads()
 {
   Py_AtExit([] { ::on_exit(&endAtOnce, nullptr); });

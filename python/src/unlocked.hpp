@@ -5,11 +5,11 @@
 #include <cxxabi.h>
 
 /// \file
-/// The interpreter lock: let go for calls into the library, and taken back for calls into Python.
+/// The interpreter lock: released for calls into the library, and acquired again for calls into Python.
 ///
-/// When the program ends, Python ends each other thread that asks for the interpreter lock, in the middle of whatever
-/// functions called it: they would then clean up without the lock, beside an interpreter that is going away. Such a
-/// thread waits here instead, until the process is gone. It is a daemon thread: Python waits for all others.
+/// When the program ends, Python ends each other thread that asks for the interpreter lock, inside any functions that
+/// called it: these would then clean up without the lock, beside an interpreter that is being destroyed. Such a thread
+/// waits here instead, until the process has ended. It is a daemon thread: Python waits for all others.
 
 namespace binding
 {
@@ -17,13 +17,13 @@ namespace binding
 /// Waits for the end of the process.
 [[noreturn]] void waitForTheEnd();
 
-/// Tells whether Python is ending.
+/// Returns whether Python is ending.
 bool isEnding();
 
-/// Registers what ends the process while daemon threads are still in the library; called once.
+/// Registers the function that ends the process while daemon threads are still in the library; called once.
 void endWithoutDaemonThreads();
 
-/// Runs a function of Python's C interface, which holds nothing that is to be cleaned up.
+/// Runs a function of Python's C interface, which holds nothing that needs cleaning up.
 template <typename Function>
 auto unlessEnding(Function function)
 {
@@ -31,13 +31,13 @@ auto unlessEnding(Function function)
   {
     return function();
   }
-  catch (abi::__forced_unwind&)  // is how Python ends a thread
+  catch (abi::__forced_unwind&)  // this is how Python ends a thread
   {
     waitForTheEnd();
   }
 }
 
-/// Lets go of the interpreter lock while it lives.
+/// Releases the interpreter lock while it lives.
 class Released
 {
 public:
@@ -62,7 +62,7 @@ auto unlocked(Function function)
   return function();
 }
 
-/// Runs a function with the interpreter lock, from wherever the library calls back.
+/// Runs a function with the interpreter lock, from any callback of the library.
 template <typename Function>
 auto locked(Function function)
 {
@@ -72,7 +72,7 @@ auto locked(Function function)
   });
 }
 
-/// Calls what is written in Python; to be called with the interpreter lock held.
+/// Calls a function written in Python; to be called with the interpreter lock held.
 ///
 /// \throws pybind11::error_already_set if it raises.
 pybind11::object callPython(const pybind11::object& callable, const pybind11::tuple& arguments = pybind11::tuple());

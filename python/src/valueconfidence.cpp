@@ -14,7 +14,7 @@ namespace
 
 using Value = AnyValueConfidence::Value;
 
-/// A bool stays one, an int an int; every other number is a float.
+/// A bool stays a bool, an int an int; every other number becomes a float.
 Value valueFrom(const py::object& source)
 {
   if (PyBool_Check(source.ptr()))

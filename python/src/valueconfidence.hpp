@@ -25,7 +25,7 @@ struct AnyValueConfidence
   float confidence = 0.f;
 };
 
-/// Takes a pair (value, confidence).
+/// Divides a pair (value, confidence).
 ///
 /// \throws pybind11::type_error if it is not such a pair.
 AnyValueConfidence anyFromPair(const pybind11::tuple& pair);
@@ -33,7 +33,7 @@ AnyValueConfidence anyFromPair(const pybind11::tuple& pair);
 /// Defines the class ValueConfidence.
 void bindValueConfidence(pybind11::module_& module);
 
-/// Converts between the values of the two; Python's numbers become each other as far as nothing is lost.
+/// Converts between the values of the two; Python's numbers are converted if no precision is lost.
 template <typename T>
 struct ValueOf;
 

@@ -6,7 +6,7 @@
 namespace binding
 {
 
-/// Returns what the object's output operator writes.
+/// Returns the text of the object's output operator.
 template <typename T>
 std::string written(const T& object)
 {

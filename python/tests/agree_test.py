@@ -1,4 +1,4 @@
-"""Agreement with labels of coders, held against the command."""
+"""Agreement with labels of coders, compared with the command."""
 
 import json
 
@@ -24,10 +24,10 @@ def labels(tmp_path, greeting):
     return path
 
 
-def test_tells_what_the_command_tells(greeting, labels):
+def test_agrees_with_the_command(greeting, labels):
     result = skeigiot.agree(greeting, labels, meanings={"smiling": "positive"})
-    told = recordings.command("agree", greeting, "--labels", labels, "--label", "smiling=positive", "--json")
-    comparisons = json.loads(told)["comparisons"]
+    printed = recordings.command("agree", greeting, "--labels", labels, "--label", "smiling=positive", "--json")
+    comparisons = json.loads(printed)["comparisons"]
     expected = [
         (each["first"], each["second"], at, each[at]["delay"], measure["name"], measure["value"], measure["low"])
         for each in comparisons

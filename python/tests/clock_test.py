@@ -74,7 +74,7 @@ def test_the_wall_clock_is_that_of_python() -> None:
     assert before <= now <= after
 
 
-def test_a_manual_clock_stands_still_until_it_is_moved() -> None:
+def test_a_manual_clock_does_not_advance_until_it_is_moved() -> None:
     clock = ko.ManualClock(NEW_YEAR)
     assert clock.now() == NEW_YEAR_NS
 
@@ -154,7 +154,7 @@ def test_an_open_scope_keeps_its_clock() -> None:
 
 
 class Stepping(ko.ClockSource):
-    """Moves on a millisecond whenever it is looked at."""
+    """Advances by a millisecond whenever it is read."""
 
     def __init__(self) -> None:
         super().__init__()
@@ -194,7 +194,7 @@ def test_an_exception_of_a_clock_reaches_the_caller() -> None:
 
 
 @pytest.mark.parametrize(
-    "told, error, message",
+    "answer, error, message",
     [
         ("noon", TypeError, "now.. of a ClockSource: a time is an aware datetime or an int of nanoseconds .*, not 'noon'"),
         (1.5, TypeError, "now.. of a ClockSource: .* not 1.5"),
@@ -202,10 +202,10 @@ def test_an_exception_of_a_clock_reaches_the_caller() -> None:
         (2**70, ValueError, "now.. of a ClockSource: the time does not fit into 64-bit nanoseconds"),
     ],
 )
-def test_a_clock_that_tells_no_time_is_told_so(told: Any, error: type[Exception], message: str) -> None:
+def test_a_clock_without_a_time_is_refused(answer: Any, error: type[Exception], message: str) -> None:
     class Odd(ko.ClockSource):
         def now(self) -> Any:
-            return told
+            return answer
 
     with ko.ScopedClockSource(Odd()):
         with pytest.raises(error, match=message):
@@ -214,7 +214,7 @@ def test_a_clock_that_tells_no_time_is_told_so(told: Any, error: type[Exception]
             kv.Person().update(kv.PersonObservation(touchEmotion=(NEW_YEAR, 1)))
 
 
-def test_a_clock_without_a_time_is_told_so() -> None:
+def test_a_clock_source_without_now_is_refused() -> None:
     class Nothing(ko.ClockSource):
         pass
 

@@ -1,4 +1,4 @@
-"""The end of a program whose daemon threads are still in the library. What could abort runs in a process of its own."""
+"""The end of a program whose daemon threads are still in the library. Tests that could abort run in a process of their own."""
 
 import subprocess
 import sys

@@ -1,4 +1,4 @@
-"""Forces, as they are shown to Python."""
+"""Forces, in the form that Python gets."""
 
 import struct
 import threading

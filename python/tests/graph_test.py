@@ -172,7 +172,7 @@ def test_what_is_not_callable_is_refused(operation: str) -> None:
 
 
 def test_threads_update_and_read_one_graph_from_callbacks_at_once() -> None:
-    """Neither deadlocks nor loses a step: each callback counts on what the one before it left."""
+    """Neither deadlocks nor loses a step: each callback adds to the result of the one before it."""
     graph = kv.SocialGraph()
     graph.updateOrCreate(1, lambda person: person.setUserSessionID(0))
     rounds, writers, readers = 200, 4, 2

@@ -16,7 +16,7 @@ STATE = "kvmood.emotionalstate"
 AMBIANCE = "kvmood.ambiance"
 
 
-def test_the_categories_of_the_library_are_told() -> None:
+def test_the_categories_of_the_library_are_listed() -> None:
     assert {STATE, AMBIANCE} <= set(ko.categories())
 
 

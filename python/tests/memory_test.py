@@ -95,7 +95,7 @@ def test_old_records_are_forgotten_when_the_memory_is_read() -> None:
         assert memory.records() == []
 
 
-def test_a_memory_forgets_when_told_to() -> None:
+def test_a_memory_forgets_when_asked() -> None:
     memory = kv.ShortTermMemory(float, timedelta(seconds=7))
     with ko.ManualClock(0) as clock:
         memory.record(0.5)
@@ -124,7 +124,7 @@ def test_a_person_memory_is_read_by_the_estimate() -> None:
 
 
 class Waiting(ko.ClockSource):
-    """Waits, the first time that it is looked at, until it is told to go on."""
+    """Waits, the first time that it is read, until the test lets it continue."""
 
     def __init__(self) -> None:
         super().__init__()
@@ -146,7 +146,7 @@ OPERATIONS: dict[str, Callable[[kv.ShortTermMemory[float]], object]] = {
 
 @pytest.mark.parametrize("operation", OPERATIONS)
 def test_other_threads_run_while_one_waits_for_the_memory(operation: str) -> None:
-    """A clock in Python is looked at while the memory is locked, and waits for this thread to run."""
+    """A clock in Python is read while the memory is locked, and waits for this thread to run."""
     memory, clock, order = kv.ShortTermMemory(float, timedelta(days=36500)), Waiting(), list[str]()
     memory.record((0, 0.25))
     begun = threading.Event()
@@ -173,7 +173,7 @@ def test_other_threads_run_while_one_waits_for_the_memory(operation: str) -> Non
     assert order == ["clock", "operation"]
 
 
-def test_a_person_tells_what_is_remembered_of_a_reading() -> None:
+def test_a_person_returns_the_memory_of_a_reading() -> None:
     person = kv.Person()
     with ko.ManualClock(10 * SECOND) as clock:
         person.update(kv.PersonObservation(age=kv.ValueConfidence(33, 0.5)))
@@ -186,7 +186,7 @@ def test_a_person_tells_what_is_remembered_of_a_reading() -> None:
         assert repr(remembered).startswith("Remembered(count=2, youngest=Timestamped(")
 
 
-def test_what_is_older_than_the_horizon_is_not_told() -> None:
+def test_readings_older_than_the_horizon_are_not_returned() -> None:
     memory = kv.PersonMemory()
     with ko.ManualClock(10 * SECOND) as clock:
         memory.add(kv.PersonObservation(speaking=True))

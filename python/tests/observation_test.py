@@ -101,7 +101,7 @@ def test_a_value_of_another_type_is_refused_by_name_and_says_what_is_expected(na
         ({"faceDetected": (7, 0)}, "faceDetected cannot be 0: expected True or False"),
     ],
 )
-def test_a_bare_number_is_told_what_it_is_to_be(wrong: Any, message: str) -> None:
+def test_a_bare_number_is_refused_with_the_expected_type(wrong: Any, message: str) -> None:
     with pytest.raises(TypeError, match=message):
         kv.PersonObservation(**wrong)
 

@@ -37,7 +37,7 @@ def test_numpy_is_imported_when_it_is_first_needed() -> None:
     assert done.stdout.split() == ["False", "True"]
 
 
-def test_another_python_is_told_which_one_the_package_was_built_for(tmp_path: Path) -> None:
+def test_another_python_gets_the_version_the_package_was_built_for(tmp_path: Path) -> None:
     package = tmp_path / "skeigiot"
     shutil.copytree(Path(skeigiot.__file__).parent, package, ignore=shutil.ignore_patterns("_skeigiot.*so"))
     (package / "_skeigiot.cpython-32-x86_64-linux-gnu.so").touch()
@@ -131,7 +131,7 @@ def test_every_call_that_replays_takes_the_same_settings() -> None:
     assert all(parameter.kind == parameter.KEYWORD_ONLY for parameter in list(one.values())[1:])
 
 
-def test_a_wrong_argument_of_a_replay_is_told_by_its_name() -> None:
+def test_a_wrong_argument_of_a_replay_is_named() -> None:
     wrong: dict[str, Any] = {"fbs": 25}
     with pytest.raises(TypeError, match=r"^replay\(\) got an unexpected keyword argument 'fbs'$"):
         skeigiot.replay("face.csv", **wrong)

@@ -1,4 +1,4 @@
-"""Pictures and summaries of replays, and what notebooks show of them."""
+"""Pictures and summaries of replays, and their views in notebooks."""
 
 import csv
 import io
@@ -150,7 +150,7 @@ def exported_summary(*arguments, status=0):
 
 
 def assert_is_export(frame, exported):
-    """Holds a summary against an export, bit for bit."""
+    """Compares a summary with an export, bit for bit."""
     names, *rows = exported
     assert list(frame) == names
     assert len(frame) == len(rows)
@@ -187,7 +187,7 @@ def test_columns_of_a_summary_have_the_same_types_for_all_recordings(greeting):
     assert (short.dtypes == frame.dtypes).all()
 
 
-def test_a_summary_without_a_person_tells_of_the_room(tmp_path):
+def test_a_summary_without_a_person_has_the_room(tmp_path):
     path = tmp_path / "room.csv"
     path.write_text("time,reading,value\n0,ambiance.activity,0.5\n1,ambiance.activity,0.5\n")
     frame = skeigiot.replay(path).summary()
@@ -195,7 +195,7 @@ def test_a_summary_without_a_person_tells_of_the_room(tmp_path):
     assert len(frame) == 1 and frame.person.isna().all() and frame.agitation[0] > 0 and frame.verdict[0] == ""
 
 
-def test_a_summary_tells_what_ended_the_recording(tmp_path):
+def test_a_summary_has_the_end_of_the_recording(tmp_path):
     path = tmp_path / "bad.csv"
     path.write_text("time,reading,value\n0,smile,0.5\n1,smile,much\n")
     with pytest.raises(skeigiot.RecordingError) as caught:

@@ -1,4 +1,4 @@
-"""The examples, run as they stand, and checked with their types."""
+"""The examples, run unchanged, and checked with their types."""
 
 import os
 import pathlib
@@ -37,7 +37,7 @@ def attention_in(line):
     return float(line.split("attention ")[1].split(",")[0])
 
 
-def test_the_listener_tells_what_moved_the_visitor():
+def test_the_listener_prints_the_forces_that_moved_the_visitor():
     lines = run("listen_to_forces.py")
     assert any("looks from" in line and "to LookingAtRobot" in line for line in lines)
     of_valence = lines[lines.index("what moved the valence:") + 1 : lines.index("what moved the attention:") - 1]

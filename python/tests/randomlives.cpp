@@ -1,5 +1,5 @@
-/// Lives through random observations and writes, a line each, what happens and what the library makes of it: so that
-/// another language can live through the same.
+/// Runs random observations and writes, a line each, every event and the library's result, so that another language can
+/// repeat the same run.
 
 #include <model/randomobservations.hpp>
 #include <model/translation.hpp>
@@ -151,7 +151,7 @@ json written(const KV::PersonState& state)
           {"ease", json::array({written(ease.level), written(ease.confidence)})}};
 }
 
-/// Lives through cycles of one character; a line without an observation is a cycle in which the person is not seen.
+/// Runs cycles of one character; a line without an observation is a cycle in which the person is not seen.
 template <typename Life>
 void write(const std::string& name)
 {
@@ -183,7 +183,7 @@ void write(const std::string& name)
 
 int main()
 {
-  ko::log::addHandler([](const ko::log::Record&) {});  // old observations are many here, and their warnings expected
+  ko::log::addHandler([](const ko::log::Record&) {});  // many observations are old here, so warnings are expected
   write<model::SparseReadings>("sparse readings");
   write<model::ThirtyHertz>("thirty hertz");
   write<model::AllSensors>("all sensors");

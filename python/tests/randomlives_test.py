@@ -14,7 +14,7 @@ CYCLES = 200
 
 
 def lives() -> dict[str, list[dict[str, Any]]]:
-    """What a program in C++ lived through, and what it estimated, by the name of each life."""
+    """The observations and estimates of a program in C++, by the name of each life."""
     command = os.environ["SKEIGIOT_RANDOM_LIVES"]
     output = subprocess.run([command], capture_output=True, text=True, check=True).stdout
     found: dict[str, list[dict[str, Any]]] = {}

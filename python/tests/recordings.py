@@ -1,4 +1,4 @@
-"""Recordings for tests, and the command that they are held against. CMake says where to find it all."""
+"""Recordings for tests, and the command with which they are compared. CMake passes the paths."""
 
 import functools
 import gzip
@@ -59,14 +59,14 @@ def _folder():
 
 
 def command(*arguments, status=0):
-    """Returns what the command writes."""
+    """Returns the output of the command."""
     run = subprocess.run([COMMAND, *map(str, arguments)], capture_output=True, text=True)
     assert run.returncode == status, run.stderr
     return run.stdout
 
 
 def run_python(program, *arguments):
-    """Returns what a program of its own process writes; fails if it does not end."""
+    """Returns the output of a program in a process of its own; fails if it does not end."""
     run = subprocess.run([sys.executable, "-c", program, *map(str, arguments)], capture_output=True, text=True, timeout=60)
     assert run.returncode == 0, run.stderr
     return run.stdout
@@ -81,7 +81,7 @@ def exported(*arguments, status=0):
 
 
 def assert_same_as_export(updates, export):
-    """Holds a table against an export, bit for bit."""
+    """Compares a table with an export, bit for bit."""
     assert list(updates) == list(export)
     for name, texts in export.items():
         assert _as_exported(name, updates[name]) == [_canonical(name, text) for text in texts], name
@@ -112,13 +112,13 @@ def _canonical(name, text):
 
 
 def bits(number):
-    """Returns what tells single-precision numbers apart; all NaN are one."""
+    """Returns the bits that distinguish single-precision numbers; all NaN are one."""
     number = np.float32(number)
     return "nan" if np.isnan(number) else int(number.view(np.int32))
 
 
 def assert_same_updates(left, right, apart_from=()):
-    """Holds two tables against each other, bit for bit, but for the columns that are to differ."""
+    """Compares two tables, bit for bit, except for the columns that must differ."""
     assert list(left) == list(right)
     for name in left:
         if name in apart_from:

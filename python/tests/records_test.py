@@ -170,7 +170,7 @@ def test_a_later_reading_is_greater_whatever_the_values() -> None:
     assert [reading.time for reading in newestFirst] == [3, 2, 1]
 
 
-def test_a_reading_unpacks_as_a_pair_and_tells_its_time_as_a_datetime() -> None:
+def test_a_reading_unpacks_as_a_pair_and_has_a_datetime() -> None:
     time, value = kv.Timestamped(1500, "x")
 
     assert (time, value) == (1500, "x")

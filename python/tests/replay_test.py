@@ -1,4 +1,4 @@
-"""Replays of whole recordings, held against the command."""
+"""Replays of whole recordings, compared with the command."""
 
 import json
 import os
@@ -60,7 +60,7 @@ def test_has_a_clock_where_the_times_count_since_1970(written):
     assert exported(path)["clock"] == ["1700000000.5"]
 
 
-def test_tells_unknown_estimates_from_zeros(written):
+def test_separates_unknown_estimates_from_zeros(written):
     heads = "0,1,headPosture,,0,10,0\n1,1,headPosture,,0,10,0\n"
     path = written("time,person,reading,value,yaw,pitch,roll\n" + heads + "2,1,touchEmotion,1,,,\n")
     updates = skeigiot.replay(path).updates
@@ -132,7 +132,7 @@ def test_takes_where_the_robot_is_and_how_faces_rest(written, arguments, options
     assert_same_as_export(skeigiot.replay(path, **arguments).updates, exported(path, *options))
 
 
-def test_tells_what_was_learned_of_faces_at_rest(written):
+def test_returns_the_learned_faces_at_rest(written):
     rows = "".join(f"{i + 1},{i / 10},0,1.5\n" for i in range(101))
     result = skeigiot.replay(written("frame,timestamp,AU04_r,AU12_r\n" + rows))
     assert result.learned == ["rest of person 0, in parts of the full scale: AU04 0.15 -> 0.03"]

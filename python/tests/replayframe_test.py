@@ -39,7 +39,7 @@ def test_a_frame_of_the_readings_gives_the_same_as_the_file(greeting, columns):
 
 
 def _judgement(verdict):
-    """In a frame a scope stops behind the last row of a time, so that it may have an update more."""
+    """In a frame a scope stops after the last row of a time, so it may have one more update."""
     words = {person: verdict.persons[person].word for person in verdict.persons}
     return verdict.scope, verdict.start, verdict.stop, verdict.end, words
 
@@ -197,7 +197,7 @@ def test_refuses_a_person_who_is_not_seen_and_yet_observed():
         skeigiot.replay({"time": [0.0], "smile": [0.5], "seen": [False]})
 
 
-def test_a_row_without_a_person_tells_of_the_room_only():
+def test_a_row_without_a_person_has_the_room_only():
     result = skeigiot.replay(
         {"time": [0.0, 0.5, 1.0], "person": [3, None, 3], "smile": [0.5, None, 0.5], "ambiance.activity": [None, 0.3, None]}
     )
@@ -257,7 +257,7 @@ def test_warns_of_columns_that_are_not_read():
         (
             {"time": np.array([1577836800000, 1577836800033]), "smile": [0.5, 0.5]},
             "frame, row 0: time: expected seconds, from the start of the recording or since 1970, found "
-            "'1577836800000'; this looks like milliseconds, to be divided by 1000",
+            "'1577836800000'; it looks like milliseconds: divide it by 1000",
         ),
         ({"time": [1577836800e9], "smile": [0.5]}, "frame, row 0: time: expected seconds, from the start of the record"),
         ({"time": [0, 33333333], "smile": [0.5, 0.5]}, "frame, row 1: time: is 33333333 s after the one before"),

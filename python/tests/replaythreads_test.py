@@ -1,4 +1,4 @@
-"""What a replay leaves to others while it runs. What could hang runs in a process of its own, with a limit."""
+"""Other threads continue while a replay runs. Tests that could hang run in a process of their own, with a limit."""
 
 import os
 import subprocess
@@ -23,7 +23,7 @@ fifo = sys.argv[1]
 
 
 def run(program, *arguments):
-    """Returns what the program writes; fails if it does not end."""
+    """Returns the output of the program; fails if it does not end."""
     result = subprocess.run(
         [sys.executable, "-c", program, *map(str, arguments)], capture_output=True, text=True, timeout=60
     )

@@ -77,7 +77,7 @@ def test_the_parts_of_the_valence_are_properties() -> None:
     assert state.negative == kv.ValueConfidence(0.5, 0.25) == state.personEmotion(kv.PersonDescription.Negative)
 
 
-def test_the_ease_is_what_the_body_language_tells() -> None:
+def test_the_ease_is_that_of_the_body_language() -> None:
     person = kv.Person()
     person.update(kv.PersonObservation(headPosture=kv.HeadPosture(pitch=-10.0)))
 
@@ -193,7 +193,7 @@ def test_a_person_shares_state_and_memories_with_its_copies() -> None:
     assert repr(person).startswith("<Person 7: <PersonState valence=")
 
 
-def test_a_person_tells_pleasure_and_zone() -> None:
+def test_a_person_has_pleasure_and_zone() -> None:
     person = kv.Person()
     with ko.ManualClock(0):
         person.update(kv.PersonObservation(gaze=kv.Gaze(25.0, 15.0)))

@@ -1,4 +1,4 @@
-"""The tables of edge cases that are not of one language: each file is run by an operation of its name, here and in C++."""
+"""The tables of edge cases for all languages: each file is run by an operation of its name, here and in C++."""
 
 import json
 import os
@@ -264,7 +264,7 @@ def rows() -> list[Any]:
 
 
 @pytest.mark.parametrize("table, arguments, results", rows())
-def test_a_table_tells_what_the_library_answers(table: str, arguments: Arguments, results: Arguments) -> None:
+def test_a_table_has_the_answers_of_the_library(table: str, arguments: Arguments, results: Arguments) -> None:
     # As texts, in which NaN equals itself and -0 differs from 0.
     assert json.dumps(answer(table, arguments), sort_keys=True) == json.dumps(rounded(results), sort_keys=True)
 

@@ -70,7 +70,7 @@ if(TOOLS)
   expect_failure("${unreadable}" ${WORK}/build/play nosuchfile)
 endif()
 
-# An install that has not all libraries says so to who requires one.
+# An install without all libraries reports it to a project that requires a missing one.
 foreach(component recordings nosuchcomponent)
   file(COPY ${library_folder}/cmake/skeigiot/skeigiotConfig.cmake DESTINATION ${WORK}/few/${component})
   file(WRITE ${WORK}/few/${component}/skeigiotTargets.cmake

@@ -1,4 +1,4 @@
-// Names nothing of the library but a record, and that at run time only.
+// Uses only the name of a record of the library, and that only at run time.
 
 #include <ko/type.hpp>
 

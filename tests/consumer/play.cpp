@@ -1,4 +1,4 @@
-// Plays a recording, and tells each update of a person.
+// Plays a recording, and prints each update of a person.
 
 #include <skeigiot/session/player.hpp>
 

@@ -1,5 +1,5 @@
-# Compares what DIGEST writes with the file EXPECTED: about the recording that MAKEGREETING makes as RECORDING if that is
-# given, else about random observations.
+# Compares the output of DIGEST with the file EXPECTED: for the recording that MAKEGREETING makes as RECORDING if that is given,
+# else for random observations.
 
 if(MAKEGREETING)
   execute_process(COMMAND ${MAKEGREETING} ${RECORDING} COMMAND_ERROR_IS_FATAL ANY)

@@ -1,4 +1,4 @@
-"""Every public name of the libraries is documented; and the check that says so finds one that is not."""
+"""Every public name of the libraries is documented; and the check for this finds a name that is not."""
 
 import shutil
 import subprocess
@@ -17,7 +17,7 @@ class PublicNames(unittest.TestCase):
         self.assertEqual(0, done.returncode)
 
     def complaints_about(self, declaration):
-        """What the check says of a header with the declaration in it."""
+        """The result of the check for a header with the declaration in it."""
         with tempfile.TemporaryDirectory() as folder:
             tree = Path(folder)
             for name in ("script/check-docs", "docs/Doxyfile", "docs/api.dox"):

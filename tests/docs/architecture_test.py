@@ -1,4 +1,4 @@
-"""The tree keeps the rules of the architecture, the rules find what breaks them, and the picture shows the tree."""
+"""The tree keeps the rules of the architecture, the rules find violations, and the picture shows the tree."""
 
 import html
 import json
@@ -14,9 +14,9 @@ from house import HEADERS, House, read
 
 TREE = read(ROOT)
 
-A_LONG_FILE = "int number();\n" * 20000
+A_LONG_FILE = "int number();\n" * 40000
 
-# What breaks a rule: the rule, the file, what is added to it, and a part of the complaint.
+# Changes that break a rule: the rule, the file, the added text, and a part of the complaint.
 PLANTED = [
     ("parts_include_allowed_parts_only", "libko/src/log.cpp", "#include <skeigiot/person.hpp>", "libemotion"),
     ("parts_include_allowed_parts_only", "libemotion/src/person.cpp", "#include <skeigiot/recordings/recording.hpp>",
@@ -85,7 +85,7 @@ PLANTED = [
 
 
 def planted(path, addition):
-    """The house with a text added to a file; to one more file, where there is none of that name."""
+    """The house with a text added to a file; to a new file, if there is no file of that name."""
     return House({**TREE, path: TREE.get(path, "") + addition + "\n"})
 
 

@@ -1,4 +1,4 @@
-"""CITATION.cff has what version 1.2.0 of the Citation File Format asks for, and agrees with the tree."""
+"""CITATION.cff fulfils version 1.2.0 of the Citation File Format, and agrees with the tree."""
 
 import importlib.util
 import re
@@ -6,7 +6,7 @@ import unittest
 
 from support import ROOT
 
-# Of the keys that the format knows, those that a citation of software has use for.
+# Of the keys of the format, those that are useful in a citation of software.
 KNOWN = {"cff-version", "message", "type", "title", "abstract", "authors", "version", "license", "keywords", "doi",
          "date-released", "repository-code", "url", "contact", "identifiers", "preferred-citation", "references"}
 

@@ -8,7 +8,7 @@ from support import ROOT
 SOURCES = ["personstateupdate.cpp", "personstateprivate.cpp", "sensorlimits.cpp", "attentionzone.cpp", "bodylanguagestateprivate.cpp",
            "softstep.hpp", "ambiancestate.cpp"]
 
-# Shortcuts of the code, which no result depends on.
+# Shortcuts of the code, on which no result depends.
 WITHOUT_EFFECT = {"beyondAnyAngle", "atTheFloor"}
 
 

@@ -1,4 +1,4 @@
-"""Every relative link in the Markdown leads to a file of the tree, and to a heading in it where it names one."""
+"""Every relative link in the Markdown leads to a file of the tree, and to a heading in it if it names one."""
 
 import re
 import subprocess
@@ -41,7 +41,7 @@ def pages():
 
 
 def fault_of(page, link):
-    """What is wrong with the link, or nothing."""
+    """The fault of the link, or nothing."""
     path, _, anchor = unquote(link).partition("#")
     target = (page.parent / path).resolve() if path else page
     if not target.is_relative_to(ROOT):

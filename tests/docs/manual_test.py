@@ -1,4 +1,4 @@
-"""Holds the manual pages and the completion to what the command itself says."""
+"""Compares the manual pages and the completion with the help of the command."""
 
 import re
 import shutil
@@ -29,14 +29,14 @@ def options_in_help(subcommand=None):
 
 
 def options_in_page(text):
-    """The names in the tags of the section OPTIONS, as they stand in roff."""
+    """The names in the tags of the section OPTIONS, in the form of roff."""
     section = re.search(r"^\.SH OPTIONS\n(.*?)(?=^\.SH )", text, re.MULTILINE | re.DOTALL).group(1)
     tags = re.findall(r"^\.TP\n(.*)$", section, re.MULTILINE)
     return sorted(name.replace("\\-", "-") for tag in tags for name in re.findall(r"\\fB(.*?)\\fR", tag))
 
 
 def completed(*words):
-    """What bash offers for the last of the words, which may be empty."""
+    """The completions of bash for the last of the words, which may be empty."""
     script = f"""source {COMPLETIONS / "skeigiot.bash"}
 COMP_WORDS=({" ".join(f"'{word}'" for word in words)})
 COMP_CWORD={len(words) - 1}
@@ -47,7 +47,7 @@ printf '%s\\n' "${{COMPREPLY[@]}}"
 
 
 def completed_by_fish(line):
-    """What fish offers for the end of the line, without what it tells of it."""
+    """The completions of fish for the end of the line, without their descriptions."""
     script = f"source {COMPLETIONS / 'skeigiot.fish'}; complete -C '{line}'"
     with tempfile.TemporaryDirectory() as home:
         offered = run("fish", "--no-config", "-c", script, env={"HOME": home, "XDG_CONFIG_HOME": home})
@@ -79,7 +79,7 @@ class ManualPages(unittest.TestCase):
             self.skipTest("mandoc is not installed")
         for page in sorted(PAGES.glob("*.1")):
             found = subprocess.run(["mandoc", "-T", "lint", "-W", "style", str(page)], capture_output=True, text=True)
-            # A page that is not installed yet cannot be found by those that refer to it.
+            # A page that is not installed yet cannot be found from the pages that refer to it.
             complaints = [line for line in found.stdout.splitlines() if "referenced manual not found" not in line]
             self.assertEqual([], complaints)
 

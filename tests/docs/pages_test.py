@@ -1,4 +1,4 @@
-"""The pages that say how to start run as they stand."""
+"""The pages on how to start run unchanged."""
 
 import re
 import subprocess
@@ -27,7 +27,7 @@ class Pages(unittest.TestCase):
 
     @unittest.skipUnless((BUILD / "python" / "skeigiot").exists(), "the Python module is not built")
     def test_python_in_the_readme(self):
-        """As they run after the two commands, in a folder without a file."""
+        """Run after the two commands, in a folder without a file."""
         program = re.search(r"^```python\n(.*?)^```$", (ROOT / "README.md").read_text(), re.MULTILINE | re.DOTALL)
         with tempfile.TemporaryDirectory() as home, tempfile.TemporaryDirectory() as folder:
             environment = {"HOME": home, "PATH": "/usr/bin:/bin", "MPLBACKEND": "Agg"}
@@ -43,7 +43,7 @@ class Pages(unittest.TestCase):
 
 
 class Runner(unittest.TestCase):
-    """The test of pages finds what is not true."""
+    """The test of pages finds statements that are not true."""
 
     class Folder(Surroundings):
         def __init__(self, folder):  # without an install

@@ -1,8 +1,8 @@
-"""Runs a page of the documentation as it stands: writes its files, runs its commands, compares what they print.
+"""Runs a page of the documentation unchanged: writes its files, runs its commands, compares what they print.
 
 usage: runpage.py [--write] PAGE   --write: writes what the commands print into the page, instead of comparing it
 
-What a fenced block of the page is, the words behind its fence tell:
+The words after the fence of a block show its kind:
 
     ```cpp main.cpp      a file of that name (any language, any name)
     ```sh                commands, which must succeed; what they print does not matter
@@ -27,7 +27,7 @@ BLOCK = re.compile(r"^```(?P<language>[a-z]+)(?: (?P<name>\S+))?\n(?P<text>.*?)^
 
 
 class PageError(Exception):
-    """What the page says is not so."""
+    """A statement of the page is wrong."""
 
 
 def commands_of(console):
@@ -44,7 +44,7 @@ def commands_of(console):
 
 
 def matches(expected, found):
-    """Tells whether the lines are as expected, where an elision stands for any lines."""
+    """Returns whether the lines are as expected; an elision stands for any lines."""
     if ELISION not in expected:
         return expected == found
     parts = "\n".join(expected).split(ELISION)
@@ -53,7 +53,7 @@ def matches(expected, found):
 
 
 class Surroundings:
-    """An install of the build and a folder of its own, as a reader has them who has followed the page so far."""
+    """An install of the build and a folder of its own, as for a reader who has followed the page so far."""
 
     def __init__(self, work):
         self.install = work / "install"
@@ -102,7 +102,7 @@ def compare(command, expected, found):
 
 
 def run_console(text, surroundings, found_instead):
-    """Compares what the commands print; returns the block as it would be with what they printed now."""
+    """Compares the output of the commands; returns the block with their present output."""
     block = []
     for command, expected in commands_of(text):
         expected = [line.rstrip() for line in expected]
@@ -115,9 +115,9 @@ def run_console(text, surroundings, found_instead):
 
 
 def run_page(text, surroundings, found_instead=False):
-    """Runs the page; returns it, with what was printed now if that is wanted.
+    """Runs the page; returns it, with the present output if this is wanted.
 
-    Raises PageError where the page is not true.
+    Raises PageError if the page is not true.
     """
     count = 0
 

@@ -1,4 +1,4 @@
-"""The table of sources tells all that act in an update, in the order in which they act."""
+"""The table of sources lists all that act in an update, in the order in which they act."""
 
 import re
 import unittest
@@ -28,7 +28,7 @@ def shown_by_the_command():
 
 
 def is_in_order(names, order):
-    """Tells whether the names stand in the order, which may have others between them."""
+    """Returns whether the names are in this order; it may have others between them."""
     rest = iter(order)
     return all(name in rest for name in names)
 
@@ -55,10 +55,10 @@ class Sources(unittest.TestCase):
         self.assertFalse(is_in_order(["b", "a"], ["a", "b"]))
 
     def test_have_a_colour_each_on_the_page_of_the_report(self):
-        code = (ROOT / "web" / "report" / "sources.ts").read_text()
+        code = (ROOT / "web" / "shared" / "sources.ts").read_text()
         listed = re.findall(r'^  "([^"]+)",$', code.split("const known = [")[1].split("];")[0], re.MULTILINE)
         self.assertEqual(len(listed), len(set(listed)))
-        # Not being visible acts instead of an update.
+        # Invisibility acts instead of an update.
         self.assertEqual(set(told_in_page()) | {"Not visible"}, set(listed))
 
 

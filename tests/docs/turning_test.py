@@ -1,4 +1,4 @@
-"""The table of the turning head in docs/tuning.md is what the command makes of it today."""
+"""The table of the turning head in docs/tuning.md agrees with the command."""
 
 import sys
 import unittest

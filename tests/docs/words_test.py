@@ -1,4 +1,4 @@
-"""script/check-words finds what is hard to understand, and nothing else; the tree has nothing of it."""
+"""script/check-words finds words that are hard to understand, and nothing else; the tree has no such words."""
 
 import importlib.machinery
 import importlib.util
@@ -75,9 +75,27 @@ class Words(unittest.TestCase):
         self.assertEqual([], complaints(".TH tells\n.EX\nit tells\n.EE\n", ".1"))
         self.assertEqual(1, len(complaints(".PP\nIt\n\\fBtells\\fR.\n", ".1")))
 
-    def test_reads_comments_of_headers_only(self):
-        self.assertEqual([], complaints("int tells = 0;  // tells\n/// \\code\n", ".hpp"))
-        self.assertEqual(2, len(complaints("/// It tells.\nint a = 0;  ///< what it tells\n", ".hpp")))
+    def test_reads_comments_of_sources_only(self):
+        for suffix in (".hpp", ".cpp", ".ts", ".mjs"):
+            self.assertEqual([], complaints('int tells = 0;  // a word\n/// \\code\nf("// it tells", R"(/* told */)", \'"\');\n',
+                                            suffix))
+            self.assertEqual(2, len(complaints("/// It tells.\nint a = 0;  ///< what it tells\n", suffix)))
+            self.assertEqual(2, len(complaints("// It tells.\nint a = 0;  // it tells\n", suffix)))
+            self.assertEqual(1, len(complaints("/**\n * It\n * tells.\n */\n/* A word. */\n", suffix)))
+
+    def test_reads_comments_and_docstrings_of_scripts_only(self):
+        for suffix in (".py", ".cmake", ".txt", ""):
+            self.assertEqual([], complaints("#!/usr/bin/env tells\nset(tells 1)\n# A word.\n", suffix))
+            self.assertEqual(1, len(complaints("# It\n# tells.\nset(a 1)\n", suffix)))
+        self.assertEqual(3, len(complaints('"""It tells."""\ndef f():\n    """It\n    tells."""\n    # It tells.\n', ".py")))
+        self.assertEqual([], complaints('"""All are None."""\ntext = "it tells"\n', ".py"))
+
+    def test_joins_lines_that_follow_each_other_only(self):
+        found = CHECK.findings("// What\n\n// what\n// tells\nint a;\n// All\n// what it\n// is.\n", ".cpp")
+        self.assertEqual([3], [line for line, _ in found])
+
+    def test_reads_long_sentences_in_comments(self):
+        self.assertEqual([], complaints("// A sentence " + "that goes on " * 12 + "ends.\n", ".cpp"))
 
     def test_ends_with_status_1_if_it_finds_something(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -18,7 +18,7 @@ thread_local std::size_t allocations = 0;
 thread_local std::size_t failing = none;  // how many more allocations until the one that fails
 thread_local bool failed = false;
 
-/// Counts an allocation; tells whether it may take place.
+/// Counts an allocation; returns whether it is allowed.
 bool admit()
 {
   ++allocations;

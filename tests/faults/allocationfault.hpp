@@ -5,9 +5,9 @@
 namespace faults
 {
 
-/// While it lives, one allocation by `new` on the thread that made it fails: that with the number `which`, from 0.
+/// While it lives, one allocation by `new` on its thread fails: the one with the number `which`, from 0.
 ///
-/// Every form of `new` of the program counts, those in its shared libraries included.
+/// Every form of `new` of the program counts, including those in its shared libraries.
 class AllocationFault
 {
 public:
@@ -16,11 +16,11 @@ public:
   AllocationFault(const AllocationFault&) = delete;
   AllocationFault& operator=(const AllocationFault&) = delete;
 
-  /// Tells whether the allocation was tried, and failed.
+  /// Returns whether the allocation was tried, and failed.
   bool happened() const;
 };
 
-/// Returns how many objects of `new` are alive, whichever thread made them.
+/// Returns how many objects of `new` are alive, on all threads together.
 std::ptrdiff_t livingAllocations();
 
 /// Returns how often this thread has called `new`.

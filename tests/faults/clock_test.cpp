@@ -22,7 +22,7 @@ namespace
 using faults::ObservationCase;
 using support::milliseconds;
 
-/// What a clock source may throw.
+/// The exceptions that a clock source may throw.
 enum class Thrown
 {
   Exception,
@@ -36,7 +36,7 @@ protected:
 
   ko::SystemClock::time_point timeOf(int cycle) const { return support::start + milliseconds(100 * cycle); }
 
-  /// Observed some times before, from the oldest to the newest.
+  /// Observed several times before, from the oldest to the newest.
   KV::Person observedBefore()
   {
     KV::Person person;
@@ -48,8 +48,8 @@ protected:
     return person;
   }
 
-  /// Calls `operate(person)` with a clock that throws at its first, second, ... reading, until there is none left to
-  /// throw at; then `check(person)`. Returns how many readings there were.
+  /// Calls `operate(person)` with a clock that throws at its first, second, ... reading, until there is no such
+  /// reading; then `check(person)`. Returns how many readings there were.
   template <typename Operate, typename Check>
   int failEveryReading(Thrown thrown, Operate operate, Check check)
   {

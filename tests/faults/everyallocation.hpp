@@ -11,24 +11,24 @@
 namespace faults
 {
 
-/// What became of an operation of which an allocation was made to fail.
+/// The result of an operation in which an allocation was made to fail.
 enum class Outcome
 {
   Threw,    ///< std::bad_alloc passed to the caller
-  Returned  ///< it went on without
+  Returned  ///< it continued without the memory
 };
 
-/// Lets the first, second, ... allocation of an operation fail, until one run of it has none left to fail.
+/// Makes the first, second, ... allocation of an operation fail, until a run has no such allocation left.
 ///
-/// Each run makes a subject with `make()`, hands it to `operate(subject)`, and after a failure to `check(subject,
-/// outcome)`, with nothing failing any more. What a run allocates must be gone with its subject. Returns in how many
+/// Each run makes a subject with `make()`, passes it to `operate(subject)`, and after a failure to `check(subject,
+/// outcome)`, in which nothing fails any more. All memory of a run must be freed with its subject. Returns in how many
 /// runs an allocation failed.
 template <typename Make, typename Operate, typename Check>
 std::size_t failEveryAllocation(Make make, Operate operate, Check check)
 {
   {
     auto subject = make();
-    operate(subject);  // whatever is made once in a process is made now
+    operate(subject);  // objects that are made once in a process are made now
   }
   constexpr std::size_t tooMany = 100000;
   for (std::size_t which = 0; which < tooMany; ++which)

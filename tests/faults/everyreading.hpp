@@ -47,7 +47,7 @@ inline const std::vector<ObservationCase>& singleReadings()
        [](Observation& o, Time t) {
          o.voiceEmotion.emplace(t, KV::VoiceEmotion({0.1f, 1.f}, {0.f, 1.f}, {0.8f, 1.f}, {0.f, 1.f}, {}, {}));
        }},
-      {"VoiceEmotionTooOldForSilence",  // is warned of
+      {"VoiceEmotionTooOldForSilence",  // causes a warning
        [](Observation& o, Time t) {
          o.voiceEmotion.emplace(t - support::seconds(4), KV::VoiceEmotion({}, {}, {0.8f, 1.f}, {}, {}, {}));
        }},
@@ -71,7 +71,7 @@ inline std::vector<ObservationCase> observationCases()
   return cases;
 }
 
-/// Returns what `reading` tells at `time`.
+/// Returns the observation of `reading` at `time`.
 inline KV::PersonObservation observed(const ObservationCase& reading, ko::SystemClock::time_point time)
 {
   KV::PersonObservation observation;

@@ -25,7 +25,7 @@ using Ids = std::set<int>;
 class GraphWithoutMemory : public support::ClockTest
 {
 protected:
-  /// Makes a graph of as many persons as their room is full of at some of these numbers: 10, 20, ...
+  /// Makes a graph whose room is full at some of these numbers of persons: 10, 20, ...
   static Graph graphOf(int persons)
   {
     auto graph = std::make_unique<KV::SocialGraph>();
@@ -34,7 +34,7 @@ protected:
     return graph;
   }
 
-  /// Returns who is there, asked from another thread, which would wait for ever if the graph were still locked.
+  /// Returns the persons in the graph, from another thread, which would wait for ever if the graph was still locked.
   static Ids idsIn(const KV::SocialGraph& graph)
   {
     const std::vector<KV::Person> persons = std::async(std::launch::async, [&graph] { return graph.persons(); }).get();
@@ -91,7 +91,7 @@ TEST_F(GraphWithoutMemory, CreatesAPersonOrNobodyAndCallsNothingThen)
 TEST_F(GraphWithoutMemory, KeepsAPersonWhoseUpdateFails)
 {
   const KV::PersonObservation observation = faults::observed(faults::observationCases().back(), support::start);
-  const faults::ScopedHandler deaf(&faults::ignoreRecord);
+  const faults::ScopedHandler silenced(&faults::ignoreRecord);
   const auto observe = [&](KV::Person& person) {
     const ko::ScopedClockSource scopeOfThread(clock);
     person.update(observation);

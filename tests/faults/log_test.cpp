@@ -1,7 +1,7 @@
-#include "deafstream.hpp"
 #include "everyallocation.hpp"
 #include "everyreading.hpp"
 #include "scopedhandler.hpp"
+#include "silencedstream.hpp"
 #include "soundness.hpp"
 
 #include "support/capturedlog.hpp"
@@ -88,7 +88,7 @@ TEST_F(FailingLog, ReportsAHandlerThatRanOutOfMemoryWithoutAny)
   const support::CapturedLog behind;
   std::size_t before = 0;
   std::size_t allocated = 0;
-  std::string said;
+  std::string errorText;
   {
     const support::CapturedStandardError errors;
     const ScopedHandler failing([&before](const Record&) {
@@ -97,10 +97,10 @@ TEST_F(FailingLog, ReportsAHandlerThatRanOutOfMemoryWithoutAny)
     });
     const ScopedHandler after([&](const Record&) { allocated = faults::allocationCount() - before; });
     logOne();
-    said = errors.text();
+    errorText = errors.text();
   }
-  EXPECT_EQ("A log handler failed: x\n", said);
-  // The text of the exception itself, and what the captured stream takes.
+  EXPECT_EQ("A log handler failed: x\n", errorText);
+  // The text of the exception itself, and the memory of the captured stream.
   EXPECT_LE(allocated, 3U);
   EXPECT_EQ(1U, behind.size());
 }
@@ -110,14 +110,14 @@ TEST_F(FailingLog, CutsAnEndlessComplaintOfAHandler)
   const support::CapturedStandardError errors;
   const ScopedHandler failing([](const Record&) { throw std::runtime_error(std::string(5000, 'x')); });
   logOne();
-  const std::string said = errors.text();
-  EXPECT_EQ(0U, said.find("A log handler failed: xxx"));
-  EXPECT_LE(said.size(), 1024U);
-  EXPECT_EQ(1, std::count(said.begin(), said.end(), '\n'));
-  EXPECT_EQ('\n', said.back());
+  const std::string errorText = errors.text();
+  EXPECT_EQ(0U, errorText.find("A log handler failed: xxx"));
+  EXPECT_LE(errorText.size(), 1024U);
+  EXPECT_EQ(1, std::count(errorText.begin(), errorText.end(), '\n'));
+  EXPECT_EQ('\n', errorText.back());
 }
 
-/// A handler that needs memory for itself, as most do.
+/// A handler that allocates for itself, as most do.
 TEST_F(FailingLog, ReachesEveryHandlerOrNone)
 {
   const faults::SilencedStandardError silenced;
@@ -163,7 +163,7 @@ TEST_F(FailingLog, AddsAHandlerOrNone)
                             std::async(std::launch::async, logOne).get();
                             EXPECT_EQ(1, calls);
                             EXPECT_EQ(0, added);
-                            ko::log::removeHandler(ko::log::addHandler(handler));  // drops what was passed over
+                            ko::log::removeHandler(ko::log::addHandler(handler));  // drops the skipped handlers
                           });
   EXPECT_GT(failures, 5U);
 }
@@ -179,7 +179,7 @@ TEST_F(FailingLog, RemovesAHandlerEvenWithoutMemory)
   }
   {
     const faults::AllocationFault fault(0);
-    ko::log::removeHandler(id + 1000);  // which there is not
+    ko::log::removeHandler(id + 1000);  // an id that does not exist
     EXPECT_TRUE(fault.happened());
   }
   const support::CapturedStandardError errors;

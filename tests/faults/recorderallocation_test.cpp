@@ -18,7 +18,7 @@ using faults::failEveryAllocation;
 using faults::Outcome;
 using Recorder = std::unique_ptr<KV::KVEmotionRecorder>;
 
-/// Too long to be kept inside a string, so that its copies need memory.
+/// Too long to be stored inside a string, so that its copies allocate.
 const std::string longName = "the first scope, in which the person is greeted";
 
 class RecorderWithoutMemory : public support::ClockTest
@@ -35,7 +35,7 @@ protected:
     return recorder;
   }
 
-  /// Returns how many samples the scope has, stopped from another thread, which would wait for ever for a lock.
+  /// Returns the samples of the scope, stopped from another thread, which would wait for ever for a lock.
   static std::size_t samplesIn(KV::KVEmotionRecorder& recorder, const std::string& scope)
   {
     return std::async(std::launch::async, [&] { return recorder.stopRecording(scope).second.size(); }).get();

@@ -7,7 +7,7 @@
 namespace faults
 {
 
-/// A log handler that is added for as long as it lives.
+/// A log handler that is added while the object lives.
 class ScopedHandler
 {
 public:

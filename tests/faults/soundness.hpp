@@ -15,7 +15,7 @@
 #include <vector>
 
 /// \file
-/// What holds of a person however her last update ended.
+/// Conditions that hold for a person in any case, however the last update ended.
 
 namespace faults
 {
@@ -43,7 +43,7 @@ void forEachMemory(KV::PersonMemoryPrivate& memory, Visit visit)
 
 using Times = std::vector<ko::SystemClock::time_point>;
 
-/// Returns the times of what each memory holds, in the order of forEachMemory().
+/// Returns the times of the records of each memory, in the order of forEachMemory().
 inline std::vector<Times> rememberedTimes(const KV::Person& person)
 {
   std::vector<Times> all;
@@ -56,7 +56,7 @@ inline std::vector<Times> rememberedTimes(const KV::Person& person)
   return all;
 }
 
-/// Expects that no mutex of the person is held, that her memories are in order, and that her estimates are in range.
+/// Expects that no mutex of the person is held, that the memories are in order, and the estimates in their ranges.
 inline void expectSound(const KV::Person& person)
 {
   forEachMemory(*person.personMemory._p, [](auto& memory) {
@@ -80,7 +80,7 @@ inline void expectSound(const KV::Person& person)
   EXPECT_EQ(std::size_t{KV::AttentionChannelCount}, state.attentionEstimates.size());
 }
 
-/// Expects that the person still remembers all that she did.
+/// Expects that the person still remembers every record from before.
 inline void expectRemembers(const KV::Person& person, const std::vector<Times>& former)
 {
   const std::vector<Times> now = rememberedTimes(person);

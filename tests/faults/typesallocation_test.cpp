@@ -56,7 +56,7 @@ std::size_t failUntilDone(Operate operate, Check check)
   }
 }
 
-/// Classes that nobody has registered before the tests.
+/// Classes that are not registered before the tests.
 struct Unknown
 {
   int number = 0;
@@ -210,7 +210,7 @@ TEST(WireWithoutMemory, DecodesAllOrNothing)
   }
 }
 
-/// A text that is refused must not become one that is accepted because its complaint does not fit.
+/// A text that is refused must not become one that is accepted because its error message does not fit.
 TEST(WireWithoutMemory, RefusesOrRunsOutOfMemory)
 {
   for (const std::string text : {R"({"personID": 1, "surplus": {"a": [1, 2, 3]}})", R"({"personID": 1)", R"([1, 2)"})

@@ -23,7 +23,7 @@ using faults::ObservationCase;
 using faults::Outcome;
 using support::milliseconds;
 
-/// A person who was observed before, so often that her memories are full at some of these counts.
+/// A person who was observed before, so often that the memories are full at some of these counts.
 struct Subject
 {
   KV::Person person{7};
@@ -49,7 +49,7 @@ protected:
   }
 };
 
-/// Runs on another thread, which would wait for ever if a lock were still held.
+/// Runs on another thread, which would wait for ever if a lock was still held.
 void updateElsewhere(KV::Person& person, const KV::PersonObservation& observation, ko::ClockSource& clock)
 {
   std::async(std::launch::async, [&] {
@@ -60,7 +60,7 @@ void updateElsewhere(KV::Person& person, const KV::PersonObservation& observatio
 
 TEST_P(UpdateWithoutMemory, KeepsWhatWasFiledAndIsTakenUpByTheNextUpdate)
 {
-  const faults::ScopedHandler deaf(&faults::ignoreRecord);
+  const faults::ScopedHandler silenced(&faults::ignoreRecord);
   const KV::PersonObservation observation = faults::observed(GetParam(), timeOf(cycles));
   for (int times = 0; times < cycles; ++times)
   {
@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(Of, UpdateWithoutMemory, ::testing::ValuesIn(faults::ob
 class StateWithoutMemory : public support::ClockTest
 {};
 
-/// Only a person who was never observed has nothing to lose: what is filed before an update fails is filed.
+/// Only a person who was never observed has nothing to lose: readings stored before an update fails stay stored.
 TEST_F(StateWithoutMemory, LeavesTheEstimateUntouchedIfNothingCouldBeFiled)
 {
   KV::PersonObservation observation;
@@ -125,7 +125,7 @@ TEST_F(StateWithoutMemory, AgesAPersonWithoutAny)
 TEST_F(StateWithoutMemory, TakesUpARecordThatTheTypeSystemCloned)
 {
   const KV::PersonObservation observation = faults::observed(faults::observationCases().back(), support::start);
-  const faults::ScopedHandler deaf(&faults::ignoreRecord);
+  const faults::ScopedHandler silenced(&faults::ignoreRecord);
   const auto cloned = [] {
     KV::Person person;
     person.personState._p = boost::make_shared<KV::PersonStatePrivate>(*person.personState._p);
@@ -147,7 +147,7 @@ TEST_F(StateWithoutMemory, MakesNoPersonOfWhomAPartIsMissing)
   EXPECT_GE(failures, 4U);  // the records of state, body language and memories, and the vectors of the state
 }
 
-TEST_F(StateWithoutMemory, TellsWhatItKnowsOrThrows)
+TEST_F(StateWithoutMemory, ReportsWhatItKnowsOrThrows)
 {
   const KV::PersonState state(0.5f, 1.f, 0.5f, 1.f);
   const std::size_t failures = failEveryAllocation([] { return std::string("former"); },
@@ -158,7 +158,7 @@ TEST_F(StateWithoutMemory, TellsWhatItKnowsOrThrows)
 
 TEST_F(StateWithoutMemory, LeavesABoundaryThatCannotBeRefusedAloud)
 {
-  const faults::ScopedHandler deaf(&faults::ignoreRecord);
+  const faults::ScopedHandler silenced(&faults::ignoreRecord);
   const float former = KV::PersonState::getBinaryBoundaryPositive();
   const std::size_t failures =
       failEveryAllocation([] { return 0; }, [](int) { KV::PersonState::setBinaryBoundaryPositive(1.5f); },

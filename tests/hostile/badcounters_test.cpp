@@ -14,7 +14,7 @@ namespace
 constexpr std::int64_t millisecond = 1000000;
 constexpr std::int64_t year = millisecond * 1000 * 3600 * 24 * 365;
 
-/// What the machine shows at the moment; stands still while it is looked at.
+/// The present time of the machine; it does not advance while it is read.
 struct Machine
 {
   std::uint64_t ticks = 1000000000000;
@@ -52,7 +52,7 @@ TEST(BadCounters, AreNotTrustedIfTheyGoBackAllTheTime)
   }
 }
 
-TEST(BadCounters, AreNotTrustedIfTheyStandStill)
+TEST(BadCounters, AreNotTrustedIfTheyDoNotChange)
 {
   Machine machine;
   ko::ExtrapolatedClock<Look> clock(Look{&machine});
@@ -65,7 +65,7 @@ TEST(BadCounters, AreNotTrustedIfTheyStandStill)
   }
 }
 
-// Once the machine behaves again, it takes three milliseconds until its clock is trusted to the microsecond.
+// After the machine is normal again, it takes three milliseconds until its clock is trusted to the microsecond.
 TEST(BadCounters, AreOvercomeThreeMillisecondsAfterAnyJump)
 {
   for (const unsigned int seed : {1U, 2U, 3U})

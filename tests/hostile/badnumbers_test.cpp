@@ -1,4 +1,4 @@
-// What single numbers that no sensor should tell do to an estimate, and after how long nothing is left of them.
+// The effect on an estimate of single numbers that no sensor should report, and how long it lasts.
 
 #include "personmemoryprivate.hpp"
 #include "personstateprivate.hpp"
@@ -63,7 +63,7 @@ void setContext(PersonObservation& o, std::int32_t valence, float lifetime)
   o.contextEmotion.emplace(ko::SystemClock::now(), KV::ContextEmotion(valence, lifetime));
 }
 
-/// One bad observation, and for how many tenths of a second it shows.
+/// One bad observation, and for how many tenths of a second its effect shows.
 struct BadNumber
 {
   const char* name;
@@ -74,7 +74,7 @@ struct BadNumber
 class BadNumberTest : public ::testing::TestWithParam<BadNumber>
 {};
 
-// What docs/hostile-readings.md tells of these.
+// The figures of docs/hostile-readings.md.
 TEST_P(BadNumberTest, IsForgottenToTheLastBit)
 {
   const Recovery recovery = recoveryFrom(GetParam().disturb);
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(Forgotten, BadNumberTest, ::testing::ValuesIn(forgotten
 class StickyNumberTest : public ::testing::TestWithParam<BadNumber>
 {};
 
-// Deliberate: a NaN valence or attention stays, so that it is seen; the boundary is where to keep it out.
+// Deliberate: a NaN valence or attention stays, so that it is seen; keep it out at the boundary of the program.
 TEST_P(StickyNumberTest, StaysForGood)
 {
   EXPECT_TRUE(recoveryFrom(GetParam().disturb).stayedNan);
@@ -272,7 +272,7 @@ TEST(BadNumbers, NeverMakeAnEstimateNanUpToTheGreatestReading)
   }
 }
 
-// What is shown of a state that is NaN through and through.
+// The output of a state in which every number is NaN.
 TEST(BadNumbers, AreShownAsTheyAre)
 {
   KV::PersonState state(nan, nan, nan, nan);
@@ -301,7 +301,7 @@ TEST(BadNumbers, MakeTheVerdictNeutralOrUnknown)
   EXPECT_EQ("neutral", ofSure.word());
 }
 
-// One row for each activity that no microphone should tell.
+// One row for each activity that no microphone should report.
 struct BadActivity
 {
   const char* name;

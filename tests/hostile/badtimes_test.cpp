@@ -1,4 +1,4 @@
-// What time stamps and clocks that are far off do to an estimate, and after how long nothing is left of them.
+// The effect on an estimate of timestamps and clocks that are far off, and how long it lasts.
 
 #include "personmemoryprivate.hpp"
 #include "personstateprivate.hpp"
@@ -33,7 +33,7 @@ const TimePoint firstTime = support::atNanoseconds(std::numeric_limits<std::int6
 const TimePoint lastTime = support::atNanoseconds(std::numeric_limits<std::int64_t>::max());
 constexpr support::hours tenYears(10 * 365 * 24);
 
-/// One kind of reading, made worth noticing, with any time.
+/// One kind of reading, with a noticeable value and any time.
 struct Timed
 {
   const char* name;
@@ -87,7 +87,7 @@ TEST_P(RememberedReadingTest, DoesNothingFromTheDistantPast)
   }
 }
 
-// Deliberate: a reading counts as new until its time has come, whenever that is.
+// Deliberate: a reading counts as new until its time has come, however far in the future.
 TEST_P(RememberedReadingTest, StaysFromTheDistantFuture)
 {
   EXPECT_FALSE(recoveryFromTime(lastTime).isExact);
@@ -185,7 +185,7 @@ void forgetMemories(KV::Person& person)
   person.personMemory = KV::PersonMemory();
 }
 
-/// For how many frames after the step the two lives differed, up to the last of them.
+/// The number of frames after the step up to the last difference between the two lives.
 int differentFrames(const Estimates& left, const Estimates& right)
 {
   int last = 112;
@@ -204,7 +204,7 @@ TEST(BadClocks, AreOvercomeInAMemoryAndASecondAfterAStepForward)
   EXPECT_EQ(steady.back(), stepped.back());
 }
 
-// Deliberate: what was seen before the step is in the future after it, and stays.
+// Deliberate: readings from before the step are in the future after it, and stay.
 TEST(BadClocks, AreNotOvercomeByItselfAfterAStepBack)
 {
   const Estimates steady = lifeWithStep(support::nanoseconds(0), doNothing);
@@ -245,7 +245,7 @@ TEST(BadClocks, KeepEveryRangeAndBoundTheMemoryWhileTheyJumpByYears)
     if (ko::SystemClock::now() < before)
       forgetMemories(person);
   }
-  const std::size_t kinds = 9;  // that good sensors tell of all the time; touches come on top
+  const std::size_t kinds = 9;  // that good sensors report all the time; touches come on top
   EXPECT_LE(most, kinds * (7 * framesPerSecond + 1) + 2);
 }
 

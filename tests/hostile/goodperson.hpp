@@ -19,8 +19,8 @@ inline float swing(int frame, int period)
   return static_cast<float>(std::abs(2 * phase - period)) / static_cast<float>(period) * 2.f - 1.f;
 }
 
-/// What well-behaved sensors tell at `time` of somebody who likes the robot, looks about a little, and is touched now
-/// and then.
+/// The readings of well-behaved sensors at `time`, of a person who likes the robot, looks about a little, and is
+/// touched now and then.
 inline KV::PersonObservation goodObservation(int frame, ko::SystemClock::time_point time)
 {
   KV::Expressions expressions;

@@ -1,4 +1,4 @@
-// Sensors that are too fast, and crowds: the memory is bounded, and nothing is mixed up.
+// Sensors that are too fast, and crowds: the memory is bounded, and readings stay with their persons.
 
 #include "goodperson.hpp"
 #include "personmemoryprivate.hpp"

@@ -18,13 +18,13 @@
 namespace hostile
 {
 
-/// Changes one observation for the worse.
+/// Makes one observation worse.
 using Disturb = std::function<void(KV::PersonObservation&)>;
 
 constexpr int undisturbedFrames = 110;  // before the bad reading
 constexpr int followedFrames = 240;     // after it: the longest memory is one of 20 s
 
-/// As good as the same, for all that is done with an estimate; two NaN are not.
+/// Nearly equal, so that no use of an estimate sees the difference; two NaN are not.
 inline bool isClose(const support::Estimate& left, const support::Estimate& right)
 {
   const auto close = [](float a, float b) { return std::fabs(a - b) <= 0.01f; };
@@ -34,10 +34,10 @@ inline bool isClose(const support::Estimate& left, const support::Estimate& righ
          close(left.attentionConfidence, right.attentionConfidence);
 }
 
-/// What became of a person who was disturbed once, beside one who was not.
+/// The estimates of a person who was disturbed once, compared with those of one who was not.
 struct Recovery
 {
-  int frames = 0;          ///< how many frames showed a difference, up to the last of them
+  int frames = 0;          ///< the number of frames up to the last difference
   bool isExact = false;    ///< whether the two ended with the same bits
   bool stayedNan = false;  ///< whether an estimate ended as NaN
 };

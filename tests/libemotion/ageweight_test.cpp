@@ -12,7 +12,7 @@
 namespace
 {
 
-/// What the tables stand for, written out once more.
+/// The values of the tables, computed once more.
 float computed(std::int64_t ageInMs, float halfLife)
 {
   return KV::softStep(static_cast<float>(ageInMs) * 0.001f, halfLife);
@@ -95,7 +95,7 @@ TEST(LifetimeWeights, AreComputedForAgesOutsideOfTheTable)
       EXPECT_EQ(bitsOf(computed(age, halfLife)), bitsOf(KV::LifetimeWeights::at(age, halfLife))) << age << " ms";
 }
 
-TEST(LifetimeWeights, TellZeroFromMinusZero)
+TEST(LifetimeWeights, DistinguishZeroFromMinusZero)
 {
   for (int pass = 0; pass < 2; ++pass)
   {

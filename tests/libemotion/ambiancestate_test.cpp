@@ -267,7 +267,7 @@ INSTANTIATE_TEST_SUITE_P(To, AmbianceStateSet,
 
 // Queries
 
-TEST(AmbianceState, TellsTheLevelThatIsAskedFor)
+TEST(AmbianceState, ReportsTheLevelThatIsAskedFor)
 {
   const AmbianceState state = stateOf(0.25f, 0.5f, 3.f);
 
@@ -329,7 +329,7 @@ TEST(AmbianceStateText, UsesTheFormatOfTheStreamAndReturnsIt)
 
 constexpr float defaultBoundary = 0.4f;
 
-/// Puts the process-wide boundary back where it was.
+/// Restores the process-wide boundary.
 class ExcitationBoundary : public support::ClockTest
 {
 protected:

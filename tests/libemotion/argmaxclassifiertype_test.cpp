@@ -26,7 +26,7 @@ using KV::classification::MoodClassifier;
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-/// One class per score, whose value is its place in the list.
+/// One class per score, whose value is its index in the list.
 std::vector<MoodClass> classesOf(const std::vector<float>& scores)
 {
   static const LogregMoodScore unused(0, 0.f);

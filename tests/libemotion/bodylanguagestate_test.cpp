@@ -176,7 +176,7 @@ TEST_F(BodyLanguageEstimate, ReplacesTheFormerOne)
   expectEase(0.f, 0.5f, state.ease);
 }
 
-TEST_F(BodyLanguageEstimate, CountsAPostureAsOldAsTheHorizonAndNoneOlder)
+TEST_F(BodyLanguageEstimate, CountsAPostureAsOldAsTheHorizonAndNoOlderOne)
 {
   remember({up, down});
   clock.advance(milliseconds(7000));  // the second is 7001 ms old

@@ -39,7 +39,7 @@ INSTANTIATE_TEST_SUITE_P(Zeros, TiedOperands,
                                            TiedCase{"ZeroAndNan", 0.f, nan}),
                          support::RowName());
 
-TEST(MaximumAndMinimum, TellTheGreaterFromTheLess)
+TEST(MaximumAndMinimum, DistinguishTheGreaterFromTheLess)
 {
   EXPECT_EQ(2.f, KV::maximum(1.f, 2.f));
   EXPECT_EQ(2.f, KV::maximum(2.f, 1.f));

@@ -147,7 +147,7 @@ TEST(FacialPoints, DoNotClampTheGlobalConfidence)
   EXPECT_TRUE(std::isnan(points.globalConfidence()));
 }
 
-/// The points in the order in which the record is laid out.
+/// The points in the order of the record's layout.
 constexpr std::array<int, pointCount> layout = {0, 3, 4, 1, 5, 6, 2, 7, 8, 11, 9, 10};
 
 /// Sums confidences of +-2^24 and 1, which single precision keeps or loses depending on the order.

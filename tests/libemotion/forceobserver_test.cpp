@@ -36,7 +36,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 
-/// A force as it was seen, with a source of its own.
+/// A force as the observer saw it, with a copy of its source.
 struct SeenForce
 {
   explicit SeenForce(const KV::Force& seen) : force(seen), source(seen.source) {}
@@ -84,7 +84,7 @@ protected:
     return names;
   }
 
-  /// Lets a head and a gaze be seen with these angles, one millisecond later.
+  /// Adds a head and a gaze with these angles, one millisecond later.
   void look(float headYaw, float headPitch, float gazeYaw, float gazePitch)
   {
     clock.advance(support::seconds(10));
@@ -199,7 +199,7 @@ TEST_F(ForceObserver, SeesTheForcesOfAFaceWithoutAWinner)
                                      "No observation", "No observation"));
 }
 
-TEST_F(ForceObserver, TellsOfAForceAllThatThereIsToTell)
+TEST_F(ForceObserver, ReportsAllPropertiesOfAForce)
 {
   person.personState._p->_setValence(0.5f);
   person.personState._p->_setUnsmoothedValence(-0.5f);
@@ -316,7 +316,7 @@ TEST_F(ForceObserver, MayReadTheStateFromItsCallback)
   EXPECT_THAT(valences, ElementsAre(0.f));
 }
 
-// What a source leaves in the state is there for those after it, and not yet for those before.
+// The changes of a source are visible to those after it, and not yet to those before.
 TEST_F(ForceObserver, SeesReadingsTakenOverOnceTheSpeakingWasWeighed)
 {
   KV::PersonObservation observation;
@@ -373,7 +373,7 @@ TEST_F(ForceObserver, IsCalledWhileNoMemoryIsLocked)
                             "Okao and robot movement limits", "Gaze and head based attention"}));
 }
 
-// Each emotion adds an older one to the memory that it comes from, which was read: so it does not act in this update.
+// Each emotion adds an older one to its memory, after this was read: so the older one does not act in this update.
 TEST_F(ForceObserver, MayReadAndWriteTheMemoriesOfThePersonFromItsCallback)
 {
   const KV::PersonObservation observation = everyReading();
@@ -406,7 +406,7 @@ TEST_F(ForceObserver, MayReadAndWriteTheMemoriesOfThePersonFromItsCallback)
   if (done.wait_for(std::chrono::seconds(60)) != std::future_status::ready)
   {
     ADD_FAILURE() << "the update waits for a mutex that it holds itself";
-    std::abort();  // nothing can end that thread
+    std::abort();  // that thread has no way to end
   }
   thread.join();
   done.get();
@@ -418,7 +418,7 @@ TEST_F(ForceObserver, MayReadAndWriteTheMemoriesOfThePersonFromItsCallback)
   EXPECT_EQ(support::estimateOf(*unwatched.personState._p), support::estimateOf(*person.personState._p));
 }
 
-// Then there is no mean head posture that attention could follow.
+// Then there is no mean head posture for the attention.
 TEST_F(ForceObserver, MayLetTheHeadPosturesBeForgottenFromItsCallback)
 {
   KV::PersonObservation observation;
@@ -466,7 +466,7 @@ TEST_F(ForceObserver, LetsAnErrorOfItsCallbackThroughAndNoMutexLocked)
   EXPECT_TRUE(support::isFree(person.personMemory._p->asrEmotionMemory.mutex()));
   EXPECT_GT(person.personState.personValence().value, 0.f) << "the force had acted before it was shown";
 
-  person.update(observation);  // does not wait for any of them
+  person.update(observation);  // waits for neither
 }
 
 }  // namespace

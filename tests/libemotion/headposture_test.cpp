@@ -101,7 +101,7 @@ struct PitchCase
 class HeadPosturePitch : public ::testing::TestWithParam<PitchCase>
 {};
 
-TEST_P(HeadPosturePitch, TellsUpFromDown)
+TEST_P(HeadPosturePitch, DistinguishesUpFromDown)
 {
   const HeadPosture posture(0.f, GetParam().pitch, 0.f);
 
@@ -151,7 +151,7 @@ struct YawCase
 class HeadPostureYaw : public ::testing::TestWithParam<YawCase>
 {};
 
-TEST_P(HeadPostureYaw, TellsLeftFromRight)
+TEST_P(HeadPostureYaw, DistinguishesLeftFromRight)
 {
   const HeadPosture posture(GetParam().yaw, 0.f, 0.f);
 

@@ -214,7 +214,7 @@ TEST_F(IsFinite, LeavesOutEachReadingThatIsNot)
   EXPECT_EQ(14, countReadings(observation));
 }
 
-TEST_F(IsFinite, TellsOfSingleReadings)
+TEST_F(IsFinite, ReportsSingleReadings)
 {
   constexpr float nan = Limits::quiet_NaN();
   EXPECT_TRUE(KV::isFinite(KV::Gaze(1.f, 1.f)));

@@ -21,7 +21,7 @@ using KV::classification::MoodClass;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
-/// The score of the features for a class that plays no part.
+/// The score of the features for a class that is not used.
 float scoreOf(const LinregMoodScore& score, const std::vector<float>& features)
 {
   return score.calculateScore(MoodClass("any", 0, score), features);

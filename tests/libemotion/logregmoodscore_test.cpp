@@ -22,13 +22,13 @@ using KV::classification::MoodClass;
 
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
-/// The score of the features for a class that plays no part.
+/// The score of the features for a class that is not used.
 float scoreOf(const LogregMoodScore& score, const std::vector<float>& features)
 {
   return score.calculateScore(MoodClass("any", 0, score), features);
 }
 
-/// The score of a single feature of weight 1 under no intercept.
+/// The score of a single feature of weight 1 without an intercept.
 float logistic(float x)
 {
   return scoreOf(LogregMoodScore(1, 0.f), {x});

@@ -19,7 +19,7 @@ using KV::classification::LogregMoodScore;
 using KV::classification::MoodClass;
 using KV::classification::MoodScore;
 
-/// Sums the features, and keeps what it was asked.
+/// Sums the features, and keeps its arguments.
 class RecordingScore final : public MoodScore
 {
 public:

@@ -19,7 +19,7 @@ using KV::classification::MoodClass;
 using KV::classification::MoodClassifier;
 using KV::classification::MoodClassifierType;
 
-/// Lets the last class win, and keeps what it was asked.
+/// Lets the last class win, and keeps its arguments.
 class LastWins final : public MoodClassifierType
 {
 public:

@@ -1,4 +1,4 @@
-# Tests of the observations, the memories, the classification and what a person's body and the room tell.
+# Tests of the observations, the memories, the classification, the body language and the room.
 set(OBSERVATION_TESTS
     # observations
     contextemotion_test.cpp

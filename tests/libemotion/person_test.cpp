@@ -84,7 +84,7 @@ TEST_F(APerson, HasTheIdentifierThatIsGiven)
 
 // Copies
 
-// A graph of many persons shifts them at every newcomer.
+// A graph of many persons moves them at every newcomer.
 TEST_F(APerson, HandsItsRecordsOverWithoutCountingThemWhenItIsMoved)
 {
   EXPECT_TRUE(std::is_nothrow_move_constructible_v<Person>);
@@ -147,7 +147,7 @@ TEST_F(APerson, RemembersTheObservationBeforeItIsEstimatedFrom)
   person.update(headUp());
 
   EXPECT_EQ(1U, person.personMemory._p->headPostureMemory.records().size());
-  // The body language was brought up to date from the memory, and pulled the valence, before silence did.
+  // The body language was updated from the memory, and pulled the valence, before silence did.
   EXPECT_EQ(-0.5f, person.personState.bodyLanguageState().bodyLanguageState(KV::BodyLanguageEaseDescription).level);
   Estimate expected;
   expected.pullValence(-0.5f, 0.065f);
@@ -232,7 +232,7 @@ TEST_F(APerson, UpdatesTheSameThroughOneCopyAndThroughSeveral)
 
 TEST_F(APerson, KeepsTheObservationWhenTheEstimateFails)
 {
-  const support::CapturedStandardOutput forgetting;  // a memory that cannot forget says so
+  const support::CapturedStandardOutput forgetting;  // a memory that cannot remove old records reports it
   Person person;
   const KV::PersonObservation observation = touched();
   // One reading to prune on recording, one when the report counts, one when it writes; then the update.

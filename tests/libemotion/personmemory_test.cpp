@@ -81,7 +81,7 @@ int lockedCount(PersonMemoryPrivate& memory)
   return count;
 }
 
-/// One kind of reading, with what it is remembered in.
+/// One kind of reading, with its memory.
 struct Kind
 {
   std::string name;

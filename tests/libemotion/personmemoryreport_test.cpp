@@ -28,7 +28,7 @@ using Time = ko::SystemClock::time_point;
 
 const std::string header = "Person updated with observations :\n";
 
-/// Files the observation, and returns the report.
+/// Stores the observation, and returns the report.
 std::string reportOf(PersonMemoryPrivate& memory, const PersonObservation& observation)
 {
   KV::DiagnosticText report;
@@ -36,7 +36,7 @@ std::string reportOf(PersonMemoryPrivate& memory, const PersonObservation& obser
   return report.text();
 }
 
-/// Seven scores whose values tell which is which; their confidences are never reported.
+/// Seven scores with different values; their confidences are never reported.
 KV::Expressions expressions(float scale)
 {
   return {{1.f * scale, 0.91f}, {2.f * scale, 0.92f}, {3.f * scale, 0.93f}, {4.f * scale, 0.94f},
@@ -99,26 +99,26 @@ protected:
   PersonMemoryPrivate memory;
 };
 
-TEST_P(PersonMemoryReportLine, TellsTheReading)
+TEST_P(PersonMemoryReportLine, ReportsTheReading)
 {
   EXPECT_EQ(header + GetParam().lineOfOne, reportOf(memory, oneAt(start)));
 }
 
-TEST_P(PersonMemoryReportLine, TellsTheYoungestReadingAndNotTheOneFiled)
+TEST_P(PersonMemoryReportLine, ReportsTheYoungestReadingAndNotTheOneFiled)
 {
   memory.add(otherAt(start));
 
   EXPECT_EQ(header + GetParam().lineOfOther, reportOf(memory, oneAt(start - milliseconds(40))));
 }
 
-TEST_P(PersonMemoryReportLine, TellsTheYoungestReadingWhenTheOneFiledIsTooOld)
+TEST_P(PersonMemoryReportLine, ReportsTheYoungestReadingWhenTheOneFiledIsTooOld)
 {
   memory.add(otherAt(start));
 
   EXPECT_EQ(header + GetParam().lineOfOther, reportOf(memory, oneAt(start - GetParam().horizon - milliseconds(1))));
 }
 
-TEST_P(PersonMemoryReportLine, TellsTheFirstReadingOfOneTime)
+TEST_P(PersonMemoryReportLine, ReportsTheFirstReadingOfOneTime)
 {
   memory.add(otherAt(start));
 
@@ -194,7 +194,7 @@ TEST_F(PersonMemoryReport, IsAppendedToWhatIsThere)
   EXPECT_EQ("before\n" + header, report.text());
 }
 
-TEST_F(PersonMemoryReport, TellsNeitherHeadHeightNorVoice)
+TEST_F(PersonMemoryReport, ReportsNeitherHeadHeightNorVoice)
 {
   observation.headHeight = Timestamped<float>(start, 1.7f);
   observation.voiceEmotion = Timestamped<KV::VoiceEmotion>(start, KV::VoiceEmotion());
@@ -226,7 +226,7 @@ PersonObservation fullObservation()
   return full;
 }
 
-TEST_F(PersonMemoryReport, TellsAFullObservationInItsOwnOrder)
+TEST_F(PersonMemoryReport, ReportsAFullObservationInItsOwnOrder)
 {
   EXPECT_EQ(
       "Person updated with observations :\n"
@@ -255,7 +255,7 @@ TEST_F(PersonMemoryReport, IsTheSameUnderAnyLocale)
   EXPECT_EQ(header + "\t Distance : 1.5\n\t Touch Emotion : 1000000\n", reportOf(memory, observation));
 }
 
-TEST_F(PersonMemoryReport, TellsANanDistance)
+TEST_F(PersonMemoryReport, ReportsANanDistance)
 {
   observation.distance = Timestamped<float>(start, std::numeric_limits<float>::quiet_NaN());
 
@@ -286,7 +286,7 @@ TEST_F(PersonMemoryReport, AsksForTheYoungestDistanceOnce)
   EXPECT_EQ(1 + 1 + 1, counting.readings()) << "recording, counting, and the distance";
 }
 
-TEST_F(PersonMemoryReport, DoesNotLookAgainAtWhatItDoesNotTell)
+TEST_F(PersonMemoryReport, DoesNotReadAgainWhatItDoesNotReport)
 {
   observation.asrEmotion = Timestamped<float>(start, 1.f);
   observation.contextEmotion = Timestamped<KV::ContextEmotion>(start, KV::ContextEmotion(1, 2.f));

@@ -206,7 +206,7 @@ TEST(PersonState, SplitsANegativeValence)
   EXPECT_EQ(0.6f, state.personEmotion(KV::Negative).confidence);
 }
 
-TEST(PersonState, TellsTheAttentionWithItsOwnConfidence)
+TEST(PersonState, ReportsTheAttentionWithItsOwnConfidence)
 {
   const PersonState state(0.5f, 0.6f, 0.7f, 0.8f);
 
@@ -406,7 +406,7 @@ TEST(PersonState, NamesNineZones)
   EXPECT_EQ("LookingDownRight", KV::attentionZonesStringMapping.rbegin()->second);
 }
 
-// What was taken over
+// The members that a copy keeps
 
 TEST(PersonState, ReadsOutWhatItsRecordHolds)
 {

@@ -130,7 +130,7 @@ TEST(PersonStatePrivate, HasABodyLanguageOfItsOwn)
   EXPECT_NE(one.bodyLanguageState._p, other.bodyLanguageState._p);
 }
 
-/// A record in which nothing is as in a new one.
+/// A record in which every field differs from a new one.
 class CopiedPersonStatePrivate : public ::testing::Test
 {
 protected:
@@ -307,7 +307,7 @@ struct ForceCase
   void (Estimate::*expected)(float target, float weight);
   boost::mutex PersonStatePrivate::*mutex;
   float Estimate::*quantity;
-  float Estimate::*twin;  // moves along; the quantity itself where none does
+  float Estimate::*twin;  // moves along; the same quantity if no other moves along
   float lowest;
 };
 class PersonStatePrivateForce : public ::testing::TestWithParam<ForceCase>
@@ -744,7 +744,7 @@ protected:
   PersonStatePrivate state;
 };
 
-/// The age in milliseconds of what was never seen.
+/// The age in milliseconds of a source that was never seen.
 std::int64_t neverSeenAge()
 {
   return start.time_since_epoch().count() / 1000000 + 1;
@@ -767,7 +767,7 @@ TEST_P(PersonStatePrivateAge, IsNotThatOfAnOlderSource)
   EXPECT_EQ(50, state._lastTimeStampedObservationAttention());
 }
 
-/// The script of a clock that moves on by one millisecond with each reading.
+/// The script of a clock that advances by one millisecond with each reading.
 ko::SystemClock::time_point running(int reading)
 {
   return start + milliseconds(reading);

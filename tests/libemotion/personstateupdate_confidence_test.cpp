@@ -37,7 +37,7 @@ protected:
     memories().facialPointsMemory.record(aged(age, facialPoints(confidence)));
   }
 
-  /// Expects one update to pull the valence confidence towards `target`, and to do nothing else but what silence does.
+  /// Expects one update to pull the valence confidence towards `target`, and otherwise only the effect of silence.
   void expectPulledTowards(float target)
   {
     Estimate expected = estimate();
@@ -49,7 +49,7 @@ protected:
   }
 };
 
-TEST_F(UpdateByFacialPoints, SaysThatThereAreNoneAndLeavesTheConfidenceToTheLaterSources)
+TEST_F(UpdateByFacialPoints, ReportsNoFacialPointsAndLeavesTheConfidenceToTheLaterSources)
 {
   Estimate expected = estimate();
   driftToNeutral(expected, neverHeard);
@@ -96,7 +96,7 @@ TEST_F(UpdateByFacialPoints, MeansAllOfThemByAgeNewestFirst)
   expectPulledTowards((confidenceSum / weightSum) * w0);
 }
 
-TEST_F(UpdateByFacialPoints, TellsConfidenceAndWeight)
+TEST_F(UpdateByFacialPoints, ReportsConfidenceAndWeight)
 {
   remember(milliseconds(-5000), 0.75f);
   EXPECT_THAT(update(), StartsWith("State updated with:\n\t - Confidence: 0.75 with weight 1\nNo valence"));
@@ -154,7 +154,7 @@ struct SpeakingCase
 {
   const char* name;
   std::vector<std::pair<int, bool>> ageAndFlag;
-  int countingAge;  // -1: none counts
+  int countingAge;  // -1: no reading counts
 };
 class UpdateBySpeaking : public support::StateUpdateTestWithParam<SpeakingCase>
 {};
@@ -208,7 +208,7 @@ TEST_F(UpdateBySpeech, LosesAboutHalfTheConfidenceToSpeechHalfASecondAgo)
   memories().speakingMemory.record(aged(milliseconds(500), true));
   update();
 
-  // 0.5 x 0.98305 is the weight, and 0.3 what silence leaves; 1e-6f: single precision
+  // 0.5 x 0.98305 is the weight, and 0.3 the rest after silence; 1e-6f: single precision
   EXPECT_NEAR(0.8f * (1.f - 0.491526287f) * 0.3f, state.valence.confidence, 1e-6f);
 }
 

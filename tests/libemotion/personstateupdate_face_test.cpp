@@ -35,7 +35,7 @@ struct Face
 
 KV::Expressions expressionsOf(const Face& face)
 {
-  // Confidences that would tip the scales if they counted.
+  // Confidences that would change the result if they counted.
   KV::Expressions expressions;
   expressions.calm = {face.calm, 0.9f};
   expressions.anger = {face.anger, 0.8f};
@@ -79,7 +79,7 @@ TEST_P(UpdateByFace, TakesNoPartWhileThePersonSpeaks)
   memories().speakingMemory.record(fresh(true));
   Estimate expected = estimate();
   expected.pullValenceConfidence(0.f, 0.5f * softStep(0.f, 2.f));
-  driftToNeutral(expected, 0.f);  // the expressions were seen just now
+  driftToNeutral(expected, 0.f);  // the expressions are of the present time
   loseAttention(expected, neverHeard);
 
   update();
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(SmilingOnly, UpdateByFace,
 class UpdateByFaceCharacteristics : public support::StateUpdateTest
 {
 protected:
-  /// Expects one update to lower the valence confidence by half and to see no source of valence.
+  /// Expects one update to lower the valence confidence by half, and to find no source of valence.
   void expectNoWinner()
   {
     Estimate expected = estimate();
@@ -218,7 +218,7 @@ TEST_F(UpdateBySmile, PullsTheValenceWhileThePersonSpeaks)
   EXPECT_EQ(expected, estimate());
 }
 
-TEST_F(UpdateBySmile, StandsInForTheExpressionsWhileThePersonSpeaks)
+TEST_F(UpdateBySmile, ReplacesTheExpressionsWhileThePersonSpeaks)
 {
   speak();
   observation.smile = fresh(KV::Smile(0.9f, 0.77f));

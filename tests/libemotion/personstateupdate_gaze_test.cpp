@@ -115,7 +115,7 @@ TEST_F(UpdateByGaze, EstimatesTheAttentionByTheMeanAngles)
   EXPECT_EQ(0.f, state.attentionEstimates[0]);
 }
 
-TEST_F(UpdateByGaze, TellsTheMeanAnglesAndTheEstimate)
+TEST_F(UpdateByGaze, ReportsTheMeanAnglesAndTheEstimate)
 {
   remember(weighsOne, 12.f, 16.f);
   EXPECT_THAT(update(), HasSubstr("\nFinal value of gaze: 12 | 16 | 0.5\n"));

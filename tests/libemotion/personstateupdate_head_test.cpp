@@ -147,7 +147,7 @@ TEST_F(UpdateByHead, IsHalfAttentiveAtFifteenDegrees)
   EXPECT_EQ(0.5f, state.attentionEstimates[0]);
 }
 
-TEST_F(UpdateByHead, TellsTheMeanAnglesAndTheEstimate)
+TEST_F(UpdateByHead, ReportsTheMeanAnglesAndTheEstimate)
 {
   remember(weighsOne, 1.25f, 45.f);
   state.attentionEstimates[0] = 0.625f;
@@ -187,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(AroundFifteenDegrees, UpdateHeadDeadBand,
 class UpdateHeadDeadBandEnd : public support::StateUpdateTest
 {
 protected:
-  /// Returns the estimate after a straight head, whose angle is 0, came after one of that angle.
+  /// Returns the estimate when a head at that angle is followed by a straight head, whose angle is 0.
   float estimateAfter(float former)
   {
     memories().headPostureMemory.record(fresh(KV::HeadPosture(0.f, 0.f, 0.f)));
@@ -218,7 +218,7 @@ TEST_F(UpdateByHead, NeverRenewsTheEstimateInASlowDrift)
     update();
     EXPECT_NEAR(0.29f * static_cast<float>(cycle), state.attentionAngles[0], 1e-6f);  // single precision
     EXPECT_EQ(before, state.attentionEstimates[0]);
-    clock.advance(milliseconds(5000));  // past the reading that lay in the future
+    clock.advance(milliseconds(5000));  // after the reading that was in the future
   }
 }
 
@@ -281,7 +281,7 @@ INSTANTIATE_TEST_SUITE_P(AtTheYaws, UpdateHeadShare,
 class UpdateHeadShareJump : public support::StateUpdateTest
 {
 protected:
-  /// Returns the attention that a full head and an absent gaze lead to from 0.
+  /// Returns the attention that a full head and an absent gaze cause, starting from 0.
   float attentionAt(float yaw)
   {
     clock.advance(milliseconds(20000));

@@ -22,7 +22,7 @@ constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
 // Distance and height
 
-/// What the observation brings, and what the sensor's limits are then asked for.
+/// The observation, and the expected arguments of the sensor's limits.
 struct FaceCase
 {
   const char* name;

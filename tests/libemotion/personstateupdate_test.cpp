@@ -38,7 +38,7 @@ using support::weighsOne;
 class Update : public support::StateUpdateTest
 {
 protected:
-  /// A person who is silent and of whom everything is seen at once.
+  /// A person who is silent, with all other readings at once.
   void seeEverything()
   {
     memories().facialPointsMemory.record(aged(milliseconds(20), facialPoints(0.9f)));
@@ -60,14 +60,14 @@ protected:
 
   static float weight(int ageInMs, float reference) { return softStep(inSeconds(milliseconds(ageInMs)), reference); }
 
-  /// What the facial points of seeEverything() do.
+  /// The effect of the facial points of seeEverything().
   static void pullByFacialPoints(Estimate& expected)
   {
     const float points = weight(20, 3.f);
     expected.pullValenceConfidence((points * facialPoints(0.9f).globalConfidence() / points) * points, 0.7f);
   }
 
-  /// What the sources of valence behind face and smile do, in their order.
+  /// The effects of the sources of valence after face and smile, in their order.
   static void pullByBodyVoiceAndMemories(Estimate& expected)
   {
     expected.pullValence(-0.5f, 0.065f);               // body language
@@ -80,7 +80,7 @@ protected:
     expected.pullValence(0.f, weight(50, 10.f) * 0.65f);  // context
   }
 
-  /// What limits and attention of seeEverything() do.
+  /// The effects of limits and attention of seeEverything().
   static void attendToEverything(Estimate& expected)
   {
     support::limitValence(expected, 1.38f, 1.92f);
@@ -168,7 +168,7 @@ TEST_F(Update, LeavesTheMemoriesWithoutTheObservation)
 
 // The trace
 
-TEST_F(Update, TellsThatNothingWasSeen)
+TEST_F(Update, ReportsThatNothingWasSeen)
 {
   state.valence = {0.f, 0.5f};
   state.attention = {1.f, 0.f};
@@ -188,7 +188,7 @@ TEST_F(Update, TellsThatNothingWasSeen)
       update());
 }
 
-TEST_F(Update, TellsWhatWasSeen)
+TEST_F(Update, ReportsWhatWasSeen)
 {
   state.valence = {1.f, 1.f};
   state.attention = {0.f, 1.f};
@@ -309,7 +309,7 @@ TEST_F(Update, HoldsAFurtherMutexForTheRememberedEmotionsAlone)
                                                  &memories().touchEmotionMemory.mutex(),
                                                  &memories().contextEmotionMemory.mutex()};
   std::string emotions;
-  // The clock is read for each record's age: what is held then shows where the update stands.
+  // The clock is read for each record's age: the held mutexes then show the position of the update.
   support::ScriptedClock probe([&](int) {
     EXPECT_EQ(0, heldOf(quantities));
     EXPECT_EQ(heldOf(remembered) == 1, !support::isFree(state.observationsMutex));
@@ -345,7 +345,7 @@ struct ClockFailure : std::runtime_error
   ClockFailure() : std::runtime_error("the clock stands still") {}
 };
 
-/// Updates by a clock that fails from this reading on, and tells whether it came to that.
+/// Updates by a clock that fails from this reading on, and returns whether it did fail.
 bool failsFrom(int firstFailure, PersonStatePrivate& state, const KV::PersonObservation& observation,
                const KV::PersonMemory& memory)
 {
@@ -368,7 +368,7 @@ bool failsFrom(int firstFailure, PersonStatePrivate& state, const KV::PersonObse
 
 TEST_F(Update, LeavesEveryMutexFreeWhereverTheClockFails)
 {
-  const support::CapturedStandardOutput forgetting;  // a memory that cannot forget says so
+  const support::CapturedStandardOutput forgetting;  // a memory that cannot remove old records reports it
   seeEverything();
   memories().speakingMemory.record(aged(milliseconds(70), true));
   int reading = 0;
@@ -401,7 +401,7 @@ TEST_F(Update, KeepsTheForcesThatWereAppliedBeforeAnError)
   EXPECT_EQ(start, state.lastObservationTimes[KV::TouchChannel]);
 }
 
-// Whatever comes in
+// For all observations
 
 TEST_F(Update, KeepsTheEstimateInItsRangeForAnyFiniteReadings)
 {

@@ -49,7 +49,7 @@ float decidingYaw()
 class UpdateZones : public support::StateUpdateTest
 {
 protected:
-  /// Puts a head into the memory whose mean angles are these, and whose attention estimate stays `estimate`.
+  /// Adds a head to the memory with these mean angles, whose attention estimate stays `estimate`.
   void head(float yaw, float pitch, float estimate)
   {
     memories().headPostureMemory.record(aged(weighsOne, KV::HeadPosture(yaw, pitch, 0.f)));

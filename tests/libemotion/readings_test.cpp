@@ -41,7 +41,7 @@ TEST(Readings, CoverAllBytesOfAnObservation)
 {
   const KV::PersonObservation observation;
   const auto begin = reinterpret_cast<std::uintptr_t>(&observation);
-  std::vector<std::pair<std::size_t, std::size_t>> fields;  // from, and behind
+  std::vector<std::pair<std::size_t, std::size_t>> fields;  // from, and after
   KV::forEachReading([&](const auto& known) {
     const auto& reading = known.in(observation);
     const std::size_t from = reinterpret_cast<std::uintptr_t>(&reading) - begin;

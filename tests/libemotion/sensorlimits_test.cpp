@@ -92,7 +92,7 @@ TEST(SensorLimits, AreNanForANanDistanceWhateverTheHeight)
   EXPECT_TRUE(std::isnan(state._handleOkaoAttentionLimitations(nan, 1.9f)));
 }
 
-TEST(SensorLimits, ChangeNothingWhereTheyOnlyTellTheCeiling)
+TEST(SensorLimits, ChangeNothingWhereTheyOnlyReturnTheCeiling)
 {
   PersonStatePrivate state;
   state.valence = {0.3f, 0.5f};

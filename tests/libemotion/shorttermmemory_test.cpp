@@ -61,7 +61,7 @@ std::vector<float> values(const ShortTermMemory<float>& memory)
   return found;
 }
 
-/// Whether the mutex is free at the moment; it is left free then.
+/// Whether the mutex is free at the moment; the function leaves it free.
 bool isFree(boost::mutex& mutex)
 {
   const bool free = mutex.try_lock();
@@ -271,7 +271,7 @@ TEST(ShortTermMemory, IsNeitherCopiedNorMoved)
   EXPECT_FALSE(std::is_move_assignable_v<ShortTermMemory<float>>);
 }
 
-// What is too old
+// Records that are too old
 
 struct AgeCase
 {
@@ -539,7 +539,7 @@ TEST_P(ShortTermMemoryFailure, LosesNothingWhileForgetting)
   }
 }
 
-TEST_P(ShortTermMemoryFailure, IsToldOnStandardOutputAndNotInTheLog)
+TEST_P(ShortTermMemoryFailure, IsReportedOnStandardOutputAndNotInTheLog)
 {
   const support::CapturedLog log;
   scripted.clock.restart(failingAt(GetParam(), start));
@@ -586,7 +586,7 @@ TEST_P(ShortTermMemoryFailure, LeavesTheMemoryUsable)
   EXPECT_EQ(1.f, scripted.memory.youngest().value);
 }
 
-/// Where nothing can be written.
+/// If no reading can be written.
 class FullOutput
 {
 public:
@@ -612,7 +612,7 @@ private:
   std::ios_base::iostate _exceptions;
 };
 
-TEST(ShortTermMemoryClock, DisordersNothingThoughItsFailureCannotBeTold)
+TEST(ShortTermMemoryClock, DisordersNothingThoughItsFailureCannotBeReported)
 {
   ScriptedMemory scripted(4);
   const FullOutput output;
@@ -629,7 +629,7 @@ TEST(ShortTermMemoryClock, DisordersNothingThoughItsFailureCannotBeTold)
 INSTANTIATE_TEST_SUITE_P(AtEachReading, ShortTermMemoryFailure, ::testing::Range(0, 4),
                          ::testing::PrintToStringParamName());
 
-/// What one reading of a scripted clock does to the record it judges.
+/// The effect of one reading of a scripted clock on the record it judges.
 enum class Judgement
 {
   Young,
@@ -655,7 +655,7 @@ std::vector<std::vector<Judgement>> allJudgements(int length)
   return sequences;
 }
 
-/// What must be left of the values 1, 2, 3...: all of them after a failure, else the young ones.
+/// The values that must remain of 1, 2, 3...: all of them after a failure, else the young ones.
 std::vector<float> leftOf(const std::vector<Judgement>& judgements)
 {
   const bool fails = std::count(judgements.begin(), judgements.end(), Judgement::Failure) > 0;
@@ -695,7 +695,7 @@ TEST(ShortTermMemoryClock, NeitherLosesNorDoublesNorDisordersHoweverItJumpsAndFa
   }
 }
 
-/// A class derived from ManualClock that counts how often it is read, and moves on at each reading.
+/// A class derived from ManualClock that counts how often it is read, and advances at each reading.
 class CountingManualClock : public ko::ManualClock
 {
 public:

@@ -39,7 +39,7 @@ struct RevealedPersons
   friend Persons& personsOf(KV::SocialGraph& graph) { return graph.*persons; }
 };
 
-template struct RevealedPersons<&KV::SocialGraph::_persons>;  // may name what is private
+template struct RevealedPersons<&KV::SocialGraph::_persons>;  // may name private members
 
 }  // namespace support
 
@@ -63,7 +63,7 @@ std::vector<int> identifiersIn(const SocialGraph& graph)
   return identifiers;
 }
 
-/// Marks a person, so that they are known again.
+/// Marks a person, to recognise them later.
 void makeHappy(Person& person)
 {
   person.personState._setValence(0.75f);

@@ -2,6 +2,7 @@
 set(STATE_TESTS
     attentionzone_test.cpp
     forceobserver_test.cpp
+    forces_test.cpp
     personstate_test.cpp
     personstateprivate_test.cpp
     personstateupdate_confidence_test.cpp

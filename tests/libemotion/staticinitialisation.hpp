@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// What a static initialiser of a program finds when it uses the libraries.
+/// Values that a static initialiser of a program finds when it uses the libraries.
 struct StaticInitialisation
 {
   bool libraryCameFirst = false;  ///< whether the ordinary static initialisers of the library had run before
@@ -21,7 +21,7 @@ struct StaticInitialisation
   float valenceOfASmile = 0.f;  ///< see valenceOfASmilingPerson()
 };
 
-/// Returns what this program's own static initialiser found.
+/// Returns the values that this program's own static initialiser found.
 ///
 /// It also set the boundaries of PersonState and AmbianceState to `negativeBoundarySet` and `excitementBoundarySet`.
 const StaticInitialisation& foundAtStaticInitialisation();
@@ -29,5 +29,5 @@ const StaticInitialisation& foundAtStaticInitialisation();
 constexpr float negativeBoundarySet = -0.75f;
 constexpr float excitementBoundarySet = 0.75f;
 
-/// Returns the valence of a person after one look at a smiling face; the same at any time.
+/// Returns the valence of a person after one observation of a smiling face; the same at any time.
 float valenceOfASmilingPerson();

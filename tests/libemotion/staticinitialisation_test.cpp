@@ -8,8 +8,8 @@
 #include <string>
 
 /// \file
-/// The same tests for each order in which a program and the library can be initialised. The build says which one it is
-/// (LIBRARY_COMES_FIRST), and under what name its tests go (STATIC_INITIALISATION_SUITE).
+/// The same tests for each order in which a program and the library can be initialised. The build defines which order
+/// it is (LIBRARY_COMES_FIRST), and the name of its tests (STATIC_INITIALISATION_SUITE).
 
 namespace
 {

@@ -15,7 +15,7 @@ constexpr std::int64_t millisecond = 1000 * microsecond;
 constexpr std::int64_t second = 1000 * millisecond;
 constexpr std::int64_t hour = 3600 * second;
 
-/// A machine whose time passes only while it is looked at, or told to.
+/// A machine whose time passes only while it is read, or when the test advances it.
 struct World
 {
   double now = 0.;                  // [ns] the true time
@@ -25,8 +25,8 @@ struct World
   std::int64_t firstSystemTime = 1700000000 * second;
   double systemElapsed = 0.;  // [ns] on the system's clock since then
   double systemRate = 1.;     // of the system's clock against the true time, while it is slewed
-  double interruption = 0.;   // [ns] how long the next looks at the system's clock are interrupted for, each
-  int interruptedLooks = 0;   // how many of them there are
+  double interruption = 0.;   // [ns] how long each of the next readings of the system's clock is interrupted
+  int interruptedLooks = 0;   // the number of these readings
   int looksAtTheSystem = 0;
 
   std::uint64_t counter() const { return firstTick + static_cast<std::uint64_t>(ticks); }
@@ -87,7 +87,7 @@ protected:
     }
   }
 
-  /// Tells whether a reading needs no look at the system's clock.
+  /// Returns whether a reading works without the system's clock.
   bool countsOn()
   {
     const int looks = world.looksAtTheSystem;
@@ -105,7 +105,7 @@ TEST_F(ExtrapolatedClock, ReadsTheSystemUntilItKnowsTheRateOfTheCounter)
 {
   EXPECT_FALSE(countsOn());
   EXPECT_FALSE(countsOn());
-  EXPECT_LE(std::abs(error()), 150);  // as long as the looks take
+  EXPECT_LE(std::abs(error()), 150);  // as long as the readings take
 
   run(5 * millisecond);
 
@@ -223,7 +223,7 @@ TEST_F(ExtrapolatedClock, TrustsNoLookAtTheSystemThatWasInterrupted)
   run(20 * millisecond);
   world.pass(static_cast<double>(2 * millisecond));
   world.interruption = 300. * microsecond;
-  world.interruptedLooks = 1;  // the two looks after it are better
+  world.interruptedLooks = 1;  // the two readings after it are better
 
   EXPECT_LE(std::abs(error()), microsecond);
   EXPECT_TRUE(countsOn());
@@ -233,7 +233,7 @@ TEST_F(ExtrapolatedClock, CountsOnFromNoAnchorWhoseLooksWereAllInterrupted)
 {
   run(20 * millisecond);
   world.pass(static_cast<double>(2 * millisecond));
-  world.interruption = 0.5 * microsecond;  // too little to be taken for a new rate of the counter
+  world.interruption = 0.5 * microsecond;  // too little to count as a new rate of the counter
   world.interruptedLooks = 3;
 
   EXPECT_LE(std::abs(error()), 2 * microsecond);
@@ -262,7 +262,7 @@ TEST_F(ExtrapolatedClock, FindsTheRateAfterAStepBackThatCameBeforeItKnewOne)
 {
   read();
   world.firstSystemTime -= hour;
-  EXPECT_LE(std::abs(error()), 150);  // as long as the looks take
+  EXPECT_LE(std::abs(error()), 150);  // as long as the readings take
 
   run(5 * millisecond);
 

@@ -304,7 +304,7 @@ TEST_F(Log, LetsAHandlerRemoveItself)
   EXPECT_THAT(log.messages(), ElementsAre("first", "second"));
 }
 
-/// Logs when the last copy of it dies.
+/// Logs when its last copy is destroyed.
 class LogsAtItsEnd
 {
 public:
@@ -386,7 +386,7 @@ struct LevelCase
 {
   const char* name;
   Level level;
-  const char* standardError;  ///< what is written where there is no handler
+  const char* standardError;  ///< the text that is written without a handler
 };
 
 class LogAtLevel : public support::ClockTestWithParam<LevelCase>

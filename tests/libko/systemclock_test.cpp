@@ -37,7 +37,7 @@ std::int64_t systemClockNanoseconds()
 }
 
 /// Whether the clock of the calling thread is the wall clock: its reading lies between two of the standard library,
-/// give or take the microsecond that it may be off.
+/// with a tolerance of one microsecond.
 bool readsTheWallClock()
 {
   const std::int64_t before = wallClockNanoseconds();
@@ -92,7 +92,7 @@ TEST(ManualClock, ShowsTheTimeItWasMadeWith)
   EXPECT_EQ(atNanoseconds(1577836800123456789), clock.now());
 }
 
-TEST(ManualClock, StandsStillBetweenCalls)
+TEST(ManualClock, DoesNotAdvanceBetweenCalls)
 {
   ko::ManualClock clock(start);
 
@@ -285,7 +285,7 @@ TEST(ClockReader, ReadsASourceOncePerReading)
   EXPECT_EQ(2, clock.readings());
 }
 
-/// Runs ahead of the time that it is set to.
+/// Shows a later time than the one that was set.
 class HastyClock : public ko::ManualClock
 {
 public:

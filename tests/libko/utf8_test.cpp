@@ -18,7 +18,7 @@ struct Utf8Case
 class Utf8 : public ::testing::TestWithParam<Utf8Case>
 {};
 
-TEST_P(Utf8, IsTold)
+TEST_P(Utf8, IsReported)
 {
   EXPECT_EQ(GetParam().isUtf8, ko::isUtf8(GetParam().text));
 }

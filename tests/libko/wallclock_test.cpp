@@ -14,8 +14,8 @@ std::int64_t systemTime()
       .count();
 }
 
-// Each reading is held between two of the system's clock, so that it does not matter how long this thread is kept from
-// running in between.
+// Each reading is compared with one of the system's clock before it and one after it, so that it does not matter how
+// long this thread is interrupted in between.
 TEST(WallClock, IsNeverMoreThanAMicrosecondOffTheClockOfTheSystem)
 {
   constexpr std::int64_t microsecond = 1000;

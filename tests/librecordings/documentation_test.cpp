@@ -52,6 +52,19 @@ TEST_F(RecordingPage, ShowsAMappingThatCanBeRead)
   EXPECT_TRUE(mapping.pyFeat.pitchIsUp.value());
 }
 
+TEST_F(RecordingPage, ShowsATableOfSpeakersAndOneOfStreamsThatCanBeRead)
+{
+  const auto speakers = KV::recordings::readMapping(
+      folder.write("speakers.json", examplesOf(SKEIGIOT_RECORDING_PAGE, "```json speakers")));
+  EXPECT_EQ("ben", speakers.speakers.at("SPEAKER_01").name);
+  EXPECT_TRUE(speakers.speakers.at("SPEAKER_02").isNobody());
+  const auto streams =
+      KV::recordings::readMapping(folder.write("streams.json", examplesOf(SKEIGIOT_RECORDING_PAGE, "```json streams")));
+  ASSERT_EQ(2u, streams.streams.size());
+  EXPECT_EQ(3u, streams.streams[0].channels.size());
+  EXPECT_TRUE(streams.streams[1].areScopes.value());
+}
+
 TEST_F(RecordingPage, ShowsATableOfReadingsThatCanBeRead)
 {
   const auto contents = read(examplesOf(SKEIGIOT_RECORDING_PAGE, "```csv"));

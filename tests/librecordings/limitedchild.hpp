@@ -14,7 +14,7 @@ namespace support
 {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool memoryCanBeLimited = false;  // sanitizers take address space without a measure
+constexpr bool memoryCanBeLimited = false;  // sanitizers use address space without a limit
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
 constexpr bool memoryCanBeLimited = false;
@@ -39,8 +39,8 @@ inline std::size_t addressSpace()
   return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-/// For the statement of an EXPECT_EXIT(): runs `work` with at most so many bytes of address space more than there are,
-/// and in each file that it writes, and ends the process with status 0 if it returns true.
+/// For the statement of an EXPECT_EXIT(): runs `work` with a limit of so many more bytes of address space, and of so
+/// many bytes in each file that it writes, and ends the process with status 0 if it returns true.
 [[noreturn]] inline void runLimited(std::size_t memory, std::size_t file, const std::function<bool()>& work)
 {
   std::signal(SIGXFSZ, SIG_IGN);

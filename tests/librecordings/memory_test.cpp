@@ -4,7 +4,7 @@
 
 namespace
 {
-// [MiB] the most that this process ever held.
+// [MiB] the greatest memory of this process so far.
 double peakMemory()
 {
   rusage usage{};

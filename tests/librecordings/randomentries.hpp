@@ -15,7 +15,7 @@
 namespace support
 {
 
-/// Steps of a recording in which everything occurs that the format can hold, in the order of their times.
+/// Steps of a recording with everything that the format can hold, in the order of their times.
 class RandomEntries
 {
 public:
@@ -57,7 +57,7 @@ private:
     return texts.at(_random() % texts.size());
   }
 
-  // Any bits that are a number, and often those at the ends.
+  // Any finite float by its bits, and often one at the ends of the range.
   float _float()
   {
     using Limits = std::numeric_limits<float>;
@@ -72,7 +72,7 @@ private:
                                                   -Limits::denorm_min(),
                                                   Limits::min(),
                                                   Limits::max(),
-                                                  7.038531e-26f};  // wrong if it is read by way of double
+                                                  7.038531e-26f};  // wrong if it is converted by double
     if ((_random() & 7U) == 0)
       return special.at(_random() % special.size());
     while (true)
@@ -80,7 +80,7 @@ private:
       const auto bits = static_cast<std::uint32_t>(_random());
       float value = 0.f;
       std::memcpy(&value, &bits, sizeof value);
-      const bool looksLikePercent = value > 2.f && value <= 100.f;  // a reader refuses such a score
+      const bool looksLikePercent = value > 2.f && value <= 100.f;  // the reader refuses such a score
       if (value == value && !looksLikePercent)
         return value;
     }
@@ -106,7 +106,7 @@ private:
     return points;
   }
 
-  // Any time but those that look like one of our days in another unit, which a reader refuses.
+  // Any time except those that look like a present-day date in another unit, which a reader refuses.
   std::int64_t _otherTime()
   {
     while (true)

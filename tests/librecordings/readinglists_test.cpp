@@ -1,4 +1,4 @@
-// Lists of readings that are kept by hand lack none.
+// Lists of readings that are maintained by hand are complete.
 
 #include <skeigiot/readings.hpp>
 

@@ -10,7 +10,7 @@
 #include <map>
 #include <numeric>
 
-// Recordings that nobody here made; the tests are skipped where they are not at hand.
+// Recordings that other people made; without them the tests are skipped.
 
 namespace
 {
@@ -125,7 +125,7 @@ Contents contentsFromTheAxis(const std::string& path)
   return support::contentsOf(path, "", options);
 }
 
-// The 3D landmarks (X to the right in the image, Y down, Z away) tell how a head is turned: by the tip of the nose (30)
+// The 3D landmarks (X to the right in the image, Y down, Z away) show how a head is turned: by the tip of the nose (30)
 // against the cheeks (2, 14), by the chin (8) against the root of the nose (27), and by the outer corners of the eyes
 // (36, 45; 36 is on the left in the image).
 TEST_F(RealRecording, TurnsTheHeadAsTheLandmarksDo)
@@ -160,7 +160,7 @@ TEST_F(RealRecording, TurnsTheHeadAsTheLandmarksDo)
   }
 }
 
-// Eyes and head mostly go the same way; a gaze yaw counts to the left where a head yaw counts to the right.
+// Eyes and head mostly turn in the same direction; a gaze yaw is positive to the left, a head yaw to the right.
 TEST_F(RealRecording, TurnsTheGazeWithTheHead)
 {
   for (const std::string& name : filesWithPose)
@@ -348,7 +348,7 @@ TEST_F(RealRecording, OfLiveLinkFaceHasAllRowsAndLostFaces)
   support::expectSameBitsFromJsonLines(contents);
 }
 
-// The angles of the eyes and the scores of where they look tell the same.
+// The angles of the eyes agree with the scores of their directions.
 TEST_F(RealRecording, OfLiveLinkFaceTurnsTheEyesAsTheirScoresDo)
 {
   const std::string name = "arkit/livelinkface_apfel.csv.gz";
@@ -382,7 +382,7 @@ TEST_F(RealRecording, OfLiveLinkFaceTurnsTheEyesAsTheirScoresDo)
   EXPECT_GT(correlation(pitches, up), 0.9);
 }
 
-// MediaPipe: the reference output is in protocol-buffer text, from which a result is put together.
+// MediaPipe: the reference output is in protocol-buffer text; the test makes a result from it.
 
 // The values of lines "  <name>: <value>".
 std::vector<std::string> textValues(const std::string& path, const std::string& name)

@@ -1,4 +1,4 @@
-"""The schema of recordings takes what the writer writes and the page shows, and refuses what the reader refuses.
+"""The schema of recordings accepts the lines of the writer and of the page, and refuses those that the reader refuses.
 
 Usage: recordingschema_test.py SCHEMA PAGE WRITER
 """

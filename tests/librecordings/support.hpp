@@ -31,7 +31,7 @@ inline ko::SystemClock::time_point timeOf(std::int64_t nanoseconds)
   return ko::SystemClock::time_point(boost::chrono::nanoseconds(nanoseconds));
 }
 
-/// [s] since the beginning of a recording whose time stamps count from 0.
+/// [s] since the beginning of a recording whose timestamps count from 0.
 inline double secondsOf(const KV::recordings::Step& entry)
 {
   return static_cast<double>(nanosecondsOf(entry.time) - recordingEpoch) * 1e-9;
@@ -79,7 +79,7 @@ private:
   std::filesystem::path _path;
 };
 
-/// Everything that a recording gave.
+/// All entries, warnings and errors of a recording.
 struct Contents
 {
   std::vector<KV::recordings::Step> entries;
@@ -90,7 +90,7 @@ struct Contents
   bool isDated = false;
 };
 
-/// Reads the recording to its end, over bad lines.
+/// Reads the recording to its end, skipping bad lines.
 inline Contents contentsOf(KV::recordings::Reader& reader)
 {
   Contents contents;
@@ -121,7 +121,7 @@ inline Contents contentsOf(KV::recordings::Reader& reader)
   return contents;
 }
 
-/// Opens the recording and reads it to its end, over bad lines.
+/// Opens the recording and reads it to its end, skipping bad lines.
 inline Contents contentsOf(const std::string& path, const std::string& format = "",
                            const KV::recordings::ReadingOptions& options = {})
 {
@@ -146,7 +146,7 @@ protected:
     return contentsOf(folder.write("recording", text), "", options);
   }
 
-  /// Returns how the one error of this recording goes on behind the name of the file.
+  /// Returns the text of this recording's only error after the name of the file.
   std::string errorOf(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     const Contents contents = read(text, options);

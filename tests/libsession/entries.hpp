@@ -28,7 +28,7 @@ inline KV::recordings::Step entryAt(double sinceStart)
   return entry;
 }
 
-/// A person who faces the robot and smiles that much; 0 is a calm face.
+/// A person who faces the robot and smiles with this strength; 0 is a calm face.
 inline KV::recordings::Step seenAt(double sinceStart, std::int32_t person, float smile = 1.f)
 {
   KV::recordings::Step entry = entryAt(sinceStart);

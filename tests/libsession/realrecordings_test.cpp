@@ -10,7 +10,7 @@
 #include <string>
 
 /// \file
-/// The built command on recordings of real people, where those are at hand.
+/// The built command on recordings of real people, if they are installed.
 
 namespace
 {

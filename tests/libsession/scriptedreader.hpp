@@ -13,7 +13,7 @@
 namespace replaytests
 {
 
-/// A reader that plays what a test wrote for it.
+/// A reader that returns the entries that a test wrote for it.
 class ScriptedReader : public KV::recordings::Reader
 {
 public:

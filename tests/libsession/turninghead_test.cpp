@@ -1,4 +1,4 @@
-// A person turns the head away at 5 degrees a second, from 0 to 60, however often they are observed: attention goes.
+// A person turns the head away at 5 degrees a second, from 0 to 60: attention falls at every rate of observations.
 
 #include "libsession/entries.hpp"
 #include "support/temporaryfolder.hpp"
@@ -47,7 +47,7 @@ KV::recordings::Step facingAt(double sinceStart)
   return step;
 }
 
-/// Keeps the attention that holds.
+/// Keeps the present attention.
 struct AttentionLog : KV::session::SessionObserver
 {
   void personUpdated(const KV::session::Snapshot& snapshot) override { attention = snapshot.attention.value; }
@@ -129,7 +129,7 @@ TEST_P(TurningHead, IsNoticedInEachOfSeveralPersons)
     std::map<std::int32_t, float>& _found;
   } log(attention);
   KV::session::Session session({}, {&log});
-  // Persons are observed at times of their own. The last one goes on facing the robot.
+  // The observations have times of their own. The last person continues to face the robot.
   for (int i = 0; i / GetParam() <= lookedAt; ++i)
     for (int person = 1; person <= persons; ++person)
     {

@@ -1,4 +1,4 @@
-"""What script/tidy checks, reports and remembers, shown in a small tree of its own."""
+"""The checks, reports and memory of script/tidy, in a small tree of its own."""
 
 import json
 import os
@@ -27,7 +27,7 @@ class Tree:
         path.write_text(text)
 
     def tidy(self, *names, options=""):
-        """Returns the exit status, and all that was written."""
+        """Returns the exit status, and the whole output."""
         sources = [self.folder / "libko" / "src" / name for name in names]
         entries = [{"directory": str(self.folder / "build"), "file": str(source),
                     "command": f"/usr/bin/c++ -I{self.folder}/libko/src {options} -o {source.stem}.o -c {source}"}

@@ -36,13 +36,13 @@ bool same(const T& a, const T& b)
   return a == b;
 }
 
-/// Keeps the first difference that it is shown.
+/// Keeps the first difference.
 class Comparison
 {
 public:
   const std::string& firstDifference() const { return _firstDifference; }
 
-  /// `part` names what is compared within the field.
+  /// `part` names the compared part of the field.
   template <typename T>
   void compare(std::string_view field, const T& library, const T& model, std::string_view part = "")
   {

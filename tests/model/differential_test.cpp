@@ -1,8 +1,8 @@
-// The library and the model live through the same random lives, and must never differ in a bit.
+// The library and the model get the same random observations, and must never differ in a bit.
 //
-// How many observations all tests together take is a compile definition: a million in an optimised build, a part of
-// them where sanitizers, coverage counters or a debug build make each one dear (see CMakeLists.txt). The environment
-// variable SKEIGIOT_DIFFERENTIAL_OBSERVATIONS sets another number for a longer run.
+// The number of observations of all tests together is a compile definition: a million in an optimised build, a part of
+// them in builds with sanitizers, coverage counters or debug information, where each one is slow (see CMakeLists.txt).
+// The environment variable SKEIGIOT_DIFFERENTIAL_OBSERVATIONS sets another number for a longer run.
 
 #include "model/comparison.hpp"
 #include "model/model.hpp"
@@ -40,7 +40,7 @@ protected:
   LibraryAgainstModel() : _silence(ko::log::addHandler([](const ko::log::Record&) {})) {}
   ~LibraryAgainstModel() override { ko::log::removeHandler(_silence); }
 
-  /// Lives through `percent` of the observations of all tests.
+  /// Runs `percent` of the observations of all tests.
   template <typename Life>
   void expectAgreement(int percent)
   {
@@ -80,10 +80,10 @@ protected:
   }
 
 private:
-  ko::log::HandlerId _silence;  // old observations are many here, and their warnings expected
+  ko::log::HandlerId _silence;  // many observations are old here, so their warnings are expected
 };
 
-// The shares add up to 100 percent; what remembers most takes longest and has the smallest.
+// The shares add up to 100 percent; the life with the longest memory is slowest and has the smallest share.
 
 TEST_F(LibraryAgainstModel, AgreesOnSparseReadings)
 {
@@ -130,7 +130,7 @@ TEST_F(LibraryAgainstModel, AgreesOnBrokenNumbers)
   expectAgreement<model::BrokenNumbers>(12);
 }
 
-/// A clock that has moved on whenever it is read, now by little, now by much, and at times back.
+/// A clock that advances whenever it is read, sometimes little, sometimes much, and sometimes goes back.
 class RestlessClock : public ko::ClockSource
 {
 public:
@@ -154,7 +154,7 @@ private:
   std::int64_t _readings = 0;
 };
 
-// Whoever reads the clock once too often, once too rarely or in another order has another age from there on.
+// One reading of the clock too many, too few or in another order gives other ages from there on.
 TEST_F(LibraryAgainstModel, AgreesOnEveryReadingOfTheClock)
 {
   model::AllSensors all(seed);

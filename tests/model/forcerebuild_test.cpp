@@ -1,4 +1,4 @@
-// Whoever sees all forces can rebuild the estimate from them, to the last bit.
+// An observer of all forces can rebuild the estimate from them, to the last bit.
 
 #include "model/randomobservations.hpp"
 #include "model/translation.hpp"

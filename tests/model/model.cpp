@@ -13,7 +13,7 @@ namespace model
 namespace
 {
 
-// Which operand they give back when one is NaN is part of the rules, so they are not std::max and std::min.
+// The rules define the result if one operand is NaN, so these are not std::max and std::min.
 float greaterOf(float a, float b)
 {
   return a > b ? a : b;
@@ -41,8 +41,8 @@ void recordIfPresent(Memory<T>& memory, const std::optional<Reading<T>>& reading
     memory.record(*reading, clock);
 }
 
-/// Records the reading, and unless the memory is empty then, writes a line about its youngest. `write` asks for that as
-/// often as it writes a part of it.
+/// Records the reading, and unless the memory is empty then, writes a line about its youngest. `write` gets the
+/// youngest again for each part that it writes.
 template <typename T, typename Write>
 void recordAndReport(std::ostream& report, const char* label, Memory<T>& memory,
                      const std::optional<Reading<T>>& reading, const Clock& clock, const Write& write)
@@ -182,7 +182,7 @@ float headFactor(float meanYaw)
 
 int attentionZone(float yaw, float pitch, float yawThreshold, float pitchThreshold)
 {
-  // Past the last threshold, where NaN ends as well, the outermost column and row hold.
+  // After the last threshold, where NaN ends as well, the outermost column and row are used.
   const auto count = [](float angle, const std::array<float, 3>& thresholds) {
     int passed = 0;
     while (passed < 3 && !(angle < thresholds[static_cast<std::size_t>(passed)]))
@@ -254,9 +254,9 @@ std::string zoneName(int zone)
 namespace
 {
 
-// Forces: every estimate moves by a share of its way to a target, and says so to nobody.
+// Forces: every estimate moves by a share of its way to a target, without an observer.
 
-void tell(const char* quantity, float target, float weight, const std::string& source)
+void traceForce(const char* quantity, float target, float weight, const std::string& source)
 {
   ++work().forces;
   std::ostringstream text;
@@ -267,27 +267,27 @@ void tell(const char* quantity, float target, float weight, const std::string& s
 
 void pullValence(State& state, float target, float weight, const std::string& source)
 {
-  tell("valence", target, weight, source);
+  traceForce("valence", target, weight, source);
   state.valence.value = clampedValence(moved(state.valence.value, target, weight));
   state.unsmoothedValence.value = clampedValence(moved(state.unsmoothedValence.value, target, weight));
 }
 
 void pullValenceConfidence(State& state, float target, float weight, const std::string& source)
 {
-  tell("valence confidence", target, weight, source);
+  traceForce("valence confidence", target, weight, source);
   state.valence.confidence = clampedConfidence(moved(state.valence.confidence, target, weight));
   state.unsmoothedValence.confidence = clampedConfidence(moved(state.unsmoothedValence.confidence, target, weight));
 }
 
 void pullAttention(State& state, float target, float weight, const std::string& source)
 {
-  tell("attention", target, weight, source);
+  traceForce("attention", target, weight, source);
   state.attention.value = clampedAttention(moved(state.attention.value, target, weight));
 }
 
 void pullAttentionConfidence(State& state, float target, float weight, const std::string& source)
 {
-  tell("attention confidence", target, weight, source);
+  traceForce("attention confidence", target, weight, source);
   state.attention.confidence = clampedConfidence(moved(state.attention.confidence, target, weight));
 }
 
@@ -327,7 +327,7 @@ struct Cycle
   Memories& memories;
   const Clock& clock;
   State& state;
-  std::ostringstream trace;  // written and thrown away
+  std::ostringstream trace;  // written and dropped
 
   bool speaking = false;
   bool newSmile = false;
@@ -525,7 +525,7 @@ void Cycle::followSmile()
   valenceObserved = true;
 }
 
-/// The mean of yaw and pitch, the younger readings counting more.
+/// The mean of yaw and pitch; younger readings count more.
 template <typename T>
 Gaze weightedMean(const std::vector<Reading<T>>& readings, const Clock& clock)
 {
@@ -540,7 +540,7 @@ Gaze weightedMean(const std::vector<Reading<T>>& readings, const Clock& clock)
   return {yaw / weights, pitch / weights};
 }
 
-/// A magnitude that moved by less than 0.3 since the last cycle does not touch the attention that it stands for.
+/// A magnitude that moved by less than 0.3 since the last cycle does not change its attention.
 void followMagnitude(float magnitude, float reference, float& lastMagnitude, float& attention)
 {
   if (std::fabs(magnitude - lastMagnitude) >= 0.3f)
@@ -639,7 +639,7 @@ void Cycle::followContextEmotion()
     state.lastContextEmotion = memories.contextEmotion.readings.front().time;
 }
 
-/// How much the last observation still holds, by the age of the youngest source.
+/// How much the last observation still counts, by the age of the youngest source.
 float hold(std::initializer_list<Nanoseconds> sources, const Clock& clock)
 {
   std::vector<std::int64_t> ages;
@@ -681,7 +681,7 @@ void Cycle::forgetAttention()
   state.attentionZone = 0;
 }
 
-/// 1 for a robot that kept its head still during the last second, less the more it moved.
+/// 1 for a robot that kept its head still during the last second; the more it moved, the less.
 float Cycle::robotStillness()
 {
   auto& memory = memories.robotHeadPosture;

@@ -8,22 +8,22 @@
 #include <string>
 #include <vector>
 
-/// A plain second telling of how the estimate of one person moves, against which the library is compared.
+/// A plain second implementation of one person's estimate, with which the library is compared.
 ///
-/// It shares no code with the library: no handle, lock or log, only values and the rules, told in standard streams and
-/// vectors. Where the library is built for use, this is built to be read: if the two ever differ in a single bit, the
-/// shorter text here is the easier one to check by hand. And it is what the library's speed is measured against.
+/// It shares no code with the library: no handle, lock or log, only values and the rules, written with standard streams
+/// and vectors. The library is made for use, this model is made to be read: if the two ever differ in a single bit, the
+/// shorter text here is easier to check by hand. The library's speed is compared with it, too.
 namespace model
 {
 
 using Nanoseconds = std::int64_t;
 
-/// Tells the time, each time anew: the rules say how often it is asked for.
+/// Returns the time, read again at each call: the rules say how often it is read.
 using Clock = std::function<Nanoseconds()>;
 
-// What is seen and heard of a person. Angles are in degrees.
+// Observations of a person. Angles are in degrees.
 
-struct Scored  // a value, and how far it is to be trusted
+struct Scored  // a value, and how much it can be trusted
 {
   float value = 0.f;
   float confidence = 0.f;
@@ -92,9 +92,9 @@ struct Observation
   std::optional<Reading<RobotHeadPosture>> robotHeadPosture;
 };
 
-// What is remembered of a person.
+// The memory of a person.
 
-/// The age in whole milliseconds, cut off towards zero; negative for a time that is still to come.
+/// The age in whole milliseconds, cut off towards zero; negative for a future time.
 inline std::int64_t ageInMs(Nanoseconds time, const Clock& clock)
 {
   return (clock() - time) / 1000000;
@@ -123,7 +123,7 @@ struct Memory
     readings.erase(std::remove_if(readings.begin(), readings.end(), isTooOld), readings.end());
   }
 
-  /// The newest reading, after a look for those that are too old.
+  /// The newest reading, after those that are too old are removed.
   const Reading<T>& youngest(const Clock& clock)
   {
     forgetOld(clock);
@@ -149,12 +149,12 @@ struct Memories
   Memory<bool> speaking;
   Memory<RobotHeadPosture> robotHeadPosture;
 
-  /// Records every reading that is there, and reports what is then youngest; the memories of the others are not
-  /// touched. The report is written and thrown away.
+  /// Records every reading that is there, and reports the youngest; the memories of the others are not touched. The
+  /// report is written and dropped.
   void record(const Observation& observation, const Clock& clock);
 };
 
-/// What was done since somebody last set it to zero, on this thread; for whoever wants to know what it costs.
+/// Counts of operations since they were last set to zero, on this thread; for benchmarks of the cost.
 struct Work
 {
   long errorFunctions = 0;
@@ -162,9 +162,9 @@ struct Work
 };
 Work& work();
 
-// What is thought of a person.
+// The estimate of a person.
 
-/// The time of a source that never spoke.
+/// The time of a source without any reading.
 constexpr Nanoseconds never = -1000000;
 
 struct State
@@ -181,7 +181,7 @@ struct State
   HeadPosture headAngles;
   Scored ease;  // of the body language
 
-  float headMagnitude = -10.f;  // how far off the head was turned in the cycle before
+  float headMagnitude = -10.f;  // how far the head was turned away in the cycle before
   float gazeMagnitude = -10.f;
   float headAttention = 0.f;
   float gazeAttention = 0.f;
@@ -206,7 +206,7 @@ enum class Pleasure
 
 /// 1, 0 or -1, by the fixed bounds of 0.2 and -0.2.
 int ternary(float valence);
-/// By the boundaries that hold unless somebody sets others.
+/// By the default boundaries.
 Pleasure pleasure(const Scored& valence);
 std::string zoneName(int zone);
 
@@ -235,9 +235,9 @@ float weight(float x, float reference);
 float smoothedWeight(float x, float reference);
 /// A soft step from 1 through 0.5 at the centre down to 0.
 float rampDown(float x, float center, float width);
-/// The most attention that the face analysis can vouch for at this distance and height.
+/// The greatest attention that the face analysis can support at this distance and height.
 float attentionCeiling(float distance, float height);
-/// How much of the attention is told by the head, the rest being told by the gaze.
+/// The share of the head in the attention; the gaze has the rest.
 float headFactor(float meanYaw);
 int attentionZone(float yaw, float pitch, float yawThreshold, float pitchThreshold);
 
@@ -251,7 +251,7 @@ struct MoodClass
   float score = 0.f;
 };
 
-/// The value of the class that scores above all others, or nothing if there is none.
+/// The value of the class with the highest score, or nothing without a single highest one.
 std::optional<int> winner(std::vector<MoodClass> classes);
 
 }  // namespace model

@@ -1,4 +1,4 @@
-// The yardstick is measured itself, against numbers worked out by hand.
+// The model itself is tested, against numbers computed by hand.
 
 #include "model/model.hpp"
 
@@ -17,12 +17,12 @@ using model::Reading;
 
 constexpr Nanoseconds millisecond = 1000000;
 constexpr Nanoseconds start = 1700000000000 * millisecond;
-constexpr float fourDigits = 5e-5f;   // the worked number is given to four digits
+constexpr float fourDigits = 5e-5f;   // the computed number is given to four digits
 constexpr float threeDigits = 5e-4f;  // to three
 constexpr float rounding = 1e-6f;     // single precision, a few operations
 constexpr float nan = std::numeric_limits<float>::quiet_NaN();
 
-/// A clock that stands still.
+/// A clock that does not advance.
 model::Clock at(Nanoseconds time)
 {
   return [time] { return time; };

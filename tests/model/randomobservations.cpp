@@ -104,7 +104,7 @@ double ThirtyHertz::presence(Sensor sensor)
   return 0.0;
 }
 
-/// Slower by the frame than a camera of ten frames a second sees it; often less than what an estimate reacts to.
+/// Changes less per frame than a camera of ten frames a second would show; often too little for an estimate to react.
 float ThirtyHertz::angle(float last)
 {
   return random.chance(0.01) ? random.uniform(-50.f, 50.f) : last + random.uniform(-0.3f, 0.3f);

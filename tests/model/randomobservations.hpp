@@ -21,9 +21,9 @@ enum class Sensor
   RobotHead
 };
 
-/// A random life of persons in front of a robot. What a derived class changes is its character.
+/// A random life of persons in front of a robot. Derived classes change its character.
 ///
-/// By itself: ten cycles a second, half of the readings there, all values in their ranges.
+/// Unchanged: ten cycles a second, half of the readings there, all values in their ranges.
 class RandomObservations
 {
 public:
@@ -34,7 +34,7 @@ public:
 
   /// How far the clock moves before the next cycle.
   virtual Nanoseconds step() { return 100 * millisecond; }
-  /// Whether somebody else, of whom nothing is known, is observed from now on.
+  /// Whether another, unknown person is observed from now on.
   virtual bool isSomebodyElse() { return random.chance(1.0 / 500.0); }
   /// Whether the person is not seen in this cycle.
   virtual bool isUnseen() { return false; }
@@ -80,7 +80,7 @@ protected:
   double presence(Sensor) override { return 0.15; }
 };
 
-/// A camera at 30 frames a second, and now and then something else.
+/// A camera at 30 frames a second, and now and then another sensor.
 class ThirtyHertz : public RandomObservations
 {
 public:
@@ -116,7 +116,7 @@ private:
   Nanoseconds _usedTime = 0;
 };
 
-/// A clock that is set forwards and backwards, and at times stands still.
+/// A clock that is set forwards and backwards, and stops at times.
 class SteppedClock : public RandomObservations
 {
 public:
@@ -124,7 +124,7 @@ public:
   Nanoseconds step() override;
 };
 
-/// Persons of whom only a sensor or two report, and those rarely, under a clock that is set.
+/// Persons of whom only a sensor or two report, and these rarely, with a clock that is set.
 class FewSenses : public SteppedClock
 {
 public:
@@ -139,7 +139,7 @@ private:
   std::array<double, 5> _presences{};  // by Sensor, chosen anew for each person
 };
 
-/// Angles, ages and lifetimes that sit on the bounds of the rules, or one step beside them.
+/// Angles, ages and lifetimes exactly on the bounds of the rules, or one step beside them.
 class Boundaries : public RandomObservations
 {
 public:
@@ -158,7 +158,7 @@ protected:
 private:
   float beside(float bound);
 
-  // Where a rule has its bound in what it computes from an angle, the angle for it.
+  // If a rule has its bound in a number computed from an angle, the angle for it.
   const float _attentiveGaze;
   const float _decidingHeadYaw;
   const float _robotYawAtRest;
@@ -180,7 +180,7 @@ class BrokenNumbers : public RandomObservations
 {
 public:
   using RandomObservations::RandomObservations;
-  bool isSomebodyElse() override { return random.chance(1.0 / 20.0); }  // NaN stays with a person for good
+  bool isSomebodyElse() override { return random.chance(1.0 / 20.0); }  // a NaN stays with a person for good
 
 protected:
   float angle(float last) override { return broken(RandomObservations::angle(last)); }
@@ -193,7 +193,7 @@ private:
   float broken(float value);
 };
 
-/// Persons who are out of sight as often as not.
+/// Persons who are out of sight half of the time.
 class UnseenCycles : public RandomObservations
 {
 public:

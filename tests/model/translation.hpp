@@ -12,7 +12,7 @@ namespace model
 ko::SystemClock::time_point toTimePoint(Nanoseconds time);
 Nanoseconds toNanoseconds(ko::SystemClock::time_point time);
 
-/// The same observation in the words of the library.
+/// The same observation in the types of the library.
 KV::PersonObservation toLibrary(const Observation& observation);
 
 }  // namespace model

@@ -1,4 +1,4 @@
-# Included while a copy of the project is configured for mutants: makes what changes with each of them quick to build.
+# Included while a copy of the project is configured for mutants: makes the parts that change with each quick to build.
 cmake_language(DEFER CALL skeigiot_build_mutants_quickly)
 
 function(skeigiot_build_mutants_quickly)
@@ -6,7 +6,7 @@ function(skeigiot_build_mutants_quickly)
   skeigiot_keep_tests_from_private_headers()
 endfunction()
 
-# Precompiles what the sources include and no mutant changes, which they would spend nearly all of their time on.
+# Precompiles the headers that no mutant changes, since sources would spend nearly all of their time on them.
 function(skeigiot_precompile_headers)
   file(GLOB public_headers ${PROJECT_SOURCE_DIR}/libemotion/include/skeigiot/*.hpp
        ${PROJECT_SOURCE_DIR}/libemotion/include/skeigiot/classification/*.hpp)
@@ -31,8 +31,8 @@ function(skeigiot_precompile_headers)
   endforeach()
 endfunction()
 
-# Lets the tests see copies of the private headers, so that they need not be compiled when one is changed. The whole of
-# the library is linked before the tests, so that its functions that are inline are those that run.
+# Lets the tests see copies of the private headers, so that they need not be compiled when one is changed. The whole library is
+# linked before the tests, so that the inline functions that run are the library's.
 function(skeigiot_keep_tests_from_private_headers)
   get_target_property(include_folders skeigiot-static INTERFACE_INCLUDE_DIRECTORIES)
   list(TRANSFORM include_folders REPLACE "/libemotion/src$" "/privateheaders")

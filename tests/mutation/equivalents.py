@@ -1,4 +1,4 @@
-"""Reads the list of mutants that behave as the original does."""
+"""Reads the list of mutants that behave like the original."""
 
 from __future__ import annotations
 
@@ -24,7 +24,7 @@ class Equivalent:
     places: int
 
     def covers(self, mutant: Mutant) -> bool:
-        """Tells whether the entry speaks of the mutant."""
+        """Returns whether the entry is about the mutant."""
         return (mutant.file, mutant.before, mutant.after) == (self.file, self.before, self.after)
 
 
@@ -44,7 +44,7 @@ def read_equivalents(page: pathlib.Path) -> list[Equivalent]:
 
 
 def stale_entries(equivalents: Iterable[Equivalent], mutants: list[Mutant]) -> list[str]:
-    """Returns a complaint about each entry that does not speak of as many mutants as it says."""
+    """Returns a complaint about each entry whose number of mutants is wrong."""
     complaints = []
     for entry in equivalents:
         count = sum(entry.covers(mutant) for mutant in mutants)

@@ -1,4 +1,4 @@
-"""Finds what could be changed in C++ source, one thing at a time.
+"""Finds possible changes in C++ source, one thing at a time.
 
 Works on the tokens of a text in the form that clang-format gives it: there, operators with two operands have a space on
 either side, and the angle brackets, references and pointers of types have not.
@@ -32,7 +32,7 @@ _LOCKS = re.compile(r"lock_guard|\bLock\b")
 
 @dataclasses.dataclass(frozen=True)
 class Mutant:
-    """A file with one thing changed: what stands from `start` to `end` in its text is replaced."""
+    """A file with one thing changed: the text from `start` to `end` is replaced."""
 
     file: str
     kind: str
@@ -53,7 +53,7 @@ class Mutant:
 
     @property
     def is_in_header(self) -> bool:
-        """Tells whether several units may include the file."""
+        """Returns whether several units may include the file."""
         return self.file.endswith(".hpp")
 
     def applied_to(self, text: str) -> str:
@@ -141,7 +141,7 @@ def _operator_changes(source: Source, index: int, text: str) -> Iterator[_Change
 
 
 def _is_stream(source: Source, index: int) -> bool:
-    """Tells whether the shift writes to a stream: its expression begins with a name and a shift."""
+    """Returns whether the shift writes to a stream: its expression begins with a name and a shift."""
     while not _begins_expression(source, index):
         index = source.before(index)
     return source.tokens[index].kind == "word" and source.text(index + 1) == "<<"
@@ -298,7 +298,7 @@ def _may_go(source: Source, statement: Statement, text: str, has_successor: bool
 
 
 def _may_swap(source: Source, first: Statement, second: Statement) -> bool:
-    """Tells whether the order of the two could matter: one sets what the other uses, or is a call, which may."""
+    """Returns whether the order of the two could matter: one sets what the other uses, or is a call, which may."""
     if first.is_conditional or second.is_conditional:
         return False
     if source.text(first.first) in _JUMPS or source.text(second.first) in _JUMPS - {"return"}:

@@ -1,4 +1,4 @@
-"""Tests of what finds the mutants, and of the list of those that are equivalent."""
+"""Tests of the search for mutants, and of the list of those that are equivalent."""
 
 import pathlib
 import tempfile

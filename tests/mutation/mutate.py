@@ -1,4 +1,4 @@
-"""Changes one thing at a time in the sources of libemotion, and tells which changes no test notices.
+"""Changes one thing at a time in the sources of libemotion, and lists the changes that no test notices.
 
 Fails if fewer than 97 percent of the mutants are killed. Those that tests/mutation-equivalents.md explains do not
 count, nor do those that do not compile.
@@ -135,7 +135,7 @@ class Workers:
         self._pool.shutdown(cancel_futures=True)
 
     def judge(self, mutants: list[Mutant]) -> Results:
-        """Returns what became of each, in the order of files and lines."""
+        """Returns the result of each, in the order of files and lines."""
         known = [(mutant, self._known[mutant.id]) for mutant in mutants if mutant.id in self._known]
         unknown = sorted((mutant for mutant in mutants if mutant.id not in self._known),
                          key=lambda mutant: (mutant.file, mutant.start, mutant.end))
@@ -144,7 +144,7 @@ class Workers:
         return known + self._confirmed(judged)
 
     def _confirmed(self, results: Results) -> Results:
-        """Returns the results with what becomes of survivors in headers, unless they are known to be equivalent."""
+        """Returns the results, with those of survivors in headers tried again, unless they are known to be equivalent."""
         doubtful = [mutant for mutant, outcome in results if self._is_doubtful(mutant, outcome)]
         return [result for result in results if result[0] not in doubtful] + list(
             self._pool.map(self._confirm, doubtful))
@@ -183,7 +183,7 @@ class Workers:
 
 
 def _read_record(record: pathlib.Path | None) -> dict[str, Outcome]:
-    """Returns what is known of mutants that did not survive."""
+    """Returns the known results of mutants that did not survive."""
     if record is None or not record.is_file():
         return {}
     rows = [line.split("\t") for line in record.read_text(encoding="utf-8").splitlines()]

@@ -31,11 +31,11 @@ class Source:
         self._opening = {closing: opening for opening, closing in self.partner.items()}
 
     def text(self, index: int) -> str:
-        """Returns the text of a token, or nothing where there is none."""
+        """Returns the text of a token, or an empty text."""
         return self.tokens[index].text if 0 <= index < len(self.tokens) else ""
 
     def after(self, index: int) -> int:
-        """Returns the index behind a token, or behind what it opens."""
+        """Returns the index after a token, or after the bracket that it opens."""
         return self.partner.get(index, index) + 1
 
     def before(self, index: int) -> int:
@@ -49,14 +49,14 @@ class Source:
                 yield self._statements(index + 1, self.partner[index])
 
     def is_code(self, brace: int) -> bool:
-        """Tells whether the brace opens a block of statements rather than a list, a class or a namespace."""
+        """Returns whether the brace opens a block of statements rather than a list, a class or a namespace."""
         before = self.text(brace - 1)
         if before in _BEFORE_CODE:
             return True
         return before in {"{", ";"} and self._surrounding_brace_is_code(brace)
 
     def is_declaration(self, statement: Statement) -> bool:
-        """Tells whether the statement declares a name."""
+        """Returns whether the statement declares a name."""
         if self.text(statement.first) in _DECLARING:
             return True
         if self.text(statement.first) in _NOT_A_TYPE:
@@ -65,7 +65,7 @@ class Source:
         return any(self._declares(index) for index in words)
 
     def is_namespace(self, brace: int) -> bool:
-        """Tells whether the brace opens a namespace."""
+        """Returns whether the brace opens a namespace."""
         index = brace - 1
         while index > 0 and self.text(index) != "namespace" and (
                 self.tokens[index].kind == "word" or self.text(index) == "::"):
@@ -88,7 +88,7 @@ class Source:
                 if self.tokens[index].kind == "word"}
 
     def has_call(self, statement: Statement) -> bool:
-        """Tells whether there are parentheses."""
+        """Returns whether there are parentheses."""
         return any(self.text(index) == "(" for index in range(statement.first, statement.end))
 
     def _declares(self, word: int) -> bool:
@@ -110,7 +110,7 @@ class Source:
         return found
 
     def _statement(self, index: int, found: list[Statement | None], is_conditional: bool) -> int:
-        """Adds the statement to those found, and what stands under it without braces; returns the index behind it."""
+        """Adds the statement to the list, and the one under it without braces; returns the index after it."""
         word = self.text(index)
         if word == "{":
             found.append(None)

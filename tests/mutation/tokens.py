@@ -23,7 +23,7 @@ _CLOSING = {"(": ")", "[": "]", "{": "}"}
 
 @dataclasses.dataclass(frozen=True)
 class Token:
-    """A token and where it stands in the text."""
+    """A token and its place in the text."""
 
     kind: str
     text: str
@@ -31,7 +31,7 @@ class Token:
 
     @property
     def end(self) -> int:
-        """Where the next character stands."""
+        """The place of the next character."""
         return self.start + len(self.text)
 
 
@@ -42,7 +42,7 @@ def tokens_of(text: str) -> list[Token]:
 
 
 def brackets_of(tokens: list[Token]) -> dict[int, int]:
-    """Returns the index of the closing bracket for that of each opening one."""
+    """Returns the index of the closing bracket for each opening one."""
     partners = {}
     opened = []
     for index, token in enumerate(tokens):
@@ -56,5 +56,5 @@ def brackets_of(tokens: list[Token]) -> dict[int, int]:
 
 
 def without_comments(text: str) -> str:
-    """Returns the text with nothing where comments were."""
+    """Returns the text without its comments."""
     return _PATTERN.sub(lambda match: "" if match.lastgroup == "comment" else match.group(), text)

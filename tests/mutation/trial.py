@@ -18,7 +18,7 @@ KILLED = "killed"
 SURVIVED = "survived"
 NOT_COMPILED = "not compiled"
 
-# What the model must agree on: enough that the rules and their bounds are met many times over.
+# The observations on which the model must agree: enough to reach the rules and their bounds many times.
 _OBSERVATIONS = 4000
 _PRIVATE_HEADERS = "privateheaders"  # where the tests see them; copy.cmake says so as well
 _MEMORY = 4 << 30
@@ -41,14 +41,14 @@ _RUN = re.compile(r"^\[ RUN      \] (\S+)", re.MULTILINE)
 
 @dataclasses.dataclass(frozen=True)
 class Outcome:
-    """What became of a mutant."""
+    """The result of a mutant."""
 
     state: str
     by: str = ""
 
 
 class BrokenCopy(Exception):
-    """The project does not build, or does not pass its tests, as it is."""
+    """The unchanged project does not build, or does not pass its tests."""
 
 
 class Trial:
@@ -78,7 +78,7 @@ class Trial:
                 self._limits[name] = 30 + 10 * (time.monotonic() - started)
 
     def judge(self, mutant: Mutant) -> Outcome:
-        """Returns what becomes of the mutant.
+        """Returns the result of the mutant.
 
         The tests are not compiled anew for a header: whether such a mutant survives has to be confirmed. Raises
         BrokenCopy if its file is another than that in which it was found.
@@ -88,7 +88,7 @@ class Trial:
         return self._judge_in(mutant, [self._copy / mutant.file])
 
     def confirm(self, mutant: Mutant) -> Outcome:
-        """Returns what becomes of a mutant in a header if all that includes it is compiled: that takes minutes."""
+        """Returns the result of a mutant in a header when all its users are compiled: this takes minutes."""
         return self._judge_in(mutant, [self._copy / mutant.file,
                                        self._copy / _PRIVATE_HEADERS / pathlib.Path(mutant.file).name])
 
@@ -171,7 +171,7 @@ class Trial:
 
 
 def _limit(process: int, seconds: float) -> None:
-    """Holds a process that has run wild."""
+    """Limits a process that does not end."""
     for kind, most in ((resource.RLIMIT_AS, _MEMORY), (resource.RLIMIT_FSIZE, 1 << 26), (resource.RLIMIT_CORE, 0),
                        (resource.RLIMIT_CPU, int(seconds) + 1)):
         try:

@@ -1,4 +1,4 @@
-// An estimate depends on neither the flags of the floating-point environment nor the thread that makes it.
+// An estimate depends neither on the flags of the floating-point environment nor on the thread that makes it.
 
 #include "fingerprint.hpp"
 #include "randomlife.hpp"

@@ -15,9 +15,9 @@
 namespace properties
 {
 
-/// Every bit that a person's records consist of, memories included, but for what is only an address.
+/// Every bit of a person's records, including memories, except addresses.
 ///
-/// Two persons with the same fingerprint cannot be told apart, now or later.
+/// Two persons with the same fingerprint behave equally, now and later.
 class Fingerprint
 {
 public:

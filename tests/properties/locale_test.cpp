@@ -46,7 +46,7 @@ std::string printed(const T& object)
   return stream.str();
 }
 
-/// Everything that the library writes of numbers above 1000 and with a fraction.
+/// All texts of the library with numbers above 1000 and with a fraction.
 std::string allTexts()
 {
   support::CapturedLog log;
@@ -61,7 +61,7 @@ std::string allTexts()
   observation.smile.emplace(now, KV::Smile(0.75f, 0.25f));
   observation.expressions.emplace(now, KV::VoiceEmotion({0.5f, 1.f}, {0.1f, 1.f}, {0.2f, 1.f}, {0.3f, 1.f}, {}, {}));
   observation.touchEmotion.emplace(now, 1234567);
-  observation.voiceEmotion.emplace(now - support::milliseconds(1234567890), KV::VoiceEmotion());  // is warned of
+  observation.voiceEmotion.emplace(now - support::milliseconds(1234567890), KV::VoiceEmotion());  // causes a warning
 
   KV::DiagnosticText memoryReport;
   person.personMemory._p->add(observation, memoryReport);
@@ -96,7 +96,7 @@ std::string allTexts()
   return all;
 }
 
-/// The line that a record takes on standard error where nobody handles it.
+/// The line on standard error for a record without a handler.
 std::string unhandledWarning()
 {
   const support::CapturedStandardError errors;

@@ -1,4 +1,4 @@
-// What a memory holds does not depend on how the readings came in.
+// The content of a memory does not depend on the order of the readings.
 
 #include "fingerprint.hpp"
 #include "randomlife.hpp"
@@ -52,7 +52,7 @@ TEST(MemoryProperties, AreTheSameInWhateverOrderReadingsArrive)
   for (const unsigned int seed : seeds)
   {
     support::TestClock time;
-    const support::CapturedLog log;  // old voices are warned of
+    const support::CapturedLog log;  // old voices cause warnings
     support::RandomObservations random(seed);
     std::mt19937 shuffling(seed);
     KV::Person ordered;
@@ -65,7 +65,7 @@ TEST(MemoryProperties, AreTheSameInWhateverOrderReadingsArrive)
       file(observations, shuffled);
       ASSERT_EQ(Fingerprint::of(ordered), Fingerprint::of(shuffled)) << "seed " << seed << ", round " << round;
 
-      // And so is what is estimated from them.
+      // The same holds for the estimates.
       ordered._updateOnlineModels(observations.front());
       shuffled._updateOnlineModels(observations.front());
       ASSERT_EQ(Fingerprint::of(ordered), Fingerprint::of(shuffled)) << "seed " << seed << ", round " << round;
@@ -90,7 +90,7 @@ TEST(MemoryProperties, KeepTheFirstOfReadingsWithOneTime)
       file(first, all);
       for (int i = 0; i < 30; ++i)
       {
-        // Another value for the same kinds and times as one that is there.
+        // Another value for the kind and time of an existing reading.
         KV::PersonObservation& again = first[std::uniform_int_distribution<std::size_t>(0, 29)(choosing)];
         KV::PersonObservation late = again;
         if (late.gaze)

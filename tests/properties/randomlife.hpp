@@ -16,7 +16,7 @@ namespace properties
 
 constexpr support::hours hourOfLife(1);
 
-/// The seeds of the lives that each property is held against.
+/// The seeds of the lives with which each property is checked.
 constexpr unsigned int seeds[] = {1, 20261121, 4294967295U};  // NOLINT(modernize-avoid-c-arrays): a list for a loop
 
 /// One random life of a person in front of a robot, cycle by cycle, on a clock of its own; the same for the same seed.
@@ -27,7 +27,7 @@ public:
     : _seed(seed), _end(support::start + length), _observations(seed), _random(seed)
   {}
 
-  /// Goes on to the next cycle; false if the life is over.
+  /// Advances to the next cycle; false if the life is over.
   bool next()
   {
     _time.clock.advance(_observations.pause());
@@ -42,7 +42,7 @@ public:
   bool isSeen() const { return _isSeen; }
   const KV::PersonObservation& observation() const { return _observation; }
 
-  /// Lets the person live through this cycle.
+  /// Runs this cycle on the person.
   void letLive(KV::Person& person) const
   {
     if (_isSeen)
@@ -53,14 +53,14 @@ public:
 
   ko::ManualClock& clock() { return _time.clock; }
 
-  /// Where in which life this is, for a failed test.
+  /// The life and the cycle in it, for a failed test.
   std::string place() const { return "seed " + std::to_string(_seed) + ", cycle " + std::to_string(_cycle); }
 
 private:
   const unsigned int _seed;
   const ko::SystemClock::time_point _end;
   support::TestClock _time;
-  support::CapturedLog _log;  // old voices are many here, and the warnings of them expected
+  support::CapturedLog _log;  // many voices are old here, so their warnings are expected
   support::RandomObservations _observations;
   std::mt19937 _random;
   KV::PersonObservation _observation;
@@ -68,7 +68,7 @@ private:
   int _cycle = 0;
 };
 
-/// What is left of a life: the fingerprint after each cycle, in one hash.
+/// The result of a life: the fingerprint after each cycle, in one hash.
 std::size_t fingerprintOfLife(unsigned int seed, support::nanoseconds length = hourOfLife);
 
 }  // namespace properties

@@ -1,4 +1,4 @@
-// Where estimates may be, and where they stay.
+// The ranges of estimates, and where they stay.
 
 #include "personstateprivate.hpp"
 #include "randomlife.hpp"
@@ -110,8 +110,8 @@ TEST(FixedPoints, OfAForceOfNoWeightAreAllStates)
   }
 }
 
-// Somebody who was never seen, and whom no sensor tells of.
-TEST(FixedPoints, AreNewPersonsWhomNothingIsToldOf)
+// A person who was never seen, and without any reading.
+TEST(FixedPoints, AreNewPersonsWithoutReadings)
 {
   support::TestClock time;
   KV::Person person;
@@ -127,7 +127,7 @@ TEST(FixedPoints, AreNewPersonsWhomNothingIsToldOf)
   }
 }
 
-// Whatever sensors tell: once they tell the same again and again, the estimate comes to rest, and stays for hours.
+// For any readings: when the sensors repeat the same ones, the estimate comes to rest, and stays for hours.
 TEST(FixedPoints, AreReachedUnderReadingsThatStayTheSame)
 {
   constexpr int framesUntilRest = 600;  // a minute: all memories are full, and the last bits have settled
@@ -137,7 +137,7 @@ TEST(FixedPoints, AreReachedUnderReadingsThatStayTheSame)
     support::TestClock time;
     support::RandomObservations random(seed);
     KV::PersonObservation observation = random.next();
-    observation.voiceEmotion.reset();    // moves the estimate once for each time stamp, and is not remembered
+    observation.voiceEmotion.reset();    // moves the estimate once for each timestamp, and is not remembered
     observation.contextEmotion.reset();  // fills its memory for the longest time
     observation.touchEmotion.reset();
     KV::Person person;

@@ -80,7 +80,7 @@ TEST(UpdateProperties, OfOnePersonDoNotTouchAnother)
   }
 }
 
-// Persons at addresses of every alignment that objects may have, some with other persons' records between theirs.
+// Persons at addresses of every alignment that objects may have, some with other persons' records between them.
 TEST(UpdateProperties, AreTheSameAtEveryAddress)
 {
   for (const unsigned int seed : seeds)

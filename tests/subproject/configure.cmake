@@ -42,7 +42,7 @@ function(check folder options programs)
                 "-DSKEIGIOT=${SKEIGIOT};-DEXAMPLE=${EXAMPLE};-DCONSUMER=${CONSUMER};${options}" "${programs}")
 endfunction()
 
-# Does what the page says, in a project with the source tree in a folder of its own.
+# Follows the page, in a project with the source tree in a folder of its own.
 function(check_page)
   file(READ ${SKEIGIOT}/docs/getting-started-cpp.md page)
   if(NOT page MATCHES "```cmake\n(cmake_minimum_required[^`]*add_subdirectory[^`]*)```")

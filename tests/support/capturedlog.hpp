@@ -10,7 +10,7 @@
 namespace support
 {
 
-/// Keeps every log record that is written while it lives, and so keeps standard error free of them.
+/// Keeps every log record that is written while it lives, so nothing is written to standard error.
 ///
 /// May receive records from several threads.
 class CapturedLog

@@ -8,7 +8,7 @@
 namespace support
 {
 
-/// Keeps what is written to a stream while it lives, instead of letting it through.
+/// Keeps the text written to a stream while it lives, instead of passing it on.
 class CapturedStream
 {
 public:
@@ -17,7 +17,7 @@ public:
   CapturedStream(const CapturedStream&) = delete;
   CapturedStream& operator=(const CapturedStream&) = delete;
 
-  /// Returns what was written so far.
+  /// Returns the text so far.
   std::string text() const { return _text.str(); }
 
 private:
@@ -26,13 +26,13 @@ private:
   std::streambuf* _former;
 };
 
-/// Keeps what is written to std::cout while it lives.
+/// Keeps the text written to std::cout while it lives.
 struct CapturedStandardOutput : CapturedStream
 {
   CapturedStandardOutput() : CapturedStream(std::cout) {}
 };
 
-/// Keeps what is written to std::cerr while it lives.
+/// Keeps the text written to std::cerr while it lives.
 struct CapturedStandardError : CapturedStream
 {
   CapturedStandardError() : CapturedStream(std::cerr) {}

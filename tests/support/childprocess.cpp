@@ -1,4 +1,6 @@
-#include "childprocess.hpp"
+#include "support/childprocess.hpp"
+
+#include "support/sanitizeroptions.hpp"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -54,7 +56,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
   for (std::string& text : texts)
     pointers.push_back(text.data());
   pointers.push_back(nullptr);
-  std::array<char*, 1> environment{nullptr};
+  std::string options = sanitizerOptions();
+  std::array<char*, 2> environment{options.data(), nullptr};
 
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

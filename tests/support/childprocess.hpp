@@ -22,11 +22,13 @@ public:
 
   /// Waits for the next line of its output, and returns it without the line end; empty at the end of the output.
   ///
-  /// \throws std::runtime_error if none comes for long.
+  /// \throws std::runtime_error if no line comes for long.
   std::string readLine();
 
-  /// Tells whether there is output that was not read yet, without waiting for it.
+  /// Returns whether there is output that was not read yet, without waiting for it.
   bool hasOutput() const;
+
+  pid_t id() const { return _process; }
 
   void closeInput();
   void closeOutput();

@@ -9,7 +9,7 @@
 #include <cstdint>
 
 /// \file
-/// Time for tests: a fixed start and a clock that moves only when it is told to.
+/// Time for tests: a fixed start and a clock that only the test moves.
 
 namespace support
 {
@@ -20,7 +20,7 @@ using boost::chrono::milliseconds;
 using boost::chrono::nanoseconds;
 using boost::chrono::seconds;
 
-/// Where test time starts: 2020-01-01T00:00:00Z, late enough that "never seen" is old.
+/// The start of test time: 2020-01-01T00:00:00Z, late enough that "never seen" is old.
 inline const ko::SystemClock::time_point start{seconds(1577836800)};
 
 /// The time point with this count of nanoseconds since the Unix epoch.
@@ -36,7 +36,7 @@ struct TestClock
   ko::ScopedClockSource scope{clock};
 };
 
-/// A fixture whose `clock` stands at `start` and is what SystemClock::now() reads on the test's thread.
+/// A fixture whose `clock` starts at `start`; SystemClock::now() reads it on the test's thread.
 class ClockTest : public ::testing::Test, protected TestClock
 {};
 

@@ -7,13 +7,13 @@
 #include <ostream>
 
 /// \file
-/// The arithmetic of forces, written out a second time from its formulas: tests hold the library against it, bit for
+/// The arithmetic of forces, written a second time from its formulas: tests compare the library with it, bit for
 /// bit.
 
 namespace support
 {
 
-/// Tells whether two floats are the same number, 0 and -0 being different ones; any NaN is the same as any other.
+/// Returns whether two floats are the same number, with 0 and -0 different; any NaN equals any other.
 inline bool sameFloat(float left, float right)
 {
   if (std::isnan(left) || std::isnan(right))
@@ -21,7 +21,7 @@ inline bool sameFloat(float left, float right)
   return left == right && std::signbit(left) == std::signbit(right);
 }
 
-/// The soft step: near 1 below the reference, 0.5 at it, never below 0.01, which is also what a NaN gives.
+/// The soft step: near 1 below the reference, 0.5 at it, never below 0.01, which is also the result for a NaN.
 inline float softStep(float x, float reference)
 {
   const float steepness = std::fmin(2.f, std::fmax(0.001f, 2.f / reference));
@@ -29,7 +29,7 @@ inline float softStep(float x, float reference)
   return std::fmax((error + 1.f) * 0.5f, 0.01f);
 }
 
-/// The soft step with a linear term, with which it falls on below 0.
+/// The soft step with a linear term, with which it continues to fall below 0.
 inline float fallingStep(float x, float reference)
 {
   return 0.5f * ((softStep(x, reference) - (x - reference) / (2.f * reference)) + 0.5f);

@@ -6,7 +6,7 @@
 namespace support
 {
 
-/// While it lives, streams made anew write 1000000 as "1.000.000" and 0.5 as "0,5", as a German user's would.
+/// While it lives, new streams write 1000000 as "1.000.000" and 0.5 as "0,5", as in German.
 class GroupingLocale
 {
 public:

@@ -1,6 +1,6 @@
-# Makes the object library `name`, in which every header below `include_dir` is the whole of one unit: a header that
-# leans on what others include fails to compile, and one that includes what foreign.hpp lists. What links the object library
-# finds definitions that are not inline. Sanitizers and counters have nothing to see there.
+# Makes the object library `name`, in which every header below `include_dir` is the whole of one unit: a header that relies on
+# other includes fails to compile, and so does one that includes a header listed in foreign.hpp. Linking the object library
+# detects definitions that are not inline. It is built without sanitizers and counters.
 function(skeigiot_compile_headers_alone name library include_dir)
   if(SKEIGIOT_SANITIZE OR SKEIGIOT_COVERAGE)
     add_library(${name} INTERFACE)

@@ -10,10 +10,10 @@
 namespace support
 {
 
-/// Tells whether `action` waits for `mutex`: on another thread, it ends only after the mutex was let go.
+/// Returns whether `action` waits for `mutex`: on another thread, it ends only after the mutex was released.
 ///
-/// An operation that takes no mutex could pass for one that waits only if its thread did not get to run for a moment;
-/// one that does wait is never blamed.
+/// An operation that takes no mutex can seem to wait only if its thread was not scheduled for a moment; an operation
+/// that does wait never fails the check.
 template <typename Action>
 bool waitsFor(boost::mutex& mutex, Action action)
 {
@@ -25,7 +25,7 @@ bool waitsFor(boost::mutex& mutex, Action action)
   return waited;
 }
 
-/// Tells whether `action`, on another thread, ends while all of these mutexes are held.
+/// Returns whether `action`, on another thread, ends while all of these mutexes are held.
 template <typename Action>
 bool endsDespite(const std::vector<boost::mutex*>& mutexes, Action action)
 {
@@ -40,7 +40,7 @@ bool endsDespite(const std::vector<boost::mutex*>& mutexes, Action action)
   return ended;
 }
 
-/// Tells whether nobody holds the mutex.
+/// Returns whether the mutex is free.
 inline bool isFree(boost::mutex& mutex)
 {
   return boost::unique_lock<boost::mutex>(mutex, boost::try_to_lock).owns_lock();

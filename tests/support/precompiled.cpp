@@ -1,1 +1,1 @@
-// Nothing: what this is compiled with is what counts, the headers that test programs share.
+// Empty: only its precompiled header counts, with the headers that test programs share.

@@ -13,7 +13,7 @@ namespace support
 {
 
 /// Makes observations at random from a seed: each reading is there or not, a little old or in the future, with finite
-/// values inside and outside of what is meant.
+/// values inside and outside of its range.
 class RandomObservations
 {
 public:
@@ -41,7 +41,7 @@ public:
     return observation;
   }
 
-  /// Returns how long to wait for the next cycle: mostly a frame, sometimes longer than anything is remembered.
+  /// Returns the time until the next cycle: mostly a frame, sometimes longer than the longest memory.
   milliseconds pause() { return milliseconds(_integer(0, 9) == 0 ? _integer(0, 25000) : _integer(0, 300)); }
 
 private:

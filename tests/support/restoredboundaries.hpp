@@ -5,7 +5,7 @@
 namespace support
 {
 
-/// Sets the process-wide boundaries of the person state back to what they were, when a test is over.
+/// Restores the process-wide boundaries of the person state when a test is over.
 class RestoredBoundaries
 {
 public:

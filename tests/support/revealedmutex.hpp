@@ -5,7 +5,7 @@
 namespace support
 {
 
-/// Lets a test reach the private mutex of a class. An explicit instantiation may name what is private:
+/// Lets a test access the private mutex of a class. An explicit instantiation may name private members:
 ///
 ///     namespace support
 ///     {

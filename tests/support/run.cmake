@@ -1,4 +1,4 @@
-# Runs a program, which must succeed, and sets `output` and `errors` to what it wrote.
+# Runs a program, which must succeed, and sets `output` and `errors` to its output.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
   if(NOT status EQUAL 0)

@@ -8,7 +8,7 @@
 namespace support
 {
 
-/// A clock that a test writes reading by reading, and that counts how often it is read.
+/// A clock whose readings a test scripts one by one, and that counts how often it is read.
 class ScriptedClock : public ko::ClockSource
 {
 public:
@@ -34,7 +34,7 @@ private:
   int _readings = 0;
 };
 
-/// The script of a clock that stands still at `time`.
+/// The script of a clock that always shows `time`.
 inline ScriptedClock::Script standingAt(ko::SystemClock::time_point time)
 {
   return [time](int) { return time; };

@@ -18,13 +18,13 @@
 #include <string>
 
 /// \file
-/// For tests of one update of a person state: a state, an observation and memories, each filled on its own, and what
-/// the end of an update is expected to do to the estimate.
+/// For tests of one update of a person state: a state, an observation and memories, each filled on its own, and the
+/// expected effects on the estimate at the end of an update.
 
 namespace support
 {
 
-/// An age as the weights want it.
+/// An age in the form that the weights need.
 inline float inSeconds(milliseconds age)
 {
   return static_cast<float>(age.count()) * 0.001f;
@@ -44,38 +44,38 @@ inline float gazeMagnitude(float yaw, float pitch)
   return static_cast<float>(std::sqrt(x * x + y * y));
 }
 
-/// How much the sensor is trusted at a distance, or a head height, with the limit at `center`.
+/// The trust in the sensor at a distance, or a head height, with the limit at `center`.
 inline float sensorRamp(float x, float center)
 {
   const float steepness = 4.f / 0.2f;
   return ((1.f - std::tanh((x - center) * steepness)) * 1.f) * 0.5f;
 }
 
-/// What the silence of a group of sources counts that was never heard.
+/// The count for the silence of a group of sources without any reading.
 constexpr float neverHeard = 0.01f;
 
-/// What an update does to the valence without any source of it.
+/// The effect of an update on the valence without any source of it.
 inline void driftToNeutral(Estimate& expected, float silence)
 {
   expected.pullValence(0.f, (1.f - silence) * 0.65f);
   expected.pullValenceConfidence(0.f, 0.7f);
 }
 
-/// What an update does to the attention without any source of it.
+/// The effect of an update on the attention without any source of it.
 inline void loseAttention(Estimate& expected, float silence)
 {
   expected.pullAttention(0.f, (1.f - silence) * 0.65f);
   expected.pullAttentionConfidence(0.f, 0.7f);
 }
 
-/// What an update with a source of valence does to the confidence in it.
+/// The effect of an update with a source of valence on the confidence in it.
 inline void limitValence(Estimate& expected, float distance = 0.f, float height = 0.f)
 {
   expected.pullValenceConfidence(sensorRamp(distance, 1.4f), 0.175f);
   expected.pullValenceConfidence(sensorRamp(height, 1.9f), 0.175f);
 }
 
-/// What an update with a source of attention does for a near face, before a robot whose head is at rest.
+/// The same with a source of attention, for a near face, before a robot whose head is at rest.
 inline void attend(Estimate& expected, float target)
 {
   expected.pullAttentionConfidence(1.f, 0.7f);
@@ -110,7 +110,7 @@ protected:
     return trace.text();
   }
 
-  /// Runs one update on whichever thread calls, by the test's clock.
+  /// Runs one update on the calling thread, by the test's clock.
   void updateOnThisThread()
   {
     const ko::ScopedClockSource here(clock);
@@ -128,7 +128,7 @@ protected:
     return KV::Timestamped<T>(ko::SystemClock::now() - age, value);
   }
 
-  /// Makes a reading of now.
+  /// Makes a reading of the present time.
   template <typename T>
   static KV::Timestamped<T> fresh(const T& value)
   {
@@ -145,7 +145,7 @@ template <typename Case>
 class StateUpdateTestWithParam : public StateUpdateTest, public ::testing::WithParamInterface<Case>
 {};
 
-/// An age of this weighs exactly 1 among angles: the mean of a single reading is then the reading itself.
+/// The age whose weight among angles is exactly 1: the mean of a single reading is then the reading itself.
 inline const milliseconds weighsOne(-5000);
 
 }  // namespace support

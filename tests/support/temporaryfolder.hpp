@@ -12,7 +12,7 @@
 namespace replaytests
 {
 
-/// A folder of the test's own, removed with all that is in it.
+/// A folder of the test's own, removed with its content.
 class TemporaryFolder
 {
 public:

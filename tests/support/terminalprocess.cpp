@@ -1,5 +1,7 @@
 #include "support/terminalprocess.hpp"
 
+#include "support/sanitizeroptions.hpp"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -29,7 +31,8 @@ constexpr int patience = 20'000;  // [ms] no test takes that long: it is for a p
     words.push_back(const_cast<char*>(argument.c_str()));  // NOLINT(*-const-cast): execve() changes none
   words.push_back(nullptr);
   std::array<char, 11> term{"TERM=xterm"};
-  std::array<char*, 2> variables{term.data(), nullptr};
+  std::string options = sanitizerOptions();
+  std::array<char*, 3> variables{term.data(), options.data(), nullptr};
   execve(SKEIGIOT_COMMAND, words.data(), variables.data());
   _exit(127);
 }
@@ -96,21 +99,30 @@ bool TerminalProcess::sees(const std::string& text)
 {
   while (_drawn.find(text) == std::string::npos)
   {
-    pollfd descriptor{_terminal, POLLIN, 0};
-    std::array<char, 4096> piece{};
-    if (poll(&descriptor, 1, patience) <= 0)
+    if (!_readPiece())
       return false;
-    const ssize_t count = read(_terminal, piece.data(), piece.size());
-    if (count <= 0)
-      return false;
-    _drawn.append(piece.data(), static_cast<std::size_t>(count));
   }
   _drawn.erase(0, _drawn.find(text) + text.size());
   return true;
 }
 
+bool TerminalProcess::_readPiece()
+{
+  pollfd descriptor{_terminal, POLLIN, 0};
+  std::array<char, 4096> piece{};
+  if (poll(&descriptor, 1, patience) <= 0)
+    return false;
+  const ssize_t count = read(_terminal, piece.data(), piece.size());
+  if (count <= 0)  // at the end of the process
+    return false;
+  _drawn.append(piece.data(), static_cast<std::size_t>(count));
+  return true;
+}
+
 int TerminalProcess::status()
 {
+  while (_readPiece())
+    ;
   int waited = 0;
   waitpid(_process, &waited, 0);
   _process = 0;

@@ -9,12 +9,12 @@
 namespace livetests
 {
 
-/// A run of the built command in a terminal of the test's own: what it draws is looked for as text between the marks of
-/// the terminal.
+/// A run of the built command in a terminal of the test's own: drawn text is searched for between the marks of the
+/// terminal.
 class TerminalProcess
 {
 public:
-  /// What its standard input is.
+  /// The kind of its standard input.
   enum class Input
   {
     Pipe,
@@ -36,19 +36,21 @@ public:
   void signal(int number) const;
   void resize(unsigned short columns) const;
 
-  /// Waits until the text was drawn since the last call, and returns whether it was.
+  /// Waits until the text was drawn since the last call; returns false if it was not.
   bool sees(const std::string& text);
 
-  /// Returns all that was drawn and not looked for yet; read by sees().
+  /// Returns all drawn text that was not searched yet; read by sees().
   const std::string& drawn() const { return _drawn; }
 
-  /// Waits for its end; returns its exit status, or minus the signal that ended it.
+  /// Reads all that is drawn up to the end; returns its exit status, or minus the signal that ended it.
   int status();
 
-  /// Tells whether the terminal echoes and edits lines again as it did before.
+  /// Returns whether the terminal echoes and edits lines again as before.
   bool isRestored() const;
 
 private:
+  bool _readPiece();
+
   pid_t _process = 0;
   int _terminal = -1;
   int _input = -1;

@@ -7,8 +7,8 @@
 namespace support
 {
 
-/// Runs `action` and returns the text of the exception that it throws; another type than exactly `Exception`, and no
-/// exception at all, is told in the text.
+/// Runs `action` and returns the text of the exception that it throws; for another type than exactly `Exception`, and
+/// for no exception, the text says so.
 template <typename Exception, typename Action>
 std::string textThrownBy(Action&& action)
 {

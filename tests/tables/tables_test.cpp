@@ -1,5 +1,5 @@
-/// The edge cases of the library as tables that are not of one language: each file in this folder is run by an
-/// operation of its name, here and in the tests of the Python module.
+/// The edge cases of the library as tables for all languages: each file in this folder is run by an operation of its
+/// name, here and in the tests of the Python module.
 
 #include "operations.hpp"
 
@@ -84,10 +84,10 @@ public:
   ~Table() override { ko::log::removeHandler(_handler); }
 
 private:
-  const ko::log::HandlerId _handler;  // what is refused is warned of
+  const ko::log::HandlerId _handler;  // refused values cause warnings
 };
 
-TEST_P(Table, TellsWhatTheLibraryAnswers)
+TEST_P(Table, AgreesWithTheLibrary)
 {
   EXPECT_EQ(rounded(GetParam().results).dump(), answer(GetParam()).dump());
 }

@@ -22,7 +22,7 @@ namespace
 
 constexpr int count = 4;
 
-/// What a person is after some cycles, as text.
+/// A person after some cycles, as text.
 std::string life(unsigned int seed)
 {
   support::TestClock time;

@@ -1,4 +1,4 @@
-// The graph of persons, whose one mutex guards all that callbacks do.
+// The graph of persons; its one mutex guards all callbacks.
 
 #include "threads/together.hpp"
 

@@ -41,13 +41,13 @@ TEST(LogOfThreads, ReachesAHandlerOnceForEachRecord)
 TEST(LogOfThreads, MayLoseAndGainHandlersMeanwhile)
 {
   std::atomic<int> permanent{0};
-  // A handler may still be at work when it is removed, so what it uses is its own.
+  // A handler may still be running when it is removed, so it owns the data that it uses.
   const auto passing = std::make_shared<std::atomic<int>>(0);
   const ko::log::HandlerId id = ko::log::addHandler([&permanent](const ko::log::Record&) { ++permanent; });
   const auto addAndRemove = [passing](int) {
     const ko::log::HandlerId added = ko::log::addHandler([passing](const ko::log::Record&) { ++*passing; });
     ko::log::removeHandler(added);
-    ko::log::removeHandler(added);  // nobody is there any more
+    ko::log::removeHandler(added);  // no handler is left
   };
   const auto log = [](int) { write("message"); };
   threads::runTogether(rounds, log, log, addAndRemove, addAndRemove);

@@ -38,7 +38,7 @@ TEST_F(MemoriesOfThreads, KeepEachReadingOnceAndInOrder)
     const ko::ScopedClockSource ofThisThread(clock);
     const int number = round * count + thread;
     memory.record({support::start - milliseconds(number), static_cast<float>(number)});
-    memory.record({support::start - milliseconds(number), -1.f});  // comes second, whoever comes first
+    memory.record({support::start - milliseconds(number), -1.f});  // second in every order of arrival
     memory.youngest();
   });
 
@@ -78,8 +78,8 @@ TEST_F(MemoriesOfThreads, ForgetWhileOthersRecordAndRead)
   EXPECT_TRUE(memory.youngest().value);
 }
 
-// A pass may read a manual clock once for all records. Whatever it keeps and drops must then be right for one moment
-// between its begin and its end.
+// A pass may read a manual clock once for all records. Its decisions on them must then be right for one moment between
+// its begin and its end.
 TEST_F(MemoriesOfThreads, ForgetAsAtOneMomentWhileAnotherMovesTheClock)
 {
   constexpr milliseconds horizon(40);
@@ -130,7 +130,7 @@ TEST_F(MemoriesOfThreads, ForgetAsAtOneMomentWhileAnotherMovesTheClock)
   EXPECT_EQ(0, outOfOrder);
 }
 
-// Each quantity is moved under its mutex, and all forces are alike: so their order makes no difference.
+// Each quantity is moved under its mutex, and all forces are equal: so their order makes no difference.
 TEST_F(MemoriesOfThreads, OfAStateLoseNoForce)
 {
   KV::PersonState together(0.9f, 0.8f, 0.7f, 0.6f);

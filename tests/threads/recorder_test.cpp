@@ -38,7 +38,7 @@ TEST(RecorderOfThreads, OpensAndClosesScopesFromEach)
   EXPECT_FALSE(recorder.hasAnOpenScope_notMutexed());
 }
 
-// What ends in _notMutexed relies on the caller, who keeps every other operation away.
+// Functions that end in _notMutexed rely on the caller, who keeps every other operation away.
 TEST(RecorderOfThreads, LosesNoSampleUnderAMutexOfTheCaller)
 {
   support::TestClock time;

@@ -9,7 +9,7 @@
 namespace threads
 {
 
-/// Lets threads through once all of them have come.
+/// Lets threads continue once all of them have come.
 class StartLine
 {
 public:
@@ -49,7 +49,7 @@ void runTogether(int rounds, Actions... actions)
     thread.join();
 }
 
-/// As above, for one action on `count` threads, which it is told as well: action(thread, round).
+/// As above, for one action on `count` threads, which also gets the thread's number: action(thread, round).
 template <typename Action>
 void runOnThreads(int count, int rounds, Action action)
 {

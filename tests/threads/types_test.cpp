@@ -1,4 +1,4 @@
-// The registry of types, which types enter when they are first used.
+// The registry of types; types are registered when they are first used.
 
 #include "threads/together.hpp"
 
@@ -31,7 +31,7 @@ struct Unregistered
 template <typename T>
 using Deep = std::map<std::string, std::vector<std::optional<std::tuple<T, T, std::vector<T>>>>>;
 
-/// The interfaces of types that nothing else in this program uses.
+/// The interfaces of types that are used nowhere else in this program.
 std::array<ko::TypeInterface*, 6> rareTypes()
 {
   return {ko::typeOf<Deep<short>>(),          ko::typeOf<Deep<long>>(),        ko::typeOf<Deep<unsigned char>>(),

@@ -29,7 +29,7 @@ std::vector<std::string> choicesOf(CLI::Option& option)
 
 void keepChoices(CLI::Option& option, const std::vector<std::string>& words)
 {
-  // A validator without a description does not show in the help; this one takes everything, and keeps the words.
+  // A validator without a description does not show in the help; this one accepts everything, and keeps the words.
   const auto takeAll = [](std::string&) { return std::string(); };
   option.check(CLI::Validator(takeAll, "", choicesMark + CLI::detail::join(words, ",")));
 }
@@ -72,7 +72,7 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
     }
     catch (const std::invalid_argument& error)
     {
-      throw CLI::ValidationError(name, error.what());
+      throw CLI::ValidationError(name.substr(name.rfind(',') + 1), error.what());  // of "-s,--long" the second name
     }
   };
   return command.add_option_function<std::vector<std::string>>(name, take, help)

@@ -2,11 +2,12 @@
 
 #include <skeigiot/recordings/quote.hpp>
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -15,7 +16,7 @@
 namespace KV::tools
 {
 
-/// Reads all of the text as a number, whatever the locale.
+/// Reads all of the text as a number, in any locale.
 ///
 /// \throws CLI::ValidationError which names the option.
 template <typename Number>
@@ -33,19 +34,38 @@ bool isPositive(double number);  ///< and finite
 bool isShare(double number);     ///< from 0 to 1
 bool isFinite(double number);
 
-/// Adds an option that takes a number which `isGood`; `wanted` says which those are.
+/// Adds an option for a number for which `isGood` is true; `wanted` describes the allowed numbers.
 CLI::Option* addNumber(CLI::App& command, const std::string& name, const std::string& help, const std::string& unit,
                        const std::string& wanted, const std::function<bool(double)>& isGood,
                        const std::function<void(double)>& set);
 
-/// Adds an option that may be given several times; a std::invalid_argument that `parse` throws refuses it.
+/// Adds an option that may be given several times; a std::invalid_argument from `parse` refuses its text.
 CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
                       const std::function<void(const std::string&)>& parse);
 
-/// Returns the words that the option takes; none if it takes any text.
+/// Adds an option whose text `parse` reads; a std::invalid_argument from it refuses the text. The target must outlive
+/// the command.
+template <typename Value>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
+                       Value (*parse)(const std::string&), Value& target)
+{
+  const auto take = [name, parse, &target](const std::string& text) {
+    try
+    {
+      target = parse(text);
+    }
+    catch (const std::invalid_argument& error)
+    {
+      throw CLI::ValidationError(name, error.what());
+    }
+  };
+  return command.add_option_function<std::string>(name, take, help)->type_name(type);
+}
+
+/// Returns the words that the option takes; empty if it takes any text.
 std::vector<std::string> choicesOf(CLI::Option& option);
 
-/// Lets choicesOf() tell these words. Help and errors stay as they are.
+/// Adds these words to choicesOf(). Help and errors stay unchanged.
 void keepChoices(CLI::Option& option, const std::vector<std::string>& words);
 
 /// Adds an option that takes one of these words, and sets the target, which must outlive the command, to its value.

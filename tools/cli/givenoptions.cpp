@@ -12,14 +12,15 @@ namespace
 bool isAboutReading(const CLI::Option& option)
 {
   constexpr std::array groups{"How the recording is read", "Boundaries", "What labels mean"};
-  constexpr std::array names{"--offset", "--separately", "--cycle", "--scope", "--labels"};
+  constexpr std::array names{"--offset", "--separately",    "--cycle", "--scope",
+                             "--scopes", "--scopes-offset", "--labels"};
   const std::string& group = option.get_group();
   const std::string name = option.get_name();
   return std::find(groups.begin(), groups.end(), group) != groups.end() ||
          std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// A text with blanks or quotes, in quotes as a shell takes it.
+/// A text with blanks or quotes, in quotes for a shell.
 std::string typed(const std::string& text)
 {
   if (!text.empty() && text.find_first_of(" \t\n'\"\\$`*?;&|<>()") == std::string::npos)

@@ -8,10 +8,10 @@
 namespace KV::tools
 {
 
-/// Returns the options of the command line that say how a recording is read and estimated, as one could type them:
-/// "--fps 25". Those about outputs and display are left out.
+/// Returns the options of the command line on how a recording is read and estimated, as a user could type them: "--fps
+/// 25". Options about outputs and display are left out.
 ///
-/// To be called once the command line was parsed.
+/// To be called after the command line was parsed.
 std::vector<std::string> givenReadingOptions(const CLI::App& command);
 
 }  // namespace KV::tools

@@ -21,14 +21,14 @@ std::array<struct sigaction, signals.size()> before;
 
 constexpr suseconds_t pauseOfAlarm = 100'000;  // [us]
 
-/// Sets an alarm in so many microseconds; 0 takes it back.
+/// Sets an alarm in so many microseconds; 0 cancels it.
 void setAlarm(suseconds_t microseconds)
 {
   const itimerval once{{0, 0}, {0, microseconds}};
   setitimer(ITIMER_REAL, &once, nullptr);
 }
 
-// A signal may come just before a write that waits for a reader, which would then not end: an alarm ends it.
+// A signal may come just before a write that waits for a reader, and then the write would not end: an alarm ends it.
 void note(int signal)
 {
   if (signal != SIGALRM)

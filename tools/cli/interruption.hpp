@@ -9,10 +9,10 @@ struct Interrupted
   int signal;
 };
 
-/// While it lives, the signals that end a program (interrupt, terminate, hang up) are noted instead, so that temporary
-/// files can be removed first. One that was ignored before stays ignored.
+/// While an object lives, the signals that end a program (interrupt, terminate, hang up) are noted instead, so that
+/// temporary files can be removed first. Signals that were ignored before stay ignored.
 ///
-/// Make one at most.
+/// Make at most one.
 class Interruption
 {
 public:

@@ -2,6 +2,8 @@
 
 #include "cli/argumentparsing.hpp"
 
+#include <skeigiot/session/labelscopes.hpp>
+
 namespace KV::tools
 {
 
@@ -46,6 +48,37 @@ void addLabelOptions(CLI::App& command, session::AgreementOptions& agreement)
       [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
       [&agreement](double seconds) { agreement.offset = seconds; })
       ->group(labelGroup);
+}
+
+void addScopesOptions(CLI::App& command, ScopesArguments& scopes, const std::string& group)
+{
+  addTexts(command, "--scopes",
+           "Give a verdict on each label of this file, too: of ELAN, BORIS, Praat,\n"
+           "Audacity, BIDS or CSV; with TIER, only on labels of that tier or\n"
+           "person. May be given several times",
+           "FILE[:TIER]", [&scopes](const std::string& text) { scopes.files.push_back(text); })
+      ->group(group);
+  addNumber(
+      command, "--scopes-offset", "Seconds to add to all times of --scopes", "SECONDS", "seconds",
+      [](double seconds) { return seconds >= -greatestTime && seconds <= greatestTime; },
+      [&scopes](double seconds) { scopes.offset = seconds; })
+      ->group(group);
+}
+
+void readScopes(const ScopesArguments& arguments, Messages& messages, std::vector<session::ScopeSpan>& scopes,
+                std::vector<std::string>& paths)
+{
+  for (const std::string& file : arguments.files)
+  {
+    const session::LabelScopes from = session::parseLabelScopes(file);
+    const recordings::Labels labels = recordings::readLabels(from.path);
+    std::vector<std::string> warnings = labels.warnings;
+    const std::vector<session::ScopeSpan> made = session::scopesOf(labels, from, arguments.offset, warnings);
+    scopes.insert(scopes.end(), made.begin(), made.end());
+    paths.push_back(from.path);
+    for (const std::string& warning : warnings)
+      messages.note(std::string("warning: ").append(from.path).append(": ").append(warning));
+  }
 }
 
 std::vector<recordings::Labels> readLabelFiles(const std::vector<std::string>& paths, Messages& messages)

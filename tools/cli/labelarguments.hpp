@@ -4,6 +4,7 @@
 
 #include <skeigiot/recordings/labels.hpp>
 #include <skeigiot/session/agreementoptions.hpp>
+#include <skeigiot/session/scopespan.hpp>
 
 #include <CLI/App.hpp>
 
@@ -16,8 +17,24 @@ namespace KV::tools
 /// Heading of the options on labels in the help.
 extern const char* const labelGroup;
 
-/// Adds the options that say what labels of coders mean; the target must outlive the command.
+/// Adds the options for the meaning of coders' labels; the target must outlive the command.
 void addLabelOptions(CLI::App& command, session::AgreementOptions& agreement);
+
+/// The arguments on labels that are scopes.
+struct ScopesArguments
+{
+  std::vector<std::string> files;  ///< "FILE" or "FILE:TIER"
+  double offset = 0.;              ///< [s] added to all times of these labels
+};
+
+/// Adds "--scopes" and "--scopes-offset"; the target must outlive the command.
+void addScopesOptions(CLI::App& command, ScopesArguments& scopes, const std::string& group);
+
+/// Reads the files, and notes their warnings. Adds the scopes, and the paths to those that no output may replace.
+///
+/// \throws Error if a file cannot be read, or has no label that makes a scope.
+void readScopes(const ScopesArguments& arguments, Messages& messages, std::vector<session::ScopeSpan>& scopes,
+                std::vector<std::string>& paths);
 
 /// Reads files of labels, and notes their warnings.
 ///

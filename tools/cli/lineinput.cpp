@@ -44,7 +44,7 @@ LineInput::Line LineInput::take(std::string_view& line)
   const bool tooLong = end - _begin > _longestLine;
   if (lacksLineEnd && !(_ended && (_skipping || end > _begin)))
   {
-    // Of a line that is too long nothing is kept, so that it may be as long as it likes.
+    // A line that is too long is not kept, so it needs no memory.
     _skipping = _skipping || tooLong;
     _begin = _skipping ? end : _begin;
     _searched = end;

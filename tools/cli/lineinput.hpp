@@ -7,32 +7,32 @@
 namespace KV::tools
 {
 
-/// Cuts what comes in, piece by piece, into lines, in bounded memory.
+/// Cuts input, piece by piece, into lines, in bounded memory.
 class LineInput
 {
 public:
-  /// What becomes of one line.
+  /// The result of taking one line.
   enum class Line
   {
     Complete,
-    TooLong,    ///< it was longer than allowed, and is gone
-    NotYetHere  ///< more must come in first
+    TooLong,    ///< it was longer than allowed, and is dropped
+    NotYetHere  ///< more input must come first
   };
 
   /// Makes an input for lines of that many bytes at most.
   explicit LineInput(std::size_t longestLine) : _longestLine(longestLine) {}
 
-  /// Reads once from the descriptor, which waits if nothing is there; returns false at the end of the input.
+  /// Reads once from the descriptor, waiting for input if necessary; returns false at the end of the input.
   ///
-  /// An interrupted read counts as one of nothing.
+  /// An interrupted read counts as an empty one.
   ///
   /// \throws std::system_error if it cannot be read.
   bool readFrom(int fileDescriptor);
 
-  /// Takes in a piece.
+  /// Adds a piece of input.
   void add(std::string_view piece);
 
-  /// Ends the input: what is left without a line end is a line, too.
+  /// Ends the input: a rest without a line end is a line, too.
   void end();
 
   /// Takes the next line, without its line end (LF or CR LF); the view is valid until the next call.
@@ -40,10 +40,10 @@ public:
 
 private:
   std::size_t _longestLine;
-  std::string _text;       // what came in and is not forgotten yet
-  std::size_t _begin = 0;  // of what was not taken yet
+  std::string _text;       // input that is not forgotten yet
+  std::size_t _begin = 0;  // of the input that was not taken yet
   std::size_t _searched = 0;
-  bool _skipping = false;  // the rest of a line that was too long
+  bool _skipping = false;  // skipping the rest of a line that was too long
   bool _ended = false;
 };
 

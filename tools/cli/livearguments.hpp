@@ -10,7 +10,7 @@ namespace KV::tools
 /// Adds the option --times, which fills in `times`.
 CLI::Option* addTimesOption(CLI::App& command, session::StreamTimes& times);
 
-/// Returns the time of the machine, whatever clock the thread has.
+/// Returns the time of the machine, for any clock of the thread.
 session::TimePoint wallClock();
 
 }  // namespace KV::tools

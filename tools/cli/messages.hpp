@@ -8,8 +8,8 @@
 namespace KV::tools
 {
 
-/// What the command has to say besides its output: errors, and notes that a quiet run leaves out. Texts may quote what
-/// came from outside.
+/// The messages of the command besides its output: errors, and notes that a quiet run leaves out. Texts may quote input
+/// from outside.
 class Messages
 {
 public:

@@ -19,7 +19,7 @@ std::string lowerCase(std::string text)
 /// The optimal string alignment distance: no part of the text is changed twice.
 std::size_t changesBetween(const std::string& left, const std::string& right)
 {
-  // changes[i][j] leads from the first i letters of the one to the first j of the other.
+  // changes[i][j] turns the first i letters of the one into the first j of the other.
   std::vector<std::vector<std::size_t>> changes(left.size() + 1, std::vector<std::size_t>(right.size() + 1));
   for (std::size_t i = 0; i <= left.size(); ++i)
   {

@@ -10,27 +10,6 @@
 
 namespace KV::tools
 {
-namespace
-{
-// Adds an option whose text `parse` reads; it throws std::invalid_argument.
-template <typename Value>
-CLI::Option* addParsed(CLI::App& command, const std::string& name, const std::string& help, const std::string& type,
-                       Value (*parse)(const std::string&), Value& target)
-{
-  const auto take = [name, parse, &target](const std::string& text) {
-    try
-    {
-      target = parse(text);
-    }
-    catch (const std::invalid_argument& error)
-    {
-      throw CLI::ValidationError(name, error.what());
-    }
-  };
-  return command.add_option_function<std::string>(name, take, help)->type_name(type);
-}
-
-}  // namespace
 
 std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments)
 {

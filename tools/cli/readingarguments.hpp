@@ -11,15 +11,15 @@
 namespace KV::tools
 {
 
-/// The arguments that say how to read recordings.
+/// The arguments for reading recordings.
 struct ReadingArguments
 {
   recordings::ReadingOptions options;
-  std::string format;    ///< name of the format; empty: found out
-  bool skipBad = false;  ///< go on behind lines that cannot be used
+  std::string format;    ///< name of the format; empty: detected
+  bool skipBad = false;  ///< skip lines that cannot be used
 };
 
-/// Returns what opens a recording as the arguments say, "-" being standard input; they must outlive it.
+/// Returns a function that opens a recording by the arguments, "-" being standard input; they must outlive it.
 std::function<std::unique_ptr<recordings::Reader>(const std::string& path)> openerOf(const ReadingArguments& arguments);
 
 /// Adds the options that fill in the arguments, which must outlive the command.

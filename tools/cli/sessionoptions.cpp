@@ -16,7 +16,7 @@ namespace KV::tools
 namespace
 {
 
-/// Says which option the message is about, or helps.
+/// Adds the option that the message is about, or that helps.
 std::string withOptions(const session::PlanError& error)
 {
   std::string message = error.what();

@@ -19,19 +19,19 @@ namespace KV::tools
 /// Adds "--offset", which moves inputs of a session; the target, by path, must outlive the command.
 CLI::Option* addOffsetOption(CLI::App& command, std::map<std::string, session::Duration>& offsets);
 
-/// Adds "--scope", which judges spans besides the whole recording; the target must outlive the command.
+/// Adds "--scope", which judges time spans besides the whole recording; the target must outlive the command.
 CLI::Option* addScopeOption(CLI::App& command, std::vector<session::ScopeSpan>& scopes);
 
-/// Adds "--cycle", which says how often persons are updated; the target must outlive the command.
+/// Adds "--cycle", the rate at which persons are updated; the target must outlive the command.
 CLI::Option* addCycleOption(CLI::App& command, session::Cycle& cycle);
 
-/// Adds "--force", which lets outputs replace any file but an input; the target must outlive the command.
+/// Adds "--force", with which outputs replace any file except an input; the target must outlive the command.
 CLI::Option* addForceOption(CLI::App& command, bool& force);
 
 /// Returns the message of the error, with the option that helps.
 std::string messageOf(const session::OutputRefused& refused);
 
-/// Refuses text on standard output where that is one of the inputs, as in "skeigiot inspect face.csv >> face.csv".
+/// Refuses text on standard output if that is one of the inputs, as in "skeigiot inspect face.csv >> face.csv".
 ///
 /// \throws OutputRefused if it is.
 void checkStandardOutput(const session::SessionInputs& inputs);
@@ -39,7 +39,7 @@ void checkStandardOutput(const session::SessionInputs& inputs);
 /// Plans the sessions that the command line names.
 ///
 /// \throws Error as planSessions() does.
-/// \throws CLI::ValidationError for arguments that do not go together.
+/// \throws CLI::ValidationError for arguments that contradict each other.
 session::SessionPlan planNamedSessions(const session::SessionArguments& arguments);
 
 /// Returns the message of the error, with the options that help.

@@ -2,9 +2,13 @@
 
 #include "cli/interruption.hpp"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <ctime>
+#include <limits>
 #include <system_error>
 
 namespace KV::tools
@@ -13,7 +17,7 @@ namespace KV::tools
 namespace
 {
 
-/// Holds back the signals that a wait is to notice.
+/// Blocks the signals that the wait must notice.
 class HeldSignals
 {
 public:
@@ -58,6 +62,13 @@ bool waitFor(std::vector<pollfd>& descriptors, int milliseconds)
   for (pollfd& descriptor : descriptors)
     descriptor.revents = 0;
   return false;
+}
+
+bool waitUntil(std::vector<pollfd>& descriptors, std::chrono::steady_clock::time_point until)
+{
+  const auto pause = std::chrono::ceil<std::chrono::milliseconds>(until - std::chrono::steady_clock::now()).count();
+  constexpr std::int64_t longest = std::numeric_limits<int>::max();
+  return waitFor(descriptors, static_cast<int>(std::clamp<std::int64_t>(pause, 0, longest)));
 }
 
 }  // namespace KV::tools

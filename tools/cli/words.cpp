@@ -5,7 +5,7 @@
 
 #include <skeigiot/recordings/quote.hpp>
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ bool isThere(const std::string& word)
   return isStandardInput(word) || std::filesystem::exists(word, error);
 }
 
-/// A word with a dot or a slash is a path, though perhaps of no file: that is a better message than an unknown command.
+/// A word with a dot or a slash is a path, even if no such file exists: a better message than an unknown command.
 bool isRecording(const std::string& word)
 {
   return isThere(word) || word.find_first_of("./") != std::string::npos;
@@ -66,7 +66,7 @@ std::string unexpectedText(const std::vector<std::string>& words, const CLI::App
   return similar ? text + "; did you mean '" + *similar + "'?" : text;
 }
 
-/// Tells whether a recording is meant though the command is missing.
+/// Returns whether the word is a recording without the command before it.
 bool lackCommand(const std::vector<std::string>& words, const CLI::App& app)
 {
   const std::vector<std::string> commands = commandNames(app);

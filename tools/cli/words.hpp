@@ -19,10 +19,10 @@ std::vector<std::string> commandNames(const CLI::App& app);
 
 /// Returns the command with this name.
 ///
-/// \throws CLI::ValidationError if there is none; the message names the nearest.
+/// \throws CLI::ValidationError if there is no such command; the message names the nearest.
 const CLI::App& commandNamed(const std::string& name, const CLI::App& app);
 
-/// Says which words the parsed command line has beyond what was expected, and the option that is nearest to the first.
+/// Lists the unexpected words of the parsed command line, and the option that is nearest to the first.
 ///
 /// \pre there are such words.
 std::string describeUnexpected(const CLI::App& app);

@@ -61,7 +61,7 @@ Examples:
 
 constexpr double greatestDelay = 60.;  // [s]
 
-/// Everything that the command line can say.
+/// All options of the command line.
 struct Arguments
 {
   session::SessionArguments session;
@@ -106,7 +106,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
   addBoundaryOptions(command);
 }
 
-/// \throws Error, CLI::ValidationError if there is not exactly one.
+/// \throws Error, CLI::ValidationError if there is not exactly one session.
 session::SessionInputs onlySession(session::SessionArguments arguments, const std::string& format)
 {
   arguments.format = format;
@@ -137,9 +137,9 @@ void play(const Arguments& arguments, const session::SessionInputs& inputs, sess
     throw recordings::Error(*outcome.error);
 }
 
-/// Makes the file of the table; none if it is not wanted.
+/// Makes the file of the table; nothing if it is not wanted.
 ///
-/// \throws OutputRefused if it would overwrite something.
+/// \throws OutputRefused if it would overwrite another file.
 std::unique_ptr<session::ReplacedFile> makeTable(const Arguments& arguments, const session::SessionInputs& inputs)
 {
   session::OutputCheck check(arguments.force);

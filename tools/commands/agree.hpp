@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "agree"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "agree"; parsing it runs it, and sets its exit status.
 void addAgreeCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

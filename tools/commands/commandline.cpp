@@ -6,7 +6,10 @@
 #include "commands/mapping.hpp"
 #include "commands/replay.hpp"
 #include "commands/report.hpp"
+#include "commands/ros.hpp"
+#include "commands/serve.hpp"
 #include "commands/stream.hpp"
+#include "commands/study.hpp"
 #include "commands/types.hpp"
 #include "commands/watch.hpp"
 #include "commands/why.hpp"
@@ -27,7 +30,10 @@ std::unique_ptr<CLI::App> commandLine(ExitStatus& status)
   addInspectCommand(*app, status);
   addMappingCommand(*app, status);
   addReportCommand(*app, status);
+  addRosCommand(*app, status);
+  addServeCommand(*app, status);
   addStreamCommand(*app, status);
+  addStudyCommand(*app, status);
   addTypesCommand(*app, status);
   addWatchCommand(*app, status);
   addWhyCommand(*app, status);

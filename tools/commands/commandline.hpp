@@ -2,7 +2,7 @@
 
 #include "cli/exitstatus.hpp"
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -10,7 +10,7 @@
 namespace KV::tools
 {
 
-/// Makes the command with all of its subcommands; the one that runs leaves its end in `status`, which must outlive it.
+/// Makes the command with its subcommands; the one that runs sets its exit status in `status`, which must outlive it.
 std::unique_ptr<CLI::App> commandLine(ExitStatus& status);
 
 }  // namespace KV::tools

@@ -4,7 +4,7 @@
 #include "cli/words.hpp"
 #include "terminal/terminalstream.hpp"
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -16,7 +16,7 @@ namespace KV::tools
 namespace
 {
 
-/// The help as --help shows it; App::help() would show that of the command that was given, which is this one.
+/// The help as --help shows it; App::help() would show that of "help" itself.
 std::string helpOn(const CLI::App& app, const std::string& command)
 {
   if (command.empty())

@@ -42,7 +42,7 @@ struct Arguments
   bool columns = false;
 };
 
-/// Tells whether it is a folder of recordings, and no bag.
+/// Returns whether it is a folder of recordings, and no bag.
 bool isFolder(const std::string& path)
 {
   std::error_code error;

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "inspect"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "inspect"; parsing it runs it, and sets its exit status.
 void addInspectCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

@@ -61,18 +61,18 @@ TextTable::Cells rowOf(const std::string& file, const session::InspectionReport&
   const session::Inspection& contents = report.contents;
   const double rate = contents.timesPerSecond();
   std::size_t seen = 0;
-  std::size_t told = 0;
+  std::size_t known = 0;
   for (const auto& [person, span] : contents.persons())
   {
     seen += span.seen;
-    told += span.seen + span.notSeen;
+    known += span.seen + span.notSeen;
   }
   return {file,
           report.format,
           session::clockText(contents.length()),
           rate > 0. ? rounded(rate) : "",
           std::to_string(contents.persons().size()),
-          told > 0 ? session::percentage(static_cast<double>(seen) / static_cast<double>(told)) : "",
+          known > 0 ? session::percentage(static_cast<double>(seen) / static_cast<double>(known)) : "",
           readingsOf(contents),
           problemsOf(report)};
 }

@@ -12,8 +12,8 @@
 namespace KV::tools
 {
 
-/// Looks into one recording after the other, and writes a table with a line for each, or a JSON array. What cannot be
-/// read does not end it.
+/// Reads one recording after the other, and writes a table with a line for each, or a JSON array. It continues after a
+/// recording that cannot be read.
 ExitStatus inspectFolder(const std::vector<session::SessionInputs>& sessions, const ReadingArguments& reading,
                          bool asJson, std::ostream& output, Messages& messages);
 

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "mapping"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "mapping"; parsing it runs it, and sets its exit status.
 void addMappingCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

@@ -49,6 +49,20 @@ Playback::Clock::time_point Playback::due() const
   return _start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(wait));
 }
 
+std::string Playback::takeScopes(recordings::Step step, Clock::time_point now)
+{
+  if (_isFinished)
+    return "the recording has ended";
+  if (!_first)
+    return "the recording has not begun";
+  step.time = at(now);
+  if (std::string refusal = _session.whyScopesCannotStart(step); !refusal.empty())
+    return refusal;
+  _session.play(step);
+  _last = step.time;
+  return {};
+}
+
 void Playback::pause(Clock::time_point now)
 {
   if (!_pausedAt)
@@ -81,10 +95,8 @@ session::Duration Playback::reached(Clock::time_point now) const
 
 std::vector<std::string> Playback::takeNotes()
 {
-  if (std::string leftOut = _session.takeLeftOut(); !leftOut.empty())
-    _notes.push_back(std::move(leftOut));
-  if (std::string notStarted = _session.takeNotStarted(); !notStarted.empty())
-    _notes.push_back(std::move(notStarted));
+  for (std::string& note : _session.takeNotes())
+    _notes.push_back(std::move(note));
   return std::exchange(_notes, {});
 }
 
@@ -100,7 +112,7 @@ void Playback::_take(const recordings::Step& step)
   _last = std::max(_last, step.time);
 }
 
-/// Reads the next step, which is missing where a line cannot be used.
+/// Reads the next step, which is empty for a line that cannot be used.
 void Playback::_read()
 {
   _next = boost::none;

@@ -28,11 +28,16 @@ public:
   Playback(std::unique_ptr<recordings::Reader> reader, double speed, std::vector<session::SessionObserver*> observers,
            session::Cycle cycle, Clock::time_point now);
 
-  /// Plays the steps that are due, but a certain number at most, so that the caller can look after keys in between.
+  /// Plays the steps that are due, but only a certain number at once, so that the caller can react to keys in between.
   void play(Clock::time_point now);
 
-  /// Returns when to call play() again: when the next step is due, or far away if nothing is to come.
+  /// Returns when to call play() again: when the next step is due, or far in the future if there is no next step.
   Clock::time_point due() const;
+
+  /// Plays a step that starts or stops scopes; its time is that of the recording now.
+  ///
+  /// \return why it is refused; empty if it is played
+  std::string takeScopes(recordings::Step step, Clock::time_point now);
 
   void pause(Clock::time_point now);
   void resume(Clock::time_point now);
@@ -40,17 +45,17 @@ public:
   /// Returns the time of the recording that is shown at this time of the machine.
   session::TimePoint at(Clock::time_point now) const;
 
-  /// Returns how much of the recording lies before that.
+  /// Returns which part of the recording lies before that time.
   session::Duration reached(Clock::time_point now) const;
 
   bool ended() const { return _ended; }
   std::size_t steps() const { return _steps; }
 
-  /// Returns how many lines could not be used, and what was wrong with the last of them.
+  /// Returns how many lines could not be used, and the reason for the last of them.
   std::size_t badLines() const { return _badLines; }
   const std::string& lastError() const { return _lastError; }
 
-  /// Returns what there is to say at the end: what was left out, and what the recording could not be read for.
+  /// Returns the messages for the end: the readings that were left out, and the fault that ended the recording.
   std::vector<std::string> takeNotes();
 
 private:
@@ -63,7 +68,7 @@ private:
   boost::optional<recordings::Step> _next;
   boost::optional<session::TimePoint> _first;  // of the steps that were played
   session::TimePoint _last;                    // of the steps that were played
-  Clock::time_point _start;                    // when the first step was due, had there been no pause
+  Clock::time_point _start;                    // when the first step would have been due without pauses
   boost::optional<Clock::time_point> _pausedAt;
   bool _ended = false;
   bool _isFinished = false;

@@ -2,6 +2,7 @@
 
 #include "cli/argumentparsing.hpp"
 #include "cli/givenoptions.hpp"
+#include "cli/labelarguments.hpp"
 #include "cli/messages.hpp"
 #include "cli/readingarguments.hpp"
 #include "cli/sessionoptions.hpp"
@@ -11,6 +12,7 @@
 
 #include <skeigiot/recordings/recording.hpp>
 #include <skeigiot/session/exportformat.hpp>
+#include <skeigiot/session/labelexport.hpp>
 #include <skeigiot/session/report.hpp>
 #include <skeigiot/session/sessionplan.hpp>
 
@@ -75,6 +77,11 @@ The summary has a row for each recording, person and scope. It has the verdict, 
 the time in which the person was seen. It also has the means of valence and attention with their confidences, and the
 shares of zones and pleasure states. A field is empty if its value was never known.
 
+Labels: --eaf and --audacity write the results as labels, which coders see in their own program. Each person has zones,
+pleasure states, verdicts, and the mean valence and attention of each second. --beside keeps the coders' own labels in
+that file. Such a file is only replaced with --force, since people edit it. --scopes makes a scope of each label of a
+coder.
+
 Exit status: 0 for success; 2 if a recording or the command line cannot be used (results before the bad input are
 still shown and exported); 1 for any other error, such as an export that cannot be written.
 
@@ -84,16 +91,20 @@ Examples:
   skeigiot replay face.csv --scope greeting=0..12.5 --scope goodbye=50..
   skeigiot replay face.csv voice.csv touch.csv --offset voice.csv=0.25
   skeigiot replay recordings/ --csv states.csv --summary summary.csv
+  skeigiot replay face.csv --scopes anna.eaf:task --beside anna.eaf --eaf anna-estimate.eaf
   skeigiot replay face.csv --quiet --csv - | column -s , -t | less -S)";
 
 const char* const reportOption = "--report";
+const char* const besideOption = "--beside";
 
-/// Everything that the command line can say.
+/// All options of the command line.
 struct Arguments
 {
   ReplayOptions replay;
   session::SessionArguments sessions;
   ReadingArguments reading;
+  ScopesArguments scopes;
+  std::string coders;  // file of labels that exports of labels keep
   ColorChoice color = ColorChoice::Auto;
 };
 
@@ -123,6 +134,7 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
 {
   const std::string group = "Output";
   addScopeOption(command, arguments.replay.scopes)->group(group);
+  addScopesOptions(command, arguments.scopes, group);
   addNumber(
       command, "--step", "Length of a row of the timeline (default: chosen for about 40 rows)", "SECONDS",
       "a number from 0.001 on", [](double seconds) { return seconds >= 0.001 && seconds < 1e9; },
@@ -141,7 +153,7 @@ void addShowingOptions(CLI::App& command, Arguments& arguments)
   command.add_flag("-q,--quiet", arguments.replay.quiet, "Write only errors")->group(group);
 }
 
-/// Returns the option that exports in this format: its name, but what writes a recording says into which format.
+/// Returns the option that exports in this format: the format's name, except for recordings.
 std::string exportOption(const session::ExportFormat& format)
 {
   return format.name == "recording" ? "--to-jsonl" : "--" + format.name;
@@ -160,6 +172,12 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
         ->group(group);
   }
   command
+      .add_option(
+          besideOption, arguments.coders,
+          "File of labels that --eaf and --audacity keep beside the new ones, of any\nformat that \"agree\" reads")
+      ->type_name("FILE")
+      ->group(group);
+  command
       .add_option_function<std::string>(
           reportOption, [&replay = arguments.replay](const std::string& target) { replay.report = target; },
           "Write an HTML report, as \"skeigiot report\" does; not to standard output")
@@ -168,8 +186,8 @@ void addExportOptions(CLI::App& command, Arguments& arguments)
   addForceOption(command, arguments.replay.force)->group(group);
 }
 
-/// Tells whether none of them has to be waited for, such as a pipe or standard input: a thread that waits cannot be
-/// interrupted.
+/// Returns whether all inputs can be read without waiting, unlike a pipe or standard input: a thread that waits cannot
+/// be interrupted.
 bool areFiles(const std::vector<std::string>& paths)
 {
   return std::none_of(paths.begin(), paths.end(), [](const std::string& path) {
@@ -193,6 +211,22 @@ void checkSessionsOfExports(const ReplayOptions& options)
   }
 }
 
+/// Reads the file of labels that exports keep.
+///
+/// \throws Error if the file cannot be read.
+/// \throws CLI::ValidationError if no export keeps it.
+void keepLabels(Arguments& arguments)
+{
+  if (arguments.coders.empty())
+    return;
+  arguments.replay.otherInputs.push_back(arguments.coders);
+  for (const auto& [name, target] : arguments.replay.exports)
+    if (session::isLabelExport(name))
+      arguments.replay.changedFormats.emplace(name, session::labelExport(name, arguments.coders));
+  if (arguments.replay.changedFormats.empty())
+    throw CLI::ValidationError(besideOption, "needs --eaf or --audacity, whose file keeps these labels");
+}
+
 /// \throws CLI::ValidationError if this replay can have no report.
 void checkReport(const ReplayOptions& options)
 {
@@ -208,9 +242,9 @@ void checkReport(const ReplayOptions& options)
                                "write a folder of reports");
 }
 
-/// Fills in the sessions, and which of their options follow from them.
+/// Fills in the sessions, and the options of each that follow from them.
 ///
-/// \throws Error, CLI::ValidationError if there can be no such sessions.
+/// \throws Error, CLI::ValidationError if these sessions are impossible.
 void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
@@ -221,6 +255,8 @@ void plan(Arguments& arguments, Messages& messages)
   if (!areFiles(arguments.sessions.paths))
     arguments.replay.jobs = 1;
   checkSessionsOfExports(arguments.replay);
+  readScopes(arguments.scopes, messages, arguments.replay.scopes, arguments.replay.otherInputs);
+  keepLabels(arguments);
   checkReport(arguments.replay);
 }
 

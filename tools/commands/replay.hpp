@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "replay"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "replay"; parsing it runs it, and sets its exit status.
 void addReplayCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

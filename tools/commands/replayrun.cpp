@@ -31,18 +31,18 @@ bool usesStandardOutput(const std::map<std::string, std::string>& exports)
 
 const char* const interruptedText = "interrupted";
 
-/// The replay of a session was stopped, as nobody wants its result any more.
+/// Stops the replay of a session whose result is not needed any more.
 struct Cancelled
 {};
 
-/// A session that was replayed while those before it were not shown yet.
+/// A session that was replayed before those in front of it were shown.
 struct Buffered
 {
   SessionOutcome outcome;
   std::string output;
   std::string errors;
   std::unique_ptr<session::Exports::Spilled> exports;
-  boost::optional<Interrupted> interrupted;  ///< it ended so; what came before is there
+  boost::optional<Interrupted> interrupted;  ///< why it ended early; its earlier results are there
 };
 
 class Replay
@@ -61,7 +61,11 @@ public:
     for (const std::string& path : options.otherInputs)
       check.protect(path);
     for (const auto& [format, target] : options.exports)
-      _exports.add(format, target, check);
+    {
+      const auto changed = options.changedFormats.find(format);
+      _exports.add(changed == options.changedFormats.end() ? session::exportFormat(format) : changed->second, target,
+                   check);
+    }
     if (options.report)
       _report.emplace(*options.report, check);
     if (options.reportFolder)
@@ -82,7 +86,7 @@ public:
     catch (const Interrupted&)
     {
       _progress.erase();
-      _exports.commit();  // what was read before is good
+      _exports.commit();  // the part before the fault is good
       throw;
     }
     if (_options.sessions.size() > 1)
@@ -133,7 +137,7 @@ private:
     }
   }
 
-  /// Replays a session on a thread of its own; only what is constant is shared.
+  /// Replays a session on a thread of its own; threads share only constant data.
   Buffered _buffered(std::size_t i, const std::atomic<bool>& cancelled) const
   {
     std::ostringstream output;
@@ -170,19 +174,19 @@ private:
     const session::SessionInputs& session = _options.sessions[i];
     if (!_reports)
       return replaySession(session, _options, _surroundings, outlets);
-    session::OutputCheck checked(true);  // the page was admitted in the beginning
+    session::OutputCheck checked(true);  // the page was checked at the start
     ReportFile report(_reports->pageOf(i), checked);
     outlets.observers.push_back(&report.observer());
     SessionOutcome outcome = replaySession(session, _options, _surroundings, outlets);
     if (outcome.opened)
     {
-      report.commit(session, outcome.said, _options.format, _options.givenOptions);
+      report.commit(session, outcome.problems, _options.format, _options.givenOptions);
       outcome.report = report.overview();
     }
     return outcome;
   }
 
-  /// The sessions themselves notice an interruption, so that what they exported is not lost.
+  /// The sessions themselves notice an interruption, so that their exports are not lost.
   void _wait(std::size_t done, std::size_t all)
   {
     if (_progress.isDue())
@@ -217,14 +221,14 @@ private:
     session::ReportAdditions additions = _options.reportAdditions;
     additions.learned = _learned;
     const std::vector<std::string> warnings = _report->add(additions);
-    _report->commit(_options.sessions.front(), _said, _options.format, _options.givenOptions);
+    _report->commit(_options.sessions.front(), _problems, _options.format, _options.givenOptions);
     for (const std::string& warning : warnings)
       _messages.note("warning: " + warning);
   }
 
   void _add(SessionOutcome outcome)
   {
-    _said.insert(_said.end(), outcome.said.begin(), outcome.said.end());
+    _problems.insert(_problems.end(), outcome.problems.begin(), outcome.problems.end());
     _learned = outcome.learned;
     _status = graver(_status, outcome.status);
     _anyOpened = _anyOpened || outcome.opened;
@@ -249,8 +253,8 @@ private:
   session::Exports _exports;
   boost::optional<ReportFile> _report;
   boost::optional<ReportFolder> _reports;
-  std::vector<std::string> _said;     // warnings and errors of all sessions
-  std::vector<std::string> _learned;  // of the faces at rest, by the last session
+  std::vector<std::string> _problems;  // warnings and errors of all sessions
+  std::vector<std::string> _learned;   // of the faces at rest, by the last session
   std::vector<FileOverview> _overviews;
   ExitStatus _status = Success;
   bool _anyOpened = false;

@@ -64,6 +64,7 @@ struct Arguments
   ReplayOptions replay;
   session::SessionArguments sessions;
   ReadingArguments reading;
+  ScopesArguments scopes;
   std::string target;
   std::vector<std::string> labels;
   std::string video;
@@ -71,13 +72,13 @@ struct Arguments
 
 constexpr double greatestTime = 4e9;  // [s]
 
-/// Tells whether a folder was named that holds the recording.
+/// Returns whether the recording comes from a folder that the user named.
 bool isOfFolder(const session::SessionInputs& session, const session::SessionArguments& arguments)
 {
   return session.inputs.front().path != arguments.paths.front();
 }
 
-/// \throws CLI::ValidationError if the target can be no folder of pages.
+/// \throws CLI::ValidationError if the target cannot be a folder of pages.
 void planFolder(Arguments& arguments)
 {
   if (!arguments.labels.empty() || !arguments.video.empty())
@@ -92,7 +93,7 @@ void planFolder(Arguments& arguments)
   arguments.replay.jobs = std::max(1U, std::thread::hardware_concurrency());
 }
 
-/// \throws Error, CLI::ValidationError if there can be no such session.
+/// \throws Error, CLI::ValidationError if such a session is impossible.
 void plan(Arguments& arguments, Messages& messages)
 {
   arguments.sessions.format = arguments.reading.format;
@@ -111,7 +112,7 @@ void plan(Arguments& arguments, Messages& messages)
     planFolder(arguments);
 }
 
-/// Adds what the page shows beside the session.
+/// Adds the page's parts besides the session.
 void addShownBeside(CLI::App& command, Arguments& arguments)
 {
   session::ReportAdditions& additions = arguments.replay.reportAdditions;
@@ -137,6 +138,7 @@ ExitStatus run(Arguments& arguments)
   try
   {
     plan(arguments, messages);
+    readScopes(arguments.scopes, messages, arguments.replay.scopes, arguments.replay.otherInputs);
     session::ReportAdditions& additions = arguments.replay.reportAdditions;
     additions.labels = readLabelFiles(arguments.labels, messages);
     if (!arguments.video.empty())
@@ -172,6 +174,7 @@ void addReportCommand(CLI::App& app, ExitStatus& status)
   addForceOption(command, arguments->replay.force);
   addOffsetOption(command, arguments->sessions.offsets);
   addScopeOption(command, arguments->replay.scopes);
+  addScopesOptions(command, arguments->scopes, "Options");
   addCycleOption(command, arguments->replay.cycle);
   addShownBeside(command, *arguments);
   addReadingOptions(command, arguments->reading);

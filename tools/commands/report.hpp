@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "report"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "report"; parsing it runs it, and sets its exit status.
 void addReportCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

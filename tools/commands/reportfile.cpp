@@ -38,7 +38,7 @@ boost::optional<std::uint64_t> sizeOf(const std::string& path)
   return size;
 }
 
-/// Returns the name of the format; empty if it cannot be found out once more, as of a pipe.
+/// Returns the name of the format; empty if it cannot be detected a second time, as of a pipe.
 std::string formatOf(const std::string& path, const std::string& given)
 {
   if (!given.empty() || !sizeOf(path))
@@ -51,19 +51,6 @@ std::string formatOf(const std::string& path, const std::string& given)
   {
     return {};
   }
-}
-
-/// Returns the time, or that of SOURCE_DATE_EPOCH, with which builds are made that can be repeated.
-std::string dateOfToday()
-{
-  std::time_t now = std::time(nullptr);
-  if (const char* const fixed = std::getenv("SOURCE_DATE_EPOCH"))
-    now = static_cast<std::time_t>(std::strtoll(fixed, nullptr, 10));
-  std::tm parts = {};
-  std::array<char, 64> text{};
-  if (gmtime_r(&now, &parts) == nullptr || std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts) == 0)
-    return {};
-  return text.data();
 }
 
 /// Returns the lines of the messages.
@@ -81,6 +68,18 @@ std::vector<std::string> linesOf(const std::vector<std::string>& messages)
 
 }  // namespace
 
+std::string dateOfMaking()
+{
+  std::time_t now = std::time(nullptr);
+  if (const char* const fixed = std::getenv("SOURCE_DATE_EPOCH"))
+    now = static_cast<std::time_t>(std::strtoll(fixed, nullptr, 10));
+  std::tm parts = {};
+  std::array<char, 64> text{};
+  if (gmtime_r(&now, &parts) == nullptr || std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M UTC", &parts) == 0)
+    return {};
+  return text.data();
+}
+
 void ReportFile::commit(const session::SessionInputs& session, const std::vector<std::string>& messages,
                         const std::string& format, const std::vector<std::string>& givenOptions)
 {
@@ -90,7 +89,7 @@ void ReportFile::commit(const session::SessionInputs& session, const std::vector
   origin.options = givenOptions;
   origin.notes = linesOf(messages);
   origin.version = SKEIGIOT_VERSION;
-  origin.made = dateOfToday();
+  origin.made = dateOfMaking();
   _report.write(_file.stream(), origin);
   _file.commit();
 }

@@ -10,7 +10,10 @@
 namespace KV::tools
 {
 
-/// The report of one session, in a file that takes its place when it is complete.
+/// Returns the present time, or that of SOURCE_DATE_EPOCH, which reproducible builds set.
+std::string dateOfMaking();
+
+/// The report of one session, in a file that replaces its target when it is complete.
 class ReportFile
 {
 public:
@@ -18,21 +21,21 @@ public:
   /// \throws WriteError if the file cannot be made.
   ReportFile(const std::string& target, session::OutputCheck& check) : _file(target, check) {}
 
-  /// Adds what the page shows beside the session, before commit(); returns warnings on labels that it does not show.
+  /// Adds the page's parts besides the session, before commit(); returns warnings on labels that it does not show.
   std::vector<std::string> add(const session::ReportAdditions& additions) { return _report.add(additions); }
 
-  /// Returns what is to watch the session.
+  /// Returns the observer of the session.
   session::SessionObserver& observer() { return _report; }
 
-  /// Writes the page, with these messages of the command, and puts it in its place.
+  /// Writes the page, with these messages of the command, and replaces the target by it.
   ///
-  /// \param format        that the inputs were read as; empty: the page says the one that is found out
-  /// \param givenOptions  how the user wanted it read, as typed
+  /// \param format        of the inputs; empty: the page shows the detected one
+  /// \param givenOptions  the user's options on reading, as typed
   /// \throws WriteError if that fails.
   void commit(const session::SessionInputs& session, const std::vector<std::string>& messages,
               const std::string& format, const std::vector<std::string>& givenOptions);
 
-  /// Returns what an index shows of the report, after commit().
+  /// Returns the report's entry in an index, after commit().
   session::ReportOverview overview() const { return _report.overview(); }
 
 private:

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 const char* const indexName = "index.html";
 
-/// Returns a name for the page of the recording that is not taken yet.
+/// Returns a name for the page of the recording that is not used yet.
 std::string freeNameFor(std::string file, std::set<std::string>& taken)
 {
   std::replace(file.begin(), file.end(), '/', '_');
@@ -31,7 +31,7 @@ std::string freeNameFor(std::string file, std::set<std::string>& taken)
   return name;
 }
 
-/// Writes what an address must not hold by its numbers.
+/// Escapes the characters that an address must not hold.
 std::string addressOf(const std::string& name)
 {
   constexpr std::string_view digits = "0123456789ABCDEF";
@@ -75,7 +75,7 @@ void ReportFolder::add(session::IndexedRecording recording, bool hasPage)
 
 void ReportFolder::commit() const
 {
-  session::OutputCheck checked(true);  // the index was admitted in the beginning
+  session::OutputCheck checked(true);  // the index was checked at the start
   session::ReplacedFile file(_index, checked);
   session::writeReportIndex(file.stream(), _recordings);
   file.commit();

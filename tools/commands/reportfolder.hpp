@@ -11,7 +11,7 @@
 namespace KV::tools
 {
 
-/// A folder with the report of each session, and a page that leads to them.
+/// A folder with the report of each session, and a page with links to them.
 class ReportFolder
 {
 public:
@@ -25,7 +25,7 @@ public:
   /// Returns the path of the report of the session with this number, from 0.
   const std::string& pageOf(std::size_t session) const { return _pages[session]; }
 
-  /// Adds the next session to the index; `hasPage` says whether its report was written.
+  /// Adds the next session to the index; `hasPage` is true if its report was written.
   void add(session::IndexedRecording recording, bool hasPage);
 
   /// Writes the index.

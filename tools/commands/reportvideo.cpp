@@ -12,7 +12,7 @@ namespace KV::tools
 namespace
 {
 
-/// Writes all bytes but letters, digits and some marks as "%" and two digits.
+/// Writes all bytes except letters, digits and some marks as "%" and two digits.
 std::string escaped(const std::string& path)
 {
   constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";

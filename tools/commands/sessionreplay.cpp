@@ -68,7 +68,7 @@ public:
       error = messageOf(*outcome.error);
       _sayError(error);
     }
-    return {outcome.error ? BadInput : Success, outcome.opened, _said, error, _overview(outcome, summary),
+    return {outcome.error ? BadInput : Success, outcome.opened, _problems, error, _overview(outcome, summary),
             session::ReportOverview(),          outcome.learned};
   }
 
@@ -96,7 +96,7 @@ private:
     for (const std::string& text : outcome.warningLines())
     {
       _show(_surroundings.style.yellow("warning: " + shown(text)) + "\n");
-      _said.push_back("warning: " + text);
+      _problems.push_back("warning: " + text);
     }
     _showPersons(timeline, summary);
     _showTrust(contents);
@@ -159,9 +159,10 @@ private:
   void _showPersons(const session::Timeline& timeline, const session::Summary& summary)
   {
     const Style& style = _surroundings.style;
+    const session::Duration step = timeline.step();  // not for each person: it examines the rows of all
     for (const auto& [person, rows] : timeline.rows())
       _show("\n" + style.bold(personHeading(person, summary.persons().at(person).name())) + "\n" +
-            timelineTable(rows, timeline.step(), _surroundings.outputWidth, style) + "\n" +
+            timelineTable(rows, step, _surroundings.outputWidth, style) + "\n" +
             summaryText(summary, person, _surroundings.outputWidth, style));
     const std::string ambiance = ambianceText(summary.ambiance(), style);
     if (!ambiance.empty())
@@ -170,13 +171,13 @@ private:
 
   void _say(const std::string& text)
   {
-    _said.push_back(text);
+    _problems.push_back(text);
     _outlets.messages.note(text);
   }
 
   void _sayError(const std::string& text)
   {
-    _said.push_back(text);
+    _problems.push_back(text);
     _outlets.messages.error(text);
   }
 
@@ -187,7 +188,7 @@ private:
   const ReplayOptions& _options;
   const ReplaySurroundings& _surroundings;
   const SessionOutlets& _outlets;
-  std::vector<std::string> _said;  // warnings and errors
+  std::vector<std::string> _problems;  // warnings and errors
 };
 
 }  // namespace

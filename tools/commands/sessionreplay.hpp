@@ -17,7 +17,7 @@
 namespace KV::tools
 {
 
-/// Where the replay of one session writes to.
+/// The outputs of the replay of one session.
 struct SessionOutlets
 {
   Display& display;
@@ -27,19 +27,19 @@ struct SessionOutlets
   std::function<void()> checkInterruption;  ///< called for each step; ends the replay by throwing
 };
 
-/// What became of the replay of one session.
+/// The result of the replay of one session.
 struct SessionOutcome
 {
   ExitStatus status = Success;
   bool opened = false;                    ///< there was a recording to read
-  std::vector<std::string> said;          ///< its warnings and errors
-  std::string error = {};                 ///< what ended it early, or kept it from beginning; empty if nothing did
-  FileOverview overview = {};             ///< what the table of all recordings has of it
-  session::ReportOverview report = {};    ///< what the index of all reports has of it
-  std::vector<std::string> learned = {};  ///< what was learned of the faces at rest
+  std::vector<std::string> problems;      ///< its warnings and errors
+  std::string error = {};                 ///< why it ended early or could not begin; empty if it ran to the end
+  FileOverview overview = {};             ///< the session's line in the table of all recordings
+  session::ReportOverview report = {};    ///< the session's entry in the index of all reports
+  std::vector<std::string> learned = {};  ///< the learned faces at rest
 };
 
-/// Replays one session, the clock of this thread being set to its time, and shows what the library thought.
+/// Replays one session, with the clock of this thread set to its time, and shows the library's estimates.
 SessionOutcome replaySession(const session::SessionInputs& session, const ReplayOptions& options,
                              const ReplaySurroundings& surroundings, const SessionOutlets& outlets);
 

@@ -12,7 +12,7 @@
 #include "terminal/terminal.hpp"
 #include "terminal/terminalstream.hpp"
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
@@ -102,7 +102,7 @@ void answerAll(const Arguments& arguments)
   }
 }
 
-/// Somebody who started it without an input learns what it waits for.
+/// Explains to a person who started it without an input what it waits for.
 void greet()
 {
   if (isTerminal(STDIN_FILENO))
@@ -113,7 +113,7 @@ void greet()
             "\n  Ctrl-D ends the input; 'skeigiot stream --help' describes the lines");
 }
 
-/// Ends when the input ends or when nobody reads the answers any more; neither is a failure.
+/// Ends when the input ends or when the answers have no reader any more; neither is a failure.
 ExitStatus run(const Arguments& arguments)
 {
   greet();

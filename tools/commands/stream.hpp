@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "stream"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "stream"; parsing it runs it, and sets its exit status.
 void addStreamCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

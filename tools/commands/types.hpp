@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "types"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "types"; parsing it runs it, and sets its exit status.
 void addTypesCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "watch"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "watch"; parsing it runs it, and sets its exit status.
 void addWatchCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

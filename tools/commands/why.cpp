@@ -60,7 +60,7 @@ Examples:
 constexpr double greatestTime = 4e9;  // [s]
 constexpr std::int64_t greatestPerson = 2147483647;
 
-/// Everything that the command line can say.
+/// All options of the command line.
 struct Arguments
 {
   session::SessionArguments session;
@@ -113,7 +113,7 @@ void addOptions(CLI::App& command, Arguments& arguments)
   addReadingOptions(command, arguments.reading);
 }
 
-/// \throws CLI::ValidationError for times that do not go together.
+/// \throws CLI::ValidationError for times that contradict each other.
 void checkTimes(const Arguments& arguments)
 {
   if (arguments.at && arguments.asksForSpan())
@@ -122,7 +122,7 @@ void checkTimes(const Arguments& arguments)
     throw CLI::ValidationError("--to", "the span ends before it begins");
 }
 
-/// \throws Error, CLI::ValidationError if there is not exactly one.
+/// \throws Error, CLI::ValidationError if there is not exactly one session.
 session::SessionInputs onlySession(const session::SessionArguments& arguments)
 {
   const session::SessionPlan plan = planNamedSessions(arguments);

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Adds the subcommand "why"; when it is parsed it runs, and leaves its status.
+/// Adds the subcommand "why"; parsing it runs it, and sets its exit status.
 void addWhyCommand(CLI::App& app, ExitStatus& status);
 
 }  // namespace KV::tools

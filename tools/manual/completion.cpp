@@ -87,18 +87,18 @@ bool takesFiles(CLI::App& command)
 {
   const auto options = command.get_options();
   return std::any_of(options.begin(), options.end(), [](const CLI::Option* option) {
-    return option->get_positional() && option->get_name(true) == "RECORDING";
+    return option->get_positional() && (option->get_name(true) == "RECORDING" || option->get_name(true) == "PATH");
   });
 }
 
-/// The words that the argument of the command takes; none if it takes any.
+/// The words that an argument of the command takes; empty if each takes any text.
 std::vector<std::string> wordsOfArgument(CLI::App& command)
 {
   std::vector<std::string> words;
   for (CLI::Option* const option : command.get_options())
   {
-    if (option->get_positional())
-      words = choicesOf(*option);
+    const std::vector<std::string> some = option->get_positional() ? choicesOf(*option) : std::vector<std::string>();
+    words.insert(words.end(), some.begin(), some.end());
   }
   return words;
 }
@@ -116,7 +116,7 @@ std::string fishText(const std::string& text)
   return quoted + "'";
 }
 
-/// The first sentence of a description, or the line up to what it lists.
+/// The first sentence of a description, or the line before its list.
 std::string inShort(const std::string& description)
 {
   const std::string text = description.substr(0, description.find(":\n"));
@@ -150,7 +150,7 @@ std::string fishOptions(CLI::App& command, const std::string& condition)
   return lines;
 }
 
-/// What completes the value of an option in bash.
+/// The bash code that completes the value of an option.
 std::string completionOfValue(CLI::Option& option)
 {
   const std::vector<std::string> words = choicesOf(option);
@@ -159,7 +159,7 @@ std::string completionOfValue(CLI::Option& option)
   return option.get_type_name().rfind("FILE", 0) == 0 ? "_skeigiot_files \"$word\"" : ":";
 }
 
-/// The cases of a command's options that take a value, those that are completed alike in one.
+/// The cases of a command's options with a value; options with the same completion share a case.
 std::string valueCases(CLI::App& command)
 {
   std::map<std::string, std::vector<std::string>> options;
@@ -182,13 +182,17 @@ std::string wordCases(CLI::App& app)
   for (CLI::App* command : app.get_subcommands(nullptr))
   {
     cases += "    " + command->get_name() + ")\n";
-    std::vector<std::string> offered = wordsOfArgument(*command);
+    const std::vector<std::string> arguments = wordsOfArgument(*command);
+    std::vector<std::string> offered = arguments;
     const std::vector<std::string> options = optionNames(*command);
     offered.insert(offered.end(), options.begin(), options.end());
     const std::string words = "_skeigiot_words \"$word\" \"" + joined(offered, " ") + "\"\n";
     if (takesFiles(*command))
-      cases += "      if [[ $word != -* ]]; then\n        _skeigiot_files \"$word\"\n      else\n        " + words +
-               "      fi\n";
+      cases += "      if [[ $word != -* ]]; then\n        _skeigiot_files \"$word\"\n" +
+               (arguments.empty() ? std::string()
+                                  : "        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -W \"" +
+                                        joined(arguments, " ") + "\" -- \"$word\")\n") +
+               "      else\n        " + words + "      fi\n";
     else
       cases += "      " + words;
     cases += "      ;;\n";
@@ -229,7 +233,8 @@ std::string fishCompletion(CLI::App& app)
     if (takesFiles(*command))
       text += "complete -c skeigiot -n " + fishText(inside) + " -F\n";
     if (const std::vector<std::string> words = wordsOfArgument(*command); !words.empty())
-      text += "complete -c skeigiot -n " + fishText(inside) + " -x -a " + fishText(joined(words, " ")) + "\n";
+      text += "complete -c skeigiot -n " + fishText(inside) + (takesFiles(*command) ? " -a " : " -x -a ") +
+              fishText(joined(words, " ")) + "\n";
     text += fishOptions(*command, inside);
   }
   return text;

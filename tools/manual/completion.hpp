@@ -1,6 +1,6 @@
 #pragma once
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <string>
@@ -8,10 +8,10 @@
 namespace KV::tools
 {
 
-/// Makes a script by which bash completes subcommands, options, their words, and names of files.
+/// Makes a script with which bash completes subcommands, options, their words, and names of files.
 std::string bashCompletion(CLI::App& app);
 
-/// The same for fish, with what each of them is for.
+/// The same for fish, with a description of each.
 std::string fishCompletion(CLI::App& app);
 
 }  // namespace KV::tools

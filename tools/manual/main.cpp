@@ -1,4 +1,4 @@
-// Writes the manual pages and the completion of the command, from what the command says of itself.
+// Writes the manual pages and the completion of the command from its help.
 //
 // usage: skeigiot-manual FOLDER_OF_PAGES FOLDER_OF_COMPLETION
 

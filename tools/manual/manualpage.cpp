@@ -12,7 +12,7 @@ namespace KV::tools
 namespace
 {
 
-const char* const date = "2026-11-21";  // of the last change in how pages are made
+const char* const date = "2026-11-21";  // of the last change to the generator of the pages
 
 using Options = std::vector<CLI::Option*>;
 
@@ -123,7 +123,7 @@ std::string synopsis(CLI::App& command, const std::string& name)
   return roff + "\n";
 }
 
-/// The parts of what stands below the options in the help.
+/// The parts of the text below the options in the help.
 struct Footer
 {
   std::string description;
@@ -172,7 +172,7 @@ estimate has a valence from -1 (negative) to 1 (positive) and an attention from 
 has the zone that the person looks at, and the pleasure state.
 
 Recordings are files of OpenFace, py-feat, MediaPipe FaceLandmarker and Live Link Face, bags of ROS 2, tables of single
-readings, and JSON Lines. The format is detected from the contents. Files may be compressed by gzip.)";
+readings, and JSON Lines. The format is detected from the contents. Files may be compressed by gzip or zstd.)";
 
 const char* const exitStatus =
     R"(0 for success, 2 if a recording or the command line cannot be used, 1 for any other error, such as a

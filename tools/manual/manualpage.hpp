@@ -1,6 +1,6 @@
 #pragma once
 
-// CLI11 counts on all of its headers being included in order.
+// CLI11 expects all of its headers, included in order.
 #include <CLI/CLI.hpp>
 
 #include <string>
@@ -16,7 +16,7 @@ struct ManualPage
   std::string text;  ///< in the roff of man(7)
 };
 
-/// Makes the pages of the command and of each of its subcommands from what their help says.
+/// Makes the pages of the command and of each of its subcommands from their help.
 std::vector<ManualPage> manualPages(CLI::App& app);
 
 }  // namespace KV::tools

@@ -15,7 +15,7 @@ bool isVerbatim(const std::string& line)
   return !line.empty() && line.front() == ' ';
 }
 
-/// Takes the lines from `line` on that are verbatim alike, and leaves the one behind them in `line`.
+/// Takes the consecutive lines of one kind (verbatim or not), and sets `line` to the one after them.
 std::string takeAlike(std::istream& lines, std::string& line)
 {
   const bool verbatim = isVerbatim(line);

@@ -60,8 +60,8 @@ std::string nameOf(const AgreementMeasure& measure)
   return measure.name;
 }
 
-/// One of the classes of both sides that were ever said.
-bool isSaid(const AgreementAtDelay& at, std::size_t index)
+/// One of the classes that occur on either side.
+bool occurs(const AgreementAtDelay& at, std::size_t index)
 {
   for (std::size_t other = 0; other < at.confusion.size(); ++other)
     if (at.confusion[index][other] > 0. || at.confusion[other][index] > 0.)
@@ -69,7 +69,7 @@ bool isSaid(const AgreementAtDelay& at, std::size_t index)
   return false;
 }
 
-/// The comparisons of the same quantity and sides, which follow each other.
+/// The consecutive comparisons of the same quantity and sides.
 class GroupText
 {
 public:
@@ -91,7 +91,7 @@ private:
   std::string _measures() const
   {
     TextTable table({{"person"}, {"measure"}, {"without delay", true}, {"delay", true}, {"with delay", true}});
-    const bool onePerson = _group.size() == 2;  // all persons, and that one
+    const bool onePerson = _group.size() == 2;  // all persons, and that single one
     for (std::size_t i = onePerson ? 1 : 0; i < _group.size(); ++i)
       _addRows(*_group[i], table);
     return table.text(_style);
@@ -116,22 +116,22 @@ private:
   {
     const AgreementAtDelay& at = _all.undelayed;
     std::vector<TextTable::Column> columns{{_all.first + " \\ " + _all.second}};
-    std::vector<std::size_t> said;
+    std::vector<std::size_t> occurring;
     for (std::size_t i = 0; i < _all.classes.size(); ++i)
-      if (isSaid(at, i))
+      if (occurs(at, i))
       {
-        said.push_back(i);
+        occurring.push_back(i);
         columns.push_back({_all.classes[i], true});
       }
     TextTable table(columns);
-    for (const std::size_t first : said)
+    for (const std::size_t first : occurring)
     {
       TextTable::Cells cells{_all.classes[first]};
-      for (const std::size_t second : said)
+      for (const std::size_t second : occurring)
         cells.push_back(secondsText(at.confusion[first][second]));
       table.add(cells);
     }
-    return said.empty() ? std::string() : table.text(_style);
+    return occurring.empty() ? std::string() : table.text(_style);
   }
 
   std::string _leftOut() const

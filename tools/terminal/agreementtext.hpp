@@ -10,7 +10,7 @@ namespace KV::tools
 {
 
 /// Returns the agreement for a terminal: for each two sides a table of measures of all persons and of each, the
-/// confusion table of all, and what was left out.
+/// confusion table of all, and the labels that were left out.
 std::string agreementText(const session::Agreement& agreement, const Style& style);
 
 }  // namespace KV::tools

@@ -18,7 +18,7 @@ std::string repeated(const char* cell, int count)
   return text;
 }
 
-/// How many whole cells are filled, and whether half a cell follows.
+/// The number of whole filled cells, and whether half a cell follows.
 std::pair<int, bool> filledCells(double value, int width)
 {
   if (std::isnan(value))

@@ -7,7 +7,7 @@ namespace KV::tools
 
 /// Returns a bar of `width` cells that is filled from the left in proportion to a value in [0, 1], to half a cell.
 ///
-/// A value outside is held at the nearest end; NaN is an empty bar.
+/// A value outside is clamped; NaN is an empty bar.
 std::string bar(double value, int width);
 
 /// Returns a bar of 2 * `halfWidth` + 1 cells that grows from its centre line, to the left for a negative value, in

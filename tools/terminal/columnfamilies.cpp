@@ -34,7 +34,7 @@ struct Numbered
   }
 };
 
-/// Returns the name, divided at its last number; none if it has no number, or one that is too long to count.
+/// Returns the name, divided at its last number; nothing if it has no number, or one that is too long to count.
 boost::optional<Numbered> divided(const std::string& name)
 {
   constexpr std::size_t mostDigits = 18;
@@ -76,14 +76,14 @@ std::vector<std::string> columnFamilies(const std::vector<std::string>& columns)
       families[keyOf(*numbered)].push_back(*numbered);
   }
   std::vector<std::string> texts;
-  std::set<Key> told;
+  std::set<Key> listed;
   for (const std::string& column : columns)
   {
     const auto numbered = divided(column);
     const bool isMember = numbered && families[keyOf(*numbered)].size() >= leastMembers;
     if (!isMember)
       texts.push_back(column);
-    else if (told.insert(keyOf(*numbered)).second)
+    else if (listed.insert(keyOf(*numbered)).second)
       texts.push_back(familyText(families[keyOf(*numbered)]));
   }
   return texts;

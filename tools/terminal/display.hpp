@@ -8,7 +8,7 @@
 namespace KV::tools
 {
 
-/// What is shown to people; when they have gone away, nothing is written any more.
+/// The output shown to people; once nobody reads it any more, nothing is written.
 class Display
 {
 public:
@@ -32,7 +32,7 @@ public:
 
   bool shows() const { return _shows; }
 
-  /// Tells whether people have gone away.
+  /// Returns whether the reader is gone, such as a closed pipe.
   bool closed() const { return _closed; }
 
 private:

@@ -73,7 +73,7 @@ std::vector<session::CombinedForce> eachAlone(const std::vector<session::ActedFo
   return result;
 }
 
-/// Combines repeated forces, and leaves out what did to an unsmoothed quantity just what it did to the smoothed one.
+/// Combines repeated forces, and leaves out forces on an unsmoothed quantity that equal those on the smoothed one.
 std::vector<session::CombinedForce> withoutRepetition(const std::vector<session::ActedForce>& forces)
 {
   std::vector<session::CombinedForce> result;
@@ -124,7 +124,7 @@ bool moveAlike(const std::vector<session::SourceChange>& left, const std::vector
   });
 }
 
-/// Returns the quantities whose shares are shown: an unsmoothed one only if it moved otherwise than the smoothed one.
+/// Returns the quantities whose shares are shown: an unsmoothed one only if it moved differently from the smoothed one.
 std::vector<KV::Quantity> shownQuantities(const session::Changes& changes, bool showsEach)
 {
   std::vector<KV::Quantity> quantities;

@@ -10,7 +10,7 @@
 namespace KV::tools
 {
 
-/// How an explanation is shown to people.
+/// The form in which an explanation is shown to people.
 struct ExplanationLayout
 {
   int width = 80;  ///< columns, for sentences
@@ -19,7 +19,7 @@ struct ExplanationLayout
   bool showsEach = false;  ///< every force in a row of its own, and every quantity
 };
 
-/// Returns the forces of one update in their order, and sentences on what they did.
+/// Returns the forces of one update in their order, and sentences on their effect.
 std::string explanationText(const session::Explanation& explanation, const ExplanationLayout& layout);
 
 /// Returns the share of each source in the change of each quantity, and sentences on the whole.

@@ -25,7 +25,7 @@ struct FileOverview
   double seen = unknown;       ///< mean over the persons of the share of the time in which they were seen
   double valence = unknown;    ///< mean over the persons whose valence is known
   double attention = unknown;  ///< mean over the persons whose attention is known
-  std::map<std::string, std::size_t> verdicts;  ///< on the whole recording: how many persons have which
+  std::map<std::string, std::size_t> verdicts;  ///< on the whole recording: the number of persons with each verdict
   std::size_t warnings = 0;
   bool cut = false;  ///< an error ended it early
 };

@@ -113,7 +113,7 @@ void addColumns(Lines& lines, const recordings::Columns& columns, ShownColumns w
   add(columns.ignored, " not read: ");
 }
 
-/// The content of the recording, which a reader looks for first.
+/// The content of the recording, which most readers look for first.
 void writeContents(std::ostream& stream, Lines& lines, const session::Inspection& contents)
 {
   for (const auto& [person, span] : contents.persons())

@@ -7,14 +7,14 @@
 namespace KV::tools
 {
 
-/// Which columns are named.
+/// The names of columns that are listed.
 enum class ShownColumns
 {
-  Families,  ///< those that differ only in a number as one: "eye_lmk_x_0..55"
+  Families,  ///< names that differ only in a number as one: "eye_lmk_x_0..55"
   All
 };
 
-/// Writes the report for people, in lines of that width where that can be.
+/// Writes the report for people, in lines of that width if possible.
 void writeAsText(std::ostream& stream, const session::InspectionReport& report, int width,
                  ShownColumns which = ShownColumns::Families);
 

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// How a piece of text is shown.
+/// The look of a piece of text.
 enum class Look
 {
   Plain,
@@ -30,7 +30,7 @@ using PageLine = std::vector<Span>;
 std::string cut(const std::string& text, std::size_t width);
 PageLine cut(const PageLine& line, std::size_t width);
 
-/// Cuts the text at that many columns, or fills it up with blanks behind it.
+/// Cuts the text at that many columns, or pads it with blanks at its end.
 std::string fitted(const std::string& text, std::size_t width);
 
 /// Returns how many columns the line takes.

@@ -18,11 +18,11 @@ namespace KV::tools
 namespace
 {
 
-constexpr std::size_t mostTold = 3;  // persons with a sentence each
+constexpr std::size_t mostSentences = 3;  // persons with a sentence each
 
 const char* const unknown = "unknown";
 
-/// Returns the number with its sign, without the blank that stands for no sign in a column.
+/// Returns the number with its sign, but without the blank that replaces a missing sign in a column.
 std::string signedText(double value)
 {
   const std::string text = session::signedNumber(value);
@@ -38,7 +38,7 @@ std::string verdictOn(std::int32_t person, const session::Summary& summary, cons
   return found == verdicts.end() ? unknown : found->of(person).word;
 }
 
-/// "How person 1 felt", "Person 1 was positive on the whole (valence +0.55)". A name stands before the number.
+/// "How person 1 felt", "Person 1 was positive on the whole (valence +0.55)". A name comes before the number.
 std::string sentenceOn(std::int32_t person, const session::PersonSummary& ofPerson, const std::string& verdict)
 {
   const std::string name = ofPerson.name();
@@ -102,7 +102,7 @@ std::string resultText(const session::Summary& summary, const std::string& scope
   const auto& persons = summary.persons();
   if (persons.empty())
     return "Nobody was seen in this recording.";
-  if (persons.size() > mostTold)
+  if (persons.size() > mostSentences)
     return sentenceOnMany(summary, scope);
   std::string text;
   for (const auto& [person, ofPerson] : persons)
@@ -118,7 +118,7 @@ std::string readingText(const std::vector<std::string>& description)
   };
   if (!description.empty())
     add(description[0], ":;");
-  if (description.size() == 2)  // of one input: what is read, and its times
+  if (description.size() == 2)  // of one input: its channels, and its times
     add(description[1], ",;");
   return "Read as: " + text + "; 'skeigiot inspect' says more.";
 }

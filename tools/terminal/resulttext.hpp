@@ -15,7 +15,7 @@ namespace KV::tools
 /// \pre the summary is finished.
 std::string resultText(const session::Summary& summary, const std::string& scope);
 
-/// Returns in one line how the recording was read, of what its reader says.
+/// Returns how the recording was read, in one line made from the reader's description.
 std::string readingText(const std::vector<std::string>& description);
 
 }  // namespace KV::tools

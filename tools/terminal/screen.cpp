@@ -22,7 +22,7 @@ constexpr short goodColors = 1;
 constexpr short badColors = 2;
 constexpr int greatestCharacter = 0x7f;
 
-/// Bars are made of blocks. Where the environment asks for no UTF-8 (ssh often brings none along) it is assumed.
+/// Bars are made of blocks. If the environment does not ask for UTF-8 (often so with ssh), UTF-8 is assumed.
 void speakUtf8()
 {
   std::setlocale(LC_CTYPE, "");

@@ -10,9 +10,9 @@
 namespace KV::tools
 {
 
-/// The terminal of the program's session, taken over for a page of text; given back as it was at the end.
+/// The terminal of the program's session, used for a page of text; restored at the end.
 ///
-/// Standard input and output are left alone. Make one at most.
+/// Standard input and output are not used. Make at most one.
 class Screen
 {
 public:
@@ -22,10 +22,10 @@ public:
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
 
-  /// Returns the next key that was pressed. Takes in a new size of the terminal, which counts as a key.
+  /// Returns the next key that was pressed. A new size of the terminal is applied, and counts as a key.
   Key key();
 
-  /// What to wait on for keys.
+  /// The descriptor to wait on for keys.
   int fileDescriptor() const;
 
   std::size_t width() const;
@@ -40,7 +40,7 @@ private:
   };
 
   std::unique_ptr<std::FILE, Close> _terminal;
-  void* _screen;  // SCREEN of curses, whose header claims many common names
+  void* _screen;  // SCREEN of curses, whose header defines many common names
   bool _colors;
 };
 

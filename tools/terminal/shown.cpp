@@ -19,8 +19,8 @@ struct Range
   char32_t last;
 };
 
-/// Characters of Unicode 15 of the categories Cc, Cf, Zl and Zp, and those without width that programs may ignore; but
-/// not the selectors that choose how the character before them looks.
+/// Characters of Unicode 15 of the categories Cc, Cf, Zl and Zp, and those without width that programs may ignore;
+/// except the selectors that choose the look of the character before them.
 constexpr std::array<Range, 26> hidden = {
     {{0x0, 0x1f},        {0x7f, 0x9f},       {0xad, 0xad},       {0x34f, 0x34f},     {0x600, 0x605},
      {0x61c, 0x61c},     {0x6dd, 0x6dd},     {0x70f, 0x70f},     {0x890, 0x891},     {0x8e2, 0x8e2},
@@ -41,7 +41,7 @@ unsigned byteAt(std::string_view text, std::size_t index)
   return static_cast<unsigned char>(text[index]);
 }
 
-/// Reads the first character of a text that is not empty; returns it with how many bytes it takes, 0 if they are no
+/// Reads the first character of a text that is not empty; returns it with its number of bytes, 0 if they are not
 /// UTF-8.
 std::pair<char32_t, std::size_t> firstCharacter(std::string_view text)
 {
@@ -105,7 +105,7 @@ void appendEscape(std::string& text, char32_t character)
   appendHex(text, "\\u%04x", static_cast<unsigned>(0xdc00 + ((character - plane) & 0x3ffU)));
 }
 
-/// Takes the first character of the text, and appends it as it is shown.
+/// Removes the first character of the text, and appends it in its safe form.
 void take(std::string_view& text, std::string& shown)
 {
   const auto [character, length] = firstCharacter(text);
@@ -118,14 +118,14 @@ void take(std::string_view& text, std::string& shown)
   text.remove_prefix(std::max<std::size_t>(length, 1));
 }
 
-/// How many bytes at the beginning are plain, and need no closer look.
+/// The number of bytes at the beginning that are plain, and need no further check.
 std::size_t plainLength(std::string_view text)
 {
   const auto isPlain = [](char character) { return character >= ' ' && character < '\x7f'; };
   return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
 }
 
-/// How many bytes at the beginning are a line end, or a mark of Style or ProgressLine; 0 if they are none.
+/// The length of a line end, or of a mark of Style or ProgressLine, at the beginning; 0 without one.
 std::size_t markLength(std::string_view page)
 {
   constexpr std::string_view erasesLine = "\r\033[K";

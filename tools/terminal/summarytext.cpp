@@ -29,7 +29,7 @@ std::string labelled(const std::string& label, const std::string& text, const St
 
 using Shares = std::vector<std::pair<std::string, double>>;
 
-/// "at the robot 80 %, down 20 %": the largest first, without those that never were.
+/// "at the robot 80 %, down 20 %": the largest first, without those of 0 %.
 std::string listed(Shares shares)
 {
   std::stable_sort(shares.begin(), shares.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
@@ -99,7 +99,7 @@ std::string coloredVerdict(const std::string& text, const std::string& word, con
   return text;
 }
 
-/// Where the scope lies, and what there is to say of its end.
+/// The times of the scope, and how it ended.
 std::string circumstances(const session::ScopeVerdict& verdict, std::size_t updates)
 {
   const std::string from = session::clockText(verdict.from);

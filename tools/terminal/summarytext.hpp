@@ -10,11 +10,11 @@
 namespace KV::tools
 {
 
-/// Returns the summary of one person among all as lines for people to read, of at most that many columns where that
-/// can be.
+/// Returns the summary of one person among all as lines for people to read, of at most that many columns if
+/// possible.
 std::string summaryText(const session::Summary& all, std::int32_t person, int width, const Style& style);
 
-/// Returns what was said of the ambiance of the room; nothing if it was not recorded.
+/// Returns the text on the ambiance of the room; nothing if it was not recorded.
 std::string ambianceText(const session::Summary::Ambiance& ambiance, const Style& style);
 
 }  // namespace KV::tools

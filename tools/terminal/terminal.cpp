@@ -27,8 +27,8 @@ bool isTerminal(int fileDescriptor)
 int terminalWidth(int fileDescriptor, int otherwise)
 {
   winsize size{};
-  const bool told = isTerminal(fileDescriptor) && ioctl(fileDescriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-  return told ? size.ws_col : otherwise;
+  const bool isKnown = isTerminal(fileDescriptor) && ioctl(fileDescriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return isKnown ? size.ws_col : otherwise;
 }
 
 bool useColors(ColorChoice choice, int fileDescriptor)

@@ -15,15 +15,15 @@ enum class ColorChoice
 
 bool isTerminal(int fileDescriptor);
 
-/// Returns how many columns the terminal has; `otherwise` if it is none or does not say.
+/// Returns how many columns the terminal has; `otherwise` if there is no terminal, or its width is unknown.
 int terminalWidth(int fileDescriptor, int otherwise);
 
-/// Decides whether what is written there is coloured.
+/// Decides whether the output to that stream is coloured.
 bool useColors(ColorChoice choice, int fileDescriptor);
 
-/// Marks text for a terminal, or leaves it as it is.
+/// Marks text for a terminal, or leaves it unchanged.
 ///
-/// Mark a text after it was brought to its width: the marks take none, but count as characters.
+/// Mark a text after it was padded to its width: the marks take no columns, but count as characters.
 class Style
 {
 public:

@@ -17,7 +17,7 @@ namespace
 
 constexpr std::size_t mostWaiting = 1 << 16;
 
-/// Tells whether the text is the beginning of a mark of Style or ProgressLine, without its end.
+/// Returns whether the text is the beginning of a mark of Style or ProgressLine, without its end.
 bool beginsMark(std::string_view text)
 {
   constexpr std::string_view erasesLine = "\r\033[K";
@@ -30,7 +30,7 @@ bool beginsMark(std::string_view text)
          std::all_of(number.begin(), number.end(), isDigit);
 }
 
-/// Tells whether the text, of a few bytes, is the beginning of a character, without its end.
+/// Returns whether the text, of a few bytes, is the beginning of a character, without its end.
 bool beginsCharacter(std::string_view text)
 {
   const auto first = static_cast<unsigned char>(text.front());
@@ -38,7 +38,7 @@ bool beginsCharacter(std::string_view text)
   return text.size() < length;
 }
 
-/// How many bytes at the end are to wait for those that follow.
+/// The number of bytes at the end that wait for the following ones.
 std::size_t incompleteLength(std::string_view text)
 {
   constexpr std::size_t longest = 4;
@@ -88,7 +88,7 @@ StandardOutput::StandardOutput()
   : std::ostream(nullptr), _output(STDOUT_FILENO, "standard output"), _buffer(*_output.rdbuf())
 {
   rdbuf(&_buffer);
-  exceptions(std::ios::badbit);  // an exception of the output then passes through the stream as it is
+  exceptions(std::ios::badbit);  // so that an exception of the output passes through the stream unchanged
 }
 
 ShownErrors::ShownErrors() : _before(std::cerr.rdbuf()), _buffer(*_before)

@@ -9,7 +9,7 @@
 namespace KV::tools
 {
 
-/// Passes text on to another buffer by shownPage(), so that nothing that came from outside can steer the terminal.
+/// Passes text on to another buffer by shownPage(), so that no text from outside can steer the terminal.
 ///
 /// An incomplete character at the end waits for the rest of it.
 class TerminalBuffer : public std::streambuf
@@ -30,7 +30,7 @@ private:
   std::string _waiting;
 };
 
-/// Standard output, which throws session::WriteError where it cannot be written; flush() at the end.
+/// Standard output, which throws session::WriteError if it cannot be written; flush() at the end.
 class StandardOutput : public std::ostream
 {
 public:
@@ -41,7 +41,7 @@ private:
   TerminalBuffer _buffer;
 };
 
-/// While it lives, all that is written to std::cerr passes through a TerminalBuffer. Make one at most.
+/// While it lives, all text for std::cerr passes through a TerminalBuffer. Make at most one.
 class ShownErrors
 {
 public:

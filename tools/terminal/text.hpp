@@ -7,13 +7,13 @@ namespace KV::tools
 {
 
 /// Breaks the text at blanks so that each line takes at most that many columns, lines after the first with their
-/// indentation. A word that is longer stays whole. What came from outside is shown as by shown().
+/// indentation. A longer word stays whole. Text from outside is shown as by shown().
 std::string wrapped(const std::string& text, std::size_t width, std::size_t indentation);
 
-/// Returns how many columns the UTF-8 text takes in a terminal, each character being one column wide.
+/// Returns how many columns the UTF-8 text takes in a terminal, if each character is one column wide.
 std::size_t displayWidth(const std::string& text);
 
-/// Fills the text with blanks up to that width, behind or before it; a wider text stays whole.
+/// Pads the text with blanks to that width, after or before it; a wider text stays whole.
 std::string padRight(const std::string& text, std::size_t width);
 std::string padLeft(const std::string& text, std::size_t width);
 

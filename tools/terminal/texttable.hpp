@@ -10,27 +10,27 @@
 namespace KV::tools
 {
 
-/// A table of text whose columns are as wide as what is in them.
+/// A table of text whose columns are as wide as their content.
 class TextTable
 {
 public:
   struct Column
   {
     std::string header;
-    bool isNumber = false;  ///< set to the right
-    bool wraps = false;     ///< takes several lines where the table would be too wide; one column at most
+    bool isNumber = false;  ///< aligned to the right
+    bool wraps = false;     ///< takes several lines if the table would be too wide; at most one column
   };
   using Cells = std::vector<std::string>;
 
   explicit TextTable(std::vector<Column> columns);
 
-  /// Adds a row, whose cells may hold what came from outside.
+  /// Adds a row, whose cells may hold text from outside.
   ///
   /// \pre there is a cell for each column.
   void add(Cells cells);
 
-  /// Returns the header and the rows, each with a line break, in lines of that width where the column that wraps can
-  /// make them so.
+  /// Returns the header and the rows, each with a line break, in lines of that width if wrapping the column is
+  /// enough.
   std::string text(const Style& style, std::size_t width = std::numeric_limits<std::size_t>::max()) const;
 
 private:

@@ -33,15 +33,15 @@ constexpr int barsAtLeast = 11;  // so that their headers fit
 const std::string gap = "  ";
 const std::string unknown = "unknown";
 
-/// What adapts to the recording and to the terminal.
+/// The parts that adapt to the recording and to the terminal.
 struct Layout
 {
   int decimals;        ///< of the seconds in the time
   int time;            ///< width of the time
   int valenceHalf;     ///< width of the valence bar to each side of its centre line
   int attention;       ///< width of the attention bar
-  bool showsPleasure;  ///< there is room for it
-  bool showsEase;      ///< there is room for it, besides what the body language saw
+  bool showsPleasure;  ///< it has room
+  bool showsEase;      ///< it has room, besides the body language
 };
 
 int decimalsFor(session::Duration step)
@@ -163,7 +163,7 @@ std::string zoneCell(const session::TimelineRow& row, const Style& style)
   return row.seen() ? padRight(zoneWords(row.zone()), zoneWidth) : style.yellow(padRight("not visible", zoneWidth));
 }
 
-/// What the body language saw, and what it counts as: "head up, uneasy".
+/// The posture seen by the body language, and its meaning: "head up, uneasy".
 std::string bodyText(const session::TimelineRow& row, const Layout& layout)
 {
   if (!(row.ease().confidence > 0.f))
@@ -195,7 +195,7 @@ std::string line(const session::TimelineRow& row, const Layout& layout, const St
       bodyCell(row, layout, style));
 }
 
-/// Tells whether the numbers look the same in a bar, or both are unknown.
+/// Returns whether the numbers look the same in a bar, or both are unknown.
 bool lookAlike(double left, double right)
 {
   constexpr double noticed = 0.025;
@@ -211,7 +211,7 @@ bool lookAlike(const session::TimelineRow& left, const session::TimelineRow& rig
          bodyText(left, layout) == bodyText(right, layout);
 }
 
-/// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if none did.
+/// "valence: touch +0.98, body language -0.11", with the three that moved it most; empty if nothing moved it.
 std::string strongestSources(const session::Changes& changes, KV::Quantity quantity)
 {
   constexpr std::size_t most = 3;
@@ -228,7 +228,7 @@ std::string strongestSources(const session::Changes& changes, KV::Quantity quant
   return text;
 }
 
-/// What moved the row most, with a line break; empty if it is not known, or nothing did.
+/// The causes of the row's change, with a line break; empty if they are unknown, or nothing changed.
 std::string explanation(const session::Changes& changes, const Layout& layout, int width, const Style& style)
 {
   const std::string valence = strongestSources(changes, KV::ValenceQuantity);
@@ -241,7 +241,7 @@ std::string explanation(const session::Changes& changes, const Layout& layout, i
          style.dim(wrapped(text, static_cast<std::size_t>(width) - indentation, indentation)) + "\n";
 }
 
-/// Writes rows, and in place of several that look like the one before them a line that says so.
+/// Writes rows; one line replaces several rows that look like the one before them.
 class Table
 {
 public:
@@ -258,7 +258,7 @@ public:
       if (_rows[i].from() > next)
         table += _remark(next, "no updates until " + _timeOf(_rows[i].from()));
       table += line(_rows[i], _layout, _style) + "\n" + _explanationOf(i);
-      const std::size_t alike = _countAlikeBehind(i);
+      const std::size_t alike = _countSimilarAfter(i);
       if (alike >= leastFolded)
         table += _remark(_rows[i + 1].from(), "the same until " + _timeOf(_rows[i + alike].from() + _step));
       i += alike >= leastFolded ? alike + 1 : 1;
@@ -279,8 +279,8 @@ private:
 
   std::string _explanationOf(std::size_t i) const { return explanation(_rows[i].changes(), _layout, _width, _style); }
 
-  /// How many rows follow without a gap that look like this one; none where there is more to say of a row.
-  std::size_t _countAlikeBehind(std::size_t first) const
+  /// The number of rows that follow without a gap and look like this one; 0 if a row has causes to show.
+  std::size_t _countSimilarAfter(std::size_t first) const
   {
     std::size_t i = first;
     while (i + 1 < _rows.size() && _rows[i + 1].from() == _rows[i].from() + _step &&

@@ -11,15 +11,15 @@
 namespace KV::tools
 {
 
-constexpr int narrowestTable = 80;  ///< columns; in less, the bars would say nothing
+constexpr int narrowestTable = 80;  ///< columns; in fewer, the bars would show nothing
 constexpr int widestTable = 100;    ///< columns; in more, the bars would only be longer
 
 /// Returns the rows of one person as a table with a header, at most `width` columns wide.
 ///
-/// Below a row whose changes are known stand the sources that moved valence and attention most. Several rows that look
-/// like the one before them become one line that says so.
+/// The sources that moved valence and attention most are below each row whose changes are known. Several rows that look
+/// like the one before them become one line.
 ///
-/// \pre `width` is narrowestTable at least.
+/// \pre `width` is at least narrowestTable.
 std::string timelineTable(const std::vector<session::TimelineRow>& rows, session::Duration step, int width,
                           const Style& style);
 

@@ -19,7 +19,7 @@ struct Member
   std::string name;
   const ko::TypeInterface* type;
 
-  /// Returns the struct that the member is, or null.
+  /// Returns the struct type of the member, or null.
   const ko::StructTypeInterface* asStruct() const
   {
     const bool isStruct = type && type->kind() == ko::TypeKind::Struct;

@@ -8,7 +8,7 @@
 namespace KV::tools
 {
 
-/// Whether the members of members are listed as well, down to what has none.
+/// Whether the members of members are listed as well, at all depths.
 enum class Nested
 {
   No,

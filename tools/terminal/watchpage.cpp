@@ -27,7 +27,7 @@ constexpr std::size_t longestPerson = 18;
 /// How many columns the parts of a row take.
 struct Widths
 {
-  std::size_t from;  ///< how many columns the terminal has at least
+  std::size_t from;  ///< the least number of columns of the terminal
   int valenceHalf;
   int attention;
   std::size_t history;  ///< a divisor of 60; 0 without a history
@@ -86,7 +86,7 @@ std::string historyOf(const session::History& history, session::TimePoint now, c
   return widths.history == 0 ? "" : " " + session::sparkline(history.means(now, widths.history), least, 1.);
 }
 
-/// Returns as many whole parts of a list, the first at least, as there is room for.
+/// Returns as many whole parts of a list as fit, but at least the first.
 std::string partsWithin(const std::string& list, std::size_t room)
 {
   if (displayWidth(list) <= room)
@@ -142,6 +142,8 @@ std::string textOf(const InputStatus& status)
 {
   if (status.name.empty())
     return session::counted(status.lines, "line") + (status.ended ? ", the input has ended" : "");
+  if (status.isBus)
+    return session::counted(status.lines, "message") + ": " + shown(status.name);
   std::string speed = session::plainNumber(status.speed);
   speed.erase(speed.find_last_not_of('0') + 1);
   speed.erase(speed.find_last_not_of('.') + 1);
@@ -162,11 +164,13 @@ PageLine errorLine(const InputStatus& status)
 {
   if (status.refused == 0)
     return {};
-  const std::string what = status.name.empty() ? " refused" : " skipped";
-  return {{session::counted(status.refused, "line") + what + ", the last: " + shown(status.lastError), Look::Bad}};
+  const std::string what = status.name.empty() || status.isBus ? " refused" : " skipped";
+  return {{session::counted(status.refused, status.isBus ? "message" : "line") + what +
+               ", the last: " + shown(status.lastError),
+           Look::Bad}};
 }
 
-/// Says what keys do, and how many rows there is no room for.
+/// Describes the keys, and the number of rows that do not fit.
 PageLine keysLine(std::size_t above, std::size_t below)
 {
   std::string text = "q quits, ? helps";
@@ -177,8 +181,10 @@ PageLine keysLine(std::size_t above, std::size_t below)
   return {{text, Look::Faint}};
 }
 
-std::vector<PageLine> waitingText()
+std::vector<PageLine> waitingText(const InputStatus& status)
 {
+  if (status.isBus)
+    return {{{"Waiting for the first message about a person", Look::Plain}}};
   return {{{"Waiting for the first line on standard input: a step of a recording as JSON, such as", Look::Plain}},
           {{R"(  {"person":1,"observation":{"gaze":{"yaw":0,"pitch":0},"smile":{"value":1,"confidence":1}}})",
             Look::Plain}},
@@ -192,7 +198,7 @@ std::vector<PageLine> helpText()
        {"page up, page down", "choose a person a page further"},
        {"home, end", "choose the first or the last person, as do g and G"},
        {"enter", "show or hide the forces and readings of the chosen person"},
-       {"space", "pause, or go on; lines are taken in meanwhile"},
+       {"space", "pause, or go on; input is taken in meanwhile"},
        {"?", "show or hide this help, as does h"},
        {"q", "quit"}}};
   static constexpr std::array<std::pair<const char*, const char*>, 5> columns = {
@@ -211,7 +217,7 @@ std::vector<PageLine> helpText()
   return lines;
 }
 
-/// The pane about the chosen person, which takes no more than half of the room, or what the rows leave.
+/// The pane about the chosen person: at most half of the room, or the room that the rows leave.
 std::vector<PageLine> paneOf(const WatchContents& contents, const WatchView& view, std::size_t width,
                              std::size_t height)
 {
@@ -266,9 +272,9 @@ std::vector<PageLine> watchPage(const WatchContents& contents, WatchView& view, 
   std::vector<PageLine> page{statusLine(contents, view)};
   if (view.showsHelp())
     append(page, helpText());
-  else if (status.name.empty() && status.lines == 0 && !status.ended)
+  else if ((status.name.empty() || status.isBus) && status.lines == 0 && !status.ended)
   {
-    append(page, waitingText());
+    append(page, waitingText(status));
     page.push_back(keysLine(0, 0));
   }
   else

@@ -15,16 +15,17 @@ namespace KV::tools
 /// The state of the input.
 struct InputStatus
 {
-  std::string name;              ///< of the recording that is played; empty for standard input
+  std::string name;              ///< of the recording that is played, or of the bus; empty for standard input
   double speed = 1.;             ///< of the recording
-  session::Duration reached{0};  ///< how much of the recording was played
-  std::size_t lines = 0;         ///< lines of standard input, or steps of the recording
+  session::Duration reached{0};  ///< which part of the recording was played
+  std::size_t lines = 0;         ///< lines of standard input, steps of the recording, or messages
   std::size_t refused = 0;       ///< how many of them could not be used
-  std::string lastError;         ///< of the last one that could not be used; empty if all could
+  std::string lastError;         ///< the reason for the last of them; empty if all could be used
   bool ended = false;
+  bool isBus = false;  ///< messages come in from other programs; nothing is played
 };
 
-/// What the page shows.
+/// The content of the page.
 struct WatchContents
 {
   const PersonRows& rows;
@@ -32,8 +33,8 @@ struct WatchContents
   session::TimePoint now;
 };
 
-/// Returns the page that shows all persons, for a terminal of that size; there are `height` lines at most, and none is
-/// wider than `width` columns. The view learns how many rows there is room for.
+/// Returns the page that shows all persons, for a terminal of that size: at most `height` lines of at most `width`
+/// columns. It sets in the view how many rows fit.
 std::vector<PageLine> watchPage(const WatchContents& contents, WatchView& view, std::size_t width, std::size_t height);
 
 }  // namespace KV::tools

@@ -110,7 +110,7 @@ std::string textOf(Number number)
   return text.data();
 }
 
-/// "0.80 (0.90)": with the confidence, which is not told apart by a name.
+/// "0.80 (0.90)": with the confidence in brackets.
 template <typename Value>
 std::string withConfidence(const Value& value)
 {
@@ -171,10 +171,10 @@ std::vector<ReadingText> readingsOf(const KV::PersonObservation& observation, se
 {
   std::vector<ReadingText> texts;
   KV::forEachReading([&](const auto& reading) {
-    const auto& told = reading.in(observation);
-    if (told)
-      texts.push_back({reading.name, readingText(told->value),
-                       session::clockText(std::max(session::Duration(0), session::Duration(now - told->time)))});
+    const auto& latest = reading.in(observation);
+    if (latest)
+      texts.push_back({reading.name, readingText(latest->value),
+                       session::clockText(std::max(session::Duration(0), session::Duration(now - latest->time)))});
   });
   return texts;
 }

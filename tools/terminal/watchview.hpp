@@ -13,7 +13,7 @@ namespace KV::tools
 
 using PersonRows = std::map<std::int32_t, session::PersonRow>;
 
-/// What a key of `watch` asks for.
+/// The request of a key in `watch`.
 enum class Key
 {
   None,  ///< no key was pressed
@@ -30,14 +30,14 @@ enum class Key
   Other  ///< a key without a meaning, or another size of the terminal
 };
 
-/// Returns what a key that writes a character asks for.
+/// Returns the request of a key that writes a character.
 Key keyOf(char character);
 
-/// What the user of `watch` has chosen to see. Knows no terminal.
+/// The choices of the user of `watch`. Does not depend on a terminal.
 class WatchView
 {
 public:
-  /// Does what the key asks for, beside these rows.
+  /// Does the request of the key; the rows are those on the page.
   void press(Key key, const PersonRows& rows);
 
   bool quits() const { return _quits; }
@@ -45,11 +45,11 @@ public:
   bool showsHelp() const { return _showsHelp; }
   bool showsPane() const { return _showsPane; }
 
-  /// Returns the row of the chosen person: of the first, if none was chosen; of the next one, if the chosen one has no
-  /// row any more; the end if there are no rows.
+  /// Returns the row of the chosen person: of the first, if nobody was chosen; of the next one, if the chosen one has
+  /// no row any more; the end if there are no rows.
   PersonRows::const_iterator chosen(const PersonRows& rows) const;
 
-  /// Returns how many rows to leave out above, so that the chosen one is among the `room` rows that are shown.
+  /// Returns how many rows to leave out at the top, so that the chosen one is among the `room` rows that are shown.
   std::size_t scroll(const PersonRows& rows, std::size_t room);
 
 private:

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// Returns where somebody looks, in the words of the page: "at the robot", "down right", "no zone" for Unknown.
+/// Returns the direction of a person's look, in the page's words: "at the robot", "down right", "no zone" for Unknown.
 ///
 /// Left and right are the person's own.
 std::string zoneWords(ko::human::AttentionState zone);

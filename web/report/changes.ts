@@ -1,10 +1,10 @@
-// What pulled a quantity, as bars that are stacked upwards and downwards, one for each short stretch of time.
+// The causes of changes of a quantity, as bars that are stacked upwards and downwards, one for each short time span.
 
 import uPlot from "uplot";
-import { ChartOptions, font, timeAxis, valueAxis } from "../shared/chartgroup";
+import { ChartOptions, timeAxis, valueAxis } from "../shared/chartgroup";
 import { Change, Person } from "./data";
 import { plain } from "../shared/text";
-import { cssColor, fillOf, Look } from "../shared/theme";
+import { cssColor, fillOf, font, Look } from "../shared/theme";
 
 /** How much of the scale is shown beyond its last label. */
 const margin = 1.04;
@@ -15,7 +15,7 @@ export interface Bins {
   distances: number[][];
 }
 
-/** Averages changes in bins of equal length; what a moment says counts where the moment is. */
+/** Averages changes in bins of equal length; the changes of a moment count in the bin of its time. */
 export function binned({ time, updates }: Person, changes: Change[], from: number, to: number, count: number): Bins {
   const length = (to - from) / count;
   const bins: Bins = {
@@ -34,7 +34,7 @@ export function binned({ time, updates }: Person, changes: Change[], from: numbe
   return bins;
 }
 
-/** Stacks what is above zero and what is below it; the last of the series lies nearest to zero. */
+/** Stacks the values above zero and those below it; the last of the series is nearest to zero. */
 export function stacked({ times, distances }: Bins): uPlot.AlignedData {
   const up = new Array<number>(times.length).fill(0);
   const down = new Array<number>(times.length).fill(0);
@@ -55,7 +55,7 @@ export function byStrength(changes: Change[]): Change[] {
     .map(({ change }) => change);
 }
 
-/** The scale goes from -limit to limit, whatever the bars are. */
+/** The scale goes from -limit to limit, for all bars. */
 export function changeOptions(looks: Look[], limit: number, isTimeLabelled: boolean): ChartOptions {
   const bars = uPlot.paths.bars?.({ size: [0.92, Infinity], align: 0 });
   const series = looks.flatMap((look): uPlot.Series[] => {
@@ -78,7 +78,7 @@ function labelsUpTo(limit: number): Map<number, string> {
   return new Map(values.map((value) => [value, value > 0 ? `+${value}` : String(value).replace("-", "−")]));
 }
 
-/** Marks bars that go beyond the scale, and says how far the furthest of those side by side go. */
+/** Marks bars that go beyond the scale, with the greatest value of neighbouring ones. */
 function markBeyond(chart: uPlot, limit: number): void {
   const [times, ...series] = chart.data as unknown as [number[], ...(number | null)[][]];
   for (const sign of [1, -1]) {

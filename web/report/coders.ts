@@ -1,4 +1,4 @@
-// What coders said, beside the estimate: ribbons of states and labels, and lines of values.
+// The labels of coders, beside the estimate: ribbons of states and labels, and lines of values.
 
 import uPlot from "uplot";
 import { LabelLine, LabelRibbon, nearest, Person } from "./data";
@@ -6,7 +6,7 @@ import { element } from "../shared/dom";
 import { Lane, Segment } from "../shared/ribbons";
 import { plain, signed, zoneWord } from "../shared/text";
 import { cssColor, lineSwatch } from "../shared/theme";
-import { pleasureLook, zoneLook } from "./statelooks";
+import { pleasureLook, zoneLook } from "../shared/statelooks";
 
 const lineLooks: { color: string; dash: number[] }[] = [
   { color: "source-3", dash: [6, 3] },
@@ -15,7 +15,7 @@ const lineLooks: { color: string; dash: number[] }[] = [
   { color: "source-7", dash: [4, 4] },
 ];
 
-/** Returns how the state that a coder told is drawn: as the estimate's, if it is one of those. */
+/** Returns how a coder's state is drawn: like the estimate's, if it is one of those. */
 function lookOf(quantity: string, text: string): Pick<Segment, "look" | "texts"> {
   if (text === "contradiction") return { look: { color: cssColor("hidden"), hatch: "cross" }, texts: [text, "✕"] };
   if (quantity === "pleasure") return pleasureLook(text);
@@ -30,10 +30,10 @@ function lookOf(quantity: string, text: string): Pick<Segment, "look" | "texts">
   return { look: { color: cssColor("scope"), hatch: "solid" }, texts: [text] };
 }
 
-/** What is told in the ribbon: "pleasure", the tier, or "labels". */
+/** The name of the ribbon: "pleasure", the tier, or "labels". */
 const subject = ({ quantity, tier }: LabelRibbon) => quantity || tier || "labels";
 
-/** Labels that overlap, or have no duration, lie in lanes below each other. */
+/** Labels that overlap, or have no duration, are in lanes below each other. */
 function lanesOf(ribbon: LabelRibbon, length: number): Lane[] {
   const shortest = length / 500;
   const lanes: Lane[] = [];
@@ -51,18 +51,18 @@ export function coderLanes({ labels }: Person, length: number): Lane[] {
   return labels.ribbons.flatMap((ribbon) => lanesOf(ribbon, length));
 }
 
-/** Returns a sentence that names what each coder told; null if nobody told anything. */
+/** Returns a sentence that names the labels of each coder; null if there are no labels. */
 export function codersNote({ labels }: Person): string | null {
-  const told = new Map<string, string[]>();
-  for (const ribbon of labels.ribbons) told.set(ribbon.coder, [...(told.get(ribbon.coder) ?? []), subject(ribbon)]);
-  if (told.size === 0) return null;
-  const parts = [...told].map(([coder, subjects]) => `${coder}: ${[...new Set(subjects)].join(", ")}`);
+  const ofCoder = new Map<string, string[]>();
+  for (const ribbon of labels.ribbons) ofCoder.set(ribbon.coder, [...(ofCoder.get(ribbon.coder) ?? []), subject(ribbon)]);
+  if (ofCoder.size === 0) return null;
+  const parts = [...ofCoder].map(([coder, subjects]) => `${coder}: ${[...new Set(subjects)].join(", ")}`);
   return `Labels of coders, in the order of their ribbons. ${parts.join("; ")}.`;
 }
 
 const linesOf = ({ labels }: Person, quantity: string) => labels.lines.filter((line) => line.quantity === quantity);
 
-/** Returns a legend of the lines that coders gave to this quantity; null if there are none. */
+/** Returns a legend of the coders' lines for this quantity; null if there are no lines. */
 export function coderLegend(person: Person, quantity: string): HTMLElement | null {
   const lines = linesOf(person, quantity);
   if (lines.length === 0) return null;
@@ -99,14 +99,14 @@ function drawLine(chart: uPlot, { time, value }: LabelLine, number: number): voi
   context.restore();
 }
 
-/** Draws the lines that coders gave to this quantity over the chart of the estimate. */
+/** Draws the coders' lines for this quantity over the chart of the estimate. */
 export function coderLines(person: Person, quantity: string): uPlot.Plugin[] {
   const lines = linesOf(person, quantity);
   if (lines.length === 0) return [];
   return [{ hooks: { draw: (chart) => lines.forEach((line, number) => drawLine(chart, line, number)) } }];
 }
 
-/** Returns the value of the line at that time; NaN where there is none. */
+/** Returns the value of the line at that time; NaN without a value. */
 export function valueAt({ time, value }: LabelLine, at: number): number {
   if (time.length === 0 || at < time[0] || at > time[time.length - 1]) return NaN;
   let next = nearest(time, at);
@@ -116,20 +116,20 @@ export function valueAt({ time, value }: LabelLine, at: number): number {
   return value[before] + ((at - time[before]) / (time[next] - time[before])) * (value[next] - value[before]);
 }
 
-/** Returns what coders say at that time, by "coder, what". */
+/** Returns the coders' labels at that time, by "coder, what". */
 export function codersAt({ labels }: Person, time: number): { name: string; text: string }[] {
-  const said: { name: string; text: string }[] = [];
+  const entries: { name: string; text: string }[] = [];
   for (const ribbon of labels.ribbons) {
     const { from, to, texts, quantity } = ribbon;
     const words = texts.filter((_, i) => from[i] <= time && (time < to[i] || from[i] === to[i])).map((text) =>
       quantity === "zone" ? zoneWord(text) : text,
     );
-    if (words.length > 0) said.push({ name: `${ribbon.coder}, ${subject(ribbon)}`, text: words.join(", ") });
+    if (words.length > 0) entries.push({ name: `${ribbon.coder}, ${subject(ribbon)}`, text: words.join(", ") });
   }
   for (const line of labels.lines) {
     const value = valueAt(line, time);
     const text = line.quantity === "valence" ? signed(value) : plain(value);
-    if (!Number.isNaN(value)) said.push({ name: `${line.coder}, ${line.quantity}`, text });
+    if (!Number.isNaN(value)) entries.push({ name: `${line.coder}, ${line.quantity}`, text });
   }
-  return said;
+  return entries;
 }

@@ -7,7 +7,7 @@ import { element, table } from "../shared/dom";
 import { clock, percent, plain, signed } from "../shared/text";
 import { cssColor, lineSwatch } from "../shared/theme";
 
-/** So many persons have a colour each; of more, only the selected one has. */
+/** At most so many persons have a colour each; of more, only the selected one has. */
 const mostColors = 8;
 const dashes: number[][] = [[], [7, 3], [2, 3], [9, 3, 2, 3], [4, 4], [1, 2], [12, 4], [5, 2, 1, 2]];
 
@@ -103,7 +103,7 @@ export function addComparison(
   const { persons } = recording;
   if (persons.length < 2) return null;
   const chosen = persons.indexOf(selected);
-  // Who is selected is drawn last, over the others.
+  // The selected person is drawn last, over the others.
   const order = persons.map((_, number) => number).filter((number) => number !== chosen);
   order.push(chosen);
   const card = element("div", { class: "card long", id: "comparison" });

@@ -1,4 +1,6 @@
-// The data of a recording, as the command leaves it in the page.
+// The data of a recording, in the form in which the command writes them into the page.
+
+import { Force, quantities } from "../shared/forces";
 
 type Base64 = string;
 
@@ -24,7 +26,7 @@ interface RawPerson {
   forces: Record<"ends" | "source" | "quantity" | "target" | "weight" | "before" | "after", Base64>;
 }
 
-/** How the page came about. */
+/** The origin of the page. */
 export interface Origin {
   files: { path: string; bytes: number | null; format: string }[];
   readAs: string[];
@@ -55,13 +57,13 @@ interface Facts {
   stretch: number;
   zoneNames: string[];
   pleasureNames: string[];
-  /** As the library tells them. */
+  /** In the words of the library. */
   sources: string[];
   /** In plain words, in the same order. */
   sourceNames: string[];
   boundaries: { option: string; description: string; value: number }[];
   scopes: Scope[];
-  /** What was learned of faces at rest, a line each. */
+  /** The learned faces at rest, a line each. */
   learned: string[];
   /** Where a video is, relative to the page, and when in the recording it begins [s]. */
   video: { address: string; offset: number } | null;
@@ -73,7 +75,7 @@ interface RawRecording extends Facts {
   persons: RawPerson[];
 }
 
-/** The means and "engaged" are null where the estimate was never known. */
+/** The means and "engaged" are null if the estimate was never known. */
 export interface PersonSummary {
   from: number;
   to: number;
@@ -89,21 +91,23 @@ export interface PersonSummary {
   pleasures: Record<string, number>;
 }
 
+export interface Verdict {
+  verdict: string;
+  updates: number;
+}
+
 export interface Scope {
   name: string;
   from: number;
   to: number;
   end: string;
-  persons: { id: number; verdict: string; updates: number }[];
+  /** Those with an update in the scope. */
+  persons: (Verdict & { id: number })[];
 }
 
-export interface Force {
-  source: string;
-  quantity: string;
-  target: number;
-  weight: number;
-  before: number;
-  after: number;
+/** Returns the verdict on a person; of a person without an update in the scope, nothing is known. */
+export function verdictIn({ persons }: Scope, person: number): Verdict {
+  return persons.find(({ id }) => id === person) ?? { verdict: "unknown", updates: 0 };
 }
 
 /** How far one source moved a quantity, up to each moment since the one before it. */
@@ -132,7 +136,7 @@ export interface LabelLine {
 
 export interface Person {
   id: number;
-  /** As the recording calls the person; empty if it has numbers only. */
+  /** The person's name in the recording; empty if it has numbers only. */
   name: string;
   summary: PersonSummary;
   time: Float64Array;
@@ -144,7 +148,7 @@ export interface Person {
   zone: Uint8Array;
   pleasure: Uint8Array;
   seen: Uint8Array;
-  /** 0 where nothing told of the estimate so far: its number means nothing then. */
+  /** 0 if the estimate was unknown so far: then its number has no meaning. */
   valenceKnown: Uint8Array;
   attentionKnown: Uint8Array;
   inputs: Map<string, Float32Array>;
@@ -162,15 +166,6 @@ export interface Recording extends Facts {
   persons: Person[];
 }
 
-export const quantities = [
-  "valence",
-  "unsmoothed valence",
-  "valence confidence",
-  "unsmoothed valence confidence",
-  "attention",
-  "attention confidence",
-];
-
 function buffer(text: Base64): ArrayBuffer {
   const binary = atob(text);
   const bytes = new Uint8Array(binary.length);
@@ -187,7 +182,7 @@ function changes(raw: Record<string, Base64>, sources: string[]): Change[] {
   return Object.entries(raw).map(([source, text]) => ({ source: sources[Number(source)], distances: floats(text) }));
 }
 
-/** Forces are the bulk of the data: they are unpacked when somebody asks for them. */
+/** Forces are the bulk of the data: they are unpacked only when they are needed. */
 function forceReader(raw: RawPerson["forces"], sources: string[]): (moment: number) => Force[] {
   const unpack = () => ({
     ends: counts(raw.ends),
@@ -287,7 +282,7 @@ export function personName({ id, name }: Person): string {
 
 /**
  * Returns the moment in which valence or attention changed most in one update, as `skeigiot why` chooses it. A change from
- * what was not known is less than any other.
+ * an unknown estimate counts less than any other.
  */
 export function greatestChange(person: Person): number {
   const { time, updates, valence, valenceConfidence, attention, attentionConfidence } = person;

@@ -3,7 +3,7 @@
 import { element } from "../shared/dom";
 import { clock } from "../shared/text";
 
-/** Times that are nearer than this are the same [s]. */
+/** Times that differ by less than this are equal [s]. */
 const sameTime = 0.02;
 
 export class Film {
@@ -12,7 +12,7 @@ export class Film {
   private wanted: number | null = null;
   private placed: number | null = null;
 
-  /** `moved` is called with the time of the recording that the video shows, where the video was moved or plays. */
+  /** `moved` is called with the time of the recording that the video shows, when the video is moved or plays. */
   constructor(
     target: HTMLElement,
     private readonly source: { address: string; offset: number },
@@ -54,7 +54,7 @@ export class Film {
     video.currentTime = place;
   }
 
-  /** The video seeks because we said so, or because somebody moved its own slider. */
+  /** The video seeks because we asked it to, or because a person moved its own slider. */
   private seeking(): void {
     const isOurs = this.placed !== null && Math.abs(this.video.currentTime - this.placed) < sameTime;
     this.placed = null;

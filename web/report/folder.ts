@@ -1,11 +1,10 @@
-// The page that leads to the reports of a folder of recordings, with a small picture of each person.
+// The page with links to the reports of a folder of recordings, with a small picture of each person.
 
 import { element } from "../shared/dom";
+import { Curve, curvePath, svg } from "../shared/smallpicture";
 import { clock, counted, percent, plain, signed } from "../shared/text";
 
-type Curve = (number | null)[];
-
-/** A number is null where it is not known. */
+/** A number is null if it is not known. */
 interface FolderPerson {
   id: number;
   name: string;
@@ -35,35 +34,6 @@ export function readFolder(text: string): FolderRecording[] | null {
   return text.startsWith('{"recordings":') ? (JSON.parse(text).recordings as FolderRecording[]) : null;
 }
 
-function svg<Tag extends keyof SVGElementTagNameMap>(
-  tag: Tag,
-  attributes: Record<string, string>,
-  ...children: Node[]
-): SVGElementTagNameMap[Tag] {
-  const node = document.createElementNS("http://www.w3.org/2000/svg", tag);
-  for (const [name, value] of Object.entries(attributes)) node.setAttribute(name, value);
-  node.append(...children);
-  return node;
-}
-
-/** Returns the path of a curve with a gap where nothing is known. */
-function pathOf(curve: Curve, least: number): string {
-  let path = "";
-  let isOpen = false;
-  curve.forEach((value, i) => {
-    if (value === null) {
-      isOpen = false;
-      return;
-    }
-    const x = ((i + 0.5) / curve.length) * width;
-    const y = 2 + ((1 - value) / (1 - least)) * (height - 4);
-    path += `${isOpen ? "L" : "M"}${x.toFixed(1)} ${y.toFixed(1)}`;
-    if (!isOpen) path += "h0.01"; // a single point is seen as well
-    isOpen = true;
-  });
-  return path;
-}
-
 /** Draws a quantity over the whole recording, from `least` to 1. */
 function picture(curve: Curve, least: number, kind: "valence" | "attention", label: string): Node {
   if (curve.every((value) => value === null)) return element("span", { class: "note" }, "no data");
@@ -72,7 +42,7 @@ function picture(curve: Curve, least: number, kind: "valence" | "attention", lab
     "svg",
     { class: "small", viewBox: `0 0 ${width} ${height}`, role: "img", "aria-label": label },
     svg("line", { class: "zero", x1: "0", x2: String(width), y1: zero, y2: zero }),
-    svg("path", { class: kind, d: pathOf(curve, least) }),
+    svg("path", { class: kind, d: curvePath(curve, least, { x: 0, y: 2, width, height: height - 4 }) }),
   );
 }
 

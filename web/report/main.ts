@@ -1,16 +1,16 @@
-// Puts the page together, and lets it be used with mouse and keyboard.
+// Composes the page, and handles mouse and keyboard.
 
 import { ChartGroup, ChartGroupEvents } from "../shared/chartgroup";
 import { greatestChange, nearest, Person, personName, readRecording } from "./data";
 import { byId, element } from "../shared/dom";
 import { readFolder, showFolder } from "./folder";
 import { showNothingPinned, showPinned, showReadout } from "./momentview";
-import { figureOf } from "./figure";
+import { figureOf } from "../shared/figure";
 import { Film } from "./film";
 import { addRoom, baseTitle, captionOf, personFacts, showHeader, showRecording } from "./overview";
 import { PersonTabs } from "./persons";
 import { barsIn, PersonView } from "./personview";
-import { fileName, FileKind, savePng, saveText } from "./save";
+import { fileName, FileKind, savePng, saveText } from "../shared/save";
 import { csvOf, FigureName } from "./tables";
 
 const cardPadding = 30;
@@ -138,8 +138,8 @@ class Page {
     });
   }
 
-  /** Saves what the figure shows now: its person, its span of time, and the moment that is pinned. */
-  private save(figure: FigureName, kind: FileKind): void {
+  /** Saves the present figure: its person, its time span, and the moment that is pinned. */
+  private async save(figure: FigureName, kind: FileKind): Promise<void> {
     const { person, group, recording } = this;
     if (!person || !group) return;
     const caption = captionOf(recording, person, group);
@@ -154,7 +154,7 @@ class Page {
       return card ? figureOf(card, paper, paperWidth, caption) : "";
     });
     if (kind === "SVG") saveText(svg, "image/svg+xml", name);
-    else savePng(svg, name);
+    else await savePng(svg, name);
   }
 
   /** Draws all charts on paper, beside the page, for as long as `use` runs. */
@@ -171,7 +171,7 @@ class Page {
       paper.to = this.group?.to ?? this.recording.length;
       paper.markPinned(this.pinnedTime());
       if (this.person) this.viewIn(this.person, paper, estimates, details);
-      addRoom(details, this.recording, paper, () => {});
+      addRoom(details, this.recording, paper, async () => {});
       return use(paper, cards);
     } finally {
       paper.destroy();
@@ -190,7 +190,7 @@ class Page {
     this.view?.rangeChanged();
   }
 
-  /** A video that plays leads the cursor. */
+  /** A video that plays moves the cursor. */
   private hovered(time: number): void {
     if (!this.film?.isPlaying) this.moveTo(time);
   }

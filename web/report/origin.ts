@@ -1,4 +1,4 @@
-// What is said of how the page came about: files, way of reading, warnings, options, version and date.
+// The origin of the page: files, way of reading, warnings, options, version and date.
 
 import { Origin, Recording } from "./data";
 import { element } from "../shared/dom";

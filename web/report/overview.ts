@@ -1,14 +1,14 @@
-// What is said of the recording as a whole.
+// The text about the recording as a whole.
 
 import { ChartGroup, measuringAxis, timeAxis } from "../shared/chartgroup";
-import { Person, personName, Recording, Scope } from "./data";
-import { element, table } from "../shared/dom";
+import { Person, personName, Recording, Scope, verdictIn } from "./data";
+import { element, facts, table } from "../shared/dom";
 import { makerText, originCard } from "./origin";
 import { clock, counted, percent, plain, signed, valenceWord } from "../shared/text";
 import { cssColor } from "../shared/theme";
-import { addSaveButtons, FileKind } from "./save";
+import { addSaveButtons, FileKind } from "../shared/save";
 
-/** Returns what a figure is of: file, person, span, options and version. */
+/** Returns the subject of a figure: file, person, time span, options and version. */
 export function captionOf(recording: Recording, person: Person, { from, to }: { from: number; to: number }): string[] {
   const { inputs, length, origin } = recording;
   const whole = from <= 0 && to >= length;
@@ -21,14 +21,6 @@ export function captionOf(recording: Recording, person: Person, { from, to }: { 
 
 export function baseTitle({ inputs }: Recording): string {
   return inputs.map(baseName).join("+");
-}
-
-function facts(entries: [string, string][]): HTMLElement {
-  return element(
-    "dl",
-    { class: "facts" },
-    ...entries.map(([name, value]) => element("div", {}, element("dt", {}, name), element("dd", {}, value))),
-  );
 }
 
 function baseName(path: string): string {
@@ -62,7 +54,7 @@ export function showHeader(target: HTMLElement, recording: Recording): void {
   );
 }
 
-/** An estimate that was never known is no number. */
+/** An estimate that was never known is not a number. */
 function ifKnown(value: number | null, text: (known: number) => string): string {
   return value === null ? "unknown" : text(value);
 }
@@ -90,12 +82,12 @@ function scopeTime({ end, from, to }: Scope): string {
   return `${clock(from)} to ${clock(to)}${ending ? `, ${ending}` : ""}`;
 }
 
-function verdictOf({ persons }: Scope, { id }: Person): string {
-  const found = persons.find((one) => one.id === id);
-  return found ? `${found.verdict} (${counted(found.updates, "update")})` : "";
+function verdictOf(scope: Scope, person: Person): string {
+  const { verdict, updates } = verdictIn(scope, person.id);
+  return `${verdict} (${counted(updates, "update")})`;
 }
 
-/** The longer of both lists goes down the table, the other across. */
+/** The longer of both lists is in the rows of the table, the other in the columns. */
 function scopesCard({ persons, scopes }: Recording): HTMLElement {
   const byScope = persons.length <= Math.max(4, scopes.length);
   const headings = byScope
@@ -133,7 +125,7 @@ export function addRoom(
   target: HTMLElement,
   { ambiance }: Recording,
   group: ChartGroup,
-  save: (kind: FileKind) => void,
+  save: (kind: FileKind) => Promise<void>,
 ): void {
   if (ambiance.time.length === 0) return;
   const chart = element("div", { class: "chart" });

@@ -24,7 +24,7 @@ export class PersonTabs {
     private readonly select: (number: number) => void,
   ) {}
 
-  /** Shows a tab for each person, this one being selected. */
+  /** Shows a tab for each person, with this one selected. */
   show(selected: Person | undefined): void {
     const { persons } = this.recording;
     const hadFocus = this.hasFocus();

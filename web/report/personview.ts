@@ -2,7 +2,8 @@
 
 import uPlot from "uplot";
 import { ChartGroup, ChartOptions, gapsBeyond, measuringAxis, timeAxis, valueAxis, withoutNaN } from "../shared/chartgroup";
-import { Change, Person, Recording, sourceName } from "./data";
+import { attentionOptions, valenceOptions, withBand } from "../shared/bands";
+import { Change, Person, Recording, sourceName, verdictIn } from "./data";
 import { element } from "../shared/dom";
 import { binned, byStrength, changeOptions, stacked } from "./changes";
 import { addComparison } from "./comparison";
@@ -10,12 +11,12 @@ import { Lane, Mark, ribbonOptions, segmentsOf } from "../shared/ribbons";
 import { signed } from "../shared/text";
 import { cssColor, Look, swatch, lineSwatch } from "../shared/theme";
 import { coderLanes, coderLegend, coderLines, codersNote } from "./coders";
-import { addSaveButtons, FileKind } from "./save";
-import { sourceLook } from "./sources";
-import { pleasureLook, zoneLook } from "./statelooks";
+import { addSaveButtons, FileKind } from "../shared/save";
+import { sourceLook } from "../shared/sources";
+import { pleasureLook, zoneLook } from "../shared/statelooks";
 import { FigureName } from "./tables";
 
-/** An update says what holds until the next one, for so long at most [s]. */
+/** The result of an update counts until the next one, but at most for so long [s]. */
 const longestHold = 1;
 const pixelsPerBar = 7;
 
@@ -89,10 +90,10 @@ const inputCharts: InputChart[] = [
   },
 ];
 
-/** What can be done in the charts of a person. */
+/** The actions in the charts of a person. */
 export interface ViewActions {
   select(number: number): void;
-  save(figure: FigureName, kind: FileKind): void;
+  save(figure: FigureName, kind: FileKind): Promise<void>;
 }
 
 export class PersonView {
@@ -129,13 +130,13 @@ export class PersonView {
     const first = this.block(card);
     this.heading(first, "Valence", "from -1 (negative) to 1 (positive); a wide band is a low confidence");
     this.addLegend(first, "valence");
-    const valences = this.withBand(person.valence, person.valenceConfidence, person.valenceKnown, -1);
-    this.chart(first, this.valenceOptions(), valences);
+    const valences = withBand(person.time, person.valence, person.valenceConfidence, person.valenceKnown, -1);
+    this.chart(first, valenceOptions(this.longest, coderLines(person, "valence")), valences);
     const second = this.block(card);
     this.heading(second, "Attention", "how much the person attends to the robot, from 0 to 1; a wide band is a low confidence");
     this.addLegend(second, "attention");
-    const attentions = this.withBand(person.attention, person.attentionConfidence, person.attentionKnown, 0);
-    this.chart(second, this.attentionOptions(), attentions);
+    const attentions = withBand(person.time, person.attention, person.attentionConfidence, person.attentionKnown, 0);
+    this.chart(second, attentionOptions(this.longest, coderLines(person, "attention")), attentions);
     this.chart(second, ribbonOptions(this.stateLanes(), true), [person.time, person.valence]);
     second.append(
       element(
@@ -152,7 +153,7 @@ export class PersonView {
     const lanes = coderLanes(this.person, this.recording.length);
     if (lanes.length === 0) return;
     const block = this.block(card);
-    block.append(element("h3", {}, "What coders said"));
+    block.append(element("h3", {}, "Labels of coders"));
     this.chart(block, ribbonOptions(lanes, true), [this.person.time, this.person.valence]);
     block.append(element("p", { class: "note", id: "coders" }, codersNote(this.person) ?? ""));
   }
@@ -223,7 +224,7 @@ export class PersonView {
     this.addChangesOf("attention", "up is towards the robot", attentionChanges, 0.1, true);
   }
 
-  /** The scale is the same in all reports, so that bars can be compared; what goes beyond `limit` is marked. */
+  /** The scale is the same in all reports, so that bars can be compared; bars beyond `limit` are marked. */
   private addChangesOf(
     quantity: "valence" | "attention",
     hint: string,
@@ -261,52 +262,6 @@ export class PersonView {
     );
   }
 
-  private valenceOptions(): ChartOptions {
-    const labels = new Map([
-      [-1, "negative"],
-      [-0.5, "−0.5"],
-      [0, "neutral"],
-      [0.5, "+0.5"],
-      [1, "positive"],
-    ]);
-    return this.bandOptions(190, [-1, 1], labels, "valence");
-  }
-
-  private attentionOptions(): ChartOptions {
-    const labels = new Map([
-      [0, "0"],
-      [0.5, "0.5"],
-      [1, "1"],
-    ]);
-    return this.bandOptions(140, [0, 1], labels, "attention");
-  }
-
-  private bandOptions(height: number, range: [number, number], labels: Map<number, string>, color: string): ChartOptions {
-    const gaps = gapsBeyond(this.longest);
-    const edge: uPlot.Series = { stroke: "transparent", width: 0, points: { show: false }, gaps };
-    return {
-      height,
-      scales: { y: { range: [range[0] - 0.03, range[1] + 0.03] } },
-      axes: [timeAxis(false), valueAxis(labels)],
-      plugins: coderLines(this.person, color),
-      bands: [{ series: [1, 2], fill: `${cssColor(color)}38` }],
-      series: [{}, edge, { ...edge }, { stroke: cssColor(color), width: 2, gaps, points: { show: false } }],
-    };
-  }
-
-  /** Returns the values with the upper and the lower edge of their band; where nothing is known there is no value. */
-  private withBand(values: Float32Array, confidences: Float32Array, known: Uint8Array, least: number): uPlot.AlignedData {
-    const half = (i: number) => (1 - confidences[i]) / 2;
-    const ifKnown = (of: (i: number) => number) =>
-      Array.from(values, (_, i) => (known[i] ? of(i) : null));
-    return [
-      this.person.time,
-      ifKnown((i) => Math.min(1, values[i] + half(i))),
-      ifKnown((i) => Math.max(least, values[i] - half(i))),
-      ifKnown((i) => values[i]),
-    ];
-  }
-
   private stateLanes(): Lane[] {
     const { person, recording } = this;
     const segments = (stateAt: (moment: number) => number, lookOf: Parameters<typeof segmentsOf>[3]) =>
@@ -330,13 +285,13 @@ export class PersonView {
     ];
   }
 
-  /** Scopes that overlap lie in lanes below each other. */
+  /** Scopes that overlap are in lanes below each other. */
   private scopeLanes(): Lane[] {
     const lanes: Lane[] = [];
     for (const scope of this.recording.scopes) {
       const isWhole = scope.from <= 0 && scope.to >= this.recording.length;
       if (isWhole || scope.to <= scope.from) continue;
-      const verdict = scope.persons.find(({ id }) => id === this.person.id)?.verdict ?? "";
+      const verdict = verdictIn(scope, this.person.id).verdict;
       const segment = {
         from: scope.from,
         to: scope.to,
@@ -407,7 +362,7 @@ export class PersonView {
   }
 }
 
-/** Tells whether there is no number in any series: axes alone would look like a line at 0 that is missed. */
+/** Returns whether no series has a number: axes alone would look like a line at 0 that is missed. */
 function hasNoData([, ...series]: uPlot.AlignedData): boolean {
   return series.length > 0 && series.every((values) => Array.from(values).every((value) => value === null));
 }

@@ -1,17 +1,11 @@
-// What a card shows, as a table of comma-separated values.
+// The content of a card, as a table of comma-separated values.
 
+import { Cell, csvText, Table } from "../shared/csv";
 import { binned } from "./changes";
 import { valueAt } from "./coders";
 import { Change, Person, personName, Recording, sourceName } from "./data";
 
 export type FigureName = "estimates" | "comparison" | "inputs" | "valence-pulls" | "attention-pulls" | "room";
-
-type Cell = string | number | null;
-
-interface Table {
-  header: string[];
-  rows: Cell[][];
-}
 
 /** The span of time that is shown [s]. */
 export interface Span {
@@ -19,25 +13,10 @@ export interface Span {
   to: number;
 }
 
-/** Returns the number with as few digits as single precision needs. */
-function shortest(value: number): string {
-  for (let digits = 6; digits <= 9; ++digits) {
-    const text = String(Number(value.toPrecision(digits)));
-    if (Math.fround(Number(text)) === value) return text;
-  }
-  return String(value);
-}
-
-function cell(value: Cell): string {
-  if (value === null || (typeof value === "number" && Number.isNaN(value))) return "";
-  const text = typeof value === "number" && Math.fround(value) === value ? shortest(value) : String(value);
-  return /[",\n\r]/.test(text) ? `"${text.replace(/"/g, '""')}"` : text;
-}
-
 const momentsIn = ({ time }: Person, { from, to }: Span) =>
   Array.from(time.keys()).filter((moment) => time[moment] >= from && time[moment] <= to);
 
-/** Where nothing is known there is no value. */
+/** An unknown value is empty. */
 const known = (values: Float32Array, isKnown: Uint8Array, i: number) => (isKnown[i] ? values[i] : null);
 
 function estimates(recording: Recording, person: Person, span: Span): Table {
@@ -125,7 +104,5 @@ export function csvOf(
   bars: number,
   caption: string[],
 ): string {
-  const { header, rows } = tableOf(name, recording, person, span, bars);
-  const lines = [header, ...rows].map((row) => row.map(cell).join(","));
-  return [...caption.map((line) => `# ${line.replace(/[\r\n]+/g, " ")}`), ...lines].join("\n") + "\n";
+  return csvText(tableOf(name, recording, person, span, bars), caption);
 }

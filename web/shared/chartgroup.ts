@@ -3,11 +3,11 @@
 import uPlot from "uplot";
 import { drawnAsSvg, SvgContext } from "./svgcontext";
 import { clock } from "./text";
-import { cssColor } from "./theme";
+import { cssColor, font } from "./theme";
 
 export type ChartOptions = Omit<uPlot.Options, "width">;
 
-/** Width of the labels left and right of each plot, alike everywhere so that times lie above each other. */
+/** Width of the labels left and right of each plot, equal everywhere so that equal times are above each other. */
 export const axisWidth = 60;
 const rightMargin = 12;
 
@@ -54,12 +54,12 @@ export class ChartGroup {
     return chart;
   }
 
-  /** Returns what the chart in that element shows, if the group is for paper: SVG of the element's size. */
+  /** Returns the chart in that element, if the group is for paper: SVG of the element's size. */
   drawing(target: HTMLElement): SvgContext | undefined {
     return this.drawings.get(target);
   }
 
-  /** Shows the drawings in place of the canvases, if the group is for paper: lines and letters stay sharp there. */
+  /** Shows the drawings instead of the canvases, if the group is for paper: lines and letters stay sharp there. */
   placeDrawings(): void {
     for (const [target, drawing] of this.drawings) {
       const { width, height } = drawing.canvas;
@@ -90,24 +90,29 @@ export class ChartGroup {
     for (const chart of this.charts) this.placeCursor(chart);
   }
 
-  /** Marks a time in all charts, or none. */
+  /** Marks a time in all charts, or removes the mark. */
   markPinned(time: number | null): void {
     this.pinned = time;
     if (this.isForPaper) return; // charts on paper are drawn once
     for (const chart of this.charts) chart.redraw(false);
   }
 
-  /** Shows range and cursor again in a chart that was given other data. */
+  /** Shows range and cursor again in a chart with new data. */
   refresh(chart: uPlot): void {
     this.setRangeOf(chart);
     this.placeCursor(chart);
+  }
+
+  /** Shows the range in a chart with new data; the cursor stays at the mouse. */
+  setRange(chart: uPlot): void {
+    this.setRangeOf(chart);
   }
 
   resize(width: number): void {
     if (width === this.width || this.isForPaper) return;
     this.width = width;
     for (const chart of this.charts) {
-      chart.batch(() => chart.setSize({ width, height: chart.height })); // at once: the cursor is placed by its scales
+      chart.batch(() => chart.setSize({ width, height: chart.height })); // at once: the cursor needs the scales
       this.placeCursor(chart);
     }
   }
@@ -238,10 +243,6 @@ export function measuringAxis(unit: string): uPlot.Axis {
     space: 26,
     values: (_, splits) => splits.map((split) => `${String(split).replace("-", "−")}${unit}`),
   };
-}
-
-export function font(size = 11): string {
-  return `${size}px system-ui, "DejaVu Sans", sans-serif`;
 }
 
 type Gaps = NonNullable<uPlot.Series["gaps"]>;

@@ -1,4 +1,4 @@
-// Elements whose texts are texts: nothing of a recording is ever read as markup.
+// Elements whose texts are texts: no part of a recording is ever read as markup.
 
 type Child = Node | string | null;
 
@@ -35,5 +35,14 @@ export function table(caption: string, headings: string[], rows: Child[][], nume
       {},
       ...rows.map((row) => element("tr", {}, ...row.map((cell, column) => element("td", kind(column), cell)))),
     ),
+  );
+}
+
+/** Returns a list of names and their values. */
+export function facts(entries: [string, string][]): HTMLElement {
+  return element(
+    "dl",
+    { class: "facts" },
+    ...entries.map(([name, value]) => element("div", {}, element("dt", {}, name), element("dd", {}, value))),
   );
 }

@@ -1,15 +1,15 @@
-// Ribbons: lanes in which a state holds from one time to another, or in which something happens at a time. Drawn by a
-// plugin of uPlot, with names and patterns, so that they need no colours to be read.
+// Ribbons: lanes in which a state lasts from one time to another, or an event happens at a time. Drawn by a plugin of
+// uPlot, with names and patterns, so that they can be read without colours.
 
 import uPlot from "uplot";
-import { axisWidth, ChartOptions, font, timeAxis } from "./chartgroup";
-import { cssColor, fillOf, Look } from "./theme";
+import { axisWidth, ChartOptions, timeAxis } from "./chartgroup";
+import { cssColor, fillOf, font, Look, shortened } from "./theme";
 
 export interface Segment {
   from: number;
   to: number;
   look: Look;
-  /** Drawn where there is room for it; the first one that fits. */
+  /** Drawn if there is room for it; the first one that fits. */
   texts: string[];
 }
 
@@ -27,7 +27,7 @@ export interface Lane {
 export const laneHeight = 22;
 const laneGap = 5;
 
-/** Joins the moments that have the same state; what a moment says holds until the next one, `longest` at most. */
+/** Joins the moments with the same state; the state of a moment lasts until the next one, at most for `longest`. */
 export function segmentsOf(
   times: Float64Array,
   longest: number,
@@ -91,14 +91,6 @@ function drawLane(chart: uPlot, context: CanvasRenderingContext2D, lane: Lane, t
     const room = Math.min(toLast, toNext);
     drawText(context, texts, x, top + height / 2, Math.max(room, 14 * devicePixelRatio));
   });
-}
-
-/** Returns as much of the text as there is room for. */
-function shortened(context: CanvasRenderingContext2D, text: string, room: number): string {
-  if (context.measureText(text).width <= room) return text;
-  let letters = [...text];
-  while (letters.length > 1 && context.measureText(`${letters.join("")}…`).width > room) letters = letters.slice(0, -1);
-  return `${letters.join("")}…`;
 }
 
 /** Draws the lanes below each other, and their names at the left. */

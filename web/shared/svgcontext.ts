@@ -1,6 +1,6 @@
-// A context that writes SVG instead of pixels. It knows as much of a canvas as uPlot and our own drawings use.
+// A context that writes SVG instead of pixels. It has those parts of a canvas that uPlot and our own drawings use.
 //
-// Of the packages that do this, none takes paths as objects of their own (Path2D), which is how uPlot draws its lines.
+// The packages for this have no paths as objects of their own (Path2D), with which uPlot draws its lines.
 
 import { lookOfPattern, patternTile } from "./theme";
 
@@ -12,7 +12,7 @@ const number = (value: number) => String(Math.round(value * 100) / 100);
 
 let lastId = 0;
 
-/** Stands in for Path2D: its commands can be read. */
+/** Replaces Path2D: its commands can be read. */
 export class RecordedPath {
   data = "";
 
@@ -94,7 +94,7 @@ export class SvgContext {
     this.canvas = { width, height };
   }
 
-  /** Returns what was drawn, as content of an SVG element. */
+  /** Returns the drawing, as content of an SVG element. */
   content(): string {
     return `<defs>${this.definitions.join("")}</defs>${this.parts.join("")}`;
   }
@@ -122,7 +122,7 @@ export class SvgContext {
     this.scaling = [this.scaling[0] * x, this.scaling[1] * y];
   }
 
-  /** What is turned is not drawn: no chart of ours has labels along its side. */
+  /** Rotated texts are not drawn: no chart of ours has labels along its side. */
   rotate(): void {}
 
   setLineDash(dash: number[]): void {
@@ -209,7 +209,7 @@ export class SvgContext {
     return x !== 0 || y !== 0 ? ` transform="translate(${number(x)} ${number(y)})"` : "";
   }
 
-  /** Returns the attributes of a colour or pattern; empty if nothing would be seen. */
+  /** Returns the attributes of a colour or pattern; empty if it is invisible. */
   private paint(attribute: "fill" | "stroke", style: Style): string {
     const opaque = (color: string, opacity: number) =>
       ` ${attribute}="${color}"${opacity < 1 ? ` ${attribute}-opacity="${number(opacity)}"` : ""}`;
@@ -240,7 +240,7 @@ export class SvgContext {
   }
 }
 
-/** Makes something that draws on a canvas draw here; `make` has to draw before it returns. */
+/** Lets a function that draws on a canvas draw here; `make` has to draw before it returns. */
 export function drawnAsSvg(context: SvgContext, make: () => void): void {
   const { Path2D: path } = globalThis;
   try {

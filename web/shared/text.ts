@@ -1,4 +1,4 @@
-// How numbers and names read.
+// Numbers and names for people.
 
 export function clock(seconds: number, decimals = 1): string {
   const scale = 10 ** decimals;
@@ -21,7 +21,7 @@ export function plain(value: number, decimals = 2): string {
   return value.toFixed(decimals).replace("-", "−");
 }
 
-/** Returns both numbers with as few decimals, three or more, as they need to differ; null if they are equal. */
+/** Returns both numbers with as few decimals as they need to differ, at least three; null if they are equal. */
 export function apart(
   left: number,
   right: number,

@@ -1,5 +1,5 @@
-// Colours come from the style sheet, so that light, dark and print have one place. They are told apart by people who do
-// not see all colours; where areas lie side by side they have patterns as well.
+// Colours come from the style sheet, so that light, dark and print are defined in one place. People who do not see all
+// colours can distinguish them; where areas are side by side they have patterns as well.
 
 export type Hatch = "solid" | "rising" | "falling" | "dots" | "cross" | "rows" | "columns" | "waves";
 
@@ -12,6 +12,10 @@ export interface Look {
 
 export function cssColor(name: string): string {
   return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
+}
+
+export function font(size = 11): string {
+  return `${size}px system-ui, "DejaVu Sans", sans-serif`;
 }
 
 /** Returns one of 64 looks; the first eight have colours of their own. */
@@ -60,12 +64,12 @@ export function patternTile({ color, hatch }: Look): Tile {
 
 const looksOfPatterns = new WeakMap<object, Look>();
 
-/** Returns the look that the pattern was made of by fillOf(). */
+/** Returns the look from which fillOf() made the pattern. */
 export function lookOfPattern(pattern: CanvasPattern | CanvasGradient): Look | undefined {
   return looksOfPatterns.get(pattern);
 }
 
-/** Returns what an area is filled with: a colour, with a pattern of the page's background on it. */
+/** Returns the fill of an area: a colour, with a pattern of the page's background on it. */
 export function fillOf(look: Look): string | CanvasPattern {
   if (look.hatch === "solid") return look.color;
   const { size, draw } = patternTile(look);
@@ -87,7 +91,7 @@ interface Picture {
 
 const pictures = new WeakMap<Element, Picture>();
 
-/** Returns how the small picture is drawn, so that it can be drawn elsewhere as well. */
+/** Returns how the small picture is drawn, so that other code can draw it as well. */
 export function pictureOf(node: Element): Picture | undefined {
   return pictures.get(node);
 }
@@ -124,4 +128,18 @@ export function lineSwatch(color: string, dash: number[] = []): HTMLElement {
     context.lineTo(26, 5);
     context.stroke();
   });
+}
+
+/** Returns the text, or as much of its beginning as fits the room, with an ellipsis. */
+export function shortened(context: CanvasRenderingContext2D, text: string, room: number): string {
+  if (context.measureText(text).width <= room) return text;
+  const letters = [...text];
+  const beginning = (count: number) => `${letters.slice(0, count).join("")}…`;
+  let [fits, tooMany] = [1, letters.length]; // at least one letter is left
+  while (tooMany - fits > 1) {
+    const middle = Math.floor((fits + tooMany) / 2);
+    if (context.measureText(beginning(middle)).width <= room) fits = middle;
+    else tooMany = middle;
+  }
+  return beginning(fits);
 }

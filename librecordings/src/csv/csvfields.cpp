@@ -15,7 +15,7 @@ bool isBlank(char character)
   return character == ' ' || character == '\t';
 }
 
-/// Writes fields one after the other, in the order of the commas that end them.
+/// Writes fields one after the other, in the order of the commas after them.
 class FieldWriter
 {
 public:
@@ -34,7 +34,7 @@ public:
   }
 
 private:
-  const char* _begin;  // of the field that comes next
+  const char* _begin;  // of the next field
   std::string_view* _next;
 };
 
@@ -53,7 +53,7 @@ __m128i blockAt(const char* first)
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));  // NOLINT: the intrinsic wants that type
 }
 
-/// Returns -1 in each byte where the character is, else 0.
+/// Returns -1 in each byte that holds the character, else 0.
 __m128i whereIs(char character, __m128i block)
 {
   return _mm_cmpeq_epi8(block, _mm_set1_epi8(character));
@@ -76,7 +76,7 @@ std::size_t sumOf(__m128i bytes)
 
 }  // namespace
 
-// Both look at each character alone: a field has a blank or two, and a search for one of a set costs more than that.
+// Both loops compare each character alone: a field has a blank or two, and a search for a set of characters is slower.
 
 void skipBlanks(std::string_view& text)
 {

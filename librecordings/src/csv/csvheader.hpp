@@ -14,7 +14,7 @@
 namespace KV::recordings
 {
 
-/// Columns that are there only if all of them are.
+/// A group of columns, which is used only if all of them are there.
 template <std::size_t Count>
 using ColumnGroup = std::optional<std::array<std::size_t, Count>>;
 
@@ -24,7 +24,7 @@ class CsvHeader
 public:
   /// Takes the first row of the file.
   ///
-  /// \throws Error if a column for which `isRead` says true is there twice.
+  /// \throws Error if a column for which `isRead` returns true is there twice.
   CsvHeader(const std::vector<std::string_view>& fields, const Error::Place& place,
             bool (*isRead)(const std::string& name));
 
@@ -34,7 +34,7 @@ public:
   bool has(const std::string& name) const { return _indices.count(name) > 0; }
   std::optional<std::size_t> find(const std::string& name) const;
 
-  /// Returns which of the columns were found so far, that is, are read.
+  /// Returns which columns were found so far; these are read.
   Columns columns() const;
 
   /// Returns the columns with these names.
@@ -65,11 +65,11 @@ private:
 /// Returns the first line of a file that is not empty, from its first bytes.
 std::string_view headerLineOf(const std::string& head);
 
-/// Returns the names in a line between any of these delimiters, without quotes and spaces around them; as many as a row
-/// may have.
+/// Returns the names in a line between any of these delimiters, without quotes and spaces around them; at most as many
+/// as a row may have.
 std::vector<std::string> namesIn(std::string_view line, std::string_view delimiters);
 
-/// Refuses a header of one column that other delimiters than commas would split into several that `isRead` knows.
+/// Refuses a header of one column if another delimiter than a comma splits it into several columns that `isRead` knows.
 ///
 /// \throws Error that names the delimiter.
 void refuseOtherDelimiters(const std::vector<std::string_view>& header, const Error::Place& place,

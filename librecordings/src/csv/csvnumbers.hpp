@@ -13,15 +13,15 @@
 namespace KV::recordings
 {
 
-/// The fields of the row that a file stands on, as numbers.
+/// The fields of the present row of a file, as numbers.
 class CsvNumbers
 {
 public:
-  /// `names` are those of the columns, for messages.
+  /// `names` are the names of the columns, for messages.
   CsvNumbers(const CsvRows& rows, const std::vector<std::string>& names) : _rows(rows), _names(names) {}
 
-  /// Returns the number in this column; NaN if the field is empty, says that there is none, or holds what nobody
-  /// measured.
+  /// Returns the number in this column; NaN if the field is empty, holds a word for "no number", or a number that no
+  /// sensor measures.
   ///
   /// \throws BadLine if the field holds something else.
   double number(std::size_t column) const;
@@ -42,17 +42,17 @@ public:
 
   /// Returns the whole number in this column, which may be written with a fraction of 0.
   ///
-  /// \throws BadLine if there is none, or it is out of the range.
+  /// \throws BadLine if the field has no whole number, or one out of the range.
   std::int64_t wholeNumber(std::size_t column, double least, double greatest) const;
 
   /// Returns the number of a frame.
   ///
-  /// \throws BadLine if there is none.
+  /// \throws BadLine if the field has no such number.
   std::int64_t frameNumber(std::size_t column) const;
 
   /// Returns the seconds in this column, or nothing if the field is empty or NaN.
   ///
-  /// \throws BadLine if they are beyond what a clock can show.
+  /// \throws BadLine if they are beyond the times that a clock can show.
   std::optional<double> timestamp(std::size_t column) const;
 
   /// As above; the column holds milliseconds.
@@ -60,7 +60,7 @@ public:
 
   std::string_view text(std::size_t column) const { return _rows.fields()[column]; }
 
-  /// \throws BadLine always: says what was expected in this column, and what is there.
+  /// \throws BadLine always, with the value that was expected in this column, and the one that is there.
   [[noreturn]] void refuse(std::size_t column, const std::string& expected) const;
 
   /// \throws BadLine if the row has another number of fields than the header.

@@ -31,7 +31,7 @@ bool CsvRows::_split(std::string_view line)
     return _splitQuoted(line);
   if (scan.commas >= limits::mostFields)
     _refuseSoManyFields();
-  _fields.resize(scan.commas + 1);  // most often, the row before had as many
+  _fields.resize(scan.commas + 1);  // mostly, the row before had as many
   splitAtCommas(line, _fields.data());
   if (_fields.size() == 1 && _fields.front().empty())
     _fields.clear();  // an empty line has no fields
@@ -83,7 +83,7 @@ bool CsvRows::_addQuoted(std::string_view& rest)
   const std::size_t begin = _unquoted.size();
   do
   {
-    rest.remove_prefix(1);  // the first quote, or the second of a doubled one, which stands for one
+    rest.remove_prefix(1);  // the first quote, or the second of a doubled one, which means one quote
     const std::size_t end = rest.find('"');
     if (end == std::string_view::npos)
       return false;

@@ -18,13 +18,13 @@ public:
   ///
   /// \throws Error if it cannot be read.
   explicit CsvRows(InputFile input);
-  CsvRows(const CsvRows&) = delete;  // the fields stand in it
+  CsvRows(const CsvRows&) = delete;  // the fields refer to it
   CsvRows& operator=(const CsvRows&) = delete;
 
   /// Reads the next line that is not empty; returns false at the end of the file.
   ///
   /// \throws BadLine if a quote is out of place or not closed, or the line is too long or has too many fields; the next
-  ///   call goes on behind it.
+  /// call goes on after that line.
   /// \throws Error if the file cannot be read.
   bool next();
 
@@ -40,11 +40,11 @@ private:
   [[noreturn]] void _refuseSoManyFields() const;
   bool _splitQuoted(std::string_view line);
 
-  // Adds the field that begins with a quote, and takes it and the blanks behind it from `rest`; false as above.
+  // Adds the field that begins with a quote, and removes it and the blanks after it from `rest`; false as above.
   bool _addQuoted(std::string_view& rest);
 
   InputFile _file;
-  std::string _unquoted;  // the fields of the row that had quotes, one behind the other
+  std::string _unquoted;  // the fields of the row that had quotes, one after the other
   std::vector<std::string_view> _fields;
 };
 

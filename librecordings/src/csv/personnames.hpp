@@ -13,12 +13,12 @@
 namespace KV::recordings
 {
 
-/// Numbers the persons that a file names: whole numbers stay as they are, other texts are counted in the order in which
-/// they appear.
+/// Numbers the persons that a file names: whole numbers stay as they are, other names are numbered in the order in
+/// which they appear.
 class PersonNames
 {
 public:
-  /// There is no file of one session with more names than that.
+  /// No file of one session has more names.
   static constexpr std::size_t mostNames = limits::mostPersonNames;
 
   /// Returns the number of the person with this name.

@@ -14,24 +14,24 @@ ActionUnits::ActionUnits()  // NOLINT(*-member-init): all are set below
   intensity.fill(std::numeric_limits<float>::quiet_NaN());
 }
 
-// Which action units belong to which emotion: Ekman, Friesen & Hager, Facial Action Coding System, Investigator's Guide
-// (2002), the prototypes of EMFACS. How much each counts was settled on labelled recordings of OpenFace
-// (docs/validation.md), since not every unit that belongs to an emotion survives in what an analyser makes of it:
+// The action units of each emotion: Ekman, Friesen & Hager, Facial Action Coding System, Investigator's Guide (2002),
+// the prototypes of EMFACS. Their weights were chosen on labelled recordings of OpenFace (docs/validation.md), since
+// analysers do not detect every unit of an emotion:
 //
-// - The lip corners (12) tell a smile; lowered brows (4) show that it is none: a disgusted face raises 12 as well.
-//   Joy is the smile: in conversations 12 alone follows smiles better than together with 6.
+// - The lip corners (12) show a smile; lowered brows (4) exclude one: a disgusted face raises 12 as well.
+//   Joy is the smile: in conversations 12 alone follows smiles better than 12 with 6.
 // - Anger is lowered brows, and the wrinkled nose (9) and raised upper lip (10) of disgust, which has no reading of its
-//   own. A smile raises 10 too, so cheeks (6) and lip corners are taken off. 5, 7 and 23 stay out: 7 is higher in calm
+//   own. A smile raises 10 too, so cheeks (6) and lip corners are subtracted. 5, 7 and 23 stay out: 7 is higher in calm
 //   and happy faces than in angry ones.
-// - Sorrow is lowered brows too; inner brows (1) and lip corners down (15) count little, since OpenFace takes most of
-//   them for the face at rest.
+// - Sorrow is lowered brows too; inner brows (1) and lip corners down (15) count little, since OpenFace treats most of
+// them as part of the face at rest.
 // - Laughter is a joy with lips parted (25) and jaw dropped (26). Speech parts the lips as well, so both must be
 // strong.
-// - Excitement is not told.
+// - Excitement has no table.
 //
-// The scores are parts of the full scale. At rest: means of neutral clips, those of 4 and 12 somewhat above most
-// people's, so that a stranger has the benefit of the doubt. Who smiles all the time is smiling, so the rest of 6 and
-// 12 is not learned beyond 0.2.
+// The scores are parts of the full scale. At rest: means of neutral clips; those of 4 and 12 are above most people's,
+// so that a stranger does not seem angry or happy by mistake. A person who smiles all the time is smiling, so the rest
+// of 6 and 12 is not learned beyond 0.2.
 const ScoreTable& actionUnitTable()
 {
   static const ScoreTable table = [] {

@@ -13,7 +13,7 @@
 namespace KV::recordings
 {
 
-/// Forms the readings of a face from its blendshapes.
+/// Computes the readings of a face from its blendshapes.
 class BlendshapeReadings
 {
 public:
@@ -25,7 +25,7 @@ public:
   /// Returns the table, whose names come first in names().
   const ScoreReadings& table() const { return _table; }
 
-  /// Returns where the eyes look, relative to the head; nothing if that is unknown.
+  /// Returns the direction of the eyes, relative to the head; nothing if it is unknown.
   std::optional<KV::Gaze> eyes(const std::vector<float>& scores) const;
 
 private:

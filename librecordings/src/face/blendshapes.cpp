@@ -75,13 +75,13 @@ void setRest(ScoreTable& table, const Names& names, const RestingScore& rest)
 
 }  // namespace
 
-// There is no standard for what blendshapes mean. What is counted here was settled on labelled pictures
+// No standard defines the meaning of blendshapes. The weights here were chosen on labelled pictures
 // (docs/validation.md):
 //
-// - mouthSmile rises on bared teeth, in four of ten angry and frightened faces; with it come jaw, lower lip and brows,
-//   which are taken off. It is nearly 0 or large: so joy is twice that.
+// - mouthSmile rises on bared teeth, in four of ten angry and frightened faces; jaw, lower lip and brows rise with it,
+// so they are subtracted. It is nearly 0 or large: so joy is twice that.
 // - Anger and disgust lower the brows, narrow the eyes and raise the upper lip.
-// - mouthFrown is below 0.06 even in sad faces, and cannot carry sadness alone.
+// - mouthFrown is below 0.06 even in sad faces: alone it cannot show sadness.
 // - noseSneer and cheekSquint are always about 0, and are not read.
 // - jawOpen alone is not negative: talk opens it.
 const ScoreTable& blendshapeTable()
@@ -120,8 +120,8 @@ const ScoreTable& blendshapeTable()
   return table;
 }
 
-// ARKit's shapes have the same names and other habits: by MediaPipe's table a talking face is negative most of the
-// time. By analogy with action units, since no labelled recordings are at hand.
+// ARKit's shapes have the same names but other values: by MediaPipe's table a talking face is negative most of the
+// time. By analogy with action units, since there are no labelled recordings.
 const ScoreTable& arkitTable()
 {
   static const ScoreTable table = [] {
@@ -153,7 +153,7 @@ const std::vector<std::string>& eyeScoreNames()
   return names;
 }
 
-// The left eye looks out to the own left, the right eye in to the own left.
+// The left eye turns out to the person's own left, the right eye in to their own left.
 std::optional<KV::Gaze> eyeGaze(const std::vector<float>& eyeScores, const EyeScale& scale)
 {
   const auto score = [&eyeScores](std::size_t i) { return eyeScores.at(i); };
@@ -164,7 +164,7 @@ std::optional<KV::Gaze> eyeGaze(const std::vector<float>& eyeScores, const EyeSc
   return KV::Gaze(scale.yaw * toOwnLeft, scale.pitch * up);
 }
 
-// A head yaw counts to the own right, a gaze yaw to the own left.
+// A head yaw is positive to the person's own right, a gaze yaw to their own left.
 KV::Gaze gazeOf(const KV::Gaze& inHead, const std::optional<KV::HeadPosture>& head)
 {
   if (!head)

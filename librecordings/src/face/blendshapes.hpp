@@ -14,19 +14,19 @@
 namespace KV::recordings
 {
 
-/// Tells whether this is one of blendshapeNames().
+/// Returns whether this is one of blendshapeNames().
 bool isBlendshape(const std::string& name);
 
 /// Returns the index of the name in blendshapeNames(), which must have it.
 std::size_t blendshapeIndex(const std::string& name);
 
-/// Returns which blendshapes make which readings.
+/// Returns the table that makes readings from blendshapes.
 const ScoreTable& blendshapeTable();
 
 /// As above, for the shapes of ARKit.
 const ScoreTable& arkitTable();
 
-/// How far eyes turn that have a score of 1.
+/// How far eyes are turned at a score of 1.
 struct EyeScale
 {
   float yaw = 30.f;    ///< [deg]
@@ -36,13 +36,13 @@ struct EyeScale
 /// Returns the names of the scores of eyeGaze(), in its order.
 const std::vector<std::string>& eyeScoreNames();
 
-/// Returns where the eyes look, relative to the head; nothing if a score is unknown (NaN).
+/// Returns the direction of the eyes, relative to the head; nothing if a score is unknown (NaN).
 std::optional<KV::Gaze> eyeGaze(const std::vector<float>& eyeScores, const EyeScale& scale);
 
-/// Returns the gaze of eyes that are turned so in a head that is turned so; without a head posture, that of the eyes.
+/// Returns the gaze of eyes turned by `eyes` in a head turned by `head`; without a head posture, that of the eyes.
 KV::Gaze gazeOf(const KV::Gaze& inHead, const std::optional<KV::HeadPosture>& head);
 
-/// Returns a score as it counts: no more than 1 and no less than 0; NaN stays NaN.
+/// Returns a score clamped to [0, 1]; NaN stays NaN.
 float blendshapeScore(double score);
 
 }  // namespace KV::recordings

@@ -19,11 +19,11 @@ CsvHeader CsvFaceFile::_readHeader(bool (*isRead)(const std::string& name))
   return {_rows.fields(), place(), isRead};
 }
 
-void FrameCounter::count(Frame& frame, bool facesAreToldApart)
+void FrameCounter::count(Frame& frame, bool facesAreIdentified)
 {
   if (_last)
   {
-    const bool isSameFrame = facesAreToldApart && frame.timestamp == _last->timestamp;
+    const bool isSameFrame = facesAreIdentified && frame.timestamp == _last->timestamp;
     frame.number = _last->number + (isSameFrame ? 0 : 1);
   }
   _last = frame;

@@ -11,13 +11,13 @@
 namespace KV::recordings
 {
 
-/// A file of comma-separated values with a header, below which each row is about a face.
+/// A file of comma-separated values with a header; each row below it is about a face.
 class CsvFaceFile
 {
 public:
-  /// Takes an opened file and reads its header; `isRead` tells the names of the columns that matter.
+  /// Takes an opened file and reads its header; `isRead` is true for the names of columns that matter.
   ///
-  /// \throws Error if it cannot be read, is empty, or its columns cannot be told apart.
+  /// \throws Error if it cannot be read, is empty, or its columns cannot be separated.
   CsvFaceFile(InputFile input, bool (*isRead)(const std::string& name));
 
   const CsvHeader& header() const { return _header; }
@@ -25,7 +25,7 @@ public:
   std::size_t lineNumber() const { return _rows.file().lineNumber(); }
   double progress() const { return _rows.file().progress(); }
 
-  /// Returns where the row stands.
+  /// Returns the place of the row.
   Error::Place place() const { return {path(), lineNumber(), {}}; }
 
   /// Reads the next row; returns false at the end.
@@ -45,13 +45,13 @@ private:
   CsvHeader _header;
 };
 
-/// Numbers the frames of a file that does not.
+/// Adds frame numbers where the file has none.
 class FrameCounter
 {
 public:
-  /// Sets the number of the frame of the next row: rows of several faces with one time stamp are one frame; without
-  /// `facesAreToldApart` every row is a frame.
-  void count(Frame& frame, bool facesAreToldApart);
+  /// Sets the number of the frame of the next row: rows of several faces with one timestamp are one frame; without
+  /// `facesAreIdentified` every row is a frame.
+  void count(Frame& frame, bool facesAreIdentified);
 
 private:
   std::optional<Frame> _last;

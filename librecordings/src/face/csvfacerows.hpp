@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// The rows of a CSV file of a face analyser: what does not differ from format to format.
+/// The rows of a CSV file of a face analyser: the part that all formats share.
 class CsvFaceRows : public FaceRows
 {
 public:
@@ -20,7 +20,7 @@ public:
   Columns columns() const override { return _file.header().columns(); }
 
 protected:
-  /// Takes an opened file and reads its header; `isRead` tells the names of the columns that matter.
+  /// Takes an opened file and reads its header; `isRead` is true for the names of columns that matter.
   ///
   /// \throws Error if it cannot be read.
   CsvFaceRows(InputFile input, bool (*isRead)(const std::string& name)) : _file(std::move(input), isRead) {}

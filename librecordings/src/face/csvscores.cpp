@@ -6,7 +6,7 @@ namespace KV::recordings
 {
 namespace
 {
-// Hands the score in each column, and the place of its name among those that are asked for, to `put`.
+// Passes the score in each column, and the index of its name among the requested names, to `put`.
 template <typename Put>
 void forEachScore(const CsvNumbers& numbers, const ScoreColumns& columns, const Put& put)
 {

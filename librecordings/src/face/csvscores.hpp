@@ -11,10 +11,10 @@
 namespace KV::recordings
 {
 
-/// Where a table has the scores that an adapter reads, in the order of their names.
+/// The columns of the scores that an adapter reads, in the order of their names.
 using ScoreColumns = std::vector<std::optional<std::size_t>>;
 
-/// Read the scores of a row; `columns` are those of the names that the adapter asks for. What has no column is unknown.
+/// Read the scores of a row from `columns`, in the adapter's order of names. A score without a column is unknown.
 ///
 /// \throws BadLine if a field holds no number.
 /// @{

@@ -42,10 +42,10 @@ float EmotionScores::*emotionNamed(const std::string& name)
   throw std::invalid_argument("There is no emotion with this name.");
 }
 
-// The four negative emotions come out as sadness mostly, so they are taken together; 1.4 lets half of a face be enough,
-// since the mood classes ask for 0.7. A smile that is mixed with surprise or worse is no joy. Fear and disgust have no
-// expression of their own, and go with the nearest; nor has a classifier of emotions anything to say of laughter and
-// excitement. The scores are shares already, and no face rests anywhere but at neutral.
+// Analysers confuse the four negative emotions with sadness, so they are added up; 1.4 lets half of a face be enough,
+// since the mood classes need 0.7. A smile that is mixed with surprise or worse is no joy. Fear and disgust have no
+// expression of their own, and go with the nearest; a classifier of emotions has no score of laughter or excitement.
+// The scores are shares already, and each face rests at neutral.
 const ScoreTable& emotionTable()
 {
   static const ScoreTable table = [] {

@@ -10,13 +10,13 @@
 namespace KV::recordings
 {
 
-/// Returns the names of the emotions that analysers give scores for.
+/// Returns the names of the emotions for which analysers give scores.
 const std::vector<std::string>& emotionNames();
 
 /// Returns the score of the emotion with this name, one of emotionNames().
 float EmotionScores::*emotionNamed(const std::string& name);
 
-/// Returns which emotions make which readings.
+/// Returns the table that makes readings from emotions.
 const ScoreTable& emotionTable();
 
 }  // namespace KV::recordings

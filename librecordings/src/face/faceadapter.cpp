@@ -17,7 +17,7 @@ namespace
 {
 constexpr float fullShare = 1.f;  // a classifier gives shares
 
-// The direction in which the head rests moves so fast, and so far from where it began.
+// How fast the direction of the head at rest moves, and its greatest angle.
 struct HeadLimits
 {
   float degreesPerSecond;
@@ -83,22 +83,22 @@ const FaceAdapterPrivate::ShapeTable& FaceAdapterPrivate::shapesOf(const Face& f
   return face.frontEnd == FrontEnd::LiveLink ? arkitShapes : shapes;
 }
 
-std::vector<float> FaceAdapterPrivate::scoresOf(const ActionUnits& told, const UnitTable& table) const
+std::vector<float> FaceAdapterPrivate::scoresOf(const ActionUnits& detected, const UnitTable& table) const
 {
-  const float fullScale = told.fullScale.value_or(options.actionUnitFullScale);
+  const float fullScale = detected.fullScale.value_or(options.actionUnitFullScale);
   std::vector<float> scores;
   scores.reserve(table.numbers.size());
   for (const std::size_t number : table.numbers)
-    scores.push_back(actionUnitScore(static_cast<double>(told.intensity.at(number)), fullScale));
+    scores.push_back(actionUnitScore(static_cast<double>(detected.intensity.at(number)), fullScale));
   return scores;
 }
 
-std::vector<float> FaceAdapterPrivate::scoresOf(const Blendshapes& told, const ShapeTable& table)
+std::vector<float> FaceAdapterPrivate::scoresOf(const Blendshapes& detected, const ShapeTable& table)
 {
   std::vector<float> scores;
   scores.reserve(table.indices.size());
   for (const std::size_t index : table.indices)
-    scores.push_back(blendshapeScore(static_cast<double>(told.at(index))));
+    scores.push_back(blendshapeScore(static_cast<double>(detected.at(index))));
   return scores;
 }
 
@@ -111,9 +111,9 @@ std::vector<float> FaceAdapterPrivate::scoresOf(const EmotionScores& shares) con
   return scores;
 }
 
-void FaceAdapterPrivate::takeRestOff(std::vector<float>& scores, const ScoreReadings& table, float scale,
-                                     boost::optional<RestingFace::Scores> RestingFace::*learned,
-                                     const boost::optional<Learning>& learning) const
+void FaceAdapterPrivate::subtractRest(std::vector<float>& scores, const ScoreReadings& table, float scale,
+                                      boost::optional<RestingFace::Scores> RestingFace::*learned,
+                                      const boost::optional<Learning>& learning) const
 {
   if (options.rest.kind == Rest::Kind::None)
     return;
@@ -149,7 +149,7 @@ FacePose FaceAdapterPrivate::poseOf(const Face& face, const ShapeTable& table,
   return pose;
 }
 
-void FaceAdapterPrivate::takeRestOff(FaceReadings& readings, const Face& face, const Learning& learning) const
+void FaceAdapterPrivate::subtractRest(FaceReadings& readings, const Face& face, const Learning& learning) const
 {
   const bool refines = refinesAxis(options, face.frontEnd);
   if ((options.lookAt.kind != LookAt::Kind::Learned && !refines) || !readings.headPosture)
@@ -168,7 +168,7 @@ void FaceAdapterPrivate::takeRestOff(FaceReadings& readings, const Face& face, c
 
   readings.headPosture = KV::HeadPosture(readings.headPosture->yaw() - head.yaw,
                                          readings.headPosture->pitch() - head.pitch, readings.headPosture->roll());
-  if (readings.gaze)  // its yaw counts the other way
+  if (readings.gaze)  // its yaw has the other sign
     readings.gaze = KV::Gaze(readings.gaze->yaw + head.yaw, readings.gaze->pitch - head.pitch);
 }
 
@@ -184,7 +184,7 @@ FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Le
     const ScoreReadings& table = shapeTable.readings.table();
     std::vector<float> scores(blendshapeScores.begin(),
                               blendshapeScores.begin() + static_cast<std::ptrdiff_t>(table.names().size()));
-    takeRestOff(scores, table, 1.f, &RestingFace::_blendshapes, learning);
+    subtractRest(scores, table, 1.f, &RestingFace::_blendshapes, learning);
     readings.smile = table.smile(scores, confidence);
     readings.expressions = table.expressions(scores, confidence);
   }
@@ -195,7 +195,7 @@ FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Le
     const float scale = face.frontEnd == FrontEnd::PyFeat
                             ? 1.f
                             : restingFullScale / face.actionUnits->fullScale.value_or(options.actionUnitFullScale);
-    takeRestOff(scores, table.readings, scale, &RestingFace::_actionUnits, learning);
+    subtractRest(scores, table.readings, scale, &RestingFace::_actionUnits, learning);
     readings.smile = table.readings.smile(scores, confidence);
     readings.expressions = table.readings.expressions(scores, confidence);
   }
@@ -210,7 +210,7 @@ FaceReadings FaceAdapterPrivate::read(const Face& face, const boost::optional<Le
     readings.facialPoints = facialPointsOf(*face.landmarks, confidence, options.mirrored);
   setPose(readings, poseOf(face, shapeTable, blendshapeScores), options, face.frontEnd);
   if (learning)
-    takeRestOff(readings, face, *learning);
+    subtractRest(readings, face, *learning);
   return readings;
 }
 

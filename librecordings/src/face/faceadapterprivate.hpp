@@ -20,20 +20,20 @@
 namespace KV::recordings
 {
 
-/// What a FaceAdapter goes by. A face takes two ways through it, and whatever is to change readings belongs on one:
+/// The parts of a FaceAdapter. A face takes two ways through it, and each change of readings belongs to one of them:
 ///
-/// - scores: scoresOf() gives named scores in [0, 1], what they are at rest is taken off, and a table makes readings;
-/// - pose: poseOf() gives angles from the optical axis, and setPose() turns them to where the robot is.
+/// - scores: scoresOf() gives named scores in [0, 1], the scores at rest are subtracted, and a table makes readings;
+/// - pose: poseOf() gives angles from the optical axis, and setPose() turns them to the robot's position.
 struct FaceAdapterPrivate
 {
-  /// What a person's rest is learned by.
+  /// A measured value from which a person's rest is learned.
   struct Learning
   {
     RestingFace& rest;
     ko::SystemClock::time_point now;
   };
 
-  /// A table of action units, and where to find the scores that it needs, in the order of its names.
+  /// A table of action units, and the places of the scores that it needs, in the order of its names.
   struct UnitTable
   {
     explicit UnitTable(const ScoreTable& table);
@@ -42,7 +42,7 @@ struct FaceAdapterPrivate
     std::vector<std::size_t> numbers;
   };
 
-  /// A table of blendshapes, and where to find the scores that it needs, in the order of its names.
+  /// A table of blendshapes, and the places of the scores that it needs, in the order of its names.
   struct ShapeTable
   {
     ShapeTable(const ScoreTable& table, const EyeScale& eyes);
@@ -60,22 +60,22 @@ struct FaceAdapterPrivate
 
   /// Return the scores that the table needs, in the order of its names(), each in [0, 1]; NaN is unknown.
   /// @{
-  std::vector<float> scoresOf(const ActionUnits& told, const UnitTable& table) const;
-  static std::vector<float> scoresOf(const Blendshapes& told, const ShapeTable& table);
+  std::vector<float> scoresOf(const ActionUnits& detected, const UnitTable& table) const;
+  static std::vector<float> scoresOf(const Blendshapes& detected, const ShapeTable& table);
   std::vector<float> scoresOf(const EmotionScores& shares) const;
   /// @}
 
-  /// Takes off what the scores are at rest: as learned, or else as a typical face rests. `scale` is how many times the
-  /// full scale of the table is that of the scores.
-  void takeRestOff(std::vector<float>& scores, const ScoreReadings& table, float scale,
-                   boost::optional<RestingFace::Scores> RestingFace::*learned,
-                   const boost::optional<Learning>& learning) const;
+  /// Subtracts the scores at rest: as learned, or else those of a typical face at rest. `scale` is the full scale of
+  /// the scores divided by the full scale of the table.
+  void subtractRest(std::vector<float>& scores, const ScoreReadings& table, float scale,
+                    boost::optional<RestingFace::Scores> RestingFace::*learned,
+                    const boost::optional<Learning>& learning) const;
 
-  /// Returns the pose of the face; the gaze is that of the eyes' blendshapes where it is not told otherwise.
+  /// Returns the pose of the face; a missing gaze is computed from the eyes' blendshapes.
   static FacePose poseOf(const Face& face, const ShapeTable& table, const std::vector<float>& blendshapeScores);
 
-  /// Takes off the direction in which the head rests, where the options want that.
-  void takeRestOff(FaceReadings& readings, const Face& face, const Learning& learning) const;
+  /// Subtracts the direction in which the head rests, if the options ask for it.
+  void subtractRest(FaceReadings& readings, const Face& face, const Learning& learning) const;
 
   ReadingOptions options;
   Mapping mapping;

@@ -16,7 +16,7 @@ std::optional<double> asStandard(const boost::optional<double>& value)
   return value ? std::make_optional(*value) : std::nullopt;
 }
 
-// The first of two names that there is.
+// The first of two names that exists.
 std::string nameOf(const std::string& first, const std::string& second)
 {
   return first.empty() ? second : first;
@@ -49,15 +49,15 @@ boost::optional<Step> FaceReader::next()
   while (!_finished)
   {
     if (!_missingPersons.empty())
-      return _tellMissingPerson();
+      return _stepOfMissingPerson();
 
-    if (_missingFramesTold < _missingFrames)
-      _tellMissingFrame();
+    if (_missingFramesReported < _missingFrames)
+      _beginMissingFrame();
     else if (const bool hasRow = _row || _fetchRow(); _cycleIsOpen && (!hasRow || _opensCycle(*_row)))
       _endCycle();
     else if (!hasRow)
       _finish();
-    else if (auto entry = _tellRow())
+    else if (auto entry = _stepOfRow())
       return entry;
   }
   return {};
@@ -89,7 +89,7 @@ std::vector<Frame> FaceReader::_lookAhead()
   return frames;
 }
 
-// Reads the next row, and refuses it if it cannot follow the last cycle; false at the end.
+// Reads the next row, and refuses it if it is too early to follow the last cycle; false at the end.
 bool FaceReader::_fetchRow()
 {
   auto row = _ahead.next();
@@ -116,7 +116,7 @@ ko::SystemClock::time_point FaceReader::_timeOf(const FaceRow& row) const
   _refuse(row, nameOf(fields.frame, fields.timestamp), "is too far from the first one");
 }
 
-// The guess of the rate stood on the first rows.
+// The rate was guessed from the first rows.
 void FaceReader::_warnOfLateTimestamps(const FaceRow& row)
 {
   if (!_times.areAssumed() || !row.frame.timestamp || *row.frame.timestamp == 0.0 || _warnedOfTimestamps)
@@ -133,7 +133,7 @@ bool FaceReader::_opensCycle(const FaceRow& row) const
   return !_frame || row.frame != *_frame;
 }
 
-// Everyone missed in this cycle is to be told; and so are the frames missing up to the next row.
+// All persons missed in this cycle are reported; and so are the frames missing up to the next row.
 void FaceReader::_endCycle()
 {
   const auto missing = _persons.endCycle();
@@ -142,28 +142,28 @@ void FaceReader::_endCycle()
   _cycleIsOpen = false;
 
   _missingFrames = _row ? _times.missingBetween(*_frame, _row->frame) : 0;
-  _missingFramesTold = 0;
+  _missingFramesReported = 0;
 }
 
-void FaceReader::_tellMissingFrame()
+void FaceReader::_beginMissingFrame()
 {
   const auto missing = _persons.endCycle();
   _missingPersons.assign(missing.begin(), missing.end());
-  ++_missingFramesTold;
-  _missingTime = _frameTime + (_rowTime - _frameTime) / (_missingFrames + 1) * _missingFramesTold;
+  ++_missingFramesReported;
+  _missingTime = _frameTime + (_rowTime - _frameTime) / (_missingFrames + 1) * _missingFramesReported;
   if (_persons.empty())
-    _missingFramesTold = _missingFrames;
+    _missingFramesReported = _missingFrames;
 }
 
-Step FaceReader::_tellMissingPerson()
+Step FaceReader::_stepOfMissingPerson()
 {
   const std::int32_t person = _missingPersons.front();
   _missingPersons.pop_front();
   return entryOf(_missingTime, person, *_rows, false);
 }
 
-// Takes the row into its cycle; there is nothing to tell of a face that is not tracked.
-boost::optional<Step> FaceReader::_tellRow()
+// Takes the row into its cycle; a face that is not tracked has no readings.
+boost::optional<Step> FaceReader::_stepOfRow()
 {
   const FaceRow row = *std::exchange(_row, std::nullopt);
   _frame = row.frame;
@@ -176,12 +176,12 @@ boost::optional<Step> FaceReader::_tellRow()
     _refuse(row, nameOf(_rows->fields().face, _rows->fields().frame),
             "face " + std::to_string(row.face) + " is there twice in frame " + std::to_string(row.frame.number));
   _anyTracked = true;
-  if (const auto found = _scores.look(row.told))
+  if (const auto found = _scores.look(row.detected))
     _refuse(row, found->member, found->message);
   Step entry = entryOf(_frameTime, row.face, *_rows, true);
-  // Learned in the order in which faces are told, not when rows are read ahead: a live program has no future, either.
+  // Learned in the order of returned faces, not when rows are read ahead: a live program has no future, either.
   RestingFace& rest = _resting.of(row.face, _frameTime);
-  entry.observation = _rows->adapter().read(row.told, _frameTime, rest).observedAt(_frameTime);
+  entry.observation = _rows->adapter().read(row.detected, _frameTime, rest).observedAt(_frameTime);
   return entry;
 }
 

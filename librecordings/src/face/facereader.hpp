@@ -22,8 +22,8 @@ namespace KV::recordings
 /// Reads the file of a face analyser.
 ///
 /// The rows of one frame are one cycle. A person who was seen before, and is not tracked in a cycle, gets an entry that
-/// says so, after the entries of tracked persons. Where frames are missing in the file, nobody was seen in them. Either
-/// ends after PersonsInView::longestAbsence cycles.
+/// says so, after the entries of tracked persons. Frames that are missing in the file are cycles in which nobody was
+/// seen. Both kinds of entries end after PersonsInView::longestAbsence cycles.
 class FaceReader : public Reader
 {
 public:
@@ -47,9 +47,9 @@ private:
   void _warnOfLateTimestamps(const FaceRow& row);
   bool _opensCycle(const FaceRow& row) const;
   void _endCycle();
-  void _tellMissingFrame();
-  Step _tellMissingPerson();
-  boost::optional<Step> _tellRow();
+  void _beginMissingFrame();
+  Step _stepOfMissingPerson();
+  boost::optional<Step> _stepOfRow();
   void _finish();
 
   [[noreturn]] void _refuse(const FaceRow& row, const std::string& column, const std::string& message) const;
@@ -73,10 +73,10 @@ private:
   ko::SystemClock::time_point _frameTime;
   bool _cycleIsOpen = false;
 
-  std::deque<std::int32_t> _missingPersons;  // still to be told, at _missingTime
+  std::deque<std::int32_t> _missingPersons;  // not reported yet, at _missingTime
   ko::SystemClock::time_point _missingTime;
   std::int64_t _missingFrames = 0;  // before the next row
-  std::int64_t _missingFramesTold = 0;
+  std::int64_t _missingFramesReported = 0;
 };
 
 }  // namespace KV::recordings

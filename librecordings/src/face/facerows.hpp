@@ -22,16 +22,16 @@ struct FaceRow
 {
   std::size_t line = 0;
   Frame frame;
-  bool tracked = false;   ///< the face was found, and so surely that its readings count
-  std::int32_t face = 0;  ///< whose; read only of a tracked face
-  Face told;              ///< what is told of it; empty unless tracked
+  bool tracked = false;   ///< the face was found, and with enough confidence to use its readings
+  std::int32_t face = 0;  ///< the person; read only of a tracked face
+  Face detected;          ///< the known parts of the face; empty unless tracked
 };
 
-/// The rows of a file of a face analyser: what differs from format to format.
+/// The rows of a file of a face analyser: the part that differs from format to format.
 class FaceRows
 {
 public:
-  /// Names of columns or members, for messages; empty where there is none.
+  /// Names of columns or members, for messages; empty if the format has no such name.
   struct Fields
   {
     std::string frame;
@@ -43,11 +43,11 @@ public:
 
   /// Returns the next row, or nothing at the end.
   ///
-  /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
+  /// \throws BadLine for a row that cannot be used; the next call goes on after that row.
   /// \throws Error where the rest of the file cannot be read.
   virtual std::optional<FaceRow> next() = 0;
 
-  /// Returns what makes readings of its faces.
+  /// Returns the adapter that makes readings of its faces.
   virtual const FaceAdapter& adapter() const = 0;
 
   virtual const std::string& path() const = 0;
@@ -55,37 +55,37 @@ public:
   virtual double progress() const = 0;
   virtual Fields fields() const = 0;
 
-  /// Says what it means if there is not one row.
+  /// Explains why a file without any row cannot be used.
   virtual std::string nothingToRead() const { return "there is no row below the header"; }
 
-  /// Returns the rate that is assumed if nobody gives one and there are no time stamps.
+  /// Returns the rate that is assumed if the user gives no rate and there are no timestamps.
   virtual AssumedRate assumedRate() const { return {}; }
 
-  /// Says in a line how signs and units are read.
+  /// Describes in a line how signs and units are read.
   virtual std::string describeReadings() const = 0;
 
-  /// Says who the persons are, when a face is tracked, and what the file does not tell.
+  /// Describes who the persons are, when a face is tracked, and which readings the file does not have.
   virtual std::string describePersons() const = 0;
 
-  /// Returns what the file calls the person with this number, in UTF-8; empty if they have no name.
+  /// Returns the name of this person in the file, in UTF-8; empty if they have no name.
   virtual std::string nameOf(std::int32_t /*person*/) const { return {}; }
 
   virtual std::vector<std::string> takeWarnings() { return {}; }
 
-  /// Returns which columns are read, if the format has any and tells.
+  /// Returns which columns are read, if the format has columns and reports them.
   virtual Columns columns() const { return {}; }
 };
 
-/// How many rows are looked at before the first is handed out: enough to tell the rate, and what time stamps are worth.
+/// The number of rows read before the first is returned: enough for the rate, and to check the timestamps.
 constexpr std::size_t rowsAhead = 300;
 
-/// Where these rows show fewer frames than that, since a frame has many faces, more rows are looked at.
+/// If these rows show fewer frames, since a frame has many faces, more rows are read ahead.
 constexpr std::size_t framesAhead = 10;
 constexpr std::size_t mostRowsAhead = 10'000;
 
-/// Reads rows ahead, until they show enough frames to tell the rate.
+/// Reads rows ahead, until they show enough frames to compute the rate.
 ///
-/// \param frameOf returns what tells the frame of a row: rows that follow each other with the same are of one frame
+/// \param frameOf returns the key of a row's frame: consecutive rows with the same key are of one frame
 template <typename Row, typename FrameOf>
 void fetchFrames(LookAhead<Row>& ahead, const FrameOf& frameOf)
 {

@@ -10,7 +10,7 @@ namespace KV::recordings
 {
 namespace
 {
-// What is slightly above the scale is left alone, since front ends round so.
+// Scores slightly above the scale are allowed, since front ends round so.
 constexpr float leastPercent = 2.f;
 constexpr float leastPercentOfIntensity = 10.f;  // of an intensity from 0 to 5
 
@@ -24,7 +24,7 @@ std::string textOf(float value)
 Implausible percent(const std::string& member, float value)
 {
   return {member,
-          "expected a number from 0 to 1, found " + textOf(value) + ": this looks like percent, to be divided by 100"};
+          "expected a number from 0 to 1, found " + textOf(value) + "; it looks like percent: divide it by 100"};
 }
 
 // Unknown scores compare false.
@@ -82,7 +82,7 @@ void FaceScoreCheck::_warnOnce(const std::string& name, float value, const char*
 {
   _warned = true;
   _warnings.push_back(name + " is " + textOf(value) + ", expected a number from 0 to " + scale +
-                      ": this looks like percent, and counts as full; divide such scores first");
+                      "; it looks like percent and counts as full: divide such scores first");
 }
 
 }  // namespace KV::recordings

@@ -13,12 +13,12 @@ namespace KV::recordings
 
 /// Looks for scores of faces that are percent, where shares or intensities are expected.
 ///
-/// Action units and blendshapes are warned of once: some programs scale them so, and they count as full. A confidence
-/// that is percent would let every face pass, so that it is refused; so are emotions.
+/// Action units and blendshapes are warned of once: some programs scale them so, and they count as full. With a
+/// confidence in percent every face would pass, so it is refused; so are emotions in percent.
 class FaceScoreCheck
 {
 public:
-  /// Looks at a tracked face; returns what is to be refused.
+  /// Checks a tracked face; returns the score that is to be refused.
   boost::optional<Implausible> look(const Face& face);
 
   /// Returns the warnings that came up since the last call.

@@ -22,7 +22,7 @@ bool haveTimestamps(const std::vector<Frame>& frames)
                      [](const Frame& frame) { return frame.timestamp && *frame.timestamp != 0.0; });
 }
 
-// The median of the steps between frame numbers, the lower of two; 1 if there are none.
+// The median of the steps between frame numbers, the lower of two; 1 without a step.
 std::int64_t usualStep(const std::vector<Frame>& frames)
 {
   std::vector<std::int64_t> steps;
@@ -36,7 +36,7 @@ std::int64_t usualStep(const std::vector<Frame>& frames)
   return *middle;
 }
 
-// Frame numbers per second by the first and last time stamp; 0 if there are no two.
+// Frame numbers per second by the first and last timestamp; 0 if there are no two.
 double rateOf(const std::vector<Frame>& frames)
 {
   const auto hasTimestamp = [](const Frame& frame) { return frame.timestamp.has_value(); };

@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// One frame of a video as its file counts it.
+/// One frame of a video with its number in the file.
 struct Frame
 {
   std::int64_t number = 0;
@@ -26,41 +26,41 @@ struct AssumedRate
   double framesPerSecond = 30.0;
   std::string reason = "since there are no time stamps";
   std::string warning = "there are no time stamps: 30 frames/s are assumed";  ///< empty if the rate is not doubtful
-  std::string advice = "give the rate of the video";                          ///< goes on "if it was another"
+  std::string advice = "give the rate of the video";                          ///< continues "if it was another"
 };
 
-/// Tells when the frames of a video were taken: by the rate that the user gives, else by the file's time stamps, else
+/// Computes when the frames of a video were taken: by the rate that the user gives, else by the file's timestamps, else
 /// by an assumed rate.
 ///
-/// Time stamps that count from the start of the video count from 2020-01-01T00:00:00Z on instead, since a clock that
-/// shows 1970 makes what was never seen look young.
+/// Timestamps that count from the start of the video count from 2020-01-01T00:00:00Z on instead: on a clock that shows
+/// 1970, sources that were never seen would look young.
 class FrameTimes
 {
 public:
-  /// Decides by the first frames of the file, of which there must be one at least. A warning advises to give the rate,
-  /// which users do by `rateName`.
+  /// Decides by the first frames of the file, at least one. A warning advises to give the rate; users give it by
+  /// `rateName`.
   FrameTimes(std::optional<double> givenRate, const std::vector<Frame>& firstFrames,
              const AssumedRate& assumedRate = {}, const std::string& rateName = {});
 
-  /// Returns the time of the frame; nothing if it counts by time stamps and the frame has none, or if it lies beyond
-  /// what the clock can show.
+  /// Returns the time of the frame; nothing if it counts by timestamps and the frame has none, or if it lies beyond the
+  /// times that the clock can show.
   std::optional<ko::SystemClock::time_point> timeOf(const Frame& frame) const;
 
-  /// Returns how many frames there would usually be between these two.
+  /// Returns how many frames there would usually be between these two frames.
   ///
   /// That is 0 where the numbers jump and the times do not.
   std::int64_t missingBetween(const Frame& earlier, const Frame& later) const;
 
-  /// Tells whether the times count since 1970 in the file.
+  /// Returns whether the times in the file count since 1970.
   bool areDated() const { return _timestampOrigin == 0.0; }
 
-  /// Tells whether the frames have time stamps, which count from the start of the recording.
+  /// Returns whether the frames have timestamps, which count from the start of the recording.
   bool countFromStart() const;
 
-  /// Tells whether a rate is assumed, since the first frames have no time stamps.
+  /// Returns whether a rate is assumed, since the first frames have no timestamps.
   bool areAssumed() const { return _source == Source::AssumedRate; }
 
-  /// Says what rate there is and where the times come from.
+  /// Describes the rate and the source of the times.
   const std::string& description() const { return _description; }
 
   /// Returns a warning if the times are doubtful, else an empty text.
@@ -79,7 +79,7 @@ private:
 
   Source _source;
   double _framesPerSecond = 0.0;  // of frame numbers; 0 if unknown
-  std::int64_t _usualStep = 1;    // between the numbers of frames that follow each other
+  std::int64_t _usualStep = 1;    // between the numbers of consecutive frames
   std::int64_t _firstNumber = 0;  // for the rates
   double _timestampOrigin = 0.0;  // [s] since 1970
   std::string _description;

@@ -24,13 +24,13 @@ const std::vector<std::string>& landmarkNames()
   return names;
 }
 
-// Which landmark a facial point is.
+// The landmark of a facial point.
 std::size_t numberOf(std::size_t point)
 {
   return static_cast<std::size_t>(facialPointLandmarks.at(point));
 }
 
-// In a mirror image an analyser takes the left eye for the right one, and so on.
+// In a mirror image an analyser confuses the left eye with the right one, and so on.
 std::size_t placeOf(std::size_t point, bool mirrored)
 {
   constexpr std::array<std::size_t, count> opposite = {3, 2, 1, 0, 5, 4, 6, 8, 7, 9, 10, 11};

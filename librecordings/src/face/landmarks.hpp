@@ -14,11 +14,11 @@
 namespace KV::recordings
 {
 
-/// The landmarks, of the usual 68 of a face, that are the facial points, in the order of KV::PointDescription.
+/// The landmarks, of the usual 68 of a face, that are used as facial points, in the order of KV::PointDescription.
 ///
-/// They lie on the parts of a face that move or are hidden most: a person's right and left eye (outer and inner corner
-/// each), the middle of both brows, tip of the nose, both corners of the mouth, middle of the upper and of the lower
-/// lip, chin.
+/// They lie on those parts of a face that move most or are hidden most often: a person's right and left eye (outer and
+/// inner corner each), the middle of both brows, tip of the nose, both corners of the mouth, middle of the upper and of
+/// the lower lip, chin.
 constexpr std::array<int, 12> facialPointLandmarks = {36, 39, 42, 45, 19, 24, 30, 48, 54, 51, 57, 8};
 
 /// Columns of the landmarks above: x of all points, then y of all points.
@@ -32,8 +32,8 @@ LandmarkColumns findLandmarks(const CsvHeader& header);
 /// \throws BadLine if a field holds no number.
 std::optional<FaceLandmarks> readLandmarks(const CsvNumbers& numbers, const LandmarkColumns& columns);
 
-/// Returns the facial points, with this confidence each; a point that is unknown stays at (0, 0) with confidence 0, and
-/// if all are there is nothing.
+/// Returns the facial points, with this confidence each; an unknown point stays at (0, 0) with confidence 0. Returns
+/// nothing if all points are unknown.
 ///
 /// In a mirror image the points of the right and left half change places; their positions stay those of the image.
 std::optional<KV::FacialPoints> facialPointsOf(const FaceLandmarks& landmarks, float confidence, bool mirrored);

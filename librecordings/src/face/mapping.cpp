@@ -3,6 +3,7 @@
 #include "face/actionunits.hpp"
 #include "face/emotions.hpp"
 #include "input/jsonvalue.hpp"
+#include "tidy/tidyreadings.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/recording.hpp>
@@ -11,9 +12,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <functional>
 #include <limits>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,7 +38,7 @@ struct Member
   std::function<void(const Value&)> read;
 };
 
-// Reads the members that are there, and refuses others.
+// Reads the members that exist, and refuses others.
 void readObject(const Value& object, const std::vector<Member>& members)
 {
   std::string names;
@@ -71,7 +74,7 @@ bool readWord(const Value& value, const std::string& yes, const std::string& no)
   return false;
 }
 
-/// The scores that a table can be made of.
+/// The scores from which a table can be made.
 struct ScoreNames
 {
   bool (*isOne)(const std::string& name);
@@ -111,7 +114,7 @@ std::vector<ScoreTerm> readTerms(const Value& value, const ScoreNames& names)
   return terms;
 }
 
-// null: not told.
+// null: the table does not have the reading.
 Composition readComposition(const Value& value, const ScoreNames& names)
 {
   Composition composition;
@@ -124,7 +127,7 @@ Composition readComposition(const Value& value, const ScoreNames& names)
   return composition;
 }
 
-// Adds a member for each reading that the table tells.
+// Adds a member for each reading in the table.
 std::vector<Member> membersOf(ScoreTable& table, const ScoreNames& names)
 {
   std::vector<Member> members;
@@ -203,6 +206,153 @@ void readPyFeat(const Value& value, PyFeatConventions& conventions)
               {"gazePitch", [&](const Value& sign) { conventions.gazePitchIsUp = readWord(sign, "up", "down"); }}});
 }
 
+/// Refuses persons of whom some have names and some numbers.
+class PersonKind
+{
+public:
+  void add(const Value& value, bool isNumber)
+  {
+    if (_areNumbers.value_or(isNumber) != isNumber)
+      value.refuse("all persons by their names, or all by their numbers");
+    _areNumbers = isNumber;
+  }
+
+private:
+  std::optional<bool> _areNumbers;
+};
+
+bool isPersonNumber(const Value& value)
+{
+  using Limits = std::numeric_limits<std::int32_t>;
+  return value->is_number_integer() && value->get<double>() >= static_cast<double>(Limits::min()) &&
+         value->get<double>() <= static_cast<double>(Limits::max());
+}
+
+bool isText(const Value& value)
+{
+  return value->is_string() && !value->get_ref<const std::string&>().empty();
+}
+
+// {"SPEAKER_00": "anna", "SPEAKER_01": null}
+void readSpeakers(const Value& value, SpeakerTable& speakers)
+{
+  if (!value->is_object())
+    value.refuse("an object with a member for each speaker");
+  PersonKind kind;
+  for (const auto& [name, json] : value->items())
+  {
+    const Value member(value, name, json);
+    SpeakerPerson& person = speakers[name];
+    if (isPersonNumber(member))
+      person.number = member->get<std::int32_t>();
+    else if (isText(member))
+      person.name = member->get<std::string>();
+    else if (!member->is_null())
+      member.refuse("the number or name of a person, or null for nobody");
+    if (!person.isNobody())
+      kind.add(member, person.number.has_value());
+  }
+}
+
+double readFinite(const Value& value)
+{
+  const double number = value->is_number() ? value->get<double>() : std::numeric_limits<double>::quiet_NaN();
+  if (!(std::abs(number) <= 1e9))
+    value.refuse("a number of no more than a billion");
+  return number;
+}
+
+// "GazeYaw", 3, or {"channel": 3, "factor": 57.3, "offset": -1}
+XdfChannel readChannel(const Value& value, const std::string& reading)
+{
+  XdfChannel channel;
+  channel.reading = reading;
+  const auto take = [&channel](const Value& which) {
+    if (isText(which))
+      channel.label = which->get<std::string>();
+    else if (which->is_number_unsigned())
+      channel.index = which->get<std::size_t>();
+    else
+      which.refuse("the label of a channel, or its index from 0 on");
+  };
+  if (!value->is_object())
+  {
+    take(value);
+    return channel;
+  }
+  readObject(value, {{"channel", take},
+                     {"factor", [&channel](const Value& factor) { channel.factor = readFinite(factor); }},
+                     {"offset", [&channel](const Value& offset) { channel.offset = readFinite(offset); }}});
+  if (channel.label.empty() && !channel.index)
+    value.refuse("an object with a member channel");
+  return channel;
+}
+
+/// Returns whether a number may be this reading, or a part of it.
+bool isReadingOfNumbers(const std::string& name)
+{
+  const auto known = tidyReadingNamed(name);
+  if (known)
+    return name != "start" && name != "stop" && known->needed == std::vector<TidyColumn>{TidyColumn::Value};
+  const std::size_t dot = name.rfind('.');
+  const auto column = dot == std::string::npos ? std::nullopt : tidyColumnNamed(name.substr(dot + 1));
+  const auto reading = column ? tidyReadingNamed(name.substr(0, dot)) : std::nullopt;
+  if (!reading || *column == TidyColumn::Value || name.rfind("start.", 0) == 0)
+    return false;
+  const auto contains = [&column](const std::vector<TidyColumn>& columns) {
+    return std::find(columns.begin(), columns.end(), *column) != columns.end();
+  };
+  return *column == TidyColumn::Confidence || contains(reading->needed) || contains(reading->optional);
+}
+
+void readChannels(const Value& value, std::vector<XdfChannel>& channels)
+{
+  if (!value->is_object())
+    value.refuse("an object with a member for each reading");
+  for (const auto& [reading, json] : value->items())
+  {
+    if (!isReadingOfNumbers(reading))
+      value.refuseMember(reading, "readings such as smile, gaze.yaw or expressions.joy");
+    channels.push_back(readChannel(Value(value, reading, json), reading));
+  }
+}
+
+// [{"stream": "Face", "person": "anna", "channels": {"smile": "Smile"}}]
+void readStreams(const Value& value, XdfMapping& streams)
+{
+  if (!value->is_array())
+    value.refuse("a list of streams");
+  PersonKind kind;
+  for (std::size_t i = 0; i < value->size(); ++i)
+  {
+    const Value element = value.element(i);
+    XdfStreamMapping stream;
+    const auto readPerson = [&](const Value& person) {
+      if (!isPersonNumber(person) && !isText(person))
+        person.refuse("the number or name of a person");
+      kind.add(person, isPersonNumber(person));
+      stream.person = isText(person) ? person->get<std::string>() : std::to_string(person->get<std::int32_t>());
+    };
+    const auto readScopes = [&stream](const Value& scopes) {
+      if (!scopes->is_boolean())
+        scopes.refuse("true or false");
+      stream.areScopes = scopes->get<bool>();
+    };
+    const auto readStream = [&stream](const Value& name) {
+      if (!isText(name))
+        name.refuse("the name, type or source_id of a stream");
+      stream.stream = name->get<std::string>();
+    };
+    readObject(element, {{"stream", readStream},
+                         {"person", readPerson},
+                         {"scopes", readScopes},
+                         {"channels", [&stream](const Value& channels) { readChannels(channels, stream.channels); }}});
+    if (stream.stream.empty())
+      element.refuse("a stream with a member stream");
+    streams.push_back(std::move(stream));
+  }
+}
+
 bool isEmotion(const std::string& name)
 {
   return std::find(emotionNames().begin(), emotionNames().end(), name) != emotionNames().end();
@@ -237,8 +387,8 @@ Json parsed(const std::string& file)
 
 Mapping readMapping(const std::string& file)
 {
-  Mapping mapping{actionUnitTable(), actionUnitTable(), blendshapeTable(),  arkitTable(),
-                  EyeScale(),        emotionTable(),    PyFeatConventions()};
+  Mapping mapping{actionUnitTable(), actionUnitTable(),   blendshapeTable(), arkitTable(), EyeScale(),
+                  emotionTable(),    PyFeatConventions(), SpeakerTable(),    XdfMapping()};
   mapping.pyFeatActionUnits.rest = pyFeatRest();
   if (file.empty())
     return mapping;
@@ -256,7 +406,9 @@ Mapping readMapping(const std::string& file)
          {"blendshapes", [&](const Value& value) { readBlendshapes(value, mapping); }},
          {"arkit", [&](const Value& value) { readObject(value, membersWithRest(mapping.arkit, blendshapes)); }},
          {"emotions", [&](const Value& value) { readTable(value, mapping.emotions, emotions); }},
-         {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }}});
+         {"pyFeat", [&](const Value& value) { readPyFeat(value, mapping.pyFeat); }},
+         {"speakers", [&](const Value& value) { readSpeakers(value, mapping.speakers); }},
+         {"streams", [&](const Value& value) { readStreams(value, mapping.streams); }}});
   }
   catch (const JsonError& error)
   {

@@ -2,6 +2,8 @@
 
 #include "face/blendshapes.hpp"
 #include "face/scoretable.hpp"
+#include "recording/speakertable.hpp"
+#include "recording/xdfmapping.hpp"
 
 #include <optional>
 #include <string>
@@ -9,30 +11,32 @@
 namespace KV::recordings
 {
 
-/// How the columns of py-feat count where its versions differ.
+/// The signs and units of py-feat's columns, where its versions differ.
 struct PyFeatConventions
 {
-  std::optional<bool> degrees;    ///< of Pitch, Roll, Yaw; without it, found out
-  std::optional<bool> pitchIsUp;  ///< Pitch > 0 is up; without it, found out
-  bool gazeYawIsLeft = true;      ///< gaze_yaw > 0 is to the own left
+  std::optional<bool> degrees;    ///< of Pitch, Roll, Yaw; detected if empty
+  std::optional<bool> pitchIsUp;  ///< Pitch > 0 is up; detected if empty
+  bool gazeYawIsLeft = true;      ///< gaze_yaw > 0 is to the person's own left
   bool gazePitchIsUp = true;      ///< gaze_pitch > 0 is up
 };
 
-/// All that is a judgement in reading what front ends write, and no fact: a user may see it otherwise.
+/// All judgements in reading the output of front ends: a user may decide otherwise.
 struct Mapping
 {
   ScoreTable actionUnits;
-  ScoreTable pyFeatActionUnits;  ///< as the action units, but for what it names itself
+  ScoreTable pyFeatActionUnits;  ///< like actionUnits, except for the readings that it sets itself
   ScoreTable blendshapes;
   ScoreTable arkit;
   EyeScale eyes;
   ScoreTable emotions;
   PyFeatConventions pyFeat;
+  SpeakerTable speakers;
+  XdfMapping streams;
 };
 
-/// Returns the built-in mapping, with what this JSON file replaces; the name of the file may be empty.
+/// Returns the built-in mapping, changed by this JSON file; the name of the file may be empty.
 ///
-/// \throws Error if the file cannot be read or used: names the member, and what was expected.
+/// \throws Error if the file cannot be read or used: names the member and the expected value.
 Mapping readMapping(const std::string& file);
 
 }  // namespace KV::recordings

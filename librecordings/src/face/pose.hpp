@@ -10,17 +10,17 @@
 namespace KV::recordings
 {
 
-/// Sets head posture, gaze, distance and head height, as the options want them: relative to where the robot is,
-/// mirrored or not.
+/// Sets head posture, gaze, distance and head height by the options: relative to the robot's position, mirrored or
+/// not.
 void setPose(FaceReadings& readings, const FacePose& pose, const ReadingOptions& options, FrontEnd frontEnd);
 
-/// Returns what the options mean for this front end; FormatsOwn is none of it.
+/// Returns the convention of angles that the options mean for this front end; never FormatsOwn.
 LookAt::Kind lookAtOf(const ReadingOptions& options, FrontEnd frontEnd);
 
-/// Tells whether the axis follows the head at rest a little.
+/// Returns whether the axis follows the head at rest a little.
 bool refinesAxis(const ReadingOptions& options, FrontEnd frontEnd);
 
-/// Says what angles count from.
+/// Describes the direction from which angles count.
 std::string describeOrigin(const ReadingOptions& options, FrontEnd frontEnd, bool positionIsKnown);
 
 }  // namespace KV::recordings

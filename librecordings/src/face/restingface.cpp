@@ -9,7 +9,7 @@ namespace KV::recordings
 {
 namespace
 {
-// Of the full scale, each second: below its rest for a seventh of the time.
+// Of the full scale, per second: a score is below its rest for a seventh of the time.
 constexpr float rise = 0.002f;
 constexpr float fall = 0.012f;
 
@@ -83,7 +83,7 @@ void RestingFace::Scores::learnSpan(const std::vector<float>& scores)
   }
 }
 
-// Without a face in the span, the rest stays as it was learned.
+// Without a face in the time span, the learned rest stays.
 void RestingFace::Scores::endSpan()
 {
   for (std::size_t i = 0; i < span.size(); ++i)

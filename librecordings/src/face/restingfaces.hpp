@@ -15,16 +15,16 @@
 namespace KV::recordings
 {
 
-/// The faces at rest of the persons of a recording. Of more than mostPersons, those seen longest ago are forgotten.
+/// The persons' faces at rest in a recording. Of more than mostPersons, the person seen longest ago is forgotten.
 class RestingFaces
 {
 public:
   static constexpr std::size_t mostPersons = 1000;
 
-  /// Returns the face of a person who is seen at that time; spans count from the first time of all.
+  /// Returns the face of a person who is seen at that time; time spans count from the first time of all persons.
   RestingFace& of(std::int32_t person, ko::SystemClock::time_point now);
 
-  /// Says what was learned, a line for each of the first persons.
+  /// Describes the learned faces, a line for each of the first persons.
   std::vector<std::string> describe() const;
 
 private:

@@ -84,9 +84,9 @@ std::optional<KV::Expressions> ScoreReadings::expressions(const std::vector<floa
   return expressions;
 }
 
-// The mood classes were made for scores that share one whole: where an angry face has little calm. A surprised face is
-// neither; it takes half, since a face of which nothing else is known and that is not calm passes for negative.
-// Laughter is a kind of joy, and takes no share of its own.
+// The mood classes expect scores that share one whole: an angry face has little calm. A surprised face is neither; it
+// takes half, since a face that is not calm and has no other score would count as negative. Laughter is a kind of joy,
+// and takes no share of its own.
 void ScoreReadings::_share(KV::Expressions& expressions, float confidence)
 {
   const float others =
@@ -120,7 +120,7 @@ ScoreReadings::Formula ScoreReadings::_indexed(Expression expression, const Comp
   return {expression, _indexed(composition.sum), _indexed(composition.limit)};
 }
 
-// NaN if a score is unknown that adds to the sum.
+// NaN if one of the added scores is unknown.
 float ScoreReadings::_sumOf(const Sum& sum, const std::vector<float>& scores)
 {
   float total = 0.f;
@@ -144,7 +144,7 @@ float ScoreReadings::_strengthOf(const Formula& formula, const std::vector<float
     const float limit = _sumOf(formula.limit, scores);
     strength = std::isnan(limit) ? limit : std::min(strength, limit);
   }
-  return std::clamp(strength, 0.f, 1.f);  // leaves a NaN as it is
+  return std::clamp(strength, 0.f, 1.f);  // keeps a NaN
 }
 
 }  // namespace KV::recordings

@@ -16,24 +16,24 @@
 namespace KV::recordings
 {
 
-/// A weight, and the scores whose mean it weighs.
+/// A weight, and the scores whose mean is multiplied by it.
 struct ScoreTerm
 {
   float weight = 1.f;
   std::vector<std::string> of;  ///< names of scores
 };
 
-/// A reading as the sum of its terms, within [0, 1], and, if a limit is given, no greater than the sum of that.
+/// A reading as the sum of its terms, within [0, 1], and, if a limit is given, no greater than the sum of the limit.
 ///
-/// A term of a negative weight takes off: it is left out where one of its scores is unknown. Any other unknown score
-/// makes the reading unknown.
+/// A term of a negative weight lowers the sum: it is left out where one of its scores is unknown. Any other unknown
+/// score makes the reading unknown.
 struct Composition
 {
-  std::vector<ScoreTerm> sum;  ///< empty: the reading is not told
+  std::vector<ScoreTerm> sum;  ///< empty: the table does not have the reading
   std::vector<ScoreTerm> limit;
 };
 
-/// Which scores of a front end make which readings of a face: a judgement, and so a table.
+/// The table from the scores of a front end to the readings of a face. It is a judgement, so users may change it.
 struct ScoreTable
 {
   Composition smile;
@@ -43,7 +43,7 @@ struct ScoreTable
   Composition anger;
   Composition laughter;
   Composition excitement;
-  Composition calm;  ///< not told: what joy, anger, sorrow and half of the surprise leave of one whole that they share
+  Composition calm;  ///< empty: the rest of one whole that joy, anger, sorrow and half of the surprise share
 
   std::map<std::string, RestingScore> rest;  ///< by name; others rest at 0
 };
@@ -58,13 +58,13 @@ struct ScoreTableMember
 /// Returns all members of a table.
 const std::array<ScoreTableMember, 8>& scoreTableMembers();
 
-/// Returns by how much a score is above its rest, 0 at least; NaN for a score of NaN, which is unknown.
+/// Returns by how much a score is above its rest, at least 0; NaN for a score of NaN, which is unknown.
 inline float aboveRest(float score, float rest)
 {
   return std::isnan(score) ? score : std::max(0.f, score - rest);
 }
 
-/// Forms the readings of a face from its scores, by a table.
+/// Computes the readings of a face from its scores, by a table.
 class ScoreReadings
 {
 public:
@@ -73,7 +73,7 @@ public:
   /// Returns the names of the scores that the table needs, each once.
   const std::vector<std::string>& names() const { return _names; }
 
-  /// Returns how these scores rest, in the order of names().
+  /// Returns these scores at rest, in the order of names().
   const std::vector<RestingScore>& rest() const { return _rest; }
 
   /// Returns the smile with this confidence, or nothing if it is unknown.
@@ -81,11 +81,11 @@ public:
   /// `scores` are in the order of names(), each in [0, 1], or NaN if it is unknown.
   std::optional<KV::Smile> smile(const std::vector<float>& scores, float confidence) const;
 
-  /// Returns the expressions with this confidence each, and confidence 0 where a score is unknown or the table does
-  /// not tell the expression; nothing if all are unknown.
+  /// Returns the expressions with this confidence each, and confidence 0 where a score is unknown or the table does not
+  /// have the expression; nothing if all are unknown.
   ///
-  /// Without a table of its own, calm is what the others leave: joy, anger, sorrow and half of the surprise share one
-  /// whole, and are divided by their sum where it is greater.
+  /// Without a table of its own, calm is the rest of one whole: joy, anger, sorrow and half of the surprise share it,
+  /// and are divided by their sum where the sum is greater.
   std::optional<KV::Expressions> expressions(const std::vector<float>& scores, float confidence) const;
 
 private:
@@ -114,7 +114,7 @@ private:
   std::vector<std::string> _names;
   std::vector<RestingScore> _rest;
   Formula _smile;
-  std::vector<Formula> _expressions;  // those that the table tells
+  std::vector<Formula> _expressions;  // those in the table
   bool _calmIsTheRest = true;
 };
 

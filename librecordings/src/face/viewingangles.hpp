@@ -17,14 +17,14 @@ struct Bearing
 /// Returns the direction in which the camera sees the face; both angles are 0 on the optical axis.
 Bearing bearingOf(const FacePosition& position);
 
-/// Turns a head posture that counts from the optical axis into one that counts from the line from the face to the
-/// camera: there 0 / 0 faces the camera, wherever the person stands.
+/// Converts a head posture that counts from the optical axis into one that counts from the line from the face to the
+/// camera: there 0 / 0 faces the camera, wherever the person is.
 KV::HeadPosture relativeToLineOfSight(const KV::HeadPosture& posture, const Bearing& bearing);
 
 /// As above, for a gaze.
 KV::Gaze relativeToLineOfSight(const KV::Gaze& gaze, const Bearing& bearing);
 
-/// Turns what was read in a mirror image into what the person did: left and right are exchanged.
+/// Converts a head posture from a mirror image to the person's own: left and right are exchanged.
 KV::HeadPosture unmirrored(const KV::HeadPosture& posture);
 
 /// As above, for a gaze.

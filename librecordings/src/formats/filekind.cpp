@@ -17,7 +17,7 @@ namespace
 {
 using namespace std::string_view_literals;
 
-/// Bytes by which a kind of file is known.
+/// The bytes that identify a kind of file.
 struct Signature
 {
   std::size_t offset;
@@ -28,16 +28,14 @@ struct Signature
 constexpr const char* video = "a video: run a front end such as OpenFace on it, and give its output";
 constexpr const char* sound = "a sound recording, without faces";
 constexpr const char* picture = "a picture: run a front end such as OpenFace on it, and give its output";
-constexpr const char* packed = "a packed file: unpack it first; only gzip is read as it is";
+constexpr const char* packed = "a packed file: unpack it first; only gzip and zstd are read as they are";
 constexpr const char* utf16 = "text in UTF-16: save it as UTF-8";
 
 // The first that fits. Those of a container come before the container.
-constexpr std::array<Signature, 40> signatures = {{
+constexpr std::array<Signature, 37> signatures = {{
     {0, "\xFF\xFE"sv, utf16},
     {0, "\xFE\xFF"sv, utf16},
-    {0, "\x89MCAP0\r\n"sv, "an MCAP bag: convert it to SQLite with 'ros2 bag convert'"},
     {0, "#ROSBAG V"sv, "a bag of ROS 1: convert it to ROS 2 with 'rosbags-convert'"},
-    {0, "XDF:"sv, "a recording of the Lab Streaming Layer (XDF): export its streams as CSV"},
     {0, "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1"sv, "a document of Excel or Word, older than 2007: save it as CSV"},
     {30, "mimetypeapplication/vnd.oasis.opendocument.spreadsheet"sv, "a spreadsheet of LibreOffice: save it as CSV"},
     {30, "[Content_Types].xml"sv, "a spreadsheet of Excel or another document of Office: save it as CSV"},
@@ -65,7 +63,6 @@ constexpr std::array<Signature, 40> signatures = {{
     {0, "ARROW1"sv, "an Arrow or Feather file: save it as CSV, as pandas.read_feather() and to_csv() do"},
     {0, "\x93NUMPY"sv, "an array of NumPy: save it as CSV with names of columns"},
     {0, "MATLAB "sv, "a file of MATLAB: save its table as CSV"},
-    {0, "\x28\xB5\x2F\xFD"sv, packed},
     {0,
      "\xFD"
      "7zXZ"sv,

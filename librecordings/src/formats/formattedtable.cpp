@@ -15,7 +15,7 @@ namespace KV::recordings
 {
 namespace
 {
-// Errors name rows of the table, counted from 0, where they would name lines of the text.
+// Errors name rows of the table, counted from 0, instead of lines of the text.
 Error::Place placeInTable(const Error& error, const std::string& name)
 {
   const Error::Place& place = error.place();
@@ -25,7 +25,7 @@ Error::Place placeInTable(const Error& error, const std::string& name)
   return {isHeader ? name : name + ", row " + std::to_string(place.line - 2), 0, place.field};
 }
 
-// What the error says behind its place.
+// The error's text after its place.
 std::string messageOf(const Error& error)
 {
   const std::string place = Error(error.place(), "").what();
@@ -49,7 +49,7 @@ auto withPlacesIn(const std::string& name, Function function)
   }
 }
 
-/// A table that is read as the file that it could be.
+/// A table that is read as if it was a file of its format.
 class FormattedTable : public Reader
 {
 public:
@@ -124,7 +124,7 @@ std::unique_ptr<Reader> openTable(const Table& table, const std::string& format,
     return openTable(table);
   const Format* const found = format.empty() ? formatDetected(table) : formatNamed(format);
   if (found == nullptr)
-    return openTable(table);  // says what is missing
+    return openTable(table);  // with the missing column in its message
   if (!found->isTable)
     throw Error({table.name, 0, {}}, "a table cannot be of the format " + found->name + ", " + found->description);
   return std::make_unique<FormattedTable>(table, *found, options);

@@ -1,15 +1,20 @@
 #include "face/facereader.hpp"
 #include "formats/filekind.hpp"
 #include "jsonl/jsonlinesreader.hpp"
+#include "libreface/librefacerows.hpp"
 #include "livelink/livelinkrows.hpp"
 #include "mediapipe/blendshapecsvrows.hpp"
 #include "mediapipe/facelandmarkerrows.hpp"
 #include "openface/openfacecolumns.hpp"
 #include "openface/openfacerows.hpp"
 #include "pyfeat/pyfeatrows.hpp"
+#include "rosbag2/bagfolder.hpp"
+#include "rosbag2/openbagfile.hpp"
 #include "rosbag2/rosbagreader.hpp"
 #include "tidy/tidycsvtable.hpp"
 #include "tidy/tidyreader.hpp"
+#include "whisper/whisperreader.hpp"
+#include "xdf/xdfreader.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
 #include <skeigiot/recordings/openedrecording.hpp>
@@ -41,6 +46,16 @@ std::unique_ptr<Reader> readJsonLines(InputFile file, const ReadingOptions&)
 std::unique_ptr<Reader> readTidyCsv(InputFile file, const ReadingOptions&)
 {
   return std::make_unique<TidyReader>(std::make_unique<TidyCsvTable>(std::move(file)));
+}
+
+std::unique_ptr<Reader> readWhisper(InputFile file, const ReadingOptions& options)
+{
+  return std::make_unique<WhisperReader>(std::move(file), options);
+}
+
+std::unique_ptr<Reader> readXdf(InputFile file, const ReadingOptions& options)
+{
+  return std::make_unique<XdfReader>(std::move(file), options);
 }
 
 template <auto read>
@@ -95,7 +110,7 @@ const Format& formatNamed(const std::string& asked, const std::string& recording
   return *found;
 }
 
-// What comes through a pipe cannot be read twice.
+// Bytes from a pipe cannot be read twice.
 void refuseToLookIntoPipes(const std::string& path)
 {
   std::error_code error;
@@ -105,7 +120,7 @@ void refuseToLookIntoPipes(const std::string& path)
     throw Error({path, 0, {}}, "is not a regular file, so its format cannot be detected: name the format");
 }
 
-// The format of a file that begins with `head`; none if that is not known.
+// The format of a file that begins with `head`; empty if it is unknown.
 const Format* formatDetectedIn(const std::string& head)
 {
   const auto& formats = recordingFormats();
@@ -148,13 +163,19 @@ const std::vector<Format>& recordingFormats()
       table<readFaces<OpenFaceRows>>("openface", "CSV of OpenFace 2 and older",
                                      "there are fewer than 2 columns such as frame, pose_Rx, gaze_angle_x and AU12_r",
                                      looksLikeOpenFace),
+      table<readFaces<LibreFaceRows>>("libreface", "CSV of LibreFace",
+                                      "there are fewer than 2 columns such as au_6_intensity", looksLikeLibreFace),
       table<readTidyCsv>("tidy", "CSV of single readings, such as touch, one in each row",
                          "there are no columns time and reading", looksLikeTidyCsv),
       forward<readFaces<FaceLandmarkerRows>>("mediapipe", "JSON of MediaPipe FaceLandmarker results",
                                              "there is no JSON with faceBlendshapes or faceLandmarks",
                                              looksLikeFaceLandmarker),
-      {"rosbag2", "bag of ROS 2 in SQLite with the topics of ROS4HRI", "the file is no database of SQLite",
-       looksLikeRosbag, openRosbag, nullptr, false},
+      forward<readWhisper>("whisper", "JSON of Whisper, with or without speakers",
+                           "there is no JSON with segments, or with avg_logprob or no_speech_prob", looksLikeWhisper),
+      forward<readXdf>("xdf", "recording of the Lab Streaming Layer",
+                       "the file does not begin with XDF:", looksLikeXdf),
+      {"rosbag2", "bag of ROS 2 in MCAP or SQLite with the topics of ROS4HRI", "the file is neither MCAP nor SQLite",
+       looksLikeBagFile, openRosbag, nullptr, false},
       forward<readJsonLines>("jsonl", "JSON Lines of skeigiot", "the first line does not begin with {",
                              looksLikeJsonLines),
   };

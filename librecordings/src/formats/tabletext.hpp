@@ -9,9 +9,9 @@
 namespace KV::recordings
 {
 
-/// The text of a CSV file that has these columns and rows, made row by row as it is read.
+/// The text of a CSV file with these columns and rows, made row by row while it is read.
 ///
-/// Numbers have as many digits as they need, none where there is NaN. The numbers must stay where they are.
+/// Numbers have as many digits as they need; the field of a NaN is empty. The numbers must not move in memory.
 class TableText : public std::streambuf
 {
 public:
@@ -21,7 +21,7 @@ public:
   /// Returns the header alone.
   static std::string header(const Table& table);
 
-  /// Returns which part of the rows was taken out, in [0, 1].
+  /// Returns which part of the rows was returned, in [0, 1].
   double progress() const { return static_cast<double>(_row) / static_cast<double>(_table.rows); }
 
 protected:

@@ -1,9 +1,9 @@
 #include "input/bytesource.hpp"
 
+#include "input/unpacker.hpp"
+
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/recordings/interruptioncheck.hpp>
-
-#include <zlib.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +13,7 @@
 #include <exception>
 #include <filesystem>
 #include <istream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -25,12 +26,11 @@ namespace KV::recordings
 {
 namespace
 {
-constexpr unsigned int compressedBufferSize = 128U << 10U;
+constexpr std::size_t compressedBufferSize = std::size_t{128} << 10U;
 constexpr std::size_t largestPiece = std::size_t{1} << 20U;  // [bytes] that are unpacked at once
 constexpr const char* isCut = "the compressed data end too early: the file was cut";
 constexpr const char* isDamaged = "the compressed data are damaged: ";
-constexpr std::array<Bytef, 2> gzipMagic = {0x1f, 0x8b};
-constexpr int longestWait = 100;  // [ms] for a pipe, before the thread is asked whether to go on
+constexpr int longestWait = 100;  // [ms] for a pipe, before the thread may be interrupted
 
 std::filesystem::file_status statusOf(const std::string& path)
 {
@@ -52,19 +52,19 @@ std::size_t sizeOf(const std::string& path)
   return error ? 0 : static_cast<std::size_t>(size);
 }
 
-/// Bytes as they are stored.
+/// Bytes in their stored form.
 class StoredBytes
 {
 public:
   virtual ~StoredBytes() = default;
 
-  /// Reads up to `count` bytes; returns how many, and 0 at the end or at a fault.
+  /// Reads up to `count` bytes; returns the number read, and 0 at the end or at a fault.
   virtual std::size_t read(char* bytes, std::size_t count) = 0;
 
-  /// Says why the last read() found nothing; empty at the end.
+  /// Explains why the last read() returned nothing; empty at the end.
   const std::string& fault() const { return _fault; }
 
-  /// Returns how many bytes there are; 0 if that is not known.
+  /// Returns the number of bytes; 0 if it is unknown.
   virtual std::size_t size() const = 0;
 
 protected:
@@ -106,14 +106,14 @@ public:
   std::size_t size() const override { return _size; }
 
 private:
-  /// Waits for a while; tells whether something can be read, or the end was reached.
+  /// Waits for a while; returns whether something can be read, or the end was reached.
   bool _isReady() const
   {
     pollfd descriptor{_file, POLLIN, 0};
     return ::poll(&descriptor, 1, longestWait) > 0;
   }
 
-  bool _mustWait;     // for what writes into a pipe
+  bool _mustWait;     // for the program that writes into a pipe
   std::size_t _size;  // [bytes] 0 if unknown
   int _file;
 };
@@ -131,7 +131,7 @@ public:
       _stream.read(bytes, static_cast<std::streamsize>(count));
     }
     catch (const std::exception&)
-    {}  // as the caller asked of the stream; its state tells the same
+    {}  // as the caller asked of the stream; its state has the error, too
     const auto read = static_cast<std::size_t>(_stream.gcount());
     if (read == 0 && _stream.bad())
       _fault = "the stream cannot be read";
@@ -144,8 +144,18 @@ private:
   std::istream& _stream;
 };
 
-// Bytes that do not begin as gzip are taken as they are. Packed parts may follow each other, and zeros the last one, as
-// tapes and disks pad files. Anything else behind a part is a fault: what stands there would be lost.
+/// One method of compression.
+struct Packing
+{
+  std::string_view name;
+  std::string_view magic;  // at the begin of each part
+  std::unique_ptr<Unpacker> (*makeUnpacker)();
+};
+
+constexpr std::array<Packing, 2> packings = {{{"gzip", gzipMagic, gzipUnpacker}, {"zstd", zstdMagic, zstdUnpacker}}};
+
+// Bytes that do not begin as gzip or zstd are read unchanged. Packed parts may follow each other, and zeros the last
+// one, as tapes and disks pad files. Anything else after a part is a fault, since it would be lost.
 class UnpackedBytes : public ByteSource
 {
 public:
@@ -154,15 +164,14 @@ public:
   {}
   UnpackedBytes(const UnpackedBytes&) = delete;
   UnpackedBytes& operator=(const UnpackedBytes&) = delete;
-  ~UnpackedBytes() override { inflateEnd(&_inflater); }
 
   std::size_t read(char* bytes, std::size_t count) override
   {
     if (!_begun)
       _begin();
-    if (!_isPacked)
+    if (_unpacker == nullptr)
       return _copy(bytes, count);
-    InterruptionCheck::ask();  // few stored bytes may hold much
+    InterruptionCheck::ask();  // few stored bytes may unpack to many
     return _unpack(bytes, std::min(count, largestPiece));
   }
 
@@ -178,31 +187,28 @@ private:
   void _begin()
   {
     _begun = true;
-    while (_inflater.avail_in < gzipMagic.size() && _fetch())
+    while (_waiting.size() < longestPackedMagic && _fetch())
     {}
-    _isPacked = _beginsPart();
-    if (_isPacked)
-      _inPart = inflateInit2(&_inflater, 15 + 16) == Z_OK;
-    if (_isPacked && !_inPart)
-      _fault = "there is not enough memory to unpack it";
+    for (const Packing& packing : packings)
+      if (_beginsWith(packing.magic))
+      {
+        _packing = &packing;
+        _unpacker = packing.makeUnpacker();
+        _inPart = true;
+      }
   }
 
-  bool _beginsPart() const
-  {
-    return _inflater.avail_in >= gzipMagic.size() && std::equal(gzipMagic.begin(), gzipMagic.end(), _inflater.next_in);
-  }
+  bool _beginsWith(std::string_view magic) const { return _waiting.substr(0, magic.size()) == magic; }
 
-  // Returns how many stored bytes were taken in.
-  std::uint64_t _place() const { return _fetched - _inflater.avail_in; }
+  // Returns the number of stored bytes that were read.
+  std::uint64_t _place() const { return _fetched - _waiting.size(); }
 
-  // Reads on behind the bytes that wait to be unpacked; false if there are no more.
+  // Reads bytes after those that wait to be unpacked; false if there are no more.
   bool _fetch()
   {
-    std::copy_n(_inflater.next_in, _inflater.avail_in, _packed.begin());
-    const std::size_t count =
-        _read(reinterpret_cast<char*>(_packed.data()) + _inflater.avail_in, _packed.size() - _inflater.avail_in);
-    _inflater.next_in = _packed.data();
-    _inflater.avail_in += static_cast<uInt>(count);
+    std::copy(_waiting.begin(), _waiting.end(), _packed.begin());
+    const std::size_t count = _read(_packed.data() + _waiting.size(), _packed.size() - _waiting.size());
+    _waiting = {_packed.data(), _waiting.size() + count};
     return count > 0;
   }
 
@@ -215,37 +221,44 @@ private:
 
   std::size_t _copy(char* bytes, std::size_t count)
   {
-    if (_inflater.avail_in == 0)
+    if (_waiting.empty())
       return _read(bytes, count);
-    const std::size_t copied = std::min(count, static_cast<std::size_t>(_inflater.avail_in));
-    std::memcpy(bytes, _inflater.next_in, copied);
-    _inflater.next_in += copied;
-    _inflater.avail_in -= static_cast<uInt>(copied);
+    const std::size_t copied = std::min(count, _waiting.size());
+    std::memcpy(bytes, _waiting.data(), copied);
+    _waiting.remove_prefix(copied);
     return copied;
   }
 
   std::size_t _unpack(char* bytes, std::size_t count)
   {
-    _inflater.next_out = reinterpret_cast<Bytef*>(bytes);
-    _inflater.avail_out = static_cast<uInt>(count);
-    while (fault().empty() && _inPart && _inflater.avail_out == count)
-      _unpackOn();
-    return count - _inflater.avail_out;
+    std::size_t made = 0;
+    while (fault().empty() && _inPart && made == 0)
+      made = _unpackOn(bytes, count);
+    return made;
   }
 
-  void _unpackOn()
+  std::size_t _unpackOn(char* bytes, std::size_t count)
   {
-    if (_inflater.avail_in == 0 && !_fetch())
+    const bool isLast = _waiting.empty() && !_fetch();
+    if (!fault().empty())
+      return 0;
+    try
     {
-      if (fault().empty())
+      const Unpacker::Progress progress = _unpacker->unpack(_waiting, bytes, count);
+      _waiting.remove_prefix(progress.taken);
+      if (progress.ended)
+        _beginNextPart();
+      else if (isLast && progress.made == 0)
         _fault = isCut;
-      return;
+      else if (progress.taken + progress.made == 0)
+        throw UnpackError("they do not go on");
+      return progress.made;
     }
-    const int result = inflate(&_inflater, Z_NO_FLUSH);
-    if (result == Z_STREAM_END)
-      _beginNextPart();
-    else if (result != Z_OK)
-      _fault = std::string(isDamaged) + (_inflater.msg != nullptr ? _inflater.msg : "no gzip");
+    catch (const UnpackError& error)
+    {
+      _fault = std::string(isDamaged) + error.what();
+      return 0;
+    }
   }
 
   void _beginNextPart()
@@ -253,35 +266,35 @@ private:
     _inPart = false;
     if (!_skipZeros())
       return;
-    if (_inflater.avail_in < gzipMagic.size())
+    if (_waiting.size() < longestPackedMagic)
       _fetch();
-    _inPart = _beginsPart();
+    _inPart = _beginsWith(_packing->magic);
     if (_inPart)
-      inflateReset(&_inflater);
+      _unpacker->restart();
     else
       _fault =
           "other data follow the compressed data, at byte " + std::to_string(_place()) + ": the rest cannot be read";
   }
 
-  // Goes to the next byte that is not 0; false at the end.
+  // Skips to the next byte that is not 0; false at the end.
   bool _skipZeros()
   {
-    while (_inflater.avail_in > 0 || _fetch())
+    while (!_waiting.empty() || _fetch())
     {
-      if (*_inflater.next_in != 0)
+      if (_waiting.front() != 0)
         return true;
-      ++_inflater.next_in;
-      --_inflater.avail_in;
+      _waiting.remove_prefix(1);
     }
     return false;
   }
 
   std::unique_ptr<StoredBytes> _stored;
-  std::vector<Bytef> _packed;  // what is fetched and not unpacked yet stands in it
-  std::uint64_t _fetched = 0;  // [bytes] of what is stored
-  z_stream _inflater{};
+  std::vector<char> _packed;   // holds bytes that are fetched and not unpacked yet
+  std::string_view _waiting;   // to be unpacked, in _packed
+  std::uint64_t _fetched = 0;  // [bytes] of the stored form
+  const Packing* _packing = nullptr;
+  std::unique_ptr<Unpacker> _unpacker;  // null: the bytes are not packed
   bool _begun = false;
-  bool _isPacked = false;
   bool _inPart = false;  // of the packed parts
   std::string _fault;
 };

@@ -88,7 +88,7 @@ std::string InputFile::peek(std::size_t count)
   return std::string(_unread().substr(0, count));
 }
 
-// The bytes before a fault of the file can be read; reading on behind them throws the fault.
+// The bytes before a fault of the file can be read; reading after them throws the fault.
 void InputFile::_readAtLeast(std::size_t count)
 {
   while (_unread().size() < count && _readOn())
@@ -97,7 +97,7 @@ void InputFile::_readAtLeast(std::size_t count)
     _readMore();
 }
 
-// Reads on behind what is not handed out yet; false at the end of the file.
+// Reads bytes after those not returned yet; false at the end of the file.
 bool InputFile::_readMore()
 {
   if (_readOn())

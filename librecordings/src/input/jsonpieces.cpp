@@ -28,7 +28,7 @@ bool JsonPieces::next(std::string& piece)
   char character = 0;
   while (_peek(character))
   {
-    // An object begins a line: the one before it was not ended.
+    // An object begins a line: the one before it is not closed.
     if (_atLineStart && character == '{' && _depth > 0)
       _refuse("the object is not complete");
     _consume();
@@ -62,7 +62,7 @@ void JsonPieces::_consume()
   _block.remove_prefix(1);
 }
 
-// Goes to where the next object begins; false at the end.
+// Skips to the begin of the next object; false at the end.
 bool JsonPieces::_findBegin()
 {
   char character = 0;
@@ -100,7 +100,7 @@ void JsonPieces::_skipLine()
   _refuse("expected a JSON object, found " + quote(text));
 }
 
-// Adds a character to the object; true if it ends it.
+// Adds a character to the object; true if the object ends with it.
 bool JsonPieces::_takeIn(char character)
 {
   if (_piece.size() == longestPiece)
@@ -111,7 +111,7 @@ bool JsonPieces::_takeIn(char character)
   {
     const bool ends = character == '"' && !_isEscaped;
     _isEscaped = character == '\\' && !_isEscaped;
-    _inString = !ends && character != '\n';  // no string goes on over the end of a line
+    _inString = !ends && character != '\n';  // no string continues after the end of a line
     return false;
   }
   _parts += character == ',' || character == '{' || character == '[' ? 1 : 0;

@@ -12,8 +12,8 @@
 namespace KV::recordings
 {
 
-/// Splits a file into the JSON objects that stand in it one behind the other, on a line each or not, or in one array,
-/// however large that is.
+/// Splits a file into its JSON objects: they follow each other, on a line each or not, or are in one array, which may
+/// have any size.
 class JsonPieces
 {
 public:
@@ -27,12 +27,12 @@ public:
 
   /// Reads the next object into `piece`; returns false at the end of the file.
   ///
-  /// \throws BadLine if an object is not complete, nested too deep or has too many parts, or something else stands
-  ///   between objects; the next call goes on behind it.
+  /// \throws BadLine if an object is not complete, nested too deep or has too many parts, or there is something else
+  /// between objects; the next call goes on after it.
   /// \throws Error if the file cannot be read, or an object is too long.
   bool next(std::string& piece);
 
-  /// Returns in which line the object begins that was read last, from 1.
+  /// Returns in which line the last object read begins, from 1.
   std::size_t lineNumber() const { return _pieceLine; }
 
   const InputFile& file() const { return _file; }
@@ -56,7 +56,7 @@ private:
   std::size_t _pieceLine = 0;
   int _depth = 0;
   bool _tooDeep = false;
-  std::size_t _parts = 0;  // of the object so far: its members, and elements of its arrays, at least
+  std::size_t _parts = 0;  // of the object so far: at least its members, and elements of its arrays
   bool _inString = false;
   bool _isEscaped = false;
 };

@@ -3,7 +3,7 @@
 namespace KV::recordings
 {
 
-// "[json.exception...] what"
+// "[json.exception...] why"
 std::string withoutErrorCode(const std::string& parserMessage)
 {
   const std::size_t end = parserMessage.find("] ");

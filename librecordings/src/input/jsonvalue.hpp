@@ -11,11 +11,11 @@
 namespace KV::recordings
 {
 
-/// A value of a JSON document that is not what was expected.
+/// A value of a JSON document that differs from the expected one.
 class JsonError : public std::runtime_error
 {
 public:
-  /// `path` says where the value stands, such as "observation.gaze.yaw"; empty for the document.
+  /// `path` is the place of the value, such as "observation.gaze.yaw"; empty for the document.
   JsonError(std::string path, const std::string& message) : std::runtime_error(message), _path(std::move(path)) {}
 
   const std::string& path() const { return _path; }
@@ -24,18 +24,18 @@ private:
   std::string _path;
 };
 
-/// Returns the message of the parser without the code in brackets that it begins with.
+/// Returns the message of the parser without the code in brackets at its beginning.
 std::string withoutErrorCode(const std::string& parserMessage);
 
-/// Refuses a text with a NUL: the parser takes one for the end, and would leave what follows unread.
+/// Refuses a text with a NUL: the parser takes it for the end, and would not read the text after it.
 ///
 /// \throws JsonError
 void refuseNul(std::string_view text);
 
 /// A value of a JSON document that knows its path.
 ///
-/// The path is only put together when it is asked for: a part refers to the value that it is a part of, which has to
-/// outlive it, as has the document.
+/// The path is built only on demand: a part refers to the value of which it is a part. That value must outlive it, and
+/// so must the document.
 template <typename Json>
 class JsonValue
 {
@@ -54,7 +54,7 @@ public:
   const Json& operator*() const { return *_json; }
   const Json* operator->() const { return _json; }
 
-  /// Returns where the value stands, such as "blendshapes.joy.sum[0]"; empty for the document.
+  /// Returns the place of the value, such as "blendshapes.joy.sum[0]"; empty for the document.
   std::string path() const
   {
     if (_whole == nullptr)
@@ -62,7 +62,7 @@ public:
     return _name.empty() ? _whole->path() + "[" + std::to_string(_index) + "]" : _whole->memberPath(_name);
   }
 
-  /// Returns where the member of that name stands, or would.
+  /// Returns the place of the member of that name, existing or not.
   std::string memberPath(std::string_view name) const
   {
     const std::string own = path();
@@ -75,7 +75,7 @@ public:
     throw JsonError(path(), "expected " + expected + ", found " + quote(_json->dump()));
   }
 
-  /// Says that there is no such member, and the names that there are.
+  /// Reports that there is no such member, and the existing names.
   ///
   /// \throws JsonError
   [[noreturn]] void refuseMember(std::string_view name, const std::string& expected) const

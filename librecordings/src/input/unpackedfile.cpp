@@ -1,6 +1,7 @@
 #include "input/unpackedfile.hpp"
 
 #include "input/bytesource.hpp"
+#include "input/unpacker.hpp"
 
 #include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
@@ -13,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include <unistd.h>
@@ -44,11 +46,15 @@ void writeAll(int file, const char* bytes, std::size_t count, const std::string&
 
 }  // namespace
 
-bool UnpackedFile::isNeededFor(const std::string& path)
+std::string UnpackedFile::packingOf(const std::string& path)
 {
-  std::array<char, 2> magic{};
-  std::ifstream(path, std::ios::binary).read(magic.data(), magic.size());
-  return magic[0] == '\x1f' && magic[1] == '\x8b';
+  std::array<char, longestPackedMagic> bytes{};
+  std::ifstream file(path, std::ios::binary);
+  file.read(bytes.data(), bytes.size());
+  const std::string_view head(bytes.data(), static_cast<std::size_t>(file.gcount()));
+  if (head.substr(0, gzipMagic.size()) == gzipMagic)
+    return "gzip";
+  return head == zstdMagic ? "zstd" : "";
 }
 
 UnpackedFile::UnpackedFile(const std::string& path)
@@ -93,8 +99,7 @@ void UnpackedFile::_unpack(const std::string& source)
                        " MiB: if you trust it, unpack it yourself");
     writeAll(_file, piece.data(), count, source);
   }
-  if (!bytes->fault().empty())
-    fail(source, bytes->fault());
+  _fault = bytes->fault();
 }
 
 }  // namespace KV::recordings

@@ -34,7 +34,7 @@ void FlatJson::_skipSpace()
     ++_next;
 }
 
-/// At the end of the text, a character that nothing begins with.
+/// At the end of the text, a character with which nothing begins.
 char FlatJson::_peek() const
 {
   return _next != _end ? *_next : '\0';
@@ -177,7 +177,7 @@ FlatJson::Piece FlatJson::_readNumber(Kind& kind)
   return {begin, static_cast<std::size_t>(_next - begin)};
 }
 
-/// One digit or more.
+/// At least one digit.
 void FlatJson::_readDigits()
 {
   if (!isDigit(_peek()))

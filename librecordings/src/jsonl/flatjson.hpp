@@ -17,21 +17,21 @@ namespace KV::recordings
 {
 
 /// FlatJson cannot parse the line: it has an error, or JSON that recordings seldom have.
-/// Parse the line into a tree then: the tree's parser has the error messages.
+/// Then parse the line into a tree: the tree's parser has the error messages.
 class NotPlain : public std::exception
 {};
 
 /// A JSON object in a text, without a tree: its values one after the other, each with its place in the text.
 ///
-/// It knows what recordings consist of. Texts with escapes, null, and numbers beyond 64 bits are not plain, nor is an
-/// object that is nested deeper or has more parts than any observation. Whatever it takes, a JSON parser takes too.
+/// It accepts the JSON of recordings. Texts with escapes, null, and numbers beyond 64 bits are not plain; nor is an
+/// object that is nested deeper or has more parts than any observation. A JSON parser accepts all that it accepts.
 class FlatJson
 {
 public:
   /// Parses the text, which has to outlive the object.
   ///
-  /// \throws NotPlain if the text is anything else than one plain JSON value. A name that is twice in an object is no
-  ///   error here; the reader of the members must check for it.
+  /// \throws NotPlain if the text is not one plain JSON value. A name that is twice in an object is no error here; the
+  /// reader of the members must check for it.
   explicit FlatJson(std::string_view text);
   FlatJson(const FlatJson&) = delete;  // values refer to it
   FlatJson& operator=(const FlatJson&) = delete;
@@ -62,18 +62,18 @@ private:
     std::string_view view() const { return {begin, size}; }
   };
 
-  // Has no constructor either: there is one of them for each part that a text might have, and most are never used.
+  // Has no constructor either: each possible part of a text has one of them, and most are never used.
   struct Part
   {
     Piece name;          // of a member
     Piece text;          // of a text or number
     std::uint32_t size;  // how many members or elements it has
-    std::uint32_t end;   // the index behind the last part of it
+    std::uint32_t end;   // the index after its last part
     Kind kind;
   };
   static_assert(std::is_trivial_v<Part>);
 
-  // An object, array, member or element are up to three parts for those who parse into a tree.
+  // In a tree, an object, array, member or element takes up to three parts.
   static constexpr std::size_t mostParts = limits::mostPartsOfStep / 3;
   static constexpr int deepest = 8;
   static_assert(deepest < limits::deepestJson);
@@ -112,7 +112,7 @@ public:
 
   /// Returns the first member or element, if size() is not 0.
   Value first() const { return {*_json, _index + 1}; }
-  /// Returns the member or element behind this one, if there is one.
+  /// Returns the next member or element, if there is one.
   Value next() const { return {*_json, _part().end}; }
 
   std::optional<bool> asBool() const
@@ -136,7 +136,7 @@ public:
       return _number<float>();
     if (_part().kind != Kind::Whole)
       return {};
-    // By way of an integer: -0 is 0 then, as it is for other parsers.
+    // Converted by an integer: -0 is 0 then, as it is for other parsers.
     return *_part().text.begin == '-' ? static_cast<float>(_number<std::int64_t>())
                                       : static_cast<float>(_number<std::uint64_t>());
   }

@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// Tells from the first bytes of a file whether it holds JSON objects.
+/// Returns whether a file with these first bytes holds JSON objects.
 bool looksLikeJsonLines(const std::string& head);
 
 /// Reads the project's own format: a JSON object on each line, see docs/recording-format.md.
@@ -25,7 +25,7 @@ public:
   boost::optional<Step> next() override;
   std::vector<std::string> describe() const override;
 
-  /// Known when the first line was read.
+  /// Known after the first line is read.
   bool isDated() const override { return _isDated; }
 
   double progress() const override { return _file.progress(); }

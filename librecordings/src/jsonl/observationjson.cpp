@@ -28,7 +28,7 @@ namespace KV::recordings
 {
 namespace
 {
-// Numbers with a fraction are single precision from text to text: by way of double some would be rounded twice.
+// Numbers with a fraction are single precision from text to text: converted by double, some would be rounded twice.
 using Json =
     nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
 
@@ -116,7 +116,7 @@ bool isEmpty(const KV::PersonObservation& observation)
   return !isAnyThere;
 }
 
-// The step without its time, which the readings refer to.
+// The step without its time, to which the readings refer.
 template <typename Visitor>
 void visit(Visitor& members, Step& entry)
 {
@@ -250,8 +250,8 @@ private:
   TimePoint _stepTime;
 };
 
-// Two forms of a parsed line: a tree, and the parts of a plain line one after the other. The tree knows what is wrong
-// with a line; the parts take a tenth of its time.
+// Two forms of a parsed line: a tree, and the parts of a plain line one after the other. The tree has the messages for
+// a wrong line; the parts take a tenth of its time.
 using TreeValue = JsonValue<Json>;
 using FlatValue = FlatJson::Value;
 
@@ -326,7 +326,7 @@ template <typename Integer>
 std::optional<Integer> asWhole(const TreeValue& value)
 {
   using Limits = std::numeric_limits<Integer>;
-  // JSON for Modern C++ keeps what is not negative as an unsigned number.
+  // JSON for Modern C++ keeps a number that is not negative as an unsigned one.
   const bool fits = value->is_number_unsigned()
                         ? value->get<std::uint64_t>() <= static_cast<std::uint64_t>(Limits::max())
                         : value->is_number_integer() && Limits::is_signed &&
@@ -355,7 +355,7 @@ std::optional<Integer> asWhole(const FlatValue& value)
   throw NotPlain();
 }
 
-// The members of an object, as they are asked for.
+// The members of an object, by request.
 class TreeMembers
 {
 public:
@@ -372,7 +372,7 @@ public:
 
   [[noreturn]] void refuseMissing(const char* name) const { throw JsonError(_object.memberPath(name), "is missing"); }
 
-  // Refuses members that nobody asked for.
+  // Refuses members that were not requested.
   void finish() const
   {
     for (const auto& [name, value] : _object->items())
@@ -393,7 +393,7 @@ private:
   std::vector<std::string_view> _known;
 };
 
-// As above. Members mostly stand in the order in which they are asked for, so a search goes on where the last one
+// As above. Members are mostly in the order of requests, so a search begins where the last one
 // ended.
 class FlatMembers
 {
@@ -418,7 +418,7 @@ public:
 
   [[noreturn]] void refuseMissing(const char*) const { throw NotPlain(); }
 
-  // No member is asked for twice. So if fewer were found than there are, one is there twice, or nobody asked for it.
+  // No member is requested twice. So if fewer were found than exist, one is there twice, or one was not requested.
   void finish() const
   {
     if (_found != _object.size())
@@ -468,7 +468,7 @@ public:
       _read(*found, field);
   }
 
-  // Refuses members that nobody asked for.
+  // Refuses members that were not requested.
   void finish() const { _members.finish(); }
 
 private:
@@ -577,7 +577,7 @@ private:
   TimePoint _stepTime;
 };
 
-// Watches over the parsing: names that are doubled, and what is too much for one step.
+// Checks while parsing: names that are doubled, and more parts than one step can have.
 class Guard
 {
 public:
@@ -606,7 +606,7 @@ private:
   std::size_t _parts = 0;
 };
 
-// "[json.exception...] parse error at line 1, column 9: what": the text is one line.
+// "[json.exception...] parse error at line 1, column 9: why": the text is one line.
 std::string shortened(const std::string& parserMessage)
 {
   constexpr std::size_t longest = 200;
@@ -664,7 +664,7 @@ TimePoint timeOfLine(const typename Members::Value& object, const boost::optiona
   return timeOf(time);
 }
 
-// Reads the members of `line`, readings without a time having that of the line, which is `time`.
+// Reads the members of `line`; `time` is the line's time, and the time of readings without their own.
 template <typename Members, typename Line>
 void readMembers(const typename Members::Value& document, const boost::optional<TimePoint>& otherwise, TimePoint& time,
                  Line& line)
@@ -705,7 +705,7 @@ Line readTree(std::string_view text, const boost::optional<TimePoint>& otherwise
   }
 }
 
-// Returns nothing for a line that is not plain, or has an error: of several, the tree knows the one that is reported.
+// Returns nothing for a line that is not plain, or has an error: the tree's parser then chooses the error to report.
 template <typename Line>
 std::optional<Line> readPlain(std::string_view text, const boost::optional<TimePoint>& otherwise)
 {

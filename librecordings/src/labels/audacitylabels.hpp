@@ -8,10 +8,10 @@
 namespace KV::recordings
 {
 
-/// Tells whether the first line begins with two numbers between tabs.
+/// Returns whether the first line begins with two numbers between tabs.
 bool isAudacityLabels(std::string_view text);
 
-/// \throws Error for what is wrong in it.
+/// \throws Error for the first mistake in it.
 Labels readAudacityLabels(const std::string& path, const std::string& text);
 
 }  // namespace KV::recordings

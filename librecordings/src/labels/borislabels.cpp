@@ -20,7 +20,7 @@ namespace
 constexpr std::array<char, 3> delimiters = {'\t', ',', ';'};
 constexpr std::size_t longestPreamble = 200;  // [rows]
 
-/// Where what stands: events with start and stop in a row, or each with a row of its own.
+/// The columns: events with start and stop in a row, or each with a row of its own.
 struct BorisColumns
 {
   explicit BorisColumns(const LabelColumns& columns)
@@ -212,7 +212,7 @@ private:
   BorisColumns _columns;
   std::size_t _first;
   std::string _observation;                                // of the preamble
-  std::map<Key, std::pair<LabelSpan, std::size_t>> _open;  // that start and did not stop yet, with their lines
+  std::map<Key, std::pair<LabelSpan, std::size_t>> _open;  // that started and did not stop yet, with their lines
   Labels _labels;
 };
 

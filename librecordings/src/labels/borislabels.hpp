@@ -8,10 +8,10 @@
 namespace KV::recordings
 {
 
-/// Tells whether the text has the columns of events, at its beginning or below a preamble.
+/// Returns whether the text has the columns of events, at its beginning or below a preamble.
 bool isBorisLabels(std::string_view text);
 
-/// \throws Error for what is wrong in it.
+/// \throws Error for the first mistake in it.
 Labels readBorisLabels(const std::string& path, const std::string& text);
 
 }  // namespace KV::recordings

@@ -20,7 +20,7 @@ namespace
 constexpr std::array<char, 3> delimiters = {',', ';', '\t'};
 constexpr std::array<const char*, 3> quantities = {"value", "valence", "attention"};
 
-/// Where what stands, in a table of spans or of tracks.
+/// The columns of a table of spans or of tracks.
 struct CsvColumns
 {
   explicit CsvColumns(const LabelColumns& columns)
@@ -50,7 +50,7 @@ struct CsvColumns
   std::vector<std::pair<std::string, std::size_t>> values;  // of tracks, with the names of their columns
 };
 
-/// Returns the delimiter between which the first row names the columns, if there is one.
+/// Returns the delimiter with which the first row names the columns, if there is one.
 std::optional<char> delimiterOf(std::string_view text)
 {
   const std::string_view begin = text.substr(std::min(text.find_first_not_of("\r\n"), text.size()));

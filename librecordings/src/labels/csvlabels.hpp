@@ -8,10 +8,10 @@
 namespace KV::recordings
 {
 
-/// Tells whether the first row names the columns of spans or tracks.
+/// Returns whether the first row names the columns of spans or tracks.
 bool isCsvLabels(std::string_view text);
 
-/// \throws Error for what is wrong in it.
+/// \throws Error for the first mistake in it.
 Labels readCsvLabels(const std::string& path, const std::string& text);
 
 }  // namespace KV::recordings

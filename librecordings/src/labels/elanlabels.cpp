@@ -64,12 +64,12 @@ private:
     double to = 0.;
   };
 
-  /// An annotation that takes its share of the time of another.
+  /// An annotation that takes a part of the time of another.
   struct Referring
   {
     std::string parent;
     std::size_t index = 0;
-    std::size_t of = 0;  // how many of its tier refer to the parent; counted when all are known
+    std::size_t of = 0;  // the number of its tier's annotations with the same parent; counted when all are known
     pugi::xml_node node;
     bool isVisited = false;
   };
@@ -116,7 +116,7 @@ private:
     return found->second;
   }
 
-  /// Annotations that follow each other share slots. Those between two known times are spread evenly over the span.
+  /// Consecutive annotations share slots. Slots without a time are spread evenly between two known times.
   void _readAlignable(const pugi::xml_node& tier)
   {
     std::vector<std::pair<pugi::xml_node, std::pair<const Slot*, const Slot*>>> annotations;
@@ -181,7 +181,7 @@ private:
     return chain;
   }
 
-  /// Slots are listed by time: spreads those without one evenly between the two nearest that have one.
+  /// Slots are listed by time: spreads those without a time evenly between the nearest two with a time.
   double _timeByOrder(const pugi::xml_node& node, const Slot& slot) const
   {
     std::size_t before = slot.order;

@@ -8,10 +8,10 @@
 namespace KV::recordings
 {
 
-/// Tells whether the text is a document of ELAN.
+/// Returns whether the text is a document of ELAN.
 bool isElanLabels(std::string_view text);
 
-/// \throws Error for what is wrong in it.
+/// \throws Error for the first mistake in it.
 Labels readElanLabels(const std::string& path, const std::string& text);
 
 }  // namespace KV::recordings

@@ -16,7 +16,7 @@ struct LabelRow
   std::size_t line = 0;  ///< where it begins, from 1
   std::vector<std::string> fields;
 
-  /// Returns the field, or nothing for one behind the end of the row, or a column that is not there.
+  /// Returns the field; nothing if the row has fewer fields, or the column does not exist.
   std::string_view field(const std::optional<std::size_t>& column) const
   {
     return column && *column < fields.size() ? std::string_view(fields[*column]) : std::string_view();
@@ -24,8 +24,8 @@ struct LabelRow
 };
 
 /// Splits the text into rows, at most so many; lines without text are no rows. Unlike CsvRows, it knows any delimiter,
-/// and line breaks in quotes, for tables that people make by hand. Fields have no blanks around them. One in quotes may
-/// hold delimiters and line breaks, and two quotes in a row mean one quote.
+/// and line breaks in quotes, for tables that people make by hand. Fields have no blanks around them. A field in quotes
+/// may hold delimiters and line breaks, and two quotes in a row mean one quote.
 ///
 /// \throws Error if a quote is not closed, or there are too many fields.
 std::vector<LabelRow> labelRows(std::string_view text, const std::string& path, char delimiter,
@@ -44,7 +44,7 @@ private:
   std::map<std::string, std::size_t> _indices;
 };
 
-/// Returns the text with small letters for those of ASCII.
+/// Returns the text with ASCII letters in lower case.
 std::string smallLetters(std::string_view text);
 
 }  // namespace KV::recordings

@@ -24,7 +24,7 @@ constexpr std::string_view blanks = " \t\r\n";
 
 constexpr utf::code_point replacement = 0xFFFD;  // replaces half of a surrogate pair
 
-/// Returns the units of UTF-16 behind the byte order mark.
+/// Returns the units of UTF-16 after the byte order mark.
 std::u16string unitsOf(std::string_view bytes, bool bigEndian)
 {
   std::u16string units;

@@ -18,17 +18,17 @@ std::string labelText(const std::string& path);
 /// Returns the text without blanks and line breaks around it.
 std::string_view trimmedLabel(std::string_view text);
 
-/// Reads all of the text as a finite number; nothing if it is none.
+/// Reads the whole text as a finite number. Returns no value for any other text.
 std::optional<double> labelNumber(std::string_view text);
 
-/// As above.
+/// Reads the whole text as a finite number.
 ///
-/// \throws Error at that place if it is none.
+/// \throws Error at that place for any other text.
 double labelNumber(std::string_view text, const Error::Place& place);
 
-/// Reads it as seconds since the start of the recording.
+/// Reads the whole text as seconds since the start of the recording.
 ///
-/// \throws Error at that place if it is no number, or no time of a recording.
+/// \throws Error at that place for any other text, or if the time is outside the range of recordings.
 double labelTime(std::string_view text, const Error::Place& place);
 
 /// Returns the number of the line, from 1, in which that offset of the text lies.

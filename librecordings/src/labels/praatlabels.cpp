@@ -18,14 +18,14 @@ namespace
 constexpr double mostElements = 1e9;
 constexpr std::size_t headLength = 256;
 
-/// The texts, numbers and flags of a Praat text file, one after the other. All other words are comments, which makes
-/// one grammar of the long and the short form.
+/// The texts, numbers and flags of a Praat text file, one after the other. All other words are comments, so the long
+/// and the short form have one grammar.
 class PraatTokens
 {
 public:
   PraatTokens(const std::string& path, std::string_view text) : _path(path), _text(text) {}
 
-  /// Returns the next text between quotes; numbers must not stand before it.
+  /// Returns the next text between quotes; a number before it is an error.
   std::string text(const std::string& field)
   {
     const std::string_view token = _next(field);

@@ -8,10 +8,10 @@
 namespace KV::recordings
 {
 
-/// Tells whether the text is a TextGrid.
+/// Returns whether the text is a TextGrid.
 bool isPraatLabels(std::string_view text);
 
-/// \throws Error for what is wrong in it.
+/// \throws Error for the first mistake in it.
 Labels readPraatLabels(const std::string& path, const std::string& text);
 
 }  // namespace KV::recordings

@@ -19,7 +19,7 @@ constexpr double secondsPerDay = 86400.0;
 const std::vector<std::string> headNames = {"HeadYaw", "HeadPitch", "HeadRoll"};
 const std::vector<std::string> eyeNames = {"LeftEyeYaw", "RightEyeYaw", "LeftEyePitch", "RightEyePitch"};
 
-// JawOpen is what others call jawOpen.
+// JawOpen is the jawOpen of other programs.
 std::string columnOf(std::string blendshape)
 {
   blendshape.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(blendshape.front())));
@@ -94,13 +94,13 @@ FaceRow LiveLinkRows::_readRow()
   if (row.tracked)
   {
     row.face = _persons.personOf(numbers, file().place());
-    row.told = faceOf(_readFace(numbers));
+    row.detected = faceOf(_readFace(numbers));
   }
   return row;
 }
 
-// A time code says no day, so the recording begins at 0. A rate that the user gives counts rows; the time code counts
-// sixtieths of a second, of which a row may be several.
+// A time code has no day, so the recording begins at 0. A rate that the user gives counts rows; the time code counts
+// sixtieths of a second, and a row may last several.
 Frame LiveLinkRows::_readFrame(const CsvNumbers& numbers)
 {
   const auto timeOfDay = secondsOfTimecode(numbers.text(_timecode));

@@ -16,7 +16,7 @@
 namespace KV::recordings
 {
 
-/// Tells from the first bytes of a file whether it is a table of Live Link Face.
+/// Returns whether a file with these first bytes is a table of Live Link Face.
 bool looksLikeLiveLink(const std::string& head);
 
 /// The rows of a CSV file of Live Link Face: the blendshapes of ARKit, and the angles of head and eyes.
@@ -49,7 +49,7 @@ private:
   ColumnGroup<4> _eyes;  // LeftEyeYaw, RightEyeYaw, LeftEyePitch, RightEyePitch
   CsvPersons _persons;
   std::int64_t _row = -1;            // of those so far
-  double _midnights = 0.0;           // [s] of the days that went by
+  double _midnights = 0.0;           // [s] of the days that have passed
   std::optional<double> _begin;      // [s] of day of the first row
   std::optional<double> _timeOfDay;  // [s] of the row before
 };

@@ -21,11 +21,11 @@ constexpr std::size_t matrixSize = 16;
 // With this many blendshapes, the file is a table of blendshapes.
 constexpr std::ptrdiff_t enoughNames = 4;
 
-// As people write the 16 numbers that the API has without names: number 0 to 15.
+// Usual names for the 16 numbers, which have no names in the API: number 0 to 15.
 const std::array<const char*, 4> matrixPrefixes = {"matrix_", "facialTransformationMatrix_",
                                                    "facial_transformation_matrix_", "transformation_"};
 
-// Programs that number the faces of a frame call the column so.
+// Programs that number the faces of a frame use this name.
 std::string faceColumnOf(const CsvHeader& header)
 {
   for (const char* const name : {"face_id", "face_index", "faceIndex", "face"})
@@ -85,7 +85,7 @@ std::optional<FaceRow> BlendshapeCsvRows::next()
   return _readRow();
 }
 
-// A row of a frame without a face has nothing in the columns that are read.
+// A row of a frame without a face has empty fields in all columns that are read.
 FaceRow BlendshapeCsvRows::_readRow()
 {
   const CsvNumbers numbers = file().numbers();
@@ -108,7 +108,7 @@ FaceRow BlendshapeCsvRows::_readRow()
     return row;
 
   row.face = _persons.personOf(numbers, file().place());
-  row.told = faceOf(face);
+  row.detected = faceOf(face);
   return row;
 }
 
@@ -125,7 +125,7 @@ Frame BlendshapeCsvRows::_readFrame(const CsvNumbers& numbers)
   return frame;
 }
 
-// Nothing if a number of it is unknown.
+// Nothing if one of its numbers is unknown.
 std::optional<FaceMatrix> BlendshapeCsvRows::_readMatrix(const CsvNumbers& numbers) const
 {
   if (!_matrix)

@@ -17,11 +17,11 @@
 namespace KV::recordings
 {
 
-/// Tells from the first bytes of a file whether it is a table with a column for each blendshape.
+/// Returns whether a file with these first bytes is a table with a column for each blendshape.
 bool looksLikeBlendshapeCsv(const std::string& head);
 
-/// The rows of a CSV file with a column for each blendshape of the MediaPipe FaceLandmarker, by its name, and perhaps
-/// 16 for the transformation matrix.
+/// The rows of a CSV file with a column for each blendshape of the MediaPipe FaceLandmarker, by its name, and
+/// optionally 16 columns for the transformation matrix.
 class BlendshapeCsvRows : public CsvFaceRows
 {
 public:

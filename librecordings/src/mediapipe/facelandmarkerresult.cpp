@@ -21,7 +21,7 @@ constexpr double latestSecond = 9.2e9;  // that a clock in nanoseconds can show
 
 using Value = JsonValue<Json>;
 
-// Whichever of these members there is; nothing if there is none, or it is null.
+// The one of these members that exists; nothing if no member exists, or it is null.
 std::optional<Value> memberOf(const Value& object, std::initializer_list<const char*> names)
 {
   for (const char* const name : names)
@@ -120,7 +120,7 @@ std::size_t sizeOf(const std::optional<Value>& list)
   return list ? sizeOf(*list, "a list with an element for each face") : 0;
 }
 
-// Lists that were not asked of the analyser are empty.
+// The analyser leaves lists empty that were not requested.
 std::size_t faceCount(const std::vector<std::optional<Value>>& lists)
 {
   std::size_t count = 0;

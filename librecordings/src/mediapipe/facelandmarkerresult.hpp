@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// What the MediaPipe FaceLandmarker found in one frame.
+/// The result of the MediaPipe FaceLandmarker for one frame.
 struct FaceLandmarkerResult
 {
   std::optional<std::int64_t> frame;
@@ -18,8 +18,8 @@ struct FaceLandmarkerResult
   std::vector<MediaPipeFace> faces;
 };
 
-/// Reads a result as the JavaScript or the Python API has it, dumped as a JSON object. Members that are not known are
-/// passed over.
+/// Reads a result in the form of the JavaScript or the Python API, dumped as a JSON object. Unknown members are
+/// skipped.
 ///
 /// \throws JsonError if the text is no such object; its path is empty if the text is no JSON object at all.
 FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text);

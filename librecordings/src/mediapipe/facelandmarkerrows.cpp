@@ -59,7 +59,7 @@ bool FaceLandmarkerRows::_readResult()
     for (const MediaPipeFace& face : result.faces)
     {
       row.tracked = true;
-      row.told = faceOf(face);
+      row.detected = faceOf(face);
       _haveScores = _haveScores || (face.blendshapes && !face.blendshapes->areUnknown());
       _haveMatrices = _haveMatrices || face.matrix;
       _rows.push_back(row);

@@ -16,7 +16,7 @@
 namespace KV::recordings
 {
 
-/// Tells from the first bytes of a file whether it holds results of the MediaPipe FaceLandmarker as JSON.
+/// Returns whether a file with these first bytes holds results of the MediaPipe FaceLandmarker as JSON.
 bool looksLikeFaceLandmarker(const std::string& head);
 
 /// Results of the MediaPipe FaceLandmarker, dumped as JSON objects: a row for each face, or one without a face.
@@ -46,7 +46,7 @@ private:
   FaceAdapter _adapter;
   JsonPieces _pieces;
   std::string _piece;
-  std::int64_t _results = 0;  // so far, whether they could be used or not
+  std::int64_t _results = 0;  // so far, usable or not
   std::deque<FaceRow> _rows;  // of the last result
   bool _haveFrames = false;
   bool _haveTimes = false;

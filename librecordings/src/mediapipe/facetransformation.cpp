@@ -34,7 +34,7 @@ bool areKnown(const FaceMatrix& matrix)
   return std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); });
 }
 
-// The third column is where the face looks to, the first is its axis from ear to ear.
+// The third column is the direction of the face, the first is its axis from ear to ear.
 FacePose poseOfColumns(const FaceMatrix& m)
 {
   FacePose pose;
@@ -60,15 +60,15 @@ std::optional<FacePose> poseOf(const FaceMatrix& matrix)
   return {};
 }
 
-Face faceOf(const MediaPipeFace& told)
+Face faceOf(const MediaPipeFace& detected)
 {
   Face face;
   face.frontEnd = FrontEnd::MediaPipe;
-  face.confidence = told.confidence;
-  face.blendshapes = told.blendshapes;
-  if (!told.matrix || !areKnown(*told.matrix))
+  face.confidence = detected.confidence;
+  face.blendshapes = detected.blendshapes;
+  if (!detected.matrix || !areKnown(*detected.matrix))
     return face;
-  const auto pose = poseOf(*told.matrix);
+  const auto pose = poseOf(*detected.matrix);
   if (!pose)
     throw std::invalid_argument(
         "The matrix is no transformation: neither its last row nor its last column is 0, 0, 0, 1.");

@@ -14,7 +14,7 @@ using FaceMatrix = std::array<double, 16>;
 
 /// Returns head posture and position; nothing if this is no such matrix.
 ///
-/// Column by column, as MediaPipe writes it, and row by row are told apart by where 0, 0, 0, 1 stand.
+/// Both orders are read, column by column, as MediaPipe writes it, and row by row: the place of 0, 0, 0, 1 decides.
 std::optional<FacePose> poseOf(const FaceMatrix& matrix);
 
 }  // namespace KV::recordings

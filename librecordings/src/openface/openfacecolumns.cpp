@@ -17,7 +17,7 @@ const std::vector<std::string> gazeAngleNames = {"gaze_angle_x", "gaze_angle_y"}
 const std::vector<std::string> gazeVectorNames = {"gaze_0_x", "gaze_0_y", "gaze_0_z",
                                                   "gaze_1_x", "gaze_1_y", "gaze_1_z"};
 
-// A header that has so many of the names below comes from OpenFace.
+// A header with so many of the names below comes from OpenFace.
 constexpr std::ptrdiff_t tellingNames = 2;
 
 bool isOneOf(const std::vector<std::string>& names, const std::string& name)
@@ -25,14 +25,14 @@ bool isOneOf(const std::vector<std::string>& names, const std::string& name)
   return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-// AU06_r or AU06_c, as only OpenFace writes it.
+// AU06_r or AU06_c: only OpenFace writes such names.
 bool isActionUnit(const std::string& name)
 {
   return name.size() == 6 && isActionUnitName(name.substr(0, 4)) && name[4] == '_' &&
          (name[5] == 'r' || name[5] == 'c');
 }
 
-// OpenFace 3 counts its action units through and calls them AU01_r to AU08_r: AU02_r is action unit 6 there.
+// OpenFace 3 numbers its action units from 1 and calls them AU01_r to AU08_r: AU02_r is action unit 6 there.
 void refuseOpenFace3(const CsvHeader& header)
 {
   if (header.has("AU03_r"))
@@ -41,7 +41,7 @@ void refuseOpenFace3(const CsvHeader& header)
                 "AU08_r hold other action units than their names say; expected a file of OpenFace 2");
 }
 
-void refuseWhatTellsNothing(const OpenFaceColumns& columns, const Error::Place& place)
+void refuseWithoutNeededColumns(const OpenFaceColumns& columns, const Error::Place& place)
 {
   if (!columns.frame && !columns.timestamp)
     throw Error(place, "there is no column frame and no column timestamp; expected at least one of them");
@@ -88,7 +88,7 @@ OpenFaceColumns findOpenFaceColumns(const CsvHeader& header, const std::vector<s
   for (const std::string& unit : actionUnits)
     columns.actionUnits.push_back(header.find(unit + "_r"));
 
-  refuseWhatTellsNothing(columns, header.place());
+  refuseWithoutNeededColumns(columns, header.place());
   return columns;
 }
 

@@ -11,7 +11,7 @@
 namespace KV::recordings
 {
 
-/// Where an OpenFace file has the columns that are read; a group is there only if all of its columns are.
+/// The columns of an OpenFace file that are read; a group is there only if all of its columns are.
 struct OpenFaceColumns
 {
   std::optional<std::size_t> frame;
@@ -30,16 +30,16 @@ struct OpenFaceColumns
   bool hasActionUnits() const;
 };
 
-/// Tells from the first bytes of a file whether it is a table of OpenFace, even if it is one that cannot be read.
+/// Returns whether a file with these first bytes is a table of OpenFace, even one that cannot be read.
 bool looksLikeOpenFace(const std::string& head);
 
-/// Tells whether this is the name of a column of OpenFace that is read.
+/// Returns whether this is the name of a column of OpenFace that is read.
 bool isOfOpenFace(const std::string& name);
 
 /// Finds the columns in the header of a file; `actionUnits` are named AU01, AU02, and so on.
 ///
-/// \throws Error if the file cannot be read as one of OpenFace 2: a column missing without which nothing can
-///   be told, or the layout of OpenFace 3.
+/// \throws Error if the file cannot be read as one of OpenFace 2: a necessary column is missing, or the file has the
+/// layout of OpenFace 3.
 OpenFaceColumns findOpenFaceColumns(const CsvHeader& header, const std::vector<std::string>& actionUnits);
 
 }  // namespace KV::recordings

@@ -21,11 +21,11 @@ bool areKnown(const std::optional<std::array<double, Count>>& values)
   return values && std::all_of(values->begin(), values->end(), [](double value) { return std::isfinite(value); });
 }
 
-std::optional<FacePosition> positionOf(const OpenFaceFace& told)
+std::optional<FacePosition> positionOf(const OpenFaceFace& detected)
 {
-  if (!told.position)
+  if (!detected.position)
     return {};
-  const auto& [right, down, forward] = *told.position;
+  const auto& [right, down, forward] = *detected.position;
   const FacePosition position{right, down, forward};
   const double distance = position.distance();
   if (!std::isfinite(distance) || distance <= 0.0)
@@ -33,21 +33,21 @@ std::optional<FacePosition> positionOf(const OpenFaceFace& told)
   return position;
 }
 
-// OpenFace: Rx > 0 is down, Ry > 0 to the person's own right, Rz > 0 tilted to the own left shoulder.
-std::optional<KV::HeadPosture> headPostureOf(const OpenFaceFace& told)
+// OpenFace: Rx > 0 is down, Ry > 0 to the person's own right, Rz > 0 tilted to their own left shoulder.
+std::optional<KV::HeadPosture> headPostureOf(const OpenFaceFace& detected)
 {
-  if (!areKnown(told.rotation))
+  if (!areKnown(detected.rotation))
     return {};
-  const auto& [pitch, yaw, roll] = *told.rotation;
+  const auto& [pitch, yaw, roll] = *detected.rotation;
   return KV::HeadPosture(degrees(yaw), -degrees(pitch), -degrees(roll));
 }
 
-// The angles of the mean of both eyes, as OpenFace forms them.
-std::optional<std::array<double, 2>> gazeAngleOfVectors(const OpenFaceFace& told)
+// The angles of the mean of both eyes, computed as in OpenFace.
+std::optional<std::array<double, 2>> gazeAngleOfVectors(const OpenFaceFace& detected)
 {
-  if (!told.gazeVectors)
+  if (!detected.gazeVectors)
     return {};
-  const auto& [x0, y0, z0, x1, y1, z1] = *told.gazeVectors;
+  const auto& [x0, y0, z0, x1, y1, z1] = *detected.gazeVectors;
   const double x = x0 + x1;
   const double y = y0 + y1;
   const double z = z0 + z1;
@@ -55,9 +55,9 @@ std::optional<std::array<double, 2>> gazeAngleOfVectors(const OpenFaceFace& told
 }
 
 // OpenFace: x > 0 is to the person's own left, y > 0 down.
-std::optional<KV::Gaze> gazeOf(const OpenFaceFace& told)
+std::optional<KV::Gaze> gazeOf(const OpenFaceFace& detected)
 {
-  const auto angle = told.gazeAngle ? told.gazeAngle : gazeAngleOfVectors(told);
+  const auto angle = detected.gazeAngle ? detected.gazeAngle : gazeAngleOfVectors(detected);
   if (!areKnown(angle))
     return {};
   const auto& [x, y] = *angle;
@@ -79,14 +79,14 @@ OpenFaceFace readOpenFaceFace(const CsvNumbers& numbers, const OpenFaceColumns& 
   return face;
 }
 
-Face faceOf(const OpenFaceFace& told)
+Face faceOf(const OpenFaceFace& detected)
 {
   Face face;
   face.frontEnd = FrontEnd::OpenFace;
-  face.confidence = told.confidence;
-  face.pose = {positionOf(told), millimetresPerMetre, headPostureOf(told), gazeOf(told)};
-  face.actionUnits = told.actionUnits;
-  face.landmarks = told.landmarks;
+  face.confidence = detected.confidence;
+  face.pose = {positionOf(detected), millimetresPerMetre, headPostureOf(detected), gazeOf(detected)};
+  face.actionUnits = detected.actionUnits;
+  face.landmarks = detected.landmarks;
   return face;
 }
 

@@ -47,10 +47,10 @@ FaceRow OpenFaceRows::_readRow()
     row.face = _persons.personOf(numbers, file().place());
     OpenFaceFace face = readOpenFaceFace(numbers, _columns, _adapter);
     face.confidence = static_cast<float>(confidence);
-    row.told = faceOf(face);
-    // Where no column tells whether a face was found, the readings do.
+    row.detected = faceOf(face);
+    // Without a column for found faces, the readings decide whether a face was found.
     if (!_columns.success && !_columns.confidence)
-      row.tracked = !_adapter.read(row.told).empty();
+      row.tracked = !_adapter.read(row.detected).empty();
   }
   if (!_columns.frame)
     _frames.count(row.frame, _persons.haveColumn());

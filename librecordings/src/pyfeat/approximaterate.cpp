@@ -14,7 +14,7 @@ namespace
 constexpr std::array<double, 12> usualRates = {30.0, 25.0,  24.0, 29.97, 23.976, 60.0,
                                                50.0, 59.94, 15.0, 10.0,  20.0,   5.0};
 
-// Rates that differ by less come to the same.
+// Rates with a smaller ratio count as equal.
 constexpr double noticedDifference = 1.05;
 
 std::string rounded(double rate)

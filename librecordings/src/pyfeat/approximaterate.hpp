@@ -8,14 +8,14 @@
 namespace KV::recordings
 {
 
-/// Finds the rate of a video whose file tells the time of each frame only in whole seconds.
+/// Computes the rate of a video whose file has the time of each frame only in whole seconds.
 class ApproximateRate
 {
 public:
-  /// Takes in that this frame, counted from 0, was shown in this second.
+  /// Adds the information that this frame, counted from 0, was shown in this second.
   void add(std::int64_t frame, std::int64_t second);
 
-  /// Returns the usual rate that fits all frames best, or nothing if none was taken in, or they contradict each other.
+  /// Returns the usual rate that fits all frames best, or nothing if there are no frames or they contradict each other.
   ///
   /// It warns if the frames leave another rate possible.
   std::optional<AssumedRate> rate() const;

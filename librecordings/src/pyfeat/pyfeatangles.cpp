@@ -11,7 +11,7 @@ namespace
 {
 constexpr double greatestRadians = 3.2;  // a little more than half a turn
 
-// What chance hardly reaches.
+// A correlation that chance hardly reaches.
 constexpr double tellingRows = 8.0;
 constexpr double tellingCorrelation = 0.6;
 
@@ -20,7 +20,7 @@ double greatestOf(const std::array<double, Count>& angles)
 {
   double greatest = 0.0;
   for (const double angle : angles)
-    greatest = std::max(greatest, std::abs(angle));  // passes over a NaN
+    greatest = std::max(greatest, std::abs(angle));  // skips a NaN
   return greatest;
 }
 
@@ -68,7 +68,7 @@ void PyFeatConvention::_decidePitch()
   }
   else
   {
-    // The documentation says up. Tables in radians, of version 0.7 and later, were seen to count down.
+    // The documentation says up. In tables in radians, of version 0.7 and later, a pitch > 0 was seen to be down.
     _units.pitchIsUp = _units.rotationInDegrees;
     _pitchReason = "a guess";
     _isGuess = _anyRotation;
@@ -85,7 +85,7 @@ std::string PyFeatConvention::warning(const std::string& mappingName) const
 }
 
 // Of pitch and nod, both relative to their mean of each person: cameras see persons from different heights. 0 if it
-// cannot be told.
+// cannot be computed.
 double PyFeatConvention::_correlation() const
 {
   Sums within;

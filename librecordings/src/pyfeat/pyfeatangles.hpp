@@ -13,7 +13,7 @@
 namespace KV::recordings
 {
 
-/// Angles as a table of py-feat has them; NaN is unknown.
+/// Angles in the form of a table of py-feat; NaN is unknown.
 struct PyFeatAngles
 {
   std::array<double, 3> rotation{};  ///< Pitch, Roll, Yaw
@@ -21,25 +21,25 @@ struct PyFeatAngles
   double nod = 0.0;                  ///< how far the ears are below the eyes, as part of the width of the eyes
 };
 
-/// Finds out how a table of py-feat counts its angles, from its first rows.
+/// Detects the units and signs of the angles in a table of py-feat, from its first rows.
 ///
-/// An angle beyond 3.2 shows that they are in degrees, else they are in radians. A person who looks up lowers the
-/// ears against the eyes: so the landmarks show whether a pitch above 0 is up.
+/// An angle beyond 3.2 shows that they are in degrees, else they are in radians. If a person looks up, the ears move
+/// down relative to the eyes: so the landmarks show whether a pitch above 0 is up.
 class PyFeatConvention
 {
 public:
   explicit PyFeatConvention(const PyFeatConventions& given) : _given(given) {}
 
-  /// Takes in the angles of one of the first rows, of this person.
+  /// Adds the angles of one of the first rows, of this person.
   void learn(const std::string& person, const PyFeatAngles& angles);
 
-  /// Decides by what was learnt.
+  /// Decides by the rows so far.
   void decide();
 
-  /// Returns what was decided.
+  /// Returns the decision.
   const PyFeatUnits& units() const { return _units; }
 
-  /// Tells whether these angles contradict radians, if those were decided for.
+  /// Returns whether these angles contradict radians, if the decision was radians.
   bool isContradictedBy(const PyFeatAngles& angles) const;
 
   std::string describeRotation() const;

@@ -15,7 +15,7 @@ namespace
 const std::vector<std::string> rotationNames = {"Pitch", "Roll", "Yaw"};
 const std::vector<std::string> gazeNames = {"gaze_pitch", "gaze_yaw"};
 
-// Each emotion as it is called now, and as it was.
+// The present and the old name of each emotion.
 const std::map<std::string, std::array<std::string, 2>> emotionColumns = {
     {"neutral", {"Neutral", "neutral"}}, {"happy", {"Happy", "happiness"}},      {"sad", {"Sad", "sadness"}},
     {"fear", {"Fear", "fear"}},          {"surprise", {"Surprise", "surprise"}}, {"disgust", {"Disgust", "disgust"}},
@@ -42,7 +42,7 @@ bool isEmotion(const std::string& name)
   });
 }
 
-// Only py-feat calls them so.
+// Only py-feat uses these names.
 const std::vector<std::string> faceNames = {"FaceScore", "FaceRectX", "FaceRectY", "FaceRectWidth", "FaceRectHeight"};
 
 bool isScore(const std::string& name)

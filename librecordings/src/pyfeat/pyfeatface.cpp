@@ -28,40 +28,40 @@ float signedBy(bool isPositive, float angle)
   return isPositive ? angle : -angle;
 }
 
-std::optional<KV::HeadPosture> headPostureOf(const PyFeatFace& told)
+std::optional<KV::HeadPosture> headPostureOf(const PyFeatFace& detected)
 {
-  if (!areKnown(told.rotation))
+  if (!areKnown(detected.rotation))
     return {};
-  const auto& [pitch, roll, yaw] = *told.rotation;
-  const bool isInDegrees = told.units.rotationInDegrees;
-  return KV::HeadPosture(inDegrees(yaw, isInDegrees), signedBy(told.units.pitchIsUp, inDegrees(pitch, isInDegrees)),
+  const auto& [pitch, roll, yaw] = *detected.rotation;
+  const bool isInDegrees = detected.units.rotationInDegrees;
+  return KV::HeadPosture(inDegrees(yaw, isInDegrees), signedBy(detected.units.pitchIsUp, inDegrees(pitch, isInDegrees)),
                          inDegrees(roll, isInDegrees));
 }
 
-std::optional<KV::Gaze> gazeOf(const PyFeatFace& told)
+std::optional<KV::Gaze> gazeOf(const PyFeatFace& detected)
 {
-  if (!areKnown(told.gaze))
+  if (!areKnown(detected.gaze))
     return {};
-  const auto& [pitch, yaw] = *told.gaze;
-  const bool isInDegrees = told.units.gazeInDegrees;
-  return KV::Gaze(signedBy(told.units.gazeYawIsLeft, inDegrees(yaw, isInDegrees)),
-                  signedBy(told.units.gazePitchIsUp, inDegrees(pitch, isInDegrees)));
+  const auto& [pitch, yaw] = *detected.gaze;
+  const bool isInDegrees = detected.units.gazeInDegrees;
+  return KV::Gaze(signedBy(detected.units.gazeYawIsLeft, inDegrees(yaw, isInDegrees)),
+                  signedBy(detected.units.gazePitchIsUp, inDegrees(pitch, isInDegrees)));
 }
 
 }  // namespace
 
-Face faceOf(const PyFeatFace& told)
+Face faceOf(const PyFeatFace& detected)
 {
   Face face;
   face.frontEnd = FrontEnd::PyFeat;
-  face.confidence = told.confidence;
-  face.pose.headPosture = headPostureOf(told);
-  face.pose.gaze = gazeOf(told);
-  face.actionUnits = told.actionUnits;
+  face.confidence = detected.confidence;
+  face.pose.headPosture = headPostureOf(detected);
+  face.pose.gaze = gazeOf(detected);
+  face.actionUnits = detected.actionUnits;
   if (face.actionUnits)
     face.actionUnits->fullScale = fullShare;
-  face.emotions = told.emotions;
-  face.landmarks = told.landmarks;
+  face.emotions = detected.emotions;
+  face.landmarks = detected.landmarks;
   return face;
 }
 

@@ -22,7 +22,7 @@ namespace
 {
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
-// "MM:SS" or "HH:MM:SS"; nothing if it is something else.
+// "MM:SS" or "HH:MM:SS"; nothing for any other text.
 std::optional<std::int64_t> readSeconds(std::string_view text)
 {
   std::int64_t seconds = 0;
@@ -51,7 +51,7 @@ std::array<double, Count> unknownAngles()
   return angles;
 }
 
-// The middle of the first two nodLandmarks, at the ears, against that of the others, at the eyes: y counts down.
+// The height of the first two nodLandmarks, at the ears, below that of the others, at the eyes: y is positive down.
 double nodOf(const CsvNumbers& numbers, const PyFeatColumns& columns)
 {
   if (!columns.nod)
@@ -98,10 +98,10 @@ std::optional<FaceRow> PyFeatRows::next()
                       settingName(_options.mappingName));
   row.face = _personOf(*raw);
   raw->face.units = _convention.units();
-  row.told = faceOf(raw->face);
-  // Where no column tells whether a face was found, the readings do.
+  row.detected = faceOf(raw->face);
+  // Without a column for found faces, the readings decide whether a face was found.
   if (!_columns.faceScore)
-    row.tracked = !_adapter.read(row.told).empty();
+    row.tracked = !_adapter.read(row.detected).empty();
   return row;
 }
 
@@ -155,7 +155,7 @@ void PyFeatRows::_learnFromFirstRows()
       seconds.insert(*raw.second);
   });
   if (seconds.size() == 1 && _ahead.size() >= rowsAhead)
-    _ahead.fetch(mostRowsAhead);  // one second tells no rate
+    _ahead.fetch(mostRowsAhead);  // one second does not show the rate
   ApproximateRate rate;
   _ahead.forEach([&](const Raw& raw) {
     if (raw.second)
@@ -171,7 +171,7 @@ void PyFeatRows::_learnFromFirstRows()
   _assumedRate = rate.rate().value_or(AssumedRate());
 }
 
-// Where nobody is identified, the faces of a frame are counted.
+// Without identities, the faces of a frame are numbered.
 std::int32_t PyFeatRows::_personOf(const Raw& raw)
 {
   if (!_options.personColumn.empty())

@@ -21,12 +21,12 @@ namespace KV::recordings
 
 /// The rows of a table of py-feat (Fex, as CSV).
 ///
-/// Its versions differ in units and signs, and it may name no persons: so the first rows are looked at before any is
-/// read for good.
+/// Its versions differ in units and signs, and it may name no persons: so the first rows are examined before the first
+/// one is returned.
 class PyFeatRows : public CsvFaceRows
 {
 public:
-  /// Takes an opened file, and looks at its header and first rows.
+  /// Takes an opened file, and examines its header and first rows.
   ///
   /// \throws Error if it cannot be read.
   PyFeatRows(InputFile input, const ReadingOptions& options);
@@ -41,7 +41,7 @@ public:
   std::vector<std::string> takeWarnings() override;
 
 private:
-  // A row whose units and person are not settled yet.
+  // A row whose units and person are not decided yet.
   struct Raw
   {
     FaceRow row;

@@ -20,7 +20,7 @@ namespace
 constexpr float leastPercent = 2.f;
 constexpr float greatestPercent = 100.f;
 
-// [s] since 1970: from 2001 to 2096. A number of such a size is a date, in one unit or another.
+// [s] since 1970: from 2001 to 2096. A number of this size is a date, in one unit or another.
 constexpr double earliestDate = 1e9;
 constexpr double latestDate = 4e9;
 
@@ -32,7 +32,7 @@ struct Unit
 constexpr std::array<Unit, 4> units = {
     {{"seconds", 1.}, {"milliseconds", 1e3}, {"microseconds", 1e6}, {"nanoseconds", 1e9}}};
 
-// The unit in which the number is a date of our time; null if it is none.
+// The unit in which the number is a present-day date; null if there is no such unit.
 const Unit* unitOf(double number)
 {
   const auto* const found = std::find_if(units.begin(), units.end(), [number](const Unit& unit) {
@@ -67,7 +67,7 @@ bool isShare(const KV::Scale& scale)
   return std::string_view(scale.unit).empty() && scale.least == 0. && scale.greatest == 1.;
 }
 
-// Looks at all numbers of a value until one is found.
+// Checks all numbers of a value until one is found.
 template <typename Value>
 void look(const Path& path, const Value& value, const KV::Scale& scale, boost::optional<Implausible>& found)
 {
@@ -78,7 +78,7 @@ void look(const Path& path, const Value& value, const KV::Scale& scale, boost::o
     std::array<char, 32> number{};
     std::snprintf(number.data(), number.size(), "%g", static_cast<double>(value));
     found = Implausible{path.text(), std::string("expected a number from 0 to 1, found ") + number.data() +
-                                         ": this looks like percent, to be divided by 100"};
+                                         "; it looks like percent: divide it by 100"};
   }
   else if constexpr (std::is_class_v<Value> && !std::is_same_v<Value, std::pair<float, float>>)
     forEachPart<Value>([&](const auto& part) {
@@ -112,8 +112,8 @@ boost::optional<Implausible> implausibleTime(ko::SystemClock::time_point time)
   const Unit* const unit = unitOf(number);
   if (unit == nullptr || unit == &units.back())
     return {};
-  return Implausible{"time", "expected nanoseconds since 1970, found " + wholeNumber(number) + ": this looks like " +
-                                 unit->name + ", to be multiplied by " +
+  return Implausible{"time", "expected nanoseconds since 1970, found " + wholeNumber(number) + "; it looks like " +
+                                 unit->name + ": multiply it by " +
                                  wholeNumber(units.back().perSecond / unit->perSecond)};
 }
 
@@ -122,7 +122,7 @@ std::string adviceOnSeconds(double seconds)
   const Unit* const unit = unitOf(seconds);
   if (unit == nullptr || unit == &units.front())
     return {};
-  return std::string("; this looks like ") + unit->name + ", to be divided by " + wholeNumber(unit->perSecond);
+  return std::string("; it looks like ") + unit->name + ": divide it by " + wholeNumber(unit->perSecond);
 }
 
 }  // namespace KV::recordings

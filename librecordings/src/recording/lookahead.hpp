@@ -13,7 +13,7 @@
 namespace KV::recordings
 {
 
-/// Rows of a file, of which the first can be looked at before they are handed out.
+/// Rows of a file, of which the first can be examined before they are returned.
 template <typename Row>
 class LookAhead
 {
@@ -23,7 +23,7 @@ public:
 
   explicit LookAhead(Read read) : _read(std::move(read)) {}
 
-  /// Reads up to this many rows ahead; what cannot be read takes its place among them.
+  /// Reads up to this many rows ahead; an error takes the place of a row that cannot be read.
   void fetch(std::size_t count)
   {
     while (!_ended && _ahead.size() < count)
@@ -40,7 +40,7 @@ public:
     }
   }
 
-  /// Tells whether nothing was read ahead, neither a row nor an error.
+  /// Returns whether the queue of rows and errors that were read ahead is empty.
   bool empty() const { return _ahead.empty(); }
 
   /// Returns how many rows, or errors in their place, were read ahead.
@@ -57,7 +57,7 @@ public:
 
   /// Returns the next row, or nothing at the end.
   ///
-  /// \throws BadLine for a row that cannot be used; the next call goes on behind it.
+  /// \throws BadLine for a row that cannot be used; the next call goes on after it.
   /// \throws Error where the rest of the file cannot be read; there is no row after it.
   std::optional<Row> next()
   {

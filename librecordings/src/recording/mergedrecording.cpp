@@ -17,7 +17,7 @@ namespace
 using Duration = ko::SystemClock::duration;
 using TimePoint = ko::SystemClock::time_point;
 
-// Readings may have any time; the ends of what can be counted are not passed.
+// Readings may have any time; times outside the clock's range are clamped.
 TimePoint shifted(TimePoint time, Duration offset)
 {
   Duration::rep sum = 0;
@@ -35,7 +35,7 @@ void shift(Step& entry, Duration offset)
   });
 }
 
-// Nothing but what was observed of a person.
+// Only the readings of a person.
 bool isObservation(const Step& entry)
 {
   return entry.person && entry.scopeStarts.empty() && entry.scopeStops.empty() && !entry.ambianceActivity &&
@@ -49,7 +49,7 @@ bool collide(const KV::PersonObservation& left, const KV::PersonObservation& rig
   return result;
 }
 
-// Returns the name of a reading that both have, made at the same time; null if there is none.
+// Returns the name of a reading that both have, made at the same time; null without one.
 const char* sameReading(const KV::PersonObservation& left, const KV::PersonObservation& right)
 {
   const char* name = nullptr;
@@ -175,7 +175,7 @@ double MergedRecording::progress() const
   return sum / static_cast<double>(_inputs.size());
 }
 
-// What is wrong stands where the input had come to.
+// The place of an error is the input's last position.
 void MergedRecording::_fetch(std::size_t number)
 {
   Input& input = _inputs[number];
@@ -208,7 +208,7 @@ void MergedRecording::_fetch(std::size_t number)
   }
 }
 
-// Inputs that name persons count them each for itself: the same name is the same person, another name another one.
+// Each input numbers named persons for itself: equal names are the same person, different names different persons.
 void MergedRecording::_unifyPerson(Step& entry)
 {
   std::int32_t& person = *entry.person;
@@ -287,7 +287,7 @@ void MergedRecording::_readUntil(TimePoint time)
   {}
 }
 
-// Before any of them is taken in by another.
+// Before any of them is merged into another.
 void MergedRecording::_refuseSameReading(const Item& item)
 {
   if (!item.entry.person)
@@ -317,7 +317,7 @@ void MergedRecording::_refuseSameReading(const Item& one, const Item& other) con
                 Error::Remedy());
 }
 
-// Takes in what other inputs tell of the same person at the same time.
+// Adds the readings of other inputs about the same person at the same time.
 void MergedRecording::_takeInSimultaneous(Step& entry)
 {
   if (!entry.person)
@@ -346,12 +346,12 @@ bool MergedRecording::_isTakenInLater(const Item& item)
     if (later.input == 0 || (later.time == item.time && later.input != item.input))
       return takeIn(later.entry, item.entry);
     if (later.input == item.input && collide(later.entry.observation, item.entry.observation))
-      return false;  // the later one is to be taken in: readings of one kind stay in their order
+      return false;  // the later step is added: readings of one kind stay in their order
   }
   return false;
 }
 
-// Persons of different inputs belong together by their numbers alone.
+// Persons of different inputs are the same if their numbers are.
 void MergedRecording::_warnOfLonelyPersons()
 {
   const std::set<std::int32_t>& known = _inputs.front().persons;

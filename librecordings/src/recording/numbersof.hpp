@@ -12,8 +12,8 @@
 namespace KV::recordings
 {
 
-/// Returns the numbers of a text that have `separator` between them; nothing if it is something else, or one of them is
-/// not finite.
+/// Returns the numbers of a text in which `separator` is between them; nothing if the text is anything else, or one of
+/// the numbers is not finite.
 inline std::vector<double> numbersOf(std::string_view text, std::string_view separator)
 {
   std::vector<double> numbers;

@@ -11,7 +11,7 @@ namespace KV::recordings
 std::string tooLate(double seconds)
 {
   return "is " + std::to_string(std::llround(seconds)) +
-         " s after the one before; expected seconds: this looks like nanoseconds, to be divided by 1000000000";
+         " s after the one before; expected seconds; it looks like nanoseconds: divide it by 1000000000";
 }
 
 double secondsOf(ko::SystemClock::time_point time)
@@ -19,7 +19,7 @@ double secondsOf(ko::SystemClock::time_point time)
   return static_cast<double>(time.time_since_epoch().count()) * 1e-9;
 }
 
-// Whole seconds and the rest apart: a double does not hold the nanoseconds since 1970.
+// Whole seconds and the rest are added separately: a double does not hold the nanoseconds since 1970.
 ko::SystemClock::time_point timeAfter(double origin, double seconds)
 {
   constexpr double nanosecondsPerSecond = 1e9;

@@ -15,7 +15,7 @@ std::string textOf(double number)
   return {digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr};
 }
 
-// What has no unit is a share, or a sign with a strength.
+// A number without a unit is a share, or a sign with a strength.
 std::string likelyUnit(double value, const KV::Scale& scale)
 {
   const std::string_view unit = scale.unit;

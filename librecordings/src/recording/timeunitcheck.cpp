@@ -8,7 +8,7 @@ namespace KV::recordings
 {
 namespace
 {
-constexpr std::size_t tellingTimes = 4;
+constexpr std::size_t requiredTimes = 4;
 const boost::chrono::microseconds shortestSpan{100};  // for so many times
 
 }  // namespace
@@ -20,16 +20,17 @@ boost::optional<Implausible> TimeUnitCheck::look(const Step& step)
       return found;
   _anyStep = true;
 
-  if (!step.person || _times == tellingTimes || (_person && *_person != *step.person))
+  if (!step.person || _times == requiredTimes || (_person && *_person != *step.person))
     return {};
   if (!_person)
     _first = step.time;
   else if (step.time == _last)
     return {};
-  if (_times + 1 == tellingTimes && step.time - _first < shortestSpan)
-    return Implausible{"time", "this is the fourth time of person " + std::to_string(*step.person) + " within " +
-                                   std::to_string((step.time - _first).count()) +
-                                   " ns: expected nanoseconds; this looks like seconds, milliseconds or microseconds"};
+  if (_times + 1 == requiredTimes && step.time - _first < shortestSpan)
+    return Implausible{"time",
+                       "this is the fourth time of person " + std::to_string(*step.person) + " within " +
+                           std::to_string((step.time - _first).count()) +
+                           " ns: expected nanoseconds; the times look like seconds, milliseconds or microseconds"};
   _person = step.person;
   _last = step.time;
   ++_times;

@@ -3,7 +3,9 @@
 namespace KV::recordings
 {
 
-Ros4hriDispatch::Ros4hriDispatch(const ReadingOptions& options) : _cycles(options, _persons) {}
+Ros4hriDispatch::Ros4hriDispatch(const ReadingOptions& options, bool isLive)
+  : _persons(isLive), _cycles(options, _persons, isLive)
+{}
 
 void Ros4hriDispatch::advance(RosbagCycles::TimePoint time)
 {
@@ -12,10 +14,19 @@ void Ros4hriDispatch::advance(RosbagCycles::TimePoint time)
 
 void Ros4hriDispatch::takePerson(const RosTopic& topic, RosData& data)
 {
-  if (topic.kind == RosTopicKind::FaceOfPerson)
-    _persons.addFace(topic.id, readString(data));
-  else if (topic.kind == RosTopicKind::VoiceOfPerson)
-    _persons.addVoice(topic.id, readString(data));
+  switch (topic.kind)
+  {
+    case RosTopicKind::FaceOfPerson:
+      return _persons.addFace(topic.id, readString(data));
+    case RosTopicKind::VoiceOfPerson:
+      return _persons.addVoice(topic.id, readString(data));
+    case RosTopicKind::AliasOfPerson:
+      return _persons.setAlias(topic.id, readString(data));
+    case RosTopicKind::AnonymousPerson:
+      return _persons.setAnonymous(topic.id, readBool(data));
+    default:
+      return;
+  }
 }
 
 void Ros4hriDispatch::take(const RosTopic& topic, RosData& data)
@@ -36,12 +47,18 @@ void Ros4hriDispatch::take(const RosTopic& topic, RosData& data)
       return _cycles.speaking(topic.id, readBool(data));
     case RosTopicKind::Speech:
       return _takeSpeech(topic.id, data);
-    default:
-      return;  // takePerson() reads them
+    case RosTopicKind::FaceOfPerson:
+    case RosTopicKind::VoiceOfPerson:
+    case RosTopicKind::AliasOfPerson:
+      readString(data);  // takePerson() took its contents
+      return;
+    case RosTopicKind::AnonymousPerson:
+      readBool(data);  // as above
+      return;
   }
 }
 
-// Who is recognised while speaking speaks; with the final text the sentence is over.
+// A person whose words are recognised is speaking; with the final text the sentence is over.
 void Ros4hriDispatch::_takeSpeech(const std::string& voice, RosData& data)
 {
   const RosSpeech speech = readSpeech(data);

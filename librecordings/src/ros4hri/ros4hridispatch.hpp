@@ -9,35 +9,47 @@
 
 #include <boost/optional/optional.hpp>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace KV::recordings
 {
 
-/// Makes steps out of messages, each of which comes with its topic: from a bag, or from the wire.
+/// Makes steps from messages, each with its topic: from a bag, or from the wire.
 ///
 /// Not synchronised.
 class Ros4hriDispatch
 {
 public:
-  explicit Ros4hriDispatch(const ReadingOptions& options);
+  /// \param isLive  who has which face is learned as it comes in, and faces are forgotten by forgetOld()
+  explicit Ros4hriDispatch(const ReadingOptions& options, bool isLive = false);
   Ros4hriDispatch(const Ros4hriDispatch&) = delete;
   Ros4hriDispatch& operator=(const Ros4hriDispatch&) = delete;
 
-  /// Lets the time go on; it must be called before what happens at that time.
+  /// Advances the time; it must be called before the messages of that time.
   void advance(RosbagCycles::TimePoint time);
 
-  /// Takes a message that says who has which face or voice; of other topics, nothing.
+  /// Takes a message that says who a person is; messages of other topics are ignored.
   ///
-  /// Where all messages are at hand, as in a bag, these are taken first: a person whose face is found anew stays the
-  /// same. \throws RosMessageError for a message that does not hold what its type says.
+  /// Where all messages are at hand, as in a bag, these are taken first: a person whose face is found again stays the
+  /// same. \throws RosMessageError for a message whose data do not fit its type.
   void takePerson(const RosTopic& topic, RosData& data);
 
-  /// Takes a message of any other topic.
+  /// Takes a message of any other topic. One that takePerson() takes is only checked.
   ///
-  /// \throws RosMessageError for a message that does not hold what its type says.
+  /// \throws RosMessageError for a message whose data do not fit its type.
   void take(const RosTopic& topic, RosData& data);
+
+  /// As in RosbagCycles, for live sessions.
+  void fade(RosbagCycles::TimePoint now) { _cycles.fade(now); }
+  const boost::optional<RosbagCycles::TimePoint>& lastReceived() const { return _cycles.lastReceived(); }
+  void forgetOld() { _cycles.forgetOld(); }
+  void forget(std::int32_t person)
+  {
+    _cycles.forget(person);
+    _persons.renumber(person);
+  }
 
   /// Ends the last step.
   void finish();
@@ -45,13 +57,13 @@ public:
   /// Returns the next step that is complete, or nothing.
   boost::optional<Step> next();
 
-  /// Returns a warning for each kind of frames that was missing. The answer is final after finish().
+  /// Returns a warning for each kind of missing frames. The answer is final after finish().
   std::vector<std::string> warnings() const;
 
-  /// Says who has which number.
+  /// Describes which person has which number.
   std::string describePersons() const;
 
-  /// Says what was learned of the faces at rest, a line each.
+  /// Describes the learned faces at rest, a line each.
   std::vector<std::string> describeLearned() const { return _cycles.describeLearned(); }
 
 private:

@@ -19,12 +19,13 @@ namespace
 using boost::chrono::milliseconds;
 
 const milliseconds longestCycle(15);     // from the first frame of a cycle to the last
-const milliseconds shortestPeriod(25);   // between two cycles in which somebody is told missing
-const milliseconds longestBreak(500);    // in the frames of a face, up to which its other readings wait for the next
-const milliseconds longestUnknown(250);  // without a frame, if nobody tells which faces are tracked
+const milliseconds shortestPeriod(25);   // between two cycles that report missing persons
+const milliseconds longestBreak(500);    // between frames of a face; its other readings wait up to so long
+const milliseconds longestUnknown(250);  // without a frame, if no message lists the tracked faces
 const boost::chrono::seconds longestKept(60);
+const boost::chrono::seconds longestPause(1);  // of a person without a face, between messages of the voice
 
-constexpr double stillGaze = 0.0017;  // [rad] a tenth of a degree: what moves less is a constant
+constexpr double stillGaze = 0.0017;  // [rad] a tenth of a degree: a gaze that moves less is constant
 
 const std::string facePrefix = "face_";
 const std::string gazePrefix = "gaze_";
@@ -40,23 +41,25 @@ std::string frameName(const std::string& name)
   return startsWith(name, "/") ? name.substr(1) : name;
 }
 
-Transform transformOf(const RosTransform& told)
+Transform transformOf(const RosTransform& received)
 {
-  const auto rotation = Rotation::fromQuaternion(told.rotation);
-  const Vector3& translation = told.translation;
+  const auto rotation = Rotation::fromQuaternion(received.rotation);
+  const Vector3& translation = received.translation;
   if (!rotation || !std::isfinite(translation[0] + translation[1] + translation[2]))
-    throw RosMessageError("the frame " + quote(told.child) +
+    throw RosMessageError("the frame " + quote(received.child) +
                           " has no position: a number is not finite, or its rotation is 0");
   return {*rotation, translation};
 }
 
 }  // namespace
 
-RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons) : _adapter(options), _persons(persons)
+RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons, bool keepsFaces)
+  : _adapter(options), _persons(persons), _keepsFaces(keepsFaces)
 {}
 
 void RosbagCycles::advance(TimePoint time)
 {
+  _openForVoices(time);
   if (_cycle && time - _cycle->begin > longestCycle)
     _close();
   _now = std::max(_now, time);
@@ -64,15 +67,15 @@ void RosbagCycles::advance(TimePoint time)
 
 void RosbagCycles::transform(const std::vector<RosTransform>& transforms)
 {
-  for (const RosTransform& told : transforms)
+  for (const RosTransform& received : transforms)
   {
-    const std::string child = frameName(told.child);
-    const Transform transform = transformOf(told);
+    const std::string child = frameName(received.child);
+    const Transform transform = transformOf(received);
     const bool isFace = startsWith(child, facePrefix);
     const std::string face = child.substr(std::min(child.size(), facePrefix.size()));
     if (isFace && _cycle && _cycle->posed.count(face) > 0)
       _close();  // with the frame as it was
-    if (!_tree.set(frameName(told.parent), child, transform))
+    if (!_tree.set(frameName(received.parent), child, transform))
       throw RosMessageError("there are more than " + std::to_string(TransformTree::mostFrames) + " frames");
     if (isFace)
       _pose(face);
@@ -83,9 +86,10 @@ void RosbagCycles::transform(const std::vector<RosTransform>& transforms)
 
 void RosbagCycles::trackedFaces(const RosIdsList& list)
 {
+  _lastReceived = _now;
   _tracked = std::set<std::string>(list.ids.begin(), list.ids.end());
   _trackingFrame = frameName(list.header.frame);
-  // Where nobody is left there are no frames of faces, either, which would open a cycle.
+  // If nobody is left, there are no frames of faces, either, which would begin a cycle.
   if (!_cycle && (!_lastCycle || _now - *_lastCycle >= shortestPeriod))
     _open();
 }
@@ -105,7 +109,7 @@ void RosbagCycles::actionUnits(const std::string& face, const RosActionUnits& un
   KV::PersonObservation& pending = _readingOf(face).pending;
   if (readings.smile)
     pending.smile.emplace(_now, *readings.smile);
-  if (readings.expressions && !pending.expressions)  // a classifier of expressions knows better
+  if (readings.expressions && !pending.expressions)  // a classifier of expressions is more reliable
     pending.expressions.emplace(_now, *readings.expressions);
 }
 
@@ -116,14 +120,61 @@ void RosbagCycles::landmarks(const std::string& face, const RosLandmarks& landma
 
 void RosbagCycles::speaking(const std::string& voice, bool speaks)
 {
-  if (const auto person = _persons.ofVoice(voice))
-    _speaking[*person].emplace(_now, speaks);
+  const auto person = _persons.ofVoice(voice);
+  if (!person)
+    return;
+  _speaking[*person].emplace(_now, speaks);
+  if (_endOfFace(*person) <= _now)
+    _open();
 }
 
 void RosbagCycles::finish()
 {
   if (_cycle)
     _close();
+}
+
+void RosbagCycles::fade(TimePoint now)
+{
+  advance(now);
+  _tracked = boost::none;  // the writer of the list may be gone, too
+  if (_inView.empty())
+    return;
+  _open();
+  _close();
+}
+
+void RosbagCycles::forgetOld()
+{
+  for (auto face = _faces.begin(); face != _faces.end();)
+  {
+    if (_now - face->second.lastReceived <= longestKept)
+    {
+      ++face;
+      continue;
+    }
+    _tree.remove(gazePrefix + face->first);
+    _tree.remove(facePrefix + face->first);
+    _persons.forgetFace(face->first);
+    face = _faces.erase(face);
+  }
+  _persons.forgetFormer(_reported);
+  const auto forgetUnknown = [this](auto& byPerson) {
+    for (auto entry = byPerson.begin(); entry != byPerson.end();)
+      entry = _persons.isKnown(entry->first) ? std::next(entry) : byPerson.erase(entry);
+  };
+  forgetUnknown(_speaking);
+  forgetUnknown(_withFace);
+  forgetUnknown(_byVoice);
+}
+
+void RosbagCycles::forget(std::int32_t person)
+{
+  _reported.erase(person);
+  _inView.forget(person);
+  _speaking.erase(person);
+  _withFace.erase(person);
+  _byVoice.erase(person);
 }
 
 boost::optional<Step> RosbagCycles::take()
@@ -139,10 +190,15 @@ RosbagCycles::Face& RosbagCycles::_face(const std::string& name)
 {
   const auto found = _faces.find(name);
   if (found != _faces.end())
+  {
+    found->second.lastReceived = _now;
     return found->second;
+  }
   if (_faces.size() >= RosbagPersons::mostFaces)
     throw RosMessageError("there are more than " + std::to_string(RosbagPersons::mostFaces) + " faces");
-  return _faces[name];
+  Face& face = _faces[name];
+  face.lastReceived = _now;
+  return face;
 }
 
 void RosbagCycles::_open()
@@ -151,12 +207,58 @@ void RosbagCycles::_open()
     _cycle = Cycle{_now, {}, {}};
 }
 
+// A reading of a voice waited for a face that did not come.
+void RosbagCycles::_openForVoices(TimePoint time)
+{
+  if (_cycle)
+    return;
+  TimePoint first = time;
+  for (const auto& spoken : _speaking)
+    first = std::min(first, _endOfFace(spoken.first));
+  if (first == time)
+    return;
+  _now = std::max(_now, first);
+  _open();
+}
+
+// Returns when the person's voice waits for the face no longer.
+RosbagCycles::TimePoint RosbagCycles::_endOfFace(std::int32_t person) const
+{
+  const auto found = _withFace.find(person);
+  return found == _withFace.end() ? TimePoint::min() : found->second + longestBreak;
+}
+
+// Adds steps for those who spoke and have no face.
+void RosbagCycles::_addVoices(std::set<std::int32_t>& seen, std::vector<Step>& entries)
+{
+  for (auto spoken = _speaking.begin(); spoken != _speaking.end();)
+  {
+    const auto& [person, reading] = *spoken;
+    if (_endOfFace(person) > _now)
+    {
+      ++spoken;
+      continue;
+    }
+    Step entry;
+    entry.person = person;
+    entry.personName = _persons.nameOf(person);
+    entry.time = std::max(_cycle->begin, reading->time);
+    entry.observation.speaking = reading;
+    _byVoice[person] = {entry.time, reading->value};
+    _lastHeard = entry.time;
+    seen.insert(person);
+    entries.push_back(std::move(entry));
+    spoken = _speaking.erase(spoken);
+  }
+}
+
 void RosbagCycles::_pose(const std::string& face)
 {
+  _face(face).posedAt = _now;  // it comes first: there may be too many faces
   _open();
+  _lastReceived = _now;
   _cycle->posed[face] = _now;
   _cycle->faces.insert(face);
-  _face(face).posedAt = _now;
 }
 
 void RosbagCycles::_noteGaze(const std::string& name)
@@ -174,11 +276,12 @@ void RosbagCycles::_noteGaze(const std::string& name)
     _gaze = Gaze::FollowsFace;
 }
 
-// What is told of a face waits for its next frame, unless there are none.
+// Readings of a face wait for its next frame, unless it has no frames.
 RosbagCycles::Face& RosbagCycles::_readingOf(const std::string& name)
 {
   Face& face = _face(name);
   face.pendingSince = _now;
+  _lastReceived = _now;
   if (!face.posedAt || _now - *face.posedAt > longestBreak)
   {
     _open();
@@ -198,15 +301,18 @@ void RosbagCycles::_close()
       throw RosMessageError("there are more than " + std::to_string(RosbagPersons::mostFaces) + " faces");
     const bool isFirst = seen.insert(*person).second;
     if (!isFirst)
-      continue;  // the face of a person was found anew, under another name
+      continue;  // the face of a person was found again, under another name
     if (auto entry = _entryOf(name, _face(name), *person))
       entries.push_back(std::move(*entry));
+    _withFace[*person] = _now;
+    _byVoice.erase(*person);
   }
+  _addVoices(seen, entries);
   std::stable_sort(entries.begin(), entries.end(),
                    [](const Step& left, const Step& right) { return left.time < right.time; });
   _entries.insert(_entries.end(), entries.begin(), entries.end());
-  _told.insert(seen.begin(), seen.end());
-  _tellMissing(seen);
+  _reported.insert(seen.begin(), seen.end());
+  _reportMissing(seen);
   _lastCycle = _cycle->begin;
   _cycle = boost::none;
 }
@@ -243,14 +349,14 @@ void RosbagCycles::_addPose(const std::string& name, Face& face, std::int32_t pe
   const auto camera = _cameraOf(name);
   if (posed == _cycle->posed.end() || !camera)
     return;
-  recordings::Face told;
-  told.frontEnd = FrontEnd::Ros4Hri;
-  told.pose = poseOf(*_tree.find(*camera, facePrefix + name));
+  recordings::Face detected;
+  detected.frontEnd = FrontEnd::Ros4Hri;
+  detected.pose = poseOf(*_tree.find(*camera, facePrefix + name));
   const auto gaze = _tree.find(*camera, gazePrefix + name);
   if (gaze && std::exchange(face.gazeIsNew, false))
-    told.pose.gaze = gazeOf(*gaze);
+    detected.pose.gaze = gazeOf(*gaze);
   RestingFace& rest = _resting.of(person, posed->second);
-  const KV::PersonObservation posedObservation = _adapter.read(told, posed->second, rest).observedAt(posed->second);
+  const KV::PersonObservation posedObservation = _adapter.read(detected, posed->second, rest).observedAt(posed->second);
   observation.faceDetected = posedObservation.faceDetected;
   observation.headPosture = posedObservation.headPosture;
   observation.gaze = posedObservation.gaze;
@@ -258,8 +364,8 @@ void RosbagCycles::_addPose(const std::string& name, Face& face, std::int32_t pe
   observation.headHeight = posedObservation.headHeight;
 }
 
-// The frame of the camera that sees the face: the one that the tracked faces are said to be in; else one that is called
-// optical, or the one that the face is told in.
+// The frame of the camera that sees the face: the frame_id of the tracked faces; else a parent that is called optical,
+// or the direct parent of the face.
 boost::optional<std::string> RosbagCycles::_cameraOf(const std::string& face) const
 {
   const std::string frame = facePrefix + face;
@@ -273,18 +379,35 @@ boost::optional<std::string> RosbagCycles::_cameraOf(const std::string& face) co
   return optical != ancestors.end() ? *optical : ancestors.front();
 }
 
-void RosbagCycles::_tellMissing(const std::set<std::int32_t>& seen)
+// Persons who are there by voice alone are not missing.
+void RosbagCycles::_seeHeard()
+{
+  for (auto entry = _byVoice.begin(); entry != _byVoice.end();)
+  {
+    const auto& [person, voice] = *entry;
+    if (_now - voice.heard > (voice.speaks ? longestKept : longestPause))
+    {
+      entry = _byVoice.erase(entry);
+      continue;
+    }
+    _inView.see(person);
+    ++entry;
+  }
+}
+
+void RosbagCycles::_reportMissing(const std::set<std::int32_t>& seen)
 {
   for (const std::int32_t person : seen)
     _inView.see(person);
+  _seeHeard();
   for (auto face = _faces.begin(); face != _faces.end();)
   {
     const auto person = _persons.ofFace(face->first);
     const auto& posedAt = face->second.posedAt;
-    if (person && _told.count(*person) > 0 && _isAround(face->first, face->second))
+    if (person && _reported.count(*person) > 0 && _isAround(face->first, face->second))
       _inView.see(*person);
     const bool isOld = posedAt && _now - *posedAt > longestKept && !face->second.pendingSince;
-    face = isOld ? _faces.erase(face) : std::next(face);
+    face = isOld && !_keepsFaces ? _faces.erase(face) : std::next(face);
   }
 
   if (_lastMissing && _cycle->begin - *_lastMissing < shortestPeriod)

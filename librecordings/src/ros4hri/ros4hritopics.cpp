@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstddef>
 #include <string_view>
 
@@ -15,12 +14,12 @@ namespace
 struct Pattern
 {
   std::string_view prefix;
-  std::string_view suffix;  // behind the id; empty: there is no id
+  std::string_view suffix;  // after the id; empty: there is no id
   RosTopicKind kind;
   std::string_view type;
 };
 
-constexpr std::array<Pattern, 10> patterns{{
+constexpr std::array<Pattern, 12> patterns{{
     {"/tf", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
     {"/tf_static", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
     {"/humans/faces/tracked", "", RosTopicKind::TrackedFaces, "hri_msgs/msg/IdsList"},
@@ -29,15 +28,11 @@ constexpr std::array<Pattern, 10> patterns{{
     {"/humans/faces/", "/landmarks", RosTopicKind::Landmarks, "hri_msgs/msg/FacialLandmarks"},
     {"/humans/persons/", "/face_id", RosTopicKind::FaceOfPerson, "std_msgs/msg/String"},
     {"/humans/persons/", "/voice_id", RosTopicKind::VoiceOfPerson, "std_msgs/msg/String"},
+    {"/humans/persons/", "/alias", RosTopicKind::AliasOfPerson, "std_msgs/msg/String"},
+    {"/humans/persons/", "/anonymous", RosTopicKind::AnonymousPerson, "std_msgs/msg/Bool"},
     {"/humans/voices/", "/is_speaking", RosTopicKind::Speaking, "std_msgs/msg/Bool"},
     {"/humans/voices/", "/speech", RosTopicKind::Speech, "hri_msgs/msg/LiveSpeech"},
 }};
-
-// ROS allows no others in the parts of a name.
-bool mayBeInName(char character)
-{
-  return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_';
-}
 
 std::optional<std::string> idIn(std::string_view name, const Pattern& pattern)
 {
@@ -48,10 +43,16 @@ std::optional<std::string> idIn(std::string_view name, const Pattern& pattern)
       name.substr(name.size() - pattern.suffix.size()) != pattern.suffix)
     return {};
   const std::string_view id = name.substr(pattern.prefix.size(), name.size() - around);
-  return std::all_of(id.begin(), id.end(), mayBeInName) ? std::make_optional(std::string(id)) : std::nullopt;
+  return std::all_of(id.begin(), id.end(), mayBeInRosId) ? std::make_optional(std::string(id)) : std::nullopt;
 }
 
 }  // namespace
+
+bool mayBeInRosId(char character)
+{
+  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+         (character >= '0' && character <= '9') || character == '_';
+}
 
 std::optional<RosTopic> rosTopicOf(const std::string& name)
 {
@@ -63,7 +64,16 @@ std::optional<RosTopic> rosTopicOf(const std::string& name)
 
 bool isAboutPersons(const RosTopic& topic)
 {
-  return topic.kind == RosTopicKind::FaceOfPerson || topic.kind == RosTopicKind::VoiceOfPerson;
+  switch (topic.kind)
+  {
+    case RosTopicKind::FaceOfPerson:
+    case RosTopicKind::VoiceOfPerson:
+    case RosTopicKind::AliasOfPerson:
+    case RosTopicKind::AnonymousPerson:
+      return true;
+    default:
+      return false;
+  }
 }
 
 std::string expectedRosTopics()

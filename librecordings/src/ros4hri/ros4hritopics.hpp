@@ -17,28 +17,34 @@ enum class RosTopicKind
   Landmarks,
   FaceOfPerson,
   VoiceOfPerson,
+  AliasOfPerson,
+  AnonymousPerson,
   Speaking,
   Speech
 };
 
-/// A topic that is read: the kind of its messages, and the face, voice or person that they are about.
+/// A topic that is read: the kind of its messages, and the face, voice or person to whom they belong.
 struct RosTopic
 {
   RosTopicKind kind;
   std::string type;  ///< that its messages must have
-  std::string id;    ///< of the face, the voice or the person; empty if it is about none
+  std::string id;    ///< of the face, the voice or the person; empty if the topic is about nobody
 };
 
-/// Returns what the topic with this name tells; nothing if it is not read.
+/// Returns whether ROS allows the character in an id, which is a part of the name of a topic: ASCII letters, digits,
+/// "_".
+bool mayBeInRosId(char character);
+
+/// Returns the kind and subject of the topic with this name; nothing if it is not read.
 std::optional<RosTopic> rosTopicOf(const std::string& name);
 
-/// Tells whether the topic says who has which face or voice.
+/// Returns whether the topic says who a person is: which face, which voice, which other id.
 bool isAboutPersons(const RosTopic& topic);
 
-/// Says which topics are read, for an error about a source that has none of them.
+/// Lists the topics that are read, for an error about a source without any of them.
 std::string expectedRosTopics();
 
-/// Says which kinds of topics these are, and which are missing.
+/// Lists the kinds of these topics, and the missing ones.
 std::string describeRosTopics(const std::vector<RosTopic>& topics);
 
 }  // namespace KV::recordings

@@ -20,7 +20,7 @@ Direction directionOf(const Vector3& vector)
   return {std::atan2(-right, -forward), std::atan2(-down, std::hypot(right, forward))};
 }
 
-// [rad], positive is to the own right shoulder: then the left side of the face goes up.
+// [rad], positive is to the person's own right shoulder: then the left side of the face goes up.
 double rollOf(const Vector3& toOwnLeft, const Vector3& up)
 {
   return std::atan2(-toOwnLeft[1], -up[1]);
@@ -43,7 +43,7 @@ FacePose poseOf(const Transform& faceInCamera)
 KV::Gaze gazeOf(const Transform& gazeInCamera)
 {
   const Direction gaze = directionOf(gazeInCamera.rotation.axis(2));
-  return {-degrees(gaze.ownRight), degrees(gaze.up)};  // a gaze yaw counts to the own left
+  return {-degrees(gaze.ownRight), degrees(gaze.up)};  // a gaze yaw is positive to the person's own left
 }
 
 }  // namespace KV::recordings

@@ -8,18 +8,18 @@
 namespace KV::recordings
 {
 
-Face faceOf(const RosFace& told)
+Face faceOf(const RosFace& detected)
 {
-  const auto& [x, y, z] = told.translation;
-  const auto rotation = Rotation::fromQuaternion(told.rotation);
+  const auto& [x, y, z] = detected.translation;
+  const auto rotation = Rotation::fromQuaternion(detected.rotation);
   if (!rotation || !std::isfinite(x + y + z))
     throw std::invalid_argument("The pose of the face has a number that is not finite, or its rotation is 0.");
   Face face;
   face.frontEnd = FrontEnd::Ros4Hri;
-  face.pose = poseOf({*rotation, told.translation});
-  if (!told.gazeRotation)
+  face.pose = poseOf({*rotation, detected.translation});
+  if (!detected.gazeRotation)
     return face;
-  const auto gaze = Rotation::fromQuaternion(*told.gazeRotation);
+  const auto gaze = Rotation::fromQuaternion(*detected.gazeRotation);
   if (!gaze)
     throw std::invalid_argument("The rotation of the gaze has a number that is not finite, or is 0.");
   face.pose.gaze = gazeOf({*gaze, {}});

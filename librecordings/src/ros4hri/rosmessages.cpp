@@ -11,7 +11,7 @@ namespace
 using eprosima::fastcdr::Cdr;
 
 constexpr std::size_t encapsulationSize = 4;
-constexpr std::size_t smallestTransform = 64;  // [bytes] header, name and seven numbers of an empty one, and less
+constexpr std::size_t smallestTransform = 64;  // [bytes] less than header, name and seven numbers of an empty one
 constexpr std::size_t smallestText = 4;        // [bytes]
 
 // Reads a message part by part.
@@ -65,7 +65,7 @@ private:
   Cdr _cdr;
 };
 
-/// Reads with `read`; errors of the library are of our own kind then.
+/// Reads with `read`, and converts errors of the library to RosMessageError.
 template <typename Read>
 auto guarded(RosData& data, const Read& read)
 {

@@ -12,14 +12,14 @@
 namespace KV::recordings
 {
 
-/// A message that does not hold what its type says.
+/// A message whose data do not fit its type.
 class RosMessageError : public std::runtime_error
 {
 public:
   using std::runtime_error::runtime_error;
 };
 
-/// std_msgs/msg/Header, of which the stamp is not used: see RosbagReader.
+/// std_msgs/msg/Header; its stamp is not used, see RosbagReader.
 struct RosHeader
 {
   std::string frame;
@@ -50,7 +50,7 @@ struct RosSpeech
 
 using RosData = std::vector<char>;
 
-// Each reads a message in CDR, little or big endian. They throw RosMessageError if it ends too early, or tells of more
+// Each reads a message in CDR, little or big endian. They throw RosMessageError if it ends too early, or claims more
 // elements than it can hold.
 
 std::vector<RosTransform> readTransforms(RosData& data);  ///< tf2_msgs/msg/TFMessage

@@ -17,7 +17,7 @@ namespace
 {
 using Score = KV::ValueConfidence<float> KV::Expressions::*;
 
-// Of the expressions that have a name in hri_msgs, those that the library knows. Of the others the valence is taken.
+// The expressions of hri_msgs that the library knows. The valence of other expressions is read.
 const std::array<std::pair<const char*, Score>, 7> knownExpressions{{
     {"neutral", &KV::Expressions::calm},
     {"angry", &KV::Expressions::anger},
@@ -38,7 +38,7 @@ KV::Expressions allWith(float confidence)
   return expressions;
 }
 
-// A valence says nothing of what lies across it: surprise, excitement, laughter.
+// A valence does not contain surprise, excitement or laughter, which are independent of it.
 KV::Expressions expressionsOfValence(float valence, float confidence)
 {
   KV::Expressions expressions;

@@ -8,7 +8,7 @@ namespace KV::recordings
 {
 namespace
 {
-constexpr std::size_t deepestTree = 100;  // whoever goes further goes in circles
+constexpr std::size_t deepestTree = 100;  // a longer path goes in circles
 
 Vector3 sum(const Vector3& left, const Vector3& right)
 {

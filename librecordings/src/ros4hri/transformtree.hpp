@@ -15,30 +15,30 @@ namespace KV::recordings
 
 using Vector3 = std::array<double, 3>;
 
-/// A turn, as the matrix of the turned axes.
+/// A rotation, as the matrix of the rotated axes.
 class Rotation
 {
 public:
-  Rotation() = default;  ///< no turn
+  Rotation() = default;  ///< no rotation
 
-  /// Makes one from a quaternion x, y, z, w of any length; nothing if that is 0 or no number.
+  /// Makes a rotation from a quaternion x, y, z, w of any length; nothing if its length is 0 or no number.
   static std::optional<Rotation> fromQuaternion(const std::array<double, 4>& quaternion);
 
   Rotation inverse() const;
   Rotation operator*(const Rotation& other) const;
   Vector3 operator*(const Vector3& vector) const;
 
-  /// Returns one of the turned axes x, y, z.
+  /// Returns one of the rotated axes x, y, z.
   Vector3 axis(std::size_t index) const { return {_rows[0][index], _rows[1][index], _rows[2][index]}; }
 
-  /// Returns by how much it turns, in radians.
+  /// Returns the angle of the rotation, in radians.
   double angle() const;
 
 private:
   std::array<Vector3, 3> _rows{{{1., 0., 0.}, {0., 1., 0.}, {0., 0., 1.}}};
 };
 
-/// Where a frame is in another one.
+/// The place of a frame in another one.
 struct Transform
 {
   Rotation rotation;
@@ -48,15 +48,18 @@ struct Transform
   Transform operator*(const Transform& other) const;
 };
 
-/// The frames of a robot and of what it sees, as they were told last.
+/// The frames of a robot and of the things it sees, each as last reported.
 class TransformTree
 {
 public:
-  /// More frames than that are not kept.
+  /// More frames are not kept.
   static constexpr std::size_t mostFrames = limits::mostFrames;
 
   /// Places `child` in `parent`; returns false if there are too many frames.
   bool set(const std::string& parent, const std::string& child, const Transform& transform);
+
+  /// Forgets where a frame is.
+  void remove(const std::string& child) { _parents.erase(child); }
 
   /// Returns where `frame` is in `reference`; nothing if that is not known.
   std::optional<Transform> find(const std::string& reference, const std::string& frame) const;

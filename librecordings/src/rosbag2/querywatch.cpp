@@ -27,7 +27,7 @@ void QueryWatch::rethrow()
     std::rethrow_exception(std::exchange(_thrown, nullptr));
 }
 
-// SQLite is written in C: no exception may pass it.
+// SQLite is written in C: no exception may pass through it.
 int QueryWatch::_lookIn(void* watch)
 {
   return static_cast<QueryWatch*>(watch)->_mustEnd() ? 1 : 0;

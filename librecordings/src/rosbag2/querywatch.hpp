@@ -20,10 +20,10 @@ public:
   QueryWatch(const QueryWatch&) = delete;
   QueryWatch& operator=(const QueryWatch&) = delete;
 
-  /// Allows as many steps as at first, for another pass through the file.
+  /// Allows the same number of steps again, for another pass through the file.
   void allowAnotherPass() { _steps = 0; }
 
-  /// If the check has thrown, throws the same; else a query that was ended took too many steps.
+  /// Throws the exception of the check again, if it threw; else reports that the ended query took too many steps.
   void rethrow();
 
 private:

@@ -20,7 +20,7 @@ namespace KV::recordings
 {
 namespace
 {
-// SQLite builds no value larger than this: a message of the greatest length, and what stands beside it in its row.
+// SQLite builds no larger value than this: a message of the greatest length, and the other columns of its row.
 constexpr int largestValue = limits::largestMessage + (1 << 16);
 
 // A path as part of an address.
@@ -46,7 +46,7 @@ std::uintmax_t sizeOf(const std::string& path)
   return error ? 0 : size;
 }
 
-// What was written last may still be in a journal beside the file.
+// The last changes may still be in a journal beside the file.
 std::uintmax_t sizeOfJournal(const std::string& path)
 {
   return sizeOf(path + "-wal");
@@ -55,16 +55,6 @@ std::uintmax_t sizeOfJournal(const std::string& path)
 bool hasJournal(const std::string& path)
 {
   return sizeOfJournal(path) > 0;
-}
-
-// SQLite would wait for a pipe without an end.
-void expectFile(const std::string& path)
-{
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error))
-    throw Error({path, 0, {}}, "is no regular file, which the files of a bag must be");
-  if (sizeOf(path) == 0)
-    throw Error({path, 0, {}}, "the file is empty");
 }
 
 void configure(sqlite3* database)
@@ -77,8 +67,8 @@ void configure(sqlite3* database)
   sqlite3_limit(database, SQLITE_LIMIT_LENGTH, largestValue);
   sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
   sqlite3_limit(database, SQLITE_LIMIT_WORKER_THREADS, 0);
-  // A damaged cell is noticed when its page is read; pages are read into SQLite's own memory, so that a file that
-  // becomes shorter is an error and no signal.
+  // A damaged cell is detected when its page is read; pages are read into SQLite's own memory, so that a file that
+  // becomes shorter causes an error and no signal.
   sqlite3_exec(database, "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0", nullptr, nullptr, nullptr);
 }
 
@@ -102,12 +92,28 @@ void RosbagDatabase::CloseStatement::operator()(sqlite3_stmt* statement) const
   sqlite3_finalize(statement);
 }
 
-RosbagDatabase::RosbagDatabase(const std::string& path) : _path(path)
+/// The messages of some topics.
+class RosbagDatabase::Selection : public BagMessages
 {
-  expectFile(path);
-  if (UnpackedFile::isNeededFor(path))
-    _unpacked = std::make_unique<const UnpackedFile>(path);
-  const std::string& file = _unpacked ? _unpacked->path() : path;
+public:
+  Selection(const RosbagDatabase& database, const std::vector<std::int64_t>& topics);
+
+  bool next(BagMessage& message) override;
+
+private:
+  void _readData(BagMessage& message);
+
+  const RosbagDatabase& _of;
+  Statement _order;           // number, topic and time of each
+  Statement _data;            // of the message with a number
+  std::uintmax_t _rows = 0;   // that were read
+  std::uintmax_t _bytes = 0;  // [bytes] of their data
+};
+
+RosbagDatabase::RosbagDatabase(const std::string& path, std::unique_ptr<const UnpackedFile> unpacked)
+  : BagFile(path, std::move(unpacked))
+{
+  const std::string& file = _contents();
   _open(file);
   for (const char* const table : {"topics", "messages"})
     _expectTable(table);
@@ -120,11 +126,9 @@ RosbagDatabase::RosbagDatabase(const std::string& path) : _path(path)
 }
 
 RosbagDatabase::~RosbagDatabase() = default;
-RosbagDatabase::RosbagDatabase(RosbagDatabase&& other) noexcept = default;
-RosbagDatabase& RosbagDatabase::operator=(RosbagDatabase&& other) noexcept = default;
 
-// A file that nobody writes is opened as immutable, and then without any other file. The changes in a journal count
-// only if it is read, which SQLite does by itself alone, without a lock or an index in a third file, in exclusive mode.
+// A file that no program writes is opened as immutable, and then without any other file. The changes in a journal are
+// read only in exclusive mode: SQLite then reads it alone, without a lock or an index in a third file.
 void RosbagDatabase::_open(const std::string& file)
 {
   const bool withJournal = hasJournal(file);
@@ -135,7 +139,7 @@ void RosbagDatabase::_open(const std::string& file)
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
   _database.reset(database);
   if (status != SQLITE_OK)
-    throw Error({_path, 0, {}}, std::string("cannot be opened: ") + sqlite3_errstr(status));
+    _fail(std::string("cannot be opened: ") + sqlite3_errstr(status));
   _size = sizeOf(file) + sizeOfJournal(file);
   _watch = std::make_unique<QueryWatch>(*database, _size);
   if (withJournal)
@@ -143,7 +147,7 @@ void RosbagDatabase::_open(const std::string& file)
   configure(database);
 }
 
-// A view or a virtual table would be somebody's program, not a recording.
+// A view or a virtual table would be a program, not a recording.
 void RosbagDatabase::_expectTable(const std::string& name)
 {
   const auto statement =
@@ -176,7 +180,7 @@ void RosbagDatabase::_refuseGeneratedColumns(const std::string& table)
             "' is generated: a bag has stored columns only");
 }
 
-// SQLite refuses a file that lacks pages, but takes what is missing of the last one for zeros.
+// SQLite refuses a file that lacks pages, but reads zeros for a missing part of the last page.
 void RosbagDatabase::_expectWholePages(const std::string& file)
 {
   if (hasJournal(file))
@@ -198,12 +202,12 @@ void RosbagDatabase::_readTopics()
     if (sqlite3_column_type(statement.get(), 0) != SQLITE_INTEGER)
       _fail("a topic has no whole number as its key");
     if (++count > limits::mostTopics)
-      _fail("has more than " + std::to_string(limits::mostTopics) + " topics");
+      _failForTopics();
     BagTopic topic{_textOf(*statement, 1), _textOf(*statement, 2), _textOf(*statement, 3)};
     bytes += topic.name.size() + topic.type.size() + topic.format.size();
     if (bytes > _size)
       _fail("the names of its topics are longer than the file: the database is damaged");
-    _topics[sqlite3_column_int64(statement.get(), 0)] = std::move(topic);
+    _addTopic(sqlite3_column_int64(statement.get(), 0), std::move(topic));
   }
 }
 
@@ -212,7 +216,7 @@ void RosbagDatabase::_readSpan()
   const auto first = _outermostTime("ASC");
   const auto last = _outermostTime("DESC");
   if (first && last)
-    _span = {*first, *last};
+    _setSpan({*first, *last});
 }
 
 std::optional<std::int64_t> RosbagDatabase::_outermostTime(const std::string& order)
@@ -227,43 +231,9 @@ std::optional<std::int64_t> RosbagDatabase::_outermostTime(const std::string& or
   return sqlite3_column_int64(statement.get(), 0);
 }
 
-void RosbagDatabase::select(const std::vector<std::int64_t>& topics)
+std::unique_ptr<BagMessages> RosbagDatabase::messagesOf(const std::vector<std::int64_t>& topics)
 {
-  _messages = _selected(topics);
-}
-
-bool RosbagDatabase::next(BagMessage& message)
-{
-  return _next(_messages, message);
-}
-
-bool RosbagDatabase::forEachDifferent(const std::vector<std::int64_t>& topics,
-                                      const std::function<void(BagMessage&)>& take)
-{
-  if (topics.empty())
-    return true;
-  Selection selection = _selected(topics);
-  std::unordered_set<std::string> different;
-  std::size_t bytes = 0;
-  BagMessage message;
-  while (_next(selection, message))
-  {
-    std::string content = std::to_string(message.topic) + " ";
-    content.append(message.data.begin(), message.data.end());
-    if (different.count(content) > 0)
-      continue;
-    bytes += content.size();
-    if (different.size() == limits::mostDifferentMessages || bytes > limits::largestDifferentMessages)
-      return false;
-    different.insert(std::move(content));
-    take(message);
-  }
-  return true;
-}
-
-void RosbagDatabase::refuse(const BagMessage& message, const std::string& what) const
-{
-  throw BadLine({_path, 0, _nameOf(message)}, "message " + std::to_string(message.number) + ": " + what);
+  return std::make_unique<Selection>(*this, topics);
 }
 
 RosbagDatabase::Statement RosbagDatabase::_prepare(const std::string& sql) const
@@ -277,7 +247,7 @@ RosbagDatabase::Statement RosbagDatabase::_prepare(const std::string& sql) const
   return Statement(statement);
 }
 
-// Moves on to the next row; false at the end.
+// Advances to the next row; false at the end.
 bool RosbagDatabase::_step(sqlite3_stmt& statement) const
 {
   const int status = sqlite3_step(&statement);
@@ -297,72 +267,60 @@ std::string RosbagDatabase::_textOf(sqlite3_stmt& statement, int column) const
   return bytes == nullptr ? std::string() : std::string(bytes, static_cast<std::size_t>(count));
 }
 
-// A message is found by its times in the table itself: an index may say anything. Types and lengths stand in the head
-// of a row, so that SQLite need not read what is of another type, or too long.
-RosbagDatabase::Selection RosbagDatabase::_selected(const std::vector<std::int64_t>& topics) const
+// A message is found by its times in the table itself: an index may be wrong. Types and lengths are in the head of a
+// row, so SQLite need not read a value of another type, or one that is too long.
+RosbagDatabase::Selection::Selection(const RosbagDatabase& database, const std::vector<std::int64_t>& topics)
+  : _of(database)
 {
-  _watch->allowAnotherPass();
-  Selection selection;
-  selection.order = _prepare(
+  _of._watch->allowAnotherPass();
+  _order = _of._prepare(
       "SELECT rowid, topic_id, CASE typeof(timestamp) WHEN 'integer' THEN timestamp END AS time "
       "FROM messages NOT INDEXED "
       "WHERE CASE typeof(topic_id) WHEN 'integer' THEN topic_id END IN " +
       listOf(topics) + " ORDER BY time NULLS LAST, rowid");
-  selection.data = _prepare("SELECT length(data), CASE WHEN length(data) <= " + std::to_string(limits::largestMessage) +
-                            " THEN data END FROM messages NOT INDEXED WHERE rowid = ? AND typeof(data) = 'blob'");
-  return selection;
+  _data = _of._prepare("SELECT length(data), CASE WHEN length(data) <= " + std::to_string(limits::largestMessage) +
+                       " THEN data END FROM messages NOT INDEXED WHERE rowid = ? AND typeof(data) = 'blob'");
 }
 
-bool RosbagDatabase::_next(Selection& selection, BagMessage& message) const
+bool RosbagDatabase::Selection::next(BagMessage& message)
 {
   InterruptionCheck::ask();
-  sqlite3_stmt& order = *selection.order;
-  if (!_step(order))
+  sqlite3_stmt& order = *_order;
+  if (!_of._step(order))
     return false;
-  if (++selection.rows > _size / limits::leastBytesOfMessage)
-    _fail("lists more messages than a file of its size can hold: the database is damaged");
+  if (++_rows > _of._size / limits::leastBytesOfMessage)
+    _of._fail("lists more messages than a file of its size can hold: the database is damaged");
   message.number = sqlite3_column_int64(&order, 0);
   message.topic = sqlite3_column_int64(&order, 1);
   message.time = sqlite3_column_int64(&order, 2);
   if (sqlite3_column_type(&order, 2) != SQLITE_INTEGER || message.time < 0)
-    refuse(message, "its time is no count of nanoseconds");
-  _readData(selection, message);
+    _of.refuseTime(message);
+  _readData(message);
   return true;
 }
 
-void RosbagDatabase::_readData(Selection& selection, BagMessage& message) const
+void RosbagDatabase::Selection::_readData(BagMessage& message)
 {
-  sqlite3_stmt& data = *selection.data;
+  sqlite3_stmt& data = *_data;
   sqlite3_reset(&data);
   sqlite3_bind_int64(&data, 1, message.number);
-  if (!_step(data))
-    refuse(message, "its data are no bytes");
+  if (!_of._step(data))
+    _of.refuse(message, "its data are no bytes");
   const std::int64_t length = sqlite3_column_int64(&data, 0);
   if (length > limits::largestMessage)
-    refuse(message, "has " + std::to_string(length) + " bytes, too many for its type");
+    _of.refuseLength(message, static_cast<std::uint64_t>(length));
   const auto* const bytes = static_cast<const char*>(sqlite3_column_blob(&data, 1));
   const int count = sqlite3_column_bytes(&data, 1);
-  selection.bytes += static_cast<std::uintmax_t>(count);
-  if (selection.bytes > _size)
-    _fail("its messages are longer than the file: the database is damaged");
+  _bytes += static_cast<std::uintmax_t>(count);
+  if (_bytes > _of._size)
+    _of._fail("its messages are longer than the file: the database is damaged");
   message.data.assign(bytes, bytes + count);
-}
-
-std::string RosbagDatabase::_nameOf(const BagMessage& message) const
-{
-  const auto topic = _topics.find(message.topic);
-  return topic == _topics.end() ? "" : topic->second.name;
 }
 
 void RosbagDatabase::_refuseEndless() const
 {
   _watch->rethrow();
   _fail("takes more steps to read than a file of its size can need: the database is damaged");
-}
-
-void RosbagDatabase::_fail(const std::string& what) const
-{
-  throw Error({_path, 0, {}}, what);
 }
 
 }  // namespace KV::recordings

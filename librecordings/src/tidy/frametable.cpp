@@ -22,7 +22,7 @@ std::string textOf(double number)
   return {digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr};
 }
 
-/// Returns NaN for what is no number.
+/// Returns the number, or NaN for any other text.
 double numberIn(std::string_view text)
 {
   if (text.front() == '+')

@@ -12,7 +12,7 @@
 namespace KV::recordings
 {
 
-/// What both forms of frames have in common: where the fields of a row are is for them to say.
+/// The part that both forms of frames share; derived classes know the columns of a row's fields.
 class FrameTable : public TidyTable
 {
 public:
@@ -32,15 +32,15 @@ protected:
   /// \throws Error if the frame has no times.
   explicit FrameTable(const Table& frame);
 
-  /// Returns the column that holds the field; null if there is none.
+  /// Returns the column that holds the field; null if the frame has no such column.
   virtual const TableColumn* field(TidyColumn column) const = 0;
 
-  /// Returns what the frame calls the field, there or not.
+  /// Returns the frame's name for the field, there or not.
   virtual std::string nameOfField(TidyColumn column) const = 0;
 
   const std::vector<TableColumn>& frameColumns() const { return _frame.columns; }
 
-  /// Notes whether the column is read.
+  /// Records whether the column is read.
   void note(const TableColumn& column, bool isRead);
 
   bool isFilled(const TableColumn& column) const;

@@ -14,7 +14,7 @@
 namespace KV::recordings
 {
 
-/// Tells from the first bytes of a file whether it is a table with the columns time and reading.
+/// Returns whether a file with these first bytes is a table with the columns time and reading.
 bool looksLikeTidyCsv(const std::string& head);
 
 /// A table of single readings in a CSV file.

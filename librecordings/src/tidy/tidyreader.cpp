@@ -11,7 +11,7 @@ namespace KV::recordings
 {
 namespace
 {
-// Of scopes there may be several at one time, of all else one.
+// Several scopes may be open at one time, of all other things one.
 std::string keyOf(const std::string& reading, const Step& entry)
 {
   if (reading == "start")
@@ -30,7 +30,7 @@ TidyReader::TidyReader(std::unique_ptr<TidyTable> table) : _table(std::move(tabl
     _warnings.push_back("columns that are not read: " + listed(columns.ignored));
   try
   {
-    _fetchRow();  // tells from where the times count
+    _fetchRow();  // shows from where the times count
   }
   catch (const BadLine&)
   {
@@ -82,7 +82,7 @@ std::vector<std::string> TidyReader::takeWarnings()
   return std::exchange(_warnings, {});
 }
 
-// Stands on the next row then, or at the end.
+// Afterwards, the next row or the end is the present one.
 void TidyReader::_fetchRow()
 {
   if (!_table->next())
@@ -121,7 +121,7 @@ ko::SystemClock::time_point TidyReader::_timeOf(const TidyRow& row)
   return timeAfter(origin, seconds);
 }
 
-// Adds the row to its step, which stays as it was if the row is bad or says nothing.
+// Adds the row to its step; the step is unchanged if the row is bad or empty.
 void TidyReader::_takeRow()
 {
   const TidyRow row = *std::exchange(_row, std::nullopt);
@@ -160,7 +160,7 @@ TidyReader::StepInMaking TidyReader::_stepOf(const std::optional<std::int32_t>& 
   return step;
 }
 
-// Tells all steps of one time, the scopes and the room with the first and the last of them.
+// Returns all steps of one time, the scopes and the room with the first and the last of them.
 void TidyReader::_endTime()
 {
   for (auto& [person, step] : _steps)

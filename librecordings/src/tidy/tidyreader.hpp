@@ -29,7 +29,7 @@ class TidyReader : public Reader
 public:
   /// Reads the first row.
   ///
-  /// \throws Error if it cannot be read, or there is none.
+  /// \throws Error if it cannot be read, or has no row.
   explicit TidyReader(std::unique_ptr<TidyTable> table);
 
   boost::optional<Step> next() override;
@@ -40,7 +40,7 @@ public:
   double progress() const override { return _table->progress(); }
 
 private:
-  /// What the rows of one time and person tell.
+  /// The readings in the rows of one time and person.
   struct StepInMaking
   {
     Step entry;
@@ -59,12 +59,12 @@ private:
   PersonNames _persons;
   std::optional<double> _origin;  // [s] since 1970, to which the times are added; decided by the first row
   bool _hasMoments = false;       // instead of seconds
-  std::optional<TidyRow> _row;    // read, and not taken yet
+  std::optional<TidyRow> _row;    // read, and not used yet
   ko::SystemClock::time_point _rowTime;
   ko::SystemClock::time_point _time;            // of the steps below, and the latest so far
   bool _anyRow = false;                         // whose time is known
   bool _anyTime = false;                        // there are rows of that time
-  StepInMaking _room;                           // what is about no person
+  StepInMaking _room;                           // readings about no person
   std::map<std::int32_t, StepInMaking> _steps;  // by person
   std::deque<Step> _ready;
   std::exception_ptr _firstError;  // of the first row

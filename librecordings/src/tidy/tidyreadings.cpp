@@ -23,7 +23,7 @@ namespace
 {
 using Column = TidyColumn;
 
-/// The fields of the row that a table stands on, as readings want them.
+/// The fields of the table's present row, in the types of readings.
 class Fields
 {
 public:
@@ -42,7 +42,7 @@ public:
     return _table.text(column);
   }
 
-  /// What is exported as JSON has to be UTF-8.
+  /// Texts must be UTF-8 to be exported as JSON.
   std::string utf8Text(Column column) const
   {
     std::string word = text(column);
@@ -86,7 +86,7 @@ public:
     _table.refuseValue(column, "true or false");
   }
 
-  /// A reading without a confidence is sure.
+  /// A reading without a confidence has confidence 1.
   float confidence() const { return has(Column::Confidence) ? number(Column::Confidence) : 1.f; }
 
 private:
@@ -117,7 +117,7 @@ private:
   const std::map<Column, KV::Scale>* _scales = nullptr;
 };
 
-/// Reads one number or truth.
+/// Reads one number or truth value.
 template <typename T>
 T read(const Fields& fields, Column column)
 {
@@ -149,7 +149,7 @@ std::vector<Column> columnsNeededBy()
   return columns;
 }
 
-/// Reads a value from the columns of its parts. One without a confidence is sure.
+/// Reads a value from the columns of its parts. Without a confidence, its confidence is 1.
 template <typename Value>
 Value readAll(const Fields& fields)
 {
@@ -165,7 +165,7 @@ Value readAll(const Fields& fields)
   return value;
 }
 
-/// A point has two coordinates where others have a value.
+/// A point has two coordinates; other parts have one value.
 template <>
 KV::FacialPoints::Point readAll(const Fields& fields)
 {
@@ -208,7 +208,7 @@ void addStop(const Fields& fields, Step& step)
   step.scopeStops.push_back(fields.utf8Text(Column::Value));
 }
 
-/// What one reading wants of a row.
+/// The fields that one reading needs from a row.
 struct Reading
 {
   std::vector<Column> needed;
@@ -220,7 +220,7 @@ struct Reading
 
 using Readings = std::map<std::string, Reading>;
 
-/// Returns the scale of each column that a value of this kind is read from; parts may have one of their own.
+/// Returns the scale of each column of a value of this kind; parts may have a scale of their own.
 template <typename Value>
 std::map<Column, KV::Scale> scalesOf(const std::vector<Column>& needed, const KV::Scale& scale)
 {
@@ -235,7 +235,7 @@ std::map<Column, KV::Scale> scalesOf(const std::vector<Column>& needed, const KV
   return scales;
 }
 
-/// A reading of several scores or points has a row for each; they join those that the step has already.
+/// A reading of several scores or points has a row for each; they are added to those of the step.
 template <typename Known>
 void addRowForEachPart(Readings& all, const Known& known)
 {
@@ -297,7 +297,7 @@ bool contains(const std::vector<Column>& columns, Column column)
   return std::find(columns.begin(), columns.end(), column) != columns.end();
 }
 
-// A confidence is refused nowhere: a table of several readings has it in every row.
+// Every reading may have a confidence: a table of several readings has it in every row.
 void refuseWhatTheReadingHasNot(const TidyTable& table, const Reading& reading, const std::string& name)
 {
   for (const Column column : {Column::Value, Column::Yaw, Column::Pitch, Column::Roll, Column::Valence,
@@ -314,7 +314,7 @@ bool isNumber(std::string_view text)
   return std::from_chars(text.data(), end, number).ptr == end;
 }
 
-/// Returns the number or the name of the person: what is a number has to be a whole one.
+/// Returns the number or the name of the person: a number has to be a whole one.
 std::optional<std::string> personOf(const TidyTable& table, bool ofPerson)
 {
   if (ofPerson && !table.hasColumn(Column::Person))

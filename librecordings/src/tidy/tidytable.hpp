@@ -38,11 +38,11 @@ const char* nameOf(TidyColumn column);
 /// Returns the column with this name, if there is one.
 std::optional<TidyColumn> tidyColumnNamed(std::string_view name);
 
-/// Tells whether a text stands for no value.
+/// Returns whether a text means a missing value.
 bool isEmptyField(std::string_view field);
 
-/// A table with one reading in each row, wherever it comes from. Columns of it stand for the fields of the row that it
-/// stands on.
+/// A table with one reading in each row, from any source. Its columns have the fields of its present
+/// row.
 class TidyTable
 {
 public:
@@ -51,20 +51,20 @@ public:
   TidyTable& operator=(const TidyTable&) = delete;
   virtual ~TidyTable() = default;
 
-  /// Goes on to the next row; returns false behind the last one.
+  /// Advances to the next row; returns false after the last one.
   ///
-  /// \throws BadLine for a row that is none; the next call goes on behind it.
+  /// \throws BadLine for a row that cannot be used; the next call goes on after it.
   /// \throws Error if the rest cannot be read.
   virtual bool next() = 0;
 
   virtual bool hasColumn(TidyColumn column) const = 0;
 
-  /// Tells whether the field is there, and filled.
+  /// Returns whether the field is there, and filled.
   virtual bool has(TidyColumn column) const = 0;
 
-  /// These return what is in a field that has() is true of.
+  /// These return the content of a field for which has() is true.
   ///
-  /// \throws BadLine if it is something else.
+  /// \throws BadLine if the content is of another kind.
   /// @{
   virtual std::string text(TidyColumn column) const = 0;
   virtual double number(TidyColumn column) const = 0;
@@ -73,10 +73,10 @@ public:
   virtual double seconds(TidyColumn column) const = 0;
   /// @}
 
-  /// Returns the time of the row, where the table knows it better than by seconds.
+  /// Returns the time of the row, if the table knows it more exactly than by seconds.
   virtual std::optional<ko::SystemClock::time_point> moment() const { return {}; }
 
-  /// Returns the row, and what it calls the field, for messages.
+  /// Returns the row and the table's name for the field, for messages.
   virtual Error::Place placeOf(TidyColumn column) const = 0;
 
   /// Returns the row for messages.
@@ -85,16 +85,16 @@ public:
   /// \throws BadLine always: the message is about this field.
   [[noreturn]] void refuse(TidyColumn column, const std::string& message) const;
 
-  /// \throws BadLine always: says what was expected in this field, and what is there.
+  /// \throws BadLine always: names the value that was expected in this field, and the one that is there.
   [[noreturn]] void refuseValue(TidyColumn column, const std::string& expected) const;
 
   /// Returns which columns are read.
   virtual const Columns& columns() const = 0;
 
-  /// Says what it is, for descriptions.
+  /// Describes the kind of table, for descriptions.
   virtual const char* kind() const = 0;
 
-  /// Returns how far the table was read, in [0, 1].
+  /// Returns how much of the table was read, in [0, 1].
   virtual double progress() const = 0;
 };
 

@@ -11,7 +11,7 @@ namespace
 {
 using Column = TidyColumn;
 
-const char* const seen = "seen";  // the reading that a row without readings is
+const char* const seen = "seen";  // the reading of a row without readings
 
 }  // namespace
 
@@ -35,12 +35,12 @@ bool WideFrame::next()
     const bool isReading = _at < _readings.size();
     if (isReading || (_saysOnlySeen() && _hasSilentPerson()))
     {
-      _saidAnything = true;
-      _saidOfPerson = _saidOfPerson || !isReading || _readings[_at].ofPerson;
+      _anyReading = true;
+      _anyReadingOfPerson = _anyReadingOfPerson || !isReading || _readings[_at].ofPerson;
       return true;
     }
     _at = 0;
-    _saidAnything = _saidOfPerson = false;
+    _anyReading = _anyReadingOfPerson = false;
   }
   return false;
 }
@@ -97,7 +97,7 @@ bool WideFrame::_take(const TableColumn& column)
   return field && *field != Column::Value && _takeAs(column.name.substr(0, dot), *field, column);
 }
 
-/// Tells whether there is such a reading, and it has the field.
+/// Returns whether there is such a reading, and it has the field.
 bool WideFrame::_takeAs(const std::string& reading, Column field, const TableColumn& column)
 {
   const auto known = tidyReadingNamed(reading);
@@ -116,7 +116,7 @@ bool WideFrame::_takeAs(const std::string& reading, Column field, const TableCol
   return true;
 }
 
-/// A confidence alone says nothing; and a reading is unknown where a column has nothing for a part that it needs.
+/// A confidence alone is no reading; and a reading is unknown if the column of a necessary part is empty.
 bool WideFrame::_isThere(const Reading& reading) const
 {
   for (const Column needed : reading.needed)

@@ -10,7 +10,7 @@
 namespace KV::recordings
 {
 
-/// A frame with a column for each value, whose rows are taken apart into readings.
+/// A frame with a column for each value; its rows are divided into readings.
 class WideFrame : public FrameTable
 {
 public:
@@ -39,16 +39,16 @@ private:
   bool _take(const TableColumn& column);
   bool _takeAs(const std::string& reading, TidyColumn field, const TableColumn& column);
   bool _isThere(const Reading& reading) const;
-  bool _hasSilentPerson() const { return _person ? isFilled(*_person) && !_saidOfPerson : !_saidAnything; }
+  bool _hasSilentPerson() const { return _person ? isFilled(*_person) && !_anyReadingOfPerson : !_anyReading; }
   bool _saysOnlySeen() const { return _at == _readings.size(); }
 
   std::vector<Reading> _readings;
   const TableColumn* _time = nullptr;
   const TableColumn* _person = nullptr;
   bool _begun = false;
-  std::size_t _at = 0;         // which reading of the row; behind the last: that the person was seen
-  bool _saidAnything = false;  // of this row
-  bool _saidOfPerson = false;
+  std::size_t _at = 0;       // which reading of the row; after the last: that the person was seen
+  bool _anyReading = false;  // of this row
+  bool _anyReadingOfPerson = false;
 };
 
 }  // namespace KV::recordings

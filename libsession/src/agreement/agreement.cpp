@@ -5,6 +5,9 @@
 #include "agreement/sidecomparison.hpp"
 #include "agreement/trackmeasures.hpp"
 
+#include <skeigiot/recordings/signallimits.hpp>
+#include <skeigiot/session/wording.hpp>
+
 #include <boost/optional/optional.hpp>
 
 #include <cstddef>
@@ -12,6 +15,7 @@
 #include <iterator>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace KV::session
@@ -53,7 +57,7 @@ private:
     return {name, persons, _between};
   }
 
-  /// A coder at the times of the estimate, so that coders are compared in the same time as coder and estimate.
+  /// A coder at the times of the estimate, so that coders are compared over the same times as coder and estimate.
   Side _atUpdates(const std::string& name, const CodedLabels::OfPersons& persons) const
   {
     Side side{name, {}, _between};
@@ -67,7 +71,7 @@ private:
   int _between;
 };
 
-/// The side of the estimate; `estimated` makes the course of a quantity of that of a person.
+/// The side of the estimate; `estimated` makes a course of one quantity of a person's estimates.
 template <typename Quantity, typename Estimated>
 Side estimatedSide(const std::map<std::int32_t, PersonCourse>& courses, const Quantity& quantity, Estimated estimated)
 {
@@ -83,6 +87,14 @@ std::string joined(const std::vector<std::string>& texts)
   for (const std::string& text : texts)
     all += (all.empty() ? "" : "; ") + text;
   return all;
+}
+
+/// Each coder is compared with each.
+void refuseTooMany(const std::string& quantity, const CodedLabels::OfCoders& coders)
+{
+  if (coders.size() > recordings::limits::mostCoders)
+    throw std::invalid_argument("the labels of " + quantity + " are from " + counted(coders.size(), "coder") +
+                                ", expected " + std::to_string(recordings::limits::mostCoders) + " at most");
 }
 
 }  // namespace
@@ -106,6 +118,7 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
   for (const auto& [quantity, coders] : coded.classes)
   {
     const LabelQuantity& found = labelQuantities().at(quantity);
+    refuseTooMany(found.name, coders);
     const boost::optional<std::size_t> unlabelled = options.mapping.unlabelled(quantity);
     QuantityComparison(estimatedSide(courses, quantity, estimatedClasses), coders,
                        unlabelled ? static_cast<int>(*unlabelled) : int{NoLabel})
@@ -118,6 +131,7 @@ Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
   }
   for (const auto& [quantity, coders] : coded.values)
   {
+    refuseTooMany(quantity, coders);
     QuantityComparison(estimatedSide(courses, quantity, estimatedValues), coders, NoLabel)
         .run(
             [&quantity = quantity, &options](const Side& first, const Side& second) {

@@ -30,15 +30,10 @@ boost::optional<std::pair<double, double>> Bootstrap::interval(std::vector<doubl
   return std::make_pair(percentile(values, lowerShare), percentile(values, 1. - lowerShare));
 }
 
-/// Numbers behind the greatest multiple of the count are drawn again, so that all units are as likely.
-std::size_t Bootstrap::_below(std::size_t count, std::mt19937_64& generator)
+std::uint64_t Bootstrap::_greatestFor(std::size_t count)
 {
-  const std::uint64_t wide = count;
-  const std::uint64_t excess = (std::numeric_limits<std::uint64_t>::max() % wide + 1) % wide;
-  std::uint64_t drawn = generator();
-  while (drawn > std::numeric_limits<std::uint64_t>::max() - excess)
-    drawn = generator();
-  return static_cast<std::size_t>(drawn % wide);
+  constexpr std::uint64_t all = std::numeric_limits<std::uint64_t>::max();
+  return count == 0 ? all : all - (all % count + 1) % count;
 }
 
 }  // namespace KV::session

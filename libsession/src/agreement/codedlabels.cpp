@@ -19,7 +19,7 @@ namespace KV::session
 namespace
 {
 
-constexpr double shortestGap = 1.;     // [s] between values that a line joins at least
+constexpr double shortestGap = 1.;     // [s] a line always joins values up to this interval apart
 constexpr double gapInIntervals = 2.;  // a line joins values up to so many usual intervals apart
 constexpr double holdOfASingle = 1.;   // [s]
 constexpr double rounding = 1e-9;
@@ -39,7 +39,7 @@ std::string listOf(const std::map<std::string, std::size_t>& counts)
   return list;
 }
 
-/// Returns the middle of the intervals between the values; 0 if there is none.
+/// Returns the middle of the intervals between the values; 0 without intervals.
 double usualInterval(const std::vector<recordings::LabelTrack::Sample>& samples)
 {
   std::vector<double> intervals;
@@ -169,7 +169,7 @@ private:
     }
   }
 
-  /// Returns whom the label is about, or counts it as left out.
+  /// Returns the person of the label, or counts the label as left out.
   boost::optional<std::int32_t> _personOf(const std::string& name, const std::string& tier)
   {
     const boost::optional<std::int32_t> person = _personNamed(name, tier);
@@ -237,7 +237,7 @@ private:
   std::map<std::tuple<std::string, std::string, std::int32_t>, std::vector<CoursePiece>> _values;
   std::map<std::int32_t, std::map<std::pair<std::string, std::string>, std::vector<recordings::LabelSpan>>> _others;
 
-  // How many labels were left out, by label, person or coder
+  // The number of labels that were left out, by label, person or coder
   std::map<std::string, std::size_t> _withoutState;
   std::map<std::string, std::size_t> _withoutDuration;
   std::map<std::string, std::size_t> _withoutPerson;

@@ -16,7 +16,7 @@
 namespace KV::session
 {
 
-/// The labels as courses: what each coder says of each person.
+/// The labels as courses: one for each coder and person.
 struct CodedLabels
 {
   using OfPersons = std::map<std::int32_t, Course>;
@@ -26,7 +26,7 @@ struct CodedLabels
   std::map<std::string, OfCoders> values;   ///< by "attention" and "valence"
   /// Labels without a state, which cannot be compared: by person, then by coder and tier, in the order of the files.
   std::map<std::int32_t, std::map<std::pair<std::string, std::string>, std::vector<recordings::LabelSpan>>> others;
-  std::string withoutState;           ///< says how many those are; empty if there are none
+  std::string withoutState;           ///< their number in words; empty if all have a state
   std::vector<std::string> warnings;  ///< on labels that were left out for other reasons
 };
 

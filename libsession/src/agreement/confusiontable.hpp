@@ -8,16 +8,16 @@
 namespace KV::session
 {
 
-/// How long two sides were in which classes at the same time, and what follows of it.
+/// How long two sides had which classes at the same time, and measures of their agreement.
 ///
-/// With w(i, j) the time in which the first side says class i and the second class j, W their sum, r(i) that of row i
+/// With w(i, j) the time in which the first side has class i and the second class j, W their sum, r(i) that of row i
 /// and c(j) that of column j:
 ///
 ///     accuracy  p_o = sum of w(i, i) / W
 ///     kappa     (p_o - p_e) / (1 - p_e),  p_e = sum of r(i) c(i) / W^2
 ///     f1(i)     2 w(i, i) / (r(i) + c(i))
 ///
-/// Kappa is 1 if both sides agree in all, 0 if they do by chance alone (J. Cohen, A coefficient of agreement for
+/// Kappa is 1 if both sides always agree, 0 if they agree by chance alone (J. Cohen, A coefficient of agreement for
 /// nominal scales, Educational and Psychological Measurement 20, 1960, 37-46). F1 is the harmonic mean of precision and
 /// recall (C. J. van Rijsbergen, Information Retrieval, 2nd edition, 1979, chapter 7); it does not matter which side is
 /// the truth.
@@ -34,8 +34,8 @@ public:
   double total() const;
 
   boost::optional<double> accuracy() const;             ///< nothing if no time was compared
-  boost::optional<double> kappa() const;                ///< nothing if both sides know one and the same class only
-  boost::optional<double> f1(std::size_t index) const;  ///< nothing if neither side knows the class
+  boost::optional<double> kappa() const;                ///< nothing if both sides have one and the same class only
+  boost::optional<double> f1(std::size_t index) const;  ///< nothing if neither side has the class
 
 private:
   double _row(std::size_t first) const;

@@ -35,7 +35,7 @@ bool sayTheSame(const CoursePiece& left, const CoursePiece& right)
   return left.what == right.what && left.valueFrom == right.valueFrom && left.valueTo == right.valueTo;
 }
 
-/// Pieces that hold at the moment, as a sweep over their ends goes on.
+/// The pieces at the present time of a sweep over their ends.
 class HeldPieces
 {
 public:
@@ -62,7 +62,7 @@ public:
   }
 
 private:
-  std::set<std::size_t> _held;  // numbers of the pieces
+  std::set<std::size_t> _held;  // indices of the pieces
 };
 
 }  // namespace
@@ -127,11 +127,11 @@ Course withoutOverlaps(std::vector<CoursePiece> pieces)
 Course within(const Course& course, const Course& pieces, int between)
 {
   Course cut;
-  sweep(pieces, course, 0., [&](double from, double to, const CoursePiece&, const CoursePiece* said) {
-    if (said == nullptr)
+  sweep(pieces, course, 0., [&](double from, double to, const CoursePiece&, const CoursePiece* part) {
+    if (part == nullptr)
       cut.push_back({from, to, between, 0., 0.});
     else
-      cut.push_back({from, to, said->what, said->valueAt(from), said->valueAt(to)});
+      cut.push_back({from, to, part->what, part->valueAt(from), part->valueAt(to)});
   });
   return cut;
 }

@@ -12,7 +12,7 @@
 namespace KV::session
 {
 
-/// Why a side says nothing that could be compared.
+/// Why a side has nothing to compare.
 enum Silence : int
 {
   NoLabel = -1,
@@ -21,7 +21,7 @@ enum Silence : int
   UnknownEstimate = -4
 };
 
-/// A piece of time, and what one side says in it.
+/// A span of time, and one side's class or values in it.
 struct CoursePiece
 {
   double from = 0.;  // [s]
@@ -38,23 +38,23 @@ struct CoursePiece
   }
 };
 
-/// Pieces by time, which do not overlap. Between them the side says nothing.
+/// Pieces by time, which do not overlap. Between them the side has no value.
 using Course = std::vector<CoursePiece>;
 
-/// Returns what the estimate says of the quantity, an index in labelQuantities(), in each piece of the person's course.
+/// Returns the estimate of the quantity, an index in labelQuantities(), as pieces of the person's course.
 Course estimatedClasses(const PersonCourse& course, std::size_t quantity);
 
-/// Returns what the estimate says of "valence" or "attention" in each piece of the person's course.
+/// Returns the estimate of "valence" or "attention" as pieces of the person's course.
 Course estimatedValues(const PersonCourse& course, const std::string& quantity);
 
-/// Makes a course of pieces in any order. Where some overlap and say different things, there is a contradiction.
+/// Makes a course of pieces in any order. Where some overlap with different values, there is a contradiction.
 Course withoutOverlaps(std::vector<CoursePiece> pieces);
 
-/// Returns the course in the pieces of another, with `between` where it says nothing.
+/// Returns the course in the pieces of another, with `between` where it has no piece.
 Course within(const Course& course, const Course& pieces, int between);
 
 /// Calls `visit(from, to, first, second)` for all time of the first course, cut so that nothing changes in between:
-/// with the piece of the first, and with that of the second which comes `delay` later, or nullptr.
+/// with the piece of the first, and with that of the second that is later by `delay`, or nullptr.
 template <typename Visit>
 void sweep(const Course& first, const Course& second, double delay, Visit&& visit)
 {

@@ -9,7 +9,7 @@ namespace KV::session
 namespace
 {
 
-/// A variance below this share of the mean square is what rounding leaves of values that do not vary.
+/// A variance below this share of the mean square is a rounding error of constant values.
 constexpr double rounding = 1e-12;
 
 double variance(double sumOfSquares, double sum, double time)

@@ -5,7 +5,7 @@
 namespace KV::session
 {
 
-/// Sums over two tracks of values x and y, each pair with its time as weight, and what follows of them.
+/// Sums over two tracks of values x and y, each pair weighted by its time, and measures from these sums.
 ///
 /// With m the weighted means, v the weighted variances (divided by the sum of weights) and c the covariance:
 ///
@@ -13,8 +13,8 @@ namespace KV::session
 ///     pearson  c / sqrt(v_x v_y)
 ///     rmse     sqrt(mean of (x - y)^2)
 ///
-/// The concordance correlation is 1 only if x = y throughout; unlike Pearson's correlation it falls with another level
-/// or scale (L. I-K. Lin, A concordance correlation coefficient to evaluate reproducibility, Biometrics 45, 1989,
+/// The concordance correlation is 1 only if x = y always; unlike Pearson's correlation it is lower for another level or
+/// scale (L. I-K. Lin, A concordance correlation coefficient to evaluate reproducibility, Biometrics 45, 1989,
 /// 255-268).
 class Moments
 {
@@ -24,12 +24,12 @@ public:
 
   double total() const { return _time; }
 
-  boost::optional<double> ccc() const;      ///< nothing if x and y are one and the same value throughout
+  boost::optional<double> ccc() const;      ///< nothing if x and y are one constant value
   boost::optional<double> pearson() const;  ///< nothing if x or y does not vary
   boost::optional<double> rmse() const;     ///< nothing if no time was compared
 
 private:
-  // Sums, so that those of several units add up; values lie near 0.
+  // Sums, so that those of several units can be added; values are near 0.
   double _time = 0.;
   double _x = 0.;
   double _y = 0.;

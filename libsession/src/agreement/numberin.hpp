@@ -9,7 +9,7 @@
 namespace KV::session
 {
 
-/// Reads all of the text as a number, whatever the locale; nothing if the text is not a number.
+/// Reads all of the text as a number, in any locale; nothing if the text is not a number.
 template <typename Number>
 boost::optional<Number> numberIn(const std::string& text)
 {

@@ -9,12 +9,12 @@
 namespace KV::session
 {
 
-/// One of two sides that are compared: what it says of each person.
+/// One of two sides that are compared, with its course for each person.
 struct Side
 {
   std::string name;
   std::map<std::int32_t, Course> courses;
-  int between = NoLabel;  ///< what it says where its course has no piece: a class, or NoLabel
+  int between = NoLabel;  ///< its class where its course has no piece: a class, or NoLabel
 };
 
 }  // namespace KV::session

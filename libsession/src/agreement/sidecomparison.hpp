@@ -3,6 +3,7 @@
 #include "agreement/bootstrap.hpp"
 #include "agreement/side.hpp"
 
+#include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/agreementcomparison.hpp>
 #include <skeigiot/session/agreementoptions.hpp>
 
@@ -51,7 +52,7 @@ private:
   using Unit = typename Measures::Unit;
   using Units = std::vector<Unit>;
 
-  static constexpr double rounding = 1e-6;  // [s]; less than this is what rounding leaves of sums of times
+  static constexpr double rounding = 1e-6;  // [s]; a shorter time is a rounding error of sums of times
 
   AgreementComparison _compare(const std::vector<std::int32_t>& persons) const
   {
@@ -76,7 +77,7 @@ private:
     return persons.size() >= _options.fewestPersons;
   }
 
-  /// Calls `use(from, to, first, second, what)` for all time in which both sides say something.
+  /// Calls `use(from, to, first, second, what)` for all time in which both sides have a value.
   template <typename Use>
   void _forEachCompared(std::int32_t person, double delay, Use use) const
   {
@@ -99,8 +100,8 @@ private:
     return whole;
   }
 
-  /// Returns what is drawn from: persons, or blocks of time of each person. None is empty but for rounding: a resample
-  /// of such a one alone would have an agreement of nothing.
+  /// Returns the units to draw from: persons, or blocks of time of each person. Units that are empty up to rounding are
+  /// left out: a resample of them alone would compare no time.
   Units _units(const std::vector<std::int32_t>& persons, double delay) const
   {
     Units units;
@@ -121,16 +122,17 @@ private:
     return units;
   }
 
-  /// The nearest to 0 of those that are as good; nothing if the criterion is defined at none.
+  /// The delay nearest to 0 of the best ones; nothing if the criterion is undefined at all delays.
   boost::optional<double> _bestDelay(const std::vector<std::int32_t>& persons) const
   {
-    constexpr double better = 1e-9;  // more than rounding of the sums
+    constexpr double better = 1e-9;  // more than the rounding error of the sums
     boost::optional<double> best;
     double greatest = 0.;
     const auto steps = static_cast<int>(std::floor(_options.maximalDelay / _options.delayStep + 1e-9));
     for (int step = 0; step <= steps; ++step)
       for (const int sign : {1, -1})
       {
+        recordings::InterruptionCheck::ask();
         const double delay = sign * step * _options.delayStep;
         if (step == 0 && sign < 0)
           continue;

@@ -22,7 +22,7 @@ public:
   static Unit nothing() { return {}; }
   static std::vector<std::string> classes() { return {}; }
 
-  /// Both sides change evenly in the piece of time; its middle stands for it.
+  /// Both sides change evenly in the piece of time, so its middle represents it.
   static void add(Unit& unit, double from, double to, const CoursePiece& first, const CoursePiece* second, int /*what*/,
                   double delay)
   {

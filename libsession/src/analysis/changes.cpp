@@ -74,7 +74,7 @@ std::vector<int> sharesInTenthsOfPercent(const std::vector<SourceChange>& change
     shares[i] = static_cast<int>(exact);
     remainders.push_back(exact - shares[i]);
   }
-  // What rounding down left over goes to those who lost most by it.
+  // The rest of rounding down goes to the changes that lost most by it.
   for (int left = whole - std::accumulate(shares.begin(), shares.end(), 0); left > 0; --left)
   {
     const auto greatest = std::max_element(remainders.begin(), remainders.end());

@@ -12,7 +12,7 @@ void add(CombinedForce& sum, const ActedForce& next)
 {
   ActedForce& force = sum.force;
   const float weight = 1.f - (1.f - force.weight) * (1.f - next.weight);
-  // The first pull is weakened by what the second one takes away.
+  // The second pull reduces the effect of the first one.
   const float pull = (1.f - next.weight) * force.weight * force.target + next.weight * next.target;
   force.target = weight == 0.f ? next.target : pull / weight;
   force.weight = weight;

@@ -13,7 +13,7 @@ struct Source
 {
   std::string_view name;  ///< fixed by the library
   const char* plain;
-  bool tellsMood;  ///< its target is a mood that somebody showed, rather than a resting value
+  bool showsMood;  ///< its target is a mood that a person showed, and not a resting value
 };
 
 constexpr std::array<Source, 16> sources{
@@ -108,8 +108,8 @@ std::string sourceName(std::string_view source)
 std::string describeSource(const SourceChange& change)
 {
   const Source* const known = find(change.source);
-  const bool tellsMood = known != nullptr && known->tellsMood;
-  return plainSource(change.source) + (tellsMood ? " (" + moodOf(change) + ")" : "");
+  const bool showsMood = known != nullptr && known->showsMood;
+  return plainSource(change.source) + (showsMood ? " (" + moodOf(change) + ")" : "");
 }
 
 }  // namespace KV::session

@@ -41,8 +41,8 @@ void noteProblems(const Inquiry& inquiry, const Outcome& outcome)
     inquiry.note(inquiry.name + ": " + line);
 }
 
-/// Plays until that time is over and the person was seen, or to the end; returns how much was played. Whether a person
-/// is the only one turns out at the end.
+/// Plays until that time is over and the person was seen, or to the end; returns how much was played. Only at the end
+/// it is clear whether a person is the only one.
 Duration playUntil(const Inquiry& inquiry, Explainer& explainer, Duration end)
 {
   PlayerOptions options;
@@ -85,7 +85,7 @@ std::string listed(const std::map<std::int32_t, Explainer::Updates>& persons)
   return text;
 }
 
-/// Returns the person who is asked about, and when they were updated.
+/// Returns the chosen person, and when they were updated.
 std::pair<std::int32_t, Explainer::Updates> askedPerson(const Inquiry& inquiry, const Explainer& explainer)
 {
   const auto& persons = explainer.persons();
@@ -110,7 +110,7 @@ std::string personText(std::int32_t person)
 }
 
 /// By how much the update changed the estimates: of two updates, the one with the greater result changed them more. A
-/// change from what was not known is less than any other.
+/// change from an unknown estimate counts less than any other.
 std::tuple<double, double> changeBy(const Explanation& update)
 {
   double known = 0.;

@@ -33,7 +33,7 @@ void addScores(Ranges& ranges, const std::string& name, const KV::Expressions& s
   });
 }
 
-/// Adds all numbers of a value to their ranges; a part "value" is known by the name of the reading alone.
+/// Adds all numbers of a value to their ranges; a part "value" has the name of the reading alone.
 template <typename Value>
 void addNumbers(Ranges& ranges, const std::string& name, const Value& value)
 {
@@ -50,7 +50,7 @@ void addNumbers(Ranges& ranges, const std::string& name, const Value& value)
     });
 }
 
-/// Which numbers there are, by the names of their readings.
+/// The existing numbers, by the names of their readings.
 class Contents
 {
 public:
@@ -67,7 +67,7 @@ public:
     return std::any_of(readings.begin(), readings.end(), [this](const std::string& reading) { return have(reading); });
   }
 
-  /// Returns the number if it was ever told.
+  /// Returns the number if the recording ever had it.
   const NumberRange* find(const std::string& name) const
   {
     const auto found = _numbers.find(name);
@@ -99,12 +99,12 @@ std::string describeOffset(const Contents& contents)
 
 std::string describeMissing(const Contents& contents)
 {
-  const bool facesTellValence = contents.have("expressions") || (contents.have("smile") && contents.have("speaking"));
-  const bool othersDo = contents.haveAny({"voiceEmotion", "asrEmotion", "touchEmotion", "contextEmotion"});
+  const bool facesHaveValence = contents.have("expressions") || (contents.have("smile") && contents.have("speaking"));
+  const bool othersHaveValence = contents.haveAny({"voiceEmotion", "asrEmotion", "touchEmotion", "contextEmotion"});
   std::vector<std::string> parts;
-  if (!facesTellValence)
-    parts.emplace_back(othersDo ? "no expressions: the face does not move valence"
-                                : "no expressions: valence stays unknown");
+  if (!facesHaveValence)
+    parts.emplace_back(othersHaveValence ? "no expressions: the face does not move valence"
+                                         : "no expressions: valence stays unknown");
   if (!contents.haveAny({"headPosture", "gaze", "lookingAtRobot"}))
     parts.emplace_back("neither head posture nor gaze: attention stays unknown");
   return recordings::listed(parts);
@@ -180,16 +180,16 @@ void Inspection::_addPerson(const recordings::Step& step)
 std::string trustIn(const Inspection& inspection)
 {
   std::size_t seen = 0;
-  std::size_t told = 0;
+  std::size_t known = 0;
   for (const auto& [person, span] : inspection.persons())
   {
     seen += span.seen;
-    told += span.seen + span.notSeen;
+    known += span.seen + span.notSeen;
   }
-  if (told == 0)
+  if (known == 0)
     return "no persons";
   const Contents contents(inspection.numbers());
-  std::string sentence = "seen in " + percentage(static_cast<double>(seen) / static_cast<double>(told)) + " of steps";
+  std::string sentence = "seen in " + percentage(static_cast<double>(seen) / static_cast<double>(known)) + " of steps";
   for (const std::string& part : {describeStrengths(contents), describeOffset(contents), describeMissing(contents)})
     if (!part.empty())
       sentence += "; " + part;

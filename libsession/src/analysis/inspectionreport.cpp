@@ -21,7 +21,7 @@ double inSeconds(ko::SystemClock::duration duration)
   return static_cast<double>(duration.count()) * 1e-9;
 }
 
-/// Looks at each step that a player reads.
+/// Examines each step that a player reads.
 class Inspector : public SessionObserver
 {
 public:

@@ -15,7 +15,7 @@ namespace
 
 constexpr std::size_t mostNamed = 3;
 constexpr double leastNamedShare = 0.005;
-constexpr double leastNamedDistance = 0.005;  // less does not show in two decimals
+constexpr double leastNamedDistance = 0.005;  // smaller changes do not show in two decimals
 
 enum class Direction
 {
@@ -24,7 +24,7 @@ enum class Direction
   Fall
 };
 
-/// Numbers that look the same are the same to a reader.
+/// Numbers with the same text are equal for a reader.
 Direction directionBetween(double before, double after)
 {
   if (plainNumber(before) == plainNumber(after))
@@ -37,7 +37,7 @@ bool isOpposed(const SourceChange& change, Direction direction)
   return direction == Direction::Rise ? change.net() < 0. : change.net() > 0.;
 }
 
-/// Returns those to be named, the greatest first, but behind those that made the change those that opposed it.
+/// Returns the sources to name, the greatest first; those that caused the change come before those that opposed it.
 std::vector<SourceChange> namedOf(const std::vector<SourceChange>& changes, double total, Direction direction)
 {
   std::vector<SourceChange> named;
@@ -96,10 +96,10 @@ namespace
 struct End
 {
   float value;
-  bool isKnown;  ///< false: the value means nothing
+  bool isKnown;  ///< false: the value has no meaning
 };
 
-/// Says how the quantity changed, where it may have been unknown before or after.
+/// Describes how the quantity changed; it may have been unknown before or after.
 std::string sentenceOn(KV::Quantity quantity, const End& before, const End& after, const Changes& all)
 {
   const std::vector<SourceChange> changes = all.of(quantity);

@@ -19,21 +19,21 @@ constexpr Duration hour = 60 * minute;
 constexpr Duration::rep mostShownRows = 40;
 constexpr Duration::rep mostKeptRows = 240;
 
-/// The steps that rows of short recordings are shown in, if updates come often enough.
+/// The time steps of rows in short recordings, if updates come often enough.
 constexpr std::array shortSteps{tenth, 2 * tenth, 5 * tenth};
 
-/// The steps that rows are shown in; beyond the last they double.
+/// The time steps of displayed rows; after the last, they double.
 constexpr std::array shownSteps{second,     2 * second, 5 * second,  10 * second, 15 * second, 30 * second, minute,
                                 2 * minute, 5 * minute, 10 * minute, 15 * minute, 30 * minute, hour};
 
-/// The steps that rows are kept in; beyond the last they double.
+/// The time steps of stored rows; after the last, they double.
 ///
-/// Each divides the next, so that whole rows can be merged, and every shown step that a recording of more than
-/// mostKeptRows of the step before can need.
+/// Each divides the next, so that whole rows can be merged. Each also divides all displayed steps that a recording of
+/// more than mostKeptRows of the step before can need.
 constexpr std::array keptSteps{tenth,  5 * tenth,  second,      5 * second,  10 * second, 30 * second,
                                minute, 5 * minute, 10 * minute, 30 * minute, hour};
 
-/// Returns the shortest of the steps with which the time lies in one of the first `rows` rows.
+/// Returns the shortest of the steps for which the time is in one of the first `rows` rows.
 template <typename Steps>
 Duration shortestStep(const Steps& steps, Duration time, Duration::rep rows)
 {
@@ -105,13 +105,14 @@ Duration Timeline::step() const
 
 std::map<std::int32_t, std::vector<TimelineRow>> Timeline::rows() const
 {
+  const Duration shown = step();  // it examines the rows of all persons
   std::map<std::int32_t, Rows> result;
   for (const auto& [person, rows] : _rows)
-    result[person] = merged(rows, step());
+    result[person] = merged(rows, shown);
   return result;
 }
 
-/// Tells whether each row of each person between the first and the last would have an update.
+/// Returns whether each row of each person between the first and the last would have an update.
 bool Timeline::_fillsRowsOf(Duration step) const
 {
   return std::all_of(_rows.begin(), _rows.end(), [step](const auto& ofPerson) {

@@ -41,8 +41,8 @@ private:
 
 /// Writes every update as a line of comma-separated values.
 ///
-/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1; what is missing is
-/// empty. Texts are quoted where they must be.
+/// Floats have the shortest text that reads back as the same number; truth values are 0 and 1; a missing value is an
+/// empty field. Texts are quoted where necessary.
 class CsvExport : public Exporter
 {
 public:
@@ -67,7 +67,7 @@ public:
 
 private:
   std::ostream& _stream;
-  std::string _line;  // kept for its memory
+  std::string _line;  // kept to reuse its memory
 };
 
 }  // namespace

@@ -24,7 +24,7 @@ double secondsOf(Duration duration)
   return static_cast<double>(duration.count()) / 1e9;
 }
 
-/// Returns the double with the shortest decimal text that tells the float from all others; JSON has no others.
+/// Returns the double with the shortest decimal text that identifies the float; JSON has no other numbers.
 double shortest(float number)
 {
   if (!std::isfinite(number))

@@ -6,15 +6,18 @@
 namespace KV::session
 {
 
-// Each stands in a file of its own, and here; nothing else lists them.
+// Each format has a file of its own, and an entry here; no other list exists.
+ExportFormat audacityExport();
 ExportFormat csvExport();
+ExportFormat elanExport();
 ExportFormat jsonlExport();
 ExportFormat recordingExport();
 ExportFormat summaryExport();
 
 const std::vector<ExportFormat>& exportFormats()
 {
-  static const std::vector<ExportFormat> all = {csvExport(), jsonlExport(), summaryExport(), recordingExport()};
+  static const std::vector<ExportFormat> all = {csvExport(),       jsonlExport(), summaryExport(),
+                                                recordingExport(), elanExport(),  audacityExport()};
   return all;
 }
 

@@ -17,7 +17,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Where temporary files for the target go: to the disk that has to take all of it anyway, if it is a file.
+/// The folder of temporary files: on the disk of the target, which needs room for it all, if the target is a file.
 std::string folderFor(const std::string& target)
 {
   std::error_code error;
@@ -42,7 +42,7 @@ std::vector<SessionObserver*> exportersOf(const std::vector<File>& files)
 
 struct Exports::File
 {
-  const ExportFormat& format;
+  ExportFormat format;
   std::shared_ptr<SpillStore> spilled;
   std::unique_ptr<ReplacedFile> file;
   std::unique_ptr<Exporter> exporter;
@@ -73,8 +73,13 @@ Exports::~Exports() = default;
 
 void Exports::add(const std::string& format, const std::string& target, OutputCheck& check)
 {
-  File file{exportFormat(format), std::make_shared<SpillStore>(folderFor(target)),
-            std::make_unique<ReplacedFile>(target, check), nullptr};
+  add(exportFormat(format), target, check);
+}
+
+void Exports::add(const ExportFormat& format, const std::string& target, OutputCheck& check)
+{
+  File file{format, std::make_shared<SpillStore>(folderFor(target)), std::make_unique<ReplacedFile>(target, check),
+            nullptr};
   file.exporter = file.format.make(file.file->stream());
   file.exporter->writeHeader();
   _files.push_back(std::move(file));

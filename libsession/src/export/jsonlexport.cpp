@@ -67,7 +67,7 @@ private:
 
 /// Writes every update as a JSON object on a line of its own.
 ///
-/// Floats have the shortest text that reads back as the same number; what is no number becomes null.
+/// Writes a float as the shortest text that reads back as the same number. NaN and infinity become null.
 class JsonlExport : public Exporter
 {
 public:
@@ -83,7 +83,7 @@ public:
 
 private:
   std::ostream& _stream;
-  std::string _line;  // kept for its memory
+  std::string _line;  // kept to reuse its memory
 };
 
 }  // namespace

@@ -24,9 +24,9 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t headSize = std::size_t{64} << 10U;  // [bytes]
 
-/// What the system says of a file; nothing if it is not there.
+/// The system's information about a file; nothing if the file does not exist.
 ///
-/// \param dash the file that goes by the name "-"
+/// \param dash the file with the name "-"
 boost::optional<struct stat> statusOf(const std::string& path, int dash)
 {
   struct stat status = {};
@@ -39,7 +39,7 @@ std::string identityOf(const struct stat& status)
   return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
 }
 
-/// Follows links, so that a link stays one and its target is replaced; a new file has none to follow.
+/// Follows links, so that a link remains and its target is replaced; a new file is not a link.
 std::string withoutLinks(const std::string& path)
 {
   std::error_code error;

@@ -22,7 +22,7 @@ OutputStream::OutputStream(int fileDescriptor, const std::string& target)
   : std::ostream(nullptr), _buffer(fileDescriptor, target)
 {
   rdbuf(&_buffer);
-  exceptions(std::ios::badbit);  // an exception of the buffer then passes through the stream as it is
+  exceptions(std::ios::badbit);  // so that an exception of the buffer passes through the stream unchanged
 }
 
 OutputStream::Buffer::Buffer(int fileDescriptor, std::string target)
@@ -43,7 +43,7 @@ int OutputStream::Buffer::sync()
 {
   const char* next = pbase();
   const char* const end = pptr();
-  setp(_bytes.begin(), _bytes.end());  // what cannot be written is not tried again
+  setp(_bytes.begin(), _bytes.end());  // after a failed write, nothing more is written
   while (next != end)
   {
     const ssize_t written = ::write(_fileDescriptor, next, static_cast<std::size_t>(end - next));

@@ -20,14 +20,14 @@ namespace
 
 using Names = std::set<std::string>;
 
-/// A table that this library writes: the fields that it may have, and those by which it is known.
+/// A table that this library writes: its possible fields, and those that identify it.
 struct OwnTable
 {
   Names fields;
   Names needed;
 };
 
-// A new table, or a new field of one, has its place here: tests ask for each output.
+// Add new tables, and new fields of one, here: a test checks every output against this list.
 const std::vector<OwnTable>& ownTables()
 {
   static const std::vector<OwnTable> tables = [] {

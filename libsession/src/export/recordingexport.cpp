@@ -7,7 +7,7 @@ namespace KV::session
 namespace
 {
 
-/// Writes the steps of a recording in the own format.
+/// Writes the steps of a recording in the project's own format.
 class RecordingExport : public Exporter
 {
 public:

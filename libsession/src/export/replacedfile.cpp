@@ -67,7 +67,7 @@ void ReplacedFile::commit()
 
 void ReplacedFile::_openBeside()
 {
-  // Not the name of the target and more: that may be longer than a name can be.
+  // A short name of its own: the name of the target with an addition may be too long.
   std::string pattern = (std::filesystem::path(_target).parent_path() / ".skeigiot.XXXXXX").string();
   _fileDescriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (_fileDescriptor >= 0)

@@ -7,7 +7,7 @@ namespace KV::session
 
 SpillFile::SpillFile(std::shared_ptr<SpillStore> store) : _buffer(std::move(store)), _stream(&_buffer)
 {
-  _stream.exceptions(std::ios::badbit);  // an exception of the buffer then passes through the stream as it is
+  _stream.exceptions(std::ios::badbit);  // so that an exception of the buffer passes through the stream unchanged
 }
 
 SpillFile::Buffer::Buffer(std::shared_ptr<SpillStore> store) : _store(std::move(store))
@@ -32,7 +32,7 @@ void SpillFile::Buffer::copyTo(std::ostream& target)
   target.write(pbase(), pptr() - pbase());
 }
 
-// Is called when a whole block stands in memory.
+// Called when the memory holds a whole block.
 SpillFile::Buffer::int_type SpillFile::Buffer::overflow(int_type character)
 {
   _blocks.push_back(_store->keep(_bytes.data()));

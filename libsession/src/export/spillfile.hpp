@@ -11,7 +11,7 @@
 namespace KV::session
 {
 
-/// What is to be written elsewhere later: a block of it in memory, all before in a store.
+/// Output that is written to its target later: the last block is in memory, earlier ones are in a store.
 class SpillFile
 {
 public:
@@ -19,10 +19,10 @@ public:
   SpillFile(const SpillFile&) = delete;
   SpillFile& operator=(const SpillFile&) = delete;
 
-  /// Returns where to write; throws WriteError where the store cannot keep it.
+  /// Returns the stream to write to; it throws WriteError if the store cannot keep a block.
   std::ostream& stream() { return _stream; }
 
-  /// Writes all that it holds to another stream.
+  /// Writes all its content to another stream.
   ///
   /// \throws WriteError if the store cannot be read.
   void copyTo(std::ostream& target) { _buffer.copyTo(target); }

@@ -17,7 +17,7 @@ std::string nameOf(const std::string& folder)
   return "temporary file in " + folder;
 }
 
-/// Moves all bytes of a block; `move` is given how many were moved before, and returns how many it moved.
+/// Moves all bytes of a block; `move` gets the number of bytes moved before, and returns how many more it moved.
 template <typename Move>
 void moveAll(const std::string& folder, Move move)
 {
@@ -89,7 +89,7 @@ SpillStore::Block SpillStore::_takeFree()
   if (_free.empty())
   {
     if (_free.capacity() <= _count)
-      _free.reserve(2 * _count + 1);  // so that release() needs no memory
+      _free.reserve(2 * _count + 1);  // so that release() need not allocate
     return _count++;
   }
   const Block block = _free.back();

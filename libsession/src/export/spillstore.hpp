@@ -11,10 +11,10 @@
 namespace KV::session
 {
 
-/// Keeps blocks of bytes in one file without a name, gone with the object, however the program ends.
+/// Keeps blocks of bytes in one file without a name. The system removes it with the object, or when the program ends.
 ///
-/// Several SpillFiles share it, on any threads. So sessions that wait need one file descriptor, however many they are.
-/// The file is made for the first block, and a released block is used again.
+/// Several SpillFiles share it, on any threads. So all waiting sessions together need one file descriptor. The file is
+/// made for the first block, and a released block is used again.
 class SpillStore
 {
 public:
@@ -39,7 +39,7 @@ public:
   /// \throws WriteError if the file cannot be read.
   void read(Block block, char* bytes) const;
 
-  /// Lets the block be used again.
+  /// Releases the block, to be used again.
   void release(Block block);
 
 private:

@@ -77,39 +77,61 @@ LiveSession::LiveSession(StreamTimes times, std::function<TimePoint()> wallClock
   : _times(times), _wallClock(std::move(wallClock)), _session({}, std::move(observers), cycle)
 {}
 
-std::vector<std::int32_t> LiveSession::take(std::string_view line)
+std::vector<std::int32_t> LiveSession::take(std::string_view text)
 {
-  if (isBlank(line))
+  if (isBlank(text))
     return {};
-  recordings::StreamLine read = _times == StreamTimes::Arrival ? _readAtArrival(line) : _readAtItsTime(line);
-  if (const auto found = recordings::implausibleReading(read.entry))
-    throw recordings::MemberError("observation." + found->member, found->message);
-
-  if (!_session.canStartScopes(read.entry))
-    throw recordings::MemberError("start", "more than " + std::to_string(Scopes::mostOpen) +
-                                               " scopes would be open: stop scopes that are over first");
-  setBoundaries(read.boundaries);
-  for (const std::int32_t person : read.leaving)
-    _session.forget(person);
-  const bool standsStill = _times == StreamTimes::Arrival && read.entry.time == _now;
-  if (standsStill && read.entry.person)
-    _session.restartCycle(*read.entry.person);
-  _now = read.entry.time;
-  _session.play(read.entry);
-  return read.leaving;
+  if (_times == StreamTimes::Lines)
+    return take(recordings::streamLineFromJson(text, boost::none));
+  const TimePoint arrival = present();
+  recordings::StreamLine line = recordings::streamLineFromJson(text, arrival);
+  _setArrival(line, arrival);
+  _play(line);
+  return std::move(line.leaving);
 }
 
-// The wall clock may be set back; that of the session stands still then. Each line updates until it goes on.
+std::vector<std::int32_t> LiveSession::take(recordings::StreamLine line)
+{
+  if (_times == StreamTimes::Arrival)
+    _setArrival(line, present());
+  else
+    _checkTime(line);
+  _play(line);
+  return std::move(line.leaving);
+}
+
+void LiveSession::_play(const recordings::StreamLine& line)
+{
+  if (const auto found = recordings::implausibleReading(line.entry))
+    throw recordings::MemberError("observation." + found->member, found->message);
+  if (const std::string refusal = _session.whyScopesCannotStart(line.entry); !refusal.empty())
+    throw recordings::MemberError("start", refusal);
+  if (!_session.hasRoomInScopes(line.entry))
+    throw recordings::MemberError("person",
+                                  "the open scopes have too many persons together: stop scopes that are over");
+  setBoundaries(line.boundaries);
+  for (const std::int32_t person : line.leaving)
+  {
+    _session.forget(person);
+    if (_left)
+      _left(person);
+  }
+  const bool standsStill = _times == StreamTimes::Arrival && line.entry.time == _now;
+  if (standsStill && line.entry.person)
+    _session.restartCycle(*line.entry.person);
+  _now = line.entry.time;
+  _session.play(line.entry);
+}
+
+// The wall clock may be set back. The clock of the session does not advance then, and each line updates until it does.
 TimePoint LiveSession::present() const
 {
   return _times == StreamTimes::Arrival ? std::max(_now, _wallClock()) : _now;
 }
 
-// The time of the line, if it has one, is that of its readings.
-recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
+// The time of the line until then, if it has one, is that of its readings.
+void LiveSession::_setArrival(recordings::StreamLine& line, TimePoint arrival)
 {
-  const TimePoint arrival = present();
-  recordings::StreamLine line = recordings::streamLineFromJson(text, arrival);
   if (const auto found = recordings::implausibleTime(line.entry.time))
     throw recordings::MemberError(found->member, found->message);
   if (line.entry.time > arrival + furthestAhead)
@@ -119,17 +141,14 @@ recordings::StreamLine LiveSession::_readAtArrival(std::string_view text) const
     throw recordings::MemberError("observation",
                                   "a reading lies more than a second ahead: it would count as new until then");
   line.entry.time = arrival;
-  return line;
 }
 
-recordings::StreamLine LiveSession::_readAtItsTime(std::string_view text)
+void LiveSession::_checkTime(const recordings::StreamLine& line)
 {
-  recordings::StreamLine line = recordings::streamLineFromJson(text, boost::none);
   if (line.entry.time < _now)
     throw recordings::MemberError("time", "time runs backwards, expected the lines in the order of their times");
   if (const auto found = _units.look(line.entry))
     throw recordings::MemberError(found->member, found->message);
-  return line;
 }
 
 }  // namespace KV::session

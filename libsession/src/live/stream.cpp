@@ -69,7 +69,7 @@ std::string lineOf(const Json& object)
 
 }  // namespace
 
-/// Tells of others, too, who waited too long; that is before the step begins.
+/// It is called also for others, who waited too long; that is before the step begins.
 void Stream::Observer::personUpdated(const Snapshot& snapshot)
 {
   if (about != snapshot.person)
@@ -136,9 +136,8 @@ std::string Stream::_state()
   }
   for (const ScopeVerdict& verdict : _observer.verdicts)
     object["verdicts"].push_back(jsonOf(verdict));
-  std::string leftOut = _session.takeLeftOut();
-  if (!leftOut.empty())
-    object["warnings"].push_back(std::move(leftOut));
+  for (std::string& note : _session.takeNotes())
+    object["warnings"].push_back(std::move(note));
   for (std::string& warning : _log.take())
     object["warnings"].push_back(std::move(warning));
   return lineOf(object);

@@ -8,22 +8,22 @@
 namespace KV::session
 {
 
-/// Reads a recording to its end, or to where it turns bad, and notes what there is to say of it: the first few warnings
-/// and bad lines only, so that the memory is bounded.
+/// Reads a recording to its end, or to its first fault, and notes its problems: only the first few warnings and bad
+/// lines, so that the memory is bounded.
 class NotedReading
 {
 public:
   enum class Read
   {
     Taken,
-    Skipped,  ///< a bad line stands in its place
-    End       ///< of the recording, or of what can be read of it
+    Skipped,  ///< empty for a bad line
+    End       ///< of the recording, or of its readable part
   };
 
-  /// The reader must outlive it. `skipBad` goes on behind lines that cannot be used.
+  /// The reader must outlive it. `skipBad` skips lines that cannot be used.
   NotedReading(recordings::Reader& reader, bool skipBad) : _reader(reader), _skipBad(skipBad) {}
 
-  /// Reads the next step, which is there if it is taken.
+  /// Reads the next step; `step` is empty if a bad line was skipped.
   Read next(boost::optional<recordings::Step>& step);
 
   /// Returns the problems so far.

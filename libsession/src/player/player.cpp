@@ -16,7 +16,7 @@ using recordings::Error;
 using recordings::Reader;
 using recordings::Step;
 
-/// Plays one recording, whose outcome it fills in.
+/// Plays one recording, and fills in its outcome.
 class Playing
 {
 public:
@@ -31,7 +31,7 @@ public:
   void run()
   {
     bool more = _advance();
-    _describe();  // the reader knows more after the first step
+    _describe();  // the reader's description is complete after the first step
     while (more)
     {
       _play();
@@ -43,16 +43,16 @@ public:
   }
 
 private:
-  /// Reads the next step, which is missing where a bad line was skipped; returns false at the end.
+  /// Reads the next step, which is empty for a skipped bad line; returns false at the end.
   bool _advance()
   {
     const bool more = _reading.next(_step) != NotedReading::Read::End;
     if (!more)
-      _isWanted();  // an interruption may be what ended it
+      _isWanted();  // an interruption may have ended it
     return more;
   }
 
-  /// Tells whether the caller wants more.
+  /// Returns whether the caller wants more.
   bool _isWanted()
   {
     if (_goOn && !_goOn({_reader.progress(), _length()}))
@@ -94,9 +94,9 @@ private:
     _outcome.isDated = _reader.isDated();
     if (_session)
     {
-      _outcome.leftOut = _session->takeLeftOut();
-      if (std::string notStarted = _session->takeNotStarted(); !notStarted.empty())
-        _outcome.warnings.push_back(std::move(notStarted));
+      _outcome.leftOut = _session->takeOmittedReadings();
+      if (std::string note = _session->takeNotesOnScopes(); !note.empty())
+        _outcome.warnings.push_back(std::move(note));
     }
     _outcome.libraryWarnings = _log.take();
   }

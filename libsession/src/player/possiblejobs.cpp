@@ -10,8 +10,8 @@ namespace KV::session
 namespace
 {
 
-constexpr std::size_t filesBesideSessions = 32;  // standard streams, exports, and what else the process has open
-constexpr std::size_t filesOfASession = 4;       // a bag has its database, files of the database, and an unpacked copy
+constexpr std::size_t filesBesideSessions = 32;  // standard streams, exports, and other open files of the process
+constexpr std::size_t filesOfASession = 4;       // a bag's database, its temporary files, and an unpacked copy
 
 }  // namespace
 

@@ -39,9 +39,9 @@ bool isFolderOfRecordings(const std::string& path)
   return fs::is_directory(path, error) && !isRecordingFolder(path, error);
 }
 
-/// Tells whether it may be a recording. A link that leads nowhere is none.
+/// Returns whether it may be a recording. A link without a target is not.
 ///
-/// \param error why that cannot be told: a link that leads to itself, or a folder that nobody may read
+/// \param error why this is unknown: a link to itself, or a folder without permission to read
 bool mayBeRecording(const fs::path& path, std::error_code& error)
 {
   const fs::file_status status = fs::status(path, error);
@@ -50,7 +50,7 @@ bool mayBeRecording(const fs::path& path, std::error_code& error)
   return !error && (fs::is_regular_file(status) || (fs::is_directory(status) && isRecordingFolder(path, error)));
 }
 
-/// Returns what may be a recording, in the order of the names, and notes what cannot be looked into.
+/// Returns the possible recordings, sorted by name, and notes those that cannot be examined.
 std::vector<fs::path> sortedContents(const std::string& folder, std::vector<std::string>& notes)
 {
   std::error_code error;
@@ -82,8 +82,8 @@ std::string noteOn(const std::string& folder, const std::vector<std::string>& pa
   return text + (passedOver.size() > mostNamed ? ", ..." : "");
 }
 
-/// Adds the recordings of the folder. Exports name them by their paths below it if `isOnly`, so if no other folder or
-/// file is replayed with it.
+/// Adds the recordings of the folder. Exports name them by their paths inside the folder if `isOnly`, that is, if no
+/// other folder or file is replayed with it.
 void addContents(const std::string& folder, const std::string& format, bool isOnly, SessionPlan& plan)
 {
   std::vector<std::string> passedOver;
@@ -164,7 +164,7 @@ SessionPlan planSessions(const SessionArguments& arguments)
 
 void parseOffset(const std::string& text, std::map<std::string, ko::SystemClock::duration>& offsets)
 {
-  const std::size_t equals = text.rfind('=');  // a path may contain one, a number may not
+  const std::size_t equals = text.rfind('=');  // a path may contain '=', a number may not
   const std::string wanted = "'" + text + "' is not FILE=SECONDS";
   if (equals == std::string::npos || equals == 0)
     throw std::invalid_argument(wanted);

@@ -11,7 +11,7 @@ std::string base64(std::string_view bytes)
   using SixBits = boost::archive::iterators::transform_width<const char*, 6, 8>;
   using Characters = boost::archive::iterators::base64_from_binary<SixBits>;
 
-  // The iterators read on to a multiple of three bytes: the rest is encoded from a copy that is filled up.
+  // The iterators read on to a multiple of three bytes: so the rest is encoded from a padded copy.
   const std::size_t whole = bytes.size() / 3 * 3;
   std::string text;
   text.reserve((bytes.size() + 2) / 3 * 4);

@@ -9,10 +9,10 @@
 namespace KV::session
 {
 
-/// Returns the bytes in base64, filled up with "=".
+/// Returns the bytes in base64, padded with "=".
 std::string base64(std::string_view bytes);
 
-/// Returns the numbers in base64 as they lie in memory, which is little-endian wherever this library runs.
+/// Returns the numbers in base64 as they are in memory: little-endian on all machines that this library supports.
 template <typename Number>
 std::string base64(const std::vector<Number>& numbers)
 {

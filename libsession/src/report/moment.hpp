@@ -12,7 +12,7 @@
 namespace KV::session
 {
 
-/// A force, its source being a number of a table of names.
+/// A force; its source is an index in a table of names.
 struct MomentForce
 {
   std::uint16_t source = 0;
@@ -31,7 +31,7 @@ struct MomentChange
   double distance = 0.;
 };
 
-/// One update of a person: what was observed, what the library thought then, and why.
+/// One update of a person: the observation, the estimate after it, and the reasons.
 struct Moment
 {
   Snapshot snapshot;
@@ -39,7 +39,7 @@ struct Moment
   std::vector<MomentForce> forces;  ///< in their order
 
   std::vector<MomentChange> changes;  ///< of valence and attention, since the moment before
-  std::size_t updates = 1;            ///< since the moment before, this one included
+  std::size_t updates = 1;            ///< since the moment before, including this one
 };
 
 }  // namespace KV::session

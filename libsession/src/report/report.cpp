@@ -12,12 +12,12 @@
 namespace KV::session
 {
 
-/// What was added, as the page reads it.
+/// The added parts, in the form that the page reads.
 struct Report::Added
 {
   nlohmann::ordered_json learned = nlohmann::ordered_json::array();
-  nlohmann::ordered_json labels;  // null if there are none
-  nlohmann::ordered_json video;   // null if there is none
+  nlohmann::ordered_json labels;  // null without labels
+  nlohmann::ordered_json video;   // null without a video
 };
 
 bool Report::isAvailable()

@@ -26,7 +26,7 @@ double secondsOf(Duration duration)
   return static_cast<double>(duration.count()) / 1e9;
 }
 
-/// Returns what `of` says of each of the things, in base64.
+/// Returns the values of `of` for all things, in base64.
 template <typename Number, typename Things, typename Of>
 std::string series(const Things& things, Of of)
 {
@@ -153,7 +153,8 @@ Json scopesOf(const ReportRecorder& recorder)
     for (const auto& [person, moments] : recorder.moments())
     {
       const ScopeVerdict::OfPerson verdict = scope.of(person);
-      persons.push_back({{"id", person}, {"verdict", verdict.word}, {"updates", verdict.updates}});
+      if (verdict.updates > 0)  // the others would be a product of persons and scopes
+        persons.push_back({{"id", person}, {"verdict", verdict.word}, {"updates", verdict.updates}});
     }
     scopes.push_back({{"name", scope.name},
                       {"from", secondsOf(scope.from)},
@@ -251,7 +252,7 @@ Json reportData(const ReportRecorder& recorder, const ReportOrigin& origin)
 
 std::string textForScript(const Json& data)
 {
-  // A name need not be valid UTF-8; and "<" is only found in strings, where it may be written as its number.
+  // A name may be invalid UTF-8; and "<" occurs only in strings, where it may be written as its number.
   const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
   std::string escaped;
   escaped.reserve(text.size());

@@ -11,13 +11,13 @@
 namespace KV::session
 {
 
-/// Returns what the page of a report shows.
+/// Returns the data that the page of a report shows.
 ///
 /// Series are little-endian arrays in base64; docs/report.md lists the members. Names from the recording are strings
 /// and nothing else.
 nlohmann::ordered_json reportData(const ReportRecorder& recorder, const ReportOrigin& origin);
 
-/// Returns the data as text that can stand in an HTML script element: no "<" is left in it.
+/// Returns the data as text that is safe inside an HTML script element: it has no "<".
 std::string textForScript(const nlohmann::ordered_json& data);
 
 }  // namespace KV::session

@@ -24,7 +24,7 @@ double secondsOf(Duration duration)
   return static_cast<double>(duration.count()) / 1e9;
 }
 
-/// Null stands for what is not known.
+/// An unknown value is null.
 Json numberOrNull(bool isKnown, double number)
 {
   return isKnown ? Json(std::round(number * 1000.) / 1000.) : Json();

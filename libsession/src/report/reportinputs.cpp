@@ -32,8 +32,8 @@ float numberOf(T number)
   return static_cast<float>(number);
 }
 
-/// The numbers that readings consist of, by their names: "distance", "gaze.yaw", "expressions.joy". There is none of
-/// the points of a face.
+/// The numbers that readings consist of, by their names: "distance", "gaze.yaw", "expressions.joy". The points of a
+/// face have no such numbers.
 std::map<std::string, Number> numbersOfReadings()
 {
   std::map<std::string, Number> all;

@@ -14,7 +14,7 @@ struct ReportInput
 {
   const char* name;
   std::function<float(const KV::PersonObservation&)> of;  ///< NaN if it was not observed
-  bool isEvent;                                           ///< happens now and then, and each time matters
+  bool isEvent;                                           ///< a rare event, of which each one matters
 };
 
 constexpr std::size_t reportInputCount = 20;

@@ -65,7 +65,7 @@ Json otherRibbon(std::vector<recordings::LabelSpan> spans, const std::string& co
   return json;
 }
 
-/// A line through the ends of the pieces; where they do not meet, there is a value that is no number.
+/// A line through the ends of the pieces; where they do not meet, a NaN interrupts it.
 Json valueLine(const Course& course, const std::string& quantity, const std::string& coder)
 {
   std::vector<double> times;

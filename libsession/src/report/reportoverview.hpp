@@ -7,7 +7,7 @@
 namespace KV::session
 {
 
-/// Returns what an index shows of the recording; the recorder must have finished.
+/// Returns the recording's entry in an index; the recorder must have finished.
 ReportOverview overviewOf(const ReportRecorder& recorder);
 
 }  // namespace KV::session

@@ -40,7 +40,7 @@ std::vector<MomentChange> changesOf(const std::vector<MomentForce>& forces)
   return changes;
 }
 
-/// Keeps of each stretch the first, the least and the greatest.
+/// Keeps the first, the least and the greatest value of each stretch of time.
 std::vector<ReportRecorder::Ambiance> thinned(const std::vector<ReportRecorder::Ambiance>& all, Duration stretch)
 {
   const auto isCalmer = [](const auto& left, const auto& right) { return left.agitation < right.agitation; };
@@ -126,8 +126,8 @@ std::uint16_t ReportRecorder::_numberOfSource(std::string_view name)
   return number;
 }
 
-/// Thins what came since the last time, and lengthens the stretches until there is room again for some time. Where
-/// persons are too many for that, room is made in proportion: so each moment is looked at a few times only.
+/// Thins the new moments, and lengthens the stretches until there is room again for some time. If persons are too many
+/// for that, room is made in proportion: so each moment is examined only a few times.
 void ReportRecorder::_thin()
 {
   const auto isFull = [this] { return _momentCount > _limits.moments * 4 / 5 || _forceCount > _limits.forces * 4 / 5; };

@@ -19,13 +19,13 @@
 namespace KV::session
 {
 
-/// Collects what a report shows of one session: a long recording is thinned as it goes on, so that what is kept grows
-/// with the number of persons only.
+/// Collects the data of a report on one session: a long recording is thinned while it is read, so that the memory grows
+/// only with the number of persons.
 class ReportRecorder : public SessionObserver
 {
 public:
-  /// How much is kept; more than it is thinned. So a report stays small enough to be sent and opened. Of each person
-  /// some moments stay, so that thousands of persons take more.
+  /// The greatest number of moments; beyond it they are thinned. So a report stays small enough to be sent and opened.
+  /// Some moments of each person stay, so that thousands of persons take more.
   struct Limits
   {
     std::size_t moments = 20'000;
@@ -60,16 +60,16 @@ public:
   const Summary& summary() const { return _summary; }
   const Inspection& inspection() const { return _inspection; }
 
-  /// Tells whether the times of the recording have a date.
+  /// Returns whether the times of the recording have a date.
   bool isDated() const { return _isDated; }
 
   /// Returns how signs, units and rate were read, a line each.
   const std::vector<std::string>& description() const { return _description; }
 
-  /// Returns how long the stretches are of which only some moments were kept; 0 if all were.
+  /// Returns the length of the stretches of time of which only some moments were kept; 0 if all were kept.
   Duration stretch() const { return _stretch; }
 
-  /// Returns how many moments all thinning has looked at so far: what it cost.
+  /// Returns how many moments all thinning has examined so far: its cost.
   std::size_t thinningCost() const { return _thinningCost; }
 
 private:
@@ -82,10 +82,10 @@ private:
   Limits _limits;
   bool _isDated = true;
   std::vector<std::string> _description;
-  Limits _mostNow;  // when it is thinned next
+  Limits _mostNow;  // when the moments are thinned next
   std::size_t _thinningCost = 0;
   std::map<std::int32_t, KV::PersonObservation> _inputs;  // of each person since the last update
-  std::vector<MomentForce> _forces;                       // of the update that is under way
+  std::vector<MomentForce> _forces;                       // of the present update
 
   std::map<std::int32_t, std::vector<Moment>> _moments;
   std::size_t _momentCount = 0;

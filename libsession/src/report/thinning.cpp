@@ -49,7 +49,7 @@ public:
 
   void keep(std::size_t index) { _stays[index] = true; }
 
-  /// Keeps what is to stay of a stretch.
+  /// Keeps the moments of a stretch that stay.
   void keepOf(std::size_t begin, std::size_t end)
   {
     keep(begin);

@@ -34,8 +34,8 @@ const std::vector<Boundary>& boundaries()
 
 bool setBoundary(const Boundary& boundary, float value)
 {
-  // The library alone knows what it takes: it logs a rejected value and keeps the old one. Another thread may set the
-  // boundary at the same time, so its value does not tell.
+  // Only the library knows the allowed values: it logs a rejected value and keeps the old one. Another thread may set
+  // the boundary at the same time, so reading the value back proves nothing.
   LibraryLog log;
   boundary.set(value);
   return log.take().empty();

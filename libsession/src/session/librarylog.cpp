@@ -7,7 +7,7 @@
 namespace KV::session
 {
 
-// Another thread that hands out a record just now may call the handler when the log is gone: it must not touch it.
+// Another thread that is just writing a record may call the handler after the log is gone: it must not touch the log.
 LibraryLog::LibraryLog()
   : _handler(ko::log::addHandler([this, thread = std::this_thread::get_id()](const ko::log::Record& record) {
       if (std::this_thread::get_id() == thread)

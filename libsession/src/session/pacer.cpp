@@ -15,7 +15,7 @@ namespace
 using Duration = ko::SystemClock::duration;
 using TimePoint = ko::SystemClock::time_point;
 
-constexpr int toleranceShare = 20;  // of a cycle: so much before its time an observation is on time
+constexpr int toleranceShare = 20;  // of a cycle: an observation so much early counts as on time
 
 Duration periodOf(const Cycle& cycle)
 {
@@ -24,7 +24,7 @@ Duration periodOf(const Cycle& cycle)
   if (!(*cycle.hertz > 0. && *cycle.hertz <= Cycle::highest))
     throw std::invalid_argument("a cycle has a rate above 0, up to 1000 Hz");
   constexpr double nanosecondsPerSecond = 1e9;
-  constexpr double longest = 1e18;  // [ns] more than 30 years: sums of it with a time of today do not overflow
+  constexpr double longest = 1e18;  // [ns] more than 30 years: its sum with a present time does not overflow
   return Duration(std::llround(std::min(nanosecondsPerSecond / *cycle.hertz, longest)));
 }
 
@@ -131,7 +131,7 @@ bool Pacer::_isDue(const Pace& pace, TimePoint now) const
   return !pace.begun || now < pace.last || now >= pace.next - _period / toleranceShare;
 }
 
-/// On a grid: counted from the last update, observations at 12 Hz would give 6 updates a second.
+/// On a grid: if it counted from the last update, observations at 12 Hz would give 6 updates a second.
 void Pacer::_step(Pace& pace, TimePoint now) const
 {
   const bool goesOn = pace.begun && now >= pace.last && now < later(pace.next, _period);
@@ -140,7 +140,7 @@ void Pacer::_step(Pace& pace, TimePoint now) const
   pace.begun = true;
 }
 
-/// The memories have the readings already, each at its own time.
+/// The memories already have the readings, each at its own time.
 void Pacer::_update(KV::Person& person, Pace& pace)
 {
   person._updateOnlineModels(*pace.waiting);

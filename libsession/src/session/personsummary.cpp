@@ -12,7 +12,7 @@ namespace
 {
 
 constexpr double longestHold = 1.;      // [s]
-constexpr double holdOfASingle = 1e-3;  // [s]; any time does where there is no other to weigh it against
+constexpr double holdOfASingle = 1e-3;  // [s]; any time may be used if there is no other to compare it with
 
 double secondsOf(Duration duration)
 {

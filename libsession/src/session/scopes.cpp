@@ -1,6 +1,10 @@
 #include <skeigiot/session/scopes.hpp>
 
+#include <skeigiot/recordings/quote.hpp>
+#include <skeigiot/recordings/signallimits.hpp>
+
 #include <algorithm>
+#include <utility>
 
 namespace KV::session
 {
@@ -33,7 +37,7 @@ ScopeVerdict::OfPerson ScopeVerdict::of(std::int32_t person) const
   return found == persons.end() ? OfPerson{KV::Verdict().word(), 0, {}} : found->second;
 }
 
-Scopes::Scopes(const std::vector<ScopeSpan>& spans)
+Scopes::Scopes(const std::vector<ScopeSpan>& spans) : _room(recordings::limits::mostPersonsInScopes)
 {
   for (const ScopeSpan& span : spans)
     _spans.push_back({span, boost::none, false});
@@ -41,14 +45,19 @@ Scopes::Scopes(const std::vector<ScopeSpan>& spans)
 
 std::vector<ScopeVerdict> Scopes::advance(Duration now)
 {
+  if (now < _nextChange)
+    return {};
+  _nextChange = Duration::max();
+  _openSpans.clear();
   std::vector<ScopeVerdict> verdicts;
-  for (Span& span : _spans)
+  for (std::size_t place = 0; place < _spans.size(); ++place)
   {
+    Span& span = _spans[place];
     if (span.closed)
       continue;
     if (span.span.to && *span.span.to < now)
     {
-      // A span may fall between two steps: it was passed, though no update lies in it.
+      // A scope may be between two steps: then it was played, although it has no update.
       const Open passed{span.span.from, -1, {}};
       verdicts.push_back(_judge(span.span.name, span.open.value_or(passed), *span.span.to, ScopeEnd::Complete));
       span.open = boost::none;
@@ -56,6 +65,12 @@ std::vector<ScopeVerdict> Scopes::advance(Duration now)
     }
     else if (!span.open && span.span.from <= now)
       span.open = Open{span.span.from, -1, {}};
+    if (span.open)
+      _openSpans.push_back(place);
+    if (!span.open && !span.closed)
+      _nextChange = std::min(_nextChange, span.span.from);
+    else if (span.open && span.span.to && *span.span.to < Duration::max())
+      _nextChange = std::min(_nextChange, *span.span.to + Duration(1));
   }
   return verdicts;
 }
@@ -70,13 +85,35 @@ bool Scopes::start(const std::string& name, std::int32_t samples, Duration now)
 
 void Scopes::update(const Snapshot& snapshot, const KV::PersonState& state)
 {
+  ++_room;
+  for (const std::size_t place : _openSpans)  // first, since the first of them is the whole recording
+    _add(_spans[place].span.name, *_spans[place].open, snapshot, state);
   for (auto& [name, scope] : _started)
-    _add(scope, snapshot, state);
-  for (Span& span : _spans)
-  {
-    if (span.open)
-      _add(*span.open, snapshot, state);
-  }
+    _add(name, scope, snapshot, state);
+}
+
+bool Scopes::hasRoomFor(std::int32_t person) const
+{
+  if (_room + 1 >= _started.size() + _openSpans.size())
+    return true;
+  std::size_t wanted = 0;
+  for (const auto& [name, scope] : _started)
+    wanted += scope.tallies.count(person) == 0 ? 1 : 0;
+  for (const std::size_t place : _openSpans)
+    wanted += _spans[place].open->tallies.count(person) == 0 ? 1 : 0;
+  return wanted <= _room + 1;
+}
+
+std::string Scopes::takeOmittedUpdates()
+{
+  if (_leftOut == 0)
+    return {};
+  std::string text = "updates were left out of scopes " + std::to_string(std::exchange(_leftOut, 0)) +
+                     " times, since the scopes have too many persons together (" +
+                     std::to_string(recordings::limits::mostPersonsInScopes) + " more than updates); the first was " +
+                     recordings::quote(_firstLeftOut);
+  _firstLeftOut.clear();
+  return text;
 }
 
 ScopeVerdict Scopes::stop(const std::string& name, Duration now)
@@ -100,13 +137,23 @@ std::vector<ScopeVerdict> Scopes::finish(Duration now)
   for (const auto& [name, scope] : _started)
     verdicts.push_back(_judge(name, scope, now, ScopeEnd::NotStopped));
   _spans.clear();
+  _openSpans.clear();
   _started.clear();
   return verdicts;
 }
 
-void Scopes::_add(Open& scope, const Snapshot& snapshot, const KV::PersonState& state)
+void Scopes::_add(const std::string& name, Open& scope, const Snapshot& snapshot, const KV::PersonState& state)
 {
-  Tally& tally = scope.tallies[snapshot.person];
+  const auto [found, isNew] = scope.tallies.try_emplace(snapshot.person);
+  if (isNew && _room == 0)
+  {
+    scope.tallies.erase(found);
+    if (_leftOut++ == 0)
+      _firstLeftOut = name;
+    return;
+  }
+  _room -= isNew ? 1 : 0;
+  Tally& tally = found->second;
   const bool full = scope.samples >= 0 && tally.updates >= static_cast<std::size_t>(scope.samples);
   if (full)
     return;

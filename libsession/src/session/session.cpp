@@ -12,10 +12,10 @@ namespace KV::session
 namespace
 {
 
-/// Where the count, a float, stops growing by steps of 1.
+/// The count at which a float stops growing by steps of 1.
 constexpr int largestMovementCount = 1 << std::numeric_limits<float>::digits;
 
-/// Counts the movements all at once, with the result of incrementMovementDetected() called for each of them.
+/// Counts all movements at once; the result is that of incrementMovementDetected() called for each of them.
 void addMovements(KV::AmbianceState& ambiance, int movements)
 {
   const std::int64_t room = largestMovementCount - static_cast<std::int64_t>(ambiance.movementCount);
@@ -66,7 +66,7 @@ void Session::play(const recordings::Step& step)
     _report(_scopes.stop(scope, length()));
 }
 
-bool Session::canStartScopes(const recordings::Step& step) const
+std::string Session::whyScopesCannotStart(const recordings::Step& step) const
 {
   std::set<std::string> started;
   for (const recordings::ScopeStart& scope : step.scopeStarts)
@@ -74,19 +74,33 @@ bool Session::canStartScopes(const recordings::Step& step) const
     if (!_scopes.isOpen(scope.name))
       started.insert(scope.name);
   }
-  return _scopes.openCount() + started.size() <= Scopes::mostOpen;
+  if (_scopes.openCount() + started.size() <= Scopes::mostOpen)
+    return {};
+  return "more than " + std::to_string(Scopes::mostOpen) + " scopes would be open: stop scopes that are over first";
 }
 
-std::string Session::takeNotStarted()
+std::string Session::takeNotesOnScopes()
 {
+  std::string omitted = _scopes.takeOmittedUpdates();
   if (_notStarted == 0)
-    return {};
+    return omitted;
   const std::string scopes = _notStarted == 1 ? "1 scope was" : std::to_string(_notStarted) + " scopes were";
   std::string text = scopes + " not started, since " + std::to_string(Scopes::mostOpen) +
                      " were open already; the first was '" + _firstNotStarted + "'";
   _notStarted = 0;
   _firstNotStarted.clear();
-  return text;
+  return omitted.empty() ? text : text + "; " + omitted;
+}
+
+std::vector<std::string> Session::takeNotes()
+{
+  std::vector<std::string> notes;
+  for (std::string note : {takeOmittedReadings(), takeNotesOnScopes()})
+  {
+    if (!note.empty())
+      notes.push_back(std::move(note));
+  }
+  return notes;
 }
 
 void Session::forget(std::int32_t person)

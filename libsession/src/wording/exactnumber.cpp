@@ -23,7 +23,7 @@ template <typename Number>
 void appendFloat(std::string& text, Number number)
 {
   if (std::isnan(number))
-    text += "nan";  // whatever its sign
+    text += "nan";  // for either sign
   else
     append(text, number);
 }

@@ -26,7 +26,7 @@ struct CutCase
   std::string name;
   std::string file;  ///< in the corpus of the fuzzer, which has a small recording of each format
   std::string format;
-  boost::optional<double> framesPerSecond = {};  ///< where the rate is a guess from all rows
+  boost::optional<double> framesPerSecond = {};  ///< here the rate is guessed from all rows
 };
 
 std::string contentOf(const std::string& file)
@@ -60,7 +60,7 @@ protected:
   {
     KV::recordings::ReadingOptions options;
     options.framesPerSecond = GetParam().framesPerSecond;
-    std::filesystem::remove(folder.path("cut"));  // some file systems write at once what replaces a file
+    std::filesystem::remove(folder.path("cut"));  // some file systems write the replacement of a file at once
     return support::contentsOf(folder.write("cut", whole.substr(0, size)), GetParam().format, options);
   }
 
@@ -78,7 +78,7 @@ protected:
   const std::string whole = contentOf(GetParam().file);
 };
 
-/// Tables and lines: what stands before the line in which the file was cut is read as ever.
+/// Tables and lines: everything before the line in which the file was cut is read as usual.
 class CutText : public CutRecording
 {};
 
@@ -98,7 +98,7 @@ TEST_P(CutText, KeepsTheLinesBeforeTheCutAndNamesTheLineThatIsNotWhole)
     std::vector<std::string> good = textsOf(read(lineBegin).entries);
     const std::size_t goodSteps = good.size();
     if (!good.empty())
-      good.pop_back();  // what is left of the cut line may belong to the last step
+      good.pop_back();  // the rest of the cut line may belong to the last step
     const Contents contents = read(size);
     EXPECT_TRUE(beginsWith(textsOf(contents.entries), good));
     EXPECT_LE(contents.entries.size(), stepsInAll);
@@ -130,7 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Of, CutText,
                                            CutCase{"JsonLinesOfAllReadings", "jsonl/all-readings.jsonl", "jsonl"}),
                          support::RowName());
 
-/// The format is detected as well, from the part of the file that is left.
+/// The format is detected as well, from the remaining part of the file.
 class CutCompressedText : public CutRecording
 {};
 

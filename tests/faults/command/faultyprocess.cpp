@@ -14,7 +14,7 @@
 #include <limits>
 #include <stdexcept>
 
-int commandMain(int argc, char** argv);  // what the command calls main()
+int commandMain(int argc, char** argv);  // the name of the command's main()
 
 namespace
 {
@@ -32,7 +32,7 @@ void countCall()
 
 }  // namespace
 
-// The linker leads every call that changes files here: see CMakeLists.txt.
+// The linker redirects every call that changes files to here: see CMakeLists.txt.
 extern "C" {
 ssize_t __real_write(int file, const void* bytes, size_t count);
 int __real_rename(const char* from, const char* to);
@@ -95,7 +95,7 @@ void redirect(int descriptor, const std::string& path, int flags)
   __real_close(file);
 }
 
-/// Runs in the child; what it returns is the exit status.
+/// Runs in the child; its result is the exit status.
 int runFaulty(std::vector<std::string> arguments, const ProcessFault& fault)
 {
   std::vector<char*> pointers;

@@ -10,17 +10,17 @@
 namespace faults
 {
 
-/// What goes wrong while the command runs.
+/// The fault while the command runs.
 struct ProcessFault
 {
   std::optional<std::size_t> failingAllocation;  ///< the allocation with this number fails, from 0
   std::optional<std::size_t> killedAtCall;       ///< killed before the call that changes files with this number, from 0
-  std::optional<rlim_t> greatestFile;            ///< [bytes] no file may become larger
-  std::string output;                            ///< file that standard output goes to; empty: it is kept
+  std::optional<rlim_t> greatestFile;            ///< [bytes] the size that no file may exceed
+  std::string output;                            ///< file for standard output; empty: it is kept
   bool readerLeaves = false;                     ///< standard output is a pipe, whose reader leaves after one line
 };
 
-/// What became of it.
+/// The result of the run.
 struct ProcessResult
 {
   int status = -1;       ///< exit status, or minus the signal that ended it

@@ -21,7 +21,7 @@ struct CommandCase
 {
   std::string name;
   std::vector<std::string> before;  ///< arguments before the recording
-  std::vector<std::string> after;   ///< and behind it
+  std::vector<std::string> after;   ///< and after it
 };
 
 class CommandWithoutMemory : public ::testing::TestWithParam<CommandCase>
@@ -71,7 +71,7 @@ TEST_P(CommandWithoutMemory, EndsWithAMessageAndWithoutHalfAFile)
     const std::string content = folder.read("export");
     if (result.status == 0)
     {
-      EXPECT_EQ(well.output, result.output);  // it was not needed, or done without
+      EXPECT_EQ(well.output, result.output);  // it was not needed, or replaced
       EXPECT_EQ(whole.empty() ? "old" : whole, content);
       if (!result.faulted)
         break;

@@ -16,8 +16,8 @@ using replaytests::TemporaryFolder;
 struct OutputCase
 {
   std::string name;
-  std::vector<std::string> arguments;  ///< RECORDING stands for a recording of more than a pipe takes
-  bool isLong = true;                  ///< writes more than a pipe takes
+  std::vector<std::string> arguments;  ///< RECORDING is replaced by the path of a recording larger than a pipe
+  bool isLong = true;                  ///< writes more than fits into a pipe
 };
 
 class BlockedOutput : public ::testing::TestWithParam<OutputCase>
@@ -50,7 +50,7 @@ TEST_P(BlockedOutput, EndsTheCommandQuietlyIfTheReaderHasLeft)
   const ProcessResult result = run(fault);
   EXPECT_NE("", result.output) << "the first line arrived";
   EXPECT_EQ("", result.errors);
-  const bool wasQuicker = !GetParam().isLong && result.status == 0;  // than the reader
+  const bool wasQuicker = !GetParam().isLong && result.status == 0;  // as the reader has
   EXPECT_TRUE(wasQuicker || result.status == 1) << result.status;
 }
 

@@ -28,7 +28,7 @@ Value somebody()
   return person;
 }
 
-/// Does to the bytes what a broken or malicious sender might.
+/// Changes the bytes as a broken or malicious sender might.
 void mutate(Bytes& bytes, std::mt19937& random)
 {
   const auto position = [&] { return static_cast<std::ptrdiff_t>(random() % (bytes.size() + 1)); };
@@ -48,7 +48,7 @@ void mutate(Bytes& bytes, std::mt19937& random)
       case 2:  // cut off
         bytes.erase(bytes.begin() + position(), bytes.end());
         break;
-      case 3:  // a run of one byte put in
+      case 3:  // a run of one byte inserted
         bytes.insert(bytes.begin() + position(), random() % 300, byte());
         break;
       default:  // a part repeated elsewhere

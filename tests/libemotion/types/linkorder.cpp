@@ -1,4 +1,4 @@
-// Linked with the objects of the library in several orders: whatever the order, static initialisers find the records.
+// Linked with the objects of the library in several orders: in each order, static initialisers find the records.
 
 #include "linkorder.hpp"
 

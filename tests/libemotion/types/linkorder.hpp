@@ -5,5 +5,5 @@
 /// Returns the class names that are not registered now, or registered with a member of unknown type.
 std::string missingRecords();
 
-/// Returns what missingRecords() was when the unit of this function was initialised.
+/// Returns the result of missingRecords() when the unit of this function was initialised.
 const std::string& earlyMissingRecords();

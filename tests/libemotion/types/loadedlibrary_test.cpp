@@ -20,7 +20,7 @@ std::vector<std::string> registeredNames()
   return names;
 }
 
-// One test, since what a library registers stays for the life of the process.
+// One test, since the types that a library registers stay for the life of the process.
 TEST(LoadedLibrary, BringsItsRecordsAndLeavesThemInUse)
 {
   ASSERT_TRUE(registeredNames().empty());

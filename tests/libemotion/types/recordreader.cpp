@@ -1,4 +1,4 @@
-// Reads one record as CBOR from standard input, knowing nothing of it but its class name, and prints its members.
+// Reads one record as CBOR from standard input, by its class name alone, and prints its members.
 
 #include <ko/cbor.hpp>
 #include <ko/typeerror.hpp>

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// What the tests of the registered records share.
+/// Shared parts of the tests of the registered records.
 namespace records
 {
 

@@ -185,7 +185,7 @@ TEST(RegisteredPersonState, MayBeReachedThroughAPersonsValue)
   EXPECT_EQ(0.5f, person.personState.smile().value);
 }
 
-TEST(RegisteredPersonState, StandsStillOnceDetached)
+TEST(RegisteredPersonState, DoesNotChangeOnceDetached)
 {
   const Person person(7);
   const Value snapshot = Value::from(person).detached();

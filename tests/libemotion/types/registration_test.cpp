@@ -77,7 +77,7 @@ TEST_P(RegisteredRecord, NamesItsMembersInOrder)
   EXPECT_EQ(GetParam().members, type().elementsName());
 }
 
-TEST_P(RegisteredRecord, TellsTheTypesOfItsMembersInOrder)
+TEST_P(RegisteredRecord, ReportsTheTypesOfItsMembersInOrder)
 {
   Names names;
   for (const ko::TypeInterface* memberType : type().memberTypes())

@@ -105,7 +105,7 @@ std::string lines(const std::string& path, const KV::ValueConfidence<float>& val
   return line(path + ".value", value.value) + line(path + ".confidence", value.confidence);
 }
 
-/// What the reader has to print of a state, told by the state's own queries.
+/// The text that the reader must print of a state, made by the state's own queries.
 std::string expectedLines(const KV::PersonState& state)
 {
   const KV::BodyLanguageEase ease = state.bodyLanguageState().bodyLanguageState(KV::BodyLanguageEaseDescription);
@@ -145,7 +145,7 @@ TEST(TwoProcesses, ShareAStateByItsClassNameAlone)
   EXPECT_EQ(expectedLines(person.personState), outcome.output);
 }
 
-TEST(TwoProcesses, TellWhenTheRecordIsAnother)
+TEST(TwoProcesses, ReportAnotherRecord)
 {
   const Outcome outcome = readElsewhere("KV::Gaze", ko::cbor::encode(ko::Value::from(KV::Smile(0.5f, 1.f))));
   EXPECT_EQ(1, outcome.status);

@@ -62,7 +62,7 @@ TEST_P(Cbor, IsWrittenAndReadBack)
   EXPECT_EQ(GetParam().value, ko::cbor::decode(bytesOf(GetParam().bytes), GetParam().value.type()));
 }
 
-// The bytes are those of RFC 8949, appendix A, where that has the value.
+// The bytes are those of RFC 8949, appendix A, if the value occurs there.
 INSTANTIATE_TEST_SUITE_P(
     Forms, Cbor,
     ::testing::Values(

@@ -16,7 +16,7 @@ using ko::Value;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-/// Every value is equal to itself and less than all that stand after it.
+/// Every value is equal to itself and less than all that follow it.
 void expectAscending(const std::vector<Value>& values)
 {
   for (std::size_t i = 0; i < values.size(); ++i)

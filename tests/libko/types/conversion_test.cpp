@@ -35,7 +35,7 @@ struct PointWithHeight
   float z = 0.f;
 };
 
-/// A point that is made from other versions of itself, but makes none.
+/// A point that is made from other versions of itself, but makes no other version.
 struct TakingPoint
 {
   int x = 0;
@@ -49,7 +49,7 @@ public:
   bool convertFrom(const ko::MemberDifference&) const override { return true; }
 };
 
-/// A point that makes other versions of itself, but is made from none.
+/// A point that makes other versions of itself, but is not made from any.
 struct GivingPoint
 {
   int x = 0;
@@ -337,7 +337,7 @@ TEST(Conversion, ShortensNamesOfMoreThan64Characters)
             (misfit<std::map<std::string, int>>(Value::from(std::map<std::string, bool>{{name + "n", true}}))));
 }
 
-/// What is said of a point that is made from as many members, "10", "11" and so on.
+/// The error about a point that is made from as many members, "10", "11" and so on.
 std::string misfitOfMembers(int count)
 {
   std::map<std::string, int> members;

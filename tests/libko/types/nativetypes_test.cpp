@@ -68,7 +68,7 @@ TYPED_TEST(EveryNativeType, OrdersByAddress)
   EXPECT_FALSE(type->less(&objects[0], &objects[0]));
 }
 
-/// Counts the objects that are there.
+/// Counts its living objects.
 class Counted
 {
 public:
@@ -104,7 +104,7 @@ TEST(NativeTypes, DestroyWhatTheyMadeAndNothingElse)
   EXPECT_EQ(0, Counted::there);
 }
 
-TEST(NativeTypes, TellTheirKind)
+TEST(NativeTypes, ReportTheirKind)
 {
   using ko::TypeKind;
   EXPECT_EQ(TypeKind::Bool, ko::typeOf<bool>()->kind());
@@ -135,7 +135,7 @@ TEST(BoolTypes, StoreWhatTheyAreGiven)
   EXPECT_TRUE(type.value(&flag));
 }
 
-TEST(IntTypes, TellWidthAndSign)
+TEST(IntTypes, ReportWidthAndSign)
 {
   EXPECT_EQ(1U, as<ko::IntTypeInterface>(ko::typeOf<std::int8_t>()).size());
   EXPECT_TRUE(as<ko::IntTypeInterface>(ko::typeOf<std::int8_t>()).isSigned());
@@ -164,7 +164,7 @@ TEST(IntTypes, ReachEnumerations)
   EXPECT_EQ(Zone::Nowhere, zone);
 }
 
-TEST(FloatTypes, TellWidthAndRound)
+TEST(FloatTypes, ReportWidthAndRound)
 {
   EXPECT_EQ(8U, as<ko::FloatTypeInterface>(ko::typeOf<double>()).size());
   const auto& type = as<ko::FloatTypeInterface>(ko::typeOf<float>());

@@ -7,7 +7,7 @@ namespace
 
 using ko::proxy::Family;
 
-// One test, since what is included stays for the life of the process.
+// One test, since an included family stays for the life of the process.
 TEST(Proxies, AreKnownInTheOrderOfTheirInclusionAndOnceEach)
 {
   EXPECT_TRUE(ko::proxy::included().empty());

@@ -3,7 +3,7 @@
 #include <ko/nativetypes.hpp>
 #include <ko/typeinterface.hpp>
 
-/// A type of a kind that the library does not know, as one from a later version of it would be.
+/// A type of a kind that the library does not know, such as one from a later version of it.
 namespace strangers
 {
 

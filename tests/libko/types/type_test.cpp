@@ -43,7 +43,7 @@ TEST(Types, AreFoundOnceRegisteredEvenIfLookedUpBefore)
   EXPECT_EQ(ko::getType(typeid(RegisteredLater)), ko::typeOf<RegisteredLater>());
 }
 
-TEST(Types, TellTheCppTypeThatTheyDescribe)
+TEST(Types, ReportTheCppTypeThatTheyDescribe)
 {
   EXPECT_EQ(typeid(shapes::Point), ko::typeOf<shapes::Point>()->info());
   EXPECT_EQ(typeid(std::vector<float>), ko::typeOf<std::vector<float>>()->info());

@@ -17,7 +17,7 @@ namespace
 using KV::recordings::LineScan;
 using Fields = std::vector<std::string>;
 
-/// The fields as a program finds them that knows nothing of blocks.
+/// The fields, found by a simple program without blocks.
 Fields plainFields(const std::string& line)
 {
   Fields fields(1);
@@ -36,7 +36,7 @@ Fields plainFields(const std::string& line)
   return fields;
 }
 
-/// The line in memory of its own size, so that the address sanitizer sees a character that is read beyond it.
+/// The line in memory of its own size, so that the address sanitizer detects a character that is read beyond it.
 class ExactLine
 {
 public:
@@ -79,7 +79,7 @@ void expectBothWaysToFindTheFields(const std::string& text)
   ASSERT_EQ(expected, fieldsOf(line.view(), commas + 1, KV::recordings::splitAtCommasByCharacter)) << text;
 }
 
-TEST(CsvFields, AreFoundWhereverTheCommaStandsInABlock)
+TEST(CsvFields, AreFoundWithTheCommaAtEachPlaceOfABlock)
 {
   for (std::size_t length = 0; length <= 70; ++length)
   {

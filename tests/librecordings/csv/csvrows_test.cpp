@@ -68,7 +68,7 @@ TEST_F(CsvRows, EndsARowAtTheEndOfALineInQuotesToo)
   EXPECT_FALSE(rows.next());
 }
 
-TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
+TEST_F(CsvRows, RefusesAnOpenQuoteAndContinuesAfterIt)
 {
   KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a,b\nc,\"d\ne,\"f\"\n")));
   ASSERT_TRUE(rows.next());
@@ -85,7 +85,7 @@ TEST_F(CsvRows, RefusesAnOpenQuoteAndGoesOnBehindIt)
   EXPECT_EQ((Row{"e", "f"}), Row(rows.fields().begin(), rows.fields().end()));
 }
 
-TEST_F(CsvRows, RefusesAQuoteWithinAFieldAndGoesOnBehindIt)
+TEST_F(CsvRows, RefusesAQuoteWithinAFieldAndContinuesAfterIt)
 {
   KV::recordings::CsvRows rows(KV::recordings::InputFile(folder.write("f", "a,5\"\nb,\"c\"d\ne,f\n")));
   EXPECT_THROW(rows.next(), KV::recordings::BadLine);

@@ -21,7 +21,7 @@ const KV::recordings::ScoreReadings& readings()
   return readings;
 }
 
-// The action units of the table, `others` but for these.
+// The action units of the table, `others` except for these.
 std::vector<float> faceWith(const std::map<std::string, double>& intensities, float others = 0.f)
 {
   std::vector<float> scores;
@@ -68,7 +68,7 @@ TEST(ActionUnits, AreCappedOneByOneBeforeTheSum)
   EXPECT_FLOAT_EQ(1.f - 0.375f, expressionsWith({{"AU04", 2.5}, {"AU12", 50.0}}).joy.value);
 }
 
-TEST(ActionUnits, TellASmileByTheLipCorners)
+TEST(ActionUnits, DetectASmileByTheLipCorners)
 {
   const auto smile = readings().smile(faceWith({{"AU12", 2.0}}), confidence);
   ASSERT_TRUE(smile);
@@ -77,7 +77,7 @@ TEST(ActionUnits, TellASmileByTheLipCorners)
   EXPECT_FALSE(readings().smile(faceWith({}, unknown), confidence));
 }
 
-TEST(ActionUnits, TellNoSmileUnderLoweredBrows)
+TEST(ActionUnits, DetectNoSmileUnderLoweredBrows)
 {
   EXPECT_FLOAT_EQ(0.f, readings().smile(faceWith({{"AU12", 1.0}, {"AU04", 2.5}}), confidence)->value);
 }
@@ -175,7 +175,7 @@ TEST(Expressions, OfWhichAnActionUnitIsUnknownHaveConfidenceZero)
   }
 }
 
-TEST(Expressions, AreCalmAsFarAsCanBeTold)
+TEST(Expressions, AreCalmByAllKnownScores)
 {
   const auto atRest = readings().expressions(faceWith({{"AU06", 0.0}, {"AU12", 0.5}}, unknown), confidence);
   ASSERT_TRUE(atRest);

@@ -70,7 +70,7 @@ TEST(BuiltInMapping, NamesEveryTableAndEveryReading)
       EXPECT_TRUE(mapping.at(table).contains(member.name)) << table << ' ' << member.name;
 }
 
-TEST(BuiltInMapping, WritesNumbersAsTheyStandInTheTables)
+TEST(BuiltInMapping, WritesNumbersAsInTheTables)
 {
   EXPECT_NE(std::string::npos, KV::recordings::builtInMapping().find("\"weight\": -0.75")) << "not -0.7500000..";
   EXPECT_NE(std::string::npos, KV::recordings::builtInMapping().find("\"typical\": 0.15,")) << "not 0.1500000059";

@@ -28,7 +28,7 @@ using KV::recordings::ReadingOptions;
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 const ko::SystemClock::time_point start = support::timeOf(support::recordingEpoch);
 
-// Every table is another than the built-in one.
+// Every table differs from the built-in one.
 const std::string mapping = R"({
   "actionUnits": {"smile": {"sum": [{"of": ["AU12", "AU25"], "weight": 0.7}]},
                   "joy": {"sum": [{"of": ["AU06"]}], "limit": [{"of": ["AU12"], "weight": 1.3}]}},
@@ -58,7 +58,7 @@ protected:
     return options;
   }
 
-  /// Expects the faces to give the steps of the recording, bit for bit; one that is not tracked is not in it.
+  /// Expects the faces to give the steps of the recording, bit for bit; the recording lacks faces that are not tracked.
   void expectSame(const std::string& recording, const std::vector<Face>& faces) const
   {
     const support::Contents contents = readWell(recording, options());
@@ -93,38 +93,38 @@ TEST_P(FaceAdapterOptions, GivesTheReadingsOfAnOpenFaceFile)
   constexpr std::array<std::size_t, 11> numbers = {1, 2, 4, 5, 6, 7, 12, 15, 23, 25, 26};
   for (int row = 0; row < 3; ++row)
   {
-    KV::recordings::OpenFaceFace told;
-    told.confidence = row == 1 ? 0.31f : 0.83f;
+    KV::recordings::OpenFaceFace detected;
+    detected.confidence = row == 1 ? 0.31f : 0.83f;
     const double shift = 0.013 * row;
-    told.position = {{123.4 + shift, -56.7, 811.9}};
-    told.rotation = {{0.11 + shift, -0.23, 0.37}};
-    told.gazeAngle = {{-0.17, 0.29 + shift}};
-    told.actionUnits.emplace();
-    told.landmarks.emplace();
-    file << "\n" << row + 1 << "," << 0.04 * row << "," << told.confidence << ",1";
-    for (const double number : *told.position)
+    detected.position = {{123.4 + shift, -56.7, 811.9}};
+    detected.rotation = {{0.11 + shift, -0.23, 0.37}};
+    detected.gazeAngle = {{-0.17, 0.29 + shift}};
+    detected.actionUnits.emplace();
+    detected.landmarks.emplace();
+    file << "\n" << row + 1 << "," << 0.04 * row << "," << detected.confidence << ",1";
+    for (const double number : *detected.position)
       file << "," << number;
-    for (const double number : *told.rotation)
+    for (const double number : *detected.rotation)
       file << "," << number;
-    for (const double number : *told.gazeAngle)
+    for (const double number : *detected.gazeAngle)
       file << "," << number;
     for (std::size_t i = 0; i < numbers.size(); ++i)
     {
       const float intensity = 0.37f * static_cast<float>(i) + 0.21f;
-      told.actionUnits->intensity.at(numbers.at(i)) = intensity;
+      detected.actionUnits->intensity.at(numbers.at(i)) = intensity;
       file << "," << intensity;
     }
     for (std::size_t i = 0; i < 68; ++i)
     {
-      told.landmarks->points.at(i).x = 100.5f + static_cast<float>(i);
+      detected.landmarks->points.at(i).x = 100.5f + static_cast<float>(i);
       file << "," << 100.5f + static_cast<float>(i);
     }
     for (std::size_t i = 0; i < 68; ++i)
     {
-      told.landmarks->points.at(i).y = 200.25f + static_cast<float>(i);
+      detected.landmarks->points.at(i).y = 200.25f + static_cast<float>(i);
       file << "," << 200.25f + static_cast<float>(i);
     }
-    faces.push_back(faceOf(told));
+    faces.push_back(faceOf(detected));
   }
   expectSame(file.str() + "\n", faces);
 }
@@ -136,28 +136,28 @@ TEST_P(FaceAdapterOptions, GivesTheReadingsOfAPyFeatFile)
       "surprise,neutral\n"
       "0,0.93,12.5,-3.25,31.75,0.125,-0.25,0.61,0.72,0.13,0.44,0.01,0.02,0.03,0.7,0.04,0.15,0.05\n"
       "1,0.41,12.5,-3.25,31.75,0.125,-0.25,0.61,0.72,0.13,0.44,0.01,0.02,0.03,0.7,0.04,0.15,0.05\n";
-  KV::recordings::PyFeatFace told;
-  told.confidence = 0.93f;
-  told.units.rotationInDegrees = true;
-  told.units.pitchIsUp = true;
-  told.rotation = {{12.5, -3.25, 31.75}};
-  told.gaze = {{0.125, -0.25}};
-  told.actionUnits.emplace();
-  told.actionUnits->intensity[6] = 0.61f;
-  told.actionUnits->intensity[12] = 0.72f;
-  told.actionUnits->intensity[25] = 0.13f;
-  told.actionUnits->intensity[26] = 0.44f;
-  told.emotions.emplace();
-  told.emotions->anger = 0.01f;
-  told.emotions->disgust = 0.02f;
-  told.emotions->fear = 0.03f;
-  told.emotions->happy = 0.7f;
-  told.emotions->sad = 0.04f;
-  told.emotions->surprise = 0.15f;
-  told.emotions->neutral = 0.05f;
-  KV::recordings::PyFeatFace lost = told;
+  KV::recordings::PyFeatFace detected;
+  detected.confidence = 0.93f;
+  detected.units.rotationInDegrees = true;
+  detected.units.pitchIsUp = true;
+  detected.rotation = {{12.5, -3.25, 31.75}};
+  detected.gaze = {{0.125, -0.25}};
+  detected.actionUnits.emplace();
+  detected.actionUnits->intensity[6] = 0.61f;
+  detected.actionUnits->intensity[12] = 0.72f;
+  detected.actionUnits->intensity[25] = 0.13f;
+  detected.actionUnits->intensity[26] = 0.44f;
+  detected.emotions.emplace();
+  detected.emotions->anger = 0.01f;
+  detected.emotions->disgust = 0.02f;
+  detected.emotions->fear = 0.03f;
+  detected.emotions->happy = 0.7f;
+  detected.emotions->sad = 0.04f;
+  detected.emotions->surprise = 0.15f;
+  detected.emotions->neutral = 0.05f;
+  KV::recordings::PyFeatFace lost = detected;
   lost.confidence = 0.41f;
-  expectSame(file, {faceOf(told), faceOf(lost)});
+  expectSame(file, {faceOf(detected), faceOf(lost)});
 }
 
 const std::vector<std::pair<std::string, float>> shapes = {
@@ -188,10 +188,10 @@ TEST_P(FaceAdapterOptions, GivesTheReadingsOfAFaceLandmarkerResult)
   for (std::size_t i = 0; i < matrix.size(); ++i)
     file << (i > 0 ? ", " : "") << matrix.at(i);
   file << "]}]}\n";
-  KV::recordings::MediaPipeFace told;
-  told.blendshapes = blendshapes();
-  told.matrix = matrix;
-  expectSame(file.str(), {faceOf(told)});
+  KV::recordings::MediaPipeFace detected;
+  detected.blendshapes = blendshapes();
+  detected.matrix = matrix;
+  expectSame(file.str(), {faceOf(detected)});
 }
 
 TEST_P(FaceAdapterOptions, GivesTheReadingsOfATableOfBlendshapes)
@@ -210,11 +210,11 @@ TEST_P(FaceAdapterOptions, GivesTheReadingsOfATableOfBlendshapes)
     names << ",matrix_" << i;
     values << "," << matrix.at(i);
   }
-  KV::recordings::MediaPipeFace told;
-  told.confidence = 0.75f;
-  told.blendshapes = blendshapes();
-  told.matrix = matrix;
-  expectSame(names.str() + "\n" + values.str() + "\n", {faceOf(told)});
+  KV::recordings::MediaPipeFace detected;
+  detected.confidence = 0.75f;
+  detected.blendshapes = blendshapes();
+  detected.matrix = matrix;
+  expectSame(names.str() + "\n" + values.str() + "\n", {faceOf(detected)});
 }
 
 TEST_P(FaceAdapterOptions, GivesTheReadingsOfALiveLinkFile)
@@ -230,16 +230,16 @@ TEST_P(FaceAdapterOptions, GivesTheReadingsOfALiveLinkFile)
   }
   names << ",HeadYaw,HeadPitch,HeadRoll,LeftEyeYaw,LeftEyePitch,LeftEyeRoll,RightEyeYaw,RightEyePitch,RightEyeRoll";
   values << ",0.21,-0.13,0.07,0.11,-0.05,0,0.09,-0.03,0";
-  KV::recordings::LiveLinkFace told;
-  told.blendshapes = blendshapes();
-  told.headYaw = 0.21;
-  told.headPitch = -0.13;
-  told.headRoll = 0.07;
-  told.leftEyeYaw = 0.11;
-  told.leftEyePitch = -0.05;
-  told.rightEyeYaw = 0.09;
-  told.rightEyePitch = -0.03;
-  expectSame(names.str() + "\n" + values.str() + "\n", {faceOf(told)});
+  KV::recordings::LiveLinkFace detected;
+  detected.blendshapes = blendshapes();
+  detected.headYaw = 0.21;
+  detected.headPitch = -0.13;
+  detected.headRoll = 0.07;
+  detected.leftEyeYaw = 0.11;
+  detected.leftEyePitch = -0.05;
+  detected.rightEyeYaw = 0.09;
+  detected.rightEyePitch = -0.03;
+  expectSame(names.str() + "\n" + values.str() + "\n", {faceOf(detected)});
 }
 
 INSTANTIATE_TEST_SUITE_P(Like, FaceAdapterOptions,
@@ -283,7 +283,7 @@ TEST(FaceAdapter, ObservesADetectedFaceOfWhichNothingElseIsKnown)
 TEST(FaceAdapter, TakesTheFullScaleOfTheActionUnitsBeforeThatOfTheOptions)
 {
   Face face = smiling();
-  const FaceAdapter adapter(support::asTold());
+  const FaceAdapter adapter(support::withoutRest());
   EXPECT_FLOAT_EQ(0.8f, adapter.read(face).smile.value().value);
   face.actionUnits->fullScale = 8.f;
   EXPECT_FLOAT_EQ(0.5f, adapter.read(face).smile.value().value);
@@ -291,7 +291,7 @@ TEST(FaceAdapter, TakesTheFullScaleOfTheActionUnitsBeforeThatOfTheOptions)
 
 TEST(FaceAdapter, TakesExpressionsFromEmotionsBeforeActionUnits)
 {
-  const FaceAdapter adapter(support::asTold());
+  const FaceAdapter adapter(support::withoutRest());
   Face face = smiling();
   EXPECT_FLOAT_EQ(0.8f, adapter.read(face).expressions.value().joy.value);
   face.emotions.emplace();
@@ -330,11 +330,11 @@ TEST(Blendshapes, TakeAScoreByNameOrByPlaceAlike)
 
 TEST(FaceAdapter, RefusesAMatrixThatIsNoTransformation)
 {
-  KV::recordings::MediaPipeFace told;
-  told.matrix.emplace().fill(1.);
+  KV::recordings::MediaPipeFace detected;
+  detected.matrix.emplace().fill(1.);
   try
   {
-    static_cast<void>(faceOf(told));
+    static_cast<void>(faceOf(detected));
     FAIL() << "no exception";
   }
   catch (const std::invalid_argument& error)
@@ -346,9 +346,9 @@ TEST(FaceAdapter, RefusesAMatrixThatIsNoTransformation)
 
 TEST(FaceAdapter, TakesAMatrixWithoutNumbersAsMissing)
 {
-  KV::recordings::MediaPipeFace told;
-  told.matrix.emplace().fill(std::numeric_limits<double>::quiet_NaN());
-  EXPECT_TRUE(FaceAdapter().read(faceOf(told)).empty());
+  KV::recordings::MediaPipeFace detected;
+  detected.matrix.emplace().fill(std::numeric_limits<double>::quiet_NaN());
+  EXPECT_TRUE(FaceAdapter().read(faceOf(detected)).empty());
 }
 
 TEST(FaceAdapter, RefusesAMappingThatIsNotThere)

@@ -25,8 +25,8 @@ inline std::vector<std::string> stepsOf(const Contents& contents)
   return steps;
 }
 
-/// Returns options by which scores count as they are told: action units out of 5, nothing taken off as rest.
-inline KV::recordings::ReadingOptions asTold(KV::recordings::ReadingOptions options = {})
+/// Returns options with which scores are used unchanged: action units out of 5, without subtracting a face at rest.
+inline KV::recordings::ReadingOptions withoutRest(KV::recordings::ReadingOptions options = {})
 {
   options.actionUnitFullScale = 5.f;
   options.rest.kind = KV::recordings::Rest::Kind::None;
@@ -37,7 +37,7 @@ inline KV::recordings::ReadingOptions asTold(KV::recordings::ReadingOptions opti
 class FaceReaderTest : public RecordingTest
 {
 protected:
-  /// Returns what a recording tells that can be read without an error.
+  /// Returns the entries of a recording that can be read without an error.
   Contents readWell(const std::string& text, const KV::recordings::ReadingOptions& options = {}) const
   {
     Contents contents = read(text, options);
@@ -67,7 +67,7 @@ protected:
   }
 };
 
-/// Writes the entries in the own format, reads them again, and expects the same bits.
+/// Writes the entries in our own format, reads them again, and expects the same bits.
 inline void expectSameBitsFromJsonLines(const Contents& contents)
 {
   const TemporaryFolder folder;

@@ -8,7 +8,7 @@ using KV::recordings::FrameTimes;
 
 constexpr std::int64_t second = 1000000000;  // [ns]
 
-// Numbers from `first` on, `step` apart, with time stamps of this rate.
+// Numbers from `first` on, `step` apart, with timestamps of this rate.
 std::vector<Frame> framesAt(double rate, std::int64_t first = 1, std::int64_t step = 1)
 {
   std::vector<Frame> frames(50);

@@ -17,7 +17,7 @@ protected:
     return KV::recordings::readMapping(folder.write("m.json", json));
   }
 
-  /// Returns the message behind the name of the file; empty if there is no error.
+  /// Returns the message after the name of the file; empty if there is no error.
   std::string errorOf(const std::string& json) const
   {
     try
@@ -109,10 +109,10 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         BadMappingCase{"AnUnknownTable", R"({"actionunits": {}})",
                        "actionunits: there is no such member; expected actionUnits, pyFeatActionUnits, "
-                       "blendshapes, arkit, emotions, pyFeat"},
+                       "blendshapes, arkit, emotions, pyFeat, speakers, streams"},
         BadMappingCase{"NoObject", "[]",
                        "expected an object with members of actionUnits, pyFeatActionUnits, blendshapes, arkit, "
-                       "emotions, pyFeat, found '[]'"},
+                       "emotions, pyFeat, speakers, streams, found '[]'"},
         BadMappingCase{"AnUnknownReading", R"({"emotions": {"happy": null}})",
                        "emotions.happy: there is no such member; expected smile, joy, sorrow, surprise, anger, "
                        "laughter, excitement, calm"},

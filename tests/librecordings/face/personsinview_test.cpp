@@ -13,7 +13,7 @@ TEST(PersonsInView, MissNobodyWhoWasNeverSeen)
   EXPECT_EQ(Persons(), persons.endCycle());
 }
 
-TEST(PersonsInView, MissWhoeverWasSeenBeforeInAscendingOrder)
+TEST(PersonsInView, MissThePersonsSeenBeforeInAscendingOrder)
 {
   KV::recordings::PersonsInView persons;
   for (const int person : {7, -2, 3})

@@ -39,7 +39,7 @@ TimePoint at(double seconds)
   return TimePoint(boost::chrono::nanoseconds(std::llround(seconds * 1e9)));
 }
 
-// Typical faces out of 1: as the table has them at its own full scale.
+// Typical faces out of 1: as in the table, at the table's own full scale.
 ReadingOptions options(const std::string& rest = "learned")
 {
   ReadingOptions result;
@@ -48,7 +48,7 @@ ReadingOptions options(const std::string& rest = "learned")
   return result;
 }
 
-// Out of 3, as OpenFace tells them.
+// Out of 3, as in OpenFace.
 Face openFaceWith(int unit, float intensity)
 {
   Face face = faceWith({{unit, intensity}});
@@ -144,7 +144,7 @@ TEST(RestingFace, IsNotMovedByUnknownScores)
   EXPECT_FLOAT_EQ(0.15f, restOf(rest, "AU04", 0.15f));
 }
 
-TEST(RestingFace, TakesAGapForHalfASecondAndTimesThatRunBackForNone)
+TEST(RestingFace, CountsAGapAsHalfASecondAndTimesThatRunBackAsNothing)
 {
   const FaceAdapter adapter(options());
   RestingFace rest;
@@ -198,7 +198,7 @@ TEST(RestingFace, MovesThoseScoresFirstThatMovedMost)
 class RestInARecording : public support::FaceReaderTest
 {
 protected:
-  // What a recording tells must not depend on what comes after.
+  // The steps of a recording must not depend on later rows.
   void expectNoFuture(const std::string& header, const std::vector<std::string>& rows) const
   {
     ReadingOptions reading;
@@ -242,7 +242,7 @@ TEST_F(RestInARecording, OfPyFeatNeedsNoFuture)
   expectNoFuture("frame,FaceScore,AU04,AU12\n", rows);
 }
 
-TEST_F(RestInARecording, IsTold)
+TEST_F(RestInARecording, IsReported)
 {
   std::string text = "frame,timestamp,face_id,AU04_r,AU12_r\n";
   for (int i = 0; i <= 100; ++i)

@@ -33,8 +33,8 @@ TEST(ViewingAngles, GiveTheDistanceInTheUnitOfThePosition)
   EXPECT_DOUBLE_EQ(13.0, KV::recordings::FacePosition({3.0, 4.0, 12.0}).distance());
 }
 
-// A person at the right edge of the image, who looks into the camera, has turned to the own right and looks to the own
-// right: head yaw +30, gaze yaw -30 from the optical axis.
+// A person at the right edge of the image who looks into the camera has turned to their own right, and looks there:
+// head yaw +30, gaze yaw -30 from the optical axis.
 TEST(ViewingAngles, FaceTheCameraFromTheSide)
 {
   const KV::recordings::Bearing bearing{30.0, 0.0};

@@ -21,7 +21,7 @@ struct KindCase
 class FileKind : public ::testing::TestWithParam<KindCase>
 {};
 
-TEST_P(FileKind, IsToldByTheFirstBytes)
+TEST_P(FileKind, IsDetectedByTheFirstBytes)
 {
   EXPECT_THAT(fileKind(GetParam().head), StartsWith(GetParam().kind));
 }
@@ -38,8 +38,7 @@ INSTANTIATE_TEST_SUITE_P(
         KindCase{"Utf16OfTheOtherOrder", "\xFE\xFF\0t\0i"s, "text in UTF-16"},
         KindCase{"Utf16WithoutAMark", "t\0i\0m\0e\0,\0"s, "text in UTF-16"},
         KindCase{"Utf16WithoutAMarkOfTheOtherOrder", "\0t\0i\0m\0e"s, "text in UTF-16"},
-        KindCase{"Mcap", "\x89MCAP0\r\n"s, "an MCAP bag"}, KindCase{"Ros1", "#ROSBAG V2.0\n", "a bag of ROS 1"},
-        KindCase{"Xdf", "XDF:\0"s, "a recording of the Lab Streaming Layer"},
+        KindCase{"Ros1", "#ROSBAG V2.0\n", "a bag of ROS 1"},
         KindCase{"Xlsx", zip("[Content_Types].xml"), "a spreadsheet of Excel"},
         KindCase{"Ods", zip("mimetypeapplication/vnd.oasis.opendocument.spreadsheet"),
                  "a spreadsheet of LibreOffice: save it as CSV"},
@@ -58,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
         KindCase{"Png", "\x89PNG\r\n\x1A\n"s, "a picture"}, KindCase{"Pdf", "%PDF-1.7", "a PDF document"},
         KindCase{"Hdf5", "\x89HDF\r\n\x1A\n"s, "an HDF5 file"}, KindCase{"Parquet", "PAR1\x15\x04"s, "a Parquet file"},
         KindCase{"NumPy", "\x93NUMPY\x01"s, "an array of NumPy"},
-        KindCase{"Zstd", "\x28\xB5\x2F\xFD\x04"s, "a packed file"},
+        KindCase{"Bzip2", "BZh91AY"s, "a packed file: unpack it first; only gzip and zstd are read as they are"},
         KindCase{"Tar", std::string(257, 'x') + "ustar", "a tar archive"},
         KindCase{"Html", "<!doctype html>", "an HTML or XML document"},
         KindCase{"OtherBytes", "\x01\0\xC3\x07\x05\x05"s, "no text; its first bytes are 01 00 c3 07 05 05"},

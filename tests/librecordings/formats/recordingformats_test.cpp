@@ -26,9 +26,9 @@ TEST_F(RecordingFormats, HaveNamesAndDescriptions)
     EXPECT_TRUE(names.insert(format.name).second) << format.name;
     EXPECT_FALSE(format.description.empty());
   }
-  EXPECT_EQ(
-      (std::set<std::string>{"livelink", "pyfeat", "blendshapes", "openface", "mediapipe", "tidy", "rosbag2", "jsonl"}),
-      names);
+  EXPECT_EQ((std::set<std::string>{"livelink", "pyfeat", "blendshapes", "openface", "mediapipe", "tidy", "rosbag2",
+                                   "jsonl", "whisper", "xdf", "libreface"}),
+            names);
 }
 
 TEST_F(RecordingFormats, AreDetectedByTheContents)
@@ -81,7 +81,7 @@ TEST_F(RecordingFormats, AreNotDetectedInAPipe)
             support::contentsOf(folder.path("pipe")).fatal);
 }
 
-TEST_F(RecordingFormats, OfFaceAnalysersTellWhichColumnsTheyRead)
+TEST_F(RecordingFormats, OfFaceAnalysersListTheColumnsTheyRead)
 {
   const struct
   {

@@ -2,6 +2,9 @@
 
 #include <skeigiot/recordings/inputfile.hpp>
 
+#include <gmock/gmock.h>
+#include <zstd.h>
+
 namespace
 {
 class InputFile : public ::testing::Test
@@ -46,6 +49,49 @@ TEST_F(InputFile, ReadsCompressedFilesAsTheyAre)
   EXPECT_EQ(expected, linesOf(folder.writeCompressed("f.gz", "a\nb\n")));
 }
 
+std::string packedByZstd(const std::string& text)
+{
+  std::string packed(ZSTD_compressBound(text.size()), '\0');
+  packed.resize(ZSTD_compress(packed.data(), packed.size(), text.data(), text.size(), 3));
+  return packed;
+}
+
+TEST_F(InputFile, ReadsFilesCompressedByZstd)
+{
+  const std::vector<std::string> expected = {"a", "b", "c"};
+  EXPECT_EQ(expected, linesOf(folder.write("f.zst", packedByZstd("a\nb\nc"))));
+  EXPECT_EQ(expected, linesOf(folder.write("f.zst", packedByZstd("a\n") + packedByZstd("b\nc\n")))) << "two parts";
+  EXPECT_EQ(expected, linesOf(folder.write("f.zst", packedByZstd("a\nb\nc\n") + std::string(600, '\0')))) << "padded";
+  EXPECT_EQ(folder.path("f.zst") + ":3: other data follow the compressed data, at byte " +
+                std::to_string(packedByZstd("a\nb\nc\n").size()) + ": the rest cannot be read",
+            errorOf(folder.write("f.zst", packedByZstd("a\nb\nc\n") + "text")));
+}
+
+TEST_F(InputFile, ReadsLongFilesCompressedByZstd)
+{
+  std::string text;
+  for (int i = 0; i < 300000; ++i)
+    text += std::to_string(i % 97) + "\n";
+  const std::string packed = packedByZstd(text);
+  EXPECT_EQ(300000u, linesOf(folder.write("f.zst", packed)).size()) << "some of it waits behind the last packed byte";
+  for (const std::size_t size : {packed.size() / 2, packed.size() - 1, std::size_t{20}, std::size_t{5}})
+    EXPECT_THAT(errorOf(folder.write("f.zst", packed.substr(0, size))),
+                testing::HasSubstr("the compressed data end too early: the file was cut"))
+        << size;
+}
+
+TEST_F(InputFile, SaysThatDataCompressedByZstdAreDamaged)
+{
+  std::string packed = packedByZstd(std::string(100000, 'x') + "\n");
+  packed[4] = '\xff';
+  EXPECT_THAT(errorOf(folder.write("f.zst", packed)), testing::HasSubstr("the compressed data are damaged: "));
+  const std::string window = "\x28\xB5\x2F\xFD" + std::string(1, '\0') + "\x88" + "\1\0\0";
+  EXPECT_EQ(folder.path("f.zst") +
+                ": the compressed data are damaged: they need more than 64 MiB of memory at once: if "
+                "you trust them, unpack them yourself",
+            errorOf(folder.write("f.zst", window)));
+}
+
 TEST_F(InputFile, SkipsAByteOrderMark)
 {
   const std::vector<std::string> expected = {"a",
@@ -61,7 +107,7 @@ TEST_F(InputFile, SkipsAByteOrderMark)
                                                     100));
 }
 
-TEST_F(InputFile, CountsLinesAndTellsWhetherTheLastOneEnded)
+TEST_F(InputFile, CountsLinesAndReportsWhetherTheLastOneEnded)
 {
   KV::recordings::InputFile file(folder.write("f", "a\nb"));
   std::string_view line;
@@ -81,7 +127,7 @@ TEST_F(InputFile, KeepsLinesLongerThanItsBuffer)
   EXPECT_EQ(expected, linesOf(folder.write("f", "a\n" + text + "\nb")));
 }
 
-TEST_F(InputFile, RefusesAnEndlessLineAndGoesOnBehindIt)
+TEST_F(InputFile, RefusesAnEndlessLineAndContinuesAfterIt)
 {
   const std::string longest(KV::recordings::InputFile::longestLine, 'x');
   KV::recordings::InputFile file(folder.write("f", longest + "\n" + longest + longest + "\nb\n"));
@@ -95,7 +141,7 @@ TEST_F(InputFile, RefusesAnEndlessLineAndGoesOnBehindIt)
   EXPECT_EQ(3u, file.lineNumber());
 }
 
-TEST_F(InputFile, TellsHowFarItIs)
+TEST_F(InputFile, ReportsHowFarItIs)
 {
   std::string text;
   for (int i = 0; i < 100000; ++i)

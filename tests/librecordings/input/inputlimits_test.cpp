@@ -26,7 +26,7 @@ constexpr std::size_t anyFile = 1024 * limits::mebibyte;
 class InputLimits : public support::RecordingTest
 {
 protected:
-  /// Reads a recording in a process of its own that has little memory, and returns its error.
+  /// Reads a recording in a process of its own with little memory, and returns its error.
   std::string errorInLittleMemory(const std::string& text) const
   {
     const std::string path = folder.write("recording", text);
@@ -143,11 +143,15 @@ TEST_F(InputLimits, RefuseLabelsThatAreTooLarge)
             errorOfLabels("start,end,value\n" + std::string(limits::mostFieldsOfLabels, ',')));
 }
 
-/// Returns the names of the constants of the header.
+/// Returns the names of the constants of the headers.
 std::vector<std::string> namesOfLimits()
 {
-  std::ifstream file(SKEIGIOT_SOURCE_DIR "/librecordings/include/skeigiot/recordings/inputlimits.hpp");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  std::string text;
+  for (const char* header : {"inputlimits.hpp", "signallimits.hpp"})
+  {
+    std::ifstream file(SKEIGIOT_SOURCE_DIR "/librecordings/include/skeigiot/recordings/" + std::string(header));
+    text.append(std::istreambuf_iterator<char>(file), {});
+  }
   const std::regex constant("constexpr [a-z_:]+ ([A-Za-z]+) =");
   std::vector<std::string> names;
   for (auto match = std::sregex_iterator(text.begin(), text.end(), constant); match != std::sregex_iterator(); ++match)

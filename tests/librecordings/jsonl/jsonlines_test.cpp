@@ -84,7 +84,7 @@ TEST_F(JsonLines, KeepTheNameOfAPerson)
   EXPECT_EQ("", entryOf(R"({"time":7,"person":3})").personName);
 }
 
-TEST_F(JsonLines, TellOfAPersonWhoWasNotSeen)
+TEST_F(JsonLines, HaveAPersonWhoWasNotSeen)
 {
   const auto entry = entryOf(R"({"time":7,"person":-3,"seen":false})");
   EXPECT_EQ(-3, entry.person.value());
@@ -378,15 +378,15 @@ TEST_F(JsonLines, AreWrittenWithoutADayIfTheStepHasNone)
 TEST_F(JsonLines, AreRefusedIfTheirTimesAreNoNanoseconds)
 {
   EXPECT_EQ(folder.path("f") +
-                ":1: time: expected nanoseconds since 1970, found 1700000000: this looks like seconds, "
-                "to be multiplied by 1000000000",
+                ":1: time: expected nanoseconds since 1970, found 1700000000; it looks like seconds: "
+                "multiply it by 1000000000",
             support::contentsOf(folder.write("f", "{\"time\":1700000000}\n{\"time\":1700000001}\n")).fatal);
   std::string text;
   for (const char* const time : {"0", "1", "2", "3"})
     text += std::string("{\"time\":") + time + ",\"person\":1}\n";
   EXPECT_EQ(folder.path("f") +
-                ":4: time: this is the fourth time of person 1 within 3 ns: expected nanoseconds; this "
-                "looks like seconds, milliseconds or microseconds",
+                ":4: time: this is the fourth time of person 1 within 3 ns: expected nanoseconds; the "
+                "times look like seconds, milliseconds or microseconds",
             support::contentsOf(folder.write("f", text)).fatal);
 }
 
@@ -395,7 +395,7 @@ TEST_F(JsonLines, AreRefusedWhereAScoreIsPercent)
   const auto errorIn = [this](const std::string& observation) {
     return errorOf("{\"time\":7,\"person\":1,\"observation\":{" + observation + "}}\n");
   };
-  const std::string why = ": this looks like percent, to be divided by 100";
+  const std::string why = "; it looks like percent: divide it by 100";
   EXPECT_EQ("1: observation.smile.value: expected a number from 0 to 1, found 50" + why,
             errorIn(R"("smile":{"value":50,"confidence":1})"));
   EXPECT_EQ("1: observation.smile.confidence: expected a number from 0 to 1, found 95" + why,

@@ -19,7 +19,7 @@ using KV::recordings::isPlainStep;
 using KV::recordings::MemberError;
 using KV::recordings::NotPlain;
 
-/// What a reader makes of a text: the step, written again, or its error.
+/// The result of reading a text: the step, written again, or the error.
 template <typename Read>
 std::string outcomeOf(Read read)
 {

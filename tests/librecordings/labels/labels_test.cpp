@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// The files are of our making. Recordings that others coded are read where they are at hand.
+// The files are made for the tests. Recordings that other people coded are read if they are installed.
 
 namespace
 {
@@ -53,7 +53,7 @@ class LabelFile : public ::testing::Test
 protected:
   Labels read(const std::string& text) const { return KV::recordings::readLabels(folder.write("anna.txt", text)); }
 
-  /// Returns how the error goes on behind the name of the file.
+  /// Returns the text of the error after the name of the file.
   std::string errorOf(const std::string& text) const
   {
     try
@@ -79,7 +79,7 @@ TEST_F(LabelFile, OfSpansHasOneInEachRow)
   EXPECT_THAT(wordsOf(labels), ElementsAre("0..1.5 smiling [] (anna) {}", "2..3 a, b \"c\" [] (anna) {}"));
 }
 
-TEST_F(LabelFile, OfSpansTellsPersonsCodersAndTiers)
+TEST_F(LabelFile, OfSpansHasPersonsCodersAndTiers)
 {
   const Labels labels = read("Person;Coder;Tier;Start;End;Label\n3;ben;face;0;1;frown\n");
   EXPECT_THAT(wordsOf(labels), ElementsAre("0..1 frown [3] (ben) {face}"));
@@ -224,6 +224,22 @@ TEST_F(LabelFile, OfBorisPairsStartsAndStopsBelowThePreamble)
   EXPECT_THAT(labels.warnings, ElementsAre("line 15: 'frown' starts and does not stop, and is left out"));
 }
 
+TEST_F(LabelFile, WithManyWarningsSaysHowManyMoreThereAre)
+{
+  const auto warningsOn = [](std::size_t count) {
+    std::string rows;
+    for (std::size_t i = 0; i < count; ++i)
+      rows += "NA,f,a,smile,,,START\n";
+    return rows;
+  };
+  EXPECT_EQ(Labels::mostWarnings, read(preamble + warningsOn(Labels::mostWarnings)).warnings.size());
+  EXPECT_EQ("1 more warning", read(preamble + warningsOn(Labels::mostWarnings + 1)).warnings.back());
+  const std::vector<std::string> warnings = read(preamble + warningsOn(Labels::mostWarnings + 2)).warnings;
+  ASSERT_EQ(Labels::mostWarnings + 1, warnings.size());
+  EXPECT_EQ("line 10: has no time, and is left out", warnings.front());
+  EXPECT_EQ("2 more warnings", warnings.back());
+}
+
 TEST_F(LabelFile, OfBorisPairsByTypeWhereThereIsNoStatus)
 {
   const Labels labels = read(
@@ -275,7 +291,7 @@ std::string referring(const std::string& id, const std::string& parent, const st
          "\"><ANNOTATION_VALUE>" + value + "</ANNOTATION_VALUE></REF_ANNOTATION></ANNOTATION>\n";
 }
 
-TEST_F(LabelFile, OfElanTellsParticipantsAndAnnotators)
+TEST_F(LabelFile, OfElanHasParticipantsAndAnnotators)
 {
   const Labels labels =
       read(elan(slot("a", "500") + slot("b", "2000"),
@@ -293,7 +309,7 @@ TEST_F(LabelFile, OfElanSpreadsAnnotationsEvenlyWhereTimesAreMissing)
               ElementsAre("0..1 one [ann] (ben) {t}", "1..2 two [ann] (ben) {t}", "2..3 three [ann] (ben) {t}"));
 }
 
-TEST_F(LabelFile, OfElanTakesTimesFromTheOrderWhereATierDoesNotTell)
+TEST_F(LabelFile, OfElanTakesTimesFromTheOrderWhereATierHasNoTimes)
 {
   const Labels labels =
       read(elan(slot("a", "0") + slot("x") + slot("b", "4000"), tier("t", aligned("1", "x", "b", "one"))));
@@ -374,9 +390,35 @@ TEST_F(LabelFile, CutAnywhereIsReadOrRefused)
     }
 }
 
+// BIDS
+
+TEST_F(LabelFile, OfBidsHasAnEventInEachRow)
+{
+  const Labels labels =
+      read("onset\tduration\ttrial_type\tvalue\n1.5\t2\tgreeting\t7\n4\tn/a\tbeep\t8\n5\t0\tn/a\t9\n");
+  EXPECT_EQ("bids", labels.format);
+  EXPECT_THAT(wordsOf(labels),
+              ElementsAre("1.5..3.5 greeting [] (anna) {}", "4..4 beep [] (anna) {}", "5..5 event [] (anna) {}"));
+}
+
+TEST_F(LabelFile, OfBidsTakesTheValueWhereThereIsNoTrialType)
+{
+  EXPECT_THAT(wordsOf(read("onset\tduration\tvalue\n-1\t2\t7\n")), ElementsAre("-1..1 7 [] (anna) {}"));
+  EXPECT_THAT(wordsOf(read("duration\tonset\n2\t1\n")), ElementsAre("1..3 event [] (anna) {}"));
+}
+
+TEST_F(LabelFile, OfBidsSaysWhatIsWrongAndWhere)
+{
+  const std::string header = "onset\tduration\ttrial_type\n";
+  EXPECT_EQ(":3: onset: expected a number, found 'n/a'", errorOf(header + "1\t1\ta\nn/a\t1\ta\n"));
+  EXPECT_EQ(":2: duration: expected a number, found 'long'", errorOf(header + "1\tlong\ta\n"));
+  EXPECT_EQ(":2: duration: expected seconds from 0 on, or n/a", errorOf(header + "1\t-1\ta\n"));
+  EXPECT_EQ(":2: 2 fields, expected 3 as in the header", errorOf(header + "1\t1\n"));
+}
+
 TEST(LabelFormats, AreNamedInTheOrderOfDetection)
 {
-  EXPECT_THAT(KV::recordings::labelFormats(), ElementsAre("elan", "praat", "boris", "csv", "audacity"));
+  EXPECT_THAT(KV::recordings::labelFormats(), ElementsAre("elan", "praat", "boris", "bids", "csv", "audacity"));
 }
 
 TEST(RealLabels, OfElanAreReadWhole)

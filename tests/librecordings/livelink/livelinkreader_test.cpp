@@ -19,7 +19,7 @@ TEST(Timecode, CountsSixtiethsOfASecond)
   EXPECT_NEAR(3723.0 + 6.595 / 60.0, KV::recordings::secondsOfTimecode("01:02:03:06.595").value(), 1e-9);
 }
 
-TEST(Timecode, IsRefusedIfItIsNone)
+TEST(Timecode, IsRefusedIfItHasAnotherForm)
 {
   for (const char* const text :
        {"", "12:21:59", "12:21:59:60", "24:00:00:00", "12:60:00:00", "12:21:60:00", "12.5:00:00:00", "-1:00:00:00",
@@ -45,14 +45,14 @@ protected:
 const std::string still = "0,0,0";
 const std::string stillEyes = "0,0,0,0,0,0";
 
-TEST_F(LiveLinkReader, TellsTheSmileAndCapsScoresAboveOne)
+TEST_F(LiveLinkReader, ReportsTheSmileAndCapsScoresAboveOne)
 {
   const auto smile = observed(header + row("00:00:00:00.0", "1.02,0.5", still, stillEyes)).smile.value().value;
   EXPECT_FLOAT_EQ(0.75f, smile.value);
   EXPECT_FLOAT_EQ(1.f, smile.confidence);
 }
 
-// The eyes' yaw > 0 is to the own right, pitch > 0 down; a gaze counts to the own left and up.
+// The eyes' yaw > 0 is to the person's own right, pitch > 0 down; a gaze is positive to the own left and up.
 TEST_F(LiveLinkReader, TurnsTheEyesIntoAGaze)
 {
   const auto gaze = observed(header + row("00:00:00:00.0", "0,0", still, "0.1,0.2,0,0.3,0.4,0")).gaze.value().value;
@@ -71,7 +71,7 @@ TEST_F(LiveLinkReader, AddsTheEyesToTheHead)
   EXPECT_NEAR(-11.4592f, observation.gaze.value().value.pitch, tolerance);
 }
 
-TEST_F(LiveLinkReader, TellsNoHeadPostureWhereNoneWasStreamed)
+TEST_F(LiveLinkReader, ReportsNoHeadPostureThatWasNotStreamed)
 {
   const auto observation = observed(header + row("00:00:00:00.0", "0,0", still, stillEyes));
   EXPECT_FALSE(observation.headPosture);

@@ -18,8 +18,8 @@ constexpr double radiansPerDegree = 0.017453292519943295;
 
 using Matrix = std::array<double, 16>;
 
-/// A face at this place (right, up, towards the camera: [cm]), turned about the upright axis: positive moves the nose
-/// to the right in the image, to the own left.
+/// A face at this place (right, up, towards the camera: [cm]), turned about the upright axis: a positive angle moves
+/// the nose to the right in the image, to the person's own left.
 Matrix turned(double degreesToOwnLeft, double x = 0.0, double y = 0.0, double z = -50.0)
 {
   const double c = std::cos(degreesToOwnLeft * radiansPerDegree);
@@ -27,7 +27,7 @@ Matrix turned(double degreesToOwnLeft, double x = 0.0, double y = 0.0, double z 
   return {c, 0, -s, 0, 0, 1, 0, 0, s, 0, c, 0, x, y, z, 1};
 }
 
-/// A face that looks up so far.
+/// A face that looks up by this angle.
 Matrix nodded(double degreesUp)
 {
   const double c = std::cos(degreesUp * radiansPerDegree);
@@ -132,14 +132,14 @@ TEST_F(FaceLandmarkerReader, MeasuresTheHeightFromTheCamera)
   EXPECT_FLOAT_EQ(1.5f, observed(resultOf(turned(0, 0, 30)), options).headHeight.value().value);
 }
 
-// Whoever stands 45 degrees to the right in the image faces the camera turned by 45 degrees to the own right.
+// A person 45 degrees to the right in the image who faces the camera has turned by 45 degrees to their own right.
 TEST_F(FaceLandmarkerReader, CountsAnglesFromTheLineOfSight)
 {
   EXPECT_NEAR(0.f, postureOf(turned(-45, 50, 0, -50), {}).yaw(), tolerance);
   EXPECT_NEAR(45.f, postureOf(turned(-45, 50, 0, -50)).yaw(), tolerance);
 }
 
-TEST_F(FaceLandmarkerReader, TellsAMatrixByRowsFromOneByColumns)
+TEST_F(FaceLandmarkerReader, DistinguishesAMatrixByRowsFromOneByColumns)
 {
   const std::string byRows =
       R"({"face_blendshapes":[],"facial_transformation_matrixes":[[[0.8,0,0.6,10],[0,1,0,0],[-0.6,0,0.8,-40],)"
@@ -186,8 +186,8 @@ TEST_F(FaceLandmarkerReader, KnowsTheNamesOfThePythonApi)
                             .value.value);
 }
 
-// The left eye looks out and the right eye in: both to the own left.
-TEST_F(FaceLandmarkerReader, TellsTheGazeByTheEyes)
+// The left eye looks out and the right eye in: both to the person's own left.
+TEST_F(FaceLandmarkerReader, ComputesTheGazeFromTheEyes)
 {
   const auto left = observed(resultOf(eyes(0.5, 0, 0.5, 0, 0, 0))).gaze.value().value;
   EXPECT_FLOAT_EQ(15.f, left.yaw);
@@ -203,7 +203,7 @@ TEST_F(FaceLandmarkerReader, AddsTheEyesToTheHead)
     return R"({"faceBlendshapes":[{"categories":[)" + eyes(0.5, 0, 0.5, 0, 0, 0) +
            R"(]}],"facialTransformationMatrixes":[{"data":[)" + numbers(matrix) + "]}]}\n";
   };
-  // The head 20 degrees to the own right, the eyes 15 to the own left.
+  // The head 20 degrees to the person's own right, the eyes 15 to their own left.
   EXPECT_NEAR(-5.f, observed(text(turned(-20)), fromTheAxis()).gaze.value().value.yaw, tolerance);
   EXPECT_NEAR(10.f, observed(text(nodded(10)), fromTheAxis()).gaze.value().value.pitch, tolerance);
 }
@@ -218,7 +218,7 @@ TEST_F(FaceLandmarkerReader, TurnsEyesAsFarAsTheMappingSays)
   EXPECT_FLOAT_EQ(5.f, gaze.pitch);
 }
 
-// Who is there, and when.
+// Persons and times.
 
 TEST_F(FaceLandmarkerReader, AgesAFaceThatLeavesUntilItIsBack)
 {
@@ -260,7 +260,7 @@ TEST_F(FaceLandmarkerReader, WarnsOfMillisecondsInPlaceOfSeconds)
   EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("the rate by the time stamps is 0.0303 frames/s")));
 }
 
-// How the file is written.
+// The form of the file.
 
 TEST_F(FaceLandmarkerReader, ReadsAnArrayOnOneLineAndOneOfManyLines)
 {
@@ -312,7 +312,7 @@ TEST_F(FaceLandmarkerReader, NamesWhatItCannotRead)
   EXPECT_EQ("2: expected a JSON object, found 'x'", errorOf(nobody + "x\n"));
 }
 
-TEST_F(FaceLandmarkerReader, GoesOnBehindAResultThatIsNotComplete)
+TEST_F(FaceLandmarkerReader, ContinuesAfterAResultThatIsNotComplete)
 {
   const std::string whole = resultOf(turned(0));
   const auto contents = read(whole + whole.substr(0, 90) + "\n" + whole + whole + whole.substr(0, 70));
@@ -361,7 +361,7 @@ TEST_F(BlendshapeCsvReader, ReadsTheMatrix)
               HasSubstr("2: matrix_15: expected a transformation"));
 }
 
-TEST_F(BlendshapeCsvReader, TellsTimesFacesAndConfidence)
+TEST_F(BlendshapeCsvReader, ReportsTimesFacesAndConfidence)
 {
   const auto contents = readWell(
       "timestamp_ms,face_id,confidence,mouthSmileLeft,mouthSmileRight,jawOpen,browInnerUp\n"
@@ -390,8 +390,8 @@ TEST_F(BlendshapeCsvReader, WarnsOnceOfScoresInPercent)
   const auto contents =
       read("timestamp,mouthSmileLeft,mouthSmileRight,jawOpen,browInnerUp\n0,1.1,1,0,0\n0.1,80,1,0,0\n0.2,90,1,0,0\n");
   EXPECT_THAT(contents.warnings,
-              ElementsAre("mouthSmileLeft is 80, expected a number from 0 to 1: this looks like percent, and counts as "
-                          "full; divide such scores first"));
+              ElementsAre("mouthSmileLeft is 80, expected a number from 0 to 1; it looks like percent and counts as "
+                          "full: divide such scores first"));
 }
 
 TEST_F(BlendshapeCsvReader, NamesWhatItCannotRead)

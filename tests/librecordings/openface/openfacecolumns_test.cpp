@@ -17,13 +17,13 @@ TEST(OpenFaceHeader, IsKnownByTwoOfItsNames)
   EXPECT_FALSE(KV::recordings::looksLikeOpenFace(""));
 }
 
-TEST_F(OpenFaceColumns, MustTellAFrameOrATime)
+TEST_F(OpenFaceColumns, MustHaveAFrameOrATime)
 {
   EXPECT_EQ("1: there is no column frame and no column timestamp; expected at least one of them",
             errorOf("confidence,success,AU12_r\n1,1,2\n"));
 }
 
-TEST_F(OpenFaceColumns, MustTellSomethingOfTheFace)
+TEST_F(OpenFaceColumns, MustHaveSomeReadingOfTheFace)
 {
   EXPECT_EQ(
       "1: there is nothing to read; expected head pose (pose_Rx, pose_Ry, pose_Rz), gaze (gaze_angle_x, "

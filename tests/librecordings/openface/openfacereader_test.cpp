@@ -33,7 +33,7 @@ protected:
   }
 };
 
-// What a row tells.
+// The readings of a row.
 
 TEST_F(OpenFaceReader, GivesAllReadingsOfATrackedRow)
 {
@@ -83,7 +83,7 @@ TEST_F(OpenFaceReader, TurnsRadiansIntoDegreesUpOwnRightOwnRightShoulder)
   EXPECT_NEAR(-17.1887f, posture.roll(), tolerance);
 }
 
-// In OpenFace x > 0 is to the own left, y > 0 down.
+// In OpenFace x > 0 is to the person's own left, y > 0 down.
 TEST_F(OpenFaceReader, TurnsTheGazeIntoDegreesOwnLeftAndUp)
 {
   const auto gaze = observed("frame,gaze_angle_x,gaze_angle_y\n1,0.1,0.2\n").gaze.value().value;
@@ -104,11 +104,11 @@ TEST_F(OpenFaceReader, FormsTheGazeFromTheVectorsOfBothEyesWithoutTheAngles)
 
 TEST_F(OpenFaceReader, CountsAnglesFromTheLineOfSight)
 {
-  // 45 degrees to the right of the axis, on its height: whoever faces the camera from there has turned 45 to the right.
+  // 45 degrees to the right of the axis, on its height: a person there who faces the camera has turned 45 to the right.
   const auto observation = observed(full + "1,0,0,1,1, -0.785398,0, 500,0,500, 0,0.785398,0, 0,0\n");
   EXPECT_NEAR(0.f, observation.headPosture.value().value.yaw(), tolerance);
   EXPECT_NEAR(0.f, observation.gaze.value().value.yaw, tolerance);
-  // 45 degrees below the axis: whoever faces the camera from there looks up.
+  // 45 degrees below the axis: a person there who faces the camera looks up.
   const auto below = observed(full + "1,0,0,1,1, 0,-0.785398, 0,500,500, -0.785398,0,0, 0,0\n");
   EXPECT_NEAR(0.f, below.headPosture.value().value.pitch(), tolerance);
   EXPECT_NEAR(0.f, below.gaze.value().value.pitch, tolerance);
@@ -149,7 +149,7 @@ TEST_F(OpenFaceReader, MeasuresTheHeightFromTheCamera)
 
 TEST_F(OpenFaceReader, TakesActionUnitsAsPartsOfTheFullScale)
 {
-  auto options = support::asTold();
+  auto options = support::withoutRest();
   options.actionUnitFullScale = 2.5f;
   const std::string header = "frame,AU12_r\n";
   EXPECT_FLOAT_EQ(0.5f, observed(header + "1,1.25\n", options).smile.value().value.value);
@@ -176,7 +176,7 @@ TEST_F(OpenFaceReader, TakesTwelveLandmarksAsFacialPoints)
     EXPECT_FLOAT_EQ(0.8f, point.confidence);
   }
 
-  // In a mirror image OpenFace takes the left corner of the mouth (54) for the right one (48).
+  // In a mirror image OpenFace confuses the left corner of the mouth (54) with the right one (48).
   KV::recordings::ReadingOptions options;
   options.mirrored = true;
   const auto mirrored = observed(header + "\n" + row + "\n", options).facialPoints.value().value;
@@ -201,7 +201,7 @@ TEST_F(OpenFaceReader, LeavesAnUnknownLandmarkAtConfidenceZero)
   EXPECT_FLOAT_EQ(0.f, points.facialPoint(KV::FacialPoint6).confidence);
 }
 
-// What is missing.
+// Missing readings.
 
 TEST_F(OpenFaceReader, ReadsActionUnitsAlone)
 {
@@ -244,7 +244,7 @@ TEST_F(OpenFaceReader, KeepsACycleOfATrackedRowWithoutReadings)
   EXPECT_THAT(stepsIn("frame,confidence,success,AU12_r\n1,1,1,2\n2,1,1,NaN\n"), ElementsAre("0 0+", "33 0+"));
 }
 
-TEST_F(OpenFaceReader, TakesARowWithoutReadingsForALostFaceWhereNothingElseTells)
+TEST_F(OpenFaceReader, TakesARowWithoutReadingsForALostFaceIfNoColumnShowsIt)
 {
   EXPECT_THAT(stepsIn("frame,AU12_r\n1,2\n2,\n3,2\n"), ElementsAre("0 0+", "33 0-", "67 0+"));
 }
@@ -274,7 +274,7 @@ TEST_F(OpenFaceReader, TakesThePersonFromAnotherColumn)
   EXPECT_THAT(stepsIn("frame,AU12_r,participant\n1,1,12\n2,1,7.0\n", options), ElementsAre("0 12+", "33 7+", "33 12-"));
 }
 
-TEST_F(OpenFaceReader, RefusesPersonsWhoAreNotTold)
+TEST_F(OpenFaceReader, RefusesPersonsWithoutANumber)
 {
   KV::recordings::ReadingOptions options;
   options.personColumn = "participant";
@@ -289,7 +289,7 @@ TEST_F(OpenFaceReader, RefusesPersonsWhoAreNotTold)
 
 TEST_F(OpenFaceReader, FormsExpressionsAsTheMappingSays)
 {
-  const auto options = support::asTold(mappedBy(R"({"actionUnits": {
+  const auto options = support::withoutRest(mappedBy(R"({"actionUnits": {
       "smile": {"sum": [{"of": ["AU12"], "weight": 2}]},
       "sorrow": {"sum": [{"of": ["AU17"]}]},
       "excitement": {"sum": [{"of": ["AU12"]}, {"of": ["AU17"], "weight": -0.5}]},
@@ -303,7 +303,7 @@ TEST_F(OpenFaceReader, FormsExpressionsAsTheMappingSays)
   EXPECT_FLOAT_EQ(0.f, expressions.laughter.confidence);
 }
 
-// How the file is written.
+// The form of the file.
 
 TEST_F(OpenFaceReader, ReadsPlainAndCompressedFilesWithMarkIndexColumnAndOtherPrograms)
 {
@@ -314,7 +314,7 @@ TEST_F(OpenFaceReader, ReadsPlainAndCompressedFilesWithMarkIndexColumnAndOtherPr
       "1,\"a, b.mp4\", 2.0,y,0.1,2.5e0\r\n";
   for (const auto& path : {folder.write("f.csv", text), folder.writeCompressed("f.csv.gz", text)})
   {
-    const Contents contents = support::contentsOf(path, "", support::asTold());
+    const Contents contents = support::contentsOf(path, "", support::withoutRest());
     EXPECT_EQ("", contents.fatal);
     EXPECT_THAT(contents.badLines, IsEmpty());
     EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+"));
@@ -328,7 +328,7 @@ TEST_F(OpenFaceReader, ReadsWholeNumbersWrittenWithAFraction)
   EXPECT_THAT(stepsIn("frame,face_id,success,AU12_r\n25.0,2.0,1.0,1\n26.0,2.0,0.0,1\n"), ElementsAre("0 2+", "33 2-"));
 }
 
-// Who is there.
+// The persons.
 
 TEST_F(OpenFaceReader, AgesAFaceThatIsLost)
 {
@@ -361,7 +361,7 @@ TEST_F(OpenFaceReader, TakesTheMinimalConfidenceFromTheOptions)
   EXPECT_THAT(stepsIn("frame,confidence,AU12_r\n1,0.2,1\n2,0.19,1\n", options), ElementsAre("0 0+", "33 0-"));
 }
 
-TEST_F(OpenFaceReader, TellsSeveralPersonsApart)
+TEST_F(OpenFaceReader, DistinguishesSeveralPersons)
 {
   EXPECT_THAT(stepsIn("frame,face_id,timestamp,success,AU12_r\n"
                       "1,1,0.0,1,1\n"
@@ -376,7 +376,7 @@ TEST_F(OpenFaceReader, TellsSeveralPersonsApart)
                           "300 1+", "300 0-", "300 7-"));
 }
 
-TEST_F(OpenFaceReader, TellsFramesByTheirTimesWithoutNumbers)
+TEST_F(OpenFaceReader, SeparatesFramesByTheirTimesWithoutNumbers)
 {
   EXPECT_THAT(stepsIn("face_id,timestamp,AU12_r\n0,0.0,1\n1,0.0,1\n0,0.5,1\n"),
               ElementsAre("0 0+", "0 1+", "500 0+", "500 1-"));
@@ -469,7 +469,7 @@ TEST_F(OpenFaceReader, WarnsOnceOfActionUnitsInPercent)
 {
   const auto contents = readWell("frame,timestamp,AU06_r,AU12_r\n1,0,1,5.5\n2,0.1,1,60\n3,0.2,70,60\n");
   EXPECT_THAT(contents.warnings,
-              ElementsAre("AU12 is 60, expected a number from 0 to 5: this looks like percent, and counts as full; "
+              ElementsAre("AU12 is 60, expected a number from 0 to 5; it looks like percent and counts as full: "
                           "divide such scores first"));
 }
 
@@ -485,7 +485,7 @@ TEST_F(OpenFaceReader, RefusesARowWhoseTimeRunsBackwardsAndGoesOn)
 
 TEST_F(OpenFaceReader, NeverStepsBackInTime)
 {
-  // The frames missing before the third row are told before it, and not after.
+  // The frames missing before the third row are reported before it, and not after.
   const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n9,0.8,1\n10,0.9,1\n");
   for (std::size_t i = 1; i < contents.entries.size(); ++i)
     EXPECT_LT(contents.entries[i - 1].time, contents.entries[i].time);
@@ -534,13 +534,13 @@ INSTANTIATE_TEST_SUITE_P(
                     "3: timestamp: expected a number, found '00:01'"},
         BadLineCase{"MillisecondsSince1970", "frame,timestamp,AU12_r\n1,1600000000000,1\n",
                     "2: timestamp: expected seconds, from the start of the recording or since 1970, found "
-                    "'1600000000000'; this looks like milliseconds, to be divided by 1000"},
+                    "'1600000000000'; it looks like milliseconds: divide it by 1000"},
         BadLineCase{"NanosecondsSince1970", "frame,timestamp,AU12_r\n1,1600000000000000000,1\n",
                     "2: timestamp: expected seconds, from the start of the recording or since 1970, found "
-                    "'1600000000000000000'; this looks like nanoseconds, to be divided by 1000000000"},
+                    "'1600000000000000000'; it looks like nanoseconds: divide it by 1000000000"},
         BadLineCase{"NanosecondsFromTheStart", "frame,timestamp,AU12_r\n1,0,1\n2,33333333,1\n",
-                    "3: timestamp: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, "
-                    "to be divided by 1000000000"},
+                    "3: timestamp: is 33333333 s after the one before; expected seconds; it looks like nanoseconds: "
+                    "divide it by 1000000000"},
         BadLineCase{"ATimestampThatIsNoTime", "frame,timestamp,AU12_r\n1,9e300,1\n",
                     "2: timestamp: expected seconds, from the start of the recording or since 1970, found '9e300'"},
         BadLineCase{"ATimestampThatNoDoubleHolds", "frame,timestamp,AU12_r\n1,1e400,1\n",
@@ -548,7 +548,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLineCase{"AnInfiniteTimestamp", "frame,timestamp,AU12_r\n1,-inf,1\n",
                     "2: timestamp: expected seconds, from the start of the recording or since 1970, found '-inf'"},
         BadLineCase{"AConfidenceInPercent", "frame,confidence,AU12_r\n1,95,1\n",
-                    "2: confidence: expected a number from 0 to 1, found 95: this looks like percent, to be divided by "
+                    "2: confidence: expected a number from 0 to 1, found 95; it looks like percent: divide it by "
                     "100"},
         BadLineCase{"ABrokenFace", "frame,face_id,AU12_r\n1,0.5,1\n",
                     "2: face_id: expected a whole number, found '0.5'"},
@@ -570,14 +570,14 @@ INSTANTIATE_TEST_SUITE_P(
                     "3: frame: face 0 is there twice in frame 1"}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(OpenFaceReader, GoesOnBehindBadLinesWhereNobodyCountsAsSeen)
+TEST_F(OpenFaceReader, ContinuesAfterBadLinesWhereNobodyCountsAsSeen)
 {
   const auto contents = read("frame,timestamp,AU12_r\n1,0.0,1\n2,0.1,1\n3,0.2,x\n4,0.3,1\n5,0.4\n6,0.5,1\n7,0.6,1\n");
   EXPECT_EQ(2u, contents.badLines.size());
   EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "100 0+", "200 0-", "300 0+", "400 0-", "500 0+", "600 0+"));
 }
 
-TEST_F(OpenFaceReader, TellsOfBadLinesWhereTheyStand)
+TEST_F(OpenFaceReader, ReportsThePlacesOfBadLines)
 {
   const auto reader = KV::recordings::openRecording(folder.write("f", "timestamp,AU12_r\n1,1\n2,x\n3,1\n"), "", {});
   EXPECT_EQ(1.0, secondsOf(reader->next().value()));
@@ -587,7 +587,7 @@ TEST_F(OpenFaceReader, TellsOfBadLinesWhereTheyStand)
   EXPECT_FALSE(reader->next());
 }
 
-TEST_F(OpenFaceReader, GivesWhatStandsBeforeTheCutOfACompressedFile)
+TEST_F(OpenFaceReader, GivesTheRowsBeforeTheCutOfACompressedFile)
 {
   std::string text = "frame,AU12_r\n";
   for (int frame = 1; frame < 100000; ++frame)
@@ -622,7 +622,7 @@ TEST_F(OpenFaceReader, WarnsIfNoFaceWasTracked)
   EXPECT_THAT(contents.warnings, ElementsAre("no face was tracked in the whole file"));
 }
 
-// What it says of itself.
+// The description of the reader.
 
 TEST_F(OpenFaceReader, DescribesHowItReadsInTwoLines)
 {

@@ -32,8 +32,8 @@ protected:
   }
 };
 
-/// Twelve rows of a head that nods by `pitch` times -5 to 6, and of landmarks that show it look up (1) or down (-1)
-/// for a Pitch above 0.
+/// Twelve rows of a head that nods by `pitch` times -5 to 6. The landmarks show it look up (1) or down (-1) for a Pitch
+/// above 0.
 std::string nodding(double pitch, double landmarksUp)
 {
   std::ostringstream text;
@@ -52,7 +52,7 @@ std::string nodding(double pitch, double landmarksUp)
   return text.str();
 }
 
-// What a row tells.
+// The readings of a row.
 
 TEST_F(PyFeatReader, GivesAllReadingsOfANewRow)
 {
@@ -107,7 +107,7 @@ TEST_F(PyFeatReader, FormsExpressionsFromActionUnitsWithoutEmotions)
 
 TEST_F(PyFeatReader, DoesNotDivideActionUnitsByTheFullScale)
 {
-  const auto options = support::asTold(atThirty());
+  const auto options = support::withoutRest(atThirty());
   EXPECT_FLOAT_EQ(0.6f, observed("frame,FaceScore,AU12\n0,0.9,0.6\n", options).smile.value().value.value);
 }
 
@@ -194,7 +194,7 @@ TEST_F(PyFeatReader, RefusesALaterRowThatContradictsTheUnit)
   const auto contents = read(text);
   EXPECT_THAT(contents.badLines,
               ElementsAre(HasSubstr(":652: Pitch, Roll, Yaw: an angle is beyond 3.2, and so in degrees")));
-  EXPECT_EQ(700u, contents.entries.size()) << "one frame is told as missed";
+  EXPECT_EQ(700u, contents.entries.size()) << "one frame is reported as missed";
 }
 
 TEST_F(PyFeatReader, ExchangesLeftAndRightOfAMirrorImage)
@@ -244,7 +244,7 @@ TEST_F(PyFeatReader, AssumesThirtyFramesWithoutTimes)
   EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("30 frames/s are assumed")));
 }
 
-// Who is there.
+// The persons.
 
 TEST_F(PyFeatReader, AgesAFaceThatIsLost)
 {
@@ -252,7 +252,7 @@ TEST_F(PyFeatReader, AgesAFaceThatIsLost)
               ElementsAre("0 0+", "33 0-", "67 0-", "100 0+"));
 }
 
-TEST_F(PyFeatReader, TellsPersonsApartByIdentity)
+TEST_F(PyFeatReader, DistinguishesPersonsByIdentity)
 {
   const auto contents = readWell(
       "FaceScore,Happy,frame,Identity\n"

@@ -20,7 +20,7 @@ using KV::recordings::InputFile;
 struct Ended
 {};
 
-/// Ends the reading when it has asked that often.
+/// Ends the reading when it has been asked that often.
 class EndAfter
 {
 public:

@@ -23,7 +23,7 @@ FaceAdapter lookingAt(const std::string& text)
   return FaceAdapter(options);
 }
 
-// A head that is turned so far to the own right, with the gaze along, a metre in front and a metre to the right.
+// A head turned to its own right by this angle, with the gaze in the same direction, a metre in front and to the right.
 Face turned(float yaw, float pitch = 0.f)
 {
   Face face;
@@ -74,7 +74,7 @@ TEST(LookAt, CountsFromTheLineToThePointOfTheRobot)
   // The robot is in front of the person, who looks straight ahead.
   EXPECT_NEAR(0.f, lookingAt("1,0,0").read(turned(0.f)).headPosture->yaw(), tolerance);
   EXPECT_NEAR(0.f, lookingAt("1,0,0").read(turned(0.f)).gaze->yaw, tolerance);
-  // Its head is as far above the eyes as it is away: whoever looks at it looks up.
+  // Its head is as far above the eyes as it is away: a person who looks at it looks up.
   EXPECT_NEAR(0.f, lookingAt("1,-1,0").read(turned(0.f, 45.f)).headPosture->pitch(), tolerance);
 }
 

@@ -48,7 +48,7 @@ protected:
   }
 
   /// Returns "<seconds> person <number>: <readings>" of every step.
-  static std::vector<std::string> told(const support::Contents& contents)
+  static std::vector<std::string> linesOf(const support::Contents& contents)
   {
     std::vector<std::string> steps;
     for (const KV::recordings::Step& entry : contents.entries)
@@ -73,8 +73,8 @@ TEST_F(MergedRecordings, TakeTheSameNameForTheSamePerson)
 {
   const auto contents = read({{"a", header + "0,anna,smile,1\n1,ben,smile,1\n"},
                               {"b", header + "10,ben,asrEmotion,1\n11,zoe,asrEmotion,1\n12,anna,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("0 person 0 smile", "1 person 1 smile", "10 person 1 speech",
-                                          "11 person 2 speech", "12 person 0 speech"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("0 person 0 smile", "1 person 1 smile", "10 person 1 speech",
+                                             "11 person 2 speech", "12 person 0 speech"));
   EXPECT_EQ("ben", contents.entries.at(2).personName);
   EXPECT_EQ("zoe", contents.entries.at(3).personName);
   EXPECT_THAT(contents.warnings, IsEmpty());
@@ -83,38 +83,38 @@ TEST_F(MergedRecordings, TakeTheSameNameForTheSamePerson)
 TEST_F(MergedRecordings, JoinNamesAndNumbersByTheNumber)
 {
   const auto contents = read({{"a", header + "0,0,smile,1\n"}, {"b", header + "0,anna,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("0 person 0 smile speech"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("0 person 0 smile speech"));
   EXPECT_EQ("anna", contents.entries.at(0).personName);
 }
 
-TEST_F(MergedRecordings, TellTheStepsInTheOrderOfTheirTimes)
+TEST_F(MergedRecordings, ReportTheStepsInTheOrderOfTheirTimes)
 {
   const auto contents = read({{"a", header + "0,1,smile,1\n10,1,smile,1\n"},
                               {"b", header + "5,2,asrEmotion,1\n15,2,asrEmotion,1\n"},
                               {"c", header + "7,3,touchEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("0 person 1 smile", "5 person 2 speech", "7 person 3 touch",
-                                          "10 person 1 smile", "15 person 2 speech"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("0 person 1 smile", "5 person 2 speech", "7 person 3 touch",
+                                             "10 person 1 smile", "15 person 2 speech"));
 }
 
-TEST_F(MergedRecordings, TellStepsOfOneTimeInTheOrderOfTheInputs)
+TEST_F(MergedRecordings, ReportStepsOfOneTimeInTheOrderOfTheInputs)
 {
   const auto contents = read(
       {{"a", header + "1,9,smile,1\n"}, {"b", header + "1,5,asrEmotion,1\n"}, {"c", header + "1,1,touchEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 9 smile", "1 person 5 speech", "1 person 1 touch"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 9 smile", "1 person 5 speech", "1 person 1 touch"));
 }
 
-TEST_F(MergedRecordings, UpdateAPersonOnceForWhatIsToldAtOneTime)
+TEST_F(MergedRecordings, UpdateAPersonOnceForAllReadingsOfOneTime)
 {
   const auto contents = read(
       {{"a", header + "1,1,smile,1\n"}, {"b", header + "1,1,asrEmotion,1\n"}, {"c", header + "1,1,touchEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile speech touch"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 smile speech touch"));
 }
 
 TEST_F(MergedRecordings, UpdateAPersonOnceInEachCycleOfTheFirstInput)
 {
   const auto contents = read({{"a", header + "1,1,smile,1\n1.125,1,smile,1\n1.25,1,smile,1\n"},
                               {"b", header + "1.0625,1,asrEmotion,1\n1.1875,1,asrEmotion,1\n"}});
-  ASSERT_THAT(told(contents),
+  ASSERT_THAT(linesOf(contents),
               ElementsAre("1 person 1 smile", "1.125 person 1 smile speech", "1.25 person 1 smile speech"));
   const auto& joined = contents.entries[1];
   EXPECT_EQ(joined.time, joined.observation.smile.value().time);
@@ -124,26 +124,26 @@ TEST_F(MergedRecordings, UpdateAPersonOnceInEachCycleOfTheFirstInput)
 TEST_F(MergedRecordings, DoNotWaitForACycleThatIsTooFarAway)
 {
   const auto contents = read({{"a", header + "1,1,smile,1\n2,1,smile,1\n"}, {"b", header + "1.5,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1.5 person 1 speech", "2 person 1 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 smile", "1.5 person 1 speech", "2 person 1 smile"));
 }
 
 TEST_F(MergedRecordings, WaitForTheSamePersonOnly)
 {
   const auto contents = read({{"a", header + "1.125,2,smile,1\n"}, {"b", header + "1,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 speech", "1.125 person 2 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 speech", "1.125 person 2 smile"));
 }
 
 TEST_F(MergedRecordings, KeepReadingsOfOneKindInStepsOfTheirOwn)
 {
   const auto contents = read({{"a", header + "1.125,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1.125 person 1 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 smile", "1.125 person 1 smile"));
   EXPECT_FLOAT_EQ(0.f, contents.entries[0].observation.smile.value().value.value);
 }
 
 TEST_F(MergedRecordings, RefuseTheSameReadingOfAPersonAtTheSameTime)
 {
   const auto contents = read({{"a", header + "0,1,smile,1\n1,1,smile,1\n"}, {"b", header + "1,1,smile,0\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("0 person 1 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("0 person 1 smile"));
   EXPECT_EQ(
       "b: smile: person 1 has this reading at the same time in a: these are recordings of two persons, or of two "
       "sessions",
@@ -154,7 +154,7 @@ TEST_F(MergedRecordings, RefuseTheSameReadingOfAnyTwoInputs)
 {
   const auto contents = read(
       {{"a", header + "1,1,smile,1\n"}, {"b", header + "1,1,asrEmotion,1\n"}, {"c", header + "1,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), IsEmpty());
+  EXPECT_THAT(linesOf(contents), IsEmpty());
   EXPECT_THAT(contents.fatal, StartsWith("c: asrEmotion: person 1 has this reading at the same time in b: "));
 }
 
@@ -176,33 +176,33 @@ TEST_F(MergedRecordings, NameSessionsOfTheirOwnAsTheRemedyForTheSameReading)
 TEST_F(MergedRecordings, TakeTheSameReadingOfTwoPersons)
 {
   const auto contents = read({{"a", header + "1,1,smile,1\n"}, {"b", header + "1,2,smile,0\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 smile", "1 person 2 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 smile", "1 person 2 smile"));
 }
 
 TEST_F(MergedRecordings, LetTheLastOfSeveralReadingsOfOneKindWait)
 {
   const auto contents =
       read({{"a", header + "1.125,1,smile,1\n"}, {"b", header + "1,1,asrEmotion,1\n1.0625,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 speech", "1.125 person 1 smile speech"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 speech", "1.125 person 1 smile speech"));
 }
 
 TEST_F(MergedRecordings, TakeForSeenWhoIsObservedByOneInput)
 {
   const auto contents = read({{"a", header + "1,1,seen,false\n"}, {"b", header + "1,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 speech"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 speech"));
 }
 
 TEST_F(MergedRecordings, DoNotDelayScopes)
 {
   const auto contents = read(
       {{"a", header + "1.125,1,smile,1\n"}, {"b", "time,person,reading,value\n1,,start,talk\n1,1,asrEmotion,1\n"}});
-  EXPECT_THAT(told(contents), ElementsAre("1 person 1 speech start talk", "1.125 person 1 smile"));
+  EXPECT_THAT(linesOf(contents), ElementsAre("1 person 1 speech start talk", "1.125 person 1 smile"));
 }
 
 TEST_F(MergedRecordings, MoveAnInputByItsOffset)
 {
   const auto contents = read({{"a", header + "1,1,smile,1\n"}, {"b", header + "0.75,1,asrEmotion,1\n", 0.25}});
-  ASSERT_THAT(told(contents), ElementsAre("1 person 1 smile speech"));
+  ASSERT_THAT(linesOf(contents), ElementsAre("1 person 1 smile speech"));
   EXPECT_EQ(contents.entries[0].time, contents.entries[0].observation.asrEmotion.value().time);
   EXPECT_THAT(contents.description[3], StartsWith("b (moved by 0.250 s): Tidy CSV: "));
 }
@@ -266,7 +266,7 @@ TEST_F(MergedRecordings, RefuseAnOffsetToBefore1970)
   EXPECT_EQ("b: the offset moves it to before 1970", contents.fatal);
 }
 
-TEST_F(MergedRecordings, TellWhatIsWrongWhereTheInputHadComeTo)
+TEST_F(MergedRecordings, ReportAnErrorAtThePlaceOfTheInput)
 {
   const auto recording = open({{"a", header + "0,1,smile,1\n1,1,smile,1\n5,1,smile,1\n"},
                                {"b", header + "0.5,2,asrEmotion,1\n2,2,asrEmotion,loud\n3,2,asrEmotion,1\n"}});
@@ -282,7 +282,7 @@ TEST_F(MergedRecordings, TellWhatIsWrongWhereTheInputHadComeTo)
     EXPECT_THAT(error.what(), StartsWith(folder.path("b") + ":3: value: expected a number"));
   }
   const auto rest = support::contentsOf(*recording);
-  EXPECT_THAT(told(rest), ElementsAre("1 person 1 smile", "3 person 2 speech", "5 person 1 smile"));
+  EXPECT_THAT(linesOf(rest), ElementsAre("1 person 1 smile", "3 person 2 speech", "5 person 1 smile"));
 }
 
 TEST_F(MergedRecordings, WarnIfTheyHaveNoPersonInCommon)

@@ -21,7 +21,7 @@ KV::recordings::Step stepAt(std::int64_t nanoseconds, std::int32_t person = 1)
   return step;
 }
 
-/// Returns the number of the first step that is refused, from 0; -1 if none is.
+/// Returns the number of the first step that is refused, from 0; -1 if every step is accepted.
 int refusedAmong(const std::vector<KV::recordings::Step>& steps)
 {
   TimeUnitCheck check;
@@ -68,9 +68,9 @@ TEST(TimeUnitCheck, LooksAtTheBeginningOnly)
 
 TEST(AdviceOnSeconds, NamesTheUnitOfADate)
 {
-  EXPECT_EQ("; this looks like milliseconds, to be divided by 1000", KV::recordings::adviceOnSeconds(1.7e12));
-  EXPECT_EQ("; this looks like microseconds, to be divided by 1000000", KV::recordings::adviceOnSeconds(1.7e15));
-  EXPECT_EQ("; this looks like nanoseconds, to be divided by 1000000000", KV::recordings::adviceOnSeconds(1.7e18));
+  EXPECT_EQ("; it looks like milliseconds: divide it by 1000", KV::recordings::adviceOnSeconds(1.7e12));
+  EXPECT_EQ("; it looks like microseconds: divide it by 1000000", KV::recordings::adviceOnSeconds(1.7e15));
+  EXPECT_EQ("; it looks like nanoseconds: divide it by 1000000000", KV::recordings::adviceOnSeconds(1.7e18));
   for (const double other : {0., 1.7e9, 1e11, 9e300, -1.7e12})
     EXPECT_EQ("", KV::recordings::adviceOnSeconds(other)) << other;
 }

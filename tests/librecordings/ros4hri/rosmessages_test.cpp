@@ -36,7 +36,7 @@ std::string landmarksMessage()
   return writer.bytes();
 }
 
-TEST(RosMessages, TellFrames)
+TEST(RosMessages, ReportFrames)
 {
   for (const bool bigEndian : {false, true})
   {
@@ -52,7 +52,7 @@ TEST(RosMessages, TellFrames)
   }
 }
 
-TEST(RosMessages, TellIds)
+TEST(RosMessages, ReportIds)
 {
   RosData data = dataOf(support::idsMessage({"23ed9", "", "f00000"}, "camera"));
   const auto list = KV::recordings::readIdsList(data);
@@ -60,7 +60,7 @@ TEST(RosMessages, TellIds)
   EXPECT_THAT(list.ids, ElementsAre("23ed9", "", "f00000"));
 }
 
-TEST(RosMessages, TellExpressions)
+TEST(RosMessages, ReportExpressions)
 {
   RosData data = dataOf(support::expressionMessage("happy", 0.5f, 0.75f));
   const auto expression = KV::recordings::readExpression(data);
@@ -69,7 +69,7 @@ TEST(RosMessages, TellExpressions)
   EXPECT_EQ(0.75f, expression.confidence);
 }
 
-TEST(RosMessages, TellActionUnits)
+TEST(RosMessages, ReportActionUnits)
 {
   RosData data = dataOf(actionUnitsMessage());
   const auto units = KV::recordings::readActionUnits(data);
@@ -77,7 +77,7 @@ TEST(RosMessages, TellActionUnits)
   EXPECT_EQ(99.f + 12.f, units.confidence[12]);
 }
 
-TEST(RosMessages, TellLandmarks)
+TEST(RosMessages, ReportLandmarks)
 {
   RosData data = dataOf(landmarksMessage());
   const auto landmarks = KV::recordings::readLandmarks(data);
@@ -88,7 +88,7 @@ TEST(RosMessages, TellLandmarks)
   EXPECT_EQ(640u, landmarks.width);
 }
 
-TEST(RosMessages, TellTextsAndTruths)
+TEST(RosMessages, ReportTextsAndTruths)
 {
   RosData text = dataOf(support::stringMessage("rorql"));
   EXPECT_EQ("rorql", KV::recordings::readString(text));

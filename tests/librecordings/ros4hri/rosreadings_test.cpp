@@ -11,7 +11,7 @@ namespace
 using KV::recordings::FaceAdapter;
 using KV::recordings::RosActionUnits;
 
-// Of the tables 6 and 12 are known, which is enough for joy; the others are unknown. 12 is taken off as it rests.
+// Of the tables 6 and 12 are known, which is enough for joy; the others are unknown. The rest of 12 is subtracted.
 TEST(RosReadings, TakeTheMeanConfidenceOfTheActionUnitsThatAreKnown)
 {
   RosActionUnits units;
@@ -28,7 +28,7 @@ TEST(RosReadings, TakeTheMeanConfidenceOfTheActionUnitsThatAreKnown)
   EXPECT_FLOAT_EQ(0.f, readings.expressions.value().sorrow.confidence);
 }
 
-TEST(RosReadings, TellNothingOfActionUnitsWithoutConfidence)
+TEST(RosReadings, IgnoreActionUnitsWithoutConfidence)
 {
   RosActionUnits units;
   units.intensity.fill(3.f);
@@ -37,12 +37,12 @@ TEST(RosReadings, TellNothingOfActionUnitsWithoutConfidence)
 
 TEST(RosReadings, RefuseAPoseWithoutARotation)
 {
-  KV::recordings::RosFace told;
-  told.rotation = {0., 0., 0., 0.};
-  EXPECT_THROW(static_cast<void>(faceOf(told)), std::invalid_argument);
-  told.rotation = {0., 0., 0., 1.};
-  told.gazeRotation = {{0., 0., 0., 0.}};
-  EXPECT_THROW(static_cast<void>(faceOf(told)), std::invalid_argument);
+  KV::recordings::RosFace detected;
+  detected.rotation = {0., 0., 0., 0.};
+  EXPECT_THROW(static_cast<void>(faceOf(detected)), std::invalid_argument);
+  detected.rotation = {0., 0., 0., 1.};
+  detected.gazeRotation = {{0., 0., 0., 0.}};
+  EXPECT_THROW(static_cast<void>(faceOf(detected)), std::invalid_argument);
 }
 
 }  // namespace

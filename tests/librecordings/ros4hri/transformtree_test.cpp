@@ -81,7 +81,7 @@ TEST(TransformTree, FindsAFrameInAnotherBranch)
   EXPECT_THAT(tree.find("face", "face")->translation, near(0., 0., 0.));
 }
 
-TEST(TransformTree, KeepsWhatWasToldLast)
+TEST(TransformTree, KeepsTheLastReport)
 {
   TransformTree tree;
   tree.set("base", "face", {{}, {1., 0., 0.}});

@@ -76,8 +76,8 @@ std::array<double, 4> product(const std::array<double, 4>& left, const std::arra
           w * d - x * a - y * b - z * c};
 }
 
-// In the frame of a face y is to the own left and z up: a turn to the right is one against z, a look up one against y,
-// a tilt to the right shoulder one about x, which points out of the face.
+// In the frame of a face y is to the person's own left and z up: a turn to the right is against z, a look up against y,
+// a tilt to the right shoulder about x, which points out of the face.
 FrameMessage faceFrame(const std::string& id, const std::array<double, 3>& position, double ownRight, double up,
                        double tilt)
 {
@@ -91,13 +91,15 @@ BagWriter::BagWriter(const std::string& path, std::int64_t begin) : _begin(begin
 {
   if (sqlite3_open(path.c_str(), &_database) != SQLITE_OK)
     throw std::runtime_error("cannot make a bag");
-  run("PRAGMA journal_mode = OFF");
-  run("PRAGMA synchronous = OFF");
-  run("CREATE TABLE topics(id INTEGER PRIMARY KEY, name TEXT NOT NULL, type TEXT NOT NULL, "
+  _run("PRAGMA journal_mode = OFF");
+  _run("PRAGMA synchronous = OFF");
+  _run(
+      "CREATE TABLE topics(id INTEGER PRIMARY KEY, name TEXT NOT NULL, type TEXT NOT NULL, "
       "serialization_format TEXT NOT NULL, offered_qos_profiles TEXT NOT NULL)");
-  run("CREATE TABLE messages(id INTEGER PRIMARY KEY, topic_id INTEGER NOT NULL, timestamp INTEGER NOT NULL, "
+  _run(
+      "CREATE TABLE messages(id INTEGER PRIMARY KEY, topic_id INTEGER NOT NULL, timestamp INTEGER NOT NULL, "
       "data BLOB NOT NULL)");
-  run("CREATE INDEX timestamp_idx ON messages (timestamp ASC)");
+  _run("CREATE INDEX timestamp_idx ON messages (timestamp ASC)");
 }
 
 BagWriter::~BagWriter()
@@ -109,18 +111,21 @@ void BagWriter::topic(const std::string& name, const std::string& type, const st
 {
   const auto id = static_cast<std::int64_t>(_topics.size()) + 1;
   _topics[name] = id;
-  run("INSERT INTO topics VALUES(" + std::to_string(id) + ",'" + name + "','" + type + "','" + format + "','')");
+  _allTopics.push_back({name, type, format});
+  _run("INSERT INTO topics VALUES(" + std::to_string(id) + ",'" + name + "','" + type + "','" + format + "','')");
 }
 
 void BagWriter::add(double seconds, const std::string& topicName, const std::string& data)
 {
   if (_topics.count(topicName) == 0)
     topic(topicName, KV::recordings::rosTopicOf(topicName).value().type);
+  const std::int64_t time = _begin + std::llround(seconds * 1e9);
+  _messages.push_back({time, topicName, data});
   sqlite3_stmt* statement = nullptr;
   sqlite3_prepare_v2(_database, "INSERT INTO messages(topic_id, timestamp, data) VALUES(?, ?, ?)", -1, &statement,
                      nullptr);
   sqlite3_bind_int64(statement, 1, _topics.at(topicName));
-  sqlite3_bind_int64(statement, 2, _begin + std::llround(seconds * 1e9));
+  sqlite3_bind_int64(statement, 2, time);
   sqlite3_bind_blob(statement, 3, data.data(), static_cast<int>(data.size()), SQLITE_TRANSIENT);
   const int status = sqlite3_step(statement);
   sqlite3_finalize(statement);
@@ -129,6 +134,24 @@ void BagWriter::add(double seconds, const std::string& topicName, const std::str
 }
 
 void BagWriter::run(const std::string& sql)
+{
+  _isChanged = true;
+  _run(sql);
+}
+
+std::string BagWriter::inMcap(const McapForm& form) const
+{
+  if (_isChanged)
+    return {};
+  McapWriter writer(form);
+  for (const Topic& topic : _allTopics)
+    writer.topic(topic.name, topic.type, topic.format);
+  for (const Message& message : _messages)
+    writer.add(message.time, message.topic, message.data);
+  return writer.finish();
+}
+
+void BagWriter::_run(const std::string& sql)
 {
   if (sqlite3_exec(_database, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
     throw std::runtime_error("cannot write the bag: " + std::string(sqlite3_errmsg(_database)));

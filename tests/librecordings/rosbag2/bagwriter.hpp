@@ -1,5 +1,7 @@
 #pragma once
 
+#include "librecordings/rosbag2/mcapwriter.hpp"
+
 #include <fastcdr/Cdr.h>
 #include <fastcdr/FastBuffer.h>
 
@@ -42,7 +44,7 @@ private:
   eprosima::fastcdr::Cdr _cdr;
 };
 
-/// One frame in another.
+/// The place of one frame in another.
 struct FrameMessage
 {
   std::string parent;
@@ -61,20 +63,20 @@ std::string speechMessage(const std::string& incremental, const std::string& fin
 /// A quaternion x, y, z, w that turns by so many degrees about an axis.
 std::array<double, 4> turned(double degrees, const std::array<double, 3>& axis);
 
-/// The quaternion that turns first as `right`, then as `left`.
+/// The quaternion that turns first by `right`, then by `left`.
 std::array<double, 4> product(const std::array<double, 4>& left, const std::array<double, 4>& right);
 
-/// The frame of a face that looks straight along the axis of a camera into it: in the camera's optical frame.
+/// The frame of a face that looks straight into a camera along its axis: in the camera's optical frame.
 constexpr std::array<double, 4> facingCamera{0.5, 0.5, -0.5, 0.5};
 
 /// The frame of a gaze straight out of a face: in the frame of the face.
 constexpr std::array<double, 4> gazeAhead{-0.5, 0.5, -0.5, 0.5};
 
-/// A face there, turned by so many degrees to the own right and up and tilted to the own right shoulder.
+/// A face at this place, turned by so many degrees to its own right and up, and tilted to its own right shoulder.
 FrameMessage faceFrame(const std::string& id, const std::array<double, 3>& position, double ownRight = 0.,
                        double up = 0., double tilt = 0.);
 
-/// Writes a bag, as a file of SQLite.
+/// Writes a bag, as a file of SQLite, and again in any other form.
 class BagWriter
 {
 public:
@@ -84,19 +86,40 @@ public:
   BagWriter(const BagWriter&) = delete;
   BagWriter& operator=(const BagWriter&) = delete;
 
-  /// Adds a topic; it is added with the type that it has on robots by add(), unless it was before.
+  /// Adds a topic with any type; add() uses the type that the topic has on robots, unless it was added before.
   void topic(const std::string& name, const std::string& type, const std::string& format = "cdr");
 
   /// Adds a message received so many seconds after the beginning.
   void add(double seconds, const std::string& topic, const std::string& data);
 
-  /// Runs a statement on the file.
+  /// Runs a statement on the file. Its changes are missing in the other forms.
   void run(const std::string& sql);
 
+  /// Returns the same bag as a file of MCAP; nothing if a statement changed the file.
+  std::string inMcap(const McapForm& form) const;
+
 private:
+  struct Topic
+  {
+    std::string name;
+    std::string type;
+    std::string format;
+  };
+  struct Message
+  {
+    std::int64_t time;
+    std::string topic;
+    std::string data;
+  };
+
+  void _run(const std::string& sql);
+
   sqlite3* _database = nullptr;
   std::int64_t _begin;
   std::map<std::string, std::int64_t> _topics;
+  std::vector<Topic> _allTopics;
+  std::vector<Message> _messages;
+  bool _isChanged = false;
 };
 
 }  // namespace support

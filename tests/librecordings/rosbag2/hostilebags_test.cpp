@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-/// Bags that somebody made to do harm: each is refused with a message, in little memory, disk and time.
+/// Bags that were made to do harm: each is refused with a message, in little memory, disk and time.
 
 namespace
 {
@@ -67,7 +67,7 @@ protected:
     return contentsOf(path(), "rosbag2");
   }
 
-  /// Reads the bag in a process of its own that has little memory; its message ends so.
+  /// Reads the bag in a process of its own with little memory; checks the end of its message.
   void expectRefusedInLittleMemory(const std::string& end)
   {
     _bag.reset();
@@ -99,7 +99,7 @@ TEST_F(HostileBags, AreRefusedIfAColumnIsGenerated)
     std::filesystem::remove(path());
     bag().topic("/tf", "tf2_msgs/msg/TFMessage");
     bag().run("DROP TABLE messages");
-    // A stored one is made by whoever writes the file, so that it is small here.
+    // The writer of a file can choose the stored number, so it is small here.
     bag().run(
         "CREATE TABLE messages(id INTEGER PRIMARY KEY, topic_id INTEGER, timestamp INTEGER, x, data BLOB AS "
         "(zeroblob(" +
@@ -143,7 +143,7 @@ TEST_F(HostileBags, CannotBuildValuesBeyondTheLimitOfAMessage)
   EXPECT_EXIT(runLimited(enoughMemory, anyFile, isReadInLittleMemory), testing::ExitedWithCode(0), "");
 }
 
-// Nothing is sorted or grouped by the contents of messages, which would take temporary files of their size.
+// Messages are not sorted or grouped by their contents, which would take temporary files of their size.
 TEST_F(HostileBags, TakeNoTemporaryFilesForTheContentsOfMessages)
 {
   goodBag();

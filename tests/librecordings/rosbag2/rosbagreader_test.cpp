@@ -4,6 +4,7 @@
 #include "librecordings/support.hpp"
 
 #include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/observationjson.hpp>
 #include <skeigiot/recordings/rosface.hpp>
 #include <skeigiot/recordings/rosreadings.hpp>
 
@@ -38,11 +39,36 @@ protected:
 
   std::string path() const { return folder.path("bag.db3"); }
 
-  /// Closes the bag, and reads it.
+  /// Closes the bag, and reads it. In other forms it must read the same.
   Contents read(const KV::recordings::ReadingOptions& options = {})
   {
+    std::vector<std::pair<McapForm, std::string>> others;
+    if (_bag)
+      for (const McapForm& form : otherForms)
+        others.emplace_back(form, _bag->inMcap(form));
     _bag.reset();
-    return contentsOf(path(), "", options);
+    const Contents contents = contentsOf(path(), "", options);
+    for (const auto& [form, bytes] : others)
+      if (!bytes.empty())
+        expectSame(contents, contentsOf(folder.write(form.name, bytes), "", options), form);
+    return contents;
+  }
+
+  /// The parts that two forms of one bag share; in messages, they have different names.
+  void expectSame(const Contents& expected, const Contents& found, const McapForm& form) const
+  {
+    SCOPED_TRACE("MCAP, " + form.name);
+    const auto named = [&](std::vector<std::string> texts) {
+      for (std::string& text : texts)
+        if (const auto place = text.find(path()); place != std::string::npos)
+          text.replace(place, path().size(), folder.path(form.name));
+      return texts;
+    };
+    EXPECT_EQ(written(expected), written(found));
+    EXPECT_EQ(named(expected.badLines), found.badLines);
+    EXPECT_EQ(named({expected.fatal}), std::vector<std::string>{found.fatal});
+    EXPECT_EQ(named(expected.warnings), found.warnings);
+    EXPECT_EQ(expected.isDated, found.isDated);
   }
 
   /// A frame of a face, and the list of the tracked ones, as a node publishes them for every image.
@@ -57,6 +83,20 @@ protected:
     bag().add(seconds + 0.001, "/humans/faces/tracked", idsMessage(ids));
   }
 
+  /// The steps as text.
+  static std::vector<std::string> written(const Contents& contents)
+  {
+    std::vector<std::string> texts;
+    for (const auto& step : contents.entries)
+      texts.push_back(KV::recordings::stepToJson(step));
+    return texts;
+  }
+
+  inline static const std::vector<McapForm> otherForms = {{"plain", "", true, 1000},
+                                                          {"lz4", "lz4", true, 1000},
+                                                          {"zstd", "zstd", true, 100000},
+                                                          {"unchunked", "", false, 0}};
+
   TemporaryFolder folder;
   std::int64_t begin = 1700000000000000000;  // [ns] since 1970, of the bag
 
@@ -64,7 +104,7 @@ private:
   std::optional<BagWriter> _bag;
 };
 
-/// Who is seen and who is not, step by step: "0", "-0".
+/// The persons who are seen, or not, step by step: "0", "-0".
 std::vector<std::string> stepsOf(const Contents& contents)
 {
   std::vector<std::string> steps;
@@ -78,7 +118,7 @@ double secondsSince(std::int64_t begin, ko::SystemClock::time_point time)
   return static_cast<double>(nanosecondsOf(time) - begin) * 1e-9;
 }
 
-TEST_F(RosbagReaderTest, TellsWhereAFaceIsAndHowItIsTurned)
+TEST_F(RosbagReaderTest, ReportsWhereAFaceIsAndHowItIsTurned)
 {
   image(0., {faceFrame("a", {0., 0., 2.}, 20., 10., 5.)});
   const auto contents = read();
@@ -94,7 +134,7 @@ TEST_F(RosbagReaderTest, TellsWhereAFaceIsAndHowItIsTurned)
   EXPECT_FALSE(observation.gaze);
 }
 
-// Who stands to the right of the axis in the image, and below it, and looks into the camera is turned to the own right
+// A person to the right of the axis in the image, and below it, who looks into the camera is turned to their own right
 // (to the left in the image) and up.
 TEST_F(RosbagReaderTest, CountsAnglesFromTheLineOfSightIfAsked)
 {
@@ -133,12 +173,12 @@ TEST_F(RosbagReaderTest, ExchangesLeftAndRightOfAMirrorImage)
 }
 
 // The same numbers, once as messages in a bag and once by hand.
-TEST_F(RosbagReaderTest, TellsToTheLastBitWhatTheAdapterMakesOfTheSameMessages)
+TEST_F(RosbagReaderTest, AgreesToTheLastBitWithTheAdapterOnTheSameMessages)
 {
   const FrameMessage face = faceFrame("a", {0.31, -0.17, 1.93}, 20., 10., 5.);
   const FrameMessage gaze = {
       "camera_optical", "gaze_a", {}, product(turned(171., {0., 1., 0.}), turned(3., {1., 0., 0.}))};
-  const KV::recordings::RosFace told{face.translation, face.rotation, gaze.rotation};
+  const KV::recordings::RosFace detected{face.translation, face.rotation, gaze.rotation};
   const KV::recordings::RosExpression expression{"", -0.37f, 0.2f, 0.81f};
   for (const bool mirrored : {false, true})
   {
@@ -156,18 +196,18 @@ TEST_F(RosbagReaderTest, TellsToTheLastBitWhatTheAdapterMakesOfTheSameMessages)
 
     const KV::recordings::FaceAdapter adapter(options);
     KV::recordings::Step adapted = entries[0];
-    adapted.observation = adapter.observe(faceOf(told), timeOf(begin)).value();
+    adapted.observation = adapter.observe(faceOf(detected), timeOf(begin)).value();
     adapted.observation.expressions = readingsOf(expression).observedAt(timeOf(begin + 2000000)).expressions;
     EXPECT_EQ(Bits::of(adapted), Bits::of(entries[0]));
     adapted = entries[1];
-    adapted.observation = adapter.observe(faceOf(told), timeOf(begin + 100000000)).value();
+    adapted.observation = adapter.observe(faceOf(detected), timeOf(begin + 100000000)).value();
     EXPECT_EQ(Bits::of(adapted), Bits::of(entries[1]));
     std::filesystem::remove(path());
   }
 }
 
-// The eyes turn against the head: about the y of the gaze, which points down, to the own right.
-TEST_F(RosbagReaderTest, TellsWhereThePersonLooks)
+// The eyes turn against the head: about the y of the gaze, which points down, to the person's own right.
+TEST_F(RosbagReaderTest, ReportsWhereThePersonLooks)
 {
   const auto looking = [](double ownLeft, double up) {
     const auto turn = product(turned(-ownLeft, {0., 1., 0.}), turned(up, {1., 0., 0.}));
@@ -246,7 +286,7 @@ TEST_F(RosbagReaderTest, TakesFacesOfOneImageForOneCycle)
   EXPECT_THAT(stepsOf(read()), ElementsAre("0", "1", "0", "1"));
 }
 
-TEST_F(RosbagReaderTest, TellsOfWhoLeavesAndComesBack)
+TEST_F(RosbagReaderTest, ReportsAPersonWhoLeavesAndComesBack)
 {
   const auto here = faceFrame("a", {0., 0., 2.});
   image(0., {here});
@@ -258,7 +298,7 @@ TEST_F(RosbagReaderTest, TellsOfWhoLeavesAndComesBack)
   EXPECT_NEAR(0.034, secondsSince(begin, contents.entries[1].time), 1e-9);
 }
 
-TEST_F(RosbagReaderTest, TellsOfWhoLeavesWhileAnotherStays)
+TEST_F(RosbagReaderTest, ReportsAPersonWhoLeavesWhileAnotherStays)
 {
   const auto a = faceFrame("a", {0., 0., 2.});
   const auto b = faceFrame("b", {1., 0., 2.});
@@ -277,7 +317,7 @@ TEST_F(RosbagReaderTest, DoesNotMissWhoIsTrackedWithoutAFrame)
   EXPECT_THAT(stepsOf(read()), ElementsAre("0", "1", "0"));
 }
 
-TEST_F(RosbagReaderTest, MissesAFaceWithoutFramesWhereNobodyTellsWhichAreTracked)
+TEST_F(RosbagReaderTest, MissesAFaceWithoutFramesIfTheTrackedOnesAreNotListed)
 {
   const auto a = faceFrame("a", {0., 0., 2.});
   bag().add(0., "/tf", tfMessage({a, faceFrame("b", {1., 0., 2.})}));
@@ -286,7 +326,7 @@ TEST_F(RosbagReaderTest, MissesAFaceWithoutFramesWhereNobodyTellsWhichAreTracked
   EXPECT_THAT(stepsOf(read()), ElementsAre("0", "1", "0", "0", "-1"));
 }
 
-TEST_F(RosbagReaderTest, TellsOfAMissingPersonForALimitedTime)
+TEST_F(RosbagReaderTest, ReportsAMissingPersonForALimitedTime)
 {
   image(0., {faceFrame("a", {0., 0., 2.})});
   for (int i = 1; i <= 400; ++i)
@@ -316,7 +356,7 @@ TEST_F(RosbagReaderTest, NumbersPersonsInTheOrderOfTheirMessages)
   EXPECT_THAT(stepsOf(read()), ElementsAre("1"));
 }
 
-TEST_F(RosbagReaderTest, TellsAnExpressionWithTheNextFrame)
+TEST_F(RosbagReaderTest, ReportsAnExpressionWithTheNextFrame)
 {
   image(0., {faceFrame("a", {0., 0., 2.})});
   bag().add(0.02, "/humans/faces/a/expression", expressionMessage("happy", 0.f, 0.75f));
@@ -333,7 +373,7 @@ TEST_F(RosbagReaderTest, TellsAnExpressionWithTheNextFrame)
   EXPECT_NEAR(0.02, secondsSince(begin, expressions->time), 1e-9);
 }
 
-TEST_F(RosbagReaderTest, TellsAnExpressionAloneWhereThereAreNoFrames)
+TEST_F(RosbagReaderTest, ReportsAnExpressionAloneWhereThereAreNoFrames)
 {
   bag().add(0., "/humans/faces/a/expression", expressionMessage("sad", 0.f, 1.f));
   bag().add(0.1, "/humans/faces/a/expression", expressionMessage("", -0.25f, 0.5f));
@@ -363,7 +403,7 @@ TEST_F(RosbagReaderTest, MakesReadingsOfActionUnits)
   EXPECT_EQ(0.f, observation.expressions->value.anger.confidence) << "anger needs the brow";
 }
 
-TEST_F(RosbagReaderTest, TellsFacialPointsInPixels)
+TEST_F(RosbagReaderTest, ReportsFacialPointsInPixels)
 {
   CdrWriter landmarks;
   landmarks.header("");
@@ -379,7 +419,7 @@ TEST_F(RosbagReaderTest, TellsFacialPointsInPixels)
   EXPECT_EQ(0.9f, nose.confidence);
 }
 
-TEST_F(RosbagReaderTest, TellsWhoSpeaks)
+TEST_F(RosbagReaderTest, ReportsWhoSpeaks)
 {
   bag().add(0., "/humans/persons/ada/face_id", stringMessage("a"));
   bag().add(0., "/humans/persons/ada/voice_id", stringMessage("v"));
@@ -438,15 +478,14 @@ TEST_F(RosbagReaderTest, ReadsAFolderOfFilesInTheOrderOfTheirTimes)
   EXPECT_THAT(distances, ElementsAre(1.f, 2.f, 3.f));
 }
 
-TEST_F(RosbagReaderTest, RefusesAFolderOfAnotherStorage)
+TEST_F(RosbagReaderTest, RefusesAFolderWithoutAFileOfABag)
 {
   const std::string bagFolder = folder.path("bag");
   std::filesystem::create_directory(bagFolder);
   std::ofstream(bagFolder + "/metadata.yaml") << "x";
-  EXPECT_EQ(bagFolder + ": there is no .db3 file in the folder", contentsOf(bagFolder).fatal);
+  EXPECT_EQ(bagFolder + ": the folder has no bag file (.mcap or .db3)", contentsOf(bagFolder).fatal);
   std::ofstream(bagFolder + "/bag_0.mcap") << "x";
-  EXPECT_EQ(bagFolder + ": there is no .db3 file in the folder; 'bag_0.mcap' must be converted first",
-            contentsOf(bagFolder).fatal);
+  EXPECT_THAT(contentsOf(bagFolder).fatal, HasSubstr("bag_0.mcap: has no table 'topics': this is no bag"));
 }
 
 TEST_F(RosbagReaderTest, NamesTheTopicAndTheMessageThatItCannotRead)
@@ -459,6 +498,28 @@ TEST_F(RosbagReaderTest, NamesTheTopicAndTheMessageThatItCannotRead)
   EXPECT_THAT(
       contents.badLines,
       ElementsAre(HasSubstr("bag.db3: /humans/faces/tracked: message 3: ends too early, or is of another type")));
+}
+
+TEST_F(RosbagReaderTest, RefusesBadMessagesAboutPersonsAtTheirPlaces)
+{
+  const std::string cut("\0\1\0\0\x05", 5);
+  image(0., {faceFrame("a", {0., 0., 2.})});
+  bag().add(0.1, "/humans/persons/ada/face_id", cut);
+  bag().add(0.2, "/humans/persons/ada/face_id", cut);
+  bag().add(0.3, "/humans/persons/ada/voice_id", cut);
+  bag().add(0.4, "/humans/persons/ada/voice_id", stringMessage(std::string(1 << 20, 'v')));
+  bag().add(0.5, "/humans/persons/ada/face_id", stringMessage("a"));
+  image(0.6, {faceFrame("a", {0., 0., 2.})});
+  const auto contents = read();
+  EXPECT_EQ("", contents.fatal);
+  ASSERT_THAT(stepsOf(contents), ElementsAre("0", "0"));
+  EXPECT_EQ("ada", contents.entries[0].personName);
+  EXPECT_THAT(
+      contents.badLines,
+      ElementsAre(HasSubstr("bag.db3: /humans/persons/ada/face_id: message 3: ends too early, or is of another type"),
+                  HasSubstr("bag.db3: /humans/persons/ada/face_id: message 4: ends too early, or is of another type"),
+                  HasSubstr("bag.db3: /humans/persons/ada/voice_id: message 5: ends too early, or is of another type"),
+                  HasSubstr("/humans/persons/ada/voice_id: message 6: has 1048585 bytes, too many for its type")));
 }
 
 TEST_F(RosbagReaderTest, RefusesMessagesThatLieAboutTheirLength)
@@ -524,7 +585,10 @@ TEST_F(RosbagReaderTest, RefusesOtherFormatsOfMessages)
 TEST_F(RosbagReaderTest, NeedsATopicThatItKnows)
 {
   bag().topic("/camera/image", "sensor_msgs/msg/Image");
-  EXPECT_EQ(path() + ": has no topic that is read: expected /tf or topics of ROS4HRI below /humans", read().fatal);
+  EXPECT_EQ(path() +
+                ": has no topic that is read: expected /tf or topics of ROS4HRI below /humans, found "
+                "'/camera/image'",
+            read().fatal);
 }
 
 TEST_F(RosbagReaderTest, NeedsTheTablesOfABag)
@@ -596,7 +660,7 @@ TEST_F(RosbagReaderTest, SaysWhatIsMissing)
 {
   image(0., {faceFrame("a", {0., 0., 2.})});
   EXPECT_EQ(
-      "ROS 2 bag: angles from the frames of the faces, counted from the optical axis of the camera, moved by "
+      "ROS 2 bag (SQLite): angles from the frames of the faces, counted from the optical axis of the camera, moved by "
       "up to 5 degrees towards where the head rests, not mirrored; "
       "missing: expressions, action units, landmarks, speech",
       read().description.front());

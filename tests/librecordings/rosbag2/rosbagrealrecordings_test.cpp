@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-// Bags of other people's robots, and the tables beside them that tell what is in them.
+// Bags of other people's robots, and tables of their contents beside them.
 
 namespace
 {
@@ -71,7 +71,7 @@ protected:
 constexpr double rounding = 0.0051;       // [deg] the table has two decimals
 constexpr double metreRounding = 5.1e-5;  // [m] and of distances four
 
-TEST_P(RealBag, TellsTheAnglesAndDistancesOfItsTable)
+TEST_P(RealBag, ReportsTheAnglesAndDistancesOfItsTable)
 {
   std::int32_t person = 0;
   for (const char* const face : GetParam().faces)
@@ -89,8 +89,8 @@ TEST_P(RealBag, TellsTheAnglesAndDistancesOfItsTable)
   }
 }
 
-// The table has its azimuth in the plane of the camera's x and z, and we on the cone about x: at the edge of an image
-// that is a degree.
+// The table has its azimuth in the plane of the camera's x and z, we have it on the cone about x: at the edge of an
+// image that is a degree.
 TEST_P(RealBag, CountsAnglesFromTheLineOfSightAsItsTable)
 {
   constexpr double otherAzimuth = 1.;

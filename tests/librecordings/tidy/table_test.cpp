@@ -74,12 +74,12 @@ TEST_F(TableTest, WithTimesInAnotherUnitIsRefused)
     return support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0);
   };
   EXPECT_EQ(
-      "table, row 0: time: expected seconds, from the start of the recording or since 1970, found '1.7e+18'; this "
-      "looks like nanoseconds, to be divided by 1000000000",
+      "table, row 0: time: expected seconds, from the start of the recording or since 1970, found '1.7e+18'; it "
+      "looks like nanoseconds: divide it by 1000000000",
       errorOf({1.7e18}));
   EXPECT_EQ(
-      "table, row 1: time: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, to be "
-      "divided by 1000000000",
+      "table, row 1: time: is 33333333 s after the one before; expected seconds; it looks like nanoseconds: "
+      "divide it by 1000000000",
       errorOf({0., 33333333.}));
 }
 
@@ -90,8 +90,8 @@ TEST_F(TableTest, WithMomentsInMillisecondsIsRefused)
   Table table{"table", 2, {{"smile", smile.data(), {}}}};
   table.moments = moments.data();
   EXPECT_EQ(
-      "table, row 0: time: expected nanoseconds since 1970, found 1700000000000: this looks like milliseconds, to be "
-      "multiplied by 1000000",
+      "table, row 0: time: expected nanoseconds since 1970, found 1700000000000; it looks like milliseconds: "
+      "multiply it by 1000000",
       support::contentsOf(*KV::recordings::openTable(table)).badLines.at(0));
 }
 
@@ -138,7 +138,7 @@ TEST_F(TableTest, KnowsTheNamesOfItsColumns)
                                      "expressions.joy.confidence", "start.samples", "ambiance.activity", "seen"}));
 }
 
-/// A table of what a front end wrote, and the text of its file.
+/// A table that a front end wrote, and the text of its file.
 class FormattedTable : public TableTest
 {
 protected:
@@ -160,7 +160,7 @@ protected:
                   {"AU12_r", smiles.data(), {}},
                   {"note", nullptr, {"", "a, b", "c"}}}};
 
-  /// Returns the message of the error that opening the table ends with.
+  /// Returns the message of the error from opening the table.
   std::string errorWith(const std::string& format) const
   {
     try

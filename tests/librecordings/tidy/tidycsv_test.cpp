@@ -79,7 +79,7 @@ TEST_F(TidyCsv, MakesOneStepOfTheRowsOfATimeAndAPerson)
   EXPECT_DOUBLE_EQ(2., secondsOf(contents.entries[2]));
 }
 
-// Every reading under the name that JSON Lines have for it.
+// Every reading, with its name in JSON Lines.
 
 struct SameAsJson
 {
@@ -163,7 +163,7 @@ TEST_F(TidyCsv, HoldsFacialPointsOneByOne)
   EXPECT_FLOAT_EQ(0.f, points.facialPoint(KV::FacialPoint5).confidence);
 }
 
-TEST_F(TidyCsv, TellsWhoWasNotSeen)
+TEST_F(TidyCsv, ReportsWhoWasNotSeen)
 {
   EXPECT_FALSE(entryOf("seen", "false,,,,,,,,,").seen);
   EXPECT_TRUE(entryOf("seen", "true,,,,,,,,,").seen);
@@ -216,7 +216,7 @@ TEST_F(TidyCsv, CountsTimesFromTheStartOrSince1970)
   EXPECT_TRUE(since1970.isDated);
 }
 
-// As pandas writes: an index without a name, NaN or nothing for what is unknown, whole numbers with a fraction.
+// In the form of pandas: an index without a name, NaN or nothing for unknown values, whole numbers with a fraction.
 TEST_F(TidyCsv, TakesAPauseOfAMonth)
 {
   EXPECT_DOUBLE_EQ(3e6, support::secondsOf(read("time,reading,value\n0,smile,1\n3e6,smile,1\n").entries.at(1)));
@@ -240,7 +240,7 @@ TEST_F(TidyCsv, TakesWhatPandasWrites)
   EXPECT_DOUBLE_EQ(10., secondsOf(contents.entries[2]));
 }
 
-TEST_F(TidyCsv, TellsNothingOfAPersonOfWhomNothingIsKnown)
+TEST_F(TidyCsv, ReportsNothingOfAPersonWithoutReadings)
 {
   EXPECT_THAT(read("time,person,reading,value\n0,1,smile,\n").entries, IsEmpty());
 }
@@ -251,7 +251,7 @@ TEST_F(TidyCsv, WarnsOfColumnsThatItDoesNotRead)
               ElementsAre("columns that are not read: confidense, note"));
 }
 
-TEST_F(TidyCsv, GoesOnBehindABadRowWithoutLosingTheOthersOfItsTime)
+TEST_F(TidyCsv, ContinuesAfterABadRowWithoutLosingTheOthersOfItsTime)
 {
   const auto contents = read(
       "time,reading,value\n"
@@ -270,7 +270,7 @@ struct BadTidyCase
 {
   const char* name;
   const char* text;
-  const char* error;  // behind the name of the file
+  const char* error;  // after the name of the file
 };
 
 TEST_F(TidyCsv, TakesNumbersALittleBeyondTheirRange)
@@ -310,16 +310,16 @@ INSTANTIATE_TEST_SUITE_P(
                     "2: time: expected seconds, from the start of the recording or since 1970, found '1e11'"},
         BadTidyCase{"Nanoseconds", "time,reading,value\n1577836800000000000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000000000'; this looks like nanoseconds, to be divided by 1000000000"},
+                    "'1577836800000000000'; it looks like nanoseconds: divide it by 1000000000"},
         BadTidyCase{"Microseconds", "time,reading,value\n1577836800000000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000000'; this looks like microseconds, to be divided by 1000000"},
+                    "'1577836800000000'; it looks like microseconds: divide it by 1000000"},
         BadTidyCase{"Milliseconds", "time,reading,value\n1577836800000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
-                    "'1577836800000'; this looks like milliseconds, to be divided by 1000"},
+                    "'1577836800000'; it looks like milliseconds: divide it by 1000"},
         BadTidyCase{"NanosecondsFromTheStart", "time,reading,value\n0,smile,1\n33333333,smile,1\n",
-                    "3: time: is 33333333 s after the one before; expected seconds: this looks like nanoseconds, to be "
-                    "divided by 1000000000"},
+                    "3: time: is 33333333 s after the one before; expected seconds; it looks like nanoseconds: "
+                    "divide it by 1000000000"},
         BadTidyCase{"TimeThatIsNone", "time,reading,value\n9e300,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found '9e300'"},
         BadTidyCase{

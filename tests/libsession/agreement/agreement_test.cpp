@@ -1,3 +1,4 @@
+#include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/agreement.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
 
@@ -154,7 +155,7 @@ TEST_F(AgreementOfLabels, HoldsAnUpdateForASecondAtMost)
   EXPECT_NEAR(10., all.leftOut.noUpdate, precision);
 }
 
-TEST_F(AgreementOfLabels, TellsWhatWasLeftOutAndWhy)
+TEST_F(AgreementOfLabels, ReportsWhatWasLeftOutAndWhy)
 {
   for (int i = 0; i < 100; ++i)
   {
@@ -350,6 +351,33 @@ TEST_F(AgreementOfLabels, SaysWhyNothingCanBeCompared)
   EXPECT_EQ("no label can be compared: nobody was seen in the recording", refusal());
   play(1, 10., 5.);
   EXPECT_EQ("no label can be compared: there is none", refusal());
+}
+
+TEST_F(AgreementOfLabels, ComparesAHundredCodersAtMost)
+{
+  play(1, 10., 5.);
+  for (int coder = 0; coder <= 100; ++coder)
+    add(0., 10., "positive", "", std::to_string(coder));
+  EXPECT_EQ("the labels of pleasure are from 101 coders, expected 100 at most", refusal());
+}
+
+TEST_F(AgreementOfLabels, CanBeInterrupted)
+{
+  struct Ended
+  {};
+  play(1, 10., 5.);
+  add(0., 5., "neutral");
+  add(5., 10., "positive");
+  options.blockLength = 1.;
+  for (const int patience : {1, 50, 500})  // at once, while delays are tried, while intervals are drawn
+  {
+    int asked = 0;
+    const KV::recordings::InterruptionCheck check([&asked, patience] {
+      if (++asked == patience)
+        throw Ended();
+    });
+    EXPECT_THROW(compare(), Ended) << patience;
+  }
 }
 
 TEST_F(AgreementOfLabels, NamesLabelsThatMeanNoState)

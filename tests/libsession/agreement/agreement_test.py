@@ -1,4 +1,4 @@
-"""`skeigiot agree` tells what SciPy and scikit-learn compute of the same recording and labels.
+"""`skeigiot agree` agrees with SciPy and scikit-learn on the same recording and labels.
 
 usage: agreement_test.py COMMAND
 """
@@ -191,7 +191,7 @@ class Agreement(unittest.TestCase):
             for begin, end, row in self.held(person):
                 place = round(10 * begin) + tenths
                 known = row["seen"] == "1" and np.float32(row[f"{column}_confidence"]) >= np.float32(CONFIDENT)
-                # Behind its last value a track holds it for the usual interval.
+                # After its last value a track holds it for the usual interval.
                 track = [*self.track[person], self.track[person][-1]]
                 if known and 0 <= place < len(track) - 1 and abs(end - begin - 0.1) < 1e-6:
                     x.append(float(np.float32(row[column])))

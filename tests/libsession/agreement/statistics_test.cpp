@@ -7,7 +7,7 @@
 #include <cmath>
 #include <vector>
 
-// The figures are worked out by hand; agreement_test.py holds all of them against SciPy and scikit-learn.
+// The figures are computed by hand; agreement_test.py compares all of them with SciPy and scikit-learn.
 
 namespace
 {
@@ -27,7 +27,7 @@ ConfusionTable tableOf(double a, double b, double c, double d)
   return table;
 }
 
-TEST(ConfusionTable, TellsKappaAccuracyAndF1)
+TEST(ConfusionTable, ReportsKappaAccuracyAndF1)
 {
   // 35 of 50 agree: p_o = 0.7; rows 25, 25, columns 30, 20: p_e = 0.5 0.6 + 0.5 0.4 = 0.5
   const ConfusionTable table = tableOf(20., 5., 10., 15.);
@@ -37,7 +37,7 @@ TEST(ConfusionTable, TellsKappaAccuracyAndF1)
   EXPECT_NEAR(30. / 45., *table.f1(1), precision);
 }
 
-TEST(ConfusionTable, TellsPerfectAndOppositeAgreement)
+TEST(ConfusionTable, ReportsPerfectAndOppositeAgreement)
 {
   EXPECT_NEAR(1., *tableOf(3., 0., 0., 1.).kappa(), precision);
   EXPECT_NEAR(-1., *tableOf(0., 2., 2., 0.).kappa(), precision);
@@ -61,7 +61,7 @@ TEST(ConfusionTable, AddsUp)
   EXPECT_NEAR(50., table.total(), precision);
 }
 
-TEST(Moments, TellConcordancePearsonAndError)
+TEST(Moments, ReportConcordancePearsonAndError)
 {
   // x = 0, 1, 2; y = 1, 2, 3: variances and covariance 2/3, means differ by 1
   Moments moments;
@@ -129,7 +129,7 @@ TEST(Bootstrap, DrawsAsManyUnitsAsThereAre)
   }
 }
 
-TEST(Bootstrap, TellsTheMiddleOfTheValues)
+TEST(Bootstrap, ReportsTheMiddleOfTheValues)
 {
   std::vector<double> values;
   for (int i = 1000; i >= 0; --i)

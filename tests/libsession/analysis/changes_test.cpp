@@ -78,7 +78,7 @@ TEST(Changes, AddUpToTheSameInPartsAsAtOnce)
   EXPECT_EQ(0.5f, valence[1].greatestTarget);
 }
 
-TEST(SourceDescription, TellsTheMoodThatASourcePulledTo)
+TEST(SourceDescription, ReportsTheMoodThatASourcePulledTo)
 {
   const auto described = [](const std::string& source, float least, float greatest) {
     SourceChange change;

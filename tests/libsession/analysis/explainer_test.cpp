@@ -70,7 +70,7 @@ TEST_F(ExplainerTest, NotesWhenEverybodyWasUpdated)
   EXPECT_EQ(inNanoseconds(0.), persons.at(1).last);
 }
 
-/// Hands on who was updated, and does not watch forces.
+/// Passes on updates, and does not watch forces.
 class UpdatesOnly : public KV::session::SessionObserver
 {
 public:

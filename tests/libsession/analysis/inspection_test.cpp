@@ -34,7 +34,7 @@ TEST(Inspection, CountsTimesASecondWhateverTheNumberOfPersons)
   EXPECT_EQ(0U, inspection.gaps().count);
 }
 
-TEST(Inspection, TellsGapsAndLeavesThemOutOfTheRate)
+TEST(Inspection, ReportsGapsAndLeavesThemOutOfTheRate)
 {
   Inspection inspection;
   for (const double time : {0., 0.5, 1., 3.5, 4., 5., 5.5})
@@ -45,7 +45,7 @@ TEST(Inspection, TellsGapsAndLeavesThemOutOfTheRate)
   EXPECT_DOUBLE_EQ(2., inspection.timesPerSecond());
 }
 
-TEST(Inspection, TellsWhenEachPersonWasThere)
+TEST(Inspection, ReportsWhenEachPersonWasThere)
 {
   Inspection inspection;
   inspection.add(seenAt(0., 1));
@@ -60,7 +60,7 @@ TEST(Inspection, TellsWhenEachPersonWasThere)
   EXPECT_EQ(start + inNanoseconds(1.), span.last);
 }
 
-TEST(Inspection, TellsTheRangeOfEachNumber)
+TEST(Inspection, ReportsTheRangeOfEachNumber)
 {
   Inspection inspection;
   for (const float yaw : {-20.f, 5.f, std::numeric_limits<float>::quiet_NaN()})

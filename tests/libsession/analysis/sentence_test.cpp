@@ -13,7 +13,7 @@ SourceChange change(const char* source, double up, double down, float target)
   return {source, KV::ValenceQuantity, 1, up, down, target, target};
 }
 
-TEST(ChangeSentence, TellsWhoPulledAndWhoPulledTheOtherWay)
+TEST(ChangeSentence, ReportsWhoPulledAndWhoPulledTheOtherWay)
 {
   EXPECT_EQ(
       "valence fell from 0.41 to 0.12: facial expressions (negative) pulled 65 %, touch (positive) pulled 35 % the "
@@ -30,7 +30,7 @@ TEST(ChangeSentence, NamesThoseWhoMadeTheChangeBeforeThoseWhoOpposedIt)
                      {change("Not visible", 0., 0.6, 0.f), change("Smile", 0.4, 0., 1.f)}));
 }
 
-TEST(ChangeSentence, TellsTheWayOfEachPullWhereNothingChangedInTheEnd)
+TEST(ChangeSentence, ReportsTheWayOfEachPullWhereNothingChangedInTheEnd)
 {
   EXPECT_EQ("valence stayed at 0.50: smile (positive) pulled 50 % up, body language (negative) pulled 50 % down",
             describeChange(KV::ValenceQuantity, 0.501f, 0.499f,

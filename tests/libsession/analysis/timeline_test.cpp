@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
 #include <limits>
 #include <random>
 #include <vector>
@@ -46,6 +49,22 @@ INSTANTIATE_TEST_SUITE_P(Lengths, TimelineStep,
                                            StepCase{"AnHour", 3600., 120.}, StepCase{"ADay", 86400., 3600.},
                                            StepCase{"AMonth", 30. * 86400., 32. * 3600.}),
                          support::RowName());
+
+TEST(TimelineOfManyPersons, TakesTimeInProportion)
+{
+  constexpr std::int32_t persons = 30000;
+  Timeline timeline(boost::none);
+  for (std::int32_t person = 0; person < persons; ++person)
+  {
+    KV::session::Snapshot snapshot = snapshotAt(1e-6 * person);
+    snapshot.person = person;
+    timeline.personUpdated(snapshot);
+  }
+  const std::clock_t begin = std::clock();
+  EXPECT_EQ(static_cast<std::size_t>(persons), timeline.rows().size());
+  EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC)
+      << "0.1 s or so on an idle machine; each with each takes a minute";
+}
 
 /// Updates ten times a second.
 void updateUntil(double length, Timeline& timeline, double period = 0.1)
@@ -112,7 +131,7 @@ TEST(Timeline, KnowsWhatTheBodyLanguageSawMostInEachRow)
   ASSERT_EQ(3U, rows.size());
   EXPECT_TRUE(rows[0].headDirection() == HeadDirection::Up);
   EXPECT_TRUE(rows[1].headDirection() == HeadDirection::Left);
-  EXPECT_FALSE(rows[2].headDirection()) << "no posture was told";
+  EXPECT_FALSE(rows[2].headDirection()) << "no posture was reported";
 }
 
 struct DirectionCase
@@ -224,7 +243,7 @@ TEST(Timeline, KnowsWhatMovedEachRowAlsoWhereRowsWereMerged)
   EXPECT_TRUE(timeline.rows().at(8).at(0).changes().of(KV::ValenceQuantity).empty()) << "it was somebody else's";
 }
 
-TEST(Timeline, TakesTheLongestTimesThatAClockCanTell)
+TEST(Timeline, TakesTheLongestTimesThatAClockCanShow)
 {
   Timeline timeline(boost::none);
   timeline.personUpdated(snapshotAt(0.));

@@ -57,7 +57,7 @@ TEST(OutputStream, SaysSoAsSoonAsItsBufferIsFull)
   EXPECT_THROW(stream << std::string(200'000, 'x'), WriteError);
 }
 
-TEST(OutputStream, TellsAClosedPipeFromAFault)
+TEST(OutputStream, DistinguishesAClosedPipeFromAFault)
 {
   const auto former = std::signal(SIGPIPE, SIG_IGN);
   int ends[2];

@@ -49,7 +49,7 @@ protected:
     exporter->endSession(error);
   }
 
-  /// Returns what was written, by the names of the columns.
+  /// Returns the written values, by the names of the columns.
   Rows rows() const
   {
     std::istringstream lines(file.str());

@@ -34,7 +34,7 @@ TEST(History, ShowsTheNewestLast)
   EXPECT_THAT(history.means(start + seconds(60), 3), Each(IsNan()));
 }
 
-TEST(History, TellsTheMeanOfAStretch)
+TEST(History, ReturnsTheMeanOfAStretch)
 {
   History history;
   for (int i = 0; i < 60; ++i)
@@ -43,7 +43,7 @@ TEST(History, TellsTheMeanOfAStretch)
   EXPECT_THAT(history.means(start + seconds(74), 2), ElementsAre(0.5, 1.));
 }
 
-TEST(History, TellsTheMeanOfAllValuesOfASecond)
+TEST(History, ReturnsTheMeanOfAllValuesOfASecond)
 {
   History history;
   history.add(start, 0.f);

@@ -69,7 +69,7 @@ TEST_F(LiveSessionTest, ShowsTheTimeOfArrival)
   EXPECT_EQ(start + milliseconds(140), log.snapshots.back().time);
 }
 
-TEST_F(LiveSessionTest, StandsStillWhenTheWallClockIsSetBack)
+TEST_F(LiveSessionTest, DoesNotAdvanceWhenTheWallClockIsSetBack)
 {
   LiveSession live = session(StreamTimes::Arrival);
   live.take("{" + looksAtRobot + "}");
@@ -78,7 +78,7 @@ TEST_F(LiveSessionTest, StandsStillWhenTheWallClockIsSetBack)
   EXPECT_EQ(start, live.now());
 }
 
-TEST_F(LiveSessionTest, UpdatesWithEachLineWhileItsClockStandsStill)
+TEST_F(LiveSessionTest, UpdatesWithEachLineWhileItsClockDoesNotAdvance)
 {
   LiveSession live = session(StreamTimes::Arrival);
   live.take("{" + looksAtRobot + "}");
@@ -115,6 +115,35 @@ TEST_F(LiveSessionTest, RefusesTimesOfTheFuture)
   EXPECT_EQ("time", refusedFor(live, timed(1.001, looksAtRobot)));
 }
 
+TEST_F(LiveSessionTest, TakesALineThatHasBeenReadAsItsText)
+{
+  const std::string text = timed(-2.5, looksAtRobot);
+  LiveSession readsItself = session(StreamTimes::Arrival);
+  readsItself.take(text);
+  LiveSession live = session(StreamTimes::Arrival);
+  live.take(KV::recordings::streamLineFromJson(text, boost::none));
+  EXPECT_EQ(start, live.now());
+  ASSERT_EQ(2u, log.snapshots.size());
+  EXPECT_EQ(log.snapshots.front().attention.value, log.snapshots.back().attention.value);
+  EXPECT_EQ(log.snapshots.front().attention.confidence, log.snapshots.back().attention.confidence);
+
+  KV::recordings::StreamLine line;
+  line.entry.time = start + milliseconds(1001);
+  EXPECT_THROW(live.take(line), MemberError) << "more than a second ahead";
+}
+
+TEST_F(LiveSessionTest, TakesTheTimeOfALineThatHasBeenRead)
+{
+  LiveSession live = session(StreamTimes::Lines);
+  KV::recordings::StreamLine line;
+  line.entry.time = start + milliseconds(700);
+  line.leaving = {4};
+  EXPECT_EQ(std::vector<std::int32_t>{4}, live.take(line));
+  EXPECT_EQ(start + milliseconds(700), live.now());
+  line.entry.time = start;
+  EXPECT_THROW(live.take(line), MemberError) << "time runs backwards";
+}
+
 TEST_F(LiveSessionTest, ShowsTheTimeOfTheLines)
 {
   LiveSession live = session(StreamTimes::Lines);
@@ -141,6 +170,21 @@ TEST_F(LiveSessionTest, RefusesToOpenTooManyScopes)
   EXPECT_TRUE(log.snapshots.empty()) << "the line changed nothing";
   EXPECT_EQ("-", refusedFor(live, R"({"stop":["7"]})"));
   EXPECT_EQ("-", refusedFor(live, R"({"start":[{"scope":"more"}]})"));
+}
+
+TEST_F(LiveSessionTest, RefusesPersonsWhoAreTooManyForTheScopes)
+{
+  LiveSession live = session(StreamTimes::Arrival);
+  for (std::size_t i = 0; i < KV::session::Scopes::mostOpen; ++i)
+    EXPECT_EQ("-", refusedFor(live, R"({"start":[{"scope":")" + std::to_string(i) + R"("}]})"));
+  int person = 0;
+  const auto lineOf = [](int number) { return R"({"person":)" + std::to_string(number) + "}"; };
+  while (person < 2000 && refusedFor(live, lineOf(person)) == "-")
+    ++person;
+  EXPECT_GE(person, 1000);
+  EXPECT_EQ("person", refusedFor(live, lineOf(person)));
+  EXPECT_EQ("-", refusedFor(live, lineOf(0)));
+  EXPECT_EQ("-", refusedFor(live, R"({"stop":["7","8"]})"));
 }
 
 TEST_F(LiveSessionTest, ForgetsWhoLeaves)

@@ -109,7 +109,7 @@ TEST_F(StreamTest, AnswersForThePersonOfTheLineThoughAnotherOneIsUpdatedToo)
   EXPECT_FALSE(answer(lineOf(entryAt(0.6))).contains("person"));
 }
 
-TEST_F(StreamTest, TellsTheTimeInNanoseconds)
+TEST_F(StreamTest, AnswersWithTheTimeInNanoseconds)
 {
   EXPECT_EQ(1577836802500000000, answer(lineOf(entryAt(2.5)))["time"]);
 }
@@ -120,7 +120,7 @@ TEST_F(StreamTest, SaysNothingOfPersonsInALineAboutNobody)
   EXPECT_FALSE(answer(lineOf(notSeenAt(2., 4))).contains("person")) << "who was never seen is nobody";
 }
 
-TEST_F(StreamTest, TellsOfTheRoom)
+TEST_F(StreamTest, AnswersWithTheRoom)
 {
   KV::recordings::Step entry = entryAt(1.);
   entry.ambianceActivity = 0.9f;
@@ -130,7 +130,7 @@ TEST_F(StreamTest, TellsOfTheRoom)
   EXPECT_FALSE(answer(lineOf(entryAt(2.))).contains("agitation"));
 }
 
-TEST_F(StreamTest, TellsTheVerdictsOfStoppedScopes)
+TEST_F(StreamTest, AnswersWithTheVerdictsOfStoppedScopes)
 {
   KV::recordings::Step first = seenAt(0., 3);
   first.scopeStarts = {{"greeting", -1}, {"short", 1}};
@@ -149,7 +149,7 @@ TEST_F(StreamTest, TellsTheVerdictsOfStoppedScopes)
   EXPECT_THAT(verdicts[1]["persons"][0]["verdict"], testing::AnyOf("positive", "unknown", "neutral"));
   EXPECT_EQ(5, verdicts[1]["persons"][1]["person"]);
   EXPECT_EQ("error", verdicts[2]["verdict"]);
-  EXPECT_FALSE(answer(lineOf(entryAt(0.3))).contains("verdicts")) << "a verdict is told once";
+  EXPECT_FALSE(answer(lineOf(entryAt(0.3))).contains("verdicts")) << "a verdict is sent once";
 }
 
 TEST_F(StreamTest, PassesTheWarningsOfTheLibraryOn)
@@ -191,9 +191,8 @@ TEST_F(StreamTest, RefusesTimesThatAreNoNanoseconds)
 {
   const json bad = answer(R"({"time":1700000000,"person":3})");
   EXPECT_EQ("time", bad["error"]["field"]);
-  EXPECT_EQ(
-      "expected nanoseconds since 1970, found 1700000000: this looks like seconds, to be multiplied by 1000000000",
-      bad["error"]["message"]);
+  EXPECT_EQ("expected nanoseconds since 1970, found 1700000000; it looks like seconds: multiply it by 1000000000",
+            bad["error"]["message"]);
   for (const char* const line : {R"({"time":1,"person":3})", R"({"time":2,"person":3})", R"({"time":3,"person":3})"})
     EXPECT_FALSE(answer(line).contains("error")) << line;
   EXPECT_EQ("time", answer(R"({"time":4,"person":3})")["error"]["field"]);
@@ -214,11 +213,11 @@ TEST_F(StreamTest, RefusesScoresInPercent)
   const json bad =
       answer(R"({"time":1577836801000000000,"person":3,"observation":{"smile":{"value":50,"confidence":1}}})");
   EXPECT_EQ("observation.smile.value", bad["error"]["field"]);
-  EXPECT_EQ("expected a number from 0 to 1, found 50: this looks like percent, to be divided by 100",
+  EXPECT_EQ("expected a number from 0 to 1, found 50; it looks like percent: divide it by 100",
             bad["error"]["message"]);
 }
 
-TEST_F(StreamTest, TellsOfWhatIsNoJsonWithoutAField)
+TEST_F(StreamTest, ReportsALineThatIsNotJsonWithoutAField)
 {
   for (const char* const text : {"x", "[1,2]", "{\"time\":1", "\xff\xfe", "{\"\xc3\x28\":1}", "{\"time\":1e999}"})
   {

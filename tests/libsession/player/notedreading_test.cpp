@@ -16,7 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Read = NotedReading::Read;
 
-/// Reads to the end; returns what became of each step.
+/// Reads to the end; returns the result for each step.
 std::vector<Read> stepsOf(NotedReading& reading)
 {
   std::vector<Read> steps;

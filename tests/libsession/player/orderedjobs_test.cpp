@@ -27,7 +27,7 @@ TEST(OrderedJobs, WorkOnSeveralThreadsAtATime)
   Jobs jobs(3, 3, [&working](std::size_t number, const std::atomic<bool>&) {
     ++working;
     while (working < 3)
-      std::this_thread::yield();  // ends only if all three are at work
+      std::this_thread::yield();  // ends only if all three are running
     return number;
   });
   for (std::size_t i = 0; i < 3; ++i)

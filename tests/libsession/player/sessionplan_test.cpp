@@ -26,7 +26,7 @@ const char* const tidy = "time,reading,value\n0,smile,1\n";
 class SessionPlanTest : public ::testing::Test
 {
 protected:
-  /// Returns the names of the sessions, the folder of the test left out.
+  /// Returns the names of the sessions, without the folder of the test.
   std::vector<std::string> planned() const
   {
     std::vector<std::string> names;
@@ -67,7 +67,7 @@ TEST_F(SessionPlanTest, TakesFilesNamedTogetherForInputsOfOneSession)
   EXPECT_THAT(planned(), ElementsAre("face.csv + voice.csv"));
 }
 
-TEST_F(SessionPlanTest, GivesEachFileASessionOfItsOwnIfItIsToldTo)
+TEST_F(SessionPlanTest, GivesEachFileASessionOfItsOwnOnRequest)
 {
   arguments.paths = {"face.csv", "voice.csv", "face.csv"};
   arguments.separately = true;

@@ -9,7 +9,7 @@
 namespace reporttests
 {
 
-/// A moment in which the valence was this, and nothing was observed.
+/// A moment with this valence and without any input.
 inline KV::session::Moment momentAt(int milliseconds, float valence)
 {
   KV::session::Moment moment;

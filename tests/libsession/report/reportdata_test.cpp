@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -61,6 +62,25 @@ TEST(ReportData, HoldsTheSeriesOfEachPerson)
   EXPECT_EQ("AQA=", person["seen"]);                      // 1 and 0 as bytes
   EXPECT_EQ("AAAAPwAAwH8=", person["inputs"]["smile"]);   // 0.5 and NaN as floats
   EXPECT_FALSE(person["inputs"].contains("joy"));
+}
+
+TEST(ReportData, HoldsVerdictsOnPersonsWithAnUpdateInTheScope)
+{
+  KV::session::ReportRecorder recorder{KV::session::ReportRecorder::Limits()};
+  KV::session::Session session({{"early", KV::session::Duration(0), KV::session::Duration(milliseconds(100))}},
+                               {&recorder});
+  KV::recordings::Step entry;
+  for (const std::int32_t person : {7, 8})
+  {
+    entry.time = beginning + milliseconds(person == 7 ? 0 : 500);
+    entry.person = person;
+    session.play(entry);
+  }
+  session.finish();
+  recorder.finish();
+  const Json data = KV::session::reportData(recorder, origin());
+  ASSERT_EQ(2U, data["persons"].size());
+  EXPECT_EQ(R"([{"id":7,"verdict":"unknown","updates":1}])", data["scopes"][0]["persons"].dump());
 }
 
 TEST(ReportData, HoldsTheRecordingAsAWhole)

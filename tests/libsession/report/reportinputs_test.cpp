@@ -16,7 +16,7 @@ namespace
 
 using ::testing::HasSubstr;
 
-/// What a report does not show: no force depends on them, or they say nothing to its reader.
+/// Inputs that a report does not show: no force depends on them, or they mean nothing to its reader.
 const std::set<std::string> notShown = {"lookingAtRobot", "gender",       "age",
                                         "faceDetected",   "facialPoints", "robotHeadPosture"};
 
@@ -53,7 +53,7 @@ TEST(ReportInputs, AreNoneOfAnEmptyObservation)
 
 TEST(ReportInputs, HaveWordsOnThePage)
 {
-  std::ifstream file(SKEIGIOT_SOURCE_DIR "/web/report/momentview.ts");
+  std::ifstream file(SKEIGIOT_SOURCE_DIR "/web/shared/readings.ts");
   const std::string page{std::istreambuf_iterator<char>(file), {}};
   for (const KV::session::ReportInput& input : KV::session::reportInputs())
     EXPECT_THAT(page, HasSubstr("\n  " + std::string(input.name) + ": { name: "));

@@ -23,7 +23,7 @@ class LabelsOnAReport : public ::testing::Test
 protected:
   Json json() const { return reportLabels({labels}, {3, 4}, options); }
 
-  /// Returns what is drawn for person 3.
+  /// Returns the labels that are drawn for person 3.
   Json ofThree() const
   {
     const Json all = json();

@@ -20,7 +20,7 @@ using KV::session::ReportRecorder;
 
 constexpr KV::session::TimePoint beginning{boost::chrono::seconds(1577836800)};
 
-/// Somebody who smiles more and less, and looks aside more and less.
+/// A person who smiles more and less, and looks aside more and less.
 Step stepAt(int number)
 {
   Step entry;

@@ -39,7 +39,7 @@ protected:
     throw std::logic_error("no such boundary");
   }
 
-  /// Sets the boundary; the reason if it was not taken.
+  /// Sets the boundary; returns the reason if it was refused.
   static std::string refusalOf(float value)
   {
     return setBoundary(boundary(), value) ? "" : KV::session::boundaryRefusal(boundary(), value);

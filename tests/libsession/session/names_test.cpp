@@ -22,7 +22,7 @@ TEST(Names, OfNoZoneIsTheSameAsForAPersonWithoutOne)
   EXPECT_EQ(KV::PersonState().personAttentionZone(), KV::session::zoneName(AttentionState::Unknown));
 }
 
-TEST(Names, TellTheFourPleasureStatesApart)
+TEST(Names, DistinguishTheFourPleasureStates)
 {
   EXPECT_EQ("unknown", KV::session::pleasureName(KV::PleasureUnknown));
   EXPECT_EQ("negative", KV::session::pleasureName(KV::PleasureNegative));

@@ -46,7 +46,7 @@ TEST(NonFiniteReadings, LeavesOutTheReadingAlone)
   EXPECT_TRUE(rest.expressions);
 }
 
-TEST(NonFiniteReadings, TellsHowManyThereWereAndWhereTheFirstWas)
+TEST(NonFiniteReadings, ReportsHowManyThereWereAndWhereTheFirstWas)
 {
   NonFiniteReadings readings;
   readings.withoutThem(seenAt(1., 3), inNanoseconds(1.));
@@ -58,7 +58,7 @@ TEST(NonFiniteReadings, TellsHowManyThereWereAndWhereTheFirstWas)
   EXPECT_EQ("left out 3 readings with numbers that are not finite, the first of person 3 at 1:01.250", readings.take());
 }
 
-TEST(NonFiniteReadings, CountsAnewOnceItHasTold)
+TEST(NonFiniteReadings, CountsAnewAfterEachReport)
 {
   NonFiniteReadings readings;
   readings.withoutThem(withNanGaze(1., 3), inNanoseconds(1.));
@@ -70,7 +70,7 @@ TEST(NonFiniteReadings, CountsAnewOnceItHasTold)
   EXPECT_EQ("left out 1 reading with numbers that are not finite, the first of person -7 at 0:02.000", readings.take());
 }
 
-// What the session plays is what a person is shown who never gets the bad reading.
+// The session must play the same steps as for a person who never gets the bad reading.
 TEST(NonFiniteReadings, DoNotReachTheEstimatorOfASession)
 {
   struct Latest : KV::session::SessionObserver
@@ -95,7 +95,7 @@ TEST(NonFiniteReadings, DoNotReachTheEstimatorOfASession)
   }
   EXPECT_GT(latest.snapshot.attention.value, 0.5f);
   EXPECT_EQ("left out 1 reading with numbers that are not finite, the first of person 4 at 0:00.700",
-            session.takeLeftOut());
+            session.takeOmittedReadings());
 }
 
 }  // namespace

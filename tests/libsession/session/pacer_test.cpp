@@ -281,9 +281,9 @@ TEST_F(PacerTest, FinishesWhatWaits)
   setTime(0.05);
   const KV::ValueConfidence<float> no(0.f, 1.f);
   const KV::ValueConfidence<float> yes(1.f, 1.f);
-  PersonObservation heard;
-  heard.voiceEmotion.emplace(now(), KV::VoiceEmotion(no, no, yes, no, no, yes));
-  EXPECT_FALSE(pacer.take(person, heard));
+  PersonObservation spoken;
+  spoken.voiceEmotion.emplace(now(), KV::VoiceEmotion(no, no, yes, no, no, yes));
+  EXPECT_FALSE(pacer.take(person, spoken));
   EXPECT_EQ(0.f, person.personState.personValence().value);
   EXPECT_TRUE(pacer.finish(person));
   EXPECT_NE(0.f, person.personState.personValence().value);
@@ -292,7 +292,7 @@ TEST_F(PacerTest, FinishesWhatWaits)
   EXPECT_TRUE(pacer.take(person, facing(0.f))) << "the grid is as it was";
 }
 
-TEST_F(PacerTest, TellsWhoWaitsLongest)
+TEST_F(PacerTest, ReportsWhoWaitsLongest)
 {
   Person other(2);
   pacer.take(other, facing(0.f));

@@ -1,12 +1,15 @@
 #include "libsession/entries.hpp"
 
 #include <skeigiot/emotionrecorder.hpp>
+#include <skeigiot/recordings/signallimits.hpp>
 #include <skeigiot/session/scopes.hpp>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <random>
 #include <set>
 #include <string>
@@ -158,7 +161,62 @@ TEST(Scopes, OpenNoMoreThanTheyMay)
   EXPECT_TRUE(scopes.start("more", -1, inNanoseconds(2.)));
 }
 
-/// Updates a person once a second, from second 0 to `last`, and returns all verdicts on the span.
+/// Opens all scopes, and updates persons until one more would be too many; returns how many were updated.
+std::int32_t fillScopes(Scopes& scopes)
+{
+  for (std::size_t i = 0; i < Scopes::mostOpen; ++i)
+    scopes.start(std::to_string(i), -1, inNanoseconds(0.));
+  std::int32_t persons = 0;
+  while (scopes.hasRoomFor(persons))
+    scopes.update(updateOf(persons++), positive);
+  return persons;
+}
+
+TEST(Scopes, LeaveOutPersonsBeyondTheLimit)
+{
+  Scopes scopes({});
+  const std::int32_t persons = fillScopes(scopes);
+  constexpr std::size_t most = KV::recordings::limits::mostPersonsInScopes;
+  EXPECT_EQ(most / (Scopes::mostOpen - 1), static_cast<std::size_t>(persons)) << "one for each update comes on top";
+  EXPECT_EQ("", scopes.takeOmittedUpdates());
+
+  EXPECT_TRUE(scopes.hasRoomFor(0)) << "who is in the scopes already stays in them";
+  scopes.update(updateOf(0), positive);
+  EXPECT_EQ("", scopes.takeOmittedUpdates());
+  scopes.update(updateOf(persons), positive);
+  const std::string text = scopes.takeOmittedUpdates();
+  EXPECT_EQ(0U, text.find("updates were left out of scopes ")) << text;
+  EXPECT_NE(std::string::npos, text.find("too many persons together (100000 more than updates); the first was '"));
+  EXPECT_EQ("", scopes.takeOmittedUpdates());
+  EXPECT_EQ(2U, scopes.stop("0", inNanoseconds(1.)).of(0).updates);
+}
+
+TEST(Scopes, LeaveNobodyOutOfTheFirstSpan)
+{
+  Scopes scopes({{"whole recording", inNanoseconds(0.), boost::none}});
+  scopes.advance(inNanoseconds(0.));
+  const std::int32_t persons = fillScopes(scopes);
+  for (std::int32_t more = 0; more < 1000; ++more)
+    scopes.update(updateOf(persons + more), positive);
+  const std::vector<ScopeVerdict> verdicts = scopes.finish(inNanoseconds(1.));
+  EXPECT_EQ("whole recording", verdicts.front().name);
+  EXPECT_EQ(static_cast<std::size_t>(persons + 1000), verdicts.front().persons.size());
+  EXPECT_GT(static_cast<std::size_t>(persons + 2), verdicts.back().persons.size());
+}
+
+TEST(Scopes, ThatAreOverCountForTheLimitAsTheirVerdictsAreKept)
+{
+  Scopes scopes({});
+  const std::int32_t persons = fillScopes(scopes);
+  for (std::size_t i = 1; i < Scopes::mostOpen; ++i)
+    scopes.stop(std::to_string(i), inNanoseconds(1.));
+  EXPECT_TRUE(scopes.hasRoomFor(persons)) << "there is one scope, and each update makes room for one person";
+  for (std::size_t i = 1; i < Scopes::mostOpen; ++i)
+    scopes.start(std::to_string(i), -1, inNanoseconds(1.));
+  EXPECT_FALSE(scopes.hasRoomFor(persons));
+}
+
+/// Updates a person once a second, from second 0 to `last`, and returns all verdicts on the scope.
 std::vector<ScopeVerdict> judged(const ScopeSpan& span, int last)
 {
   Scopes scopes({span});
@@ -213,7 +271,7 @@ TEST(ScopesOfASpan, ReachToTheEndOfTheRecordingIfTheyHaveNoEnd)
   EXPECT_EQ(inNanoseconds(9.), verdicts[0].to);
 }
 
-TEST(ScopesOfASpan, AreToldIfTheyAreNeverReached)
+TEST(ScopesOfASpan, AreReportedIfTheyAreNeverReached)
 {
   const auto verdicts = judged({"a", inNanoseconds(20.), inNanoseconds(30.)}, 9);
   ASSERT_EQ(1U, verdicts.size());
@@ -235,6 +293,45 @@ TEST(ScopesOfASpan, DoNotMixWithOnesOfTheSameNameThatTheRecordingStarts)
   Scopes scopes({{"a", inNanoseconds(0.), boost::none}});
   scopes.advance(inNanoseconds(0.));
   EXPECT_EQ(ScopeEnd::NotOpen, scopes.stop("a", inNanoseconds(0.)).end);
+}
+
+TEST(ScopesOfSpans, HaveTheUpdatesWithinThemHoweverTheyOverlap)
+{
+  std::mt19937 random(20261122);
+  for (int repetition = 0; repetition < 200; ++repetition)
+  {
+    SCOPED_TRACE(repetition);
+    const auto below = [&random](unsigned limit) { return static_cast<int>(random() % limit); };
+    std::vector<ScopeSpan> spans;
+    for (int i = below(6); i >= 0; --i)
+    {
+      const int from = below(20);
+      spans.push_back({std::to_string(i), inNanoseconds(from), inNanoseconds(from + below(10))});
+    }
+    Scopes scopes(spans);
+    std::vector<int> times;
+    std::map<std::string, ScopeVerdict> verdicts;
+    const auto keep = [&verdicts](const std::vector<ScopeVerdict>& some) {
+      for (const ScopeVerdict& verdict : some)
+        EXPECT_TRUE(verdicts.emplace(verdict.name, verdict).second) << "judged once";
+    };
+    for (int time = below(5); time < 25; time += below(4))
+    {
+      times.push_back(time);
+      keep(scopes.advance(inNanoseconds(time)));
+      scopes.update(updateOf(1, time), positive);
+    }
+    keep(scopes.finish(inNanoseconds(times.back())));
+    ASSERT_EQ(spans.size(), verdicts.size());
+    for (const ScopeSpan& span : spans)
+    {
+      const auto isWithin = [&span](int time) {
+        return span.from <= inNanoseconds(time) && inNanoseconds(time) <= *span.to;
+      };
+      EXPECT_EQ(static_cast<std::size_t>(std::count_if(times.begin(), times.end(), isWithin)),
+                verdicts.at(span.name).of(1).updates);
+    }
+  }
 }
 
 TEST(Scopes, JudgeAsTheRecorderDoes)

@@ -19,7 +19,7 @@ using namespace replaytests;
 using KV::session::Session;
 using KV::session::Snapshot;
 
-/// Keeps all that a session reports.
+/// Keeps all reports of a session.
 struct Log : KV::session::SessionObserver
 {
   void personUpdated(const Snapshot& snapshot) override { snapshots.push_back(snapshot); }
@@ -83,7 +83,7 @@ TEST_F(SessionTest, ReportsWhatAPersonUpdatedByHandShows)
   EXPECT_GT(log.snapshots.back().valence.value, 0.2f) << "the smile had no effect: the comparison shows nothing";
 }
 
-TEST_F(SessionTest, DoesNotKnowTheValenceOfAFaceOfWhichOnlyPointsAndPoseAreTold)
+TEST_F(SessionTest, DoesNotKnowTheValenceOfAFaceWithPointsAndPoseOnly)
 {
   KV::recordings::Step entry = entryAt(0.);
   entry.person = 4;
@@ -160,7 +160,7 @@ TEST_F(SessionTest, UpdatesAPersonWhoIsGoneWhileTheReadingsAreNew)
   EXPECT_EQ(start + seconds(60), log.snapshots[3].time);
 }
 
-TEST_F(SessionTest, UpdatesAPersonTheSameWhoeverElseIsThere)
+TEST_F(SessionTest, UpdatesAPersonTheSameBesideAnyOthers)
 {
   const auto valences = [](bool withOther) {
     Log watched;
@@ -291,7 +291,7 @@ TEST_F(SessionTest, TakesAnAbsurdCountOfMovementsWithoutWaitingForIt)
   EXPECT_EQ(1.f, log.agitations.at(0));
 }
 
-/// The agitation that the step leaves behind, the movements having been counted one by one.
+/// The agitation after the step, with the movements counted one by one.
 float agitationByHand(const std::vector<int>& movements)
 {
   KV::AmbianceState ambiance;
@@ -349,23 +349,44 @@ TEST_F(SessionTest, StartsAsManyScopesAsMayBeOpen)
 {
   Session session({}, {&log});
   const KV::recordings::Step step = startingScopes(KV::session::Scopes::mostOpen);
-  EXPECT_TRUE(session.canStartScopes(step));
+  EXPECT_EQ("", session.whyScopesCannotStart(step));
   session.play(step);
-  EXPECT_TRUE(session.canStartScopes(step)) << "all of them start anew";
-  EXPECT_FALSE(session.canStartScopes(startingScopes(KV::session::Scopes::mostOpen + 1)));
-  EXPECT_EQ("", session.takeNotStarted());
+  EXPECT_EQ("", session.whyScopesCannotStart(step)) << "all of them start anew";
+  EXPECT_EQ("more than 100 scopes would be open: stop scopes that are over first",
+            session.whyScopesCannotStart(startingScopes(KV::session::Scopes::mostOpen + 1)));
+  EXPECT_EQ("", session.takeNotesOnScopes());
   session.finish();
   EXPECT_EQ(KV::session::Scopes::mostOpen, log.verdicts.size());
+}
+
+TEST_F(SessionTest, SaysThatPersonsAreTooManyForTheScopes)
+{
+  Session session({}, {});
+  session.play(startingScopes(KV::session::Scopes::mostOpen + 1));
+  KV::recordings::Step step = entryAt(0.);
+  for (step.person = 0; *step.person < 5000 && session.hasRoomInScopes(step); ++*step.person)
+    session.play(step);
+  EXPECT_GE(*step.person, 1000);
+  session.play(step);
+  session.finish();
+  const std::vector<std::string> notes = session.takeNotes();
+  ASSERT_EQ(1U, notes.size());
+  const std::string& text = notes.front();
+  EXPECT_EQ(0U,
+            text.find("1 scope was not started, since 100 were open already; the first was '100'; updates were left "
+                      "out of scopes "))
+      << text;
+  EXPECT_EQ(std::vector<std::string>{}, session.takeNotes());
 }
 
 TEST_F(SessionTest, SaysWhichScopesItDidNotStart)
 {
   Session session({}, {&log});
   session.play(startingScopes(KV::session::Scopes::mostOpen + 1));
-  EXPECT_EQ("1 scope was not started, since 100 were open already; the first was '100'", session.takeNotStarted());
+  EXPECT_EQ("1 scope was not started, since 100 were open already; the first was '100'", session.takeNotesOnScopes());
   session.play(startingScopes(KV::session::Scopes::mostOpen + 2));
-  EXPECT_EQ("2 scopes were not started, since 100 were open already; the first was '100'", session.takeNotStarted());
-  EXPECT_EQ("", session.takeNotStarted());
+  EXPECT_EQ("2 scopes were not started, since 100 were open already; the first was '100'", session.takeNotesOnScopes());
+  EXPECT_EQ("", session.takeNotesOnScopes());
   session.finish();
   EXPECT_EQ(KV::session::Scopes::mostOpen, log.verdicts.size());
 }
@@ -408,7 +429,7 @@ TEST_F(SessionTest, WithoutAnEntryHasNoLength)
   EXPECT_TRUE(log.snapshots.empty());
 }
 
-TEST_F(SessionTest, TellsWhoWaitsToObserversThatWatchWaitingOnly)
+TEST_F(SessionTest, ReportsWhoWaitsToObserversThatWatchWaitingOnly)
 {
   struct WaitingLog : KV::session::SessionObserver
   {
@@ -433,7 +454,7 @@ TEST_F(SessionTest, TellsWhoWaitsToObserversThatWatchWaitingOnly)
   EXPECT_TRUE(other.waiting.empty());
 }
 
-TEST_F(SessionTest, TellsForcesToObserversThatWatchThemOnly)
+TEST_F(SessionTest, ReportsForcesToObserversThatWatchThemOnly)
 {
   struct ForceLog : KV::session::SessionObserver
   {

@@ -1,6 +1,6 @@
 #pragma once
 
-// A library as small as can be, in the versions that tests compare.
+// A very small library, in the versions that tests compare.
 namespace KV
 {
 

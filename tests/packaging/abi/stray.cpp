@@ -1,4 +1,4 @@
-// A library that exports what none of ours may.
+// A library that exports a symbol which our libraries must not export.
 
 #ifdef NameOfAnother
 

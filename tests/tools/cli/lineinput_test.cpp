@@ -17,7 +17,7 @@ using KV::tools::LineInput;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Takes all lines that are there; one that was too long is shown as "...".
+/// Takes all lines that are there; a line that was too long is shown as "...".
 std::vector<std::string> takenFrom(LineInput& input)
 {
   std::vector<std::string> lines;
@@ -74,13 +74,13 @@ TEST_F(LineInputTest, TakesALineOfTheGreatestLength)
   EXPECT_THAT(taken(), ElementsAre("12345"));
 }
 
-TEST_F(LineInputTest, TellsOnceOfALineThatIsTooLong)
+TEST_F(LineInputTest, ReportsALineThatIsTooLongOnce)
 {
   input.add("123456\nnext\n");
   EXPECT_THAT(taken(), ElementsAre("...", "next"));
 }
 
-TEST_F(LineInputTest, TellsOfALongLineInPiecesWhenItEnds)
+TEST_F(LineInputTest, ReportsALongLineInPiecesWhenItEnds)
 {
   for (int i = 0; i < 1000; ++i)
   {
@@ -91,7 +91,7 @@ TEST_F(LineInputTest, TellsOfALongLineInPiecesWhenItEnds)
   EXPECT_THAT(taken(), ElementsAre("...", "next"));
 }
 
-TEST_F(LineInputTest, TellsOfALongLineThatTheInputEndsIn)
+TEST_F(LineInputTest, ReportsALongLineThatTheInputEndsIn)
 {
   input.add("1234567");
   EXPECT_THAT(taken(), IsEmpty());

@@ -16,7 +16,7 @@ struct NearestCase
 {
   const char* name;
   const char* word;
-  const char* nearest;  // empty: none
+  const char* nearest;  // empty: no candidate
 };
 
 class Nearest : public ::testing::TestWithParam<NearestCase>

@@ -64,7 +64,7 @@ TEST_F(AgreeCommand, ShowsMeasuresTableAndWhatWasLeftOut)
   EXPECT_THAT(result.output, HasSubstr("\nintervals of 95 %: 1000 resamples of 2 blocks of 10.0 s\n"));
 }
 
-TEST_F(AgreeCommand, TellsTheSameAsJson)
+TEST_F(AgreeCommand, HasTheSameContentsAsJson)
 {
   Texts options = meaning;
   options.emplace_back("--json");

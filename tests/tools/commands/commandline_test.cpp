@@ -11,7 +11,7 @@
 #include <vector>
 
 /// \file
-/// What the built command makes of its first words, and of standard input.
+/// How the built command reads its first words, and standard input.
 
 namespace
 {
@@ -208,7 +208,7 @@ TEST_F(CommandLine, EndsWhenItIsInterruptedWhileItWaitsForStandardInput)
       "command=$!\n"
       "exec 3>\"$1/pipe\"\n"
       "cat \"$1/touch.csv\" >&3\n"
-      "looks=0\n"  // for the export, which has another name until it is whole
+      "looks=0\n"  // for the export, which has another name until it is complete
       "until ls -A \"$1\" | grep -q .skeigiot || [ $((looks += 1)) -gt 5000 ]; do :; done\n"
       "kill -TERM $command\n"
       "wait $command\n",

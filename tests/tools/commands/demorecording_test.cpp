@@ -40,7 +40,7 @@ TEST_F(DemoRecording, IsRebuiltFromItsForcesToTheLastBit)
   }
 }
 
-/// The commands that the page shows behind "$ skeigiot", each with the output below it.
+/// The commands that the page shows after "$ skeigiot", each with the output below it.
 std::vector<std::pair<std::string, std::string>> shownCommands()
 {
   const std::string prompt = "$ skeigiot ";

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-// Names that want to steer the terminal, in everything that the command reads and shows.
+// Names that try to steer the terminal, in every input that the command reads and shows.
 
 namespace
 {
@@ -22,14 +22,14 @@ using ::testing::HasSubstr;
 
 /// Sets the title, takes another color, turns the direction of writing, and hides.
 const std::string hostile = "x\033]0;PWN\a\u009b31m\u202e\u200by";
-const std::string harmless = "]0;PWN";  // what is left of it; quotes have question marks around it, others escapes
+const std::string harmless = "]0;PWN";  // the safe form of it; quotes have question marks around it, others escapes
 const std::string inJson = nlohmann::json(hostile).dump();
 
 struct Hostile
 {
   const char* name;
   std::string file;  ///< of the folder in which the command runs
-  std::string text;  ///< what is in it
+  std::string text;  ///< its contents
   std::string script;
 };
 

@@ -41,7 +41,7 @@ protected:
       "33,3,3.2,0.9,1,0,d,0\n";
 };
 
-TEST_F(InspectCommand, TellsWhatIsInARecordingAndHowItIsRead)
+TEST_F(InspectCommand, DescribesARecordingAndHowItIsRead)
 {
   const CommandResult result = inspect(face);
   EXPECT_EQ(0, result.status);
@@ -57,7 +57,7 @@ TEST_F(InspectCommand, TellsWhatIsInARecordingAndHowItIsRead)
                         "            2 columns not read: note, AU12_c\n"));
 }
 
-TEST_F(InspectCommand, TellsTheSameAsJson)
+TEST_F(InspectCommand, HasTheSameContentsAsJson)
 {
   const Json json = inspectedAsJson(face);
   EXPECT_EQ("openface", json["format"]);
@@ -71,7 +71,7 @@ TEST_F(InspectCommand, TellsTheSameAsJson)
   EXPECT_EQ("", json["error"]);
 }
 
-TEST_F(InspectCommand, TellsColumnsAndWarningsOfATableOfReadings)
+TEST_F(InspectCommand, ReportsColumnsAndWarningsOfATableOfReadings)
 {
   const std::string table = "time,reading,value,mood\n0,smile,0.5,x\n5,smile,1,x\n";
   const Json json = inspectedAsJson(table);
@@ -97,7 +97,7 @@ TEST_F(InspectCommand, SaysNothingOfColumnsWhereThereAreNone)
   EXPECT_THAT(inspect("{\"time\":5}\n").output, Not(HasSubstr("column")));
 }
 
-TEST_F(InspectCommand, ReadsOverBadLinesAndTellsOfThem)
+TEST_F(InspectCommand, SkipsBadLinesAndReportsThem)
 {
   const std::string table = "time,reading,value\n0,smile,0.5\n1,smile,wide\n2,smiling,1\n3,smile,1\n";
   const CommandResult result = inspect(table);
@@ -126,7 +126,7 @@ TEST_F(InspectCommand, HasALineForEachRecordingOfAFolder)
   EXPECT_THAT(result.output, ::testing::ContainsRegex("\nc.csv +not read: see the message\n"));
 }
 
-TEST_F(InspectCommand, TellsOfAFolderAsJson)
+TEST_F(InspectCommand, ReportsAFolderAsJson)
 {
   folder.write("a.csv", face);
   folder.write("b.csv", face);
@@ -150,7 +150,7 @@ TEST_F(InspectCommand, NamesAFileThatCannotBeRead)
   EXPECT_THAT(result.errors, HasSubstr("skeigiot: " + folder.path("recording.csv") + ": the format is not known"));
 }
 
-TEST_F(InspectCommand, TakesTheOptionsThatTellHowToRead)
+TEST_F(InspectCommand, TakesTheOptionsOnReading)
 {
   EXPECT_THAT(inspect(face, {"--fps", "10"}).output, HasSubstr("10 frames/s as given, instead of time stamps"));
 }

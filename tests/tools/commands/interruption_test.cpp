@@ -9,7 +9,7 @@
 #include <string>
 
 /// \file
-/// A signal ends the built command soon, whatever it reads.
+/// A signal ends the built command soon, while it reads anything.
 
 namespace
 {

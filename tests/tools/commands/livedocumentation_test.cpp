@@ -11,7 +11,7 @@ namespace
 {
 
 /// The lines of the page between the fence and "```".
-std::vector<std::string> linesBehind(const std::string& fence)
+std::vector<std::string> linesAfter(const std::string& fence)
 {
   std::ifstream page(SKEIGIOT_LIVE_PAGE);
   std::vector<std::string> lines;
@@ -29,8 +29,8 @@ std::vector<std::string> linesBehind(const std::string& fence)
 TEST(LivePage, ShowsTheAnswersThatItsLinesGet)
 {
   const float before = KV::PersonState::getBinaryBoundaryPositive();
-  const auto input = linesBehind("```json input");
-  const auto answers = linesBehind("```json answers");
+  const auto input = linesAfter("```json input");
+  const auto answers = linesAfter("```json answers");
   ASSERT_EQ(6u, input.size());
   ASSERT_EQ(input.size(), answers.size());
   KV::session::Stream stream(KV::session::StreamTimes::Lines, [] { return support::start; });

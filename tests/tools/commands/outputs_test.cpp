@@ -39,7 +39,7 @@ std::string smilingFace()
   return text + "\n";
 }
 
-/// A command line that writes a file; INPUT and OUTPUT stand for paths.
+/// A command line that writes a file; INPUT and OUTPUT are replaced by paths.
 struct OutputCase
 {
   const char* name;
@@ -110,13 +110,15 @@ TEST_P(OutputOfACommand, ReplacesAFileOfSomebodyElseByForceOnly)
   EXPECT_NE("of years\n", folder.read("notes.txt"));
 }
 
-TEST_P(OutputOfACommand, ReplacesWhatItWroteBeforeUnlessThatIsARecording)
+TEST_P(OutputOfACommand, ReplacesWhatItWroteBeforeUnlessThatIsARecordingOrLabels)
 {
   const std::string output = folder.path("output");
   EXPECT_EQ(0, runInto(output).status);
   const std::string written = folder.read("output");
   const bool isRecording = written.rfind("{\"time\":", 0) == 0;
-  EXPECT_EQ(isRecording ? 2 : 0, runInto(output).status);
+  const std::string& option = GetParam().arguments[2];
+  const bool areLabels = option == "--eaf" || option == "--audacity";  // which people edit
+  EXPECT_EQ(isRecording || areLabels ? 2 : 0, runInto(output).status);
   EXPECT_EQ(0, runInto(output, {"--force"}).status);
   EXPECT_THAT(folder.read("output"), StartsWith(written.substr(0, 100)));  // a report has the date of its making
 }
@@ -132,6 +134,8 @@ INSTANTIATE_TEST_SUITE_P(Outputs, OutputOfACommand,
                          ::testing::Values(OutputCase{"Csv", {"replay", "INPUT", "--csv", "OUTPUT"}},
                                            OutputCase{"Jsonl", {"replay", "INPUT", "--jsonl", "OUTPUT"}},
                                            OutputCase{"Recording", {"replay", "INPUT", "--to-jsonl", "OUTPUT"}},
+                                           OutputCase{"Elan", {"replay", "INPUT", "--eaf", "OUTPUT"}},
+                                           OutputCase{"Audacity", {"replay", "INPUT", "--audacity", "OUTPUT"}},
                                            OutputCase{"ReportOfReplay", {"replay", "INPUT", "--report", "OUTPUT"}},
                                            OutputCase{"Report", {"report", "INPUT", "-o", "OUTPUT"}},
                                            OutputCase{"Agreement",
@@ -172,6 +176,10 @@ TEST_F(OutputsTest, AreNeitherLabelsNorAMapping)
   EXPECT_THAT(runCommand({"replay", input, "--mapping", mapping, "--force", "--csv", mapping}).errors,
               HasSubstr(mapping + ": is the input " + mapping));
   EXPECT_EQ("{}", folder.read("mapping.json"));
+  EXPECT_THAT(runCommand({"replay", input, "--scopes", labels, "--force", "--csv", labels}).errors,
+              HasSubstr(labels + ": is the input " + labels));
+  EXPECT_THAT(runCommand({"replay", input, "--beside", labels, "--force", "--eaf", labels}).errors,
+              HasSubstr(labels + ": is the input " + labels));
 }
 
 TEST_F(OutputsTest, GoToOneFileOnceWhateverItsSpelling)

@@ -96,7 +96,7 @@ TEST_F(PlaybackTest, ShowsTheTimeThatPasses)
   EXPECT_EQ(start + seconds(20), played.at(after(99.))) << "it stands still at the end";
 }
 
-TEST_F(PlaybackTest, StandsStillWhileItPauses)
+TEST_F(PlaybackTest, DoesNotAdvanceWhileItPauses)
 {
   Playback played = playback(stepsAt({0., 10.}));
   played.play(morning);
@@ -112,7 +112,7 @@ TEST_F(PlaybackTest, StandsStillWhileItPauses)
   EXPECT_EQ(2U, log.times.size());
 }
 
-TEST_F(PlaybackTest, GoesOnBehindBadLines)
+TEST_F(PlaybackTest, ContinuesAfterBadLines)
 {
   Playback played = playback({ScriptedReader::badLine(2), ScriptedReader::entry(seenAt(0., 1)),
                               ScriptedReader::badLine(4), ScriptedReader::entry(seenAt(1., 1))});
@@ -160,6 +160,35 @@ TEST_F(PlaybackTest, HasNotes)
   played.play(morning);
   EXPECT_THAT(played.takeNotes(), ElementsAre("columns that are not read: mood", HasSubstr("left out 1 reading")));
   EXPECT_THAT(played.takeNotes(), IsEmpty());
+}
+
+KV::recordings::Step startOf(const std::string& scope)
+{
+  KV::recordings::Step step;
+  step.scopeStarts.push_back({scope, -1});
+  return step;
+}
+
+TEST_F(PlaybackTest, TakesScopesAtTheTimeThatIsShown)
+{
+  Playback played = playback(stepsAt({100., 102.}));
+  EXPECT_EQ("the recording has not begun", played.takeScopes(startOf("early"), after(0.)));
+  played.play(after(0.));
+  EXPECT_EQ("", played.takeScopes(startOf("greeting"), after(0.5)));
+  played.play(after(2.));
+  EXPECT_EQ("the recording has ended", played.takeScopes(startOf("late"), after(3.)));
+  EXPECT_THAT(log.times,
+              ElementsAre(start + inNanoseconds(100.), start + inNanoseconds(100.5), start + inNanoseconds(102.)));
+}
+
+TEST_F(PlaybackTest, RefusesScopesThatAreTooMany)
+{
+  Playback played = playback(stepsAt({100., 102.}));
+  played.play(after(0.));
+  for (std::size_t i = 0; i < KV::session::Scopes::mostOpen; ++i)
+    EXPECT_EQ("", played.takeScopes(startOf(std::to_string(i)), after(0.5)));
+  EXPECT_EQ("more than 100 scopes would be open: stop scopes that are over first",
+            played.takeScopes(startOf("one more"), after(0.5)));
 }
 
 }  // namespace

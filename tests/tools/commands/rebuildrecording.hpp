@@ -16,7 +16,7 @@
 namespace explaintests
 {
 
-/// What became of rebuilding one person's estimates.
+/// The result of rebuilding one person's estimates.
 struct Rebuilt
 {
   std::size_t updates = 0;
@@ -24,7 +24,7 @@ struct Rebuilt
   std::string firstDifference;
 };
 
-/// Plays the recording, and rebuilds all estimates of a person from their forces; also returns who else is there.
+/// Plays the recording, and rebuilds all estimates of a person from their forces; also returns all other persons.
 inline std::pair<Rebuilt, std::map<std::int32_t, KV::session::Explainer::Updates>> rebuild(const std::string& path,
                                                                                            std::int32_t person)
 {

@@ -12,11 +12,11 @@
 namespace explaintests
 {
 
-/// The estimate of one person, rebuilt from nothing but the forces that acted on it.
+/// The estimate of one person, rebuilt only from the forces that acted on it.
 class RebuiltEstimate
 {
 public:
-  /// Lets all forces of an update act, and returns what differs from what the library came to; empty if not a bit does.
+  /// Applies all forces of an update, and returns how the result differs from the library's; empty if no bit differs.
   std::string apply(const KV::session::Explanation& explanation)
   {
     _difference.clear();

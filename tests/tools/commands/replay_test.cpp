@@ -39,7 +39,7 @@ std::string asJsonLines(const std::vector<KV::recordings::Step>& entries)
   return file.str();
 }
 
-/// Two persons over some seconds, one of whom goes away; with an ambiance and a scope of its own.
+/// Two persons over some seconds, one of whom leaves; with an ambiance and a scope of its own.
 std::vector<KV::recordings::Step> meeting()
 {
   std::vector<KV::recordings::Step> entries;
@@ -75,7 +75,7 @@ protected:
   std::string recording;
 };
 
-TEST_F(CommandTest, TellsItsVersion)
+TEST_F(CommandTest, PrintsItsVersion)
 {
   const CommandResult result = runCommand({"--version"});
   EXPECT_EQ(0, result.status);
@@ -94,6 +94,11 @@ TEST_F(CommandTest, ExplainsEveryOptionOfReplay)
   const CommandResult result = replay({"--help"});
   EXPECT_EQ(0, result.status);
   for (const char* option : {"--scope NAME=FROM..TO",
+                             "--scopes FILE[:TIER]",
+                             "--scopes-offset SECONDS",
+                             "--eaf FILE",
+                             "--audacity FILE",
+                             "--beside FILE",
                              "--offset FILE=SECONDS",
                              "--separately",
                              "--jobs NUMBER",
@@ -152,7 +157,7 @@ TEST_F(CommandTest, UsesNoColorsOnAPipe)
   EXPECT_THAT(replay({recording}).output, Not(HasSubstr("\033")));
 }
 
-TEST_F(CommandTest, UsesColorsOnAPipeIfItIsToldTo)
+TEST_F(CommandTest, UsesColorsOnAPipeIfAsked)
 {
   EXPECT_THAT(replay({recording, "--color", "always"}).output, HasSubstr("\033[1m"));
 }
@@ -416,6 +421,14 @@ INSTANTIATE_TEST_SUITE_P(
         UsageCase{"SeveralRecordingsIntoOne",
                   {"another.csv", "--separately", "--to-jsonl", "-"},
                   "--to-jsonl: needs a single session: times in a recording never go backwards"},
+        UsageCase{"SeveralRecordingsIntoADocument",
+                  {"another.csv", "--separately", "--eaf", "-"},
+                  "--eaf: needs a single session: a document of ELAN is about one recording"},
+        UsageCase{"SeveralRecordingsIntoALabelTrack",
+                  {"another.csv", "--separately", "--audacity", "-"},
+                  "--audacity: needs a single session: a label track is about one recording"},
+        UsageCase{
+            "AnOffsetOfScopesInWords", {"--scopes-offset", "late"}, "--scopes-offset: expected a number, found 'late'"},
         UsageCase{"NoJobs", {"--jobs", "0"}, "--jobs: expected a whole number from 1 to 1024, found '0'"},
         UsageCase{"HalfAJob", {"--jobs", "1.5"}, "--jobs: expected a whole number from 1 to 1024, found '1.5'"},
         UsageCase{"OffsetWithoutFile", {"--offset", "0.25"}, "--offset: '0.25' is not FILE=SECONDS"},
@@ -441,7 +454,7 @@ TEST_F(CommandTest, WantsACommandAndARecording)
   EXPECT_EQ(2, replay({}).status);
 }
 
-// Outputs that do not take what is written
+// Outputs that refuse the text
 
 TEST_F(CommandTest, ReportsAnExportThatCannotBeMade)
 {

@@ -34,7 +34,7 @@ std::string numberedName(int number)
   return "f" + digits.substr(1) + ".csv";
 }
 
-/// The most memory that any command of this process took so far.
+/// The greatest memory of all commands of this process so far.
 long peakInKilobytes()
 {
   struct rusage usage = {};
@@ -45,7 +45,7 @@ long peakInKilobytes()
 class LargeFolder : public ::testing::Test
 {
 protected:
-  /// Replays the folder where no more than 256 files may be open.
+  /// Replays the folder with a limit of 256 open files.
   CommandResult replay(const std::string& options) const
   {
     return runShell("ulimit -n 256; exec \"$skeigiot\" replay \"$1\" " + options + " --csv \"$2\"",
@@ -76,7 +76,7 @@ TEST_F(LargeFolder, NeedsFewOpenFilesAndNoMoreMemoryThanASmallOne)
   }
 }
 
-TEST_F(LargeFolder, ToldToReplayManyAtATimeReplaysAsManyAsCanBeOpen)
+TEST_F(LargeFolder, ReplaysNoMoreAtATimeThanCanBeOpen)
 {
   for (int i = 0; i < 600; ++i)
     folder.write(numberedName(i), recordingOf(2));
@@ -95,7 +95,7 @@ TEST_F(LargeFolder, WaitsForASlowRecordingWithFewOpenFiles)
   EXPECT_EQ(1 + 20'000 + 299 * 700, std::count(all.begin(), all.end(), '\n'));
 }
 
-TEST_F(LargeFolder, TellsErrorsInTheOrderOfTheFiles)
+TEST_F(LargeFolder, ReportsErrorsInTheOrderOfTheFiles)
 {
   for (int i = 0; i < 300; ++i)
     folder.write(numberedName(i), i % 100 == 50 ? "time,person,reading,value\nnever,0,smile,1\n" : recordingOf(2));

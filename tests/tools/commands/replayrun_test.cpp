@@ -26,7 +26,7 @@ using ::testing::StartsWith;
 using Step = ScriptedReader::Step;
 using Names = std::set<std::string>;
 
-/// Replays scripted recordings, named "face.csv", "second.csv" and so on; one that is not scripted is missing.
+/// Replays scripted recordings, named "face.csv", "second.csv" and so on; a file without a script is missing.
 class ReplayTest : public ::testing::Test
 {
 protected:
@@ -71,7 +71,7 @@ protected:
   std::ostringstream errors;
 };
 
-TEST_F(ReplayTest, TellsWhatMovedEachRowIfThatIsWanted)
+TEST_F(ReplayTest, ShowsTheCausesOfEachRowOnRequest)
 {
   scripts["face.csv"] = {seen(0.)};
   replay();
@@ -218,7 +218,7 @@ TEST_F(ReplayTest, DoesNotPassOverDamage)
   EXPECT_THAT(output.str(), HasSubstr("1 update,"));
 }
 
-TEST_F(ReplayTest, TellsWarningsOfTheLibraryOnce)
+TEST_F(ReplayTest, ReportsWarningsOfTheLibraryOnce)
 {
   const auto withOldVoice = [](double sinceStart) {
     KV::recordings::Step entry = seenAt(sinceStart, 0);
@@ -279,7 +279,7 @@ protected:
     }
   }
 
-  /// Everything that a replay with that many jobs writes, standard output and standard error apart.
+  /// All output of a replay with that many jobs, standard output and standard error apart.
   std::vector<std::string> writtenWith(std::size_t jobs)
   {
     output.str("");
@@ -347,7 +347,7 @@ TEST_F(ReplayTest, ReplaysNothingOfASessionOfWhichAnInputIsMissing)
   EXPECT_THAT(output.str(), Not(HasSubstr("Person")));
 }
 
-/// An output whose reader has gone away.
+/// An output whose reader has closed it.
 class ClosedPipe : public std::streambuf
 {
   int_type overflow(int_type) override { throw KV::session::WriteError("standard output", EPIPE); }

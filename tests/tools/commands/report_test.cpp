@@ -77,7 +77,7 @@ TEST_F(ReportCommand, HasNoDateWhereTheRecordingHasNone)
   EXPECT_THAT(runCommand({"report", dated, "-o", "-"}).output, HasSubstr("\"begins\":1700000000"));
 }
 
-TEST_F(ReportCommand, TellsTheWarningsThatTheTerminalShows)
+TEST_F(ReportCommand, HasTheWarningsOfTheTerminal)
 {
   const std::string recording = folder.write("frames.csv", "frame,confidence,success,AU12_r\n1,1,1,2\n2,1,1,2\n");
   const CommandResult result = runCommand({"report", recording, "-o", "-"});

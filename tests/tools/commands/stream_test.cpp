@@ -1,6 +1,7 @@
 #include "libsession/entries.hpp"
 #include "support/childprocess.hpp"
 #include "support/command.hpp"
+#include "support/temporaryfolder.hpp"
 
 #include <skeigiot/recordings/observationjson.hpp>
 
@@ -27,7 +28,21 @@ TEST(StreamProcess, ShowsAChangeInTheExampleOfItsHelp)
   const std::string help = runCommand({"stream", "--help"}).output;
   const std::size_t example = help.find("  for score in ");
   ASSERT_NE(std::string::npos, example);
-  const CommandResult result = runShell("skeigiot() { $skeigiot \"$@\"; }\n" + help.substr(example));
+  // The pauses of the example begin when the line before them is answered: a program may take long to start.
+  const TemporaryFolder folder;
+  const std::string functions = R"sh(
+skeigiot() { $skeigiot "$@" >>answers; cat answers; }
+sleep() {
+  asked=$((asked + 1))
+  for i in $(seq 400)
+  do
+    [ "$(wc -l <answers)" -lt $asked ] || break
+    command sleep 0.05
+  done
+  command sleep "$1"
+}
+)sh";
+  const CommandResult result = runShell("cd " + folder.path("") + "\n: >answers\n" + functions + help.substr(example));
   EXPECT_EQ(0, result.status) << result.errors;
   std::istringstream lines(result.output);
   std::vector<float> valences;
@@ -40,8 +55,8 @@ TEST(StreamProcess, ShowsAChangeInTheExampleOfItsHelp)
   EXPECT_GT(0.f, valences[3]);
 }
 
-// As a camera writes, at 30 Hz by the times of the lines, for ten seconds: the next line is written only when the
-// answer to the one before is here.
+// Lines at the rate of a camera, at 30 Hz by their times, for ten seconds: each line is written only after the answer
+// to the line before it.
 TEST(StreamProcess, AnswersEachLineBeforeTheNextIsWritten)
 {
   ChildProcess stream({"stream", "--times", "lines"});
@@ -59,7 +74,7 @@ TEST(StreamProcess, AnswersEachLineBeforeTheNextIsWritten)
   EXPECT_EQ(0, stream.wait());
 }
 
-TEST(StreamProcess, RunsByTheWallClockUnlessToldOtherwise)
+TEST(StreamProcess, RunsByTheWallClockByDefault)
 {
   ChildProcess stream({"stream"});
   std::int64_t last = 0;
@@ -130,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(FromOutside, StreamProcessSignal,
                                            SignalCase{"HangUp", SIGHUP}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-// A pipe holds 64 KiB: the program waits until somebody reads its answers.
+// A pipe holds 64 KiB: the program waits until its answers are read.
 TEST(StreamProcess, EndsOnASignalEvenIfNobodyReadsItsAnswers)
 {
   ChildProcess stream({"stream"});

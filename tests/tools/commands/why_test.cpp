@@ -97,7 +97,7 @@ TEST_F(WhyCommand, ExplainsTheLastUpdateBeforeTheTime)
   EXPECT_THAT(why({"--person", "1", "--at", "5"}).output, StartsWith("Person 1 at 0:04.0 (4 s), not seen\n"));
 }
 
-TEST_F(WhyCommand, TellsProgramsEachForceAndTheStatesAroundThem)
+TEST_F(WhyCommand, HasEachForceAndItsStatesForPrograms)
 {
   const Json json = asJson({"--person", "1", "--at", "2"});
   EXPECT_EQ(recording, json["recording"]);
@@ -162,7 +162,7 @@ TEST_F(WhyCommand, TakesTheWholeRecordingWhereASpanIsOpen)
   EXPECT_EQ(2, asJson({"--person", "1", "--to", "3"})["updates"]);
 }
 
-TEST_F(WhyCommand, TellsOfAnUpdateInAMergedSessionWhatAllInputsDid)
+TEST_F(WhyCommand, ExplainsAnUpdateInAMergedSessionByAllInputs)
 {
   const std::string touch = folder.write("touch.csv", "time,person,reading,value\n1,1,touchEmotion,1\n");
   const std::string voice = folder.write("voice.csv", "time,person,reading,value\n0.5,1,voiceEmotion.anger,1\n");

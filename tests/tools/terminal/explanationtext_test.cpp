@@ -88,7 +88,7 @@ TEST(ExplanationText, BreaksLongNamesOfSourcesWhereTheTableIsTooWide)
               HasSubstr("\nLimits of the sensor and the robot's motion  attention confidence  70.0 %"));
 }
 
-TEST(ExplanationText, TellsOfAPersonWhoWasNotSeen)
+TEST(ExplanationText, ReportsAPersonWhoWasNotSeen)
 {
   Explanation explanation;
   explanation.after.seen = false;

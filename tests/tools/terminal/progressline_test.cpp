@@ -29,6 +29,22 @@ TEST(ProgressLine, ShowsHowManyRecordingsAreDone)
   EXPECT_EQ("██████████████████······  75 %, 3 of 4 recordings", terminal.str());
 }
 
+TEST(ProgressLine, ShowsHowManySessionsAreDoneAndTheTimeThatIsLeft)
+{
+  std::ostringstream terminal;
+  ProgressLine line(terminal, true, std::chrono::seconds(0));
+  line.showSessions(3, 4, 1.);
+  EXPECT_EQ("████████████████████████ 100 %, 3 of 4 sessions, 0:00 left", terminal.str());
+}
+
+TEST(ProgressLine, LeavesOutTheTimeWhileNothingIsDone)
+{
+  std::ostringstream terminal;
+  ProgressLine line(terminal, true, std::chrono::seconds(0));
+  line.showSessions(0, 4, 0.0009);
+  EXPECT_EQ("························  <1 %, 0 of 4 sessions", terminal.str());
+}
+
 TEST(ProgressLine, IsErasedBeforeItIsShownAnewAndAtTheEnd)
 {
   std::ostringstream terminal;

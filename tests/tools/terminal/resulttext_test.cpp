@@ -18,7 +18,7 @@ using KV::tools::readingText;
 
 const char* const scope = "all";
 
-/// The result on persons who are judged so, each after one update with that valence, and attention from 0.
+/// The result for persons with these verdicts, each after one update with that valence, and attention from 0.
 class Result
 {
 public:

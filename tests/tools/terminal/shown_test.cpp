@@ -103,7 +103,7 @@ TEST(Wrapped, ShowsItsWords)
   EXPECT_EQ("one \\u001b[31mtwo\n  three", KV::tools::wrapped("one \033[31mtwo\nthree", 17, 2));
 }
 
-/// What a buffer passes on.
+/// The text that a buffer passes on.
 struct Passed
 {
   std::stringbuf target;

@@ -38,7 +38,7 @@ TEST(Summary, DescribesAPerson)
       summaryText(summary, 0, 80, Style(false)));
 }
 
-TEST(Summary, DoesNotTellAMeanOfWhatWasNeverKnown)
+TEST(Summary, ShowsNoMeanOfAnEstimateThatWasNeverKnown)
 {
   KV::session::Snapshot unknown = snapshotAt(0.);
   unknown.valence.confidence = 0.f;
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
                                   "neutral   'a' (0:02.0 to 0:04.0, 0 updates, which counts as neutral)"}),
     support::RowName());
 
-TEST(Summary, TellsScopesByTheirStartAndLongerOnesFirst)
+TEST(Summary, ReportsScopesByTheirStartAndLongerOnesFirst)
 {
   Summary summary;
   summary.personUpdated(snapshotAt(0.));

@@ -43,7 +43,7 @@ protected:
   int terminal = -1;
 };
 
-TEST_F(TerminalTest, IsToldFromAFile)
+TEST_F(TerminalTest, IsDistinguishedFromAFile)
 {
   EXPECT_TRUE(KV::tools::isTerminal(terminal));
   EXPECT_FALSE(KV::tools::isTerminal(notATerminal()));

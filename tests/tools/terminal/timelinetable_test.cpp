@@ -210,7 +210,7 @@ TEST(TimelineTable, ShowsAsManyDecimalsAsTheStepNeeds)
   EXPECT_EQ("0:00.25", lines.at(1).substr(0, 7));
 }
 
-TEST(TimelineTable, TellsBelowARowWhatMovedItMost)
+TEST(TimelineTable, ShowsBelowARowWhatMovedItMost)
 {
   KV::session::Changes changes;
   changes.add("Touch emotion", KV::ValenceQuantity, 1.f, 0.f, 0.75f);

@@ -167,7 +167,7 @@ TEST_F(WatchPageTest, FitsIntoEveryTerminal)
   }
 }
 
-TEST_F(WatchPageTest, TellsOfPersonsWhoDoNotFitOnIt)
+TEST_F(WatchPageTest, ReportsPersonsWhoDoNotFitOnIt)
 {
   for (std::int32_t person = 0; person < 9; ++person)
     add(person, 0.5f, 0.75f);
@@ -232,7 +232,7 @@ TEST_F(WatchPageTest, SaysWhatItWaitsFor)
   EXPECT_THAT(page(90, 24).at(1), Not(HasSubstr("Waiting")));
 }
 
-TEST_F(WatchPageTest, TellsOfTheInput)
+TEST_F(WatchPageTest, ReportsTheInput)
 {
   add(1, 0.5f, 0.75f);
   status.lines = 12;
@@ -243,7 +243,7 @@ TEST_F(WatchPageTest, TellsOfTheInput)
   EXPECT_EQ("skeigiot  paused  1 person, 12 lines, the input has ended", page(80, 24).front());
 }
 
-TEST_F(WatchPageTest, TellsOfTheRecording)
+TEST_F(WatchPageTest, ReportsTheRecording)
 {
   add(1, 0.5f, 0.75f);
   status.name = "face\033.csv";
@@ -256,7 +256,7 @@ TEST_F(WatchPageTest, TellsOfTheRecording)
   EXPECT_EQ("skeigiot  1 person, 1:02.5 at speed 10, the recording has ended: face\\u001b.csv", page(120, 24).front());
 }
 
-TEST_F(WatchPageTest, TellsOfRefusedLines)
+TEST_F(WatchPageTest, ReportsRefusedLines)
 {
   const auto errorIn = [](const std::vector<std::string>& texts) { return texts.at(texts.size() - 2); };
   EXPECT_EQ("", errorIn(page(80, 24)));
@@ -265,6 +265,21 @@ TEST_F(WatchPageTest, TellsOfRefusedLines)
   EXPECT_EQ("2 lines refused, the last: line 5: smile\\u001b: is missing", errorIn(page(80, 24)));
   status.name = "face.csv";
   EXPECT_EQ("2 lines skipped, the last: line 5: smile\\u001b: is missing", errorIn(page(80, 24)));
+}
+
+TEST_F(WatchPageTest, ReportsTheMessagesOfABus)
+{
+  status.isBus = true;
+  status.name = "ROS 2, domain 7";
+  status.lines = 0;
+  EXPECT_EQ("Waiting for the first message about a person", page(80, 24).at(1));
+  add(1, 0.5f, 0.75f);
+  status.lines = 12;
+  status.refused = 2;
+  status.lastError = "a message on the topic /tf\033 is left out";
+  const auto texts = page(80, 24);
+  EXPECT_EQ("skeigiot  1 person, 12 messages: ROS 2, domain 7", texts.front());
+  EXPECT_EQ("2 messages refused, the last: a message on the topic /tf\\u001b is left out", texts.at(texts.size() - 2));
 }
 
 TEST_F(WatchPageTest, ColorsTheMoodOfThoseWhoAreThere)

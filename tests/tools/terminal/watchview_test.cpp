@@ -28,7 +28,7 @@ PersonRows rowsUpTo(std::int32_t count)
   return rows;
 }
 
-/// Returns whom the keys choose.
+/// Returns the person whom the keys choose.
 std::int32_t chosenBy(WatchView& view, const PersonRows& rows, std::initializer_list<Key> keys)
 {
   for (const Key key : keys)
@@ -36,7 +36,7 @@ std::int32_t chosenBy(WatchView& view, const PersonRows& rows, std::initializer_
   return view.chosen(rows)->first;
 }
 
-TEST(WatchView, ChoosesTheFirstPersonUntilItIsTold)
+TEST(WatchView, ChoosesTheFirstPersonByDefault)
 {
   const WatchView view;
   const PersonRows rows = rowsOf({3, 7});
@@ -68,7 +68,7 @@ TEST(WatchView, GoesPageByPage)
   EXPECT_EQ(0, chosenBy(view, rows, {Key::PageUp, Key::PageUp}));
 }
 
-TEST(WatchView, KeepsAPersonChosenWhoeverComesAndGoes)
+TEST(WatchView, KeepsAPersonChosenWhenOthersComeAndGo)
 {
   WatchView view;
   view.press(Key::Down, rowsOf({3, 7, 9}));

@@ -1,8 +1,8 @@
 // Opens reports in a real browser.
 //
 // usage: node report.test.mjs CHROMIUM SKEIGIOT WORK RECORDING...
-//   Makes a report of each recording in the folder WORK, and leaves pictures of it there. What the page says of moments
-//   has to be what the command exports.
+//   Makes a report of each recording in the folder WORK, and leaves pictures of it there. The values of moments on the page
+//   have to agree with the exports of the command.
 
 import { chromium } from "playwright-core";
 import assert from "node:assert/strict";
@@ -32,7 +32,7 @@ function exported(recording) {
   return lines.map((line) => Object.fromEntries(header.map((name, column) => [name, line[column]])));
 }
 
-/** Opens the page; whatever it complains of is an error, and so is every request but the one for itself. */
+/** Opens the page; each of its complaints is an error, and so is every request except the one for itself. */
 async function open(url, { width = 1280, colorScheme = "light", video = "" } = {}) {
   const page = await browser.newPage({ viewport: { width, height: 900 }, colorScheme });
   const complaints = [];
@@ -160,7 +160,7 @@ function pinnedForces(page) {
   );
 }
 
-/** Returns the forces of the update as `skeigiot why` tells them. */
+/** Returns the forces of the update in the output of `skeigiot why`. */
 function explained(recording, person, time) {
   const text = execFileSync(command, ["why", recording, "--person", String(person), "--at", String(time), "--json"]);
   return JSON.parse(text).forces.map(({ source, sourceName, quantity, target, weight, before, after }) => ({
@@ -207,7 +207,7 @@ async function expectPersonsCanBeSwitchedByKeyboard(url) {
   await page.close();
 }
 
-/** Returns at which time, on the axis, each cursor and each dot on a line is. */
+/** Returns the time, on the axis, of each cursor and of each dot on a line. */
 function cursorTimes(page, length) {
   return page.locator(".u-over").evaluateAll(
     (plots, length) =>
@@ -232,7 +232,7 @@ async function expectCursorStaysAtItsTime(url, length) {
   const time = await exact(page, "time");
   for (const width of [1280, 700, 1000, 390, 1280]) {
     await page.setViewportSize({ width, height: 900 });
-    await page.waitForTimeout(100); // until the page was laid out anew
+    await page.waitForTimeout(100); // until the layout of the page is done
     const { width: wide } = await plotBox(page);
     const tolerance = (3 / wide) * length; // some pixels
     for (const found of await cursorTimes(page, length))
@@ -242,7 +242,7 @@ async function expectCursorStaysAtItsTime(url, length) {
   await page.close();
 }
 
-/** Returns the time of the update that changed an estimate of the person most which was known before. */
+/** Returns the time of the update that changed a known estimate of the person most. */
 function timeOfGreatestChange(recording, person) {
   let before;
   let greatest = { distance: -1, time: 0 };
@@ -314,7 +314,7 @@ async function printed(page, name) {
   return pdf.toString("latin1").match(/\/Type \/Page\b/g).length;
 }
 
-/** What is not to be divided has to fit on a page. */
+/** A part that must not be divided has to fit on a page. */
 async function expectChartsFitOnPaper(page) {
   await page.setViewportSize({ width: 703, height: 1032 }); // A4 without margins
   await page.emulateMedia({ media: "print" });
@@ -616,7 +616,7 @@ async function videoOf(seconds) {
   return Buffer.from(text, "base64");
 }
 
-/** Waits until the page says so. */
+/** Waits until the page contains the text. */
 async function until(said, isTrue, what) {
   for (let tries = 0; tries < 100; ++tries) {
     if (isTrue(await said())) return;
@@ -757,7 +757,7 @@ await test("a recording in which nobody was seen opens, too", async () => {
   await page.close();
 });
 
-/** A head without a face: nothing tells of the valence, and the times have no date. */
+/** A head without a face: the valence has no readings, and the times have no date. */
 function writeHeadAlone(name) {
   const recording = join(work, `${name}.csv`);
   const rows = [0, 1, 2, 3].map((time) => `${time},1,headPosture,0,10,0\n`);
@@ -782,7 +782,7 @@ await test("the page says before the charts how the file was read", async () => 
 await test("an estimate that never had evidence is unknown, and has no line", async () => {
   const { page } = await open(makeReport(writeHeadAlone("headalone")));
   assert.equal(await words(page, "valence"), "unknown");
-  assert.notEqual(await exact(page, "valence"), 0); // body language moved the number all the same
+  assert.notEqual(await exact(page, "valence"), 0); // body language moved the number nevertheless
   assert.notEqual(await words(page, "attention"), "unknown");
   assert.match(await page.locator("#estimates").innerText(), /mean valence\s+unknown|unknown\s+mean valence/);
   assert.equal(await page.locator("#estimates .nodata").count(), 1);

@@ -34,7 +34,7 @@ SKEIGIOT_API boost::optional<Implausible> implausibleReading(const Step& step);
 SKEIGIOT_API boost::optional<Implausible> implausibleTime(ko::SystemClock::time_point time);
 
 /// Returns what goes on behind a message if so many seconds since 1970 look like milliseconds, microseconds or
-/// nanoseconds, such as "; this looks like milliseconds, to be divided by 1000"; empty if they do not.
+/// nanoseconds, such as "; it looks like milliseconds: divide it by 1000"; empty if they do not.
 SKEIGIOT_API std::string adviceOnSeconds(double seconds);
 
 }  // namespace KV::recordings

@@ -15,7 +15,7 @@ namespace KV::recordings
 
 class ByteSource;
 
-/// A text file or stream, plain or compressed by gzip, read line by line in bounded memory. Not synchronised.
+/// A text file or stream, plain or compressed by gzip or zstd, read line by line in bounded memory. Not synchronised.
 class SKEIGIOT_API InputFile
 {
 public:

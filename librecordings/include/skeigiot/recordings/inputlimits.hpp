@@ -45,8 +45,21 @@ constexpr std::uintmax_t mostStepsPerByte = 32;
 constexpr std::uintmax_t mostStepsOfAnyBag = 4'000'000;  ///< see mostStepsPerByte
 /// @}
 
-/// \name Bags packed by gzip
-/// The temporary file that holds such a bag has at most so many bytes for each packed byte, and as many for any file.
+/// \name Bags of MCAP
+/// @{
+constexpr std::size_t longestTopicName = 1024;        ///< [bytes] of a topic or a type
+constexpr std::size_t largestMixed = 128 * mebibyte;  ///< [bytes] of messages kept for their time
+constexpr std::size_t largestBagMetadata = mebibyte;  ///< [bytes] of metadata.yaml
+/// @}
+
+/// \name Packed files
+/// @{
+constexpr std::size_t largestWindow = 64 * mebibyte;  ///< [bytes] that zstd may refer back to
+/// @}
+
+/// \name Packed bags
+/// The temporary file that holds a bag packed by gzip or zstd, and the chunks of MCAP together, have at most so many
+/// bytes for each byte of the file, and as many for any file.
 /// @{
 constexpr std::uintmax_t mostUnpackedPerByte = 100;             ///< [bytes]
 constexpr std::uintmax_t mostUnpackedOfAnyBag = 64 * mebibyte;  ///< [bytes]

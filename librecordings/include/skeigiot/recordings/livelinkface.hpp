@@ -29,6 +29,6 @@ struct SKEIGIOT_API LiveLinkFace
 
 /// Returns the face in the units and signs of the library; without angles of the eyes the gaze
 /// is computed from the blendshapes.
-SKEIGIOT_API Face faceOf(const LiveLinkFace& told);
+SKEIGIOT_API Face faceOf(const LiveLinkFace& detected);
 
 }  // namespace KV::recordings

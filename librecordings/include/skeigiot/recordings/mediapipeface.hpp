@@ -24,6 +24,6 @@ struct SKEIGIOT_API MediaPipeFace
 ///
 /// \throws std::invalid_argument "The matrix is no transformation: neither its last row nor its last column is 0, 0, 0,
 ///   1."
-SKEIGIOT_API Face faceOf(const MediaPipeFace& told);
+SKEIGIOT_API Face faceOf(const MediaPipeFace& detected);
 
 }  // namespace KV::recordings

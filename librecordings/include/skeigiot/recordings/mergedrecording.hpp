@@ -100,7 +100,7 @@ private:
 
   std::vector<Input> _inputs;
   bool _begun = false;
-  std::deque<Item> _read;                        // what is read, and not told yet
+  std::deque<Item> _read;                        // what is read, and not returned yet
   TimePoint _reached = TimePoint::min();         // of what was read last
   std::map<std::string, std::int32_t> _numbers;  // of persons with a name
   std::map<std::int32_t, std::string> _names;    // of all persons; empty: none

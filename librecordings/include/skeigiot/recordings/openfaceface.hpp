@@ -23,6 +23,6 @@ struct SKEIGIOT_API OpenFaceFace
 };
 
 /// Returns the face in the units and signs of the library.
-SKEIGIOT_API Face faceOf(const OpenFaceFace& told);
+SKEIGIOT_API Face faceOf(const OpenFaceFace& detected);
 
 }  // namespace KV::recordings

@@ -23,6 +23,6 @@ struct SKEIGIOT_API PyFeatFace
 };
 
 /// Returns the face in the units and signs of the library.
-SKEIGIOT_API Face faceOf(const PyFeatFace& told);
+SKEIGIOT_API Face faceOf(const PyFeatFace& detected);
 
 }  // namespace KV::recordings

@@ -38,7 +38,8 @@ SKEIGIOT_API std::string formatNameOf(const std::string& path);
 SKEIGIOT_API std::unique_ptr<Reader> openRecording(const std::string& path, const std::string& format,
                                                    const ReadingOptions& options);
 
-/// Reads a recording from where the stream stands, plain or compressed by gzip, in the same way as one with a path.
+/// Reads a recording from where the stream stands, plain or compressed by gzip or zstd, in the same way as one with a
+/// path.
 ///
 /// The stream must outlive the reader, and nobody else may read from it. It may be at any place and need not be able
 /// to go back. Bags of ROS 2 cannot be read from a stream.

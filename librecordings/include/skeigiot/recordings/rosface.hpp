@@ -24,6 +24,6 @@ struct SKEIGIOT_API RosFace
 ///
 /// \throws std::invalid_argument "The pose of the face has a number that is not finite, or its rotation is 0."
 /// \throws std::invalid_argument "The rotation of the gaze has a number that is not finite, or is 0."
-SKEIGIOT_API Face faceOf(const RosFace& told);
+SKEIGIOT_API Face faceOf(const RosFace& detected);
 
 }  // namespace KV::recordings

@@ -30,7 +30,7 @@ struct SKEIGIOT_API Agreement
 /// Both sides are compared at all times of the estimate: an update holds until the next one of the person, for a second
 /// at most. So each moment counts as long as it lasts, and the rate of updates does not matter.
 ///
-/// \throws std::invalid_argument if no label can be compared; it says why.
+/// \throws std::invalid_argument if no label can be compared, or coders are too many; it says why.
 SKEIGIOT_API Agreement compareWithLabels(const std::map<std::int32_t, PersonCourse>& courses,
                                          const std::vector<recordings::Labels>& labels,
                                          const AgreementOptions& options);

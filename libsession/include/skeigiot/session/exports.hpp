@@ -55,6 +55,9 @@ public:
   /// \throws WriteError if the file cannot be made.
   void add(const std::string& format, const std::string& target, OutputCheck& check);
 
+  /// As above, in a format that exportFormats() need not list, such as one of labelExport().
+  void add(const ExportFormat& format, const std::string& target, OutputCheck& check);
+
   /// Returns whether nothing is exported.
   bool empty() const;
 

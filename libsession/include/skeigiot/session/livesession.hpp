@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace KV::session
@@ -35,26 +36,37 @@ public:
   LiveSession(StreamTimes times, std::function<TimePoint()> wallClock, std::vector<SessionObserver*> observers,
               Cycle cycle = Cycle());
 
-  /// Takes one line, and returns who leaves; an empty one says nothing.
+  /// Has `left` called for each person whom a line says to forget, before the step of that line is played.
+  void onPersonForgotten(std::function<void(std::int32_t person)> left) { _left = std::move(left); }
+
+  /// Takes the text of one line, and returns who leaves; an empty one says nothing.
   ///
   /// \throws MemberError if the line is refused.
-  std::vector<std::int32_t> take(std::string_view line);
+  std::vector<std::int32_t> take(std::string_view text);
 
-  /// Returns a line about the readings that were left out since the last call, or an empty text.
-  std::string takeLeftOut() { return _session.takeLeftOut(); }
+  /// Takes a line that has been read already; its time, readings and scopes are checked as those of a text are. With
+  /// StreamTimes::Arrival, the time of the line is that of its readings.
+  ///
+  /// \throws MemberError if the line is refused.
+  std::vector<std::int32_t> take(recordings::StreamLine line);
+
+  /// Returns the notes of the session since the last call, see Session::takeNotes().
+  std::vector<std::string> takeNotes() { return _session.takeNotes(); }
 
   /// Returns the time of the last step.
   TimePoint now() const { return _now; }
 
-  /// Returns what a step would be given as its time that came in now.
+  /// Returns the time that a step would get if it came in now.
   TimePoint present() const;
 
 private:
-  recordings::StreamLine _readAtArrival(std::string_view text) const;
-  recordings::StreamLine _readAtItsTime(std::string_view text);
+  static void _setArrival(recordings::StreamLine& line, TimePoint arrival);
+  void _checkTime(const recordings::StreamLine& line);
+  void _play(const recordings::StreamLine& line);
 
   StreamTimes _times;
   std::function<TimePoint()> _wallClock;
+  std::function<void(std::int32_t)> _left;
   Session _session;
   recordings::TimeUnitCheck _units;
   TimePoint _now;

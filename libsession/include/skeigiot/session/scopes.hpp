@@ -58,8 +58,8 @@ struct SKEIGIOT_API ScopeVerdict
 /// Judges as KV::KVEmotionRecorder does, one recorder for each person, but in constant memory. All times are since the
 /// start of the recording and never decrease.
 ///
-/// A scope keeps a few numbers for each person, so that what is kept is a product: hence there is a limit to the scopes
-/// that a recording may have open at once.
+/// A scope keeps a few numbers for each person, so that what is kept is a product. Hence there are limits: to the
+/// scopes that a recording may have open at once, and to the persons in all scopes together (recordings::limits).
 class SKEIGIOT_API Scopes
 {
 public:
@@ -79,8 +79,17 @@ public:
 
   /// Adds the state, as it is now, to every open scope that still takes updates of this person.
   ///
+  /// A person who is new in a scope is left out of it if all scopes together, with those that are over, have
+  /// recordings::limits::mostPersonsInScopes persons more than there were updates.
+  ///
   /// \param snapshot of the same update; says who the person is
   void update(const Snapshot& snapshot, const KV::PersonState& state);
+
+  /// Returns whether update() would not leave the person out of any scope.
+  bool hasRoomFor(std::int32_t person) const;
+
+  /// Returns a sentence about the persons that update() left out since the last call, or an empty text.
+  std::string takeOmittedUpdates();
 
   /// Returns how many scopes are open that start() opened.
   std::size_t openCount() const { return _started.size(); }
@@ -116,12 +125,17 @@ private:
     bool closed = false;
   };
 
-  static void _add(Open& scope, const Snapshot& snapshot, const KV::PersonState& state);
+  void _add(const std::string& name, Open& scope, const Snapshot& snapshot, const KV::PersonState& state);
   static ScopeVerdict _judge(const std::string& name, const Open& scope, Duration to, ScopeEnd end);
   static ScopeVerdict _judgeAtTheEnd(const Span& span, Duration now);
 
   std::map<std::string, Open> _started;
   std::vector<Span> _spans;
+  std::vector<std::size_t> _openSpans;     // their places in _spans
+  Duration _nextChange = Duration::min();  // the first time at which a span may open or close
+  std::size_t _room;                       // for persons in scopes
+  std::size_t _leftOut = 0;
+  std::string _firstLeftOut;  // the scope
 };
 
 }  // namespace KV::session

@@ -42,8 +42,12 @@ public:
   /// Takes one step: scope starts, ambiance, person, scope stops. A scope that would be one too many is not started.
   void play(const recordings::Step& step);
 
-  /// Returns whether all scopes that the step starts can be open beside those that are open now, see Scopes::mostOpen.
-  bool canStartScopes(const recordings::Step& step) const;
+  /// Returns why the scopes that the step starts cannot all be open beside those that are open now, see
+  /// Scopes::mostOpen, as a message for the sender of the step; empty if they can.
+  std::string whyScopesCannotStart(const recordings::Step& step) const;
+
+  /// Returns whether no open scope would leave out the person of the step, see Scopes::hasRoomFor().
+  bool hasRoomInScopes(const recordings::Step& step) const { return !step.person || _scopes.hasRoomFor(*step.person); }
 
   /// Forgets a person: who comes back under that number is somebody new.
   void forget(std::int32_t person);
@@ -55,10 +59,14 @@ public:
   void finish();
 
   /// Returns a line about the readings that were left out since the last call, or an empty text.
-  std::string takeLeftOut() { return _nonFinite.take(); }
+  std::string takeOmittedReadings() { return _nonFinite.take(); }
 
-  /// Returns a line about the scopes that were not started since the last call, or an empty text.
-  std::string takeNotStarted();
+  /// Returns a line about the scopes that were not started since the last call, and about the updates that were left
+  /// out of scopes; or an empty text.
+  std::string takeNotesOnScopes();
+
+  /// Returns the lines of takeOmittedReadings() and takeNotesOnScopes(), for a program that shows them as it runs.
+  std::vector<std::string> takeNotes();
 
   /// Returns how much of the recording was played.
   Duration length() const { return _now - _start.value_or(_now); }

@@ -32,9 +32,12 @@ public:
 
   /// Returns how long a row is: the given step, or the shortest readable one with which the recording so far takes at
   /// most 40 rows. It is shorter than a second only where each row of each person has an update.
+  ///
+  /// \par Complexity
+  ///   Linear in the number of rows of all persons.
   Duration step() const;
 
-  /// Returns the rows of each person, by time; stretches without an update have none.
+  /// Returns the rows of each person, by time; stretches without an update have none. Linear, as step().
   std::map<std::int32_t, std::vector<TimelineRow>> rows() const;
 
 private:

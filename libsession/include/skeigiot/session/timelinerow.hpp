@@ -50,7 +50,7 @@ public:
   /// Returns the mean confidence of the attention, in [0, 1]; NaN if it was never known.
   double attentionConfidence() const { return _mean(_attentionConfidence, _attentionKnown); }
 
-  // What held in most updates.
+  // The state of most updates.
   /// Returns the zone of most updates; of several, the first in the order of the enumeration.
   ko::human::AttentionState zone() const;
   /// Returns the mood of most updates; of several, the first in the order of the enumeration.

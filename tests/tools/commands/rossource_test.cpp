@@ -1,0 +1,277 @@
+#include "commands/rossource.hpp"
+
+#include "librecordings/rosbag2/bagwriter.hpp"
+#include "tools/ros/fakebus.hpp"
+
+#include <skeigiot/session/scopes.hpp>
+
+#include <gtest/gtest.h>
+
+#include <boost/chrono/duration.hpp>
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using KV::tools::RosSource;
+using KV::tools::RosSourceOptions;
+using KV::tools::RosTimes;
+
+/// Keeps the steps of a session.
+class Steps : public KV::session::SessionObserver
+{
+public:
+  void stepBegins(const KV::recordings::Step& step) override { all.push_back(step); }
+
+  std::vector<KV::recordings::Step> all;
+};
+
+constexpr std::int64_t second = 1'000'000'000;
+constexpr std::int64_t begin = 1'700'000'000 * second;
+
+class Source : public ::testing::Test
+{
+protected:
+  RosSource makeSource(RosTimes times, double silence = 3600., double hold = 0.05)
+  {
+    RosSourceOptions options;
+    options.hold = hold;
+    options.times = times;
+    options.silence = silence;
+    return RosSource(bus, options, {{&steps}, [this](std::int32_t person) { left.push_back(person); }},
+                     [this] { return KV::session::TimePoint(KV::session::Duration(now)); });
+  }
+
+  static std::string face(const std::string& id) { return support::tfMessage({support::faceFrame(id, {0., 0., 1.5})}); }
+
+  std::int64_t now = begin;
+  rostests::FakeBus bus;
+  Steps steps;
+  std::vector<std::int32_t> left;
+};
+
+TEST_F(Source, PlaysMessagesAtTheTimesAtWhichTheyCameIn)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.add("/tf", face("f"), begin, begin - second);
+  EXPECT_TRUE(source.take(true));
+  EXPECT_FALSE(source.take(true));
+  bus.add("/tf", face("f"), begin + second, 0);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(2U, steps.all.size());
+  EXPECT_EQ(begin, steps.all[0].time.time_since_epoch().count());
+  EXPECT_EQ(begin + second, steps.all[1].time.time_since_epoch().count());
+  EXPECT_EQ(2U, source.status().lines);
+}
+
+TEST_F(Source, PutsMessagesOfSeveralWritersIntoTheOrderOfTheirTimes)
+{
+  RosSource source = makeSource(RosTimes::Source);
+  bus.add("/tf", face("late"), begin, begin + second);
+  bus.add("/tf", face("early"), begin, begin);
+  source.take(true);
+  EXPECT_TRUE(steps.all.empty());
+  source.finish();
+
+  ASSERT_LE(2U, steps.all.size());
+  EXPECT_EQ("early", steps.all[0].personName);
+  EXPECT_EQ(begin, steps.all[0].time.time_since_epoch().count());
+}
+
+TEST_F(Source, HoldsABoundedNumberOfMessages)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 3600.);
+  constexpr int most = 10'000;
+  for (int i = 0; i < most; ++i)
+    bus.add("/tf", face("f"), begin, begin + i);
+  source.take(true);
+  EXPECT_EQ(0U, source.status().lines);
+
+  bus.add("/tf", face("f"), begin, begin + most);
+  source.take(true);
+  EXPECT_EQ(1U, source.status().lines);
+}
+
+TEST_F(Source, HoldsABoundedNumberOfBytes)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 3600.);
+  const std::string message(std::size_t{1} << 20U, '\0');
+  constexpr int most = 63;  // of 64 MiB, since a message has a topic, too
+  for (int i = 0; i < most; ++i)
+    bus.add("/tf", message, begin, begin + i);
+  source.take(true);
+  EXPECT_EQ(0U, source.status().lines);
+
+  bus.add("/tf", message, begin, begin + most);
+  bus.add("/tf", message, begin, begin + most + 1);
+  source.take(true);
+  EXPECT_EQ(2U, source.status().lines);
+
+  source.finish();
+  EXPECT_EQ(most + 2U, source.status().lines);
+}
+
+TEST_F(Source, TakesTheTimeOfArrivalWhereTheWriterGaveNone)
+{
+  RosSource source = makeSource(RosTimes::Source);
+  bus.add("/tf", face("f"), begin, 0);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(1U, steps.all.size());
+  EXPECT_EQ(begin, steps.all[0].time.time_since_epoch().count());
+}
+
+TEST_F(Source, RefusesBadMessagesAndSaysSoOnceForEachTopic)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.notes = {"a writer is refused"};
+  bus.add("/humans/faces/f/expression", "cut", begin);
+  bus.add("/humans/faces/f/expression", "cut", begin);
+  bus.add("/humans/faces/g/expression", "cut", begin);
+  bus.add("/tf", face("f"), begin);
+  source.take(true);
+
+  EXPECT_EQ(4U, source.status().lines);
+  EXPECT_EQ(3U, source.status().refused);
+  EXPECT_EQ(0U, source.status().lastError.find("a message on the topic /humans/faces/g/expression is left out: "));
+  EXPECT_EQ(3U, source.takeNotes().size());
+  EXPECT_TRUE(source.takeNotes().empty());
+}
+
+TEST_F(Source, LetsPersonsBeMissingWhenNothingComesIn)
+{
+  RosSource source = makeSource(RosTimes::Arrival, 1.);
+  bus.add("/tf", face("f"), begin);
+  source.take(true);
+  now = begin + 2 * second;
+  while (std::chrono::steady_clock::now() < source.due())
+  {}
+  source.take(false);
+
+  ASSERT_EQ(2U, steps.all.size());
+  EXPECT_TRUE(steps.all[0].seen);
+  EXPECT_FALSE(steps.all[1].seen);
+  EXPECT_TRUE(left.empty());
+}
+
+TEST_F(Source, LetsPersonsBeMissingByTheTimesOfTheWritersWhenOnlyOtherMessagesComeIn)
+{
+  RosSource source = makeSource(RosTimes::Source, 1., 0.);
+  const std::string joint = support::tfMessage({{"base", "joint", {0., 0., 1.}, {0., 0., 0., 1.}}});
+  const auto take = [&](const std::string& message, std::int64_t written) {
+    while (std::chrono::steady_clock::now() < source.due())
+    {}
+    bus.add("/tf", message, begin, written);
+    source.take(true);
+  };
+  take(face("f"), begin);
+  take(joint, begin + 999 * second / 1000);
+  ASSERT_EQ(1U, steps.all.size());
+
+  take(joint, begin + second);
+
+  ASSERT_EQ(2U, steps.all.size());
+  EXPECT_TRUE(steps.all[0].seen);
+  EXPECT_FALSE(steps.all[1].seen);
+  EXPECT_EQ(begin + second, steps.all[1].time.time_since_epoch().count());
+}
+
+TEST_F(Source, ForgetsPersonsWhoWereNotSeenForAMinute)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.add("/tf", face("f"), begin);
+  bus.add("/tf", face("g"), begin + second);
+  bus.add("/tf", face("g"), begin + 61 * second);
+  source.take(true);
+  now = begin + 61 * second;
+  while (std::chrono::steady_clock::now() < source.due())
+  {}
+  source.take(false);
+
+  EXPECT_EQ(std::vector<std::int32_t>{*steps.all[0].person}, left);
+}
+
+TEST_F(Source, StartsAndStopsScopes)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  KV::recordings::Step step;
+  step.scopeStarts.emplace_back();
+  step.scopeStarts.back().name = "greeting";
+  EXPECT_EQ("", source.takeScopes(step));
+  EXPECT_EQ(begin, steps.all.at(0).time.time_since_epoch().count());
+}
+
+TEST_F(Source, StartsAScopeAfterWhatCameInBeforeAndBeforeWhatCameInMeanwhile)
+{
+  constexpr std::int64_t millisecond = 1'000'000;
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.add("/tf", face("f"), begin);
+  EXPECT_TRUE(source.take(true));
+  now = begin + 5 * millisecond;
+  KV::recordings::Step step;
+  step.scopeStarts.emplace_back();
+  step.scopeStarts.back().name = "greeting";
+  EXPECT_EQ("", source.takeScopes(step));
+  bus.add("/tf", face("f"), begin + 2 * millisecond);
+  EXPECT_TRUE(source.take(true));
+  source.finish();
+
+  ASSERT_EQ(3U, steps.all.size());
+  EXPECT_TRUE(steps.all[0].person);
+  EXPECT_EQ(begin, steps.all[0].time.time_since_epoch().count());
+  EXPECT_EQ(1U, steps.all[1].scopeStarts.size());
+  EXPECT_EQ(now, steps.all[1].time.time_since_epoch().count());
+  EXPECT_TRUE(steps.all[2].person);
+  EXPECT_EQ(now, steps.all[2].time.time_since_epoch().count());
+}
+
+// After a message, the time goes on with the clock when the silence has lasted: here at once.
+TEST_F(Source, GoesOnWithTheClockHoweverManyScopesStartInASilence)
+{
+  RosSource source = makeSource(RosTimes::Source, 0., 0.);
+  KV::recordings::Step step;
+  step.scopeStarts.emplace_back();
+  step.scopeStarts.back().name = "greeting";
+  const auto started = std::chrono::steady_clock::now();
+  bus.add("/tf", face("f"), begin, begin);
+  source.take(true);
+  for (int i = 0; i < 3; ++i)
+  {
+    while (std::chrono::steady_clock::now() < source.due())
+    {}
+    EXPECT_EQ("", source.takeScopes(step));
+  }
+
+  const std::int64_t present = source.present().time_since_epoch().count();
+  const std::chrono::nanoseconds passed = std::chrono::steady_clock::now() - started;
+  EXPECT_LE(begin + 1'000'000, present);
+  EXPECT_GE(begin + passed.count(), present);
+}
+
+TEST_F(Source, SaysWhyAScopeCannotStart)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  KV::recordings::Step step;
+  for (std::size_t i = 0; i <= KV::session::Scopes::mostOpen; ++i)
+    step.scopeStarts.push_back({std::to_string(i), -1});
+  EXPECT_EQ("more than 100 scopes would be open: stop scopes that are over first", source.takeScopes(step));
+  EXPECT_TRUE(steps.all.empty());
+}
+
+TEST_F(Source, HasNoTimeForAScopeBeforeTheFirstMessageOfAWriter)
+{
+  RosSource source = makeSource(RosTimes::Source);
+  KV::recordings::Step step;
+  step.scopeStops.emplace_back("greeting");
+  EXPECT_EQ("no message has come in yet, so there is no time at which a scope could start", source.takeScopes(step));
+  EXPECT_TRUE(steps.all.empty());
+}
+
+}  // namespace

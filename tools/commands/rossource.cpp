@@ -1,0 +1,232 @@
+#include "commands/rossource.hpp"
+
+#include <boost/chrono/duration.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+#include <utility>
+
+namespace KV::tools
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds tick(20);
+constexpr std::chrono::milliseconds betweenFading(100);  // as often as persons are updated
+constexpr std::size_t mostHeld = 10'000;
+constexpr std::size_t mostHeldBytes = std::size_t{64} << 20U;
+constexpr std::size_t mostRefusedTopics = 1000;  // that are remembered
+constexpr double nanosecondsPerSecond = 1e9;
+
+session::TimePoint timeOf(std::int64_t nanoseconds)
+{
+  return session::TimePoint(session::Duration(nanoseconds));
+}
+
+std::size_t bytesOf(const ros2::BusMessage& message)
+{
+  return sizeof(message) + message.topic.size() + message.data.size();
+}
+
+}  // namespace
+
+RosSource::RosSource(ros2::Bus& bus, RosSourceOptions options, LiveListeners listeners,
+                     std::function<session::TimePoint()> clock)
+  : _bus(bus),
+    _options(std::move(options)),
+    _listeners(std::move(listeners)),
+    _clock(std::move(clock)),
+    _input(_options.reading),
+    _session({}, _listeners.observers, _options.cycle)
+{}
+
+bool RosSource::take(bool)
+{
+  const Clock::time_point now = Clock::now();
+  const std::size_t before = _messages;
+  _receive(now);
+  if (now >= _nextTick)
+    _tick(now);
+  return _messages > before;
+}
+
+std::string RosSource::takeScopes(recordings::Step step)
+{
+  if (_options.times == RosTimes::Source && _messages == 0)
+    return "no message has come in yet, so there is no time at which a scope could start";
+  if (std::string refusal = _session.whyScopesCannotStart(step); !refusal.empty())
+    return refusal;
+  // Nothing that comes later has an earlier time: neither what waits for the end of its cycle, nor a message that came
+  // in meanwhile.
+  const Clock::time_point now = Clock::now();
+  if (const session::TimePoint time = _timeAt(now); time > _last)
+  {
+    _last = time;
+    _lastAt = now;
+  }
+  step.time = _last;
+  _input.advance(_last);
+  _input.finish();
+  _play();
+  _session.play(step);
+  return {};
+}
+
+session::TimePoint RosSource::present() const
+{
+  return _presentAt(Clock::now());
+}
+
+InputStatus RosSource::status() const
+{
+  InputStatus status;
+  status.name = _options.name;
+  status.isBus = true;
+  status.lines = _messages;
+  status.refused = _refused;
+  status.lastError = _lastError;
+  return status;
+}
+
+std::vector<std::string> RosSource::takeNotes()
+{
+  for (std::string& note : _bus.takeNotes())
+    _notes.push_back(std::move(note));
+  for (std::string& note : _session.takeNotes())
+    _notes.push_back(std::move(note));
+  return std::exchange(_notes, {});
+}
+
+void RosSource::finish()
+{
+  std::exception_ptr failure;
+  try
+  {
+    _receive(Clock::now());
+  }
+  catch (const std::runtime_error&)
+  {
+    failure = std::current_exception();
+  }
+  _release(Clock::time_point::max());
+  _input.finish();
+  _play();
+  _session.finish();
+  if (failure)
+    std::rethrow_exception(failure);
+}
+
+void RosSource::_receive(Clock::time_point now)
+{
+  for (ros2::BusMessage& message : _bus.take())
+  {
+    if (_options.times == RosTimes::Arrival || message.written == 0)
+      _feed(message, message.received);
+    else
+    {
+      const auto written = message.written;
+      _heldBytes += bytesOf(message);
+      _held.emplace(written, Held{std::move(message), now});
+    }
+  }
+  _release(now - std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(_options.hold)));
+}
+
+// Those that nothing which was written earlier can overtake any more; of too many, the earliest.
+void RosSource::_release(Clock::time_point until)
+{
+  const auto areTooMany = [this] { return _held.size() > mostHeld || _heldBytes > mostHeldBytes; };
+  while (!_held.empty() && (_held.begin()->second.since <= until || areTooMany()))
+  {
+    auto held = _held.extract(_held.begin());
+    _heldBytes -= bytesOf(held.mapped().message);
+    _feed(held.mapped().message, held.key());
+  }
+}
+
+void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
+{
+  ++_messages;
+  _last = std::max(_last, timeOf(time));
+  _lastTaken = _lastAt = Clock::now();
+  try
+  {
+    _input.take(message.topic, _last, message.data);
+  }
+  catch (const std::runtime_error& error)
+  {
+    ++_refused;
+    _lastError = error.what();
+    _note(message.topic, error.what());
+  }
+  _play();
+}
+
+// With the times of the writers, the time goes on with the messages as long as there are any.
+session::TimePoint RosSource::_timeAt(Clock::time_point now) const
+{
+  const bool areThere = std::chrono::duration<double>(now - _lastTaken).count() < _options.silence;
+  return _options.times == RosTimes::Source && areThere ? _last : _presentAt(now);
+}
+
+session::TimePoint RosSource::_presentAt(Clock::time_point now) const
+{
+  if (_options.times == RosTimes::Arrival)
+    return std::max(_last, _clock());
+  const auto passed = std::chrono::duration_cast<std::chrono::nanoseconds>(now - _lastAt);
+  return _messages == 0 ? _last : _last + session::Duration(passed.count());
+}
+
+void RosSource::_tick(Clock::time_point now)
+{
+  _nextTick = now + tick;
+  const session::TimePoint time = _timeAt(now);
+  _input.advance(time);
+  const auto lastReceived = _input.lastReceived();
+  const double quiet = lastReceived ? static_cast<double>((time - *lastReceived).count()) / nanosecondsPerSecond : 0.;
+  if (quiet >= _options.silence && now >= _nextFading)
+  {
+    _nextFading = now + betweenFading;
+    _input.fade(time);
+  }
+  _play();
+  _forgetAbsent(time);
+}
+
+void RosSource::_forgetAbsent(session::TimePoint now)
+{
+  for (auto entry = _seen.begin(); entry != _seen.end();)
+  {
+    const std::int32_t person = entry->first;
+    if (now - entry->second <= boost::chrono::seconds(longestAbsence))
+    {
+      ++entry;
+      continue;
+    }
+    entry = _seen.erase(entry);
+    _session.forget(person);
+    _input.forget(person);
+    if (_listeners.left)
+      _listeners.left(person);
+  }
+}
+
+void RosSource::_play()
+{
+  while (const auto step = _input.next())
+  {
+    if (step->person && step->seen)
+      _seen[*step->person] = step->time;
+    _session.play(*step);
+  }
+}
+
+void RosSource::_note(const std::string& topic, const std::string& text)
+{
+  if (_refusedTopics.size() < mostRefusedTopics && _refusedTopics.insert(topic).second)
+    _notes.push_back(text);
+}
+
+}  // namespace KV::tools

@@ -1,0 +1,28 @@
+// The interface between the live page and its camera. The camera is a script of its own, since it is large.
+
+/** The present estimate of a person. */
+export interface Estimate {
+  name: string;
+  zone: string;
+  /** NaN: unknown. */
+  valence: number;
+}
+
+export interface Host {
+  /** "camera", or "video" and how many frames of a second are looked at. */
+  looksAt: string;
+  addressOf(path: string): string;
+  estimateOf(person: number): Estimate | undefined;
+  /** Has `took` called with the time of the session [ns] whenever news have come in. */
+  onNews(took: (now: number) => void): void;
+}
+
+export interface CameraScript {
+  start(target: HTMLElement, host: Host): void;
+}
+
+declare global {
+  interface Window {
+    skeigiotCamera?: CameraScript;
+  }
+}
