@@ -2,7 +2,7 @@
 // cannot: one the pose of the head, the other one the irises.
 
 import { boxAround, Matrix, Point, Vector } from "./geometry";
-import { Box } from "./tracker";
+import { Box, overlap } from "./tracker";
 import { Part, pointInWhole, poseInWhole, whole } from "./zoom";
 
 interface RawPoint {
@@ -36,6 +36,8 @@ declare global {
 }
 
 const mostFaces = 4;
+/** Faces that still touch when they are looked for anew are left alone for so many frames: one may be in front of the other. */
+const framesOfTouching = 30;
 /** Of a vertex in the buffer: x, y, z and two numbers of the texture. */
 const numbersOfVertex = 5;
 
@@ -51,8 +53,8 @@ function inPixels(points: RawPoint[], { width, height }: HTMLCanvasElement, part
   return points.map(({ x, y, z }) => pointInWhole({ x: x * width, y: y * height, z: z * width }, part));
 }
 
-/** Finds faces in a canvas that shows the part. Results of the frame before are used if its part was the same. */
-type Finder = (canvas: HTMLCanvasElement, part: Part) => Promise<Results>;
+/** Finds faces in a canvas that shows the part. Results of the frame before are used, unless its part was another or anew is set. */
+type Finder = (canvas: HTMLCanvasElement, part: Part, anew: boolean) => Promise<Results>;
 
 /** A part that follows a face moves little: the faces in it are still where they were [shares of the canvas]. */
 const smallMove = 0.1;
@@ -67,8 +69,8 @@ async function finder(addressOf: (name: string) => string, options: object): Pro
   mesh.setOptions({ maxNumFaces: mostFaces, useCpuInference: true, minDetectionConfidence: 0.5, minTrackingConfidence: 0.5, ...options });
   await mesh.initialize();
   let before = whole;
-  return async (image, part) => {
-    if (hasMoved(before, part, image)) mesh.reset();
+  return async (image, part, anew) => {
+    if (anew || hasMoved(before, part, image)) mesh.reset();
     before = part;
     last = {};
     await mesh.send({ image });
@@ -76,7 +78,12 @@ async function finder(addressOf: (name: string) => string, options: object): Pro
   };
 }
 
+const touch = (faces: FoundFace[]) => faces.some(({ box }, i) => faces.slice(0, i).some((other) => overlap(box, other.box) > 0));
+
 export class Meshes {
+  private framesUntilAnew = 0;
+  private looksAnewForIrises = false;
+
   private constructor(
     private readonly poses: Finder,
     private readonly irises: Finder,
@@ -88,9 +95,25 @@ export class Meshes {
     return new Meshes(poses, irises);
   }
 
-  /** Returns the faces in a canvas that shows the part of the picture, with their poses; all as in the whole picture. */
+  /**
+   * Returns the faces in a canvas that shows the part of the picture, with their poses; all as in the whole picture.
+   *
+   * The face mesh looks for a face where the face was. If few frames a second are found and a face moves far between two of them,
+   * the mesh may find the face where it is, and a second one that lags behind it for many frames. Faces that touch are therefore
+   * looked for again in the same picture, without those of the frame before.
+   */
   async faces(canvas: HTMLCanvasElement, part: Part): Promise<FoundFace[]> {
-    const { multiFaceLandmarks = [], multiFaceGeometry = [] } = await this.poses(canvas, part);
+    if (this.framesUntilAnew > 0) --this.framesUntilAnew;
+    const faces = await this.find(canvas, part, false);
+    if (this.framesUntilAnew > 0 || !touch(faces)) return faces;
+    this.looksAnewForIrises = true;
+    const foundAnew = await this.find(canvas, part, true);
+    if (touch(foundAnew)) this.framesUntilAnew = framesOfTouching;
+    return foundAnew;
+  }
+
+  private async find(canvas: HTMLCanvasElement, part: Part, anew: boolean): Promise<FoundFace[]> {
+    const { multiFaceLandmarks = [], multiFaceGeometry = [] } = await this.poses(canvas, part, anew);
     return multiFaceLandmarks.slice(0, multiFaceGeometry.length).map((raw, i) => {
       const points = inPixels(raw, canvas, part);
       const vertices = multiFaceGeometry[i].getMesh().getVertexBufferList().slice();
@@ -105,7 +128,8 @@ export class Meshes {
 
   /** Returns the points of each face, those of the irises among them, as in the whole picture. */
   async points(canvas: HTMLCanvasElement, part: Part): Promise<Point[][]> {
-    const { multiFaceLandmarks = [] } = await this.irises(canvas, part);
+    const { multiFaceLandmarks = [] } = await this.irises(canvas, part, this.looksAnewForIrises);
+    this.looksAnewForIrises = false;
     return multiFaceLandmarks.map((raw) => inPixels(raw, canvas, part));
   }
 }
