@@ -1,7 +1,5 @@
 #include "commands/camerasource.hpp"
 
-#include <skeigiot/recordings/observationjson.hpp>
-
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -74,15 +72,14 @@ OrderAnswer CameraSource::takeFrame(const std::string& json)
     _letIn(frame.page, now);
     _status.ended = frame.ended;
     for (recordings::Step& step : _stepsOf(frame, time))
-      _take(std::move(step));
+      _takeOrCount(std::move(step));
     for (const std::int32_t track : frame.left)
       _forget(track, time);
     return {ok, _answer()};
   }
   catch (const MemberError& error)
   {
-    ++_status.refused;
-    _status.lastError = textOf(error);
+    _countRefused(error);
     return {badRequest, _status.lastError};
   }
 }
@@ -146,6 +143,25 @@ void CameraSource::_letIn(const std::string& page, Clock::time_point now)
       _forget(_tracked.begin()->first, _session.present());
   _page = page;
   _lastFrame = now;
+}
+
+/// Plays the step of one person; if the session refuses it, the others of the frame are played nevertheless.
+void CameraSource::_takeOrCount(recordings::Step step)
+{
+  try
+  {
+    _take(std::move(step));
+  }
+  catch (const MemberError& error)
+  {
+    _countRefused(error);
+  }
+}
+
+void CameraSource::_countRefused(const MemberError& error)
+{
+  ++_status.refused;
+  _status.lastError = textOf(error);
 }
 
 void CameraSource::_take(recordings::Step step)

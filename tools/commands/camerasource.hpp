@@ -5,6 +5,7 @@
 #include "serve/orders.hpp"
 
 #include <skeigiot/recordings/faceadapter.hpp>
+#include <skeigiot/recordings/observationjson.hpp>
 #include <skeigiot/recordings/restingface.hpp>
 #include <skeigiot/session/livesession.hpp>
 
@@ -37,8 +38,9 @@ public:
   /// Takes a frame, as the page writes it in JSON.
   ///
   /// \return with status 200 and a JSON object: `time` of the session [ns], and `persons`, the numbers of the persons
-  ///   by their tracks. A frame that is refused changes nothing. Only one page sends at a time: the frames of a second
-  ///   one are refused until the first one has been silent for three seconds.
+  ///   by their tracks. A frame that cannot be read changes nothing. A face that the session refuses is left out, and
+  ///   counted in status(). Only one page sends at a time: the frames of a second one are refused until the first one
+  ///   has been silent for three seconds.
   OrderAnswer takeFrame(const std::string& json);
 
   std::vector<pollfd> descriptors() const override { return {}; }
@@ -65,6 +67,8 @@ private:
   session::TimePoint _checkedTime(const Frame& frame) const;
   std::vector<recordings::Step> _stepsOf(const Frame& frame, session::TimePoint time);
   void _letIn(const std::string& page, Clock::time_point now);
+  void _takeOrCount(recordings::Step step);
+  void _countRefused(const recordings::MemberError& error);
   void _take(recordings::Step step);
   void _forget(std::int32_t track, session::TimePoint time);
   std::string _answer() const;

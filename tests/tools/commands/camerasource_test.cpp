@@ -166,6 +166,32 @@ TEST_F(CameraSourceTest, RefusesAFrameAsAWhole)
   EXPECT_FALSE(source->status().ended);
 }
 
+TEST_F(CameraSourceTest, LeavesOutAFaceForWhomTheOpenScopesHaveNoRoomAndTakesTheRestOfTheFrame)
+{
+  open();
+  ASSERT_TRUE(give("\"faces\":[]").isDone());
+  for (std::size_t i = 0; i < KV::session::Scopes::mostOpen; ++i)
+  {
+    KV::recordings::Step step;
+    step.scopeStarts.push_back({"scope " + std::to_string(i), -1});
+    ASSERT_EQ("", source->takeScopes(step));
+  }
+  ASSERT_TRUE(give("\"faces\":[" + face + "]").isDone());
+  std::int32_t track = 100;
+  for (; source->status().refused == 0; ++track)
+  {
+    ASSERT_LT(track, 100'000) << "somebody is one too many";
+    ASSERT_TRUE(give(R"("faces":[{"track":)" + std::to_string(track) + "}]").isDone());
+  }
+  EXPECT_THAT(source->status().lastError, HasSubstr("the open scopes have too many persons together"));
+  const std::size_t taken = steps.all.size();
+  ASSERT_TRUE(give(R"("faces":[{"track":)" + std::to_string(track) + "}," + face + R"(],"left":[100])").isDone());
+  EXPECT_EQ(2U, source->status().refused);
+  ASSERT_GT(steps.all.size(), taken);
+  EXPECT_EQ(1, steps.all[taken].person.value()) << "the face behind the one that was left out";
+  EXPECT_THAT(left, ElementsAre(2));
+}
+
 TEST_F(CameraSourceTest, PlaysAVideoByItsOwnTimes)
 {
   open("clip.mp4");
