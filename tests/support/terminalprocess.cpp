@@ -11,6 +11,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -119,10 +120,24 @@ bool TerminalProcess::_readPiece()
   return true;
 }
 
+bool TerminalProcess::_endsInTime() const
+{
+  const int process = static_cast<int>(syscall(SYS_pidfd_open, _process, 0));
+  pollfd end{process, POLLIN, 0};
+  const bool hasEnded = poll(&end, 1, patience) == 1;
+  close(process);
+  return hasEnded;
+}
+
 int TerminalProcess::status()
 {
   while (_readPiece())
     ;
+  if (!_endsInTime())
+  {
+    ADD_FAILURE() << "the program hangs";
+    kill(_process, SIGKILL);
+  }
   int waited = 0;
   waitpid(_process, &waited, 0);
   _process = 0;

@@ -50,6 +50,8 @@ public:
 
 private:
   bool _readPiece();
+  /// Returns whether the process ends while a program that does not hang would.
+  bool _endsInTime() const;
 
   pid_t _process = 0;
   int _terminal = -1;
