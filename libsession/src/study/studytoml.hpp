@@ -1,15 +1,11 @@
 #pragma once
 
+#include "study/tomlparser.hpp"
+
 #include <skeigiot/recordings/error.hpp>
 
 #include <cstddef>
 #include <string>
-
-// Header only: nothing of it is linked.
-#define TOML_HEADER_ONLY 1
-#define TOML_ENABLE_FORMATTERS 0
-#define TOML_MAX_NESTED_VALUES 16  // a study file has 3; each level takes a part of the stack
-#include <toml++/toml.h>
 
 namespace KV::session
 {

@@ -195,6 +195,9 @@ INSTANTIATE_TEST_SUITE_P(
     Of, BadStudyFile,
     ::testing::Values(
         BadStudy{"NoToml", "name = ", "study.toml:3: is not TOML: "},
+        BadStudy{"ANameThatBeginsWithNoLetter", "[[!files]]\n",
+                 "study.toml:3: is not TOML: Error while parsing key: expected bare key starting character"},
+        BadStudy{"ALetterWhereABlankMayBe", "name \xEF\xBB\xAF = 1\n", "study.toml:3: is not TOML: "},
         BadStudy{"NoFiles", "", "study.toml: files: there is no [[files]] with a pattern, and no [[sessions]]"},
         BadStudy{"UnknownTable", "[option]\n",
                  "study.toml:3: option: is not known here; expected files, labels, options"},
