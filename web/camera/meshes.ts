@@ -1,15 +1,10 @@
 // Finds faces and their points with the face mesh of MediaPipe. It has two forms, and each gives what the other one
 // cannot: one the pose of the head, the other one the irises.
 
-import { boxAround, Matrix, Point, Vector } from "./geometry";
-import { Box } from "./tracker";
-import { Part, pointInWhole, poseInWhole, whole } from "./zoom";
-
-interface RawPoint {
-  x: number;
-  y: number;
-  z: number;
-}
+import { FaceFinder, FaceNumbers, FoundFace, hasMoved, inPixels, leastConfidence, mostFaces, RawPoint, rounded } from "./faces";
+import { boxAround, Point, smileOf, Turn, turnOf, Vector } from "./geometry";
+import { loadScript } from "./scripts";
+import { Part, poseInWhole, whole } from "./zoom";
 
 interface Geometry {
   getMesh(): { getVertexBufferList(): Float32Array };
@@ -35,29 +30,11 @@ declare global {
   }
 }
 
-const mostFaces = 4;
 /** Of a vertex in the buffer: x, y, z and two numbers of the texture. */
 const numbersOfVertex = 5;
 
-export interface FoundFace {
-  box: Box;
-  points: Point[];
-  matrix: Matrix;
-  mesh(point: number): Vector;
-}
-
-/** Returns the points in pixels of the picture of which the canvas shows the part; z in the same measure. */
-function inPixels(points: RawPoint[], { width, height }: HTMLCanvasElement, part: Part): Point[] {
-  return points.map(({ x, y, z }) => pointInWhole({ x: x * width, y: y * height, z: z * width }, part));
-}
-
 /** Finds faces in a canvas that shows the part. Results of the frame before are used if its part was the same. */
 type Finder = (canvas: HTMLCanvasElement, part: Part) => Promise<Results>;
-
-/** A part that follows a face moves little: the faces in it are still where they were [shares of the canvas]. */
-const smallMove = 0.1;
-const hasMoved = (before: Part, part: Part, { width }: HTMLCanvasElement) =>
-  before.zoom !== part.zoom || (Math.hypot(before.x - part.x, before.y - part.y) * part.zoom) / width > smallMove;
 
 async function finder(addressOf: (name: string) => string, options: object): Promise<Finder> {
   if (!window.FaceMesh) throw new Error("The face mesh was not loaded.");
@@ -76,34 +53,38 @@ async function finder(addressOf: (name: string) => string, options: object): Pro
   };
 }
 
-export class Meshes {
+/** @param mesh x, y and z [cm] of each point in the directions of the face */
+function numbersOf(mesh: (point: number) => Vector, turn: Turn): FaceNumbers {
+  const [degree, confidence] = smileOf(mesh, turn);
+  return confidence >= leastConfidence ? { smile: [rounded(degree), rounded(confidence)] } : {};
+}
+
+export class Meshes implements FaceFinder {
+  readonly needsClassifier = true;
+
   private constructor(
     private readonly poses: Finder,
     private readonly irises: Finder,
   ) {}
 
   static async load(addressOf: (name: string) => string): Promise<Meshes> {
+    if (!window.FaceMesh) await loadScript(addressOf("face_mesh.js"));
     const poses = await finder(addressOf, { enableFaceGeometry: true, refineLandmarks: false });
     const irises = await finder(addressOf, { enableFaceGeometry: false, refineLandmarks: true });
     return new Meshes(poses, irises);
   }
 
-  /** Returns the faces in a canvas that shows the part of the picture, with their poses; all as in the whole picture. */
   async faces(canvas: HTMLCanvasElement, part: Part): Promise<FoundFace[]> {
     const { multiFaceLandmarks = [], multiFaceGeometry = [] } = await this.poses(canvas, part);
     return multiFaceLandmarks.slice(0, multiFaceGeometry.length).map((raw, i) => {
       const points = inPixels(raw, canvas, part);
       const vertices = multiFaceGeometry[i].getMesh().getVertexBufferList().slice();
-      return {
-        box: boxAround(points),
-        points,
-        matrix: poseInWhole([...multiFaceGeometry[i].getPoseTransformMatrix().getPackedDataList()], part, canvas.width, canvas.height),
-        mesh: (point) => [0, 1, 2].map((part) => vertices[numbersOfVertex * point + part]) as Vector,
-      };
+      const mesh = (point: number) => [0, 1, 2].map((part) => vertices[numbersOfVertex * point + part]) as Vector;
+      const matrix = poseInWhole([...multiFaceGeometry[i].getPoseTransformMatrix().getPackedDataList()], part, canvas.width, canvas.height);
+      return { box: boxAround(points), points, matrix, numbers: () => numbersOf(mesh, turnOf(matrix)) };
     });
   }
 
-  /** Returns the points of each face, those of the irises among them, as in the whole picture. */
   async points(canvas: HTMLCanvasElement, part: Part): Promise<Point[][]> {
     const { multiFaceLandmarks = [] } = await this.irises(canvas, part);
     return multiFaceLandmarks.map((raw) => inPixels(raw, canvas, part));
