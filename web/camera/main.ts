@@ -5,6 +5,7 @@ import { expressionConfidence, facialPointsOf, gazeOf, Point, turnOf, Vector } f
 import { Emotions, ExpressionClassifier } from "./expressions";
 import { FaceFinder, FoundFace, leastConfidence, rounded } from "./faces";
 import { Host } from "../shared/camerascript";
+import { Landmarker } from "./landmarker";
 import { Meshes } from "./meshes";
 import { draw, Shown } from "./overlay";
 import { openCamera, openVideo, Picture, Pictures } from "./pictures";
@@ -92,7 +93,7 @@ class Camera {
         "p",
         { class: "note" },
         "No picture leaves this page. The browser finds the faces, and sends numbers to the session: angles, distances, scores and points of faces. ",
-        "Faces: MediaPipe face mesh; expressions: face-api (",
+        host.model ? `Faces and blendshapes: the face landmarker of MediaPipe with the model ${host.model} (` : "Faces: MediaPipe face mesh; expressions: face-api (",
         licences,
         ").",
       ),
@@ -129,7 +130,8 @@ class Camera {
 
   private async load(): Promise<void> {
     const addressOf = (name: string) => this.host.addressOf(`/camera/${name}`);
-    this.finder ??= await Meshes.load(addressOf);
+    const { model } = this.host;
+    this.finder ??= await (model ? Landmarker.load(addressOf, model) : Meshes.load(addressOf));
     if (this.finder.needsClassifier) this.classifier ??= await ExpressionClassifier.load(addressOf);
   }
 
