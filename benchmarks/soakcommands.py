@@ -27,7 +27,7 @@ MOST_MORE = 4096  # [KiB]
 
 
 class Sample:
-    """What a process takes at a moment."""
+    """Memory, threads and descriptors of a process at a moment."""
 
     def __init__(self, process):
         folder = pathlib.Path(f"/proc/{process}")

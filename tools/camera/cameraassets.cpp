@@ -46,7 +46,11 @@ const std::vector<CameraAsset>& cameraAssets()
                                                   // classifies expressions
                                                   {"face_expression_model.bin", bytes},
                                                   {"face_expression_model-weights_manifest.json", json},
-                                                  {"tfjs-backend-wasm-simd.wasm", wasm}};
+                                                  {"tfjs-backend-wasm-simd.wasm", wasm},
+                                                  // finds the faces by a model of the user
+                                                  {"tasks_vision.js", script},
+                                                  {"vision_wasm_internal.js", script},
+                                                  {"vision_wasm_internal.wasm", wasm}};
   return assets;
 }
 

@@ -187,6 +187,7 @@ FoundFace readFace(const Value& value)
                      {"gaze", [&](const Value& direction) { gaze = readGaze(direction); }},
                      {"points", [&](const Value& points) { found.face.landmarks = readPoints(points); }},
                      {"blendshapes", [&](const Value& shapes) { found.face.blendshapes = readBlendshapes(shapes); }},
+                     {"blendshapeConfidence", [&](const Value& share) { found.blendshapeConfidence = share.share(); }},
                      {"smile", [&](const Value& smile) { found.smile = readSmile(smile); }},
                      {"emotions", [&](const Value& emotions) { found.emotions = readEmotions(emotions); }},
                      {"emotionConfidence", [&](const Value& share) { found.emotionConfidence = share.share(); }}});

@@ -20,6 +20,7 @@ struct FoundFace
   std::optional<KV::ValueConfidence<float>> smile;    ///< from the geometry of the mouth
   std::optional<recordings::EmotionScores> emotions;  ///< from a classifier
   float emotionConfidence = 0.f;                      ///< that the classifier can see the face, in [0, 1]
+  float blendshapeConfidence = 1.f;                   ///< that the face of the blendshapes can be seen, in [0, 1]
 };
 
 /// The numbers that the page sends of one picture. No picture is among them.

@@ -28,10 +28,24 @@ session::Duration seconds(double count)
   return session::Duration(std::llround(count * nanosecondsPerSecond));
 }
 
+/// Lowers the confidences of smile and expressions, which the blendshapes made.
+void lower(recordings::FaceReadings& readings, float share)
+{
+  if (readings.smile)
+    readings.smile->confidence *= share;
+  if (!readings.expressions)
+    return;
+  for (const auto expression :
+       {&KV::Expressions::calm, &KV::Expressions::anger, &KV::Expressions::joy, &KV::Expressions::sorrow,
+        &KV::Expressions::laughter, &KV::Expressions::excitement, &KV::Expressions::surprise})
+    ((*readings.expressions).*expression).confidence *= share;
+}
+
 KV::PersonObservation observationOf(const FoundFace& found, const recordings::FaceAdapter& adapter,
                                     session::TimePoint time, recordings::RestingFace& rest)
 {
   recordings::FaceReadings readings = adapter.read(found.face, time, rest);
+  lower(readings, found.blendshapeConfidence);
   if (found.emotions)
   {
     recordings::Face face;

@@ -1,6 +1,7 @@
 #include "commands/serve.hpp"
 
 #include "camera/cameraassets.hpp"
+#include "camera/facemodel.hpp"
 #include "cli/argumentparsing.hpp"
 #include "cli/interruption.hpp"
 #include "cli/livearguments.hpp"
@@ -40,7 +41,7 @@ also shows the ambiance of the room, verdicts on scopes, warnings, and the rate 
 stop scopes, move boundaries and put them back, and save the recording so far, as JSON Lines or as a report.
 
 With --camera, the page finds the faces in front of the browser's camera, and sends numbers such as angles and scores.
-With --video, it does so with a video, as fast as the machine can.
+With --video, it does so with a video, as fast as the machine can. With --model, a model of yours finds the faces.
 
 Without a RECORDING, or with "-", it reads the same lines from standard input as 'skeigiot stream'. A RECORDING, of any
 format, is played as if it came in now. The page stays when the input has ended; Ctrl-C ends it.
@@ -53,7 +54,8 @@ Examples:
   skeigiot serve face.csv --speed 2
   robot-perception | skeigiot serve --listen 0.0.0.0:8080
   skeigiot serve --camera
-  skeigiot serve --video interview.mp4)";
+  skeigiot serve --video interview.mp4
+  skeigiot serve --camera --model face_landmarker.task)";
 
 const char* const withoutCamera =
     "this command was built without the programs that find faces: install npm (on Debian: nodejs and npm), and "
@@ -67,6 +69,7 @@ struct Arguments
   LiveServerOptions server;
   bool camera = false;
   std::string video;
+  std::string model;  // file
 
   bool hasCamera() const { return camera || !video.empty(); }
 };
@@ -81,6 +84,8 @@ std::unique_ptr<LiveSource> openSource(const Arguments& arguments, LiveServer& s
   served.emplace();
   served->folder = folderOfCameraAssets();
   served->video = arguments.video;
+  if (!arguments.model.empty())
+    served->model = std::make_shared<const FaceModel>(readFaceModel(arguments.model));
   served->rate = arguments.live.reading.options.framesPerSecond.value_or(usualRate);
   served->frame = [&server, source = camera.get()](const std::string& json) {
     return server.submit([source, json] { return source->takeFrame(json); });
@@ -107,6 +112,8 @@ void checkOptions(const CLI::App& command, Arguments& arguments)
     throw CLI::ValidationError("--speed", "lines of standard input come at their own speed: name a recording");
   if (!paths.empty() && command.count("--times") > 0)
     throw CLI::ValidationError("--times", "is for lines of standard input: a recording has times of its own");
+  if (!arguments.hasCamera() && !arguments.model.empty())
+    throw CLI::ValidationError("--model", "is for faces of a camera or a video: add --camera or --video");
   if (!arguments.hasCamera())
     return;
   const std::string option = arguments.camera ? "--camera" : "--video";
@@ -171,6 +178,12 @@ void addServeCommand(CLI::App& app, ExitStatus& status)
                   "many as --fps says")
       ->type_name("FILE")
       ->check(CLI::ExistingFile);
+  command
+      .add_option(
+          "--model", arguments->model,
+          "Finds the faces with this model, the face_landmarker.task of MediaPipe.\nSmile and expressions come from "
+          "its blendshapes")
+      ->type_name("FILE");
   addNoOpenOption(command, arguments->server);
   addOffsetOption(command, live.recording.offsets);
   addTimesOption(command, live.times);

@@ -129,7 +129,7 @@ _skeigiot()
       :
       return
       ;;
-    "serve --video" | "serve --offset" | "serve --mapping")
+    "serve --video" | "serve --model" | "serve --offset" | "serve --mapping")
       _skeigiot_files "$word"
       return
       ;;
@@ -246,7 +246,7 @@ _skeigiot()
       if [[ $word != -* ]]; then
         _skeigiot_files "$word"
       else
-        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera --camera-height --cycle --format --fps --frame --help --listen --look-at --mapping --min-confidence --mirrored --no-open --offset --person-from --rest --skip-bad --speed --times --video -h"
+        _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera --camera-height --cycle --format --fps --frame --help --listen --look-at --mapping --min-confidence --mirrored --model --no-open --offset --person-from --rest --skip-bad --speed --times --video -h"
       fi
       ;;
     stream)

@@ -190,6 +190,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l speed -x -d 'How 
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l listen -x -d 'Address of this machine at which the page is served, as a number, with or without a port (127.0.0.1, and a port that is free)'
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l camera -d 'Finds faces in the pictures of the browser\'s camera'
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l video -r -F -d 'Finds faces in a video that the browser can play, as --camera does; 15 frames of a second, or as many as --fps says'
+complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l model -r -F -d 'Finds the faces with this model, the face_landmarker.task of MediaPipe. Smile and expressions come from its blendshapes'
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l no-open -d 'Do not open the page in the browser of the desktop'
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l offset -r -F -d 'Seconds to add to all times of an input'
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -l times -x -a 'arrival lines' -d 'Clock during a line'

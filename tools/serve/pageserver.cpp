@@ -124,6 +124,16 @@ std::string textOf(const std::optional<ServedCamera>& camera)
   return text.str();
 }
 
+/// Returns the text for an attribute of HTML.
+std::string attributeOf(std::string text)
+{
+  constexpr std::array<std::pair<std::string_view, const char*>, 4> special = {
+      {{"&", "&amp;"}, {"\"", "&quot;"}, {"<", "&lt;"}, {">", "&gt;"}}};
+  for (const auto& [character, name] : special)
+    replaceAll(text, character, name);
+  return text;
+}
+
 /// Returns the page with a new number that lets its own script and style run, and the policy that says so. With a
 /// camera, scripts of the server run as well, and programs in WebAssembly; texts are never run as scripts.
 std::pair<std::string, std::string> pageAndPolicy(std::string_view page, const std::optional<ServedCamera>& camera)
@@ -132,6 +142,7 @@ std::pair<std::string, std::string> pageAndPolicy(std::string_view page, const s
   std::string text(page);
   replaceAll(text, "{nonce}", nonce);
   replaceAll(text, "{camera}", textOf(camera));
+  replaceAll(text, "{model}", camera && camera->model ? attributeOf(camera->model->name) : "");
   const std::string scripts = camera ? "'self' 'wasm-unsafe-eval' " : "";
   const std::string media = camera ? "media-src 'self'; " : "";
   return {std::move(text), "default-src 'none'; script-src " + scripts + "'nonce-" + nonce + "'; style-src 'nonce-" +
@@ -159,6 +170,17 @@ void sendFile(const std::string& path, httplib::Response& response)
                                   file->read(bytes.data(), static_cast<std::streamsize>(std::min(count, bytes.size())));
                                   const auto got = static_cast<std::size_t>(file->gcount());
                                   return got > 0 && sink.write(bytes.data(), got);
+                                });
+}
+
+/// Sends a model, which may be large, piece by piece.
+void sendModel(const std::shared_ptr<const FaceModel>& model, httplib::Response& response)
+{
+  const std::string& content = model->content;
+  response.set_content_provider(content.size(), "application/octet-stream",
+                                [model](std::size_t from, std::size_t count, httplib::DataSink& sink) {
+                                  constexpr std::size_t piece = std::size_t{64} << 10U;
+                                  return sink.write(model->content.data() + from, std::min(count, piece));
                                 });
 }
 
@@ -354,6 +376,8 @@ private:
       else
         answer(response, taken.status, taken.text);
     });
+    if (camera.model)
+      Get("/camera/model", [&camera](const Request&, Response& response) { sendModel(camera.model, response); });
     Get("/camera/([-._A-Za-z0-9]{1,80})", [&camera](const Request& request, Response& response) {
       const std::optional<CameraAsset> asset = cameraAsset(request.matches[1].str());
       if (!asset)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camera/facemodel.hpp"
 #include "serve/eventlog.hpp"
 #include "serve/orders.hpp"
 
@@ -24,6 +25,9 @@ struct ServedCamera
   std::string video;   ///< file; empty: the browser's camera
   double rate = 0.;    ///< frames of the video that are looked at in a second
 
+  /// Finds the faces in place of the models of the installation; null: those do.
+  std::shared_ptr<const FaceModel> model;
+
   /// Takes the numbers that the page found in a frame.
   std::function<OrderAnswer(const std::string& json)> frame;
 };
@@ -31,8 +35,8 @@ struct ServedCamera
 /// The content that a page server serves. The functions are called on threads of the server.
 struct ServedSession
 {
-  /// The page, in which "{nonce}" marks the number that lets its own script and style run, and "{camera}" what the
-  /// page looks at: nothing, "camera", or "video" and its rate.
+  /// The page, in which "{nonce}" marks the number that lets its own script and style run, "{camera}" what the page
+  /// looks at: nothing, "camera", or "video" and its rate, and "{model}" the name of the user's model of faces.
   std::string_view page;
 
   /// Does what the page asks for in JSON.

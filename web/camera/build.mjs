@@ -11,9 +11,13 @@ const [folder] = process.argv.slice(2);
 if (!folder) throw new Error("usage: node camera/build.mjs FOLDER");
 await mkdir(folder, { recursive: true });
 
+// The FaceLandmarker is a script of its own: it is loaded only with a model of the user.
 await build({
-  entryPoints: ["camera/main.ts"],
-  outfile: join(folder, "camera.js"),
+  entryPoints: [
+    { in: "camera/main.ts", out: "camera" },
+    { in: "camera/tasksvision.ts", out: "tasks_vision" },
+  ],
+  outdir: folder,
   bundle: true,
   minify: true,
   charset: "utf8",
@@ -37,6 +41,7 @@ const copied = {
     "face_mesh_solution_simd_wasm_bin.wasm",
   ],
   "node_modules/@vladmandic/face-api/model": ["face_expression_model.bin", "face_expression_model-weights_manifest.json"],
+  "node_modules/@mediapipe/tasks-vision/wasm": ["vision_wasm_internal.js", "vision_wasm_internal.wasm"],
   "node_modules/@tensorflow/tfjs-backend-wasm/dist": ["tfjs-backend-wasm-simd.wasm"],
 };
 for (const [from, names] of Object.entries(copied)) for (const name of names) await copyFile(join(from, name), join(folder, name));

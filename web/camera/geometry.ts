@@ -106,6 +106,11 @@ export function gazeOf(points: Point[], matrix: Matrix): Vector | null {
   return turned.map((part) => clamped(part / length, -1, 1)) as Vector;
 }
 
+/** Returns how far what the points of a face say can be trusted: of a face that is turned away, half is guessed. */
+export function pointsConfidence({ yaw, pitch }: Turn): number {
+  return 0.9 * falling(yaw, 20, 60) * falling(pitch, 15, 50);
+}
+
 /** A face at rest has a mouth so wide, and corners so far above the middle of the lips [cm]; a full smile adds so much. */
 const restingWidth = 5.1;
 const smilingWidth = 1.6;
@@ -122,7 +127,7 @@ export function smileOf(mesh: (point: number) => Vector, turn: Turn): [number, n
   const [right, left, upper, lower] = [61, 291, 0, 17].map(mesh);
   const wider = clamped((left[0] - right[0] - restingWidth) / smilingWidth, 0, 1);
   const higher = clamped(((left[1] + right[1]) / 2 - (upper[1] + lower[1]) / 2 - restingCorners) / smilingCorners, 0, 1);
-  return [Math.sqrt(wider * higher), 0.9 * falling(turn.yaw, 20, 60) * falling(turn.pitch, 15, 50)];
+  return [Math.sqrt(wider * higher), pointsConfidence(turn)];
 }
 
 /** The landmarks, of the usual 68, that are facial points of the library, and the points of the mesh that they are. */

@@ -1,10 +1,12 @@
 // Looks at the camera or a video: finds faces, sends their numbers, and shows what was understood. No picture is sent.
 
 import { element } from "../shared/dom";
-import { expressionConfidence, facialPointsOf, gazeOf, Point, smileOf, turnOf, Vector } from "./geometry";
+import { expressionConfidence, facialPointsOf, gazeOf, Point, turnOf, Vector } from "./geometry";
 import { Emotions, ExpressionClassifier } from "./expressions";
+import { FaceFinder, FoundFace, leastConfidence, rounded } from "./faces";
 import { Host } from "../shared/camerascript";
-import { FoundFace, Meshes } from "./meshes";
+import { Landmarker } from "./landmarker";
+import { Meshes } from "./meshes";
 import { draw, Shown } from "./overlay";
 import { openCamera, openVideo, Picture, Pictures } from "./pictures";
 import { Answer, quantile, Sender } from "./sender";
@@ -18,8 +20,6 @@ const widest = 640;
  * estimate, ten times a second, needs an expression of its own.
  */
 const readingPause = 0.06;
-/** An expression that is less sure is not sent. */
-const leastConfidence = 0.1;
 const rateOver = 2000; // [ms]
 
 interface Classified {
@@ -30,16 +30,6 @@ interface Classified {
 interface TrackedFace extends FoundFace {
   track: number;
   gaze: Vector | null;
-}
-
-function loadScript(address: string): Promise<void> {
-  return new Promise((loaded, failed) => {
-    const script = document.createElement("script");
-    script.src = address;
-    script.onload = () => loaded();
-    script.onerror = () => failed(new Error("A script of the camera was not loaded: is the installation complete?"));
-    document.head.append(script);
-  });
 }
 
 function nearest(points: Point[][], face: FoundFace): Point[] | null {
@@ -60,8 +50,6 @@ function take(video: HTMLVideoElement, { x, y, zoom }: Part, canvas: HTMLCanvasE
   context?.drawImage(video, x / scale, y / scale, width / scale / zoom, height / scale / zoom, 0, 0, width, height);
 }
 
-const rounded = (value: number) => Math.round(1e5 * value) / 1e5;
-
 class Camera {
   private readonly canvas = element("canvas", { role: "img", "aria-label": "The picture, mirrored, with the faces that were found" });
   private readonly status = element("p", { class: "note", role: "status" });
@@ -81,7 +69,7 @@ class Camera {
   private looking: Promise<void> = Promise.resolve();
   /** The session takes a video once. */
   private wasVideoOpened = false;
-  private meshes: Meshes | null = null;
+  private finder: FaceFinder | null = null;
   private classifier: ExpressionClassifier | null = null;
   /** [s], of the frames in which irises were looked for and expressions were classified. */
   private irisesAt = -Infinity;
@@ -105,7 +93,7 @@ class Camera {
         "p",
         { class: "note" },
         "No picture leaves this page. The browser finds the faces, and sends numbers to the session: angles, distances, scores and points of faces. ",
-        "Faces: MediaPipe face mesh; expressions: face-api (",
+        host.model ? `Faces and blendshapes: the face landmarker of MediaPipe with the model ${host.model} (` : "Faces: MediaPipe face mesh; expressions: face-api (",
         licences,
         ").",
       ),
@@ -142,9 +130,9 @@ class Camera {
 
   private async load(): Promise<void> {
     const addressOf = (name: string) => this.host.addressOf(`/camera/${name}`);
-    if (!window.FaceMesh) await loadScript(addressOf("face_mesh.js"));
-    this.meshes ??= await Meshes.load(addressOf);
-    this.classifier ??= await ExpressionClassifier.load(addressOf);
+    const { model } = this.host;
+    this.finder ??= await (model ? Landmarker.load(addressOf, model) : Meshes.load(addressOf));
+    if (this.finder.needsClassifier) this.classifier ??= await ExpressionClassifier.load(addressOf);
   }
 
   private open(): Promise<Pictures> {
@@ -177,13 +165,13 @@ class Camera {
   }
 
   private async lookAt(video: HTMLVideoElement, { captured, time }: Picture): Promise<void> {
-    if (!this.meshes || video.videoWidth === 0) return;
+    if (!this.finder || video.videoWidth === 0) return;
     take(video, whole, this.picture);
     const { width, height } = this.picture;
     const part = this.zoom.next(width, height);
     if (part.zoom > 1) take(video, part, this.enlarged);
     const canvas = part.zoom > 1 ? this.enlarged : this.picture;
-    const found = await this.meshes.faces(canvas, part);
+    const found = await this.finder.faces(canvas, part);
     const counts = this.zoom.found(
       part,
       found.map(({ box }) => box),
@@ -196,7 +184,7 @@ class Camera {
     const tracks = this.tracker.update(boxes, at);
     const looksForIrises = faces.length > 0 && at - this.irisesAt >= readingPause;
     if (looksForIrises) this.irisesAt = at;
-    const points = looksForIrises ? await this.meshes.points(canvas, part) : [];
+    const points = looksForIrises ? await this.finder.points(canvas, part) : [];
     const tracked = faces.flatMap((face, i) => {
       const track = tracks.of[i];
       const irises = nearest(points, face);
@@ -231,13 +219,12 @@ class Camera {
 
   /** Readings that cannot be seen are left out. */
   private numbersOf(face: TrackedFace, classified: Classified | undefined): object {
-    const smile = smileOf(face.mesh, turnOf(face.matrix));
     return {
       track: face.track,
       matrix: face.matrix.map(rounded),
       points: facialPointsOf(face.points, this.picture.width, this.picture.height),
       ...(face.gaze ? { gaze: face.gaze.map(rounded) } : {}),
-      ...(smile[1] >= leastConfidence ? { smile: smile.map(rounded) } : {}),
+      ...face.numbers(),
       ...(classified ? { emotions: classified.emotions, emotionConfidence: rounded(classified.confidence) } : {}),
     };
   }

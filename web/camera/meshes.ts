@@ -1,15 +1,11 @@
 // Finds faces and their points with the face mesh of MediaPipe. It has two forms, and each gives what the other one
 // cannot: one the pose of the head, the other one the irises.
 
-import { boxAround, Matrix, Point, Vector } from "./geometry";
-import { Box, overlap } from "./tracker";
-import { Part, pointInWhole, poseInWhole, whole } from "./zoom";
-
-interface RawPoint {
-  x: number;
-  y: number;
-  z: number;
-}
+import { FaceFinder, FaceNumbers, FoundFace, hasMoved, inPixels, leastConfidence, mostFaces, RawPoint, rounded } from "./faces";
+import { boxAround, Point, smileOf, Turn, turnOf, Vector } from "./geometry";
+import { loadScript } from "./scripts";
+import { overlap } from "./tracker";
+import { Part, poseInWhole, whole } from "./zoom";
 
 interface Geometry {
   getMesh(): { getVertexBufferList(): Float32Array };
@@ -35,31 +31,13 @@ declare global {
   }
 }
 
-const mostFaces = 4;
 /** Faces that still touch when they are looked for anew are left alone for so many frames: one may be in front of the other. */
 const framesOfTouching = 30;
 /** Of a vertex in the buffer: x, y, z and two numbers of the texture. */
 const numbersOfVertex = 5;
 
-export interface FoundFace {
-  box: Box;
-  points: Point[];
-  matrix: Matrix;
-  mesh(point: number): Vector;
-}
-
-/** Returns the points in pixels of the picture of which the canvas shows the part; z in the same measure. */
-function inPixels(points: RawPoint[], { width, height }: HTMLCanvasElement, part: Part): Point[] {
-  return points.map(({ x, y, z }) => pointInWhole({ x: x * width, y: y * height, z: z * width }, part));
-}
-
 /** Finds faces in a canvas that shows the part. Results of the frame before are used, unless its part was another or anew is set. */
 type Finder = (canvas: HTMLCanvasElement, part: Part, anew: boolean) => Promise<Results>;
-
-/** A part that follows a face moves little: the faces in it are still where they were [shares of the canvas]. */
-const smallMove = 0.1;
-const hasMoved = (before: Part, part: Part, { width }: HTMLCanvasElement) =>
-  before.zoom !== part.zoom || (Math.hypot(before.x - part.x, before.y - part.y) * part.zoom) / width > smallMove;
 
 async function finder(addressOf: (name: string) => string, options: object): Promise<Finder> {
   if (!window.FaceMesh) throw new Error("The face mesh was not loaded.");
@@ -78,9 +56,16 @@ async function finder(addressOf: (name: string) => string, options: object): Pro
   };
 }
 
+/** @param mesh x, y and z [cm] of each point in the directions of the face */
+function numbersOf(mesh: (point: number) => Vector, turn: Turn): FaceNumbers {
+  const [degree, confidence] = smileOf(mesh, turn);
+  return confidence >= leastConfidence ? { smile: [rounded(degree), rounded(confidence)] } : {};
+}
+
 const touch = (faces: FoundFace[]) => faces.some(({ box }, i) => faces.slice(0, i).some((other) => overlap(box, other.box) > 0));
 
-export class Meshes {
+export class Meshes implements FaceFinder {
+  readonly needsClassifier = true;
   private framesUntilAnew = 0;
   private looksAnewForIrises = false;
 
@@ -90,14 +75,13 @@ export class Meshes {
   ) {}
 
   static async load(addressOf: (name: string) => string): Promise<Meshes> {
+    if (!window.FaceMesh) await loadScript(addressOf("face_mesh.js"));
     const poses = await finder(addressOf, { enableFaceGeometry: true, refineLandmarks: false });
     const irises = await finder(addressOf, { enableFaceGeometry: false, refineLandmarks: true });
     return new Meshes(poses, irises);
   }
 
   /**
-   * Returns the faces in a canvas that shows the part of the picture, with their poses; all as in the whole picture.
-   *
    * The face mesh looks for a face where the face was. If few frames a second are found and a face moves far between two of them,
    * the mesh may find the face where it is, and a second one that lags behind it for many frames. Faces that touch are therefore
    * looked for again in the same picture, without those of the frame before.
@@ -117,16 +101,12 @@ export class Meshes {
     return multiFaceLandmarks.slice(0, multiFaceGeometry.length).map((raw, i) => {
       const points = inPixels(raw, canvas, part);
       const vertices = multiFaceGeometry[i].getMesh().getVertexBufferList().slice();
-      return {
-        box: boxAround(points),
-        points,
-        matrix: poseInWhole([...multiFaceGeometry[i].getPoseTransformMatrix().getPackedDataList()], part, canvas.width, canvas.height),
-        mesh: (point) => [0, 1, 2].map((part) => vertices[numbersOfVertex * point + part]) as Vector,
-      };
+      const mesh = (point: number) => [0, 1, 2].map((part) => vertices[numbersOfVertex * point + part]) as Vector;
+      const matrix = poseInWhole([...multiFaceGeometry[i].getPoseTransformMatrix().getPackedDataList()], part, canvas.width, canvas.height);
+      return { box: boxAround(points), points, matrix, numbers: () => numbersOf(mesh, turnOf(matrix)) };
     });
   }
 
-  /** Returns the points of each face, those of the irises among them, as in the whole picture. */
   async points(canvas: HTMLCanvasElement, part: Part): Promise<Point[][]> {
     const { multiFaceLandmarks = [] } = await this.irises(canvas, part, this.looksAnewForIrises);
     this.looksAnewForIrises = false;

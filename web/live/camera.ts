@@ -14,13 +14,13 @@ export class Camera {
 
   /** Starts what the page looks at, if that is anything. */
   start(): void {
-    const looksAt = document.documentElement.dataset.camera;
+    const { camera: looksAt, model = "" } = document.documentElement.dataset;
     if (!looksAt) return;
     const place = byId("camera");
     place.hidden = false;
     const script = document.createElement("script");
     script.src = addressOf("/camera/camera.js");
-    script.onload = () => window.skeigiotCamera?.start(place, this.host(looksAt));
+    script.onload = () => window.skeigiotCamera?.start(place, this.host(looksAt, model));
     script.onerror = () => place.append("The script of the camera was not loaded: is the installation complete?");
     document.head.append(script);
   }
@@ -30,9 +30,10 @@ export class Camera {
     for (const took of this.listeners) took(Math.round(this.session.now * nanoseconds));
   }
 
-  private host(looksAt: string): Host {
+  private host(looksAt: string, model: string): Host {
     return {
       looksAt,
+      model,
       addressOf,
       estimateOf: (id) => {
         const person = this.session.persons.get(id);

@@ -11,6 +11,8 @@ export interface Estimate {
 export interface Host {
   /** "camera", or "video" and how many frames of a second are looked at. */
   looksAt: string;
+  /** The name of the user's model of faces; empty: the built-in ones find them. */
+  model: string;
   addressOf(path: string): string;
   estimateOf(person: number): Estimate | undefined;
   /** Has `took` called with the time of the session [ns] whenever news have come in. */

@@ -24,10 +24,10 @@ std::string withFace(const std::string& members)
 
 TEST(Frame, ReadsWhatThePageFound)
 {
-  const Frame frame =
-      readFrame(R"({"page":"a","age":0.25,"faces":[{"track":3,"matrix":)" + straight +
-                R"(,"gaze":[0,0,1],"points":{"36":[10,20.5]},"smile":[0.5,0.9],"emotions":{"happy":1,"neutral":0},)"
-                R"("emotionConfidence":0.75,"blendshapes":{"jawOpen":0.25}}],"lost":[1],"left":[2],"ended":false})");
+  const Frame frame = readFrame(
+      R"({"page":"a","age":0.25,"faces":[{"track":3,"matrix":)" + straight +
+      R"(,"gaze":[0,0,1],"points":{"36":[10,20.5]},"smile":[0.5,0.9],"emotions":{"happy":1,"neutral":0},)"
+      R"("emotionConfidence":0.75,"blendshapes":{"jawOpen":0.25},"blendshapeConfidence":0.5}],"lost":[1],"left":[2],"ended":false})");
   EXPECT_EQ("a", frame.page);
   EXPECT_DOUBLE_EQ(0.25, frame.age);
   EXPECT_FALSE(frame.time);
@@ -49,6 +49,7 @@ TEST(Frame, ReadsWhatThePageFound)
   EXPECT_TRUE(std::isnan(found.emotions->sad));
   EXPECT_FLOAT_EQ(0.75f, found.emotionConfidence);
   EXPECT_FALSE(found.face.blendshapes->areUnknown());
+  EXPECT_FLOAT_EQ(0.5f, found.blendshapeConfidence);
 }
 
 TEST(Frame, LeavesOutWhatWasNotSent)
@@ -58,6 +59,7 @@ TEST(Frame, LeavesOutWhatWasNotSent)
   const KV::tools::FoundFace& found = frame.faces.front();
   EXPECT_FALSE(found.face.pose.position || found.face.pose.headPosture || found.face.pose.gaze);
   EXPECT_FALSE(found.face.landmarks || found.face.blendshapes || found.smile || found.emotions);
+  EXPECT_FLOAT_EQ(1.f, found.blendshapeConfidence) << "other programs need not send one";
 }
 
 // Gaze and head turn by the same angle, in the same direction; the library counts their yaws in opposite directions.
@@ -139,6 +141,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"UnknownEmotion", withFace(R"("emotions":{"bored":1})"), "faces[0].emotions.bored", "is unknown"},
         Refusal{"NoShapes", withFace(R"("blendshapes":[])"), "faces[0].blendshapes",
                 "expected an object of scores by the names of their blendshapes"},
+        Refusal{"LargeShapeConfidence", withFace(R"("blendshapeConfidence":1.5)"), "faces[0].blendshapeConfidence",
+                "expected a number from 0 to 1"},
         Refusal{"UnknownShape", withFace(R"("blendshapes":{"wink":1})"), "faces[0].blendshapes.wink",
                 "is not the name of a blendshape"}),
     [](const auto& tested) { return std::string(tested.param.name); });

@@ -1,5 +1,6 @@
 #include "commands/camerasource.hpp"
 
+#include <skeigiot/recordings/blendshapes.hpp>
 #include <skeigiot/session/sessionobserver.hpp>
 
 #include <nlohmann/json.hpp>
@@ -74,6 +75,31 @@ TEST_F(CameraSourceTest, MakesReadingsOfAFace)
   EXPECT_FLOAT_EQ(0.75f, last().expressions->value.joy.confidence);
   EXPECT_FLOAT_EQ(10.f, last().facialPoints->value.facialPoint(KV::FacialPoint0).value.first);
   EXPECT_TRUE(last().faceDetected->value);
+}
+
+TEST_F(CameraSourceTest, MakesSmileAndExpressionsOfBlendshapesAsSureAsThePageIs)
+{
+  open();
+  std::string shapes;
+  for (const std::string& name : KV::recordings::blendshapeNames())
+    if (name.find("eyeLook") == std::string::npos)
+      shapes += (shapes.empty() ? "\"" : ",\"") + name + (name.find("mouthSmile") == 0 ? "\":0.75" : "\":0");
+  const std::string detected = face.substr(0, face.size() - 1) + ",\"blendshapes\":{" + shapes + "}";
+
+  ASSERT_TRUE(give("\"faces\":[" + detected + "}]").isDone());
+  const float smile = last().smile->value.value;
+  EXPECT_GT(smile, 0.5f);
+  EXPECT_FLOAT_EQ(1.f, last().smile->value.confidence);
+  EXPECT_GT(last().expressions->value.joy.value, 0.5f);
+  EXPECT_FLOAT_EQ(1.f, last().expressions->value.joy.confidence);
+  EXPECT_FALSE(last().gaze) << "no scores of the eyes were sent";
+
+  ASSERT_TRUE(give("\"faces\":[" + detected + ",\"blendshapeConfidence\":0.25,\"points\":{\"36\":[10,20]}}]").isDone());
+  EXPECT_NEAR(smile, last().smile->value.value, 0.01f) << "apart from what was learned of the face at rest";
+  EXPECT_FLOAT_EQ(0.25f, last().smile->value.confidence);
+  EXPECT_FLOAT_EQ(0.25f, last().expressions->value.joy.confidence);
+  EXPECT_FLOAT_EQ(0.25f, last().expressions->value.calm.confidence);
+  EXPECT_FLOAT_EQ(1.f, last().facialPoints->value.facialPoint(KV::FacialPoint0).confidence);
 }
 
 TEST_F(CameraSourceTest, SaysNothingOfWhatThePageDidNotSee)

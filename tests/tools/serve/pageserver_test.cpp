@@ -124,9 +124,15 @@ protected:
     std::ofstream(folder.path("face_mesh.js")) << "mesh";
     std::ofstream(folder.path("secret.txt")) << "secret";
     std::ofstream(folder.path("video"), std::ios::binary) << "0123456789";
+    serve(nullptr);
+  }
+
+  void serve(std::shared_ptr<const KV::tools::FaceModel> model)
+  {
     server.reset();
     KV::tools::ServedCamera camera;
     camera.folder = folder.path("");
+    camera.model = std::move(model);
     camera.video = folder.path("video");
     camera.rate = 12.5;
     camera.frame = [](const std::string& json) {
@@ -134,8 +140,9 @@ protected:
     };
     server = std::make_unique<PageServer>(
         PageServer::Options(), log,
-        KV::tools::ServedSession{"<html data-camera=\"{camera}\">", [](const std::string&) { return OrderAnswer(); },
-                                 [this] { return recording.part(); }, []() -> std::string { return ""; }, camera});
+        KV::tools::ServedSession{"<html data-camera=\"{camera}\" data-model=\"{model}\">",
+                                 [](const std::string&) { return OrderAnswer(); }, [this] { return recording.part(); },
+                                 []() -> std::string { return ""; }, camera});
   }
 
   std::string postFrame(const std::string& body) const
@@ -172,6 +179,26 @@ TEST_F(PageServerWithACamera, ServesPartsOfTheVideo)
   EXPECT_EQ("0123456789", bodyOf(get("/video")));
   EXPECT_EQ("234", bodyOf(get("/video", "Range: bytes=2-4\r\n")));
   EXPECT_EQ(forbidden, statusOf(exchange(server->port(), request("GET", "/video"))));
+}
+
+TEST_F(PageServerWithACamera, HasNoModelUnlessThereIsOne)
+{
+  EXPECT_THAT(bodyOf(get("/")), HasSubstr("data-model=\"\""));
+  EXPECT_EQ(notFound, statusOf(get("/camera/model")));
+}
+
+TEST_F(PageServerWithACamera, ServesTheModelOfTheUserAndItsName)
+{
+  KV::tools::FaceModel model{"a \"<b>\" & {nonce}.task", std::string(200'000, 'm')};
+  model.content += "the end";
+  serve(std::make_shared<const KV::tools::FaceModel>(model));
+  EXPECT_THAT(bodyOf(get("/")), HasSubstr("data-model=\"a &quot;&lt;b&gt;&quot; &amp; {nonce}.task\""));
+  EXPECT_THAT(get("/camera/model"), HasSubstr("Content-Type: application/octet-stream"));
+  EXPECT_EQ(model.content, bodyOf(get("/camera/model")));
+  EXPECT_EQ("end", bodyOf(get("/camera/model", "Range: bytes=200004-200006\r\n")));
+  EXPECT_EQ("mesh", bodyOf(get("/camera/face_mesh.js")));
+  EXPECT_EQ(forbidden, statusOf(exchange(server->port(), request("GET", "/camera/model"))));
+  EXPECT_EQ(forbidden, statusOf(get("/camera/model", "Origin: http://evil.example\r\n")));
 }
 
 TEST_F(PageServerWithACamera, TakesFrames)

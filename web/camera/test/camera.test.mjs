@@ -237,7 +237,7 @@ await test("measures no frame without a face", async () => {
 await test("opens the licences by the keyboard", () =>
   withCamera(async ({ page }) => {
     const [opened] = await Promise.all([page.context().waitForEvent("page"), page.getByRole("link", { name: "licences" }).press("Enter")]);
-    assert.match(opened.url(), /LICENSES\.txt/);
+    await opened.waitForURL(/LICENSES\.txt/);
     assert.equal(await page.locator("#forces [data-pinned]").count(), 0);
   }));
 
@@ -446,6 +446,103 @@ await test("says that a video cannot be played", async () => {
   const served = await serve("--video", path);
   const { page } = await open(served, { prepare: async () => {} });
   await page.getByText("The browser cannot play this video.").waitFor();
+  await page.context().close();
+  assert.equal(await served.end(), 0);
+});
+
+/** Writes a file that begins as a model does. */
+function writeModel(name, content) {
+  const path = join(work, name);
+  writeFileSync(path, Buffer.concat([Buffer.from([0x50, 0x4b, 3, 4]), Buffer.from(content)]));
+  return path;
+}
+
+await test("says which model cannot be used", async () => {
+  const served = await serve("--camera", "--model", writeModel("broken <b>.task", "this is no model".repeat(1000)));
+  const { page, complaints, requests } = await open(served);
+  await page.getByText("The model broken <b>.task cannot be used. It has to be the face_landmarker.task of MediaPipe.").waitFor();
+  assert.ok(await page.getByText(/The reason: .*Unable to open zip archive/).isVisible());
+  const asked = (name) => requests.some((request) => new URL(request.url()).pathname === `/camera/${name}`);
+  assert.ok(asked("model") && asked("vision_wasm_internal.wasm"), "the program of MediaPipe was asked");
+  assert.deepEqual(
+    complaints.filter((complaint) => /asked for|Content Security Policy/.test(complaint)),
+    [],
+  );
+  assert.equal((await frames(page)).all, 0);
+  assert.deepEqual(
+    requests.filter((request) => request.method() === "POST"),
+    [],
+  );
+  assert.match(await page.locator("#camera").innerText(), /with the model broken <b>\.task/);
+  assert.ok(await page.getByRole("button", { name: "Start the camera" }).isVisible());
+  await page.context().close();
+  assert.equal(await served.end(), 0);
+});
+
+/** Runs in the page in place of the program of MediaPipe, and finds the same face in each picture that is not empty. */
+function standIn() {
+  const points = Array.from({ length: 478 }, (_, i) => ({ x: 0.4 + (i % 3) * 0.1, y: 0.2 + (i % 2) * 0.5, z: 0 }));
+  const put = (number, x, y) => (points[number] = { x: x / 640, y: y / 480, z: 0 });
+  for (const [left, right, above, below, iris, middle] of [
+    [33, 133, 159, 145, 468, 300],
+    [362, 263, 386, 374, 473, 350],
+  ]) {
+    put(left, middle - 20, 200);
+    put(right, middle + 20, 200);
+    put(above, middle, 194);
+    put(below, middle, 206);
+    put(iris, middle + 5, 198); // looks to the right in the picture
+  }
+  const scores = { _neutral: 0, browDownLeft: 0, browDownRight: 0, jawOpen: 0, mouthLowerDownLeft: 0, mouthLowerDownRight: 0 };
+  Object.assign(scores, { mouthSmileLeft: 0.8, mouthSmileRight: 0.8, eyeLookInLeft: 1, eyeLookOutRight: 1 });
+  const categories = Object.entries(scores).map(([categoryName, score]) => ({ categoryName, score }));
+  const face = {
+    faceLandmarks: [points],
+    faceBlendshapes: [{ categories }],
+    facialTransformationMatrixes: [{ data: [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, -80, 1] }],
+  };
+  const nobody = { faceLandmarks: [], faceBlendshapes: [], facialTransformationMatrixes: [] };
+  const isEmpty = (canvas) => canvas.getContext("2d").getImageData(0, 0, 1, 1).data[3] === 0;
+  window.FaceLandmarker = {
+    createFromOptions: async (_, { baseOptions }) => {
+      window.model = new TextDecoder().decode(baseOptions.modelAssetBuffer.slice(4));
+      return { detectForVideo: (canvas) => (isEmpty(canvas) ? nobody : face) };
+    },
+  };
+}
+
+await test("takes smile and expressions from the blendshapes of a model, and draws the gaze", async () => {
+  const served = await serve("--camera", "--model", writeModel("face_landmarker.task", "a model"));
+  const prepare = async (page) => {
+    await addFakeCamera(page, photograph);
+    await page.route("**/camera/tasks_vision.js*", (route) => route.fulfill({ contentType: "text/javascript", body: `(${standIn})()` }));
+    await page.addInitScript(() => {
+      const { arc } = CanvasRenderingContext2D.prototype;
+      CanvasRenderingContext2D.prototype.arc = function (...given) {
+        if (this.canvas.closest("#camera")) window.arrows = (window.arrows ?? 0) + 1; // a dot at the begin of each arrow
+        return arc.apply(this, given);
+      };
+    });
+  };
+  const { page, complaints, requests } = await open(served, { prepare });
+  await look(page, 20);
+  assert.equal(await page.evaluate(() => window.model), "a model");
+  assert.ok((await page.evaluate(() => window.arrows)) > 5, "the gaze is drawn");
+  assert.ok((await reading(page, "smile")) > 0.5);
+  const steps = (await served.recording()).flatMap(({ observation }) => observation ?? []);
+  const smiles = steps.flatMap(({ smile }) => smile ?? []);
+  assert.ok(smiles.length > 5 && smiles.every(({ confidence }) => Math.abs(confidence - 0.9) < 1e-3));
+  assert.ok(steps.flatMap(({ expressions }) => expressions?.joy ?? []).every(({ value }) => value > 0.5));
+  const gazes = steps.flatMap(({ gaze }) => gaze ?? []);
+  assert.ok(gazes.length > 3 && gazes.every(({ yaw }) => yaw > 10 && yaw < 30), "by the irises; the scores of the eyes say 30° to the other side");
+  const asked = requests.map((request) => new URL(request.url()).pathname);
+  assert.deepEqual(
+    asked.filter((path) => /face_mesh|face_expression|tfjs/.test(path)),
+    [],
+    "the built-in models are not loaded",
+  );
+  assert.match(await page.locator("#camera").innerText(), /with the model face_landmarker\.task/);
+  assert.deepEqual(complaints, []);
   await page.context().close();
   assert.equal(await served.end(), 0);
 });

@@ -1,6 +1,6 @@
-// Tests when faces are looked for without those of the frame before; a face mesh that plays scripted results stands in.
+// Tests when faces are looked for without those of the frame before. The face mesh here gives results that each test chooses.
 //
-// usage: node meshes.test.mjs, beside what esbuild made of meshes.ts and what that uses
+// usage: node meshes.test.mjs, beside the modules that esbuild made of meshes.ts and of its imports
 
 import assert from "node:assert/strict";
 import { finish, test } from "./cases.mjs";
