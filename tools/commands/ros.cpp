@@ -11,6 +11,7 @@
 #include "ros/busmodule.hpp"
 #include "ros/renamingbus.hpp"
 #include "ros/rosarguments.hpp"
+#include "ros/rosbridgeaddress.hpp"
 #include "ros/rosenvironment.hpp"
 #include "serve/advancingclock.hpp"
 
@@ -60,6 +61,10 @@ The environment variables ROS_DOMAIN_ID, ROS_AUTOMATIC_DISCOVERY_RANGE, ROS_STAT
 in ROS. Without them, only nodes on this machine are found. Ctrl-C and SIGTERM end the command; what was recorded is
 complete then.
 
+With --rosbridge, messages come and go as JSON by a node rosbridge_websocket, which passes them on. It reaches the nodes
+of a robot whose network has no DDS. The topics of an id are read as soon as a list has the id: faces/tracked,
+persons/tracked, persons/known or voices/tracked.
+
 With --watch, a table shows the persons as 'skeigiot watch' does; q ends the command. Warnings come at the end. With
 --serve, a page in the browser shows them as 'skeigiot serve' does; its address is printed.
 
@@ -76,6 +81,7 @@ Examples:
   skeigiot ros --watch
   skeigiot ros --serve --no-open --listen 127.0.0.1:8080
   skeigiot ros --range subnet --record session.jsonl
+  skeigiot ros --rosbridge ws://robot:9090
   skeigiot ros --params-file robot.yaml --param cycle:=20 --remap /humans:=/robot1/humans)";
 
 struct Arguments
@@ -90,6 +96,7 @@ struct Arguments
   std::optional<int> domain;
   std::optional<ros2::DiscoveryRange> range;
   std::vector<std::string> peers;
+  std::optional<ros2::RosbridgeAddress> rosbridge;
 };
 
 /// Returns the time of the wall clock to any thread; it advances with each call.
@@ -113,6 +120,13 @@ std::string variable(const std::string& name)
   return value == nullptr ? std::string() : value;
 }
 
+/// Returns how the other nodes are reached, in words.
+std::string placeOf(const Arguments& arguments)
+{
+  return arguments.rosbridge ? "rosbridge at " + ros2::textOf(*arguments.rosbridge)
+                             : "domain " + std::to_string(arguments.bus.domain);
+}
+
 /// Sets the options of the environment, and then those of the command line.
 void completeOptions(Arguments& arguments)
 {
@@ -128,7 +142,9 @@ void completeOptions(Arguments& arguments)
   arguments.bus.node = arguments.ros.names.node();
   arguments.node.source.reading = arguments.reading.options;
   arguments.node.isQuiet = arguments.watch;
-  arguments.node.source.name = "ROS 2, domain " + std::to_string(arguments.bus.domain);
+  arguments.node.source.name = "ROS 2, " + placeOf(arguments);
+  if (arguments.rosbridge && arguments.node.source.times == RosTimes::Source)
+    throw std::invalid_argument("--rosbridge needs --times arrival: rosbridge does not say when a message was written");
 }
 
 /// \throws OutputRefused if both files are the same.
@@ -178,14 +194,26 @@ private:
   std::optional<LiveServer> _page;
 };
 
+ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
+{
+  ros2::RosbridgeOptions options;
+  options.address = *arguments.rosbridge;
+  options.topics = recordings::Ros4hriInput::topics();
+  options.lists = recordings::Ros4hriInput::lists();
+  options.nameOf = [names = arguments.ros.names](const std::string& topic) { return names.outside(topic); };
+  return options;
+}
+
 /// Joins the other nodes. The clock may be called by any thread.
 std::unique_ptr<ros2::Bus> busOf(const Arguments& arguments, const std::shared_ptr<SharedClock>& clock)
 {
   const RosNames& names = arguments.ros.names;
-  auto bus = openBus(
-      arguments.bus,
-      [names](const std::string& topic) { return recordings::Ros4hriInput::typeOf(names.inside(topic)); },
-      [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); });
+  const auto typeOf = [names](const std::string& topic) {
+    return recordings::Ros4hriInput::typeOf(names.inside(topic));
+  };
+  const auto time = [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); };
+  auto bus =
+      arguments.rosbridge ? openRosbridgeBus(optionsOf(arguments), typeOf, time) : openBus(arguments.bus, typeOf, time);
   if (!names.changeTopics())
     return bus;
   return std::make_unique<RenamingBus>(std::move(bus), names);
@@ -203,8 +231,7 @@ ExitStatus run(CLI::App& command, Arguments& arguments)
     Views views(arguments);
     RosNode node(
         busOf(arguments, clock), [clock] { return (*clock)(); }, arguments.node, messages, views.listeners());
-    messages.note("reads and publishes topics of ROS 2 in the domain " + std::to_string(arguments.bus.domain) +
-                  "; Ctrl-C ends");
+    messages.note("reads and publishes topics of ROS 2, " + placeOf(arguments) + "; Ctrl-C ends");
     return views.run(node, messages) ? Success : Failure;
   }
   catch (const NoBusModule& error)
@@ -226,25 +253,35 @@ ExitStatus run(CLI::App& command, Arguments& arguments)
 
 void addBusOptions(CLI::App& command, Arguments& arguments)
 {
-  addTexts(command, "--domain", "Domain of ROS, from 0 to 232 (ROS_DOMAIN_ID, or 0)", "NUMBER",
-           [&arguments](const std::string& text) { arguments.domain = parseDomain(text); })
-      ->take_last();
-  addTexts(command, "--range",
-           "How far away other nodes may be: off, localhost (this machine), subnet,\n"
-           "system-default (ROS_AUTOMATIC_DISCOVERY_RANGE, or localhost)",
-           "RANGE", [&arguments](const std::string& text) { arguments.range = parseRange(text); })
-      ->take_last();
-  command
-      .add_option("--peer", arguments.peers,
-                  "IPv4 address of another machine with nodes; several times for several.\n"
-                  "For the ranges localhost and subnet (ROS_STATIC_PEERS)")
-      ->type_name("ADDRESS");
-  addChoice<boost::optional<ros2::Distribution>>(
+  CLI::Option* const domain =
+      addTexts(command, "--domain", "Domain of ROS, from 0 to 232 (ROS_DOMAIN_ID, or 0)", "NUMBER",
+               [&arguments](const std::string& text) { arguments.domain = parseDomain(text); })
+          ->take_last();
+  CLI::Option* const range =
+      addTexts(command, "--range",
+               "How far away other nodes may be: off, localhost (this machine), subnet,\n"
+               "system-default (ROS_AUTOMATIC_DISCOVERY_RANGE, or localhost)",
+               "RANGE", [&arguments](const std::string& text) { arguments.range = parseRange(text); })
+          ->take_last();
+  CLI::Option* const peer = command
+                                .add_option("--peer", arguments.peers,
+                                            "IPv4 address of another machine with nodes; several times for several.\n"
+                                            "For the ranges localhost and subnet (ROS_STATIC_PEERS)")
+                                ->type_name("ADDRESS");
+  CLI::Option* const distribution = addChoice<boost::optional<ros2::Distribution>>(
       command, "--ros-distro",
       "For whom the node is announced: humble, or jazzy, which is Iron and all\n"
       "later ones (default). none: only the topics are seen",
       "NAME", {{"humble", ros2::Distribution::Humble}, {"jazzy", ros2::Distribution::Jazzy}, {"none", boost::none}},
       arguments.bus.distribution);
+  addTexts(command, "--rosbridge", "Reach the other nodes by rosbridge instead of DDS; without a port, it is\n9090",
+           "ws://HOST:PORT",
+           [&arguments](const std::string& text) { arguments.rosbridge = parseRosbridgeAddress(text); })
+      ->take_last()
+      ->excludes(domain)
+      ->excludes(range)
+      ->excludes(peer)
+      ->excludes(distribution);
 }
 
 /// Options for recordings that say nothing about messages of ROS are left out.

@@ -155,6 +155,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l domain -x -d 'Domai
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l range -x -d 'How far away other nodes may be: off, localhost (this machine), subnet, system-default (ROS_AUTOMATIC_DISCOVERY_RANGE, or localhost)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l peer -x -d 'IPv4 address of another machine with nodes; several times for several. For the ranges localhost and subnet (ROS_STATIC_PEERS)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l ros-distro -x -a 'humble jazzy none' -d 'For whom the node is announced: humble, or jazzy, which is Iron and all later ones (default)'
+complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l rosbridge -x -d 'Reach the other nodes by rosbridge instead of DDS; without a port, it is 9090'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l times -x -a 'arrival source' -d 'Time of a message'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l hold -x -d 'Seconds that a message waits for earlier ones of other writers, with --times source (0.05)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l silence -x -d 'Seconds without a message about a face, after which nobody counts as seen (1)'

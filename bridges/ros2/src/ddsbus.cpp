@@ -1,6 +1,7 @@
 #include <skeigiot/ros2/bus.hpp>
 
 #include "cdrmessages.hpp"
+#include "event.hpp"
 #include "messagequeue.hpp"
 #include "names.hpp"
 #include "participantqos.hpp"
@@ -20,17 +21,12 @@
 #include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <map>
 #include <mutex>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 namespace KV::ros2
@@ -57,31 +53,6 @@ Gid gidOf(const rtps::GUID_t& guid)
   std::copy_n(id.begin(), gid.size(), gid.begin());
   return gid;
 }
-
-/// Can be read from once it is set, until it is reset.
-class Event
-{
-public:
-  Event() : _descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-  {
-    if (_descriptor < 0)
-      throw std::system_error(errno, std::generic_category(), "cannot wait for messages");
-  }
-  ~Event() { ::close(_descriptor); }
-  Event(const Event&) = delete;
-  Event& operator=(const Event&) = delete;
-
-  int descriptor() const { return _descriptor; }
-  void set() { ::eventfd_write(_descriptor, 1); }
-  void reset()
-  {
-    eventfd_t count = 0;
-    ::eventfd_read(_descriptor, &count);
-  }
-
-private:
-  int _descriptor;
-};
 
 class DdsBus : public Bus, private dds::DomainParticipantListener
 {
@@ -155,7 +126,9 @@ private:
 };
 
 DdsBus::DdsBus(const BusOptions& options, TypeOf typeOf, Clock clock)
-  : _options(options), _queue(options.mostMessages, options.mostBytes, std::move(clock)), _writers(std::move(typeOf))
+  : _options(options),
+    _queue(options.mostMessages, options.mostBytes, std::move(clock)),
+    _writers(std::move(typeOf))
 {
   dds::Log::ClearConsumers();  // they would write to the terminal
   try

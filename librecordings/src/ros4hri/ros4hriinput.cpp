@@ -52,6 +52,16 @@ std::string Ros4hriInput::typeOf(const std::string& topic)
   return known ? known->type : std::string();
 }
 
+std::vector<std::string> Ros4hriInput::topics()
+{
+  return rosTopicPatterns();
+}
+
+std::vector<std::string> Ros4hriInput::lists()
+{
+  return rosIdLists();
+}
+
 bool Ros4hriInput::mayBeInId(char character)
 {
   return mayBeInRosId(character);

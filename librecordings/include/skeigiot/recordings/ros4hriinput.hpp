@@ -41,6 +41,18 @@ public:
   /// Any thread may call it at any time.
   static std::string typeOf(const std::string& topic);
 
+  /// Returns the names of all topics that are read, with "*" for the id of a face, voice or person, such as
+  /// "/humans/faces/*/facs".
+  ///
+  /// Any thread may call it at any time.
+  static std::vector<std::string> topics();
+
+  /// Returns the names of the topics with lists of the ids of faces, voices and persons, of the type
+  /// "hri_msgs/msg/IdsList". They say which topics with ids may be there; not all of them are read by take().
+  ///
+  /// Any thread may call it at any time.
+  static std::vector<std::string> lists();
+
   /// Returns whether ROS allows the character in the id of a face, voice or person, which is a part of the name of a
   /// topic: ASCII letters, digits and "_".
   ///
