@@ -128,7 +128,7 @@ private:
 DdsBus::DdsBus(const BusOptions& options, TypeOf typeOf, Clock clock)
   : _options(options),
     _queue(options.mostMessages, options.mostBytes, std::move(clock)),
-    _writers(std::move(typeOf))
+    _writers(std::move(typeOf), options.mostWriters)
 {
   dds::Log::ClearConsumers();  // they would write to the terminal
   try
