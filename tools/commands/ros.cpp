@@ -16,14 +16,18 @@
 #include "serve/advancingclock.hpp"
 
 #include <skeigiot/recordings/error.hpp>
+#include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/recordings/ros4hriinput.hpp>
 #include <skeigiot/session/outputcheck.hpp>
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -43,6 +47,7 @@ const char* const description = "Answers the nodes of ROS 2 with the estimates o
 const char* const footer =
     R"(Reads the topics of ROS4HRI as a node of ROS 2, without an installation of ROS:
   /tf, /tf_static                    frames face_ID and gaze_ID
+  /joint_states                      the robot's own head, with --head-joints
   /humans/faces/tracked              faces that are seen
   /humans/faces/ID/expression        also facs and landmarks
   /humans/persons/ID/face_id         the face of a person; also voice_id, alias and anonymous
@@ -194,11 +199,22 @@ private:
   std::optional<LiveServer> _page;
 };
 
+/// Returns whether a topic is read, of those that could be.
+std::function<bool(const std::string& topic)> topicsOf(const Arguments& arguments)
+{
+  return [areJointsRead = !arguments.node.source.head.joints.empty()](const std::string& topic) {
+    return topic != recordings::Ros4hriInput::jointStates || areJointsRead;
+  };
+}
+
 ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
 {
   ros2::RosbridgeOptions options;
   options.address = *arguments.rosbridge;
-  options.topics = recordings::Ros4hriInput::topics();
+  const auto isRead = topicsOf(arguments);
+  for (const std::string& topic : recordings::Ros4hriInput::topics())
+    if (isRead(topic))
+      options.topics.push_back(topic);
   options.lists = recordings::Ros4hriInput::lists();
   options.nameOf = [names = arguments.ros.names](const std::string& topic) { return names.outside(topic); };
   return options;
@@ -208,8 +224,9 @@ ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
 std::unique_ptr<ros2::Bus> busOf(const Arguments& arguments, const std::shared_ptr<SharedClock>& clock)
 {
   const RosNames& names = arguments.ros.names;
-  const auto typeOf = [names](const std::string& topic) {
-    return recordings::Ros4hriInput::typeOf(names.inside(topic));
+  const auto typeOf = [names, isRead = topicsOf(arguments)](const std::string& topic) {
+    const std::string own = names.inside(topic);
+    return isRead(own) ? recordings::Ros4hriInput::typeOf(own) : std::string();
   };
   const auto time = [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); };
   auto bus =
@@ -284,6 +301,37 @@ void addBusOptions(CLI::App& command, Arguments& arguments)
       ->excludes(distribution);
 }
 
+/// Reads the names of the joint that turns the head and of the one that nods.
+///
+/// \throws std::invalid_argument for another number of names, or names that are empty or long.
+std::vector<std::string> parseJoints(const std::string& text)
+{
+  constexpr std::size_t longestName = 200;
+  const std::vector<std::string> names = CLI::detail::split(text, ',');
+  const auto isName = [](const std::string& name) { return !name.empty() && name.size() <= longestName; };
+  if (names.empty() || names.size() > 2 || !std::all_of(names.begin(), names.end(), isName))
+    throw std::invalid_argument("expected the name of a joint, or two with ',' between them, found " +
+                                recordings::quote(text));
+  return names;
+}
+
+void addHeadOptions(CLI::App& command, recordings::RobotHead& head)
+{
+  CLI::Option* const joints =
+      addTexts(command, "--head-joints",
+               "Joints of /joint_states that turn the robot's head and let it nod. While\n"
+               "the head moves, directions of faces count less",
+               "YAW,PITCH", [&head](const std::string& text) { head.joints = parseJoints(text); })
+          ->take_last();
+  command
+      .add_option("--head-base", head.base,
+                  "Frame of the robot's body, such as base_link: the robot's head is the\n"
+                  "camera in it. Instead of --head-joints")
+      ->type_name("FRAME")
+      ->take_last()
+      ->excludes(joints);
+}
+
 /// Options for recordings that say nothing about messages of ROS are left out.
 void addMessageOptions(CLI::App& command, ReadingArguments& reading)
 {
@@ -312,6 +360,7 @@ void addRosCommand(CLI::App& app, ExitStatus& status)
       command, "--silence", "Seconds without a message about a face, after which nobody counts as\nseen (1)", "SECONDS",
       "a number from 0.1 to 3600", [](double seconds) { return seconds >= 0.1 && seconds <= 3600.; },
       [source = &arguments->node.source](double seconds) { source->silence = seconds; });
+  addHeadOptions(command, arguments->node.source.head);
   command
       .add_option("--record", arguments->node.recording,
                   "Record what came in as JSON Lines; 'skeigiot replay' of the file gives\n"

@@ -38,7 +38,7 @@ RosSource::RosSource(ros2::Bus& bus, RosSourceOptions options, LiveListeners lis
     _options(std::move(options)),
     _listeners(std::move(listeners)),
     _clock(std::move(clock)),
-    _input(_options.reading),
+    _input(_options.reading, _options.head),
     _session({}, _listeners.observers, _options.cycle)
 {}
 

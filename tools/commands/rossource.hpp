@@ -29,6 +29,7 @@ enum class RosTimes
 struct RosSourceOptions
 {
   recordings::ReadingOptions reading;
+  recordings::RobotHead head;
   session::Cycle cycle;
   RosTimes times = RosTimes::Arrival;
   double silence = 1.;  ///< [s] without a message about a face, after which nobody counts as seen

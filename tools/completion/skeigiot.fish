@@ -159,6 +159,8 @@ complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l rosbridge -x -d 'Re
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l times -x -a 'arrival source' -d 'Time of a message'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l hold -x -d 'Seconds that a message waits for earlier ones of other writers, with --times source (0.05)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l silence -x -d 'Seconds without a message about a face, after which nobody counts as seen (1)'
+complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l head-joints -x -d 'Joints of /joint_states that turn the robot\'s head and let it nod'
+complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l head-base -x -d 'Frame of the robot\'s body, such as base_link: the robot\'s head is the camera in it'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l record -r -F -d 'Record what came in as JSON Lines; \'skeigiot replay\' of the file gives the same estimates'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l jsonl -r -F -d 'Export each update as JSON Lines, as \'skeigiot replay\' does'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l watch -d 'Show the persons in a table, as \'skeigiot watch\' does'

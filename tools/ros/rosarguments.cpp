@@ -19,10 +19,10 @@ namespace KV::tools
 namespace
 {
 
-constexpr std::array<std::string_view, 15> parameterOptions = {
-    "--cycle",         "--times",      "--hold",           "--silence",       "--record",
-    "--jsonl",         "--ros-distro", "--rosbridge",      "--look-at",       "--rest",
-    "--camera-height", "--mirrored",   "--min-confidence", "--au-full-scale", "--mapping"};
+constexpr std::array<std::string_view, 17> parameterOptions = {
+    "--cycle",          "--times",         "--hold",    "--silence",     "--record",        "--jsonl",
+    "--ros-distro",     "--rosbridge",     "--look-at", "--rest",        "--camera-height", "--mirrored",
+    "--min-confidence", "--au-full-scale", "--mapping", "--head-joints", "--head-base"};
 const std::string boundaryPrefix = "--boundary-";
 const char* const simulatedTime = "use_sim_time";
 

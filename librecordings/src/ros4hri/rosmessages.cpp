@@ -168,6 +168,21 @@ RosSpeech readSpeech(RosData& data)
   });
 }
 
+RosJointStates readJointStates(RosData& data)
+{
+  return guarded(data, [](Message& message) {
+    message.header();
+    RosJointStates joints;
+    joints.names.resize(message.count(smallestText));
+    for (std::string& name : joints.names)
+      name = message.read<std::string>();
+    joints.positions.resize(message.count(sizeof(double)));
+    for (double& position : joints.positions)
+      position = message.read<double>();
+    return joints;
+  });
+}
+
 std::string readString(RosData& data)
 {
   return guarded(data, [](Message& message) { return message.read<std::string>(); });

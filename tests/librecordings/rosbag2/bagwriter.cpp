@@ -55,6 +55,12 @@ std::string boolMessage(bool value)
   return (CdrWriter() << value).bytes();
 }
 
+std::string jointStatesMessage(const std::vector<std::string>& names, const std::vector<double>& positions)
+{
+  const std::vector<double> unknown;  // velocity, effort
+  return (CdrWriter().header("") << names << positions << unknown << unknown).bytes();
+}
+
 std::string speechMessage(const std::string& incremental, const std::string& final)
 {
   CdrWriter writer;

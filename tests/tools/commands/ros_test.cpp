@@ -36,6 +36,17 @@ TEST(RosOptions, HavePeersWhereOtherNodesAreLookedForOnly)
   }
 }
 
+TEST(RosOptions, NameOneOrTwoJointsOfTheHeadOrTheFrameOfTheBody)
+{
+  for (const char* const joints : {"a,b,c", ",b"})
+    EXPECT_NE(std::string::npos,
+              runCommand({"ros", "--head-joints", joints})
+                  .errors.find("--head-joints: expected the name of a joint, or two with ',' between them, found '" +
+                               std::string(joints) + "'"));
+  EXPECT_NE(std::string::npos, runCommand({"ros", "--head-joints", "pan", "--head-base", "base_link"})
+                                   .errors.find("--head-base excludes --head-joints"));
+}
+
 /// A file of parameters. Both outputs of the command are the same file, so that a command whose parameters are taken is
 /// refused, too.
 class RosParametersOfTheCommand : public ::testing::Test
@@ -187,7 +198,8 @@ TEST(RosNames, OfTopicsThatAreNotThereAreRefused)
   const CommandResult result = runCommand({"ros", "--remap", "/camera:=/eye"});
   EXPECT_EQ(2, result.status);
   EXPECT_NE(std::string::npos,
-            result.errors.find("--remap: expected /tf, /tf_static, /diagnostics, /humans, or a topic below /humans, "
+            result.errors.find("--remap: expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, "
+                               "/humans, or a topic below one of the last two, "
                                "found '/camera'"))
       << result.errors;
 }

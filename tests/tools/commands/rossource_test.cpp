@@ -9,7 +9,9 @@
 
 #include <boost/chrono/duration.hpp>
 
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -272,6 +274,119 @@ TEST_F(Source, HasNoTimeForAScopeBeforeTheFirstMessageOfAWriter)
   step.scopeStops.emplace_back("greeting");
   EXPECT_EQ("no message has come in yet, so there is no time at which a scope could start", source.takeScopes(step));
   EXPECT_TRUE(steps.all.empty());
+}
+
+/// The robot's own head.
+class RobotHeadInSource : public Source
+{
+protected:
+  RosSource sourceWith(const KV::recordings::RobotHead& head)
+  {
+    RosSourceOptions options;
+    options.head = head;
+    options.silence = 3600.;
+    return RosSource(bus, options, {{&steps}, {}},
+                     [this] { return KV::session::TimePoint(KV::session::Duration(now)); });
+  }
+
+  /// Returns the angles of the head in a step, as text with their age in ms; empty without.
+  std::string headIn(std::size_t step) const
+  {
+    const auto& head = steps.all.at(step).observation.robotHeadPosture;
+    if (!head)
+      return "";
+    const auto age = (steps.all[step].time - head->time).count() / 1'000'000;
+    return std::to_string(std::lround(head->value.yaw)) + "," + std::to_string(std::lround(head->value.pitch)) + " " +
+           std::to_string(age);
+  }
+
+  static constexpr double degree = 3.14159265358979 / 180.;
+  static constexpr std::int64_t frame = second / 10;
+};
+
+TEST_F(RobotHeadInSource, GoesWithTheNextStepOfEachPersonOnce)
+{
+  RosSource source = sourceWith({{"head_pan", "head_tilt"}, ""});
+  bus.add("/joint_states",
+          support::jointStatesMessage({"arm", "head_tilt", "head_pan"}, {1., -5. * degree, 20. * degree}), begin);
+  for (int i = 1; i <= 2; ++i)
+    for (const char* const id : {"a", "b"})
+      bus.add("/tf", face(id), begin + i * frame);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(4U, steps.all.size());
+  EXPECT_EQ("20,-5 100", headIn(0));
+  EXPECT_EQ("20,-5 100", headIn(1));
+  EXPECT_EQ("", headIn(2));
+  EXPECT_EQ("", headIn(3));
+}
+
+TEST_F(RobotHeadInSource, KeepsTheAngleOfAJointThatAMessageDoesNotHave)
+{
+  RosSource source = sourceWith({{"head_pan", "head_tilt"}, ""});
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {20. * degree}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"head_tilt"}, {10. * degree}), begin + 1);
+  bus.add("/tf", face("a"), begin + frame);
+  source.take(true);
+  source.finish();
+  EXPECT_EQ("20,10 99", headIn(0));
+}
+
+TEST_F(RobotHeadInSource, LeavesOutPositionsThatAreMissingOrNotFinite)
+{
+  RosSource source = sourceWith({{"head_pan"}, ""});
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {std::nan("")}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"arm"}, {1.}), begin);
+  bus.add("/tf", face("a"), begin + frame);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(1U, steps.all.size());
+  EXPECT_EQ("", headIn(0));
+  EXPECT_TRUE(source.takeNotes().empty());
+}
+
+TEST_F(RobotHeadInSource, NamesTheTopicOfJointsThatCannotBeRead)
+{
+  RosSource source = sourceWith({{"head_pan"}, ""});
+  bus.add("/joint_states", std::string("\0\1\0\0\1", 5), begin);
+  source.take(true);
+  const std::vector<std::string> notes = source.takeNotes();
+  ASSERT_EQ(1U, notes.size());
+  EXPECT_EQ(0U, notes.front().find("a message on the topic /joint_states is left out: ends too early")) << notes[0];
+}
+
+TEST_F(RobotHeadInSource, IsTheCameraInTheFrameOfTheBody)
+{
+  RosSource source = sourceWith({{}, "base_link"});
+  // The axis of a camera goes forward, that of its frame with x to the right and y down: first so, then 30 degrees to
+  // the left.
+  const std::array<double, 4> ahead{-0.5, 0.5, -0.5, 0.5};
+  const std::array<double, 4> aside = support::product(support::turned(30., {0., 0., 1.}), ahead);
+  const auto cameraAt = [](const std::array<double, 4>& rotation) {
+    return support::tfMessage({{"base_link", "camera_optical", {0., 0., 1.}, rotation}});
+  };
+  bus.add("/tf", cameraAt(ahead), begin);
+  bus.add("/tf", face("a"), begin + frame);
+  bus.add("/tf", cameraAt(aside), begin + 2 * frame);
+  bus.add("/tf", face("a"), begin + 3 * frame);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(2U, steps.all.size());
+  EXPECT_EQ("0,0 0", headIn(0));
+  EXPECT_EQ("30,0 0", headIn(1));
+}
+
+TEST_F(RobotHeadInSource, IsUnknownWithoutAWayFromTheCameraToTheBody)
+{
+  RosSource source = sourceWith({{}, "base_link"});
+  bus.add("/tf", face("a"), begin);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(1U, steps.all.size());
+  EXPECT_EQ("", headIn(0));
 }
 
 }  // namespace

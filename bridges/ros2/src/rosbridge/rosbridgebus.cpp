@@ -27,7 +27,7 @@ namespace
 constexpr std::size_t mostNoted = 1000;  // topics and texts of rosbridge that are remembered
 const char* const listType = "hri_msgs/msg/IdsList";
 
-/// Notes that are told once.
+/// Notes for the user, of which some are added once only.
 ///
 /// \par Thread safety
 ///   Each function takes the object's mutex.
@@ -38,7 +38,7 @@ public:
   void addOnce(const std::string& key, const std::string& note)
   {
     const std::lock_guard lock(_mutex);
-    if (_told.size() < mostNoted && _told.insert(key).second)
+    if (_added.size() < mostNoted && _added.insert(key).second)
       _notes.push_back(note);
   }
 
@@ -57,7 +57,7 @@ public:
 private:
   std::mutex _mutex;
   // Guarded by _mutex
-  std::set<std::string> _told;
+  std::set<std::string> _added;
   std::vector<std::string> _notes;
 };
 
@@ -80,7 +80,7 @@ public:
   BusCounts counts() const override;
 
 private:
-  /// What the thread of the client heard, until take() follows it.
+  /// News from the thread of the client, which take() follows.
   struct Heard
   {
     bool isOpened = false;

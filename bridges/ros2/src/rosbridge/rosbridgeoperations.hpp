@@ -17,7 +17,7 @@ std::string advertiseOperation(const std::string& topic, const std::string& type
 std::string unadvertiseOperation(const std::string& topic);
 std::string publishOperation(const std::string& topic, const nlohmann::json& message);
 
-/// What rosbridge says.
+/// A text that rosbridge sent.
 struct RosbridgeText
 {
   enum class Kind

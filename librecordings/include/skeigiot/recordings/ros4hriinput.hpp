@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/readingoptions.hpp>
+#include <skeigiot/recordings/robothead.hpp>
 #include <skeigiot/recordings/step.hpp>
 
 #include <ko/systemclock.hpp>
@@ -28,10 +29,14 @@ class SKEIGIOT_API Ros4hriInput
 public:
   using TimePoint = ko::SystemClock::time_point;  ///< time at which a message came in
 
-  /// Begins without a message. The options say how angles and action units are read.
+  /// The topic with the joints of the robot, which is read if RobotHead names joints.
+  static constexpr const char* jointStates = "/joint_states";
+
+  /// Begins without a message. The options say how angles and action units are read; `head` says where the angles of
+  /// the robot's own head come from.
   ///
   /// \throws Error if the file of the mapping cannot be read.
-  explicit Ros4hriInput(const ReadingOptions& options);
+  explicit Ros4hriInput(const ReadingOptions& options, const RobotHead& head = {});
   ~Ros4hriInput();
   Ros4hriInput(const Ros4hriInput&) = delete;
   Ros4hriInput& operator=(const Ros4hriInput&) = delete;
