@@ -47,6 +47,7 @@ const char* const description = "Answers the nodes of ROS 2 with the estimates o
 const char* const footer =
     R"(Reads the topics of ROS4HRI as a node of ROS 2, without an installation of ROS:
   /tf, /tf_static                    frames face_ID and gaze_ID
+  /clock                             the time of a simulation, with --use-sim-time
   /joint_states                      the robot's own head, with --head-joints
   /humans/faces/tracked              faces that are seen
   /humans/faces/ID/expression        also facs and landmarks
@@ -102,6 +103,7 @@ struct Arguments
   std::optional<ros2::DiscoveryRange> range;
   std::vector<std::string> peers;
   std::optional<ros2::RosbridgeAddress> rosbridge;
+  bool usesSimulatedTime = false;
 };
 
 /// Returns the time of the wall clock to any thread; it advances with each call.
@@ -148,6 +150,10 @@ void completeOptions(Arguments& arguments)
   arguments.node.source.reading = arguments.reading.options;
   arguments.node.isQuiet = arguments.watch;
   arguments.node.source.name = "ROS 2, " + placeOf(arguments);
+  if (arguments.usesSimulatedTime && arguments.node.source.times == RosTimes::Source)
+    throw std::invalid_argument("--use-sim-time needs --times arrival: the times are those of /clock");
+  if (arguments.usesSimulatedTime)
+    arguments.node.source.times = RosTimes::Simulated;
   if (arguments.rosbridge && arguments.node.source.times == RosTimes::Source)
     throw std::invalid_argument("--rosbridge needs --times arrival: rosbridge does not say when a message was written");
 }
@@ -199,22 +205,11 @@ private:
   std::optional<LiveServer> _page;
 };
 
-/// Returns whether a topic is read, of those that could be.
-std::function<bool(const std::string& topic)> topicsOf(const Arguments& arguments)
-{
-  return [areJointsRead = !arguments.node.source.head.joints.empty()](const std::string& topic) {
-    return topic != recordings::Ros4hriInput::jointStates || areJointsRead;
-  };
-}
-
 ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
 {
   ros2::RosbridgeOptions options;
   options.address = *arguments.rosbridge;
-  const auto isRead = topicsOf(arguments);
-  for (const std::string& topic : recordings::Ros4hriInput::topics())
-    if (isRead(topic))
-      options.topics.push_back(topic);
+  options.topics = RosSource::topics(arguments.node.source);
   options.lists = recordings::Ros4hriInput::lists();
   options.nameOf = [names = arguments.ros.names](const std::string& topic) { return names.outside(topic); };
   return options;
@@ -224,9 +219,8 @@ ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
 std::unique_ptr<ros2::Bus> busOf(const Arguments& arguments, const std::shared_ptr<SharedClock>& clock)
 {
   const RosNames& names = arguments.ros.names;
-  const auto typeOf = [names, isRead = topicsOf(arguments)](const std::string& topic) {
-    const std::string own = names.inside(topic);
-    return isRead(own) ? recordings::Ros4hriInput::typeOf(own) : std::string();
+  const auto typeOf = [names, source = arguments.node.source](const std::string& topic) {
+    return RosSource::typeOf(names.inside(topic), source);
   };
   const auto time = [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); };
   auto bus =
@@ -352,6 +346,8 @@ void addRosCommand(CLI::App& app, ExitStatus& status)
                       "writer wrote it. The clocks of the machines must agree then",
                       "WHICH", {{"arrival", RosTimes::Arrival}, {"source", RosTimes::Source}},
                       arguments->node.source.times);
+  command.add_flag("--use-sim-time", arguments->usesSimulatedTime,
+                   "Take the time of a simulation, on /clock. Nothing is read before the first\ntime comes in");
   addNumber(
       command, "--hold", "Seconds that a message waits for earlier ones of other writers, with\n--times source (0.05)",
       "SECONDS", "a number from 0 to 10", [](double seconds) { return seconds >= 0. && seconds <= 10.; },

@@ -240,7 +240,7 @@ _skeigiot()
       fi
       ;;
     ros)
-      _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --domain --force --head-base --head-joints --help --hold --jsonl --listen --look-at --mapping --min-confidence --mirrored --no-open --param --params-file --peer --range --record --remap --rest --ros-args --ros-distro --rosbridge --serve --silence --times --watch -h -p -r"
+      _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --domain --force --head-base --head-joints --help --hold --jsonl --listen --look-at --mapping --min-confidence --mirrored --no-open --param --params-file --peer --range --record --remap --rest --ros-args --ros-distro --rosbridge --serve --silence --times --use-sim-time --watch -h -p -r"
       ;;
     serve)
       if [[ $word != -* ]]; then

@@ -157,6 +157,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l peer -x -d 'IPv4 ad
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l ros-distro -x -a 'humble jazzy none' -d 'For whom the node is announced: humble, or jazzy, which is Iron and all later ones (default)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l rosbridge -x -d 'Reach the other nodes by rosbridge instead of DDS; without a port, it is 9090'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l times -x -a 'arrival source' -d 'Time of a message'
+complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l use-sim-time -d 'Take the time of a simulation, on /clock'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l hold -x -d 'Seconds that a message waits for earlier ones of other writers, with --times source (0.05)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l silence -x -d 'Seconds without a message about a face, after which nobody counts as seen (1)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l head-joints -x -d 'Joints of /joint_states that turn the robot\'s head and let it nod'

@@ -183,6 +183,19 @@ RosJointStates readJointStates(RosData& data)
   });
 }
 
+std::int64_t readClock(RosData& data)
+{
+  return guarded(data, [](Message& message) {
+    constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+    const std::int64_t seconds = message.read<std::int32_t>();
+    const std::int64_t nanoseconds = message.read<std::uint32_t>();
+    if (seconds < 0 || nanoseconds >= nanosecondsPerSecond)
+      throw RosMessageError("has a time that is none: " + std::to_string(seconds) + " s and " +
+                            std::to_string(nanoseconds) + " ns");
+    return seconds * nanosecondsPerSecond + nanoseconds;
+  });
+}
+
 std::string readString(RosData& data)
 {
   return guarded(data, [](Message& message) { return message.read<std::string>(); });

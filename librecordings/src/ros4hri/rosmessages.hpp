@@ -5,6 +5,7 @@
 #include <skeigiot/recordings/roslandmarks.hpp>
 
 #include <array>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -67,6 +68,7 @@ RosActionUnits readActionUnits(RosData& data);
 RosLandmarks readLandmarks(RosData& data);
 RosSpeech readSpeech(RosData& data);
 RosJointStates readJointStates(RosData& data);
+std::int64_t readClock(RosData& data);  ///< rosgraph_msgs/msg/Clock: [ns], not below 0
 std::string readString(RosData& data);  ///< std_msgs/msg/String
 bool readBool(RosData& data);           ///< std_msgs/msg/Bool
 

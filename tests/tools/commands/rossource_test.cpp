@@ -389,4 +389,140 @@ TEST_F(RobotHeadInSource, IsUnknownWithoutAWayFromTheCameraToTheBody)
   EXPECT_EQ("", headIn(0));
 }
 
+/// Messages of a simulation, whose clock counts from 0.
+class SourceOfASimulation : public Source
+{
+protected:
+  RosSource source = makeSource(RosTimes::Simulated, 1.);
+
+  void tick(std::int64_t clock) { bus.add("/clock", support::clockMessage(clock), begin); }
+  void see(const std::string& id) { bus.add("/tf", face(id), begin); }
+
+  /// Returns the times of the steps since the simulation began, in ms.
+  std::vector<std::int64_t> times() const
+  {
+    std::vector<std::int64_t> all;
+    for (const KV::recordings::Step& step : steps.all)
+      all.push_back((step.time.time_since_epoch().count() - madeUpDate) / 1'000'000);
+    return all;
+  }
+
+  static constexpr std::int64_t madeUpDate = 1'577'836'800 * second;
+  static constexpr std::int64_t millisecond = second / 1000;
+};
+
+TEST_F(SourceOfASimulation, PlaysMessagesAtTheTimeOfTheClock)
+{
+  tick(5 * second);
+  see("f");
+  tick(5 * second + 100 * millisecond);
+  see("f");
+  source.take(true);
+  source.finish();
+  EXPECT_EQ((std::vector<std::int64_t>{5000, 5100}), times());
+  EXPECT_EQ(2U, source.status().lines) << "times do not count";
+}
+
+TEST_F(SourceOfASimulation, LeavesMessagesOutUntilTheFirstTime)
+{
+  see("f");
+  see("f");
+  source.take(true);
+  source.finish();
+  EXPECT_TRUE(steps.all.empty());
+  EXPECT_EQ(2U, source.status().refused);
+  EXPECT_EQ(std::vector<std::string>{"messages are left out until the first time comes in on /clock"},
+            source.takeNotes());
+}
+
+TEST_F(SourceOfASimulation, StandsStillWithTheClock)
+{
+  tick(5 * second);
+  see("f");
+  source.take(true);
+  now += 3600 * second;  // for us
+  source.take(true);
+  EXPECT_EQ(madeUpDate + 5 * second, source.present().time_since_epoch().count());
+  source.finish();
+  EXPECT_EQ((std::vector<std::int64_t>{5000}), times()) << "nobody is missing";
+  EXPECT_TRUE(left.empty());
+}
+
+TEST_F(SourceOfASimulation, GoesOnWhenTheClockIsSetBackAndForgetsThePersons)
+{
+  tick(100 * second);
+  see("f");
+  tick(10 * second);
+  see("f");
+  tick(11 * second);
+  see("f");
+  source.take(true);
+  source.finish();
+
+  EXPECT_EQ((std::vector<std::int64_t>{100'000, 100'000, 101'000}), times());
+  ASSERT_EQ(3U, steps.all.size());
+  EXPECT_EQ(std::vector<std::int32_t>{*steps.all[0].person}, left);
+  EXPECT_NE(*steps.all[0].person, *steps.all[1].person) << "a person of another run";
+  EXPECT_EQ(*steps.all[1].person, *steps.all[2].person);
+  EXPECT_EQ(11 * second, source.stampOf(steps.all[2].time)) << "the time of the simulation";
+  EXPECT_EQ(11 * second, source.stamp());
+  EXPECT_EQ(std::vector<std::string>{"the time on /clock was set back by 90 s: the persons are forgotten, also when it "
+                                     "happens again"},
+            source.takeNotes());
+}
+
+TEST_F(SourceOfASimulation, ForgetsPersonsWhenTheClockJumpsForwardByMoreThanAMinute)
+{
+  tick(5 * second);
+  see("f");
+  tick(3600 * second);
+  see("g");
+  source.take(true);
+  ASSERT_EQ(1U, left.size());
+  source.finish();
+  EXPECT_EQ(5000, times().front());
+  EXPECT_EQ("g", steps.all.back().personName);
+  EXPECT_EQ(3'600'000, times().back());
+}
+
+TEST_F(SourceOfASimulation, SurvivesAThousandJumps)
+{
+  for (int i = 0; i < 1000; ++i)
+  {
+    tick((i % 2 == 0 ? 500 : 100) * second);
+    see("f");
+    source.take(true);
+  }
+  source.finish();
+  EXPECT_EQ(999U, left.size()) << "once for each jump, in both directions";
+  for (std::size_t i = 1; i < steps.all.size(); ++i)
+    ASSERT_LE(steps.all[i - 1].time, steps.all[i].time);
+}
+
+TEST_F(SourceOfASimulation, NamesATimeThatCannotBeRead)
+{
+  bus.add("/clock", "cut", begin);
+  bus.add("/clock", support::clockMessage(-2 * second), begin);
+  source.take(true);
+  const std::vector<std::string> notes = source.takeNotes();
+  ASSERT_EQ(1U, notes.size());
+  EXPECT_EQ(0U, notes[0].find("a message on the topic /clock is left out: ")) << notes[0];
+  EXPECT_EQ(2U, source.status().refused);
+}
+
+TEST(TopicsOfTheSource, AreThoseThatTheOptionsAskFor)
+{
+  RosSourceOptions options;
+  EXPECT_EQ("tf2_msgs/msg/TFMessage", RosSource::typeOf("/tf", options));
+  EXPECT_EQ("", RosSource::typeOf("/clock", options));
+  EXPECT_EQ("", RosSource::typeOf("/joint_states", options));
+  const std::size_t few = RosSource::topics(options).size();
+
+  options.times = RosTimes::Simulated;
+  options.head.joints = {"head_pan"};
+  EXPECT_EQ("rosgraph_msgs/msg/Clock", RosSource::typeOf("/clock", options));
+  EXPECT_EQ("sensor_msgs/msg/JointState", RosSource::typeOf("/joint_states", options));
+  EXPECT_EQ(few + 2, RosSource::topics(options).size());
+}
+
 }  // namespace
