@@ -53,11 +53,13 @@ const char* const footer =
   /humans/faces/ID/expression        also facs and landmarks
   /humans/persons/ID/face_id         the face of a person; also voice_id, alias and anonymous
   /humans/voices/ID/is_speaking      also speech
+  /skeigiot/scopes                   starts and stops scopes: {"startScope": "greeting"}, {"stopScope": "greeting"}
 
 Publishes with each update of a person:
   /humans/persons/ID/engagement_status   hri_msgs/EngagementLevel, from where the person looks
   /humans/persons/ID/affect              hri_msgs/Expression with valence and confidence
   /humans/interactions/gazing            hri_msgs/Gaze, while the person looks at the robot
+  /skeigiot/verdicts                     on each scope that ends, as JSON
   /diagnostics                           once a second: persons, messages, refused and dropped messages
 
 ID is the id of the person, or of a face that belongs to nobody. A topic is read while somebody writes it. A writer whose

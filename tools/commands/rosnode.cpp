@@ -32,9 +32,10 @@ RosNode::RosNode(std::unique_ptr<ros2::Bus> bus, Clock clock, const RosNodeOptio
     _clock(std::move(clock)),
     _bus(std::move(bus)),
     _answers(*_bus, [this](session::TimePoint time) { return _source->stampOf(time); }),
+    _verdicts(*_bus),
     _isQuiet(options.isQuiet)
 {
-  std::vector<session::SessionObserver*> observers{&_answers};
+  std::vector<session::SessionObserver*> observers{&_answers, &_verdicts};
   observers.insert(observers.end(), listeners.observers.begin(), listeners.observers.end());
   if (!options.recording.empty())
     observers.push_back(&_recording.emplace(options.recording, options.force));
@@ -180,8 +181,9 @@ void RosNode::_say(const std::string& warning)
 
 void RosNode::_throwIfOutputFailed() const
 {
-  if (!_answers.error().empty())
-    throw std::runtime_error(_answers.error());
+  for (const std::string& error : {_answers.error(), _verdicts.error()})
+    if (!error.empty())
+      throw std::runtime_error(error);
   if (_updates && !_updates->error().empty())
     throw std::runtime_error(_updates->error());
 }

@@ -1,5 +1,7 @@
 #include "commands/rossource.hpp"
 
+#include "serve/liveorders.hpp"
+
 #include <skeigiot/recordings/roscontent.hpp>
 
 #include <boost/chrono/duration.hpp>
@@ -48,6 +50,8 @@ std::string RosSource::typeOf(const std::string& topic, const RosSourceOptions& 
 {
   if (topic == clockTopic)
     return options.times == RosTimes::Simulated ? "rosgraph_msgs/msg/Clock" : std::string();
+  if (topic == scopesTopic)
+    return "std_msgs/msg/String";
   if (topic == recordings::Ros4hriInput::jointStates && options.head.joints.empty())
     return {};
   return recordings::Ros4hriInput::typeOf(topic);
@@ -59,6 +63,7 @@ std::vector<std::string> RosSource::topics(const RosSourceOptions& options)
   for (const std::string& topic : recordings::Ros4hriInput::topics())
     if (topic.find('*') != std::string::npos || !typeOf(topic, options).empty())
       names.push_back(topic);
+  names.emplace_back(scopesTopic);
   if (options.times == RosTimes::Simulated)
     names.emplace_back(clockTopic);
   return names;
@@ -188,6 +193,14 @@ void RosSource::_release(Clock::time_point until)
   }
 }
 
+void RosSource::_takeScope(ros2::BusMessage& message)
+{
+  const auto takeStep = [this](recordings::Step step) { return takeScopes(std::move(step)); };
+  const OrderAnswer answer = carryOutScope(recordings::rosTextIn(message.data), takeStep);
+  if (!answer.isDone())
+    throw std::runtime_error("a message on the topic " + message.topic + " is left out: " + answer.text);
+}
+
 // The simulation may begin anew: its persons are others then.
 void RosSource::_takeClock(ros2::BusMessage& message)
 {
@@ -221,7 +234,10 @@ void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
   _lastTaken = _lastAt = Clock::now();
   try
   {
-    _input.take(message.topic, _last, message.data);
+    if (message.topic == scopesTopic)
+      _takeScope(message);
+    else
+      _input.take(message.topic, _last, message.data);
   }
   catch (const std::runtime_error& error)
   {

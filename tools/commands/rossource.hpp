@@ -46,6 +46,9 @@ public:
   /// The topic with the time of a simulation.
   static constexpr const char* clockTopic = "/clock";
 
+  /// The topic that starts and stops scopes: texts with the JSON of carryOutScope().
+  static constexpr const char* scopesTopic = "/skeigiot/scopes";
+
   /// Returns the type that messages of the topic must have; empty: it is not read with these options.
   static std::string typeOf(const std::string& topic, const RosSourceOptions& options);
 
@@ -85,6 +88,7 @@ private:
     Clock::time_point since;
   };
 
+  void _takeScope(ros2::BusMessage& message);
   void _takeClock(ros2::BusMessage& message);
   void _receive(Clock::time_point now);
   void _release(Clock::time_point until);

@@ -7,7 +7,7 @@
 namespace KV::tools
 {
 
-/// The time of a simulation, as the topic /clock tells it, made a time that never goes back: sessions and recordings
+/// The time of a simulation, as the topic /clock has it, made a time that never goes back: sessions and recordings
 /// need one.
 ///
 /// A simulation that begins anew sets its clock back. The time goes on from the last one then. A clock that counts from

@@ -33,6 +33,11 @@ CdrBytes cdrOf(const DiagnosticMessage& message)
   return writer.bytes();
 }
 
+CdrBytes cdrOf(const TextMessage& message)
+{
+  return (CdrWriter() << message.text).bytes();
+}
+
 CdrBytes cdrOf(const NodeMessage& message, Distribution distribution)
 {
   CdrWriter writer;

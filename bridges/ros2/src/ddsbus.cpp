@@ -69,6 +69,8 @@ public:
   void publish(const std::string& topic, const ExpressionMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const GazeMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const DiagnosticMessage& message) override { _publish(topic, message); }
+  void publish(const std::string& topic, const TextMessage& message) override { _publish(topic, message); }
+  void announceTexts(const std::string& topic) override { _announce(topic, TextMessage::type, true); }
   void withdraw(const std::string& topic) override;
   BusCounts counts() const override;
 
@@ -98,6 +100,7 @@ private:
   dds::Topic* _topic(const std::string& name, const std::string& type);
   void _registerType(const std::string& name);
   dds::DataWriter* _makeWriter(dds::Topic* topic, const std::string& type, bool isLatched);
+  void _announce(const std::string& topic, const char* type, bool isLatched);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
   void _announceNode();
@@ -378,21 +381,24 @@ dds::DataWriter* DdsBus::_makeWriter(dds::Topic* topic, const std::string& type,
   return writer;
 }
 
+void DdsBus::_announce(const std::string& topic, const char* type, bool isLatched)
+{
+  if (_published.count(topic) > 0)
+    return;
+  Writer writer;
+  writer.topic = _topic(topic, type);
+  writer.writer = _makeWriter(writer.topic, type, isLatched);
+  _published.emplace(topic, writer);
+  _nodeChanged = true;
+  _event.set();
+}
+
 template <typename Message>
 void DdsBus::_publish(const std::string& topic, const Message& message)
 {
-  auto published = _published.find(topic);
-  if (published == _published.end())
-  {
-    Writer writer;
-    writer.topic = _topic(topic, Message::type);
-    writer.writer = _makeWriter(writer.topic, Message::type, false);
-    published = _published.emplace(topic, writer).first;
-    _nodeChanged = true;
-    _event.set();
-  }
+  _announce(topic, Message::type, false);
   RawMessage raw{cdrOf(message)};
-  published->second.writer->write(&raw);
+  _published.at(topic).writer->write(&raw);
 }
 
 void DdsBus::withdraw(const std::string& topic)

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -276,6 +277,43 @@ TEST_F(Source, HasNoTimeForAScopeBeforeTheFirstMessageOfAWriter)
   EXPECT_TRUE(steps.all.empty());
 }
 
+TEST_F(Source, StartsAndStopsScopesThatATopicNames)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 0.);
+  bus.add("/tf", face("f"), begin, begin);
+  bus.add("/skeigiot/scopes", support::stringMessage(R"({"startScope": "greeting"})"), begin, begin + 1 * second);
+  bus.add("/tf", face("f"), begin, begin + 2 * second);
+  bus.add("/skeigiot/scopes", support::stringMessage(R"({"stopScope": "greeting"})"), begin, begin + 3 * second);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(4U, steps.all.size());
+  ASSERT_EQ(1U, steps.all[1].scopeStarts.size());
+  EXPECT_EQ("greeting", steps.all[1].scopeStarts[0].name);
+  EXPECT_EQ(begin + 1 * second, steps.all[1].time.time_since_epoch().count());
+  EXPECT_EQ(std::vector<std::string>{"greeting"}, steps.all[3].scopeStops);
+  EXPECT_TRUE(source.takeNotes().empty());
+}
+
+TEST_F(Source, SaysWhyAMessageAboutAScopeIsLeftOut)
+{
+  const std::string leftOut = "a message on the topic /skeigiot/scopes is left out: ";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {support::stringMessage("greeting"), leftOut + "An order is a JSON object."},
+      {support::stringMessage("{}"), leftOut + "An order has one of the members startScope and stopScope."},
+      {support::stringMessage(R"({"startScope": ""})"), leftOut + "The name of a scope has 1 to 200 bytes."},
+      {support::stringMessage(R"({"boundary": "positive", "value": 0.5})"),
+       leftOut + "An order has one of the members startScope and stopScope."}};
+  for (const auto& [message, note] : cases)
+  {
+    RosSource source = makeSource(RosTimes::Arrival);
+    bus.add("/skeigiot/scopes", message, begin);
+    source.take(true);
+    EXPECT_EQ(std::vector<std::string>{note}, source.takeNotes());
+    EXPECT_EQ(1U, source.status().refused);
+  }
+}
+
 /// The robot's own head.
 class RobotHeadInSource : public Source
 {
@@ -514,6 +552,7 @@ TEST(TopicsOfTheSource, AreThoseThatTheOptionsAskFor)
 {
   RosSourceOptions options;
   EXPECT_EQ("tf2_msgs/msg/TFMessage", RosSource::typeOf("/tf", options));
+  EXPECT_EQ("std_msgs/msg/String", RosSource::typeOf("/skeigiot/scopes", options));
   EXPECT_EQ("", RosSource::typeOf("/clock", options));
   EXPECT_EQ("", RosSource::typeOf("/joint_states", options));
   const std::size_t few = RosSource::topics(options).size();

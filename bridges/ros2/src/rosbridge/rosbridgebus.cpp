@@ -76,6 +76,8 @@ public:
   void publish(const std::string& topic, const ExpressionMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const GazeMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const DiagnosticMessage& message) override { _publish(topic, message); }
+  void publish(const std::string& topic, const TextMessage& message) override { _publish(topic, message); }
+  void announceTexts(const std::string& topic) override { _announce(topic, TextMessage::type); }
   void withdraw(const std::string& topic) override;
   BusCounts counts() const override;
 
@@ -99,6 +101,7 @@ private:
   void _noteLoss(const std::string& why, std::chrono::seconds wait);
   void _subscribe(const std::string& topic);
   std::string _typeOfOwn(const std::string& topic) const;
+  void _announce(const std::string& topic, const char* type);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
 
@@ -288,11 +291,16 @@ void RosbridgeBus::_refuse(const std::string& key, const std::string& note)
   _notes.addOnce(key, note);
 }
 
+void RosbridgeBus::_announce(const std::string& topic, const char* type)
+{
+  if (_published.emplace(topic, type).second && _isOpen)
+    _client.send(advertiseOperation(topic, type));
+}
+
 template <typename Message>
 void RosbridgeBus::_publish(const std::string& topic, const Message& message)
 {
-  if (_published.emplace(topic, Message::type).second && _isOpen)
-    _client.send(advertiseOperation(topic, Message::type));
+  _announce(topic, Message::type);
   if (_isOpen)
     _client.send(publishOperation(topic, jsonOf(message)));
 }

@@ -218,6 +218,11 @@ Json jsonOf(const GazeMessage& message)
   return {{"header", headerOf(message.stamp)}, {"sender", message.sender}, {"receiver", message.receiver}};
 }
 
+Json jsonOf(const TextMessage& message)
+{
+  return {{"data", message.text}};
+}
+
 Json jsonOf(const DiagnosticMessage& message)
 {
   Json values = Json::array();

@@ -35,5 +35,6 @@ nlohmann::json jsonOf(const EngagementMessage& message);
 nlohmann::json jsonOf(const ExpressionMessage& message);
 nlohmann::json jsonOf(const GazeMessage& message);
 nlohmann::json jsonOf(const DiagnosticMessage& message);
+nlohmann::json jsonOf(const TextMessage& message);
 
 }  // namespace KV::ros2

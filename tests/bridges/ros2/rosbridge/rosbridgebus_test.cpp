@@ -197,6 +197,16 @@ TEST_F(RosbridgeBus, AdvertisesATopicOnceAndUnadvertisesItWhenItIsWithdrawn)
   EXPECT_THAT(operations(1), ElementsAre("unadvertise /e"));
 }
 
+TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOne)
+{
+  connect();
+  operations(2);
+  bus->announceTexts("/v");
+  bus->publish("/v", KV::ros2::TextMessage{"hi"});
+  EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}}), server.read());
+  EXPECT_EQ((json{{"op", "publish"}, {"topic", "/v"}, {"msg", {{"data", "hi"}}}}), server.read());
+}
+
 TEST_F(RosbridgeBus, SendsWhatWaitsAndUnadvertisesItsTopicsAtTheEnd)
 {
   connect();

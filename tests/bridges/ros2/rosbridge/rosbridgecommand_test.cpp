@@ -86,6 +86,13 @@ TEST(RosOverRosbridge, AnswersAsOverDdsAndRecords)
   EXPECT_EQ("hri_msgs/msg/EngagementLevel", server.readUntil("advertise", engagement)["type"]);
   EXPECT_TRUE(server.readUntil("publish", engagement)["msg"]["level"].is_number());
   EXPECT_EQ("skeigiot: persons", server.readUntil("publish", "/diagnostics")["msg"]["status"][0]["name"]);
+  server.publish("/skeigiot/scopes", {{"data", R"({"startScope": "greeting"})"}});
+  for (int i = 0; i < 3; ++i)
+    server.publish("/tf", faceFrame("f1"));
+  server.publish("/skeigiot/scopes", {{"data", R"({"stopScope": "greeting"})"}});
+  const json verdict = json::parse(server.readUntil("publish", "/skeigiot/verdicts")["msg"]["data"].get<std::string>());
+  EXPECT_EQ("greeting", verdict["scope"]);
+  EXPECT_EQ("complete", verdict["end"]);
   node.signal(SIGTERM);
   EXPECT_FALSE(server.readUntil("unadvertise", engagement).is_null());
   EXPECT_EQ(0, node.wait());

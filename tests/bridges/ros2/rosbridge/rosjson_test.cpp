@@ -168,6 +168,11 @@ TEST(RosJson, OfAnswersHasAllMembersOfTheirTypes)
   EXPECT_EQ((json{{"header", header}, {"status", json::array({status})}}), jsonOf(diagnostic));
 }
 
+TEST(RosJson, OfATextIsItsData)
+{
+  EXPECT_EQ((json{{"data", "hi"}}), jsonOf(KV::ros2::TextMessage{"hi"}));
+}
+
 TEST(RosJson, OfAnswersIsReadAsTheCdrOfTheSameAnswer)
 {
   KV::ros2::ExpressionMessage affect;
