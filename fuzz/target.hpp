@@ -41,6 +41,7 @@ void fuzzMapping(std::string_view input);
 void fuzzLabels(std::string_view input);
 void fuzzGzip(std::string_view input);
 void fuzzRosMessages(std::string_view input);
+void fuzzRosbridge(std::string_view input);  ///< a text of rosbridge in each line
 void fuzzStream(std::string_view input);
 void fuzzServe(std::string_view input);  ///< lines as bodies and headers of requests
 void fuzzStudy(std::string_view input);

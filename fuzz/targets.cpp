@@ -22,6 +22,7 @@ const std::vector<Target>& targets()
       {"labels", fuzzLabels},
       {"gzip", fuzzGzip},
       {"rosmessages", fuzzRosMessages},
+      {"rosbridge", fuzzRosbridge},
       {"stream", fuzzStream},
       {"serve", fuzzServe},
       {"study", fuzzStudy},

@@ -93,6 +93,7 @@ HEADERS = {
     "skeigiot/recordings/reader.hpp": "recording",
     "skeigiot/recordings/readingoptions.hpp": "recording",
     "skeigiot/recordings/recording.hpp": "recording",
+    "skeigiot/recordings/robothead.hpp": "ros4hri",
     "skeigiot/recordings/rosactionunits.hpp": "ros4hri",
     "skeigiot/recordings/rosexpression.hpp": "ros4hri",
     "skeigiot/recordings/roslandmarks.hpp": "ros4hri",

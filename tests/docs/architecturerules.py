@@ -19,7 +19,7 @@ ALLOWED = {
     "tools": ALL_FOUR | {"bridges"},  # through the public headers of a bridge
     "python": ALL_FOUR,
     "bridges": ALL_FOUR,
-    "fuzz": ALL_FOUR | {"tools"},  # whose tables and pages it feeds
+    "fuzz": ALL_FOUR | {"tools", "bridges"},  # whose tables, pages and readers it feeds
     "benchmarks": ALL_FOUR,
     "examples": ALL_FOUR,
     "web": set(),
@@ -53,6 +53,9 @@ PRIVATE = {
     ("fuzz/bags.cpp", "rosbag2/openbagfile.hpp"): "tries a private reader with any bytes, and all topics",
     ("fuzz/files.cpp", "ros4hri/rosmessages.hpp"): "tries a private reader with any bytes",
     ("fuzz/messages.cpp", "ros4hri/ros4hridispatch.hpp"): "tries a private reader with messages, without SQLite",
+    ("fuzz/rosbridge.cpp", "rosbridge/listedtopics.hpp"): "tries a private part with any lists",
+    ("fuzz/rosbridge.cpp", "rosbridge/rosbridgeoperations.hpp"): "tries a private reader with any bytes",
+    ("fuzz/rosbridge.cpp", "rosbridge/rosjson.hpp"): "tries a private reader with any messages",
     ("fuzz/study.cpp", "study/namepattern.hpp"): "tries the patterns of any study file with paths",
 }
 

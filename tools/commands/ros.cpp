@@ -11,18 +11,23 @@
 #include "ros/busmodule.hpp"
 #include "ros/renamingbus.hpp"
 #include "ros/rosarguments.hpp"
+#include "ros/rosbridgeaddress.hpp"
 #include "ros/rosenvironment.hpp"
 #include "serve/advancingclock.hpp"
 
 #include <skeigiot/recordings/error.hpp>
+#include <skeigiot/recordings/quote.hpp>
 #include <skeigiot/recordings/ros4hriinput.hpp>
 #include <skeigiot/session/outputcheck.hpp>
 
 // CLI11 counts on all of its headers being included in order.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -42,15 +47,19 @@ const char* const description = "Answers the nodes of ROS 2 with the estimates o
 const char* const footer =
     R"(Reads the topics of ROS4HRI as a node of ROS 2, without an installation of ROS:
   /tf, /tf_static                    frames face_ID and gaze_ID
+  /clock                             the time of a simulation, with --use-sim-time
+  /joint_states                      the robot's own head, with --head-joints
   /humans/faces/tracked              faces that are seen
   /humans/faces/ID/expression        also facs and landmarks
   /humans/persons/ID/face_id         the face of a person; also voice_id, alias and anonymous
   /humans/voices/ID/is_speaking      also speech
+  /skeigiot/scopes                   starts and stops scopes: {"startScope": "greeting"}, {"stopScope": "greeting"}
 
 Publishes with each update of a person:
   /humans/persons/ID/engagement_status   hri_msgs/EngagementLevel, from where the person looks
   /humans/persons/ID/affect              hri_msgs/Expression with valence and confidence
   /humans/interactions/gazing            hri_msgs/Gaze, while the person looks at the robot
+  /skeigiot/verdicts                     on each scope that ends, as JSON
   /diagnostics                           once a second: persons, messages, refused and dropped messages
 
 ID is the id of the person, or of a face that belongs to nobody. A topic is read while somebody writes it. A writer whose
@@ -59,6 +68,10 @@ messages have another type or layout is refused.
 The environment variables ROS_DOMAIN_ID, ROS_AUTOMATIC_DISCOVERY_RANGE, ROS_STATIC_PEERS and ROS_LOCALHOST_ONLY count as
 in ROS. Without them, only nodes on this machine are found. Ctrl-C and SIGTERM end the command; what was recorded is
 complete then.
+
+With --rosbridge, messages come and go as JSON by a node rosbridge_websocket, which passes them on. It reaches the nodes
+of a robot whose network has no DDS. The topics of an id are read as soon as a list has the id: faces/tracked,
+persons/tracked, persons/known or voices/tracked.
 
 With --watch, a table shows the persons as 'skeigiot watch' does; q ends the command. Warnings come at the end. With
 --serve, a page in the browser shows them as 'skeigiot serve' does; its address is printed.
@@ -76,6 +89,7 @@ Examples:
   skeigiot ros --watch
   skeigiot ros --serve --no-open --listen 127.0.0.1:8080
   skeigiot ros --range subnet --record session.jsonl
+  skeigiot ros --rosbridge ws://robot:9090
   skeigiot ros --params-file robot.yaml --param cycle:=20 --remap /humans:=/robot1/humans)";
 
 struct Arguments
@@ -90,6 +104,8 @@ struct Arguments
   std::optional<int> domain;
   std::optional<ros2::DiscoveryRange> range;
   std::vector<std::string> peers;
+  std::optional<ros2::RosbridgeAddress> rosbridge;
+  bool usesSimulatedTime = false;
 };
 
 /// Returns the time of the wall clock to any thread; it advances with each call.
@@ -113,6 +129,13 @@ std::string variable(const std::string& name)
   return value == nullptr ? std::string() : value;
 }
 
+/// Returns how the other nodes are reached, in words.
+std::string placeOf(const Arguments& arguments)
+{
+  return arguments.rosbridge ? "rosbridge at " + ros2::textOf(*arguments.rosbridge)
+                             : "domain " + std::to_string(arguments.bus.domain);
+}
+
 /// Sets the options of the environment, and then those of the command line.
 void completeOptions(Arguments& arguments)
 {
@@ -128,7 +151,13 @@ void completeOptions(Arguments& arguments)
   arguments.bus.node = arguments.ros.names.node();
   arguments.node.source.reading = arguments.reading.options;
   arguments.node.isQuiet = arguments.watch;
-  arguments.node.source.name = "ROS 2, domain " + std::to_string(arguments.bus.domain);
+  arguments.node.source.name = "ROS 2, " + placeOf(arguments);
+  if (arguments.usesSimulatedTime && arguments.node.source.times == RosTimes::Source)
+    throw std::invalid_argument("--use-sim-time needs --times arrival: the times are those of /clock");
+  if (arguments.usesSimulatedTime)
+    arguments.node.source.times = RosTimes::Simulated;
+  if (arguments.rosbridge && arguments.node.source.times == RosTimes::Source)
+    throw std::invalid_argument("--rosbridge needs --times arrival: rosbridge does not say when a message was written");
 }
 
 /// \throws OutputRefused if both files are the same.
@@ -178,14 +207,26 @@ private:
   std::optional<LiveServer> _page;
 };
 
+ros2::RosbridgeOptions optionsOf(const Arguments& arguments)
+{
+  ros2::RosbridgeOptions options;
+  options.address = *arguments.rosbridge;
+  options.topics = RosSource::topics(arguments.node.source);
+  options.lists = recordings::Ros4hriInput::lists();
+  options.nameOf = [names = arguments.ros.names](const std::string& topic) { return names.outside(topic); };
+  return options;
+}
+
 /// Joins the other nodes. The clock may be called by any thread.
 std::unique_ptr<ros2::Bus> busOf(const Arguments& arguments, const std::shared_ptr<SharedClock>& clock)
 {
   const RosNames& names = arguments.ros.names;
-  auto bus = openBus(
-      arguments.bus,
-      [names](const std::string& topic) { return recordings::Ros4hriInput::typeOf(names.inside(topic)); },
-      [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); });
+  const auto typeOf = [names, source = arguments.node.source](const std::string& topic) {
+    return RosSource::typeOf(names.inside(topic), source);
+  };
+  const auto time = [clock] { return static_cast<std::int64_t>((*clock)().time_since_epoch().count()); };
+  auto bus =
+      arguments.rosbridge ? openRosbridgeBus(optionsOf(arguments), typeOf, time) : openBus(arguments.bus, typeOf, time);
   if (!names.changeTopics())
     return bus;
   return std::make_unique<RenamingBus>(std::move(bus), names);
@@ -203,8 +244,7 @@ ExitStatus run(CLI::App& command, Arguments& arguments)
     Views views(arguments);
     RosNode node(
         busOf(arguments, clock), [clock] { return (*clock)(); }, arguments.node, messages, views.listeners());
-    messages.note("reads and publishes topics of ROS 2 in the domain " + std::to_string(arguments.bus.domain) +
-                  "; Ctrl-C ends");
+    messages.note("reads and publishes topics of ROS 2, " + placeOf(arguments) + "; Ctrl-C ends");
     return views.run(node, messages) ? Success : Failure;
   }
   catch (const NoBusModule& error)
@@ -226,25 +266,66 @@ ExitStatus run(CLI::App& command, Arguments& arguments)
 
 void addBusOptions(CLI::App& command, Arguments& arguments)
 {
-  addTexts(command, "--domain", "Domain of ROS, from 0 to 232 (ROS_DOMAIN_ID, or 0)", "NUMBER",
-           [&arguments](const std::string& text) { arguments.domain = parseDomain(text); })
-      ->take_last();
-  addTexts(command, "--range",
-           "How far away other nodes may be: off, localhost (this machine), subnet,\n"
-           "system-default (ROS_AUTOMATIC_DISCOVERY_RANGE, or localhost)",
-           "RANGE", [&arguments](const std::string& text) { arguments.range = parseRange(text); })
-      ->take_last();
-  command
-      .add_option("--peer", arguments.peers,
-                  "IPv4 address of another machine with nodes; several times for several.\n"
-                  "For the ranges localhost and subnet (ROS_STATIC_PEERS)")
-      ->type_name("ADDRESS");
-  addChoice<boost::optional<ros2::Distribution>>(
+  CLI::Option* const domain =
+      addTexts(command, "--domain", "Domain of ROS, from 0 to 232 (ROS_DOMAIN_ID, or 0)", "NUMBER",
+               [&arguments](const std::string& text) { arguments.domain = parseDomain(text); })
+          ->take_last();
+  CLI::Option* const range =
+      addTexts(command, "--range",
+               "How far away other nodes may be: off, localhost (this machine), subnet,\n"
+               "system-default (ROS_AUTOMATIC_DISCOVERY_RANGE, or localhost)",
+               "RANGE", [&arguments](const std::string& text) { arguments.range = parseRange(text); })
+          ->take_last();
+  CLI::Option* const peer = command
+                                .add_option("--peer", arguments.peers,
+                                            "IPv4 address of another machine with nodes; several times for several.\n"
+                                            "For the ranges localhost and subnet (ROS_STATIC_PEERS)")
+                                ->type_name("ADDRESS");
+  CLI::Option* const distribution = addChoice<boost::optional<ros2::Distribution>>(
       command, "--ros-distro",
       "For whom the node is announced: humble, or jazzy, which is Iron and all\n"
       "later ones (default). none: only the topics are seen",
       "NAME", {{"humble", ros2::Distribution::Humble}, {"jazzy", ros2::Distribution::Jazzy}, {"none", boost::none}},
       arguments.bus.distribution);
+  addTexts(command, "--rosbridge", "Reach the other nodes by rosbridge instead of DDS; without a port, it is\n9090",
+           "ws://HOST:PORT",
+           [&arguments](const std::string& text) { arguments.rosbridge = parseRosbridgeAddress(text); })
+      ->take_last()
+      ->excludes(domain)
+      ->excludes(range)
+      ->excludes(peer)
+      ->excludes(distribution);
+}
+
+/// Reads the names of the joint that turns the head and of the one that nods.
+///
+/// \throws std::invalid_argument for another number of names, or names that are empty or long.
+std::vector<std::string> parseJoints(const std::string& text)
+{
+  constexpr std::size_t longestName = 200;
+  const std::vector<std::string> names = CLI::detail::split(text, ',');
+  const auto isName = [](const std::string& name) { return !name.empty() && name.size() <= longestName; };
+  if (names.empty() || names.size() > 2 || !std::all_of(names.begin(), names.end(), isName))
+    throw std::invalid_argument("expected the name of a joint, or two with ',' between them, found " +
+                                recordings::quote(text));
+  return names;
+}
+
+void addHeadOptions(CLI::App& command, recordings::RobotHead& head)
+{
+  CLI::Option* const joints =
+      addTexts(command, "--head-joints",
+               "Joints of /joint_states that turn the robot's head and let it nod. While\n"
+               "the head moves, directions of faces count less",
+               "YAW,PITCH", [&head](const std::string& text) { head.joints = parseJoints(text); })
+          ->take_last();
+  command
+      .add_option("--head-base", head.base,
+                  "Frame of the robot's body, such as base_link: the robot's head is the\n"
+                  "camera in it. Instead of --head-joints")
+      ->type_name("FRAME")
+      ->take_last()
+      ->excludes(joints);
 }
 
 /// Options for recordings that say nothing about messages of ROS are left out.
@@ -267,6 +348,8 @@ void addRosCommand(CLI::App& app, ExitStatus& status)
                       "writer wrote it. The clocks of the machines must agree then",
                       "WHICH", {{"arrival", RosTimes::Arrival}, {"source", RosTimes::Source}},
                       arguments->node.source.times);
+  command.add_flag("--use-sim-time", arguments->usesSimulatedTime,
+                   "Take the time of a simulation, on /clock. Nothing is read before the first\ntime comes in");
   addNumber(
       command, "--hold", "Seconds that a message waits for earlier ones of other writers, with\n--times source (0.05)",
       "SECONDS", "a number from 0 to 10", [](double seconds) { return seconds >= 0. && seconds <= 10.; },
@@ -275,6 +358,7 @@ void addRosCommand(CLI::App& app, ExitStatus& status)
       command, "--silence", "Seconds without a message about a face, after which nobody counts as\nseen (1)", "SECONDS",
       "a number from 0.1 to 3600", [](double seconds) { return seconds >= 0.1 && seconds <= 3600.; },
       [source = &arguments->node.source](double seconds) { source->silence = seconds; });
+  addHeadOptions(command, arguments->node.source.head);
   command
       .add_option("--record", arguments->node.recording,
                   "Record what came in as JSON Lines; 'skeigiot replay' of the file gives\n"

@@ -28,9 +28,14 @@ std::string describe(std::uint64_t received, std::uint64_t dropped)
 
 RosNode::RosNode(std::unique_ptr<ros2::Bus> bus, Clock clock, const RosNodeOptions& options, Messages& messages,
                  const LiveListeners& listeners)
-  : _messages(messages), _clock(std::move(clock)), _bus(std::move(bus)), _answers(*_bus), _isQuiet(options.isQuiet)
+  : _messages(messages),
+    _clock(std::move(clock)),
+    _bus(std::move(bus)),
+    _answers(*_bus, [this](session::TimePoint time) { return _source->stampOf(time); }),
+    _verdicts(*_bus),
+    _isQuiet(options.isQuiet)
 {
-  std::vector<session::SessionObserver*> observers{&_answers};
+  std::vector<session::SessionObserver*> observers{&_answers, &_verdicts};
   observers.insert(observers.end(), listeners.observers.begin(), listeners.observers.end());
   if (!options.recording.empty())
     observers.push_back(&_recording.emplace(options.recording, options.force));
@@ -108,7 +113,7 @@ void RosNode::_publishDiagnostics()
   const std::uint64_t dropped = counts.dropped - std::exchange(_dropped, counts.dropped);
 
   ros2::DiagnosticMessage message;
-  message.stamp = static_cast<std::int64_t>(_clock().time_since_epoch().count());
+  message.stamp = _source->stamp();
   message.name = "skeigiot: persons";
   message.level = dropped > 0 || _hasRecordingFailed() ? 1 : 0;
   message.message =
@@ -176,8 +181,9 @@ void RosNode::_say(const std::string& warning)
 
 void RosNode::_throwIfOutputFailed() const
 {
-  if (!_answers.error().empty())
-    throw std::runtime_error(_answers.error());
+  for (const std::string& error : {_answers.error(), _verdicts.error()})
+    if (!error.empty())
+      throw std::runtime_error(error);
   if (_updates && !_updates->error().empty())
     throw std::runtime_error(_updates->error());
 }

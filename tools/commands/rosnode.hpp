@@ -3,6 +3,7 @@
 #include "cli/messages.hpp"
 #include "commands/rossource.hpp"
 #include "ros/rosanswers.hpp"
+#include "ros/rosverdicts.hpp"
 #include "ros/updatesfile.hpp"
 
 #include <skeigiot/ros2/bus.hpp>
@@ -101,6 +102,7 @@ private:
   Clock _clock;
   std::unique_ptr<ros2::Bus> _bus;
   RosAnswers _answers;
+  RosVerdicts _verdicts;
   std::optional<session::RecordingFile> _recording;
   std::optional<UpdatesFile> _updates;
   std::optional<RosSource> _source;

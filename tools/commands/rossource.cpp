@@ -1,5 +1,9 @@
 #include "commands/rossource.hpp"
 
+#include "serve/liveorders.hpp"
+
+#include <skeigiot/recordings/roscontent.hpp>
+
 #include <boost/chrono/duration.hpp>
 
 #include <algorithm>
@@ -38,9 +42,32 @@ RosSource::RosSource(ros2::Bus& bus, RosSourceOptions options, LiveListeners lis
     _options(std::move(options)),
     _listeners(std::move(listeners)),
     _clock(std::move(clock)),
-    _input(_options.reading),
+    _input(_options.reading, _options.head),
     _session({}, _listeners.observers, _options.cycle)
 {}
+
+std::string RosSource::typeOf(const std::string& topic, const RosSourceOptions& options)
+{
+  if (topic == clockTopic)
+    return options.times == RosTimes::Simulated ? "rosgraph_msgs/msg/Clock" : std::string();
+  if (topic == scopesTopic)
+    return "std_msgs/msg/String";
+  if (topic == recordings::Ros4hriInput::jointStates && options.head.joints.empty())
+    return {};
+  return recordings::Ros4hriInput::typeOf(topic);
+}
+
+std::vector<std::string> RosSource::topics(const RosSourceOptions& options)
+{
+  std::vector<std::string> names;
+  for (const std::string& topic : recordings::Ros4hriInput::topics())
+    if (topic.find('*') != std::string::npos || !typeOf(topic, options).empty())
+      names.push_back(topic);
+  names.emplace_back(scopesTopic);
+  if (options.times == RosTimes::Simulated)
+    names.emplace_back(clockTopic);
+  return names;
+}
 
 bool RosSource::take(bool)
 {
@@ -54,7 +81,7 @@ bool RosSource::take(bool)
 
 std::string RosSource::takeScopes(recordings::Step step)
 {
-  if (_options.times == RosTimes::Source && _messages == 0)
+  if (_options.times != RosTimes::Arrival && _messages == 0)
     return "no message has come in yet, so there is no time at which a scope could start";
   if (std::string refusal = _session.whyScopesCannotStart(step); !refusal.empty())
     return refusal;
@@ -90,6 +117,17 @@ InputStatus RosSource::status() const
   return status;
 }
 
+std::int64_t RosSource::stampOf(session::TimePoint time) const
+{
+  const auto nanoseconds = static_cast<std::int64_t>(time.time_since_epoch().count());
+  return _options.times == RosTimes::Simulated ? _simulated.stampOf(nanoseconds) : nanoseconds;
+}
+
+std::int64_t RosSource::stamp() const
+{
+  return stampOf(_options.times == RosTimes::Simulated ? timeOf(_simulated.now()) : _clock());
+}
+
 std::vector<std::string> RosSource::takeNotes()
 {
   for (std::string& note : _bus.takeNotes())
@@ -122,7 +160,16 @@ void RosSource::_receive(Clock::time_point now)
 {
   for (ros2::BusMessage& message : _bus.take())
   {
-    if (_options.times == RosTimes::Arrival || message.written == 0)
+    if (_options.times == RosTimes::Simulated)
+    {
+      if (message.topic == clockTopic)
+        _takeClock(message);
+      else if (_simulated.isKnown())
+        _feed(message, _simulated.now());
+      else
+        _refuse(clockTopic, "messages are left out until the first time comes in on /clock");
+    }
+    else if (_options.times == RosTimes::Arrival || message.written == 0)
       _feed(message, message.received);
     else
     {
@@ -146,6 +193,40 @@ void RosSource::_release(Clock::time_point until)
   }
 }
 
+void RosSource::_takeScope(ros2::BusMessage& message)
+{
+  const auto takeStep = [this](recordings::Step step) { return takeScopes(std::move(step)); };
+  const OrderAnswer answer = carryOutScope(recordings::rosTextIn(message.data), takeStep);
+  if (!answer.isDone())
+    throw std::runtime_error("a message on the topic " + message.topic + " is left out: " + answer.text);
+}
+
+// The simulation may begin anew: its persons are others then.
+void RosSource::_takeClock(ros2::BusMessage& message)
+{
+  try
+  {
+    const std::int64_t back = _simulated.take(recordings::rosClockIn(message.data));
+    _last = std::max(_last, timeOf(_simulated.now()));
+    _input.advance(_last);
+    if (back > 0)
+    {
+      _input.finish();
+      _note("a jump of " + message.topic, "the time on /clock was set back by " +
+                                              std::to_string(back / static_cast<std::int64_t>(nanosecondsPerSecond)) +
+                                              " s: the persons are forgotten, also when it happens again");
+    }
+    _play();
+    while (back > 0 && !_seen.empty())
+      _leave(_seen.begin()->first);
+    _forgetAbsent(_last);
+  }
+  catch (const std::runtime_error& error)
+  {
+    _refuse("a message of " + message.topic, std::string("a message on the topic /clock is left out: ") + error.what());
+  }
+}
+
 void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
 {
   ++_messages;
@@ -153,13 +234,14 @@ void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
   _lastTaken = _lastAt = Clock::now();
   try
   {
-    _input.take(message.topic, _last, message.data);
+    if (message.topic == scopesTopic)
+      _takeScope(message);
+    else
+      _input.take(message.topic, _last, message.data);
   }
   catch (const std::runtime_error& error)
   {
-    ++_refused;
-    _lastError = error.what();
-    _note(message.topic, error.what());
+    _refuse(message.topic, error.what());
   }
   _play();
 }
@@ -167,6 +249,8 @@ void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
 // With the times of the writers, the time goes on with the messages as long as there are any.
 session::TimePoint RosSource::_timeAt(Clock::time_point now) const
 {
+  if (_options.times == RosTimes::Simulated)
+    return _last;
   const bool areThere = std::chrono::duration<double>(now - _lastTaken).count() < _options.silence;
   return _options.times == RosTimes::Source && areThere ? _last : _presentAt(now);
 }
@@ -175,6 +259,8 @@ session::TimePoint RosSource::_presentAt(Clock::time_point now) const
 {
   if (_options.times == RosTimes::Arrival)
     return std::max(_last, _clock());
+  if (_options.times == RosTimes::Simulated)
+    return _last;
   const auto passed = std::chrono::duration_cast<std::chrono::nanoseconds>(now - _lastAt);
   return _messages == 0 ? _last : _last + session::Duration(passed.count());
 }
@@ -205,12 +291,18 @@ void RosSource::_forgetAbsent(session::TimePoint now)
       ++entry;
       continue;
     }
-    entry = _seen.erase(entry);
-    _session.forget(person);
-    _input.forget(person);
-    if (_listeners.left)
-      _listeners.left(person);
+    ++entry;
+    _leave(person);
   }
+}
+
+void RosSource::_leave(std::int32_t person)
+{
+  _seen.erase(person);
+  _session.forget(person);
+  _input.forget(person);
+  if (_listeners.left)
+    _listeners.left(person);
 }
 
 void RosSource::_play()
@@ -221,6 +313,13 @@ void RosSource::_play()
       _seen[*step->person] = step->time;
     _session.play(*step);
   }
+}
+
+void RosSource::_refuse(const std::string& topic, const std::string& why)
+{
+  ++_refused;
+  _lastError = why;
+  _note(topic, why);
 }
 
 void RosSource::_note(const std::string& topic, const std::string& text)

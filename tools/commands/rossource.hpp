@@ -1,6 +1,7 @@
 #pragma once
 
 #include "commands/livesource.hpp"
+#include "ros/simulatedtime.hpp"
 
 #include <skeigiot/recordings/readingoptions.hpp>
 #include <skeigiot/recordings/ros4hriinput.hpp>
@@ -21,14 +22,16 @@ namespace KV::tools
 /// The clock that gives a message its time.
 enum class RosTimes
 {
-  Arrival,  ///< this machine's, when the message came in
-  Source    ///< the writer's, when it wrote the message
+  Arrival,   ///< this machine's, when the message came in
+  Source,    ///< the writer's, when it wrote the message
+  Simulated  ///< that of a simulation, on /clock, when the message came in
 };
 
 /// How the messages of ROS are taken.
 struct RosSourceOptions
 {
   recordings::ReadingOptions reading;
+  recordings::RobotHead head;
   session::Cycle cycle;
   RosTimes times = RosTimes::Arrival;
   double silence = 1.;  ///< [s] without a message about a face, after which nobody counts as seen
@@ -40,6 +43,18 @@ struct RosSourceOptions
 class RosSource : public LiveSource
 {
 public:
+  /// The topic with the time of a simulation.
+  static constexpr const char* clockTopic = "/clock";
+
+  /// The topic that starts and stops scopes: texts with the JSON of carryOutScope().
+  static constexpr const char* scopesTopic = "/skeigiot/scopes";
+
+  /// Returns the type that messages of the topic must have; empty: it is not read with these options.
+  static std::string typeOf(const std::string& topic, const RosSourceOptions& options);
+
+  /// Returns the names of the topics that are read with these options, with "*" for ids.
+  static std::vector<std::string> topics(const RosSourceOptions& options);
+
   /// A person who was not seen for so long [s] is forgotten, and gets another number on coming back.
   static constexpr int longestAbsence = 60;
 
@@ -55,6 +70,12 @@ public:
   InputStatus status() const override;
   std::vector<std::string> takeNotes() override;
 
+  /// Returns the stamp [ns] of a message about such a time: that of the simulation, if there is one.
+  std::int64_t stampOf(session::TimePoint time) const;
+
+  /// Returns the stamp [ns] of a message that is published now.
+  std::int64_t stamp() const;
+
   /// Takes what waits, and ends the session.
   ///
   /// \throws std::runtime_error of the bus, after the session ended without what the bus could not hand over.
@@ -67,20 +88,25 @@ private:
     Clock::time_point since;
   };
 
+  void _takeScope(ros2::BusMessage& message);
+  void _takeClock(ros2::BusMessage& message);
   void _receive(Clock::time_point now);
   void _release(Clock::time_point until);
   void _feed(ros2::BusMessage& message, std::int64_t time);
   session::TimePoint _timeAt(Clock::time_point now) const;
   session::TimePoint _presentAt(Clock::time_point now) const;
   void _tick(Clock::time_point now);
+  void _leave(std::int32_t person);
   void _forgetAbsent(session::TimePoint now);
   void _play();
+  void _refuse(const std::string& topic, const std::string& why);
   void _note(const std::string& topic, const std::string& text);
 
   ros2::Bus& _bus;
   RosSourceOptions _options;
   LiveListeners _listeners;
   std::function<session::TimePoint()> _clock;
+  SimulatedTime _simulated;
   recordings::Ros4hriInput _input;
   session::Session _session;
 

@@ -109,7 +109,7 @@ _skeigiot()
       _skeigiot_words "$word" "valence attention"
       return
       ;;
-    "ros --domain" | "ros --range" | "ros --peer" | "ros --hold" | "ros --silence" | "ros --listen" | "ros --cycle" | "ros --look-at" | "ros --rest" | "ros --camera-height" | "ros --min-confidence" | "ros --au-full-scale" | "ros --boundary-positive" | "ros --boundary-negative" | "ros --boundary-confidence" | "ros --boundary-looking-at-robot" | "ros --boundary-strictly-looking-at-robot" | "ros --boundary-excited" | "ros -p" | "ros --param" | "ros -r" | "ros --remap")
+    "ros --domain" | "ros --range" | "ros --peer" | "ros --rosbridge" | "ros --hold" | "ros --silence" | "ros --head-joints" | "ros --head-base" | "ros --listen" | "ros --cycle" | "ros --look-at" | "ros --rest" | "ros --camera-height" | "ros --min-confidence" | "ros --au-full-scale" | "ros --boundary-positive" | "ros --boundary-negative" | "ros --boundary-confidence" | "ros --boundary-looking-at-robot" | "ros --boundary-strictly-looking-at-robot" | "ros --boundary-excited" | "ros -p" | "ros --param" | "ros -r" | "ros --remap")
       :
       return
       ;;
@@ -240,7 +240,7 @@ _skeigiot()
       fi
       ;;
     ros)
-      _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --domain --force --help --hold --jsonl --listen --look-at --mapping --min-confidence --mirrored --no-open --param --params-file --peer --range --record --remap --rest --ros-args --ros-distro --serve --silence --times --watch -h -p -r"
+      _skeigiot_words "$word" "--au-full-scale --boundary-confidence --boundary-excited --boundary-looking-at-robot --boundary-negative --boundary-positive --boundary-strictly-looking-at-robot --camera-height --cycle --domain --force --head-base --head-joints --help --hold --jsonl --listen --look-at --mapping --min-confidence --mirrored --no-open --param --params-file --peer --range --record --remap --rest --ros-args --ros-distro --rosbridge --serve --silence --times --use-sim-time --watch -h -p -r"
       ;;
     serve)
       if [[ $word != -* ]]; then

@@ -44,6 +44,11 @@ public:
   {
     _bus->publish(_names.outside(topic), message);
   }
+  void publish(const std::string& topic, const ros2::TextMessage& message) override
+  {
+    _bus->publish(_names.outside(topic), message);
+  }
+  void announceTexts(const std::string& topic) override { _bus->announceTexts(_names.outside(topic)); }
   void withdraw(const std::string& topic) override { _bus->withdraw(_names.outside(topic)); }
   ros2::BusCounts counts() const override { return _bus->counts(); }
 

@@ -44,7 +44,7 @@ void RosAnswers::_publish(const session::Snapshot& snapshot)
   if (known == nullptr)
     return;
   Person& person = *known;
-  const std::int64_t stamp = snapshot.time.time_since_epoch().count();
+  const std::int64_t stamp = _stampOf ? _stampOf(snapshot.time) : snapshot.time.time_since_epoch().count();
 
   ros2::EngagementMessage engagement;
   engagement.stamp = stamp;

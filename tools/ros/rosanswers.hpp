@@ -6,8 +6,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace KV::tools
 {
@@ -22,8 +24,11 @@ class RosAnswers : public session::SessionObserver
 public:
   static constexpr std::size_t mostPersons = 1000;  ///< of whom anything is published at a time
 
-  /// Publishes on the bus, which must outlive it.
-  explicit RosAnswers(ros2::Bus& bus) : _bus(bus) {}
+  /// Returns the stamp [ns] of a message about such a time.
+  using StampOf = std::function<std::int64_t(session::TimePoint)>;
+
+  /// Publishes on the bus, which must outlive it. Without a function, stamps are the times of updates.
+  explicit RosAnswers(ros2::Bus& bus, StampOf stampOf = {}) : _bus(bus), _stampOf(std::move(stampOf)) {}
 
   void personUpdated(const session::Snapshot& snapshot) override;
 
@@ -51,6 +56,7 @@ private:
   std::string _newName(const session::Snapshot& snapshot) const;
 
   ros2::Bus& _bus;
+  StampOf _stampOf;
   std::map<std::int32_t, Person> _persons;
   std::string _error;
 };

@@ -19,11 +19,11 @@ namespace KV::tools
 namespace
 {
 
-constexpr std::array<std::string_view, 14> parameterOptions = {
-    "--cycle",   "--times", "--hold",          "--silence",  "--record",         "--jsonl",         "--ros-distro",
-    "--look-at", "--rest",  "--camera-height", "--mirrored", "--min-confidence", "--au-full-scale", "--mapping"};
+constexpr std::array<std::string_view, 18> parameterOptions = {
+    "--cycle",          "--times",         "--hold",    "--silence",     "--record",        "--jsonl",
+    "--ros-distro",     "--rosbridge",     "--look-at", "--rest",        "--camera-height", "--mirrored",
+    "--min-confidence", "--au-full-scale", "--mapping", "--head-joints", "--head-base",     "--use-sim-time"};
 const std::string boundaryPrefix = "--boundary-";
-const char* const simulatedTime = "use_sim_time";
 
 /// Returns the name of the option as a parameter.
 std::string parameterNameOf(const std::string& option)
@@ -83,7 +83,7 @@ public:
       if (found != _options.end())
         _set(*found->second, parameter.value);
       else if (!parameter.isForAll)
-        _refuse(parameter);
+        _throwUnknown(parameter.name);
     }
     catch (const std::invalid_argument& error)
     {
@@ -124,14 +124,6 @@ private:
     throw std::invalid_argument("there is no such parameter" +
                                 (similar ? "; did you mean " + recordings::quote(*similar) + "?"
                                          : "; expected one of " + CLI::detail::join(names, ", ")));
-  }
-
-  void _refuse(const RosParameter& parameter) const
-  {
-    if (parameter.name != simulatedTime)  // which every node of ROS has
-      _throwUnknown(parameter.name);
-    if (truthOf(parameter.value))
-      throw std::invalid_argument("simulated time is not read; with 'times: source', the times are those of writers");
   }
 
   std::map<std::string, CLI::Option*> _options;      // by the name of the parameter

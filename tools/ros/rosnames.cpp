@@ -18,9 +18,10 @@ namespace
 // The name of a topic has at most 247 characters in ROS. The rest of a name needs up to 159.
 constexpr std::size_t longestName = 80;
 constexpr std::string_view sign = ":=";
-constexpr std::array<std::string_view, 4> topics = {"/tf", "/tf_static", "/diagnostics", "/humans"};
-constexpr std::array<std::string_view, 4> groups = {"/humans/faces", "/humans/persons", "/humans/voices",
-                                                    "/humans/interactions"};
+constexpr std::array<std::string_view, 7> topics = {"/tf",          "/tf_static", "/joint_states", "/clock",
+                                                    "/diagnostics", "/skeigiot",  "/humans"};
+constexpr std::array<std::string_view, 5> groups = {"/humans/faces", "/humans/persons", "/humans/voices",
+                                                    "/humans/interactions", "/skeigiot"};
 
 bool isDigit(char character)
 {
@@ -93,8 +94,10 @@ void RosNames::addRule(const std::string& rule)
 
   const Rule added{absolute(from), absolute(to)};
   if (!areTopics(added.from))
-    throw std::invalid_argument("expected /tf, /tf_static, /diagnostics, /humans, or a topic below /humans, found " +
-                                recordings::quote(from));
+    throw std::invalid_argument(
+        "expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, /humans, or a topic below one of "
+        "the last two, found " +
+        recordings::quote(from));
   if (!isName(added.to) || added.to.size() > longestName)
     throw std::invalid_argument(
         "expected a name with up to 80 letters, digits, '_' and '/', such as /robot1/humans, "

@@ -55,8 +55,7 @@ OrderAnswer boundaryOrder(const Json& order, session::LiveView& view)
 
 }  // namespace
 
-OrderAnswer carryOut(const std::string& json, session::LiveView& view,
-                     const std::function<std::string(recordings::Step)>& takeScopes)
+OrderAnswer carryOutScope(const std::string& json, const std::function<std::string(recordings::Step)>& takeScopes)
 {
   const Json order = Json::parse(json, nullptr, false);
   if (!order.is_object())
@@ -65,6 +64,17 @@ OrderAnswer carryOut(const std::string& json, session::LiveView& view,
     return scopeOrder(*name, true, takeScopes);
   if (const auto name = order.find("stopScope"); name != order.end())
     return scopeOrder(*name, false, takeScopes);
+  return {badRequest, "An order has one of the members startScope and stopScope."};
+}
+
+OrderAnswer carryOut(const std::string& json, session::LiveView& view,
+                     const std::function<std::string(recordings::Step)>& takeScopes)
+{
+  const Json order = Json::parse(json, nullptr, false);
+  if (!order.is_object())
+    return {badRequest, "An order is a JSON object."};
+  if (order.contains("startScope") || order.contains("stopScope"))
+    return carryOutScope(json, takeScopes);
   if (order.contains("boundary"))
     return boundaryOrder(order, view);
   if (order.value("putBack", Json()) == Json(true))

@@ -11,6 +11,11 @@
 namespace KV::tools
 {
 
+/// Starts or stops a scope: the JSON object has the member startScope or stopScope with its name.
+///
+/// `takeScopes` is as below.
+OrderAnswer carryOutScope(const std::string& json, const std::function<std::string(recordings::Step)>& takeScopes);
+
 /// Carries out what the page asks for, a JSON object with one of these members:
 ///   startScope, stopScope  name of a scope
 ///   boundary               name of a boundary; the member value has its new value

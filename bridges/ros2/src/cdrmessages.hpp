@@ -19,6 +19,7 @@ CdrBytes cdrOf(const EngagementMessage& message);
 CdrBytes cdrOf(const ExpressionMessage& message);
 CdrBytes cdrOf(const GazeMessage& message);
 CdrBytes cdrOf(const DiagnosticMessage& message);
+CdrBytes cdrOf(const TextMessage& message);
 
 /// The id of a reader or writer in DDS.
 using Gid = std::array<std::uint8_t, 16>;

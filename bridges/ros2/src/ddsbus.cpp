@@ -1,6 +1,7 @@
 #include <skeigiot/ros2/bus.hpp>
 
 #include "cdrmessages.hpp"
+#include "event.hpp"
 #include "messagequeue.hpp"
 #include "names.hpp"
 #include "participantqos.hpp"
@@ -20,17 +21,12 @@
 #include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <cerrno>
 #include <map>
 #include <mutex>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 namespace KV::ros2
@@ -58,31 +54,6 @@ Gid gidOf(const rtps::GUID_t& guid)
   return gid;
 }
 
-/// Can be read from once it is set, until it is reset.
-class Event
-{
-public:
-  Event() : _descriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-  {
-    if (_descriptor < 0)
-      throw std::system_error(errno, std::generic_category(), "cannot wait for messages");
-  }
-  ~Event() { ::close(_descriptor); }
-  Event(const Event&) = delete;
-  Event& operator=(const Event&) = delete;
-
-  int descriptor() const { return _descriptor; }
-  void set() { ::eventfd_write(_descriptor, 1); }
-  void reset()
-  {
-    eventfd_t count = 0;
-    ::eventfd_read(_descriptor, &count);
-  }
-
-private:
-  int _descriptor;
-};
-
 class DdsBus : public Bus, private dds::DomainParticipantListener
 {
 public:
@@ -98,6 +69,8 @@ public:
   void publish(const std::string& topic, const ExpressionMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const GazeMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const DiagnosticMessage& message) override { _publish(topic, message); }
+  void publish(const std::string& topic, const TextMessage& message) override { _publish(topic, message); }
+  void announceTexts(const std::string& topic) override { _announce(topic, TextMessage::type, true); }
   void withdraw(const std::string& topic) override;
   BusCounts counts() const override;
 
@@ -127,6 +100,7 @@ private:
   dds::Topic* _topic(const std::string& name, const std::string& type);
   void _registerType(const std::string& name);
   dds::DataWriter* _makeWriter(dds::Topic* topic, const std::string& type, bool isLatched);
+  void _announce(const std::string& topic, const char* type, bool isLatched);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
   void _announceNode();
@@ -155,7 +129,9 @@ private:
 };
 
 DdsBus::DdsBus(const BusOptions& options, TypeOf typeOf, Clock clock)
-  : _options(options), _queue(options.mostMessages, options.mostBytes, std::move(clock)), _writers(std::move(typeOf))
+  : _options(options),
+    _queue(options.mostMessages, options.mostBytes, std::move(clock)),
+    _writers(std::move(typeOf), options.mostWriters)
 {
   dds::Log::ClearConsumers();  // they would write to the terminal
   try
@@ -405,21 +381,24 @@ dds::DataWriter* DdsBus::_makeWriter(dds::Topic* topic, const std::string& type,
   return writer;
 }
 
+void DdsBus::_announce(const std::string& topic, const char* type, bool isLatched)
+{
+  if (_published.count(topic) > 0)
+    return;
+  Writer writer;
+  writer.topic = _topic(topic, type);
+  writer.writer = _makeWriter(writer.topic, type, isLatched);
+  _published.emplace(topic, writer);
+  _nodeChanged = true;
+  _event.set();
+}
+
 template <typename Message>
 void DdsBus::_publish(const std::string& topic, const Message& message)
 {
-  auto published = _published.find(topic);
-  if (published == _published.end())
-  {
-    Writer writer;
-    writer.topic = _topic(topic, Message::type);
-    writer.writer = _makeWriter(writer.topic, Message::type, false);
-    published = _published.emplace(topic, writer).first;
-    _nodeChanged = true;
-    _event.set();
-  }
+  _announce(topic, Message::type, false);
   RawMessage raw{cdrOf(message)};
-  published->second.writer->write(&raw);
+  _published.at(topic).writer->write(&raw);
 }
 
 void DdsBus::withdraw(const std::string& topic)

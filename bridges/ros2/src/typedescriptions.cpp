@@ -16,9 +16,12 @@ struct Definition
   const char* fields;  // as in a file of the type .msg, without defaults; commas between them
 };
 
-const std::array<Definition, 27> definitions{{
+const std::array<Definition, 29> definitions{{
     {"builtin_interfaces/msg/Time", "int32 sec, uint32 nanosec"},
     {"std_msgs/msg/Header", "builtin_interfaces/msg/Time stamp, string frame_id"},
+    {"rosgraph_msgs/msg/Clock", "builtin_interfaces/msg/Time clock"},
+    {"sensor_msgs/msg/JointState",
+     "std_msgs/msg/Header header, string[] name, float64[] position, float64[] velocity, float64[] effort"},
     {"std_msgs/msg/Bool", "bool data"},
     {"std_msgs/msg/String", "string data"},
     {"geometry_msgs/msg/Vector3", "float64 x, float64 y, float64 z"},

@@ -18,6 +18,13 @@ std::string Writers::add(const FoundWriter& writer)
   if (type.empty())
     return {};
   remove(writer.id);
+  if (_writers.size() >= _mostWriters)
+  {
+    if (!std::exchange(_areSomeLeftOut, true))
+      _notes.push_back("there are more than " + std::to_string(_mostWriters) +
+                       " writers of topics to read: those that came later are left out");
+    return writer.topic;
+  }
   _writers[writer.id] = writer;
   const std::string fault = _fault(writer, type);
   if (fault.empty())

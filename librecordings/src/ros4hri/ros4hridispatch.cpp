@@ -3,8 +3,8 @@
 namespace KV::recordings
 {
 
-Ros4hriDispatch::Ros4hriDispatch(const ReadingOptions& options, bool isLive)
-  : _persons(isLive), _cycles(options, _persons, isLive)
+Ros4hriDispatch::Ros4hriDispatch(const ReadingOptions& options, bool isLive, const RobotHead& head)
+  : _persons(isLive), _cycles(options, _persons, isLive, head)
 {}
 
 void Ros4hriDispatch::advance(RosbagCycles::TimePoint time)
@@ -56,6 +56,11 @@ void Ros4hriDispatch::take(const RosTopic& topic, RosData& data)
       readBool(data);  // as above
       return;
   }
+}
+
+void Ros4hriDispatch::takeJoints(RosData& data)
+{
+  _cycles.joints(readJointStates(data));
 }
 
 // A person whose words are recognised is speaking; with the final text the sentence is over.

@@ -6,6 +6,7 @@
 #include "ros4hri/rosmessages.hpp"
 
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/robothead.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -23,7 +24,8 @@ class Ros4hriDispatch
 {
 public:
   /// \param isLive  who has which face is learned as it comes in, and faces are forgotten by forgetOld()
-  explicit Ros4hriDispatch(const ReadingOptions& options, bool isLive = false);
+  /// \param head    where the angles of the robot's own head come from
+  explicit Ros4hriDispatch(const ReadingOptions& options, bool isLive = false, const RobotHead& head = {});
   Ros4hriDispatch(const Ros4hriDispatch&) = delete;
   Ros4hriDispatch& operator=(const Ros4hriDispatch&) = delete;
 
@@ -40,6 +42,11 @@ public:
   ///
   /// \throws RosMessageError for a message whose data do not fit its type.
   void take(const RosTopic& topic, RosData& data);
+
+  /// Takes a message with the joints of the robot, sensor_msgs/msg/JointState.
+  ///
+  /// \throws RosMessageError as above.
+  void takeJoints(RosData& data);
 
   /// As in RosbagCycles, for live sessions.
   void fade(RosbagCycles::TimePoint now) { _cycles.fade(now); }

@@ -25,7 +25,7 @@ const boost::chrono::seconds betweenForgetting(10);
 
 struct Ros4hriInput::Record
 {
-  explicit Record(const ReadingOptions& options) : dispatch(options, true) {}
+  Record(const ReadingOptions& options, const RobotHead& head) : dispatch(options, true, head) {}
 
   void advance(TimePoint time)
   {
@@ -42,14 +42,30 @@ struct Ros4hriInput::Record
   TimePoint forgotten;
 };
 
-Ros4hriInput::Ros4hriInput(const ReadingOptions& options) : _record(std::make_unique<Record>(options)) {}
+Ros4hriInput::Ros4hriInput(const ReadingOptions& options, const RobotHead& head)
+  : _record(std::make_unique<Record>(options, head))
+{}
 
 Ros4hriInput::~Ros4hriInput() = default;
 
 std::string Ros4hriInput::typeOf(const std::string& topic)
 {
+  if (topic == jointStates)
+    return "sensor_msgs/msg/JointState";
   const auto known = rosTopicOf(topic);
   return known ? known->type : std::string();
+}
+
+std::vector<std::string> Ros4hriInput::topics()
+{
+  std::vector<std::string> names = rosTopicPatterns();
+  names.emplace_back(jointStates);
+  return names;
+}
+
+std::vector<std::string> Ros4hriInput::lists()
+{
+  return rosIdLists();
 }
 
 bool Ros4hriInput::mayBeInId(char character)
@@ -60,14 +76,16 @@ bool Ros4hriInput::mayBeInId(char character)
 void Ros4hriInput::take(const std::string& topic, TimePoint time, std::vector<char>& data)
 {
   const auto known = rosTopicOf(topic);
-  if (!known)
+  if (!known && topic != jointStates)
     return;
   if (data.size() > static_cast<std::size_t>(limits::largestMessage))
     refuse(topic, "it has more than " + std::to_string(limits::largestMessage) + " bytes");
   try
   {
     _record->advance(time);
-    if (isAboutPersons(*known))
+    if (!known)
+      _record->dispatch.takeJoints(data);
+    else if (isAboutPersons(*known))
       _record->dispatch.takePerson(*known, data);
     else
       _record->dispatch.take(*known, data);

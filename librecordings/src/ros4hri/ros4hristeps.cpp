@@ -1,5 +1,6 @@
 #include "ros4hri/ros4hristeps.hpp"
 
+#include "face/viewingangles.hpp"
 #include "ros4hri/rosangles.hpp"
 
 #include <skeigiot/recordings/quote.hpp>
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <utility>
 
@@ -53,8 +55,8 @@ Transform transformOf(const RosTransform& received)
 
 }  // namespace
 
-RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons, bool keepsFaces)
-  : _adapter(options), _persons(persons), _keepsFaces(keepsFaces)
+RosbagCycles::RosbagCycles(const ReadingOptions& options, RosbagPersons& persons, bool keepsFaces, RobotHead head)
+  : _adapter(options), _persons(persons), _head(std::move(head)), _keepsFaces(keepsFaces)
 {}
 
 void RosbagCycles::advance(TimePoint time)
@@ -128,6 +130,23 @@ void RosbagCycles::speaking(const std::string& voice, bool speaks)
     _open();
 }
 
+// A message may have some of the joints only.
+void RosbagCycles::joints(const RosJointStates& states)
+{
+  KV::RobotHeadPosture posture = _headPosture ? _headPosture->value : KV::RobotHeadPosture();
+  bool isKnown = false;
+  for (std::size_t i = 0; i < states.names.size() && i < states.positions.size(); ++i)
+    for (std::size_t joint = 0; joint < _head.joints.size() && joint < 2; ++joint)
+    {
+      if (states.names[i] != _head.joints[joint] || states.names[i].empty() || !std::isfinite(states.positions[i]))
+        continue;
+      (joint == 0 ? posture.yaw : posture.pitch) = degrees(states.positions[i]);
+      isKnown = true;
+    }
+  if (isKnown)
+    _headPosture.emplace(_now, posture);
+}
+
 void RosbagCycles::finish()
 {
   if (_cycle)
@@ -166,6 +185,7 @@ void RosbagCycles::forgetOld()
   forgetUnknown(_speaking);
   forgetUnknown(_withFace);
   forgetUnknown(_byVoice);
+  forgetUnknown(_withHead);
 }
 
 void RosbagCycles::forget(std::int32_t person)
@@ -175,6 +195,7 @@ void RosbagCycles::forget(std::int32_t person)
   _speaking.erase(person);
   _withFace.erase(person);
   _byVoice.erase(person);
+  _withHead.erase(person);
 }
 
 boost::optional<Step> RosbagCycles::take()
@@ -203,8 +224,11 @@ RosbagCycles::Face& RosbagCycles::_face(const std::string& name)
 
 void RosbagCycles::_open()
 {
-  if (!_cycle)
-    _cycle = Cycle{_now, {}, {}};
+  if (_cycle)
+    return;
+  _cycle = Cycle{_now, {}, {}};
+  if (_headPosture)
+    _headOfCycle = _headPosture;
 }
 
 // A reading of a voice waited for a face that did not come.
@@ -244,12 +268,39 @@ void RosbagCycles::_addVoices(std::set<std::int32_t>& seen, std::vector<Step>& e
     entry.personName = _persons.nameOf(person);
     entry.time = std::max(_cycle->begin, reading->time);
     entry.observation.speaking = reading;
+    _addHead(person, entry.observation);
     _byVoice[person] = {entry.time, reading->value};
     _lastHeard = entry.time;
     seen.insert(person);
     entries.push_back(std::move(entry));
     spoken = _speaking.erase(spoken);
   }
+}
+
+// The camera is in the robot's head: it looks along its z.
+void RosbagCycles::_noteHead()
+{
+  if (_head.base.empty() || _cycle->posed.empty())
+    return;
+  const auto camera = _cameraOf(_cycle->posed.begin()->first);
+  const auto inBase = camera ? _tree.find(_head.base, *camera) : std::nullopt;
+  if (!inBase)
+    return;
+  const auto& [forward, left, up] = inBase->rotation.axis(2);
+  _headOfCycle.emplace(_cycle->begin, KV::RobotHeadPosture(degrees(std::atan2(left, forward)),
+                                                           degrees(std::atan2(up, std::hypot(forward, left)))));
+}
+
+// Each person gets the same angles once.
+void RosbagCycles::_addHead(std::int32_t person, KV::PersonObservation& observation)
+{
+  if (!_headOfCycle)
+    return;
+  const auto given = _withHead.find(person);
+  if (given != _withHead.end() && given->second == _headOfCycle->time)
+    return;
+  _withHead[person] = _headOfCycle->time;
+  observation.robotHeadPosture = _headOfCycle;
 }
 
 void RosbagCycles::_pose(const std::string& face)
@@ -294,6 +345,7 @@ void RosbagCycles::_close()
 {
   std::set<std::int32_t> seen;
   std::vector<Step> entries;
+  _noteHead();
   for (const std::string& name : _cycle->faces)
   {
     const auto person = _persons.ofFace(name);
@@ -333,6 +385,7 @@ boost::optional<Step> RosbagCycles::_entryOf(const std::string& name, Face& face
   else
     entry.observation.faceDetected.emplace(entry.time, true);
 
+  _addHead(person, entry.observation);
   const auto spoken = _speaking.find(person);
   if (spoken != _speaking.end())
   {

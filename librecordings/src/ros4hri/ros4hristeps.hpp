@@ -8,6 +8,7 @@
 
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/recording.hpp>
+#include <skeigiot/recordings/robothead.hpp>
 
 #include <boost/optional/optional.hpp>
 
@@ -30,13 +31,16 @@ namespace KV::recordings
 /// A reading of a voice goes with the next step of the person's face. A person without a face in the last half second
 /// is there by voice alone: each message of the voice is a step, and the person counts as seen while speaking, and for
 /// a second after the last message.
+///
+/// The angles of the robot's own head go with the next step of each person who is there.
 class RosbagCycles
 {
 public:
   using TimePoint = ko::SystemClock::time_point;
 
   /// \param keepsFaces  faces are forgotten by forgetOld() only, together with all that is kept of them
-  RosbagCycles(const ReadingOptions& options, RosbagPersons& persons, bool keepsFaces = false);
+  /// \param head        where the angles of the robot's own head come from
+  RosbagCycles(const ReadingOptions& options, RosbagPersons& persons, bool keepsFaces = false, RobotHead head = {});
 
   /// Advances the time; it must be called before the messages of that time.
   void advance(TimePoint time);
@@ -48,6 +52,7 @@ public:
   void actionUnits(const std::string& face, const RosActionUnits& units);
   void landmarks(const std::string& face, const RosLandmarks& landmarks);
   void speaking(const std::string& voice, bool speaks);
+  void joints(const RosJointStates& states);
 
   /// Ends the last cycle.
   void finish();
@@ -111,6 +116,8 @@ private:
   void _openForVoices(TimePoint time);
   TimePoint _endOfFace(std::int32_t person) const;
   void _addVoices(std::set<std::int32_t>& seen, std::vector<Step>& entries);
+  void _noteHead();
+  void _addHead(std::int32_t person, KV::PersonObservation& observation);
   void _pose(const std::string& face);
   void _noteGaze(const std::string& name);
   Face& _readingOf(const std::string& name);
@@ -138,6 +145,11 @@ private:
   std::map<std::int32_t, TimePoint> _withFace;  // when each person had a step with a face last
   std::map<std::int32_t, Voice> _byVoice;       // of persons who are there by voice alone
   boost::optional<TimePoint> _lastHeard;        // of them
+  RobotHead _head;
+  using HeadReading = KV::PersonObservation::Reading<KV::RobotHeadPosture>;
+  HeadReading _headPosture;                     // of the last joints
+  HeadReading _headOfCycle;                     // when the cycle began
+  std::map<std::int32_t, TimePoint> _withHead;  // the time of the last angles of the head that each person got
   PersonsInView _inView;
   std::set<std::int32_t> _reported;  // persons with a step
   std::deque<Step> _entries;

@@ -62,6 +62,19 @@ std::optional<RosTopic> rosTopicOf(const std::string& name)
   return {};
 }
 
+std::vector<std::string> rosTopicPatterns()
+{
+  std::vector<std::string> names;
+  for (const Pattern& pattern : patterns)
+    names.push_back(std::string(pattern.prefix) + (pattern.suffix.empty() ? "" : "*") + std::string(pattern.suffix));
+  return names;
+}
+
+std::vector<std::string> rosIdLists()
+{
+  return {"/humans/faces/tracked", "/humans/persons/tracked", "/humans/persons/known", "/humans/voices/tracked"};
+}
+
 bool isAboutPersons(const RosTopic& topic)
 {
   switch (topic.kind)

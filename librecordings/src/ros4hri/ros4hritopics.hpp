@@ -38,6 +38,12 @@ bool mayBeInRosId(char character);
 /// Returns the kind and subject of the topic with this name; nothing if it is not read.
 std::optional<RosTopic> rosTopicOf(const std::string& name);
 
+/// Returns the names of all topics that are read, with "*" for the id.
+std::vector<std::string> rosTopicPatterns();
+
+/// Returns the names of the topics with lists of ids.
+std::vector<std::string> rosIdLists();
+
 /// Returns whether the topic says who a person is: which face, which voice, which other id.
 bool isAboutPersons(const RosTopic& topic);
 

@@ -168,6 +168,34 @@ RosSpeech readSpeech(RosData& data)
   });
 }
 
+RosJointStates readJointStates(RosData& data)
+{
+  return guarded(data, [](Message& message) {
+    message.header();
+    RosJointStates joints;
+    joints.names.resize(message.count(smallestText));
+    for (std::string& name : joints.names)
+      name = message.read<std::string>();
+    joints.positions.resize(message.count(sizeof(double)));
+    for (double& position : joints.positions)
+      position = message.read<double>();
+    return joints;
+  });
+}
+
+std::int64_t readClock(RosData& data)
+{
+  return guarded(data, [](Message& message) {
+    constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+    const std::int64_t seconds = message.read<std::int32_t>();
+    const std::int64_t nanoseconds = message.read<std::uint32_t>();
+    if (seconds < 0 || nanoseconds >= nanosecondsPerSecond)
+      throw RosMessageError("has a time that is none: " + std::to_string(seconds) + " s and " +
+                            std::to_string(nanoseconds) + " ns");
+    return seconds * nanosecondsPerSecond + nanoseconds;
+  });
+}
+
 std::string readString(RosData& data)
 {
   return guarded(data, [](Message& message) { return message.read<std::string>(); });

@@ -5,6 +5,7 @@
 #include <skeigiot/recordings/roslandmarks.hpp>
 
 #include <array>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -48,6 +49,13 @@ struct RosSpeech
   std::string final;
 };
 
+/// sensor_msgs/msg/JointState, as far as it is read
+struct RosJointStates
+{
+  std::vector<std::string> names;
+  std::vector<double> positions;  ///< [rad] in the order of the names; there may be fewer
+};
+
 using RosData = std::vector<char>;
 
 // Each reads a message in CDR, little or big endian. They throw RosMessageError if it ends too early, or claims more
@@ -59,6 +67,8 @@ RosExpression readExpression(RosData& data);
 RosActionUnits readActionUnits(RosData& data);
 RosLandmarks readLandmarks(RosData& data);
 RosSpeech readSpeech(RosData& data);
+RosJointStates readJointStates(RosData& data);
+std::int64_t readClock(RosData& data);  ///< rosgraph_msgs/msg/Clock: [ns], not below 0
 std::string readString(RosData& data);  ///< std_msgs/msg/String
 bool readBool(RosData& data);           ///< std_msgs/msg/Bool
 

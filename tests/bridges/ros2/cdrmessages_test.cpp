@@ -102,6 +102,15 @@ TEST(CdrMessages, OfDiagnosticsHaveOneStatusAndItsValues)
       hexOf(cdrOf(KV::ros2::DiagnosticMessage{stamp, 1, "n", "m", {{"k", "v"}}})));
 }
 
+TEST(CdrMessages, OfATextEndWithANul)
+{
+  EXPECT_EQ(
+      "00010000"
+      "03000000"
+      "686900",
+      hexOf(cdrOf(KV::ros2::TextMessage{"hi"})));
+}
+
 TEST(CdrMessages, OfTheNodeHaveLongerIdsUpToHumble)
 {
   KV::ros2::NodeMessage node;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@ namespace
 using KV::ros2::FoundWriter;
 using KV::ros2::ReadingQuality;
 using KV::ros2::Writers;
+
+constexpr std::size_t most = 100;
 
 const std::string expressionType = "hri_msgs/msg/Expression";
 
@@ -35,7 +38,7 @@ FoundWriter writerOf(const std::string& id, bool isReliable = true, bool isTrans
 
 TEST(Writers, AreFollowedOnTopicsThatAreReadOnly)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   FoundWriter other = writerOf("1");
   other.topic = "/camera/image";
 
@@ -46,7 +49,7 @@ TEST(Writers, AreFollowedOnTopicsThatAreReadOnly)
 
 TEST(Writers, DetermineTheQualityByTheLeastThatOneOfThemOffers)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   writers.add(writerOf("1", true, true));
   EXPECT_EQ((ReadingQuality{true, true}), writers.qualityOf("/humans/faces/f/expression").value());
 
@@ -62,7 +65,7 @@ TEST(Writers, DetermineTheQualityByTheLeastThatOneOfThemOffers)
 
 TEST(Writers, LeaveATopicUnreadWhenTheLastIsGone)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   writers.add(writerOf("1"));
   writers.remove("1");
   EXPECT_FALSE(writers.qualityOf("/humans/faces/f/expression"));
@@ -71,7 +74,7 @@ TEST(Writers, LeaveATopicUnreadWhenTheLastIsGone)
 
 TEST(Writers, WithAnotherLayoutAreRefusedOnceForEachTopic)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   FoundWriter fork = writerOf("1");
   fork.hash = "RIHS01_00";
   writers.add(fork);
@@ -93,7 +96,7 @@ TEST(Writers, WithAnotherLayoutAreRefusedOnceForEachTopic)
 
 TEST(Writers, WithAnotherTypeAreRefusedByName)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   FoundWriter other = writerOf("1");
   other.type = "std_msgs/msg/String";
   writers.add(other);
@@ -107,7 +110,7 @@ TEST(Writers, WithAnotherTypeAreRefusedByName)
 
 TEST(Writers, WithoutAHashAreTakenAsBeforeIron)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   FoundWriter humble = writerOf("1");
   humble.hash.clear();
   writers.add(humble);
@@ -117,13 +120,67 @@ TEST(Writers, WithoutAHashAreTakenAsBeforeIron)
 
 TEST(Writers, ThatChangeCountAsTheyAreLast)
 {
-  Writers writers(typeOf);
+  Writers writers(typeOf, most);
   FoundWriter writer = writerOf("1");
   writer.hash = "RIHS01_00";
   writers.add(writer);
   writers.add(writerOf("1"));
   EXPECT_FALSE(writers.isRefused("1"));
   EXPECT_TRUE(writers.qualityOf(writer.topic));
+}
+
+TEST(Writers, OfWhichThereAreTooManyAreLeftOutWithOneNote)
+{
+  Writers writers(typeOf, 2);
+  writers.add(writerOf("1", true));
+  writers.add(writerOf("2", true));
+  EXPECT_TRUE(writers.takeNotes().empty());
+  EXPECT_FALSE(writers.isRefused("3")) << "its messages may come in before it is known";
+  writers.add(writerOf("3", false));
+  writers.add(writerOf("4", false));
+
+  EXPECT_EQ(std::vector<std::string>{"there are more than 2 writers of topics to read: those that came later are left "
+                                     "out"},
+            writers.takeNotes());
+  EXPECT_TRUE(writers.isRefused("3"));
+  EXPECT_FALSE(writers.isRefused("2"));
+  EXPECT_EQ((ReadingQuality{true, false}), writers.qualityOf("/humans/faces/f/expression").value());
+}
+
+TEST(Writers, ThatWereLeftOutAreTakenIfTheyAreAnnouncedAgainWhenThereIsRoom)
+{
+  Writers writers(typeOf, 1);
+  writers.add(writerOf("1"));
+  writers.add(writerOf("2"));
+  writers.remove("1");
+  EXPECT_FALSE(writers.qualityOf("/humans/faces/f/expression"));
+  writers.add(writerOf("2"));
+  EXPECT_TRUE(writers.qualityOf("/humans/faces/f/expression"));
+  EXPECT_FALSE(writers.isRefused("2"));
+}
+
+TEST(Writers, ThatChangeAreNotOneMore)
+{
+  Writers writers(typeOf, 1);
+  writers.add(writerOf("1", true));
+  writers.add(writerOf("1", false));
+  EXPECT_EQ((ReadingQuality{false, false}), writers.qualityOf("/humans/faces/f/expression").value());
+  EXPECT_TRUE(writers.takeNotes().empty());
+}
+
+TEST(Writers, ThatComeAndGoAThousandTimesLeaveNothing)
+{
+  Writers writers(typeOf, 1);
+  for (int i = 0; i < 1000; ++i)
+  {
+    FoundWriter writer = writerOf(std::to_string(i));
+    writer.topic = "/humans/faces/f" + std::to_string(i) + "/expression";
+    EXPECT_EQ(writer.topic, writers.add(writer));
+    EXPECT_TRUE(writers.qualityOf(writer.topic));
+    EXPECT_EQ(writer.topic, writers.remove(writer.id));
+    EXPECT_FALSE(writers.qualityOf(writer.topic));
+  }
+  EXPECT_TRUE(writers.takeNotes().empty());
 }
 
 }  // namespace

@@ -55,6 +55,20 @@ std::string boolMessage(bool value)
   return (CdrWriter() << value).bytes();
 }
 
+std::string jointStatesMessage(const std::vector<std::string>& names, const std::vector<double>& positions)
+{
+  const std::vector<double> unknown;  // velocity, effort
+  return (CdrWriter().header("") << names << positions << unknown << unknown).bytes();
+}
+
+std::string clockMessage(std::int64_t nanoseconds)
+{
+  constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+  return (CdrWriter() << static_cast<std::int32_t>(nanoseconds / nanosecondsPerSecond)
+                      << static_cast<std::uint32_t>(nanoseconds % nanosecondsPerSecond))
+      .bytes();
+}
+
 std::string speechMessage(const std::string& incremental, const std::string& final)
 {
   CdrWriter writer;

@@ -58,6 +58,8 @@ std::string idsMessage(const std::vector<std::string>& ids, const std::string& f
 std::string expressionMessage(const std::string& name, float valence, float confidence);
 std::string stringMessage(const std::string& text);
 std::string boolMessage(bool value);
+std::string jointStatesMessage(const std::vector<std::string>& names, const std::vector<double>& positions);
+std::string clockMessage(std::int64_t nanoseconds);
 std::string speechMessage(const std::string& incremental, const std::string& final);
 
 /// A quaternion x, y, z, w that turns by so many degrees about an axis.

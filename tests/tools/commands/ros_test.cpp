@@ -36,6 +36,24 @@ TEST(RosOptions, HavePeersWhereOtherNodesAreLookedForOnly)
   }
 }
 
+TEST(RosOptions, NameOneOrTwoJointsOfTheHeadOrTheFrameOfTheBody)
+{
+  for (const char* const joints : {"a,b,c", ",b"})
+    EXPECT_NE(std::string::npos,
+              runCommand({"ros", "--head-joints", joints})
+                  .errors.find("--head-joints: expected the name of a joint, or two with ',' between them, found '" +
+                               std::string(joints) + "'"));
+  EXPECT_NE(std::string::npos, runCommand({"ros", "--head-joints", "pan", "--head-base", "base_link"})
+                                   .errors.find("--head-base excludes --head-joints"));
+}
+
+TEST(RosOptions, TakeTheTimeOfASimulationOrOfWriters)
+{
+  const CommandResult result = runCommand({"ros", "--use-sim-time", "--times", "source"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_EQ("skeigiot: --use-sim-time needs --times arrival: the times are those of /clock\n", result.errors);
+}
+
 /// A file of parameters. Both outputs of the command are the same file, so that a command whose parameters are taken is
 /// refused, too.
 class RosParametersOfTheCommand : public ::testing::Test
@@ -133,14 +151,13 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedParameter{"Unknown", "gain: 20",
                          "gain: there is no such parameter; expected one of au_full_scale, boundary.confidence, "
                          "boundary.excited, boundary.looking_at_robot, boundary.negative, boundary.positive, "
-                         "boundary.strictly_looking_at_robot, camera_height, cycle, hold, jsonl, look_at, mapping, "
-                         "min_confidence, mirrored, record, rest, ros_distro, silence, times"},
+                         "boundary.strictly_looking_at_robot, camera_height, cycle, head_base, "
+                         "head_joints, hold, jsonl, look_at, mapping, min_confidence, mirrored, record, rest, "
+                         "ros_distro, rosbridge, silence, times, use_sim_time"},
         RefusedParameter{"Group", "look_at: {x: 1}", "look_at.x: there is no such parameter; did you mean 'look_at'?"},
         RefusedParameter{"OptionOfTheCommandLine", "domain: 3",
                          "domain: is no parameter: give --domain in the command line"},
-        RefusedParameter{"SimulatedTime", "use_sim_time: true",
-                         "use_sim_time: simulated time is not read; with 'times: source', the times are those of "
-                         "writers"}),
+        RefusedParameter{"SimulatedTime", "use_sim_time: soon", "use_sim_time: expected true or false, found 'soon'"}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_F(RosParametersOfTheCommand, OfAllNodesMayBeForAnotherNode)
@@ -187,7 +204,8 @@ TEST(RosNames, OfTopicsThatAreNotThereAreRefused)
   const CommandResult result = runCommand({"ros", "--remap", "/camera:=/eye"});
   EXPECT_EQ(2, result.status);
   EXPECT_NE(std::string::npos,
-            result.errors.find("--remap: expected /tf, /tf_static, /diagnostics, /humans, or a topic below /humans, "
+            result.errors.find("--remap: expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, "
+                               "/humans, or a topic below one of the last two, "
                                "found '/camera'"))
       << result.errors;
 }

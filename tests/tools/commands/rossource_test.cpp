@@ -9,10 +9,13 @@
 
 #include <boost/chrono/duration.hpp>
 
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -272,6 +275,293 @@ TEST_F(Source, HasNoTimeForAScopeBeforeTheFirstMessageOfAWriter)
   step.scopeStops.emplace_back("greeting");
   EXPECT_EQ("no message has come in yet, so there is no time at which a scope could start", source.takeScopes(step));
   EXPECT_TRUE(steps.all.empty());
+}
+
+TEST_F(Source, StartsAndStopsScopesThatATopicNames)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 0.);
+  bus.add("/tf", face("f"), begin, begin);
+  bus.add("/skeigiot/scopes", support::stringMessage(R"({"startScope": "greeting"})"), begin, begin + 1 * second);
+  bus.add("/tf", face("f"), begin, begin + 2 * second);
+  bus.add("/skeigiot/scopes", support::stringMessage(R"({"stopScope": "greeting"})"), begin, begin + 3 * second);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(4U, steps.all.size());
+  ASSERT_EQ(1U, steps.all[1].scopeStarts.size());
+  EXPECT_EQ("greeting", steps.all[1].scopeStarts[0].name);
+  EXPECT_EQ(begin + 1 * second, steps.all[1].time.time_since_epoch().count());
+  EXPECT_EQ(std::vector<std::string>{"greeting"}, steps.all[3].scopeStops);
+  EXPECT_TRUE(source.takeNotes().empty());
+}
+
+TEST_F(Source, SaysWhyAMessageAboutAScopeIsLeftOut)
+{
+  const std::string leftOut = "a message on the topic /skeigiot/scopes is left out: ";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {support::stringMessage("greeting"), leftOut + "An order is a JSON object."},
+      {support::stringMessage("{}"), leftOut + "An order has one of the members startScope and stopScope."},
+      {support::stringMessage(R"({"startScope": ""})"), leftOut + "The name of a scope has 1 to 200 bytes."},
+      {support::stringMessage(R"({"boundary": "positive", "value": 0.5})"),
+       leftOut + "An order has one of the members startScope and stopScope."}};
+  for (const auto& [message, note] : cases)
+  {
+    RosSource source = makeSource(RosTimes::Arrival);
+    bus.add("/skeigiot/scopes", message, begin);
+    source.take(true);
+    EXPECT_EQ(std::vector<std::string>{note}, source.takeNotes());
+    EXPECT_EQ(1U, source.status().refused);
+  }
+}
+
+/// The robot's own head.
+class RobotHeadInSource : public Source
+{
+protected:
+  RosSource sourceWith(const KV::recordings::RobotHead& head)
+  {
+    RosSourceOptions options;
+    options.head = head;
+    options.silence = 3600.;
+    return RosSource(bus, options, {{&steps}, {}},
+                     [this] { return KV::session::TimePoint(KV::session::Duration(now)); });
+  }
+
+  /// Returns the angles of the head in a step, as text with their age in ms; empty without.
+  std::string headIn(std::size_t step) const
+  {
+    const auto& head = steps.all.at(step).observation.robotHeadPosture;
+    if (!head)
+      return "";
+    const auto age = (steps.all[step].time - head->time).count() / 1'000'000;
+    return std::to_string(std::lround(head->value.yaw)) + "," + std::to_string(std::lround(head->value.pitch)) + " " +
+           std::to_string(age);
+  }
+
+  static constexpr double degree = 3.14159265358979 / 180.;
+  static constexpr std::int64_t frame = second / 10;
+};
+
+TEST_F(RobotHeadInSource, GoesWithTheNextStepOfEachPersonOnce)
+{
+  RosSource source = sourceWith({{"head_pan", "head_tilt"}, ""});
+  bus.add("/joint_states",
+          support::jointStatesMessage({"arm", "head_tilt", "head_pan"}, {1., -5. * degree, 20. * degree}), begin);
+  for (int i = 1; i <= 2; ++i)
+    for (const char* const id : {"a", "b"})
+      bus.add("/tf", face(id), begin + i * frame);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(4U, steps.all.size());
+  EXPECT_EQ("20,-5 100", headIn(0));
+  EXPECT_EQ("20,-5 100", headIn(1));
+  EXPECT_EQ("", headIn(2));
+  EXPECT_EQ("", headIn(3));
+}
+
+TEST_F(RobotHeadInSource, KeepsTheAngleOfAJointThatAMessageDoesNotHave)
+{
+  RosSource source = sourceWith({{"head_pan", "head_tilt"}, ""});
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {20. * degree}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"head_tilt"}, {10. * degree}), begin + 1);
+  bus.add("/tf", face("a"), begin + frame);
+  source.take(true);
+  source.finish();
+  EXPECT_EQ("20,10 99", headIn(0));
+}
+
+TEST_F(RobotHeadInSource, LeavesOutPositionsThatAreMissingOrNotFinite)
+{
+  RosSource source = sourceWith({{"head_pan"}, ""});
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"head_pan"}, {std::nan("")}), begin);
+  bus.add("/joint_states", support::jointStatesMessage({"arm"}, {1.}), begin);
+  bus.add("/tf", face("a"), begin + frame);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(1U, steps.all.size());
+  EXPECT_EQ("", headIn(0));
+  EXPECT_TRUE(source.takeNotes().empty());
+}
+
+TEST_F(RobotHeadInSource, NamesTheTopicOfJointsThatCannotBeRead)
+{
+  RosSource source = sourceWith({{"head_pan"}, ""});
+  bus.add("/joint_states", std::string("\0\1\0\0\1", 5), begin);
+  source.take(true);
+  const std::vector<std::string> notes = source.takeNotes();
+  ASSERT_EQ(1U, notes.size());
+  EXPECT_EQ(0U, notes.front().find("a message on the topic /joint_states is left out: ends too early")) << notes[0];
+}
+
+TEST_F(RobotHeadInSource, IsTheCameraInTheFrameOfTheBody)
+{
+  RosSource source = sourceWith({{}, "base_link"});
+  // The axis of a camera goes forward, that of its frame with x to the right and y down: first so, then 30 degrees to
+  // the left.
+  const std::array<double, 4> ahead{-0.5, 0.5, -0.5, 0.5};
+  const std::array<double, 4> aside = support::product(support::turned(30., {0., 0., 1.}), ahead);
+  const auto cameraAt = [](const std::array<double, 4>& rotation) {
+    return support::tfMessage({{"base_link", "camera_optical", {0., 0., 1.}, rotation}});
+  };
+  bus.add("/tf", cameraAt(ahead), begin);
+  bus.add("/tf", face("a"), begin + frame);
+  bus.add("/tf", cameraAt(aside), begin + 2 * frame);
+  bus.add("/tf", face("a"), begin + 3 * frame);
+  source.take(true);
+  source.finish();
+
+  ASSERT_EQ(2U, steps.all.size());
+  EXPECT_EQ("0,0 0", headIn(0));
+  EXPECT_EQ("30,0 0", headIn(1));
+}
+
+TEST_F(RobotHeadInSource, IsUnknownWithoutAWayFromTheCameraToTheBody)
+{
+  RosSource source = sourceWith({{}, "base_link"});
+  bus.add("/tf", face("a"), begin);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(1U, steps.all.size());
+  EXPECT_EQ("", headIn(0));
+}
+
+/// Messages of a simulation, whose clock counts from 0.
+class SourceOfASimulation : public Source
+{
+protected:
+  RosSource source = makeSource(RosTimes::Simulated, 1.);
+
+  void tick(std::int64_t clock) { bus.add("/clock", support::clockMessage(clock), begin); }
+  void see(const std::string& id) { bus.add("/tf", face(id), begin); }
+
+  /// Returns the times of the steps since the simulation began, in ms.
+  std::vector<std::int64_t> times() const
+  {
+    std::vector<std::int64_t> all;
+    for (const KV::recordings::Step& step : steps.all)
+      all.push_back((step.time.time_since_epoch().count() - madeUpDate) / 1'000'000);
+    return all;
+  }
+
+  static constexpr std::int64_t madeUpDate = 1'577'836'800 * second;
+  static constexpr std::int64_t millisecond = second / 1000;
+};
+
+TEST_F(SourceOfASimulation, PlaysMessagesAtTheTimeOfTheClock)
+{
+  tick(5 * second);
+  see("f");
+  tick(5 * second + 100 * millisecond);
+  see("f");
+  source.take(true);
+  source.finish();
+  EXPECT_EQ((std::vector<std::int64_t>{5000, 5100}), times());
+  EXPECT_EQ(2U, source.status().lines) << "times do not count";
+}
+
+TEST_F(SourceOfASimulation, LeavesMessagesOutUntilTheFirstTime)
+{
+  see("f");
+  see("f");
+  source.take(true);
+  source.finish();
+  EXPECT_TRUE(steps.all.empty());
+  EXPECT_EQ(2U, source.status().refused);
+  EXPECT_EQ(std::vector<std::string>{"messages are left out until the first time comes in on /clock"},
+            source.takeNotes());
+}
+
+TEST_F(SourceOfASimulation, StandsStillWithTheClock)
+{
+  tick(5 * second);
+  see("f");
+  source.take(true);
+  now += 3600 * second;  // for us
+  source.take(true);
+  EXPECT_EQ(madeUpDate + 5 * second, source.present().time_since_epoch().count());
+  source.finish();
+  EXPECT_EQ((std::vector<std::int64_t>{5000}), times()) << "nobody is missing";
+  EXPECT_TRUE(left.empty());
+}
+
+TEST_F(SourceOfASimulation, GoesOnWhenTheClockIsSetBackAndForgetsThePersons)
+{
+  tick(100 * second);
+  see("f");
+  tick(10 * second);
+  see("f");
+  tick(11 * second);
+  see("f");
+  source.take(true);
+  source.finish();
+
+  EXPECT_EQ((std::vector<std::int64_t>{100'000, 100'000, 101'000}), times());
+  ASSERT_EQ(3U, steps.all.size());
+  EXPECT_EQ(std::vector<std::int32_t>{*steps.all[0].person}, left);
+  EXPECT_NE(*steps.all[0].person, *steps.all[1].person) << "a person of another run";
+  EXPECT_EQ(*steps.all[1].person, *steps.all[2].person);
+  EXPECT_EQ(11 * second, source.stampOf(steps.all[2].time)) << "the time of the simulation";
+  EXPECT_EQ(11 * second, source.stamp());
+  EXPECT_EQ(std::vector<std::string>{"the time on /clock was set back by 90 s: the persons are forgotten, also when it "
+                                     "happens again"},
+            source.takeNotes());
+}
+
+TEST_F(SourceOfASimulation, ForgetsPersonsWhenTheClockJumpsForwardByMoreThanAMinute)
+{
+  tick(5 * second);
+  see("f");
+  tick(3600 * second);
+  see("g");
+  source.take(true);
+  ASSERT_EQ(1U, left.size());
+  source.finish();
+  EXPECT_EQ(5000, times().front());
+  EXPECT_EQ("g", steps.all.back().personName);
+  EXPECT_EQ(3'600'000, times().back());
+}
+
+TEST_F(SourceOfASimulation, SurvivesAThousandJumps)
+{
+  for (int i = 0; i < 1000; ++i)
+  {
+    tick((i % 2 == 0 ? 500 : 100) * second);
+    see("f");
+    source.take(true);
+  }
+  source.finish();
+  EXPECT_EQ(999U, left.size()) << "once for each jump, in both directions";
+  for (std::size_t i = 1; i < steps.all.size(); ++i)
+    ASSERT_LE(steps.all[i - 1].time, steps.all[i].time);
+}
+
+TEST_F(SourceOfASimulation, NamesATimeThatCannotBeRead)
+{
+  bus.add("/clock", "cut", begin);
+  bus.add("/clock", support::clockMessage(-2 * second), begin);
+  source.take(true);
+  const std::vector<std::string> notes = source.takeNotes();
+  ASSERT_EQ(1U, notes.size());
+  EXPECT_EQ(0U, notes[0].find("a message on the topic /clock is left out: ")) << notes[0];
+  EXPECT_EQ(2U, source.status().refused);
+}
+
+TEST(TopicsOfTheSource, AreThoseThatTheOptionsAskFor)
+{
+  RosSourceOptions options;
+  EXPECT_EQ("tf2_msgs/msg/TFMessage", RosSource::typeOf("/tf", options));
+  EXPECT_EQ("std_msgs/msg/String", RosSource::typeOf("/skeigiot/scopes", options));
+  EXPECT_EQ("", RosSource::typeOf("/clock", options));
+  EXPECT_EQ("", RosSource::typeOf("/joint_states", options));
+  const std::size_t few = RosSource::topics(options).size();
+
+  options.times = RosTimes::Simulated;
+  options.head.joints = {"head_pan"};
+  EXPECT_EQ("rosgraph_msgs/msg/Clock", RosSource::typeOf("/clock", options));
+  EXPECT_EQ("sensor_msgs/msg/JointState", RosSource::typeOf("/joint_states", options));
+  EXPECT_EQ(few + 2, RosSource::topics(options).size());
 }
 
 }  // namespace

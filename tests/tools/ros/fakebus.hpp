@@ -34,6 +34,11 @@ public:
   {
     diagnostics[topic].push_back(message);
   }
+  void publish(const std::string& topic, const KV::ros2::TextMessage& message) override
+  {
+    texts[topic].push_back(message.text);
+  }
+  void announceTexts(const std::string& topic) override { announced.push_back(topic); }
   void withdraw(const std::string& topic) override { withdrawn.push_back(topic); }
   KV::ros2::BusCounts counts() const override { return {}; }
 
@@ -45,6 +50,8 @@ public:
   std::vector<KV::ros2::BusMessage> waiting;
   std::vector<std::string> notes;
   std::vector<std::string> withdrawn;
+  std::vector<std::string> announced;
+  std::map<std::string, std::vector<std::string>> texts;
   std::map<std::string, std::vector<KV::ros2::EngagementMessage>> engagements;
   std::map<std::string, std::vector<KV::ros2::ExpressionMessage>> expressions;
   std::map<std::string, std::vector<KV::ros2::GazeMessage>> gazes;

@@ -117,7 +117,9 @@ TEST_P(RosNamesRefuse, ARule)
   EXPECT_EQ("/diagnostics", names.outside("/diagnostics"));
 }
 
-const std::string noTopic = "expected /tf, /tf_static, /diagnostics, /humans, or a topic below /humans, found ";
+const std::string noTopic =
+    "expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, /humans, or a topic below one of the "
+    "last two, found ";
 const std::string noName = "expected a name with up to 80 letters, digits, '_' and '/', such as /robot1/humans, found ";
 const std::string noNode = "expected a name of the node with up to 80 letters, digits and '_', found ";
 

@@ -2,6 +2,7 @@
 
 #include <skeigiot/api.hpp>
 #include <skeigiot/recordings/readingoptions.hpp>
+#include <skeigiot/recordings/robothead.hpp>
 #include <skeigiot/recordings/step.hpp>
 
 #include <ko/systemclock.hpp>
@@ -28,10 +29,14 @@ class SKEIGIOT_API Ros4hriInput
 public:
   using TimePoint = ko::SystemClock::time_point;  ///< time at which a message came in
 
-  /// Begins without a message. The options say how angles and action units are read.
+  /// The topic with the joints of the robot, which is read if RobotHead names joints.
+  static constexpr const char* jointStates = "/joint_states";
+
+  /// Begins without a message. The options say how angles and action units are read; `head` says where the angles of
+  /// the robot's own head come from.
   ///
   /// \throws Error if the file of the mapping cannot be read.
-  explicit Ros4hriInput(const ReadingOptions& options);
+  explicit Ros4hriInput(const ReadingOptions& options, const RobotHead& head = {});
   ~Ros4hriInput();
   Ros4hriInput(const Ros4hriInput&) = delete;
   Ros4hriInput& operator=(const Ros4hriInput&) = delete;
@@ -40,6 +45,18 @@ public:
   ///
   /// Any thread may call it at any time.
   static std::string typeOf(const std::string& topic);
+
+  /// Returns the names of all topics that are read, with "*" for the id of a face, voice or person, such as
+  /// "/humans/faces/*/facs".
+  ///
+  /// Any thread may call it at any time.
+  static std::vector<std::string> topics();
+
+  /// Returns the names of the topics with lists of the ids of faces, voices and persons, of the type
+  /// "hri_msgs/msg/IdsList". They say which topics with ids may be there; not all of them are read by take().
+  ///
+  /// Any thread may call it at any time.
+  static std::vector<std::string> lists();
 
   /// Returns whether ROS allows the character in the id of a face, voice or person, which is a part of the name of a
   /// topic: ASCII letters, digits and "_".

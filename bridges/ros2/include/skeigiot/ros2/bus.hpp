@@ -76,6 +76,14 @@ public:
   virtual void publish(const std::string& topic, const GazeMessage& message) = 0;        ///< As above.
   virtual void publish(const std::string& topic, const DiagnosticMessage& message) = 0;  ///< As above.
 
+  virtual void publish(const std::string& topic, const TextMessage& message) = 0;  ///< As above.
+
+  /// Announces a topic of texts before the first one, so that readers are there then. Readers that come later get the
+  /// last ones.
+  ///
+  /// \throws std::runtime_error as above.
+  virtual void announceTexts(const std::string& topic) = 0;
+
   /// Publishes nothing more on this topic.
   virtual void withdraw(const std::string& topic) = 0;
 

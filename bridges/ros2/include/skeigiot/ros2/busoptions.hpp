@@ -40,6 +40,7 @@ struct BusOptions
   std::size_t mostBytes = std::size_t{64} << 20U;  ///< in the queue; the oldest messages are dropped
   std::size_t mostReaders =
       500;  ///< topics that are read at a time, at least 1; those that are silent longest are left out
+  std::size_t mostWriters = 10'000;  ///< of these topics that are known at a time; those that came later are left out
 };
 
 }  // namespace KV::ros2

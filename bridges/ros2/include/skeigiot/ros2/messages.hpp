@@ -51,4 +51,12 @@ struct DiagnosticMessage
   std::vector<std::pair<std::string, std::string>> values;  ///< names and values
 };
 
+/// std_msgs/msg/String
+struct TextMessage
+{
+  static constexpr const char* type = "std_msgs/msg/String";  ///< its name in ROS
+
+  std::string text;
+};
+
 }  // namespace KV::ros2

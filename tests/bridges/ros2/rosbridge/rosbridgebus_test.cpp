@@ -1,0 +1,377 @@
+#include <skeigiot/ros2/rosbridge.hpp>
+
+#include "bridges/ros2/rosbridge/rosbridgeserver.hpp"
+#include "librecordings/rosbag2/bagwriter.hpp"
+
+#include <gmock/gmock.h>
+
+#include <poll.h>
+
+#include <chrono>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using KV::ros2::BusMessage;
+using nlohmann::json;
+using rostests::RosbridgeServer;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+const json header = {{"stamp", {{"sec", 0}, {"nanosec", 0}}}, {"frame_id", ""}};
+
+std::string typeOf(const std::string& topic)
+{
+  if (topic.find(' ') != std::string::npos)
+    return {};
+  const auto endsWith = [&topic](const std::string& end) {
+    return topic.size() > end.size() && topic.compare(topic.size() - end.size(), end.size(), end) == 0;
+  };
+  if (endsWith("/faces/tracked"))
+    return "hri_msgs/msg/IdsList";
+  if (endsWith("/alias"))
+    return "std_msgs/msg/String";
+  return endsWith("/expression") ? "hri_msgs/msg/Expression" : std::string();
+}
+
+json expressionOf(const std::string& word)
+{
+  return {{"header", header}, {"expression", word}, {"valence", 0.5}, {"arousal", 0}, {"confidence", 1}};
+}
+
+std::string wordIn(const BusMessage& message)
+{
+  const std::string text(message.data.begin(), message.data.end());
+  return text.find("happy") != std::string::npos ? "happy" : text.find("sad") != std::string::npos ? "sad" : "?";
+}
+
+/// A bus whose times are those of the test, and the server that it speaks with.
+class RosbridgeBus : public ::testing::Test
+{
+protected:
+  KV::ros2::RosbridgeOptions optionsOf(unsigned short port)
+  {
+    KV::ros2::RosbridgeOptions options;
+    options.address.host = "127.0.0.1";
+    options.address.port = std::to_string(port);
+    options.topics = {"/humans/faces/tracked", "/humans/faces/*/expression", "/humans/persons/*/alias"};
+    options.lists = {"/humans/faces/tracked", "/humans/persons/known"};
+    options.steadyClock = [this] { return steady; };
+    return options;
+  }
+
+  void open(const KV::ros2::RosbridgeOptions& options)
+  {
+    place = textOf(options.address);
+    bus = openRosbridgeBus(options, typeOf, [this] { return now; });
+  }
+
+  // A server that does not answer at the end would be waited for.
+  void TearDown() override { server.hangUp(); }
+
+  /// Opens the bus, and connects it with the server.
+  void connect()
+  {
+    open(optionsOf(server.port()));
+    bus->take();
+    server.accept();
+    follow();
+  }
+
+  /// Waits until the bus has something to do, and lets it do that.
+  std::vector<BusMessage> follow()
+  {
+    pollfd waited{bus->descriptor(), POLLIN, 0};
+    constexpr int longestWait = 20'000;  // [ms]
+    if (::poll(&waited, 1, longestWait) <= 0)
+      throw std::runtime_error("nothing comes from rosbridge");
+    return bus->take();
+  }
+
+  /// Waits for a message.
+  BusMessage takeMessage()
+  {
+    for (;;)
+      if (const std::vector<BusMessage> messages = follow(); !messages.empty())
+        return messages.front();
+  }
+
+  /// Waits for a note.
+  std::string takeNote()
+  {
+    for (;;)
+    {
+      follow();
+      if (const std::vector<std::string> notes = bus->takeNotes(); !notes.empty())
+        return notes.front();
+    }
+  }
+
+  /// Reads as many operations, and returns their kinds and topics.
+  std::vector<std::string> operations(int count)
+  {
+    std::vector<std::string> all;
+    for (int i = 0; i < count; ++i)
+    {
+      const json operation = server.read();
+      all.push_back(operation["op"].get<std::string>() + " " + operation["topic"].get<std::string>());
+    }
+    return all;
+  }
+
+  RosbridgeServer server;
+  std::chrono::steady_clock::time_point steady{std::chrono::hours(1)};
+  std::int64_t now = 0;
+  std::string place;
+  std::unique_ptr<KV::ros2::Bus> bus;
+};
+
+TEST_F(RosbridgeBus, SubscribesToTheTopicsWithoutAnIdWithTheirTypes)
+{
+  connect();
+  std::set<json> subscribed;
+  for (int i = 0; i < 2; ++i)
+    subscribed.insert(server.read());
+  EXPECT_EQ(
+      (std::set<json>{{{"op", "subscribe"}, {"topic", "/humans/faces/tracked"}, {"type", "hri_msgs/msg/IdsList"}},
+                      {{"op", "subscribe"}, {"topic", "/humans/persons/known"}, {"type", "hri_msgs/msg/IdsList"}}}),
+      subscribed);
+  EXPECT_EQ(2U, bus->counts().readers);
+}
+
+TEST_F(RosbridgeBus, SubscribesToTheTopicsOfIdsAndUnsubscribesWhenTheyAreGoneForTenSeconds)
+{
+  connect();
+  operations(2);
+  server.publish("/humans/faces/tracked", {{"header", header}, {"ids", {"f1", "no id"}}});
+  EXPECT_EQ("/humans/faces/tracked", takeMessage().topic);
+  bus->take();  // the list may come in while messages are taken
+  EXPECT_THAT(operations(1), ElementsAre("subscribe /humans/faces/f1/expression"));
+  server.publish("/humans/persons/known", {{"header", header}, {"ids", {"ada"}}});
+  EXPECT_THAT(follow(), IsEmpty()) << "a list that is not read otherwise";
+  EXPECT_THAT(operations(1), ElementsAre("subscribe /humans/persons/ada/alias"));
+  EXPECT_EQ(4U, bus->counts().readers);
+
+  server.publish("/humans/faces/tracked", {{"header", header}, {"ids", json::array()}});
+  takeMessage();
+  bus->take();
+  now += 10'000'000'000;
+  bus->take();
+  EXPECT_THAT(operations(1), ElementsAre("unsubscribe /humans/faces/f1/expression"));
+}
+
+TEST_F(RosbridgeBus, HandsMessagesOverAsTheBytesThatANodeSends)
+{
+  connect();
+  now = 42;
+  server.publish("/humans/persons/ada/alias", {{"data", "ben"}});
+  const BusMessage message = takeMessage();
+  EXPECT_EQ("/humans/persons/ada/alias", message.topic);
+  EXPECT_EQ(support::stringMessage("ben"), std::string(message.data.begin(), message.data.end()));
+  EXPECT_EQ(42, message.received);
+  EXPECT_EQ(0, message.written) << "rosbridge does not say it";
+  EXPECT_EQ(1U, bus->counts().received);
+}
+
+TEST_F(RosbridgeBus, AdvertisesATopicOnceAndUnadvertisesItWhenItIsWithdrawn)
+{
+  connect();
+  operations(2);
+  KV::ros2::EngagementMessage engagement;
+  engagement.level = 3;
+  bus->publish("/e", engagement);
+  engagement.level = 4;
+  bus->publish("/e", engagement);
+  bus->withdraw("/e");
+  bus->withdraw("/other");
+  EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/e"}, {"type", "hri_msgs/msg/EngagementLevel"}}), server.read());
+  EXPECT_EQ((json{{"op", "publish"}, {"topic", "/e"}, {"msg", {{"header", header}, {"level", 3}}}}), server.read());
+  EXPECT_EQ(4, server.read()["msg"]["level"]);
+  EXPECT_THAT(operations(1), ElementsAre("unadvertise /e"));
+}
+
+TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOne)
+{
+  connect();
+  operations(2);
+  bus->announceTexts("/v");
+  bus->publish("/v", KV::ros2::TextMessage{"hi"});
+  EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}}), server.read());
+  EXPECT_EQ((json{{"op", "publish"}, {"topic", "/v"}, {"msg", {{"data", "hi"}}}}), server.read());
+}
+
+TEST_F(RosbridgeBus, SendsWhatWaitsAndUnadvertisesItsTopicsAtTheEnd)
+{
+  connect();
+  bus->publish("/g", KV::ros2::GazeMessage());
+  bus->publish("/d", KV::ros2::DiagnosticMessage());
+  bus->publish("/a", KV::ros2::ExpressionMessage());
+  bus.reset();
+  EXPECT_FALSE(server.readUntil("publish", "/a").is_null());
+  EXPECT_THAT(operations(3), UnorderedElementsAre("unadvertise /a", "unadvertise /d", "unadvertise /g"));
+  EXPECT_TRUE(server.read().is_null()) << "the connection is closed";
+}
+
+TEST_F(RosbridgeBus, SaysOnceWhyThereIsNoConnectionAndTriesAgainAfterASecond)
+{
+  const unsigned short port = [] { return RosbridgeServer().port(); }();  // on which nothing listens any more
+  open(optionsOf(port));
+  bus->publish("/e", KV::ros2::EngagementMessage());
+  bus->take();
+  EXPECT_EQ("there is no connection with rosbridge at " + place +
+                ": Connection refused; it is tried again in 1 s, and then less often",
+            takeNote());
+  EXPECT_EQ(0U, bus->counts().readers);
+
+  steady += seconds(1);
+  bus->take();
+  follow();
+  EXPECT_THAT(bus->takeNotes(), IsEmpty()) << "the same reason";
+
+  RosbridgeServer late(port);
+  steady += seconds(2) - milliseconds(1);
+  bus->take();  // too early
+  steady += milliseconds(1);
+  bus->take();
+  late.accept();
+  EXPECT_EQ("rosbridge at " + place + " is there again", takeNote());
+  EXPECT_EQ("/e", late.readUntil("advertise", "/e")["topic"]);
+}
+
+TEST_F(RosbridgeBus, SubscribesAndAdvertisesAnewAfterTheConnectionWasLost)
+{
+  connect();
+  server.publish("/humans/faces/tracked", {{"header", header}, {"ids", {"f1"}}});
+  takeMessage();
+  bus->take();
+  bus->publish("/e", KV::ros2::EngagementMessage());
+  server.readUntil("publish", "/e");
+  server.hangUp();
+  EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
+  EXPECT_EQ(0U, bus->counts().writers);
+  steady += seconds(1);
+  bus->take();
+  server.accept();
+  follow();
+  EXPECT_THAT(operations(4), UnorderedElementsAre("subscribe /humans/faces/tracked", "subscribe /humans/persons/known",
+                                                  "subscribe /humans/faces/f1/expression", "advertise /e"));
+  server.publish("/humans/faces/f1/expression", expressionOf("sad"));
+  EXPECT_EQ("sad", wordIn(takeMessage()));
+}
+
+TEST_F(RosbridgeBus, NamesTheMemberOfAMessageThatDoesNotFitOnceForEachTopic)
+{
+  connect();
+  json broken = expressionOf("happy");
+  broken.erase("valence");
+  server.publish("/humans/faces/f1/expression", broken);
+  server.publish("/humans/faces/f1/expression", broken);
+  server.publish("/humans/faces/f1/expression", expressionOf("happy"));
+  EXPECT_EQ("happy", wordIn(takeMessage()));
+  EXPECT_THAT(bus->takeNotes(), ElementsAre("a message on the topic /humans/faces/f1/expression is left out: its "
+                                            "member 'valence': is missing"));
+  EXPECT_EQ(2U, bus->counts().refused);
+  EXPECT_EQ(3U, bus->counts().received);
+}
+
+TEST_F(RosbridgeBus, LeavesOutHostileTextsAndGoesOn)
+{
+  connect();
+  for (const std::string& text : {std::string("{"), std::string(100'000, '['), std::string("[]"), std::string(),
+                                  std::string(R"({"op": "publish", "topic": "/other", "msg": {}})"),
+                                  std::string(R"({"op": "status", "level": "error", "msg": "no such type"})")})
+    server.send(text);
+  server.publish("/humans/faces/f1/expression", expressionOf("happy"));
+  EXPECT_EQ("happy", wordIn(takeMessage()));
+  const std::string left = "a text of rosbridge at " + place + " is left out: ";
+  EXPECT_THAT(bus->takeNotes(),
+              ElementsAre(left + "it is no JSON", left + "it has more than 16 levels", left + "it is no object",
+                          "a message of rosbridge at " + place + " is left out: its topic was not asked for",
+                          "rosbridge at " + place + " says: no such type"));
+  EXPECT_EQ(5U, bus->counts().refused);
+}
+
+TEST_F(RosbridgeBus, EndsAConnectionWithAMessageOfMoreThanFourMebibytes)
+{
+  connect();
+  server.send(std::string((std::size_t{4} << 20U) + 1, ' '));
+  EXPECT_EQ("there is no connection with rosbridge at " + place +
+                ": it sent a message of more than 4194304 bytes; it is tried again in 1 s, and then less often",
+            takeNote());
+}
+
+TEST_F(RosbridgeBus, SaysThatSomethingElseListensThere)
+{
+  open(optionsOf(server.port()));
+  bus->take();
+  server.acceptWithoutWebSocket();
+  EXPECT_EQ("there is no connection with rosbridge at " + place +
+                ": what listens there does not speak WebSocket; it is tried again in 1 s, and then less often",
+            takeNote());
+}
+
+TEST_F(RosbridgeBus, KeepsTheNewestOfTooManyMessages)
+{
+  KV::ros2::RosbridgeOptions options = optionsOf(server.port());
+  options.mostMessages = 1;
+  open(options);
+  bus->take();
+  server.accept();
+  follow();
+  server.publish("/humans/faces/f1/expression", expressionOf("sad"));
+  server.publish("/humans/faces/f1/expression", expressionOf("happy"));
+  server.send(R"({"op": "status", "msg": "all sent"})");
+  // Nothing is taken before the last text is there.
+  while (bus->counts().received < 2)
+  {}
+  const std::vector<BusMessage> messages = bus->take();
+  ASSERT_EQ(1U, messages.size());
+  EXPECT_EQ("happy", wordIn(messages.front()));
+  EXPECT_EQ(1U, bus->counts().dropped);
+}
+
+TEST_F(RosbridgeBus, LeavesOutTheTopicsOfTooManyIdsAndSaysSoOnce)
+{
+  KV::ros2::RosbridgeOptions options = optionsOf(server.port());
+  options.mostReaders = 1;
+  open(options);
+  bus->take();
+  server.accept();
+  follow();
+  server.publish("/humans/faces/tracked", {{"header", header}, {"ids", {"f1", "f2"}}});
+  EXPECT_EQ("there are more than 1 topics to read: those of ids that came later are left out", takeNote());
+  EXPECT_EQ(3U, bus->counts().readers);
+  bus->take();
+  EXPECT_THAT(bus->takeNotes(), IsEmpty());
+}
+
+TEST_F(RosbridgeBus, UsesOtherNamesForTopicsWhereARuleSaysSo)
+{
+  KV::ros2::RosbridgeOptions options = optionsOf(server.port());
+  options.nameOf = [](const std::string& topic) { return "/robot" + topic; };
+  open(options);
+  bus->take();
+  server.accept();
+  follow();
+  EXPECT_THAT(operations(2),
+              UnorderedElementsAre("subscribe /robot/humans/faces/tracked", "subscribe /robot/humans/persons/known"));
+  server.publish("/robot/humans/faces/tracked", {{"header", header}, {"ids", {"f1"}}});
+  EXPECT_EQ("/robot/humans/faces/tracked", takeMessage().topic);
+  bus->take();
+  EXPECT_THAT(operations(1), ElementsAre("subscribe /robot/humans/faces/f1/expression"));
+}
+
+TEST(RosbridgeAddress, IsWrittenAsUsersWriteIt)
+{
+  EXPECT_EQ("ws://robot:9090", textOf(KV::ros2::RosbridgeAddress{"robot"}));
+  EXPECT_EQ("ws://[::1]:80/ros", textOf(KV::ros2::RosbridgeAddress{"::1", "80", "/ros"}));
+}
+
+}  // namespace
