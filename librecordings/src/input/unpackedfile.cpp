@@ -15,6 +15,7 @@
 #include <fstream>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -63,7 +64,7 @@ UnpackedFile::UnpackedFile(const std::string& path)
   _file = mkstemp(pattern.data());
   if (_file < 0)
     fail(path, std::string("cannot be unpacked into a temporary file: ") + std::strerror(errno));
-  _path = pattern;
+  _path = std::move(pattern);
   try
   {
     _unpack(path);
