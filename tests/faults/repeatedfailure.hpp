@@ -11,11 +11,11 @@
 namespace faults
 {
 
-/// Returns the next allocation to fail: each of the first 200, then one in 20 of those so far. A file has thousands,
+/// Returns the next allocation to fail: each of the first 1000, then one in 20 of those so far. A file has thousands,
 /// and the later ones are made by the same code for one step after the other.
 inline std::size_t nextToFail(std::size_t allocation)
 {
-  constexpr std::size_t eachUntil = 200;
+  constexpr std::size_t eachUntil = 1000;
   return allocation < eachUntil ? allocation + 1 : allocation + allocation / 20;
 }
 

@@ -40,7 +40,7 @@ public:
   {}
 
   /// As above; calls `check(depth, event, name)` for each part, with the depths and events of the library's parser
-  /// callback. The name is that of a member, for the event of a key. What it throws ends the parsing.
+  /// callback. The name is that of a member, for the event of a key. An exception of it ends the parsing.
   template <typename Check>
   JsonDocument(std::string_view text, Check check)
     : JsonDocument()  // so that an exception finds a complete object, whose destructor frees the parts so far

@@ -80,7 +80,7 @@ private:
   support::TemporaryFolder _folder;
 };
 
-/// What a recording gave.
+/// The steps and texts of a recording.
 struct Contents
 {
   Contents()

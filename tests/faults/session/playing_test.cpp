@@ -201,6 +201,22 @@ TEST_F(PlayingWithoutMemory, RecordsLiveStepsAsWholeLines)
                  });
 }
 
+/// The text of the error needs memory as well.
+TEST_F(PlayingWithoutMemory, ClosesARecordingWhoseLastStepsCannotBeWritten)
+{
+  const auto reader = KV::recordings::openRecording(recording, "", {});
+  const KV::recordings::Step step = *reader->next();
+  const std::size_t thrown = failRepeatedly(
+      [&step] {
+        auto file = std::make_unique<KV::session::RecordingFile>("/dev/full", true);
+        file->stepBegins(step);
+        return file;
+      },
+      [](std::unique_ptr<KV::session::RecordingFile>& file) { file.reset(); },
+      [](std::unique_ptr<KV::session::RecordingFile>& file, bool) { EXPECT_EQ(nullptr, file); });
+  EXPECT_EQ(0U, thrown);
+}
+
 TEST_F(PlayingWithoutMemory, KeepsALiveRecordingAsWholeLines)
 {
   const auto record = [this](std::string& text) {
