@@ -17,6 +17,7 @@ std::atomic<std::ptrdiff_t> living{0};  // of all threads
 thread_local std::size_t allocations = 0;
 thread_local std::size_t failing = none;  // how many more allocations until the one that fails
 thread_local bool failed = false;
+thread_local Shortage kind = Shortage::OneAllocation;
 
 /// Counts an allocation; returns whether it is allowed.
 bool admit()
@@ -24,7 +25,7 @@ bool admit()
   ++allocations;
   if (failing == none || failing-- > 0)
     return true;
-  failing = none;
+  failing = kind == Shortage::AllFromThere ? 0 : none;
   failed = true;
   return false;
 }
@@ -59,9 +60,10 @@ void release(void* memory)
 
 }  // namespace
 
-AllocationFault::AllocationFault(std::size_t which)
+AllocationFault::AllocationFault(std::size_t which, Shortage shortage)
 {
   failed = false;
+  kind = shortage;
   failing = which;
 }
 

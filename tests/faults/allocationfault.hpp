@@ -5,13 +5,21 @@
 namespace faults
 {
 
-/// While it lives, one allocation by `new` on its thread fails: the one with the number `which`, from 0.
+/// Which allocations fail, from the one with the given number on.
+enum class Shortage
+{
+  OneAllocation,  ///< only that one, as if a large block was wanted
+  AllFromThere    ///< that one and all later ones, as if no memory was left
+};
+
+/// While it lives, an allocation on its thread fails: the one with the number `which`, from 0, and perhaps later ones.
 ///
-/// Every form of `new` of the program counts, including those in its shared libraries.
+/// In programs with allocationfault.cpp, every form of `new` counts, including those in shared libraries. In programs
+/// with mallocfault.cpp, every form of `malloc` counts, so those of libraries in C as well.
 class AllocationFault
 {
 public:
-  explicit AllocationFault(std::size_t which);
+  explicit AllocationFault(std::size_t which, Shortage shortage = Shortage::OneAllocation);
   ~AllocationFault();
   AllocationFault(const AllocationFault&) = delete;
   AllocationFault& operator=(const AllocationFault&) = delete;
@@ -20,10 +28,10 @@ public:
   bool happened() const;
 };
 
-/// Returns how many objects of `new` are alive, on all threads together.
+/// Returns how many allocations are alive, on all threads together.
 std::ptrdiff_t livingAllocations();
 
-/// Returns how often this thread has called `new`.
+/// Returns how often this thread has allocated.
 std::size_t allocationCount();
 
 }  // namespace faults

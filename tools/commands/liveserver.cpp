@@ -98,6 +98,7 @@ std::string reportOf(const session::LiveRecording::Part& part, session::Cycle cy
   origin.version = SKEIGIOT_VERSION;
   origin.made = dateOfMaking();
   std::ostringstream page;
+  page.exceptions(std::ios::badbit);  // else a lack of memory would cut the page
   report.write(page, origin);
   return page.str();
 }

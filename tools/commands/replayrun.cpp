@@ -142,6 +142,8 @@ private:
   {
     std::ostringstream output;
     std::ostringstream errors;
+    output.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
+    errors.exceptions(std::ios::badbit);
     Buffered session;
     session.exports = _exports.spill(_nameOf(i));
     Display display(output, _display.shows());

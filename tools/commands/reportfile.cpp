@@ -60,6 +60,7 @@ std::vector<std::string> linesOf(const std::vector<std::string>& messages)
   for (const std::string& message : messages)
   {
     std::istringstream stream(message);
+    stream.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
     for (std::string line; std::getline(stream, line);)
       lines.push_back(line);
   }

@@ -22,6 +22,7 @@ std::string blanksUpTo(std::size_t width, const std::string& text)
 std::string wrapped(const std::string& text, std::size_t width, std::size_t indentation)
 {
   std::istringstream words(text);
+  words.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
   std::string result;
   std::string line;
   for (std::string word; words >> word;)

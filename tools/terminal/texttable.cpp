@@ -19,6 +19,7 @@ std::vector<std::string> linesOf(const std::string& text)
 {
   std::vector<std::string> lines;
   std::istringstream stream(text);
+  stream.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
   for (std::string line; std::getline(stream, line);)
     lines.push_back(line);
   return lines;

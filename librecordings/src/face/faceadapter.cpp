@@ -127,13 +127,14 @@ void FaceAdapterPrivate::subtractRest(std::vector<float>& scores, const ScoreRea
   boost::optional<RestingFace::Scores>& own = learning->rest.*learned;
   if (!own)
   {
-    own.emplace();
-    own->names = table.names();
+    RestingFace::Scores begun;
+    begun.names = table.names();
     for (const RestingScore& score : table.rest())
     {
-      own->limits.push_back({typical(score), std::min(score.most * scale, 1.f)});
-      own->rest.push_back(own->limits.back().typical);
+      begun.limits.push_back({typical(score), std::min(score.most * scale, 1.f)});
+      begun.rest.push_back(begun.limits.back().typical);
     }
+    own = std::move(begun);  // complete, or not there at all if memory runs out
   }
   own->takeOff(scores, learning->now, options.rest, learning->rest._start);
 }

@@ -2,7 +2,7 @@
 
 #include "face/actionunits.hpp"
 #include "face/emotions.hpp"
-#include "input/jsonvalue.hpp"
+#include "input/jsondocument.hpp"
 #include "tidy/tidyreadings.hpp"
 
 #include <skeigiot/recordings/inputfile.hpp>
@@ -30,6 +30,7 @@ using Json = nlohmann::json;
 constexpr std::size_t largestFile = limits::largestMapping;  // [bytes]
 constexpr int deepestNesting = limits::deepestJson;
 
+using Document = JsonDocument<Json>;
 using Value = JsonValue<Json>;
 
 struct Member
@@ -358,20 +359,19 @@ bool isEmotion(const std::string& name)
   return std::find(emotionNames().begin(), emotionNames().end(), name) != emotionNames().end();
 }
 
-Json parsed(const std::string& file)
+Document parsed(const std::string& file)
 {
   const std::string text = InputFile::head(file, largestFile + 1);
   if (text.size() > largestFile)
     throw Error({file, 0, {}}, "is larger than 1 MiB: this is no mapping");
-  const auto guard = [&file](int depth, Json::parse_event_t, const Json&) {
+  const auto guard = [&file](int depth, Json::parse_event_t, const std::string&) {
     if (depth > deepestNesting)
       throw Error({file, 0, {}}, "is nested too deep: this is no mapping");
-    return true;
   };
   try
   {
     refuseNul(text);
-    return Json::parse(text, guard);
+    return Document(text, guard);
   }
   catch (const JsonError& error)
   {
@@ -395,11 +395,11 @@ Mapping readMapping(const std::string& file)
 
   const ScoreNames actionUnits{isActionUnitName, "the name of an action unit, such as AU06"};
   const ScoreNames emotions{isEmotion, "one of neutral, happy, sad, surprise, fear, disgust, anger"};
-  const Json json = parsed(file);
+  const Document json = parsed(file);
   try
   {
     readObject(
-        Value(json),
+        Value(json.root()),
         {{"actionUnits", [&](const Value& value) { readActionUnits(value, mapping, actionUnits); }},
          {"pyFeatActionUnits",
           [&](const Value& value) { readObject(value, membersWithRest(mapping.pyFeatActionUnits, actionUnits)); }},

@@ -1,20 +1,19 @@
 #include "input/unpackedfile.hpp"
 
 #include "input/bytesource.hpp"
+#include "input/filehead.hpp"
 #include "input/unpacker.hpp"
 
 #include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/recording.hpp>
 
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -48,22 +47,19 @@ void writeAll(int file, const char* bytes, std::size_t count, const std::string&
 
 std::string UnpackedFile::packingOf(const std::string& path)
 {
-  std::array<char, longestPackedMagic> bytes{};
-  std::ifstream file(path, std::ios::binary);
-  file.read(bytes.data(), bytes.size());
-  const std::string_view head(bytes.data(), static_cast<std::size_t>(file.gcount()));
-  if (head.substr(0, gzipMagic.size()) == gzipMagic)
+  const std::string head = headOfFile(path, longestPackedMagic);
+  if (head.compare(0, gzipMagic.size(), gzipMagic) == 0)
     return "gzip";
   return head == zstdMagic ? "zstd" : "";
 }
 
-UnpackedFile::UnpackedFile(const std::string& path)
+UnpackedFile::UnpackedFile(const std::string& path) : _packing(packingOf(path))
 {
   std::string pattern = (std::filesystem::temp_directory_path() / "skeigiot-XXXXXX").string();
   _file = mkstemp(pattern.data());
   if (_file < 0)
     fail(path, std::string("cannot be unpacked into a temporary file: ") + std::strerror(errno));
-  _path = pattern;
+  _path = std::move(pattern);
   try
   {
     _unpack(path);

@@ -17,7 +17,12 @@ public:
   UnpackedFile& operator=(const UnpackedFile&) = delete;
 
   /// Returns the method of compression, "gzip" or "zstd"; empty if the file is not compressed.
+  ///
+  /// \throws Error if the file cannot be read.
   static std::string packingOf(const std::string& path);
+
+  /// Returns the method by which the file was compressed.
+  const std::string& packing() const { return _packing; }
 
   /// Returns the path of the contents.
   const std::string& path() const { return _path; }
@@ -28,6 +33,7 @@ public:
 private:
   void _unpack(const std::string& source);
 
+  std::string _packing;
   std::string _path;
   std::string _fault;
   int _file = -1;

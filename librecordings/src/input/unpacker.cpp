@@ -118,13 +118,21 @@ public:
     std::size_t made = room;
     const std::size_t result = LZ4F_decompress(_context, bytes, &made, packed.data(), &taken, nullptr);
     if (LZ4F_isError(result) != 0)
-      throw UnpackError(LZ4F_getErrorName(result));
+      _refuse(LZ4F_getErrorName(result));
     return {taken, made, result == 0};
   }
 
   void restart() override { LZ4F_resetDecompressionContext(_context); }
 
 private:
+  // The errors of LZ4 have public names, but no public numbers.
+  [[noreturn]] static void _refuse(const std::string& error)
+  {
+    if (error == "ERROR_allocation_failed")
+      throw std::bad_alloc();
+    throw UnpackError(error);
+  }
+
   LZ4F_dctx* _context = nullptr;
 };
 

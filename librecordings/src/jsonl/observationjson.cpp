@@ -1,6 +1,6 @@
 #include <skeigiot/recordings/observationjson.hpp>
 
-#include "input/jsonvalue.hpp"
+#include "input/jsondocument.hpp"
 #include "jsonl/flatjson.hpp"
 #include "jsonl/observationjsontree.hpp"
 
@@ -31,6 +31,7 @@ namespace
 // Numbers with a fraction are single precision from text to text: converted by double, some would be rounded twice.
 using Json =
     nlohmann::basic_json<nlohmann::ordered_map, std::vector, std::string, bool, std::int64_t, std::uint64_t, float>;
+using Document = JsonDocument<Json>;
 
 using TimePoint = ko::SystemClock::time_point;
 
@@ -164,16 +165,16 @@ TimePoint timeOf(std::int64_t nanoseconds)
   return TimePoint(boost::chrono::nanoseconds(nanoseconds));
 }
 
-// Writes the members of one record into a JSON object.
+// Writes the members of one record into a JSON object of a document.
 class ObjectWriter
 {
 public:
-  ObjectWriter(Json& object, TimePoint stepTime) : _object(object), _stepTime(stepTime) {}
+  ObjectWriter(Json& object, TimePoint stepTime) : _object(object), _stepTime(stepTime) { _object = Json::object(); }
 
   template <typename Field>
   void required(const char* name, Field& field)
   {
-    _object[name] = _written(field);
+    _write(Document::member(_object, name), field);
   }
 
   template <typename Field>
@@ -184,66 +185,62 @@ public:
   }
 
 private:
-  static Json _written(bool value) { return value; }
-  static Json _written(std::int32_t value) { return value; }
-  static Json _written(std::uint32_t value) { return value; }
-  static Json _written(std::int64_t value) { return value; }
-  static Json _written(std::string& value) { return value; }
+  static void _write(Json& target, bool value) { target = value; }
+  static void _write(Json& target, std::int32_t value) { target = value; }
+  static void _write(Json& target, std::uint32_t value) { target = value; }
+  static void _write(Json& target, std::int64_t value) { target = value; }
+  static void _write(Json& target, std::string& value) { target = value; }
 
-  static Json _written(float value)
+  static void _write(Json& target, float value)
   {
     if (std::isnan(value))
-      return "NaN";
-    if (std::isinf(value))
-      return value > 0.f ? "Infinity" : "-Infinity";
-    return value;
+      target = "NaN";
+    else if (std::isinf(value))
+      target = value > 0.f ? "Infinity" : "-Infinity";
+    else
+      target = value;
   }
 
   template <typename T>
-  Json _writtenAll(T& values) const
+  void _writeAll(Json& target, T& values) const
   {
-    Json array = Json::array();
+    target = Json::array();
     for (auto& value : values)
-      array.push_back(_written(value));
-    return array;
+      _write(Document::element(target), value);
   }
 
   template <typename T, std::size_t Count>
-  Json _written(std::array<T, Count>& values) const
+  void _write(Json& target, std::array<T, Count>& values) const
   {
-    return _writtenAll(values);
+    _writeAll(target, values);
   }
 
   template <typename T>
-  Json _written(std::vector<T>& values) const
+  void _write(Json& target, std::vector<T>& values) const
   {
-    return _writtenAll(values);
+    _writeAll(target, values);
   }
 
   template <typename T>
-  Json _written(boost::optional<T>& value) const
+  void _write(Json& target, boost::optional<T>& value) const
   {
-    return _written(*value);
+    _write(target, *value);
   }
 
   template <typename T>
-  Json _written(KV::Timestamped<T>& reading) const
+  void _write(Json& target, KV::Timestamped<T>& reading) const
   {
-    Json object = Json::object();
+    ObjectWriter members(target, _stepTime);
     if (reading.time != _stepTime)
-      object["time"] = nanosecondsOf(reading.time);
-    ObjectWriter members(object, _stepTime);
+      Document::member(target, "time") = nanosecondsOf(reading.time);
     visit(members, reading.value);
-    return object;
   }
 
   template <typename T>
-  Json _written(T& record) const
+  void _write(Json& target, T& record) const
   {
-    Json object = Json::object();
-    ObjectWriter members(object, _stepTime);
+    ObjectWriter members(target, _stepTime);
     visit(members, record);
-    return object;
   }
 
   Json& _object;
@@ -581,15 +578,14 @@ private:
 class Guard
 {
 public:
-  bool operator()(int depth, Json::parse_event_t event, const Json& parsed)
+  void operator()(int depth, Json::parse_event_t event, const std::string& name)
   {
     if (depth > deepestNesting || ++_parts > mostParts)
       throw MemberError("", "is nested too deep, or has too many parts, for one step");
     if (event == Json::parse_event_t::object_start)
       _namesAt(depth + 1).clear();
     else if (event == Json::parse_event_t::key)
-      _add(parsed.get_ref<const std::string&>(), _namesAt(depth));
-    return true;
+      _add(name, _namesAt(depth));
   }
 
 private:
@@ -614,13 +610,13 @@ std::string shortened(const std::string& parserMessage)
   return parserMessage.substr(begin == std::string::npos ? 0 : begin, longest);
 }
 
-Json parsed(std::string_view text)
+Document parsed(std::string_view text)
 {
   Guard guard;
   try
   {
     refuseNul(text);
-    return Json::parse(text.begin(), text.end(), std::ref(guard));
+    return Document(text, std::ref(guard));
   }
   catch (const JsonError& error)
   {
@@ -690,7 +686,8 @@ TimePoint& timeIn(StreamLine& line)
 template <typename Line>
 Line readTree(std::string_view text, const boost::optional<TimePoint>& otherwise)
 {
-  const Json object = parsed(text);
+  const Document document = parsed(text);
+  const Json& object = document.root();
   if (!object.is_object())
     throw MemberError("", "expected a JSON object on one line, found " + quote(text));
   try
@@ -739,10 +736,11 @@ Line readLine(std::string_view text, const boost::optional<TimePoint>& otherwise
 std::string stepToJson(const Step& entry)
 {
   Step copy = entry;
-  Json object = {{"time", nanosecondsOf(entry.time)}};
-  ObjectWriter members(object, entry.time);
+  Document document;
+  ObjectWriter members(document.root(), entry.time);
+  Document::member(document.root(), "time") = nanosecondsOf(entry.time);
   visit(members, copy);
-  return object.dump();
+  return document.root().dump();
 }
 
 Step stepFromJson(std::string_view text)

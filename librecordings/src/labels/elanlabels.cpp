@@ -1,5 +1,6 @@
 #include "labels/elanlabels.hpp"
 
+#include "input/xmlmemory.hpp"
 #include "labels/labeltext.hpp"
 
 #include <skeigiot/recordings/error.hpp>
@@ -30,6 +31,7 @@ public:
   {
     const pugi::xml_parse_result result =
         _document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+    throwIfOutOfMemory(result);
     if (!result)
       throw Error({path, lineAt(text, static_cast<std::size_t>(result.offset)), {}},
                   std::string("is damaged or cut: ") + result.description());

@@ -1,5 +1,6 @@
 #include "labels/elanwriting.hpp"
 
+#include "input/xmlmemory.hpp"
 #include "labels/labeltext.hpp"
 
 #include <skeigiot/recordings/error.hpp>
@@ -124,11 +125,11 @@ class ElanEdit
 public:
   explicit ElanEdit(const std::string& text)
   {
-    _document.load_buffer(text.data(), text.size(), parsing, pugi::encoding_utf8);
+    throwIfOutOfMemory(_document.load_buffer(text.data(), text.size(), parsing, pugi::encoding_utf8));
     _root = _document.child("ANNOTATION_DOCUMENT");
     for (pugi::xml_node node : _document.children())
       if (node.type() == pugi::node_declaration && node.attribute("encoding"))
-        node.attribute("encoding").set_value("UTF-8");
+        setValue(node.attribute("encoding"), "UTF-8");
     _timeOrder = _root.child("TIME_ORDER");
     if (!_timeOrder)
       _timeOrder = _append("TIME_ORDER", {"LICENSE", "HEADER"});
@@ -147,7 +148,7 @@ public:
     _addSlots();
     for (pugi::xml_node property : _root.child("HEADER").children("PROPERTY"))
       if (property.attribute("NAME").value() == std::string_view("lastUsedAnnotationId"))
-        property.text().set(std::to_string(_lastAnnotation).c_str());
+        setValue(property.text(), std::to_string(_lastAnnotation));
     _document.save(stream, "    ", pugi::format_default, pugi::encoding_utf8);
   }
 
@@ -228,33 +229,34 @@ private:
         last = node;
     for (const pugi::xml_node node : _root.children(name))
       last = node;
-    return last ? _root.insert_child_after(name, last) : _root.prepend_child(name);
+    return added(last ? _root.insert_child_after(name, last) : _root.prepend_child(name));
   }
 
   void _add(const NewTier& tier)
   {
-    pugi::xml_node node = _lastTier ? _root.insert_child_after("TIER", _lastTier) : _append("TIER", {"TIME_ORDER"});
+    pugi::xml_node node =
+        _lastTier ? added(_root.insert_child_after("TIER", _lastTier)) : _append("TIER", {"TIME_ORDER"});
     _lastTier = node;
-    node.append_attribute("LINGUISTIC_TYPE_REF").set_value(tier.type.c_str());
+    setValue(node.append_attribute("LINGUISTIC_TYPE_REF"), tier.type);
     if (!tier.annotator.empty())
-      node.append_attribute("ANNOTATOR").set_value(allowedText(tier.annotator).c_str());
+      setValue(node.append_attribute("ANNOTATOR"), allowedText(tier.annotator));
     if (!tier.participant.empty())
-      node.append_attribute("PARTICIPANT").set_value(allowedText(tier.participant).c_str());
-    node.append_attribute("TIER_ID").set_value(_freeName(tier.name).c_str());
+      setValue(node.append_attribute("PARTICIPANT"), allowedText(tier.participant));
+    setValue(node.append_attribute("TIER_ID"), _freeName(tier.name));
     for (const Annotation& annotation : tier.annotations)
     {
-      pugi::xml_node added = node.append_child("ANNOTATION").append_child("ALIGNABLE_ANNOTATION");
-      added.append_attribute("ANNOTATION_ID").set_value(("a" + std::to_string(++_lastAnnotation)).c_str());
-      added.append_attribute("TIME_SLOT_REF1").set_value(_slotAt(annotation.from).c_str());
-      added.append_attribute("TIME_SLOT_REF2").set_value(_slotAt(annotation.to).c_str());
-      added.append_child("ANNOTATION_VALUE").text().set(allowedText(*annotation.label).c_str());
+      pugi::xml_node label = added(added(node.append_child("ANNOTATION")).append_child("ALIGNABLE_ANNOTATION"));
+      setValue(label.append_attribute("ANNOTATION_ID"), "a" + std::to_string(++_lastAnnotation));
+      setValue(label.append_attribute("TIME_SLOT_REF1"), _slotAt(annotation.from));
+      setValue(label.append_attribute("TIME_SLOT_REF2"), _slotAt(annotation.to));
+      setValue(added(label.append_child("ANNOTATION_VALUE")).text(), allowedText(*annotation.label));
     }
     if (_types.insert(tier.type).second)
     {
       pugi::xml_node type = _append("LINGUISTIC_TYPE", {"TIME_ORDER", "TIER"});
-      type.append_attribute("GRAPHIC_REFERENCES").set_value("false");
-      type.append_attribute("LINGUISTIC_TYPE_ID").set_value(tier.type.c_str());
-      type.append_attribute("TIME_ALIGNABLE").set_value("true");
+      setValue(type.append_attribute("GRAPHIC_REFERENCES"), "false");
+      setValue(type.append_attribute("LINGUISTIC_TYPE_ID"), tier.type);
+      setValue(type.append_attribute("TIME_ALIGNABLE"), "true");
     }
   }
 
@@ -280,9 +282,9 @@ private:
       while (next && isNotLater(next, time))
         next = next.next_sibling("TIME_SLOT");
       pugi::xml_node slot =
-          next ? _timeOrder.insert_child_before("TIME_SLOT", next) : _timeOrder.append_child("TIME_SLOT");
-      slot.append_attribute("TIME_SLOT_ID").set_value(name.c_str());
-      slot.append_attribute("TIME_VALUE").set_value(std::to_string(time).c_str());
+          added(next ? _timeOrder.insert_child_before("TIME_SLOT", next) : _timeOrder.append_child("TIME_SLOT"));
+      setValue(slot.append_attribute("TIME_SLOT_ID"), name);
+      setValue(slot.append_attribute("TIME_VALUE"), std::to_string(time));
     }
   }
 
@@ -304,6 +306,7 @@ void refuseUnfitElan(const std::string& path, const std::string& text)
 {
   pugi::xml_document document;
   const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size(), parsing, pugi::encoding_utf8);
+  throwIfOutOfMemory(result);
   if (!result)
     throw Error({path, lineAt(text, static_cast<std::size_t>(result.offset)), {}},
                 std::string("is damaged or cut: ") + result.description());

@@ -1,6 +1,6 @@
 #include "mediapipe/facelandmarkerresult.hpp"
 
-#include "input/jsonvalue.hpp"
+#include "input/jsondocument.hpp"
 #include "mediapipe/facetransformation.hpp"
 
 #include <nlohmann/json.hpp>
@@ -19,6 +19,7 @@ using Json = nlohmann::json;
 constexpr double greatestNumber = 1e15;
 constexpr double latestSecond = 9.2e9;  // that a clock in nanoseconds can show
 
+using Document = JsonDocument<Json>;
 using Value = JsonValue<Json>;
 
 // The one of these members that exists; nothing if no member exists, or it is null.
@@ -47,12 +48,12 @@ double numberOf(const Value& value, const std::string& expected)
   return value->get<double>();
 }
 
-Json parsed(const std::string& text)
+Document parsed(const std::string& text)
 {
   refuseNul(text);
   try
   {
-    return Json::parse(text);
+    return Document(text);
   }
   catch (const Json::exception& error)
   {
@@ -168,8 +169,8 @@ std::optional<std::int64_t> readFrame(const Value& result)
 
 FaceLandmarkerResult readFaceLandmarkerResult(const std::string& text)
 {
-  const Json json = parsed(text);
-  const Value root(json);
+  const Document json = parsed(text);
+  const Value root(json.root());
   FaceLandmarkerResult result;
   result.frame = readFrame(root);
   result.timestamp = readTimestamp(root);

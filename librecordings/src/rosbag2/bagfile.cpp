@@ -35,7 +35,7 @@ BagFile::~BagFile() = default;
 
 std::string BagFile::storage() const
 {
-  return _container() + (_unpacked ? ", the file compressed by " + UnpackedFile::packingOf(_path) : "");
+  return _container() + (_unpacked ? ", the file compressed by " + _unpacked->packing() : "");
 }
 
 const std::string& BagFile::_contents() const

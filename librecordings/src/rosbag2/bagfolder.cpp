@@ -1,5 +1,7 @@
 #include "rosbag2/bagfolder.hpp"
 
+#include "input/filehead.hpp"
+
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/recordings/inputlimits.hpp>
 #include <skeigiot/recordings/quote.hpp>
@@ -10,13 +12,18 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
+
+#include <dirent.h>
 
 namespace KV::recordings
 {
@@ -113,6 +120,27 @@ private:
   std::vector<Level> _levels;
 };
 
+// The names of bag files in a folder. The iterator of the standard library ends the process if there is no memory.
+std::set<std::string> bagNamesIn(const std::string& folder)
+{
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(::opendir(folder.c_str()), ::closedir);
+  if (opened == nullptr && errno == ENOMEM)
+    throw std::bad_alloc();
+  if (opened == nullptr)
+    throw Error({folder, 0, {}}, std::string("cannot be read: ") + std::strerror(errno));
+  std::set<std::string> names;
+  errno = 0;
+  while (const dirent* const entry = ::readdir(opened.get()))
+  {
+    if (packingIn(entry->d_name))
+      names.insert(entry->d_name);
+    errno = 0;
+  }
+  if (errno != 0)
+    throw Error({folder, 0, {}}, std::string("cannot be read: ") + std::strerror(errno));
+  return names;
+}
+
 // The names that metadata.yaml lists; empty, with a warning, if it cannot be read.
 std::vector<std::string> listedFiles(const std::string& folder, std::vector<std::string>& warnings)
 {
@@ -122,11 +150,12 @@ std::vector<std::string> listedFiles(const std::string& folder, std::vector<std:
     return {};
   try
   {
-    std::string text(limits::largestBagMetadata + 1, '\0');
-    std::ifstream file(path, std::ios::binary);
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
-    text.resize(static_cast<std::size_t>(file.gcount()));
-    return filesListedIn(text);
+    return filesListedIn(headOfFile(path, limits::largestBagMetadata + 1));
+  }
+  catch (const Error& fault)
+  {
+    warnings.push_back(std::string(fault.what()) + "; so all files of the folder are read");
+    return {};
   }
   catch (const std::runtime_error& fault)
   {
@@ -182,12 +211,7 @@ BagFiles filesOfBag(const std::string& path)
   if (!fs::is_directory(path, error))
     return {{path}, {}};
 
-  std::set<std::string> names;
-  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
-    if (packingIn(entry->path().filename().string()))
-      names.insert(entry->path().filename().string());
-  if (error)
-    throw Error({path, 0, {}}, "cannot be read: " + error.message());
+  const std::set<std::string> names = bagNamesIn(path);
   if (names.empty())
     throw Error({path, 0, {}}, "the folder has no bag file (.mcap or .db3)");
 

@@ -1,14 +1,13 @@
 #include "rosbag2/openbagfile.hpp"
 
+#include "input/filehead.hpp"
 #include "input/unpackedfile.hpp"
 #include "rosbag2/mcapfile.hpp"
 #include "rosbag2/mcaprecords.hpp"
 #include "rosbag2/rosbagdatabase.hpp"
 
-#include <array>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -39,14 +38,6 @@ void expectFile(const std::string& path)
     throw Error({path, 0, {}}, "the file is empty");
 }
 
-std::string headOf(const std::string& path)
-{
-  std::array<char, longestMagic> bytes{};
-  std::ifstream file(path, std::ios::binary);
-  file.read(bytes.data(), bytes.size());
-  return {bytes.data(), static_cast<std::size_t>(file.gcount())};
-}
-
 }  // namespace
 
 bool looksLikeBagFile(const std::string& head)
@@ -60,7 +51,7 @@ std::unique_ptr<BagFile> openBagFile(const std::string& path)
   std::unique_ptr<const UnpackedFile> unpacked;
   if (!UnpackedFile::packingOf(path).empty())
     unpacked = std::make_unique<const UnpackedFile>(path);
-  if (begins(headOf(unpacked ? unpacked->path() : path), anyMcapMagic))
+  if (begins(headOfFile(unpacked ? unpacked->path() : path, longestMagic), anyMcapMagic))
     return std::make_unique<McapFile>(path, std::move(unpacked));
   if (unpacked && !unpacked->fault().empty())
     throw Error({path, 0, {}}, unpacked->fault());

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <new>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
@@ -57,6 +58,12 @@ bool hasJournal(const std::string& path)
   return sizeOfJournal(path) > 0;
 }
 
+void throwIfOutOfMemory(int status)
+{
+  if (status == SQLITE_NOMEM)
+    throw std::bad_alloc();
+}
+
 void configure(sqlite3* database)
 {
   sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
@@ -69,7 +76,8 @@ void configure(sqlite3* database)
   sqlite3_limit(database, SQLITE_LIMIT_WORKER_THREADS, 0);
   // A damaged cell is detected when its page is read; pages are read into SQLite's own memory, so that a file that
   // becomes shorter causes an error and no signal.
-  sqlite3_exec(database, "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0", nullptr, nullptr, nullptr);
+  throwIfOutOfMemory(
+      sqlite3_exec(database, "PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0", nullptr, nullptr, nullptr));
 }
 
 std::string listOf(const std::vector<std::int64_t>& keys)
@@ -138,12 +146,13 @@ void RosbagDatabase::_open(const std::string& file)
   const int status = sqlite3_open_v2(address.c_str(), &database,
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
   _database.reset(database);
+  throwIfOutOfMemory(status);
   if (status != SQLITE_OK)
     _fail(std::string("cannot be opened: ") + sqlite3_errstr(status));
   _size = sizeOf(file) + sizeOfJournal(file);
   _watch = std::make_unique<QueryWatch>(*database, _size);
   if (withJournal)
-    sqlite3_exec(database, "PRAGMA locking_mode = EXCLUSIVE", nullptr, nullptr, nullptr);
+    throwIfOutOfMemory(sqlite3_exec(database, "PRAGMA locking_mode = EXCLUSIVE", nullptr, nullptr, nullptr));
   configure(database);
 }
 
@@ -240,6 +249,7 @@ RosbagDatabase::Statement RosbagDatabase::_prepare(const std::string& sql) const
 {
   sqlite3_stmt* statement = nullptr;
   const int status = sqlite3_prepare_v2(_database.get(), sql.c_str(), -1, &statement, nullptr);
+  throwIfOutOfMemory(status);
   if (status == SQLITE_INTERRUPT)
     _refuseEndless();
   if (status != SQLITE_OK)
@@ -255,6 +265,7 @@ bool RosbagDatabase::_step(sqlite3_stmt& statement) const
     return true;
   if (status == SQLITE_DONE)
     return false;
+  throwIfOutOfMemory(status);
   if (status == SQLITE_INTERRUPT)
     _refuseEndless();
   _fail("the database is damaged or was cut: " + std::string(sqlite3_errmsg(_database.get())));

@@ -1,6 +1,6 @@
 #include "whisper/whispersegments.hpp"
 
-#include "input/jsonvalue.hpp"
+#include "input/jsondocument.hpp"
 #include "input/utf8text.hpp"
 
 #include <nlohmann/json.hpp>
@@ -13,6 +13,7 @@ namespace KV::recordings
 namespace
 {
 using Json = nlohmann::json;
+using Document = JsonDocument<Json>;
 using Value = JsonValue<Json>;
 
 constexpr double latest = 1e5;         // [s] that a transcript may reach
@@ -128,21 +129,25 @@ private:
   WhisperPiece _piece;
 };
 
-}  // namespace
-
-WhisperPiece readWhisperPiece(std::string_view text)
+Document parsed(std::string_view text)
 {
   refuseNul(text);
-  Json json;
   try
   {
-    json = Json::parse(text);
+    return Document(text);
   }
   catch (const Json::exception& error)
   {
     throw JsonError("", "expected a JSON object, but " + withoutErrorCode(error.what()).substr(0, 200));
   }
-  return PieceReader().read(Value(json));
+}
+
+}  // namespace
+
+WhisperPiece readWhisperPiece(std::string_view text)
+{
+  const Document json = parsed(text);
+  return PieceReader().read(Value(json.root()));
 }
 
 }  // namespace KV::recordings

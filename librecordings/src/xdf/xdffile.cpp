@@ -1,6 +1,7 @@
 #include "xdf/xdffile.hpp"
 
 #include "input/utf8text.hpp"
+#include "input/xmlmemory.hpp"
 
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/recordings/quote.hpp>
@@ -194,6 +195,7 @@ void XdfFile::_readHeader(const std::string& text, std::uint32_t id)
     throw Error({_path, 0, {}}, "has more than " + std::to_string(limits::mostXdfStreams) + " streams");
   pugi::xml_document document;
   const pugi::xml_parse_result result = document.load_buffer(text.data(), text.size());
+  throwIfOutOfMemory(result);
   const pugi::xml_node info = document.child("info");
   if (!result || !info)
     throw XdfDamage("the header of stream " + std::to_string(id) + " is no XML with info at its top");

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -27,7 +28,10 @@ mode_t permissionsFor(const std::string& target)
 
 }  // namespace
 
-ReplacedFile::ReplacedFile(const std::string& target, OutputCheck& check) : _name(target), _target(check.admit(target))
+ReplacedFile::ReplacedFile(const std::string& name, std::string path) : _name(name), _target(std::move(path)) {}
+
+// The other constructor has completed the object, so that an exception removes the temporary file.
+ReplacedFile::ReplacedFile(const std::string& target, OutputCheck& check) : ReplacedFile(target, check.admit(target))
 {
   struct stat status = {};
   const bool exists = ::stat(_target.c_str(), &status) == 0;
@@ -71,7 +75,7 @@ void ReplacedFile::_openBeside()
   std::string pattern = (std::filesystem::path(_target).parent_path() / ".skeigiot.XXXXXX").string();
   _fileDescriptor = ::mkostemp(pattern.data(), O_CLOEXEC);
   if (_fileDescriptor >= 0)
-    _temporary = pattern;
+    _temporary = std::move(pattern);
 }
 
 }  // namespace KV::session

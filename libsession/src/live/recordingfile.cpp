@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 
 namespace KV::session
 {
@@ -61,7 +62,12 @@ RecordingFile::RecordingFile(const std::string& path, bool replaces) : _record(s
 
 RecordingFile::~RecordingFile()
 {
-  flush();
+  try
+  {
+    flush();
+  }
+  catch (const std::bad_alloc&)
+  {}  // there is no memory for the text of error(), which nobody can read any more
 }
 
 void RecordingFile::stepBegins(const recordings::Step& step)

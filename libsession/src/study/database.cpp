@@ -111,6 +111,8 @@ void Statement::_refuse(int column, const std::string& expected) const
 std::string Statement::text(int column) const
 {
   const auto* const bytes = reinterpret_cast<const char*>(sqlite3_column_text(_statement.get(), column));
+  if (bytes == nullptr && sqlite3_errcode(_database._handle) == SQLITE_NOMEM)
+    throw std::bad_alloc();
   const auto count = static_cast<std::size_t>(sqlite3_column_bytes(_statement.get(), column));
   return bytes == nullptr ? std::string() : std::string(bytes, count);
 }
@@ -127,23 +129,25 @@ int Statement::columns() const
 
 std::string Statement::nameOf(int column) const
 {
-  return sqlite3_column_name(_statement.get(), column);
+  const char* const name = sqlite3_column_name(_statement.get(), column);
+  if (name == nullptr)
+    throw std::bad_alloc();
+  return name;
 }
 
-Database::Database(const std::string& path, Mode mode) : _path(path)
+Database::Database(const std::string& path) : _path(path) {}
+
+// The other constructor has completed the object, so an exception closes the database.
+Database::Database(const std::string& path, Mode mode) : Database(path)
 {
   // A killed run leaves a transaction to roll back, which needs a connection that could write.
   const int flags = SQLITE_OPEN_READWRITE | (mode == Mode::Read ? 0 : SQLITE_OPEN_CREATE);
   const int code =
       sqlite3_open_v2(mode == Mode::Memory ? "" : path.c_str(), &_handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  if (code == SQLITE_NOMEM)
+    throw std::bad_alloc();
   if (code != SQLITE_OK)
-  {
-    const std::string reason = sqlite3_errstr(code);
-    sqlite3_close_v2(_handle);
-    if (code == SQLITE_NOMEM)
-      throw std::bad_alloc();
-    throw recordings::Error({path, 0, {}}, "cannot be opened: " + reason);
-  }
+    throw recordings::Error({path, 0, {}}, std::string("cannot be opened: ") + sqlite3_errstr(code));
   sqlite3_busy_timeout(_handle, longestWait);
   sqlite3_db_config(_handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(_handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
@@ -160,7 +164,7 @@ void Database::_distrust()
   _mostSteps = limits::mostStepsOfAnyBag + limits::mostStepsPerByte * (error ? 0 : size);
   sqlite3_db_config(_handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
   sqlite3_limit(_handle, SQLITE_LIMIT_LENGTH, static_cast<int>(limits::longestLine));
-  sqlite3_exec(_handle, "PRAGMA query_only = 1", nullptr, nullptr, nullptr);
+  run("PRAGMA query_only = 1");
 }
 
 Database::~Database()

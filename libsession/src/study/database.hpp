@@ -116,6 +116,8 @@ public:
 private:
   friend class Statement;
 
+  explicit Database(const std::string& path);
+
   /// \throws what the InterruptionCheck threw, or std::runtime_error with the file and the error.
   [[noreturn]] void _fail(int code);
   void _distrust();

@@ -291,6 +291,7 @@ private:
   static double _number(const std::string& text, double least, double most, const std::string& which)
   {
     std::istringstream stream(text);
+    stream.exceptions(std::ios::badbit);  // else a lack of memory would look like a wrong number
     stream.imbue(std::locale::classic());
     double number = 0.;
     if (!(stream >> number) || !stream.eof() || !(number >= least && number <= most))
@@ -375,6 +376,7 @@ TomlTable::TomlTable(const std::string& path, const toml::table& table, std::str
 void TomlTable::knowOnly(const std::string& known) const
 {
   std::istringstream words(known);
+  words.exceptions(std::ios::badbit);  // else a lack of memory would cut the list
   const std::set<std::string> names{std::istream_iterator<std::string>(words), {}};
   for (const auto& [key, node] : _table)
   {

@@ -32,6 +32,7 @@ Texts split(const std::string& text, char separator)
 {
   Texts parts;
   std::istringstream stream(text);
+  stream.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
   for (std::string part; std::getline(stream, part, separator);)
     parts.push_back(part);
   return parts;
@@ -314,6 +315,7 @@ std::string draftStudy(const std::string& folder)
 
   const Placeholders placeholders(groups.front());
   std::ostringstream out;
+  out.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
   out << "# A study: which files make one session, and how they are read. Change what is not right, then run\n"
          "# \"skeigiot study check\". Paths are relative to the folder of this file.\n\n[study]\nversion = 1\nname = "
       << quoted(nameOfFolder(folder)) << "\nminimum-length = 5          # seconds; a shorter session is a problem\n";

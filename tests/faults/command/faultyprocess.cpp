@@ -3,12 +3,17 @@
 #include "../allocationfault.hpp"
 #include "support/temporaryfolder.hpp"
 
+#include <sqlite3.h>
+
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <limits>
@@ -20,14 +25,37 @@ namespace
 {
 
 constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
-std::size_t callsUntilKilled = never;
+std::atomic<std::size_t> callsUntilKilled{never};
+std::atomic<std::size_t> callsUntilFull{never};
+std::atomic<bool> wasFull{false};
 
 void countCall()
 {
-  if (callsUntilKilled == never)
-    return;
-  if (callsUntilKilled-- == 0)
+  if (callsUntilKilled != never && callsUntilKilled-- == 0)
     std::raise(SIGKILL);
+}
+
+/// Counts a call that needs room on the disk; returns whether there is any.
+bool hasRoom()
+{
+  if (callsUntilFull == never)
+    return true;
+  if (callsUntilFull > 0)
+  {
+    --callsUntilFull;
+    return true;
+  }
+  wasFull = true;
+  errno = ENOSPC;
+  return false;
+}
+
+/// As above, for a call that writes up to this place: a full disk can still be overwritten.
+bool hasRoomUpTo(int file, off_t end)
+{
+  struct stat status = {};
+  const bool isRegular = file > STDERR_FILENO && ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+  return !isRegular || end <= status.st_size || hasRoom();
 }
 
 }  // namespace
@@ -35,6 +63,7 @@ void countCall()
 // The linker redirects every call that changes files to here: see CMakeLists.txt.
 extern "C" {
 ssize_t __real_write(int file, const void* bytes, size_t count);
+ssize_t __real_pwrite(int file, const void* bytes, size_t count, off_t place);
 int __real_rename(const char* from, const char* to);
 int __real_mkostemp(char* pattern, int flags);
 int __real_fsync(int file);
@@ -45,22 +74,28 @@ int __real_close(int file);
 ssize_t __wrap_write(int file, const void* bytes, size_t count)
 {
   countCall();
-  return __real_write(file, bytes, count);
+  const off_t place = ::lseek(file, 0, SEEK_CUR);
+  return hasRoomUpTo(file, place + static_cast<off_t>(count)) ? __real_write(file, bytes, count) : -1;
+}
+ssize_t __wrap_pwrite(int file, const void* bytes, size_t count, off_t place)
+{
+  countCall();
+  return hasRoomUpTo(file, place + static_cast<off_t>(count)) ? __real_pwrite(file, bytes, count, place) : -1;
 }
 int __wrap_rename(const char* from, const char* to)
 {
   countCall();
-  return __real_rename(from, to);
+  return hasRoom() ? __real_rename(from, to) : -1;
 }
 int __wrap_mkostemp(char* pattern, int flags)
 {
   countCall();
-  return __real_mkostemp(pattern, flags);
+  return hasRoom() ? __real_mkostemp(pattern, flags) : -1;
 }
 int __wrap_fsync(int file)
 {
   countCall();
-  return __real_fsync(file);
+  return hasRoom() ? __real_fsync(file) : -1;
 }
 int __wrap_fchmod(int file, mode_t mode)
 {
@@ -85,7 +120,7 @@ namespace faults
 namespace
 {
 
-constexpr int allocationFailed = 100;  // added to the exit status of the child, which is small
+constexpr int faultHappened = 100;  // added to the exit status of the child, which is small
 
 void redirect(int descriptor, const std::string& path, int flags)
 {
@@ -95,26 +130,46 @@ void redirect(int descriptor, const std::string& path, int flags)
   __real_close(file);
 }
 
-/// Runs in the child; its result is the exit status.
-int runFaulty(std::vector<std::string> arguments, const ProcessFault& fault)
+/// SQLite is a library of its own, which the linker does not redirect. It calls the system through a table.
+void redirectSqlite()
 {
-  std::vector<char*> pointers;
-  for (std::string& argument : arguments)
-    pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
+  static auto* const vfs = sqlite3_vfs_find(nullptr);
+  static const auto truncate = reinterpret_cast<int (*)(int, off_t)>(vfs->xGetSystemCall(vfs, "ftruncate"));
+  const auto replace = [](const char* name, auto* function) {
+    if (vfs->xGetSystemCall(vfs, name) != nullptr)
+      vfs->xSetSystemCall(vfs, name, reinterpret_cast<sqlite3_syscall_ptr>(function));
+  };
+  replace("write", &__wrap_write);
+  replace("pwrite", &__wrap_pwrite);
+  replace("pwrite64", &__wrap_pwrite);
+  replace("unlink", &__wrap_unlink);
+  replace(
+      "ftruncate", +[](int file, off_t size) {
+        countCall();
+        return truncate(file, size);
+      });
+}
+
+/// Runs in the child; its result is the exit status.
+int runFaulty(const std::function<int()>& function, const ProcessFault& fault)
+{
   if (fault.greatestFile)
   {
     const rlimit limit{*fault.greatestFile, *fault.greatestFile};
     ::setrlimit(RLIMIT_FSIZE, &limit);
   }
 
-  const int argc = static_cast<int>(arguments.size());
+  redirectSqlite();
   callsUntilKilled = fault.killedAtCall.value_or(never);
+  callsUntilFull = fault.fullAtCall.value_or(never);
   if (!fault.failingAllocation)
-    return commandMain(argc, pointers.data());
+  {
+    const int status = function();
+    return status + (wasFull ? faultHappened : 0);
+  }
   const AllocationFault failing(*fault.failingAllocation);
-  const int status = commandMain(argc, pointers.data());
-  return status + (failing.happened() ? allocationFailed : 0);
+  const int status = function();
+  return status + (failing.happened() ? faultHappened : 0);
 }
 
 std::string readOneLine(int pipe)
@@ -135,16 +190,26 @@ ProcessResult resultOf(int waited)
   if (WIFSIGNALED(waited))
     return {-WTERMSIG(waited), WTERMSIG(waited) == SIGKILL, "", ""};
   const int status = WEXITSTATUS(waited);
-  return {status % allocationFailed, status >= allocationFailed, "", ""};
+  return {status % faultHappened, status >= faultHappened, "", ""};
 }
 
 }  // namespace
 
 ProcessResult runCommand(const std::vector<std::string>& arguments, const ProcessFault& fault)
 {
-  const replaytests::TemporaryFolder folder;
   std::vector<std::string> all{"skeigiot"};
   all.insert(all.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& argument : all)
+    pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  return runInProcess([&pointers] { return commandMain(static_cast<int>(pointers.size()) - 1, pointers.data()); },
+                      fault);
+}
+
+ProcessResult runInProcess(const std::function<int()>& function, const ProcessFault& fault)
+{
+  const replaytests::TemporaryFolder folder;
   const std::string output = fault.output.empty() ? folder.path("output") : fault.output;
   std::array<int, 2> pipe{-1, -1};
   if (fault.readerLeaves && ::pipe(pipe.data()) != 0)
@@ -155,7 +220,7 @@ ProcessResult runCommand(const std::vector<std::string>& arguments, const Proces
     throw std::runtime_error("no process");
   if (child == 0)
   {
-    redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
+    redirect(STDIN_FILENO, fault.input.empty() ? "/dev/null" : fault.input, O_RDONLY);
     redirect(STDERR_FILENO, folder.path("errors"), O_WRONLY | O_CREAT);
     if (fault.readerLeaves)
     {
@@ -165,7 +230,7 @@ ProcessResult runCommand(const std::vector<std::string>& arguments, const Proces
     }
     else
       redirect(STDOUT_FILENO, output, O_WRONLY | O_CREAT);
-    ::_exit(runFaulty(all, fault));
+    ::_exit(runFaulty(function, fault));
   }
 
   std::string line;

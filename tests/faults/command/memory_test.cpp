@@ -92,6 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(CommandCase{"Replay", {"replay"}, {"--quiet", "--force", "--csv", "EXPORT"}},
                       CommandCase{"ReplayOnSeveralThreads", {"replay", "--separately"}, {}},
                       CommandCase{"Inspect", {"inspect"}, {}},
+                      CommandCase{"Elan", {"replay"}, {"--quiet", "--force", "--eaf", "EXPORT"}},
                       CommandCase{"Agree", {"agree"}, {"--labels", "LABELS", "--force", "--csv", "EXPORT"}},
                       CommandCase{"Why", {"why"}, {"--person", "3", "--at", "0.3", "--json"}}),
     support::RowName());

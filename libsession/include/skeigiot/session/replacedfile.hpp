@@ -39,6 +39,7 @@ public:
   void commit();
 
 private:
+  ReplacedFile(const std::string& name, std::string path);
   void _openBeside();
 
   std::string _name;       // as the user gave it, for errors
