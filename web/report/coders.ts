@@ -116,14 +116,18 @@ export function valueAt({ time, value }: LabelLine, at: number): number {
   return value[before] + ((at - time[before]) / (time[next] - time[before])) * (value[next] - value[before]);
 }
 
+/** Returns the labels of a ribbon at that time. A label without a duration is one of the moment that is nearest to it. */
+export function labelsAt({ from, to, texts }: LabelRibbon, person: Person, time: number): string[] {
+  const moment = nearest(person.time, time);
+  return texts.filter((_, i) => (from[i] === to[i] ? nearest(person.time, from[i]) === moment : from[i] <= time && time < to[i]));
+}
+
 /** Returns the coders' labels at that time, by "coder, what". */
-export function codersAt({ labels }: Person, time: number): { name: string; text: string }[] {
+export function codersAt(person: Person, time: number): { name: string; text: string }[] {
+  const { labels } = person;
   const entries: { name: string; text: string }[] = [];
   for (const ribbon of labels.ribbons) {
-    const { from, to, texts, quantity } = ribbon;
-    const words = texts.filter((_, i) => from[i] <= time && (time < to[i] || from[i] === to[i])).map((text) =>
-      quantity === "zone" ? zoneWord(text) : text,
-    );
+    const words = labelsAt(ribbon, person, time).map((text) => (ribbon.quantity === "zone" ? zoneWord(text) : text));
     if (words.length > 0) entries.push({ name: `${ribbon.coder}, ${subject(ribbon)}`, text: words.join(", ") });
   }
   for (const line of labels.lines) {

@@ -2,7 +2,7 @@
 
 import { Cell, csvText, Table } from "../shared/csv";
 import { binned } from "./changes";
-import { valueAt } from "./coders";
+import { labelsAt, valueAt } from "./coders";
 import { Change, Person, personName, Recording, sourceName } from "./data";
 
 export type FigureName = "estimates" | "comparison" | "inputs" | "valence-pulls" | "attention-pulls" | "room";
@@ -36,9 +36,7 @@ function estimates(recording: Recording, person: Person, span: Span): Table {
       person.attentionConfidence[i],
       recording.zoneNames[person.zone[i]],
       recording.pleasureNames[person.pleasure[i]],
-      ...person.labels.ribbons.map(({ from, to, texts }) =>
-        texts.filter((_, label) => from[label] <= person.time[i] && person.time[i] < to[label]).join("; "),
-      ),
+      ...person.labels.ribbons.map((ribbon) => labelsAt(ribbon, person, person.time[i]).join("; ")),
       ...lines.map((line) => valueAt(line, person.time[i])),
     ]),
   };
