@@ -10,6 +10,7 @@ namespace
 {
 
 constexpr std::size_t mostAtOnce = 200;
+constexpr std::size_t enoughBytesAtOnce = 256 << 10;  // a client has its own copies of them
 
 }  // namespace
 
@@ -68,8 +69,12 @@ EventLog::Read EventLog::read(std::uint64_t from, std::chrono::milliseconds pati
   if (read.tooSlow)
     return read;
   const std::size_t begin = static_cast<std::size_t>(from - _first);
-  for (std::size_t i = begin; i < std::min(_events.size(), begin + mostAtOnce); ++i)
+  std::size_t bytes = 0;
+  for (std::size_t i = begin; i < std::min(_events.size(), begin + mostAtOnce) && bytes < enoughBytesAtOnce; ++i)
+  {
     read.events.push_back({_first + i, _events[i].text});
+    bytes += _events[i].text->size();
+  }
   return read;
 }
 

@@ -66,7 +66,7 @@ public:
   /// Returns the number of the first event that is kept, or will be the first.
   std::uint64_t first() const;
 
-  /// Waits for events from that number on, and returns those that there are, some hundred at most.
+  /// Waits for events from that number on, and returns those that there are: 200 at most, and none after 256 KiB.
   Read read(std::uint64_t from, std::chrono::milliseconds patience) const;
 
 private:

@@ -36,6 +36,18 @@ TEST(EventLog, GivesEachReaderTheEventsFromItsNumberOn)
   EXPECT_EQ("", textsFrom(log, 3));
 }
 
+TEST(EventLog, GivesAReaderWhoIsBehindSoManyEventsAtOnce)
+{
+  EventLog log({seconds(60), std::size_t{4} << 20U});
+  for (int i = 0; i < 201; ++i)
+    log.publish("a", morning);
+  EXPECT_EQ(200U, log.read(1, noWait).events.size());
+  for (int i = 0; i < 4; ++i)
+    log.publish(std::string(100 << 10, 'b'), morning);
+  EXPECT_EQ(3U, log.read(202, noWait).events.size()) << "the third is the first one after which there is enough";
+  EXPECT_EQ(1U, log.read(205, noWait).events.size());
+}
+
 TEST(EventLog, ForgetsEventsThatAreTooOld)
 {
   EventLog log({seconds(60), 1000});

@@ -178,7 +178,7 @@ await test("finds two persons as two, and keeps them apart while they cross", ()
     await page.screenshot({ path: join(work, "two.png") });
     const before = placesIn(await served.recording());
     const [left, right] = [before[0].person, before[1].person];
-    const steps = 24;
+    const steps = 60; // so few pixels a frame as a camera sees of persons who walk past each other
     for (let i = 0; i <= steps; ++i) {
       await page.evaluate((time) => window.cameraSeesAt("crossing", time), (2.5 * Math.PI * i) / steps);
       await look(page, i === 0 ? 6 : 1);
@@ -379,7 +379,7 @@ async function recordVideo(path, seconds) {
 
 await test("looks at a video, and saves what can be inspected and replayed", async () => {
   const video = join(work, "clip.webm");
-  await recordVideo(video, 4);
+  await recordVideo(video, 8); // a slow machine records the last seconds of it only
   const served = await serve("--video", video, "--fps", "10");
   const { page, complaints } = await open(served, { prepare: async () => {} });
   await page.getByText("The video has ended.").waitFor();
@@ -387,7 +387,7 @@ await test("looks at a video, and saves what can be inspected and replayed", asy
   assert.deepEqual(personsIn(steps), [1]);
   assert.equal(steps[0].dated, false);
   const seconds = (BigInt(Math.round(steps.at(-1).time / 1e6)) - BigInt(Math.round(steps[0].time / 1e6))) / 1000n;
-  assert.ok(seconds >= 2n && seconds <= 5n, `${seconds} s`);
+  assert.ok(seconds >= 2n && seconds <= 9n, `${seconds} s`);
   const saved = join(work, "video.jsonl");
   writeFileSync(saved, await (await fetch(new URL(`/recording.jsonl${new URL(served.address).search}`, served.address))).text());
   assert.match(execFileSync(command, ["inspect", saved]).toString(), /person/i);
