@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -313,6 +314,46 @@ TEST_F(Source, SaysWhyAMessageAboutAScopeIsLeftOut)
     EXPECT_EQ(1U, source.status().refused);
   }
 }
+
+struct SoftBiometricsCase
+{
+  const char* name;
+  std::string message;
+  const char* found;  // age and gender
+};
+
+class SoftBiometricsInSource : public Source, public ::testing::WithParamInterface<SoftBiometricsCase>
+{};
+
+TEST_P(SoftBiometricsInSource, GoWithTheNextFrameOfTheFace)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.add("/tf", face("f"), begin);
+  bus.add("/humans/faces/f/softbiometrics", GetParam().message, begin + second / 10);
+  bus.add("/tf", face("f"), begin + second / 5);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(2U, steps.all.size());
+  const KV::PersonObservation& seen = steps.all[1].observation;
+  std::ostringstream found;
+  if (seen.age)
+    found << seen.age->value.value << " years, " << seen.age->value.confidence << " ";
+  if (seen.gender)
+    found << (seen.gender->value.value ? "true" : "false") << ", " << seen.gender->value.confidence;
+  EXPECT_EQ(GetParam().found, found.str());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, SoftBiometricsInSource,
+    ::testing::Values(
+        SoftBiometricsCase{"Female", support::softBiometricsMessage(30, 0.5f, 1, 0.75f), "30 years, 0.5 true, 0.75"},
+        SoftBiometricsCase{"Male", support::softBiometricsMessage(30, 0.5f, 2, 0.75f), "30 years, 0.5 false, 0.75"},
+        SoftBiometricsCase{"OfAnotherGender", support::softBiometricsMessage(30, 0.5f, 3, 0.75f), "30 years, 0.5 "},
+        SoftBiometricsCase{"WithoutAGender", support::softBiometricsMessage(30, 0.5f, 0, 0.f), "30 years, 0.5 "},
+        SoftBiometricsCase{"WithoutConfidence", support::softBiometricsMessage(30, 0.f, 1, 0.f), ""},
+        SoftBiometricsCase{"WithAConfidenceThatIsNoNumber", support::softBiometricsMessage(30, std::nanf(""), 1, 1.f),
+                           "true, 1"}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 /// The robot's own head.
 class RobotHeadInSource : public Source
