@@ -120,7 +120,7 @@ void RosbagCycles::landmarks(const std::string& face, const RosLandmarks& landma
   _readingOf(face).pending.facialPoints.emplace(_now, *readingsOf(landmarks).facialPoints);
 }
 
-// A guess without any confidence is none.
+// A guess without any confidence is left out.
 void RosbagCycles::softBiometrics(const std::string& face, const RosSoftBiometrics& found)
 {
   const bool isAgeKnown = found.ageConfidence > 0.f;
