@@ -75,6 +75,9 @@ void fuzzRosMessages(std::string_view input)
       [](RosData& data) { KV::recordings::readActionUnits(data); },
       [](RosData& data) { KV::recordings::readLandmarks(data); },
       [](RosData& data) { KV::recordings::readSpeech(data); },
+      [](RosData& data) { KV::recordings::readSoftBiometrics(data); },
+      [](RosData& data) { KV::recordings::readJointStates(data); },
+      [](RosData& data) { KV::recordings::readClock(data); },
       [](RosData& data) { KV::recordings::readString(data); },
       [](RosData& data) { KV::recordings::readBool(data); }};
   for (const auto& reader : readers)

@@ -303,7 +303,7 @@ void addBusOptions(CLI::App& command, Arguments& arguments)
 std::vector<std::string> parseJoints(const std::string& text)
 {
   constexpr std::size_t longestName = 200;
-  const std::vector<std::string> names = CLI::detail::split(text, ',');
+  std::vector<std::string> names = CLI::detail::split(text, ',');
   const auto isName = [](const std::string& name) { return !name.empty() && name.size() <= longestName; };
   if (names.empty() || names.size() > 2 || !std::all_of(names.begin(), names.end(), isName))
     throw std::invalid_argument("expected the name of a joint, or two with ',' between them, found " +

@@ -43,6 +43,8 @@ void Ros4hriDispatch::take(const RosTopic& topic, RosData& data)
       return _cycles.actionUnits(topic.id, readActionUnits(data));
     case RosTopicKind::Landmarks:
       return _cycles.landmarks(topic.id, readLandmarks(data));
+    case RosTopicKind::SoftBiometrics:
+      return _cycles.softBiometrics(topic.id, readSoftBiometrics(data));
     case RosTopicKind::Speaking:
       return _cycles.speaking(topic.id, readBool(data));
     case RosTopicKind::Speech:

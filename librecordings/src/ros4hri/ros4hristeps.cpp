@@ -120,6 +120,22 @@ void RosbagCycles::landmarks(const std::string& face, const RosLandmarks& landma
   _readingOf(face).pending.facialPoints.emplace(_now, *readingsOf(landmarks).facialPoints);
 }
 
+// A guess without any confidence is left out.
+void RosbagCycles::softBiometrics(const std::string& face, const RosSoftBiometrics& found)
+{
+  const bool isAgeKnown = found.ageConfidence > 0.f;
+  const bool isGenderKnown = found.genderConfidence > 0.f &&
+                             (found.gender == RosSoftBiometrics::female || found.gender == RosSoftBiometrics::male);
+  if (!isAgeKnown && !isGenderKnown)
+    return;
+  KV::PersonObservation& pending = _readingOf(face).pending;
+  if (isAgeKnown)
+    pending.age.emplace(_now, KV::ValueConfidence<unsigned int>(found.age, found.ageConfidence));
+  if (isGenderKnown)
+    pending.gender.emplace(
+        _now, KV::ValueConfidence<bool>(found.gender == RosSoftBiometrics::female, found.genderConfidence));
+}
+
 void RosbagCycles::speaking(const std::string& voice, bool speaks)
 {
   const auto person = _persons.ofVoice(voice);

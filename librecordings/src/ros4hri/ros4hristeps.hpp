@@ -51,6 +51,7 @@ public:
   void expression(const std::string& face, const RosExpression& expression);
   void actionUnits(const std::string& face, const RosActionUnits& units);
   void landmarks(const std::string& face, const RosLandmarks& landmarks);
+  void softBiometrics(const std::string& face, const RosSoftBiometrics& found);
   void speaking(const std::string& voice, bool speaks);
   void joints(const RosJointStates& states);
 

@@ -19,13 +19,14 @@ struct Pattern
   std::string_view type;
 };
 
-constexpr std::array<Pattern, 12> patterns{{
+constexpr std::array<Pattern, 13> patterns{{
     {"/tf", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
     {"/tf_static", "", RosTopicKind::Transforms, "tf2_msgs/msg/TFMessage"},
     {"/humans/faces/tracked", "", RosTopicKind::TrackedFaces, "hri_msgs/msg/IdsList"},
     {"/humans/faces/", "/expression", RosTopicKind::Expression, "hri_msgs/msg/Expression"},
     {"/humans/faces/", "/facs", RosTopicKind::ActionUnits, "hri_msgs/msg/FacialActionUnits"},
     {"/humans/faces/", "/landmarks", RosTopicKind::Landmarks, "hri_msgs/msg/FacialLandmarks"},
+    {"/humans/faces/", "/softbiometrics", RosTopicKind::SoftBiometrics, "hri_msgs/msg/SoftBiometrics"},
     {"/humans/persons/", "/face_id", RosTopicKind::FaceOfPerson, "std_msgs/msg/String"},
     {"/humans/persons/", "/voice_id", RosTopicKind::VoiceOfPerson, "std_msgs/msg/String"},
     {"/humans/persons/", "/alias", RosTopicKind::AliasOfPerson, "std_msgs/msg/String"},

@@ -15,6 +15,7 @@ enum class RosTopicKind
   Expression,
   ActionUnits,
   Landmarks,
+  SoftBiometrics,
   FaceOfPerson,
   VoiceOfPerson,
   AliasOfPerson,

@@ -92,6 +92,14 @@ RosTransform transformOf(Message& message)
   return transform;
 }
 
+std::vector<double> doublesOf(Message& message)
+{
+  std::vector<double> numbers(message.count(sizeof(double)));
+  for (double& number : numbers)
+    number = message.read<double>();
+  return numbers;
+}
+
 }  // namespace
 
 std::vector<RosTransform> readTransforms(RosData& data)
@@ -157,6 +165,19 @@ RosLandmarks readLandmarks(RosData& data)
   });
 }
 
+RosSoftBiometrics readSoftBiometrics(RosData& data)
+{
+  return guarded(data, [](Message& message) {
+    message.header();
+    RosSoftBiometrics found;
+    found.age = message.read<std::uint8_t>();
+    found.ageConfidence = message.read<float>();
+    found.gender = message.read<std::uint8_t>();
+    found.genderConfidence = message.read<float>();
+    return found;
+  });
+}
+
 RosSpeech readSpeech(RosData& data)
 {
   return guarded(data, [](Message& message) {
@@ -176,9 +197,9 @@ RosJointStates readJointStates(RosData& data)
     joints.names.resize(message.count(smallestText));
     for (std::string& name : joints.names)
       name = message.read<std::string>();
-    joints.positions.resize(message.count(sizeof(double)));
-    for (double& position : joints.positions)
-      position = message.read<double>();
+    joints.positions = doublesOf(message);
+    doublesOf(message);  // velocities
+    doublesOf(message);  // efforts
     return joints;
   });
 }

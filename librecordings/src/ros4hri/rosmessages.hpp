@@ -49,6 +49,18 @@ struct RosSpeech
   std::string final;
 };
 
+/// hri_msgs/msg/SoftBiometrics
+struct RosSoftBiometrics
+{
+  static constexpr std::uint8_t female = 1;
+  static constexpr std::uint8_t male = 2;
+
+  std::uint8_t age = 0;
+  float ageConfidence = 0.f;
+  std::uint8_t gender = 0;  ///< female, male, or neither is known
+  float genderConfidence = 0.f;
+};
+
 /// sensor_msgs/msg/JointState, as far as it is read
 struct RosJointStates
 {
@@ -66,6 +78,7 @@ RosIdsList readIdsList(RosData& data);
 RosExpression readExpression(RosData& data);
 RosActionUnits readActionUnits(RosData& data);
 RosLandmarks readLandmarks(RosData& data);
+RosSoftBiometrics readSoftBiometrics(RosData& data);
 RosSpeech readSpeech(RosData& data);
 RosJointStates readJointStates(RosData& data);
 std::int64_t readClock(RosData& data);  ///< rosgraph_msgs/msg/Clock: [ns], not below 0

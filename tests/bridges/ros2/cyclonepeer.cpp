@@ -143,6 +143,11 @@ void fill(const hri_msgs_msg_dds__Gaze_& sample, Received& received)
   received.text = sample.sender;
 }
 
+void fill(const std_msgs_msg_dds__String_& sample, Received& received)
+{
+  received.text = sample.data;
+}
+
 void fill(const diagnostic_msgs_msg_dds__DiagnosticArray_& sample, Received& received)
 {
   received.stamp = stampOf(sample.header);
@@ -403,6 +408,8 @@ void CyclonePeer::_take()
       takeAll<hri_msgs_msg_dds__Expression_>(reader, topic, _received);
     else if (type == &hri_msgs_msg_dds__Gaze__desc)
       takeAll<hri_msgs_msg_dds__Gaze_>(reader, topic, _received);
+    else if (type == &std_msgs_msg_dds__String__desc)
+      takeAll<std_msgs_msg_dds__String_>(reader, topic, _received);
     else if (type == &diagnostic_msgs_msg_dds__DiagnosticArray__desc)
       takeAll<diagnostic_msgs_msg_dds__DiagnosticArray_>(reader, topic, _received);
     else

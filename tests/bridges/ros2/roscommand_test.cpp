@@ -280,6 +280,34 @@ TEST_F(RosCommand, HasOtherNamesAndParametersAsALaunchFileOfRosGivesThem)
   EXPECT_EQ(0, node->stop()) << node->errors();
 }
 
+TEST_F(RosCommand, StartsAndStopsAScopeByATopicAndPublishesTheVerdict)
+{
+  const std::string scopes = "/skeigiot/scopes";
+  const std::string expression = "/humans/faces/z/expression";
+  peer.write(scopes);
+  peer.write(expression);
+  peer.read("/skeigiot/verdicts");
+  start({"--record", folder.path("record.jsonl"), "--cycle", "recorded"});
+  ASSERT_TRUE(peer.waitForReaders()) << node->errors();
+  ASSERT_TRUE(peer.waitForWriter("/skeigiot/verdicts")) << "it is announced before the first one";
+
+  peer.send(scopes, support::stringMessage(R"({"startScope": "greeting"})"), begin);
+  ASSERT_TRUE(peer.waitForAcknowledgments());
+  peer.send(expression, support::expressionMessage("happy", 0.9f, 0.8f), begin);
+  EXPECT_TRUE(waitForDiagnostics([](const Received& received) { return received.values.at("persons") == "1"; }));
+  peer.send(scopes, support::stringMessage(R"({"stopScope": "greeting"})"), begin);
+
+  const auto isVerdict = [](const Received& received) { return received.topic == "/skeigiot/verdicts"; };
+  ASSERT_TRUE(peer.waitFor(isVerdict)) << node->errors();
+  const std::vector<Received>& received = peer.received();
+  const nlohmann::json verdict = nlohmann::json::parse(std::find_if(received.begin(), received.end(), isVerdict)->text);
+  EXPECT_EQ("greeting", verdict["scope"]);
+  EXPECT_EQ("complete", verdict["end"]);
+  EXPECT_EQ("z", verdict["persons"][0]["id"]);
+  EXPECT_EQ(0, node->stop()) << node->errors();
+  EXPECT_NE(std::string::npos, textOf(folder.path("record.jsonl")).find("greeting"));
+}
+
 TEST_F(RosCommand, AnswersForAPersonWhoIsOnlyHeardUnderTheIdOfTheAlias)
 {
   const std::string answers = "/humans/persons/ada/engagement_status";

@@ -7,6 +7,7 @@
 #include <boost/chrono/duration.hpp>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <stdexcept>
@@ -72,7 +73,17 @@ TEST_F(LiveMessages, HaveTheTypesOfRos4hri)
   EXPECT_EQ("std_msgs/msg/String", Ros4hriInput::typeOf("/humans/persons/a/voice_id"));
   EXPECT_EQ("std_msgs/msg/String", Ros4hriInput::typeOf("/humans/persons/a/alias"));
   EXPECT_EQ("std_msgs/msg/Bool", Ros4hriInput::typeOf("/humans/persons/a/anonymous"));
+  EXPECT_EQ("hri_msgs/msg/SoftBiometrics", Ros4hriInput::typeOf("/humans/faces/a/softbiometrics"));
+  EXPECT_EQ("sensor_msgs/msg/JointState", Ros4hriInput::typeOf("/joint_states"));
+  EXPECT_EQ("", Ros4hriInput::typeOf("/humans/faces/a/roi"));
   EXPECT_EQ("", Ros4hriInput::typeOf("/camera/image"));
+  for (std::string topic : Ros4hriInput::topics())
+  {
+    if (const std::size_t star = topic.find('*'); star != std::string::npos)
+      topic.replace(star, 1, "a");
+    EXPECT_NE("", Ros4hriInput::typeOf(topic)) << topic;
+  }
+  EXPECT_EQ(4U, Ros4hriInput::lists().size());
 }
 
 TEST(CharactersOfIds, AreLettersDigitsAndTheUnderscore)

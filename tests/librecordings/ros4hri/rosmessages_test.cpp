@@ -147,6 +147,11 @@ INSTANTIATE_TEST_SUITE_P(
                     [](RosData& d) { KV::recordings::readExpression(d); }},
         MessageCase{"ActionUnits", actionUnitsMessage(), [](RosData& d) { KV::recordings::readActionUnits(d); }},
         MessageCase{"Landmarks", landmarksMessage(), [](RosData& d) { KV::recordings::readLandmarks(d); }},
+        MessageCase{"SoftBiometrics", support::softBiometricsMessage(30, 0.5f, 1, 0.75f),
+                    [](RosData& d) { KV::recordings::readSoftBiometrics(d); }},
+        MessageCase{"Joints", support::jointStatesMessage({"a", "b"}, {1., 2.}),
+                    [](RosData& d) { KV::recordings::readJointStates(d); }},
+        MessageCase{"Clock", support::clockMessage(1'500'000'000), [](RosData& d) { KV::recordings::readClock(d); }},
         MessageCase{"Text", support::stringMessage("abc"), [](RosData& d) { KV::recordings::readString(d); }},
         MessageCase{"Truth", support::boolMessage(true), [](RosData& d) { KV::recordings::readBool(d); }}),
     [](const auto& tested) { return std::string(tested.param.name); });
@@ -165,6 +170,18 @@ TEST(RosMessages, AreRefusedWhereTheyLieAboutTheirLength)
   {
     EXPECT_STREQ("claims 4294967295 elements, but has 20 bytes left", error.what());
   }
+}
+
+TEST(RosMessages, OfAClockAreTimesFromZeroOn)
+{
+  RosData time = dataOf(support::clockMessage(1'500'000'000));
+  EXPECT_EQ(1'500'000'000, KV::recordings::readClock(time));
+  RosData before = dataOf(support::clockMessage(-2'000'000'000));
+  EXPECT_THROW(KV::recordings::readClock(before), RosMessageError);
+  CdrWriter writer;
+  writer << std::int32_t{1} << std::uint32_t{1'000'000'000};
+  RosData tooManyNanoseconds = dataOf(writer.bytes());
+  EXPECT_THROW(KV::recordings::readClock(tooManyNanoseconds), RosMessageError);
 }
 
 TEST(RosMessages, AreRefusedInOtherFormats)

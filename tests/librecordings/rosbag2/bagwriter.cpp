@@ -69,6 +69,11 @@ std::string clockMessage(std::int64_t nanoseconds)
       .bytes();
 }
 
+std::string softBiometricsMessage(std::uint8_t age, float ageConfidence, std::uint8_t gender, float genderConfidence)
+{
+  return (CdrWriter().header("") << age << ageConfidence << gender << genderConfidence).bytes();
+}
+
 std::string speechMessage(const std::string& incremental, const std::string& final)
 {
   CdrWriter writer;

@@ -60,6 +60,7 @@ std::string stringMessage(const std::string& text);
 std::string boolMessage(bool value);
 std::string jointStatesMessage(const std::vector<std::string>& names, const std::vector<double>& positions);
 std::string clockMessage(std::int64_t nanoseconds);
+std::string softBiometricsMessage(std::uint8_t age, float ageConfidence, std::uint8_t gender, float genderConfidence);
 std::string speechMessage(const std::string& incremental, const std::string& final);
 
 /// A quaternion x, y, z, w that turns by so many degrees about an axis.

@@ -44,7 +44,7 @@ TEST(RosOptions, NameOneOrTwoJointsOfTheHeadOrTheFrameOfTheBody)
                   .errors.find("--head-joints: expected the name of a joint, or two with ',' between them, found '" +
                                std::string(joints) + "'"));
   EXPECT_NE(std::string::npos, runCommand({"ros", "--head-joints", "pan", "--head-base", "base_link"})
-                                   .errors.find("--head-base excludes --head-joints"));
+                                   .errors.find("--head-joints excludes --head-base"));
 }
 
 TEST(RosOptions, TakeTheTimeOfASimulationOrOfWriters)

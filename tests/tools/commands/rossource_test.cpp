@@ -1,6 +1,7 @@
 #include "commands/rossource.hpp"
 
 #include "librecordings/rosbag2/bagwriter.hpp"
+#include "ros/rosanswers.hpp"
 #include "tools/ros/fakebus.hpp"
 
 #include <skeigiot/session/scopes.hpp>
@@ -9,11 +10,14 @@
 
 #include <boost/chrono/duration.hpp>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -314,6 +318,46 @@ TEST_F(Source, SaysWhyAMessageAboutAScopeIsLeftOut)
   }
 }
 
+struct SoftBiometricsCase
+{
+  const char* name;
+  std::string message;
+  const char* found;  // age and gender
+};
+
+class SoftBiometricsInSource : public Source, public ::testing::WithParamInterface<SoftBiometricsCase>
+{};
+
+TEST_P(SoftBiometricsInSource, GoWithTheNextFrameOfTheFace)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  bus.add("/tf", face("f"), begin);
+  bus.add("/humans/faces/f/softbiometrics", GetParam().message, begin + second / 10);
+  bus.add("/tf", face("f"), begin + second / 5);
+  source.take(true);
+  source.finish();
+  ASSERT_EQ(2U, steps.all.size());
+  const KV::PersonObservation& seen = steps.all[1].observation;
+  std::ostringstream found;
+  if (seen.age)
+    found << seen.age->value.value << " years, " << seen.age->value.confidence << " ";
+  if (seen.gender)
+    found << (seen.gender->value.value ? "true" : "false") << ", " << seen.gender->value.confidence;
+  EXPECT_EQ(GetParam().found, found.str());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Messages, SoftBiometricsInSource,
+    ::testing::Values(
+        SoftBiometricsCase{"Female", support::softBiometricsMessage(30, 0.5f, 1, 0.75f), "30 years, 0.5 true, 0.75"},
+        SoftBiometricsCase{"Male", support::softBiometricsMessage(30, 0.5f, 2, 0.75f), "30 years, 0.5 false, 0.75"},
+        SoftBiometricsCase{"OfAnotherGender", support::softBiometricsMessage(30, 0.5f, 3, 0.75f), "30 years, 0.5 "},
+        SoftBiometricsCase{"WithoutAGender", support::softBiometricsMessage(30, 0.5f, 0, 0.f), "30 years, 0.5 "},
+        SoftBiometricsCase{"WithoutConfidence", support::softBiometricsMessage(30, 0.f, 1, 0.f), ""},
+        SoftBiometricsCase{"WithAConfidenceThatIsNoNumber", support::softBiometricsMessage(30, std::nanf(""), 1, 1.f),
+                           "true, 1"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
 /// The robot's own head.
 class RobotHeadInSource : public Source
 {
@@ -546,6 +590,94 @@ TEST_F(SourceOfASimulation, NamesATimeThatCannotBeRead)
   ASSERT_EQ(1U, notes.size());
   EXPECT_EQ(0U, notes[0].find("a message on the topic /clock is left out: ")) << notes[0];
   EXPECT_EQ(2U, source.status().refused);
+}
+
+/// Many persons, and what is published about them. The time is simulated, so that all of it is as the test says.
+class CrowdInSource : public ::testing::Test
+{
+protected:
+  static RosSourceOptions options()
+  {
+    RosSourceOptions options;
+    options.times = RosTimes::Simulated;
+    return options;
+  }
+
+  void takeAt(std::int64_t clock, const std::vector<std::string>& faces)
+  {
+    bus.add("/clock", support::clockMessage(clock), begin);
+    bus.add("/humans/faces/tracked", support::idsMessage(faces), begin);
+    std::vector<support::FrameMessage> frames;
+    for (const std::string& id : faces)
+      frames.push_back(support::faceFrame(id, {0., 0., 1.5}));
+    bus.add("/tf", support::tfMessage(frames), begin);
+  }
+
+  rostests::FakeBus bus;
+  KV::tools::RosAnswers answers{bus};
+  int left = 0;
+  RosSource source{bus,
+                   options(),
+                   {{&answers},
+                    [this](std::int32_t person) {
+                      answers.remove(person);
+                      ++left;
+                    }},
+                   [] { return KV::session::TimePoint(KV::session::Duration(begin)); }};
+};
+
+TEST_F(CrowdInSource, LeavesNothingOfIdsThatComeAndGoAThousandTimes)
+{
+  constexpr int ids = 1000;
+  constexpr std::int64_t between = 62 * second;  // longer than persons are remembered
+  for (int i = 0; i < ids; ++i)
+  {
+    const std::string number = std::to_string(i);
+    takeAt(i * between, {"f" + number});
+    bus.add("/humans/persons/p" + number + "/face_id", support::stringMessage("f" + number), begin);
+    takeAt(i * between + second, {"f" + number});
+    takeAt(i * between + 2 * second, {});
+    source.take(true);
+    ASSERT_LE(answers.persons(), 2U) << number;
+  }
+  source.finish();
+
+  EXPECT_EQ(0U, source.status().refused);
+  EXPECT_TRUE(source.takeNotes().empty());
+  EXPECT_GE(left, ids - 1);
+  EXPECT_LE(answers.persons(), 2U);
+  // Each had topics as a face, and then as a person.
+  const auto areOfAPerson = [](const auto& topic) { return topic.first.rfind("/humans/persons/p", 0) == 0; };
+  EXPECT_EQ(ids, std::count_if(bus.engagements.begin(), bus.engagements.end(), areOfAPerson));
+  EXPECT_GE(bus.withdrawn.size(), static_cast<std::size_t>(2 * (ids - 1)));
+}
+
+TEST_F(CrowdInSource, AnswersEachOfAHundredPersonsWithEachCycle)
+{
+  constexpr int persons = 100;
+  constexpr int frames = 30;
+  std::vector<std::string> faces;
+  for (int i = 0; i < persons; ++i)
+    faces.push_back("f" + std::to_string(i));
+  for (int frame = 0; frame < frames; ++frame)
+  {
+    takeAt(frame * second / 10, faces);
+    source.take(true);
+  }
+  source.finish();
+
+  EXPECT_EQ(0U, source.status().refused);
+  EXPECT_EQ(0, left);
+  EXPECT_EQ(static_cast<std::size_t>(persons), answers.persons());
+  ASSERT_EQ(static_cast<std::size_t>(persons), bus.engagements.size());
+  const std::size_t answersOfFirst = bus.engagements.begin()->second.size();
+  EXPECT_GE(answersOfFirst, static_cast<std::size_t>(frames) - 1);
+  for (const auto& [topic, messages] : bus.engagements)
+    EXPECT_EQ(answersOfFirst, messages.size()) << topic;
+  std::set<std::string> looking;
+  for (const auto& gaze : bus.gazes["/humans/interactions/gazing"])
+    looking.insert(gaze.sender);
+  EXPECT_EQ(static_cast<std::size_t>(persons), looking.size());
 }
 
 TEST(TopicsOfTheSource, AreThoseThatTheOptionsAskFor)

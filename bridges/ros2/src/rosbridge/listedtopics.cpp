@@ -102,8 +102,12 @@ std::vector<std::string> ListedTopics::_topicsOf(const std::string& prefix, cons
 {
   std::vector<std::string> topics;
   for (const std::string& suffix : group.suffixes)
-    if (std::string topic = prefix + id + suffix; _isRead(topic))
+  {
+    std::string topic = prefix;
+    topic.append(id).append(suffix);
+    if (_isRead(topic))
       topics.push_back(std::move(topic));
+  }
   return topics;
 }
 

@@ -166,8 +166,9 @@ private:
 
   float _float(const Json& json) const
   {
+    constexpr auto greatest = static_cast<double>(std::numeric_limits<float>::max());
     const double number = _double(json);
-    if (std::abs(number) > double{std::numeric_limits<float>::max()})
+    if (std::abs(number) > greatest)
       return number > 0. ? std::numeric_limits<float>::infinity() : -std::numeric_limits<float>::infinity();
     return static_cast<float>(number);
   }
