@@ -30,7 +30,8 @@ export default defineConfig({
     setupFiles: ["test/setup.ts"],
     include: ["test/**/*.test.ts"],
     pool: "threads",
-    poolOptions: { threads: { maxThreads: 1, minThreads: 1 } },
+    poolOptions: { threads: { maxThreads: 1, minThreads: 1, isolate: false } }, // loading jsdom takes longer than most tests
+    server: { deps: { inline: ["uplot"] } }, // it keeps the window with which it was loaded
     coverage: {
       provider: "v8",
       include: ["shared/*.ts", "report/*.ts", "live/*.ts", "study/*.ts", "camera/*.ts"],
