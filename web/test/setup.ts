@@ -31,3 +31,7 @@ expect.addSnapshotSerializer({
   test: (value) => value instanceof Element,
   serialize: (value) => (value as Element).outerHTML.replace(/></g, ">\n<"),
 });
+
+// A module gives the address of a file back long after it was saved.
+URL.createObjectURL ??= () => "blob:none";
+URL.revokeObjectURL ??= () => {};
