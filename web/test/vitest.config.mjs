@@ -30,8 +30,7 @@ export default defineConfig({
     setupFiles: ["test/setup.ts"],
     include: ["test/**/*.test.ts"],
     pool: "threads",
-    poolOptions: { threads: { maxThreads: 1, minThreads: 1, isolate: false } }, // loading jsdom takes longer than most tests
-    server: { deps: { inline: ["uplot"] } }, // it keeps the window with which it was loaded
+    poolOptions: { threads: { maxThreads: 1, minThreads: 1 } },
     coverage: {
       provider: "v8",
       include: ["shared/*.ts", "report/*.ts", "live/*.ts", "study/*.ts", "camera/*.ts"],

@@ -1,4 +1,4 @@
-// What the camera needs beside its models: what it sends, draws and looks at.
+// The camera without its models: sending, drawing, and the choice of the part of a picture.
 
 import { afterEach, beforeEach, describe, expect, test, vi } from "vitest";
 import { ExpressionClassifier } from "../../camera/expressions";

@@ -1,4 +1,4 @@
-// What the live page shows of a session: tabs, the moment, the charts, and the session as a whole.
+// The live page: tabs, the moment, the charts, and the session as a whole.
 
 import { afterEach, beforeEach, describe, expect, test, vi } from "vitest";
 import { Charts } from "../../live/charts";
