@@ -249,6 +249,22 @@ describe("The card of verdicts", () => {
   });
 });
 
+test("The verdicts can be saved as a table of comma-separated values", async () => {
+  const blobs: Blob[] = [];
+  URL.createObjectURL = (blob) => `blob:${blobs.push(blob as Blob)}`;
+  vi.spyOn(HTMLAnchorElement.prototype, "click").mockImplementation(() => {});
+  const { card } = verdictsCard(study, () => 600);
+  [...card.querySelectorAll("button")].find(({ textContent }) => textContent === "Save CSV")?.click();
+  const reader = new FileReader();
+  await new Promise((done) => {
+    reader.onload = done;
+    reader.readAsText(blobs[0]);
+  });
+  const lines = String(reader.result).split("\n");
+  expect(lines.slice(2)).toEqual(["scope,positive,neutral,negative,unknown", "greeting,3,1,0,0", "task,0,0,0,0", ""]);
+  expect(lines.slice(0, 2).every((line) => line.startsWith("# "))).toBe(true);
+});
+
 describe("The card of the agreement", () => {
   const agreement = { words: ["positive", "neutral", "negative"], counts: [[1, 2, 3], [0, 1, 0], [0, 0, 1]], persons: 1, unknown: 2, accuracy: 0.5, kappa: 0.25, interval: [0.1, 0.4] as [number, number] };
   const sentence = (more: object) => agreementCard({ ...agreement, ...more }).querySelector(".sentence")?.textContent?.replace(/^.*are unknown\. /, "");
