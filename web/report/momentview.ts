@@ -5,7 +5,7 @@ import { Person, personName, Recording, sourceName } from "./data";
 import { element } from "../shared/dom";
 import { forceList } from "../shared/forces";
 import { line, number, readingLines, state, sureness } from "../shared/readings";
-import { clock, plain, signed, valenceWord, zoneWord } from "../shared/text";
+import { clock, counted, plain, signed, valenceWord, zoneWord } from "../shared/text";
 
 function estimates(recording: Recording, person: Person, moment: number): HTMLElement[] {
   const valence = person.valence[moment];
@@ -64,7 +64,7 @@ export function showPinned(target: HTMLElement, recording: Recording, person: Pe
       { class: "card", "data-moment": String(moment) },
       ...forceList(title, person.forcesAt(moment), (source) => sourceName(recording, source)),
       others > 0
-        ? element("p", { class: "note" }, `${others} updates between this moment and the one before it are not shown.`)
+        ? element("p", { class: "note" }, `${counted(others, "update")} between this moment and the one before it are not shown.`)
         : null,
       element("p", { class: "note keys" }, "Pinned. ", element("kbd", {}, "Esc"), " lets it go."),
     ),

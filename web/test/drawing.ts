@@ -61,7 +61,7 @@ export function newContext(width = 600, height = 300): { context: CanvasRenderin
   return { context: context as unknown as CanvasRenderingContext2D, log: context.log };
 }
 
-/** What was drawn on a canvas so far. */
+/** Returns everything that was drawn on a canvas so far. */
 export function logOf(canvas: HTMLCanvasElement | null | undefined): string[] {
   return (canvas?.getContext("2d") as unknown as RecordingContext).log;
 }

@@ -1,4 +1,4 @@
-// Before each test file: what jsdom lacks of a browser. Drawings are recorded (see drawing.ts), colours have the name of their
+// Runs before each test file: adds those parts of a browser that jsdom lacks. Drawings are recorded (see drawing.ts), colours have the name of their
 // variable, and a pixel of the page is two of the screen, so that a forgotten ratio is noticed.
 
 import { expect, vi } from "vitest";
@@ -26,8 +26,12 @@ HTMLCanvasElement.prototype.getContext = function (this: HTMLCanvasElement) {
   return contexts.get(this);
 } as unknown as typeof HTMLCanvasElement.prototype.getContext;
 
-// Elements stand in a snapshot as they stand in a page, a tag a line.
+// In a snapshot, elements are written as in a page, one tag a line.
 expect.addSnapshotSerializer({
   test: (value) => value instanceof Element,
   serialize: (value) => (value as Element).outerHTML.replace(/></g, ">\n<"),
 });
+
+// A module gives the address of a file back long after it was saved, when the document of the test is gone. No test waits so long.
+const { setTimeout: later } = globalThis;
+vi.stubGlobal("setTimeout", (act: () => void, wait = 0, ...values: unknown[]) => (wait < 10_000 ? later(act, wait, ...(values as [])) : 0));

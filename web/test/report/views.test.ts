@@ -1,4 +1,4 @@
-// What the report says in words and numbers: the moment, its table, the origin, the tabs, and the index of a folder.
+// The words and numbers of the report: the moment, its table, the origin, the tabs, and the index of a folder.
 
 import { beforeEach, describe, expect, test, vi } from "vitest";
 import { readFolder, showFolder } from "../../report/folder";

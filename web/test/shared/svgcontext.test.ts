@@ -3,7 +3,7 @@ import { drawnAsSvg, RecordedPath, SvgContext } from "../../shared/svgcontext";
 import { fillOf } from "../../shared/theme";
 import { logOf } from "../drawing";
 
-/** Returns what the drawing wrote, without its definitions if there are none. */
+/** Returns what the drawing wrote, without empty definitions. */
 function drawn(draw: (context: SvgContext) => void): string {
   const context = new SvgContext(100, 50);
   draw(context);
