@@ -185,7 +185,7 @@ class House:
         return {(path, file) for path in self.cpp() for _, file in self.includes(path) if file}
 
     def scripts(self):
-        """Pairs of TypeScript files, and of modules of the Python package, the first of which imports the second."""
+        """Pairs of TypeScript files that are no tests, and of modules of the Python package: the first imports the second."""
         return self._typescript() | self._python()
 
     def arrows(self):
@@ -215,7 +215,7 @@ class House:
     def _typescript(self):
         pairs = set()
         for path, text in self.texts.items():
-            if path.endswith(".ts"):
+            if path.endswith(".ts") and is_production(path):
                 for name in IMPORT.findall(text):
                     pairs.add((path, f"{joined(PurePosixPath(path).parent, name)}.ts"))
         return pairs

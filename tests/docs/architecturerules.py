@@ -204,9 +204,9 @@ def include_paths_are_roots(commands, folder, build):
 def may_include_from(part, root):
     library, _, rest = root.partition("/")
     if root == f"{BRIDGE}/include":
-        return part in ("bridges", "tools", "tests")
+        return part in ("bridges", "tools", "tests", "fuzz")
     if root == f"{BRIDGE}/src":
-        return part in ("bridges", "tests")
+        return part in ("bridges", "tests", "fuzz")
     if library in ALL_FOUR and rest == "include":
         return library == part or library in ALLOWED.get(part, ALL_FOUR)
     if part in TRIES_PRIVATE_CODE:

@@ -26,9 +26,10 @@ done
 cp -r "$web/test" .
 mv test/{package.json,package-lock.json,tsconfig.json,vitest.config.mjs,stryker.config.mjs} .
 
-# The packages are installed again only after a change of their list.
+# The packages are installed again only after a change of their list, as it says. Not by `npm ci`: it asks for packages of other
+# machines as well, which a registry need not have.
 if ! cmp -s package-lock.json node_modules/.installed; then
-  npm ci --no-audit --no-fund --loglevel=error --fetch-retries=1 --fetch-retry-mintimeout=1000 --fetch-retry-maxtimeout=5000 \
+  npm install --no-save --no-audit --no-fund --loglevel=error --fetch-retries=1 --fetch-retry-mintimeout=1000 --fetch-retry-maxtimeout=5000 \
     >npm.log 2>&1 || skip "npm could not fetch the packages: $(tail -n 1 npm.log)"
   cp package-lock.json node_modules/.installed
 fi

@@ -18,7 +18,13 @@ describe("The sender", () => {
   let news: (now: number) => void = () => {};
   let answer: () => Promise<Response>;
   const frames: { address: string; request: RequestInit }[] = [];
-  const host = { looksAt: "camera", addressOf: (path: string) => `${path}?token=1`, estimateOf: () => undefined, onNews: (took: (now: number) => void) => void (news = took) };
+  const host = {
+    looksAt: "camera",
+    model: "",
+    addressOf: (path: string) => `${path}?token=1`,
+    estimateOf: () => undefined,
+    onNews: (took: (now: number) => void) => void (news = took),
+  };
 
   beforeEach(() => {
     frames.length = 0;
