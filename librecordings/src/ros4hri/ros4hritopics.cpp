@@ -66,6 +66,7 @@ std::optional<RosTopic> rosTopicOf(const std::string& name)
 std::vector<std::string> rosTopicPatterns()
 {
   std::vector<std::string> names;
+  names.reserve(patterns.size());
   for (const Pattern& pattern : patterns)
     names.push_back(std::string(pattern.prefix) + (pattern.suffix.empty() ? "" : "*") + std::string(pattern.suffix));
   return names;
