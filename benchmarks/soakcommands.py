@@ -10,7 +10,6 @@ fifth is compared with the most of the last one.
 """
 
 import json
-import math
 import pathlib
 import queue
 import subprocess
@@ -18,6 +17,8 @@ import sys
 import threading
 import time
 import urllib.request
+
+from streamlatency import observation
 
 RATE = 10  # [Hz] of the lines of each person
 SAMPLE_PAUSE = 1.0  # [s]
@@ -79,24 +80,6 @@ class Soak:
         return is_level
 
 
-def line_of(person, cycle):
-    """One face that turns to and fro, with the readings of a camera."""
-    angle = 25 * math.sin((cycle + 7 * person) / 20)
-    return json.dumps(
-        {
-            "person": person,
-            "observation": {
-                "distance": {"value": 1.2},
-                "faceDetected": {"value": True},
-                "headPosture": {"yaw": angle, "pitch": 2, "roll": 0},
-                "gaze": {"yaw": -angle, "pitch": -1},
-                "smile": {"value": (cycle % 90) / 90, "confidence": 0.9},
-                "expressions": {"joy": {"value": 0.5, "confidence": 0.9}, "calm": {"value": 0.5, "confidence": 0.9}},
-            },
-        }
-    ).encode()
-
-
 def read_events(address, until):
     """Reads the events of the page until a moment; returns their bytes."""
     count = 0
@@ -132,7 +115,7 @@ def soak_serve(command, minutes, persons):
         begin = time.monotonic()
         cycle = 0
         while time.monotonic() < soak.end:
-            server.stdin.write(b"".join(line_of(person, cycle) + b"\n" for person in range(persons)))
+            server.stdin.write(b"".join(json.dumps(observation(person, cycle)).encode() + b"\n" for person in range(persons)))
             server.stdin.flush()
             cycle += 1
             time.sleep(max(0.0, begin + cycle / RATE - time.monotonic()))
