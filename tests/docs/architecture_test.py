@@ -85,7 +85,7 @@ PLANTED = [
 
 
 def planted(path, addition):
-    """The house with a text added to a file; to a new file, if there is no file of that name."""
+    """Returns the house after a text was added at the end of a file. If there is no such file, the file is new."""
     return House({**TREE, path: TREE.get(path, "") + addition + "\n"})
 
 

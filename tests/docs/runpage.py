@@ -44,7 +44,7 @@ def commands_of(console):
 
 
 def matches(expected, found):
-    """Returns whether the lines are as expected; an elision stands for any lines."""
+    """Returns whether the lines are as expected. In what is expected, a line "…" matches any number of lines."""
     if ELISION not in expected:
         return expected == found
     parts = "\n".join(expected).split(ELISION)

@@ -1,8 +1,7 @@
-#include "allocationfault.hpp"
+#include "allocationcounter.hpp"
 
-#include <atomic>
+#include <cstddef>
 #include <cstdlib>
-#include <limits>
 #include <new>
 
 namespace faults
@@ -11,38 +10,15 @@ namespace faults
 namespace
 {
 
-constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
-
-std::atomic<std::ptrdiff_t> living{0};  // of all threads
-thread_local std::size_t allocations = 0;
-thread_local std::size_t failing = none;  // how many more allocations until the one that fails
-thread_local bool failed = false;
-thread_local Shortage kind = Shortage::OneAllocation;
-
-/// Counts an allocation; returns whether it is allowed.
-bool admit()
-{
-  ++allocations;
-  if (failing == none || failing-- > 0)
-    return true;
-  failing = kind == Shortage::AllFromThere ? 0 : none;
-  failed = true;
-  return false;
-}
-
 void* allocate(std::size_t size)
 {
-  void* const memory = admit() ? std::malloc(size > 0 ? size : 1) : nullptr;
-  living += memory != nullptr ? 1 : 0;
-  return memory;
+  return admit() ? counted(std::malloc(size > 0 ? size : 1)) : nullptr;
 }
 
 void* allocateAligned(std::size_t size, std::align_val_t alignment)
 {
   const auto boundary = static_cast<std::size_t>(alignment);
-  void* const memory = admit() ? std::aligned_alloc(boundary, (size + boundary) / boundary * boundary) : nullptr;
-  living += memory != nullptr ? 1 : 0;
-  return memory;
+  return admit() ? counted(std::aligned_alloc(boundary, (size + boundary) / boundary * boundary)) : nullptr;
 }
 
 void* orThrow(void* memory)
@@ -54,38 +30,11 @@ void* orThrow(void* memory)
 
 void release(void* memory)
 {
-  living -= memory != nullptr ? 1 : 0;
+  discount(memory);
   std::free(memory);
 }
 
 }  // namespace
-
-AllocationFault::AllocationFault(std::size_t which, Shortage shortage)
-{
-  failed = false;
-  kind = shortage;
-  failing = which;
-}
-
-AllocationFault::~AllocationFault()
-{
-  failing = none;
-}
-
-bool AllocationFault::happened() const
-{
-  return failed;
-}
-
-std::ptrdiff_t livingAllocations()
-{
-  return living;
-}
-
-std::size_t allocationCount()
-{
-  return allocations;
-}
 
 }  // namespace faults
 

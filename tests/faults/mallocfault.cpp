@@ -1,78 +1,13 @@
-#include "allocationfault.hpp"
+#include "allocationcounter.hpp"
 
-#include <atomic>
 #include <cerrno>
-#include <cstring>
-#include <limits>
+#include <cstddef>
 
 #include <malloc.h>
 
 /// \file
 /// The same as allocationfault.cpp for `malloc`, which `new` calls as well: for libraries in C. The sanitizers have a
 /// `malloc` of their own, so their builds have no program with this file.
-
-namespace faults
-{
-
-namespace
-{
-
-constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
-
-std::atomic<std::ptrdiff_t> living{0};  // of all threads
-thread_local std::size_t allocations = 0;
-thread_local std::size_t failing = none;  // how many more allocations until the one that fails
-thread_local bool failed = false;
-thread_local Shortage kind = Shortage::OneAllocation;
-
-/// Counts an allocation; returns whether it is allowed.
-bool admit()
-{
-  ++allocations;
-  if (failing == none || failing-- > 0)
-    return true;
-  failing = kind == Shortage::AllFromThere ? 0 : none;
-  failed = true;
-  errno = ENOMEM;
-  return false;
-}
-
-void* counted(void* memory)
-{
-  living += memory != nullptr ? 1 : 0;
-  return memory;
-}
-
-}  // namespace
-
-AllocationFault::AllocationFault(std::size_t which, Shortage shortage)
-{
-  failed = false;
-  kind = shortage;
-  failing = which;
-}
-
-AllocationFault::~AllocationFault()
-{
-  failing = none;
-}
-
-bool AllocationFault::happened() const
-{
-  return failed;
-}
-
-std::ptrdiff_t livingAllocations()
-{
-  return living;
-}
-
-std::size_t allocationCount()
-{
-  return allocations;
-}
-
-}  // namespace faults
 
 // The C library's functions under the names that it has for programs that replace them.
 extern "C" {
@@ -112,7 +47,7 @@ int posix_memalign(void** memory, std::size_t boundary, std::size_t size)
 }
 void free(void* memory)
 {
-  faults::living -= memory != nullptr ? 1 : 0;
+  faults::discount(memory);
   __libc_free(memory);
 }
 }

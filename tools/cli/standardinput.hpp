@@ -8,7 +8,7 @@
 namespace KV::tools
 {
 
-/// Returns whether the path is "-", which stands for standard input.
+/// Returns whether the path is "-": then standard input is read.
 bool isStandardInput(const std::string& path);
 
 /// Returns the path, or for "-" its name in messages.
