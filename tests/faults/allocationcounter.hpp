@@ -3,7 +3,7 @@
 #include <cstddef>
 
 /// \file
-/// What allocationfault.cpp and mallocfault.cpp share: each program has one of them.
+/// Code that allocationfault.cpp and mallocfault.cpp share: each program has one of them.
 
 namespace faults
 {
