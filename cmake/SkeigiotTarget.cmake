@@ -40,9 +40,8 @@ endfunction()
 function(skeigiot_harden_target target)
   set(optimised $<NOT:$<CONFIG:Debug>>)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-  # One piece, so that sources that are not optimised can undo it.
-  target_compile_options(${target} PRIVATE -fstack-protector-strong
-                                           "SHELL:-U_FORTIFY_SOURCE $<${optimised}:-D_FORTIFY_SOURCE=2>")
+  target_compile_options(${target} PRIVATE -fstack-protector-strong -U_FORTIFY_SOURCE
+                                           $<${optimised}:-D_FORTIFY_SOURCE=2>)
   target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now)
 endfunction()
 
