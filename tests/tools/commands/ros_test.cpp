@@ -203,10 +203,11 @@ TEST(RosNames, OfTopicsThatAreNotThereAreRefused)
 {
   const CommandResult result = runCommand({"ros", "--remap", "/camera:=/eye"});
   EXPECT_EQ(2, result.status);
-  EXPECT_NE(std::string::npos,
-            result.errors.find("--remap: expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, "
-                               "/humans, or a topic below one of the last two, "
-                               "found '/camera'"))
+  EXPECT_NE(
+      std::string::npos,
+      result.errors.find("--remap: expected a topic that the node reads or publishes, such as /tf, or one of the "
+                         "roots /humans, /humans/faces, /humans/persons, /humans/voices, /humans/interactions and "
+                         "/skeigiot, found '/camera'"))
       << result.errors;
 }
 
