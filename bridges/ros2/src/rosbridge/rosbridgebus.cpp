@@ -2,6 +2,7 @@
 
 #include "event.hpp"
 #include "messagequeue.hpp"
+#include "rosbridge/fragments.hpp"
 #include "rosbridge/listedtopics.hpp"
 #include "rosbridge/reconnection.hpp"
 #include "rosbridge/rosbridgeoperations.hpp"
@@ -17,6 +18,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 namespace KV::ros2
@@ -92,7 +94,10 @@ private:
 
   // The thread of the client calls these.
   void _takeText(const std::string& text);
+  void _takeWhole(const RosbridgeText& text);
+  void _takeFragment(RosbridgeFragment fragment);
   void _takeMessage(const RosbridgeText& text);
+  void _leaveOut(const std::string& why);
   void _refuse(const std::string& key, const std::string& note);
 
   void _followConnection(const Heard& heard);
@@ -121,6 +126,8 @@ private:
   std::string _lastReason;                        // for which there was no connection
   std::map<std::string, std::string> _published;  // types, by topic
 
+  Fragments _fragments{WebSocketClient::longestText};  // of the thread of the client
+
   std::mutex _mutex;
   Heard _heard;  // guarded by _mutex
 
@@ -137,6 +144,7 @@ RosbridgeBus::RosbridgeBus(const RosbridgeOptions& options, TypeOf typeOf, Clock
         options.topics, options.lists, [this](const std::string& topic) { return !_typeOfOwn(topic).empty(); },
         options.mostReaders),
     _client(options.address, {[this] {
+                                _fragments.clear();
                                 const std::lock_guard lock(_mutex);
                                 _heard.isOpened = true;
                                 _event.set();
@@ -243,14 +251,39 @@ std::string RosbridgeBus::_typeOfOwn(const std::string& topic) const
 void RosbridgeBus::_takeText(const std::string& text)
 {
   RosbridgeText read = readRosbridgeText(text);
-  switch (read.kind)
+  if (read.kind == RosbridgeText::Kind::Fragment)
+    _takeFragment(std::move(read.fragment));
+  else
+    _takeWhole(read);
+}
+
+void RosbridgeBus::_takeFragment(RosbridgeFragment fragment)
+{
+  try
+  {
+    if (const auto whole = _fragments.take(std::move(fragment)))
+      _takeWhole(readRosbridgeText(*whole));
+  }
+  catch (const std::invalid_argument& error)
+  {
+    _leaveOut(error.what());
+  }
+}
+
+void RosbridgeBus::_takeWhole(const RosbridgeText& text)
+{
+  switch (text.kind)
   {
     case RosbridgeText::Kind::Message:
-      return _takeMessage(read);
+      return _takeMessage(text);
     case RosbridgeText::Kind::Status:
-      return _notes.addOnce("status " + read.words, _name + " says: " + read.words);
+      return _notes.addOnce("status " + text.words, _name + " says: " + text.words);
+    case RosbridgeText::Kind::Information:
+      return;
+    case RosbridgeText::Kind::Fragment:
+      return _leaveOut("its fragments make a fragment");
     case RosbridgeText::Kind::Invalid:
-      _refuse(read.words, "a text of " + _name + " is left out: " + read.words);
+      return _leaveOut(text.words);
   }
 }
 
@@ -283,6 +316,11 @@ void RosbridgeBus::_takeMessage(const RosbridgeText& text)
   {
     _refuse("topic " + text.topic, "a message on the topic " + text.topic + " is left out: " + error.what());
   }
+}
+
+void RosbridgeBus::_leaveOut(const std::string& why)
+{
+  _refuse(why, "a text of " + _name + " is left out: " + why);
 }
 
 void RosbridgeBus::_refuse(const std::string& key, const std::string& note)
