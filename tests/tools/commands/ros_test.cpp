@@ -36,6 +36,15 @@ TEST(RosOptions, HavePeersWhereOtherNodesAreLookedForOnly)
   }
 }
 
+TEST(RosOptions, NamePeersByTheirAddresses)
+{
+  const CommandResult result = runCommand({"ros", "--peer", "192.168.1.2", "--peer", "robot"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_NE(std::string::npos,
+            result.errors.find("--peer: expected an IPv4 address such as 192.168.1.2, found 'robot'"))
+      << result.errors;
+}
+
 TEST(RosOptions, NameOneOrTwoJointsOfTheHeadOrTheFrameOfTheBody)
 {
   for (const char* const joints : {"a,b,c", ",b"})
