@@ -27,6 +27,7 @@ namespace
 {
 
 constexpr std::size_t mostNoted = 1000;  // topics and texts of rosbridge that are remembered
+constexpr int keptTexts = 10;            // for readers that come later
 const char* const listType = "hri_msgs/msg/IdsList";
 
 /// Notes for the user, of which some are added once only.
@@ -79,7 +80,7 @@ public:
   void publish(const std::string& topic, const GazeMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const DiagnosticMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const TextMessage& message) override { _publish(topic, message); }
-  void announceTexts(const std::string& topic) override { _announce(topic, TextMessage::type); }
+  void announceTexts(const std::string& topic) override { _announce(topic, {TextMessage::type, true}); }
   void withdraw(const std::string& topic) override;
   BusCounts counts() const override;
 
@@ -90,6 +91,13 @@ private:
     bool isOpened = false;
     boost::optional<std::string> whyClosed;
     std::map<std::string, std::vector<std::string>> lists;  // ids, by the topic of the list
+  };
+
+  /// How a topic is published.
+  struct Published
+  {
+    std::string type;
+    bool isLatched = false;  // readers that come later get the last messages
   };
 
   // The thread of the client calls these.
@@ -106,7 +114,8 @@ private:
   void _noteLoss(const std::string& why, std::chrono::seconds wait);
   void _subscribe(const std::string& topic);
   std::string _typeOfOwn(const std::string& topic) const;
-  void _announce(const std::string& topic, const char* type);
+  void _announce(const std::string& topic, const Published& published);
+  void _advertise(const std::string& topic, const Published& published);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
 
@@ -123,8 +132,8 @@ private:
   Reconnection _reconnection;
   bool _isConnecting = false;
   bool _isOpen = false;
-  std::string _lastReason;                        // for which there was no connection
-  std::map<std::string, std::string> _published;  // types, by topic
+  std::string _lastReason;                      // for which there was no connection
+  std::map<std::string, Published> _published;  // by topic
 
   Fragments _fragments{WebSocketClient::longestText};  // of the thread of the client
 
@@ -216,8 +225,8 @@ void RosbridgeBus::_begin()
 {
   for (const std::string& topic : _topics.all())
     _subscribe(topic);
-  for (const auto& [topic, type] : _published)
-    _client.send(advertiseOperation(topic, type));
+  for (const auto& [topic, published] : _published)
+    _advertise(topic, published);
 }
 
 void RosbridgeBus::_followLists(const Heard& heard)
@@ -329,16 +338,22 @@ void RosbridgeBus::_refuse(const std::string& key, const std::string& note)
   _notes.addOnce(key, note);
 }
 
-void RosbridgeBus::_announce(const std::string& topic, const char* type)
+void RosbridgeBus::_announce(const std::string& topic, const Published& published)
 {
-  if (_published.emplace(topic, type).second && _isOpen)
-    _client.send(advertiseOperation(topic, type));
+  if (_published.emplace(topic, published).second && _isOpen)
+    _advertise(topic, published);
+}
+
+void RosbridgeBus::_advertise(const std::string& topic, const Published& published)
+{
+  _client.send(published.isLatched ? advertiseLatchedOperation(topic, published.type, keptTexts)
+                                   : advertiseOperation(topic, published.type));
 }
 
 template <typename Message>
 void RosbridgeBus::_publish(const std::string& topic, const Message& message)
 {
-  _announce(topic, Message::type);
+  _announce(topic, {Message::type, false});
   if (_isOpen)
     _client.send(publishOperation(topic, jsonOf(message)));
 }

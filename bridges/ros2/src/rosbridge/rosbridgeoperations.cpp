@@ -104,6 +104,11 @@ std::string advertiseOperation(const std::string& topic, const std::string& type
   return Json{{"op", "advertise"}, {"topic", topic}, {"type", type}}.dump();
 }
 
+std::string advertiseLatchedOperation(const std::string& topic, const std::string& type, int kept)
+{
+  return Json{{"op", "advertise"}, {"topic", topic}, {"type", type}, {"latch", true}, {"queue_size", kept}}.dump();
+}
+
 std::string unadvertiseOperation(const std::string& topic)
 {
   return Json{{"op", "unadvertise"}, {"topic", topic}}.dump();

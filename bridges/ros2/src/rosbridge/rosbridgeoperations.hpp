@@ -15,6 +15,8 @@ namespace KV::ros2
 std::string subscribeOperation(const std::string& topic, const std::string& type);
 std::string unsubscribeOperation(const std::string& topic);
 std::string advertiseOperation(const std::string& topic, const std::string& type);
+/// As above. Readers that come later get the last messages, as many as `kept`.
+std::string advertiseLatchedOperation(const std::string& topic, const std::string& type, int kept);
 std::string unadvertiseOperation(const std::string& topic);
 std::string publishOperation(const std::string& topic, const nlohmann::json& message);
 

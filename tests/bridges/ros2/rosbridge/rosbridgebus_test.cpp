@@ -198,14 +198,23 @@ TEST_F(RosbridgeBus, AdvertisesATopicOnceAndUnadvertisesItWhenItIsWithdrawn)
   EXPECT_THAT(operations(1), ElementsAre("unadvertise /e"));
 }
 
-TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOne)
+TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOneAndForReadersThatComeLater)
 {
   connect();
   operations(2);
   bus->announceTexts("/v");
   bus->publish("/v", KV::ros2::TextMessage{"hi"});
-  EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}}), server.read());
+  const json advertised = {
+      {"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}, {"latch", true}, {"queue_size", 10}};
+  EXPECT_EQ(advertised, server.read());
   EXPECT_EQ((json{{"op", "publish"}, {"topic", "/v"}, {"msg", {{"data", "hi"}}}}), server.read());
+  server.hangUp();
+  takeNote();
+  steady += seconds(1);
+  bus->take();
+  server.accept();
+  follow();
+  EXPECT_EQ(advertised, server.readUntil("advertise", "/v"));
 }
 
 TEST_F(RosbridgeBus, SendsWhatWaitsAndUnadvertisesItsTopicsAtTheEnd)

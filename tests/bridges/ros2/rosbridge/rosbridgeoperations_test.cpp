@@ -18,6 +18,10 @@ TEST(RosbridgeOperations, AreThoseOfTheProtocol)
   EXPECT_EQ((json{{"op", "unsubscribe"}, {"topic", "/tf"}}), json::parse(KV::ros2::unsubscribeOperation("/tf")));
   EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/a"}, {"type", "std_msgs/msg/Bool"}}),
             json::parse(KV::ros2::advertiseOperation("/a", "std_msgs/msg/Bool")));
+  EXPECT_EQ(
+      (json{
+          {"op", "advertise"}, {"topic", "/a"}, {"type", "std_msgs/msg/String"}, {"latch", true}, {"queue_size", 10}}),
+      json::parse(KV::ros2::advertiseLatchedOperation("/a", "std_msgs/msg/String", 10)));
   EXPECT_EQ((json{{"op", "unadvertise"}, {"topic", "/a"}}), json::parse(KV::ros2::unadvertiseOperation("/a")));
   EXPECT_EQ((json{{"op", "publish"}, {"topic", "/a"}, {"msg", {{"data", true}}}}),
             json::parse(KV::ros2::publishOperation("/a", {{"data", true}})));
