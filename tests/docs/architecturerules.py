@@ -53,6 +53,7 @@ PRIVATE = {
     ("fuzz/bags.cpp", "rosbag2/openbagfile.hpp"): "tries a private reader with any bytes, and all topics",
     ("fuzz/files.cpp", "ros4hri/rosmessages.hpp"): "tries a private reader with any bytes",
     ("fuzz/messages.cpp", "ros4hri/ros4hridispatch.hpp"): "tries a private reader with messages, without SQLite",
+    ("fuzz/rosbridge.cpp", "rosbridge/fragments.hpp"): "tries a private part with any fragments",
     ("fuzz/rosbridge.cpp", "rosbridge/listedtopics.hpp"): "tries a private part with any lists",
     ("fuzz/rosbridge.cpp", "rosbridge/rosbridgeoperations.hpp"): "tries a private reader with any bytes",
     ("fuzz/rosbridge.cpp", "rosbridge/rosjson.hpp"): "tries a private reader with any messages",

@@ -264,6 +264,20 @@ ExitStatus run(CLI::App& command, Arguments& arguments)
   }
 }
 
+/// Returns why the text is no address of another machine; empty if it is one.
+std::string whyNoPeer(const std::string& text)
+{
+  try
+  {
+    parsePeer(text);
+    return {};
+  }
+  catch (const std::invalid_argument& error)
+  {
+    return error.what();
+  }
+}
+
 void addBusOptions(CLI::App& command, Arguments& arguments)
 {
   CLI::Option* const domain =
@@ -280,7 +294,8 @@ void addBusOptions(CLI::App& command, Arguments& arguments)
                                 .add_option("--peer", arguments.peers,
                                             "IPv4 address of another machine with nodes; several times for several.\n"
                                             "For the ranges localhost and subnet (ROS_STATIC_PEERS)")
-                                ->type_name("ADDRESS");
+                                ->type_name("ADDRESS")
+                                ->check(whyNoPeer);
   CLI::Option* const distribution = addChoice<boost::optional<ros2::Distribution>>(
       command, "--ros-distro",
       "For whom the node is announced: humble, or jazzy, which is Iron and all\n"

@@ -3,6 +3,7 @@
 #include "cli/interruption.hpp"
 #include "cli/waiting.hpp"
 
+#include <algorithm>
 #include <exception>
 #include <stdexcept>
 #include <utility>
@@ -27,9 +28,10 @@ std::string describe(std::uint64_t received, std::uint64_t dropped)
 }  // namespace
 
 RosNode::RosNode(std::unique_ptr<ros2::Bus> bus, Clock clock, const RosNodeOptions& options, Messages& messages,
-                 const LiveListeners& listeners)
+                 const LiveListeners& listeners, SteadyClock steadyClock)
   : _messages(messages),
     _clock(std::move(clock)),
+    _steadyClock(std::move(steadyClock)),
     _bus(std::move(bus)),
     _answers(*_bus, [this](session::TimePoint time) { return _source->stampOf(time); }),
     _verdicts(*_bus),
@@ -48,7 +50,7 @@ RosNode::RosNode(std::unique_ptr<ros2::Bus> bus, Clock clock, const RosNodeOptio
                                   if (left)
                                     left(person);
                                 }},
-                  _clock);
+                  _clock, _steadyClock);
 }
 
 bool RosNode::run()
@@ -73,7 +75,8 @@ void RosNode::_runOn()
   for (;;)
   {
     std::vector<pollfd> waited = descriptors();
-    waitUntil(waited, due());
+    const auto pause = std::chrono::ceil<std::chrono::milliseconds>(due() - _steadyClock());
+    waitFor(waited, static_cast<int>(std::max(pause, std::chrono::milliseconds(0)).count()));
     take(true);
   }
 }
@@ -82,7 +85,7 @@ bool RosNode::take(bool canBeRead)
 {
   const bool isAnyTaken = _source->take(canBeRead);
   _throwIfOutputFailed();
-  if (SteadyClock::now() >= _nextDiagnostics)
+  if (_steadyClock() >= _nextDiagnostics)
     _publishDiagnostics();
   return isAnyTaken;
 }
@@ -103,7 +106,7 @@ void RosNode::_finish()
 
 void RosNode::_publishDiagnostics()
 {
-  _nextDiagnostics = SteadyClock::now() + betweenDiagnostics;
+  _nextDiagnostics = _steadyClock() + betweenDiagnostics;
   _takeNotes();
   if (_recording)
     _recording->flush();

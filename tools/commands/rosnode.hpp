@@ -46,6 +46,9 @@ public:
   /// Returns the time of the wall clock to any thread.
   using Clock = std::function<session::TimePoint()>;
 
+  /// Returns the time by which the node waits.
+  using SteadyClock = std::function<LiveSource::Clock::time_point()>;
+
   /// Keeps the node going, as its LiveSource, until it is enough.
   using View = std::function<void(LiveSource& source)>;
 
@@ -58,7 +61,7 @@ public:
   /// \throws OutputRefused for an export that cannot be written.
   /// \throws recordings::Error if the file of the mapping cannot be read.
   RosNode(std::unique_ptr<ros2::Bus> bus, Clock clock, const RosNodeOptions& options, Messages& messages,
-          const LiveListeners& listeners = {});
+          const LiveListeners& listeners = {}, SteadyClock steadyClock = LiveSource::Clock::now);
 
   /// Runs until the view ends, a signal comes or the bus fails, and ends the session: all files are complete then. A
   /// node without a view runs until a signal comes.
@@ -83,8 +86,6 @@ public:
   std::vector<std::string> takeNotes() override;
 
 private:
-  using SteadyClock = std::chrono::steady_clock;
-
   [[noreturn]] void _runOn();
   void _finish();
   void _publishDiagnostics();
@@ -100,13 +101,14 @@ private:
   Messages& _messages;
   session::LibraryLog _log;
   Clock _clock;
+  SteadyClock _steadyClock;
   std::unique_ptr<ros2::Bus> _bus;
   RosAnswers _answers;
   RosVerdicts _verdicts;
   std::optional<session::RecordingFile> _recording;
   std::optional<UpdatesFile> _updates;
   std::optional<RosSource> _source;
-  SteadyClock::time_point _nextDiagnostics;
+  LiveSource::Clock::time_point _nextDiagnostics;
   std::uint64_t _received = 0;
   std::uint64_t _dropped = 0;
   std::deque<std::string> _notes;  // for a view, or for the end

@@ -37,11 +37,12 @@ std::size_t bytesOf(const ros2::BusMessage& message)
 }  // namespace
 
 RosSource::RosSource(ros2::Bus& bus, RosSourceOptions options, LiveListeners listeners,
-                     std::function<session::TimePoint()> clock)
+                     std::function<session::TimePoint()> clock, std::function<Clock::time_point()> steadyClock)
   : _bus(bus),
     _options(std::move(options)),
     _listeners(std::move(listeners)),
     _clock(std::move(clock)),
+    _steadyClock(std::move(steadyClock)),
     _input(_options.reading, _options.head),
     _session({}, _listeners.observers, _options.cycle)
 {}
@@ -71,7 +72,7 @@ std::vector<std::string> RosSource::topics(const RosSourceOptions& options)
 
 bool RosSource::take(bool)
 {
-  const Clock::time_point now = Clock::now();
+  const Clock::time_point now = _steadyClock();
   const std::size_t before = _messages;
   _receive(now);
   if (now >= _nextTick)
@@ -87,7 +88,7 @@ std::string RosSource::takeScopes(recordings::Step step)
     return refusal;
   // Nothing that comes later has an earlier time: neither what waits for the end of its cycle, nor a message that came
   // in meanwhile.
-  const Clock::time_point now = Clock::now();
+  const Clock::time_point now = _steadyClock();
   if (const session::TimePoint time = _timeAt(now); time > _last)
   {
     _last = time;
@@ -103,7 +104,7 @@ std::string RosSource::takeScopes(recordings::Step step)
 
 session::TimePoint RosSource::present() const
 {
-  return _presentAt(Clock::now());
+  return _presentAt(_steadyClock());
 }
 
 InputStatus RosSource::status() const
@@ -142,7 +143,7 @@ void RosSource::finish()
   std::exception_ptr failure;
   try
   {
-    _receive(Clock::now());
+    _receive(_steadyClock());
   }
   catch (const std::runtime_error&)
   {
@@ -231,7 +232,7 @@ void RosSource::_feed(ros2::BusMessage& message, std::int64_t time)
 {
   ++_messages;
   _last = std::max(_last, timeOf(time));
-  _lastTaken = _lastAt = Clock::now();
+  _lastTaken = _lastAt = _steadyClock();
   try
   {
     if (message.topic == scopesTopic)

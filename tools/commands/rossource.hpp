@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -58,9 +59,12 @@ public:
   /// A person who was not seen for so long [s] is forgotten, and gets another number on coming back.
   static constexpr int longestAbsence = 60;
 
-  /// Takes messages of the bus, which must outlive it, as must the observers. `clock` is that of the bus.
+  /// Takes messages of the bus, which must outlive it, as must the observers.
+  ///
+  /// \param clock       that of the bus
+  /// \param steadyClock measures how long messages are held, and how long the bus has been silent
   RosSource(ros2::Bus& bus, RosSourceOptions options, LiveListeners listeners,
-            std::function<session::TimePoint()> clock);
+            std::function<session::TimePoint()> clock, std::function<Clock::time_point()> steadyClock = Clock::now);
 
   std::vector<pollfd> descriptors() const override { return {{_bus.descriptor(), POLLIN, 0}}; }
   Clock::time_point due() const override { return _nextTick; }
@@ -106,6 +110,7 @@ private:
   RosSourceOptions _options;
   LiveListeners _listeners;
   std::function<session::TimePoint()> _clock;
+  std::function<Clock::time_point()> _steadyClock;
   SimulatedTime _simulated;
   recordings::Ros4hriInput _input;
   session::Session _session;

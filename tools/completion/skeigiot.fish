@@ -185,7 +185,7 @@ complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l boundary-strictly-l
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l boundary-excited -x -d 'agitation from which a room is excited, strictly between 0 and 1 (0.4)'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l params-file -r -F -d 'YAML file with parameters in the form of ROS; several times for several. Of several values, the last one counts'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -s p -l param -x -d 'Parameter, such as cycle:=20; it replaces that of a file'
-complete -c skeigiot -n '__fish_seen_subcommand_from ros' -s r -l remap -x -d 'Other name for a topic and all topics below it, such as /humans:=/robot1/humans, or for the node: __node:=NAME'
+complete -c skeigiot -n '__fish_seen_subcommand_from ros' -s r -l remap -x -d 'Other name for a topic, such as /tf:=/robot1/tf, for all topics below a root, such as /humans:=/robot1/humans, or for the node: __node:=NAME'
 complete -c skeigiot -n '__fish_seen_subcommand_from ros' -l ros-args -d 'Changes nothing: launch files of ROS write it in front of such options'
 
 complete -c skeigiot -n '__fish_seen_subcommand_from serve' -F

@@ -153,9 +153,9 @@ void addRosArguments(CLI::App& command, RosArguments& arguments)
            })
       ->group(group);
   addTexts(command, "-r,--remap",
-           "Other name for a topic and all topics below it, such as\n"
-           "/humans:=/robot1/humans, or for the node: __node:=NAME. May be given\n"
-           "several times",
+           "Other name for a topic, such as /tf:=/robot1/tf, for all topics below a\n"
+           "root, such as /humans:=/robot1/humans, or for the node: __node:=NAME. May\n"
+           "be given several times",
            "FROM:=TO", [&arguments](const std::string& text) { arguments.names.addRule(text); })
       ->group(group);
   command.add_flag("--ros-args", "Changes nothing: launch files of ROS write it in front of such options")

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <system_error>
 
+#include <arpa/inet.h>
+
 namespace KV::tools
 {
 
@@ -41,16 +43,28 @@ void applyEnvironment(const Environment& environment, ros2::BusOptions& options)
 {
   if (const std::string domain = environment("ROS_DOMAIN_ID"); !domain.empty())
     options.domain = parseVariable("ROS_DOMAIN_ID", domain, parseDomain);
-  // The older variable; the newer ones go before it.
-  if (const std::string only = environment("ROS_LOCALHOST_ONLY"); !only.empty())
-    options.range = parseVariable("ROS_LOCALHOST_ONLY", only, parseFlag) ? ros2::DiscoveryRange::Localhost
-                                                                         : ros2::DiscoveryRange::Subnet;
+  const std::string only = environment("ROS_LOCALHOST_ONLY");
+  const bool isOnlyHere = !only.empty() && parseVariable("ROS_LOCALHOST_ONLY", only, parseFlag);
+  if (!only.empty())
+    options.range = ros2::DiscoveryRange::Subnet;
   if (const std::string range = environment("ROS_AUTOMATIC_DISCOVERY_RANGE"); !range.empty())
     options.range = parseVariable("ROS_AUTOMATIC_DISCOVERY_RANGE", range, parseRange);
   std::istringstream peers(environment("ROS_STATIC_PEERS"));
   for (std::string peer; std::getline(peers, peer, ';');)
     if (!peer.empty())
-      options.staticPeers.push_back(peer);
+      options.staticPeers.push_back(parseVariable("ROS_STATIC_PEERS", peer, parsePeer));
+  if (!isOnlyHere)
+    return;
+  options.range = ros2::DiscoveryRange::Localhost;
+  options.staticPeers.clear();
+}
+
+std::string parsePeer(const std::string& text)
+{
+  in_addr address{};
+  if (inet_pton(AF_INET, text.c_str(), &address) != 1)
+    throw std::invalid_argument("expected an IPv4 address such as 192.168.1.2, found " + recordings::quote(text));
+  return text;
 }
 
 ros2::DiscoveryRange parseRange(const std::string& text)

@@ -12,7 +12,8 @@ namespace KV::tools
 using Environment = std::function<std::string(const std::string& name)>;
 
 /// Sets what the variables of ROS say: ROS_DOMAIN_ID, ROS_AUTOMATIC_DISCOVERY_RANGE, ROS_STATIC_PEERS and
-/// ROS_LOCALHOST_ONLY. Without a range there, the range stays what it is.
+/// ROS_LOCALHOST_ONLY. Without a range there, the range stays what it is. As in ROS, ROS_LOCALHOST_ONLY goes before the
+/// two others if it is 1.
 ///
 /// \throws std::invalid_argument if one has a value that ROS does not know; the text names the variable.
 void applyEnvironment(const Environment& environment, ros2::BusOptions& options);
@@ -26,5 +27,10 @@ ros2::DiscoveryRange parseRange(const std::string& text);
 ///
 /// \throws std::invalid_argument "expected a number from 0 to 232, found '...'"
 int parseDomain(const std::string& text);
+
+/// Reads the IPv4 address of another machine.
+///
+/// \throws std::invalid_argument "expected an IPv4 address such as 192.168.1.2, found '...'"
+std::string parsePeer(const std::string& text);
 
 }  // namespace KV::tools

@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <map>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 namespace KV::tools
 {
@@ -18,10 +20,21 @@ namespace
 // The name of a topic has at most 247 characters in ROS. The rest of a name needs up to 159.
 constexpr std::size_t longestName = 80;
 constexpr std::string_view sign = ":=";
-constexpr std::array<std::string_view, 7> topics = {"/tf",          "/tf_static", "/joint_states", "/clock",
-                                                    "/diagnostics", "/skeigiot",  "/humans"};
-constexpr std::array<std::string_view, 5> groups = {"/humans/faces", "/humans/persons", "/humans/voices",
-                                                    "/humans/interactions", "/skeigiot"};
+constexpr std::string_view ownName = "/skeigiot";  // of the node and of its topics, without a rule
+
+// The topics that are not those of Ros4hriInput.
+constexpr std::array<std::string_view, 5> otherTopics = {"/clock", "/skeigiot/scopes", "/skeigiot/verdicts",
+                                                         "/humans/interactions/gazing", "/diagnostics"};
+constexpr std::string_view persons = "/humans/persons/";
+constexpr std::array<std::string_view, 2> answersOfPersons = {"engagement_status", "affect"};
+constexpr std::array<std::string_view, 6> roots = {"/humans",        "/humans/faces",        "/humans/persons",
+                                                   "/humans/voices", "/humans/interactions", ownName};
+
+template <typename Names>
+bool isAmong(std::string_view name, const Names& names)
+{
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 bool isDigit(char character)
 {
@@ -57,17 +70,28 @@ bool isBelow(std::string_view topic, std::string_view above)
   return topic.substr(0, above.size()) == above && (topic.size() == above.size() || topic[above.size()] == '/');
 }
 
-/// Returns whether topics of the node are there with this name, or below it.
-bool areTopics(std::string_view topic)
+/// Returns whether the node publishes such a topic about a person.
+bool isAnswerOfPerson(std::string_view topic)
 {
-  const auto isAmong = [topic](std::string_view other) { return topic == other; };
-  const auto isAbove = [topic](std::string_view group) { return isBelow(topic, group); };
-  return isName(topic) &&
-         (std::any_of(topics.begin(), topics.end(), isAmong) || std::any_of(groups.begin(), groups.end(), isAbove));
+  if (topic.substr(0, persons.size()) != persons)
+    return false;
+  topic.remove_prefix(persons.size());
+  const std::size_t slash = topic.find('/');
+  return slash != std::string_view::npos && isAmong(topic.substr(slash + 1), answersOfPersons);
 }
 
-std::string absolute(const std::string& name)
+/// Returns whether the node reads or publishes the topic, with some options at least.
+bool isTopic(const std::string& name)
 {
+  return isAmong(name, otherTopics) || isAmong(name, recordings::Ros4hriInput::lists()) || isAnswerOfPerson(name) ||
+         !recordings::Ros4hriInput::typeOf(name).empty();
+}
+
+/// Returns the name in full; `node` is the name of the node that "~" stands for.
+std::string absolute(const std::string& name, std::string_view node)
+{
+  if (name == "~" || name.rfind("~/", 0) == 0)
+    return std::string(node) + name.substr(1);
   return name.empty() || name.front() == '/' ? name : "/" + name;
 }
 
@@ -80,44 +104,68 @@ void RosNames::addRule(const std::string& rule)
     throw std::invalid_argument("expected FROM:=TO, found " + recordings::quote(rule));
   const std::string from = rule.substr(0, middle);
   const std::string to = rule.substr(middle + sign.size());
+  RosNames changed = *this;
   if (from == "__node" || from == "__name")
-  {
-    if (!isPart(to) || to.size() > longestName)
-      throw std::invalid_argument("expected a name of the node with up to 80 letters, digits and '_', found " +
-                                  recordings::quote(to));
-    _node = to;
-    return;
-  }
-  if (from == "__ns")
-    throw std::invalid_argument(
-        "the node has no namespace: give its topics other names, such as /humans:=" + absolute(to) + "/humans");
+    changed._renameNode(to);
+  else if (from == "__ns")
+    throw std::invalid_argument("the node has no namespace: give its topics other names, such as /humans:=" +
+                                absolute(to, ownName) + "/humans");
+  else
+    changed._add(from, to);
+  changed._expand();
+  *this = std::move(changed);
+}
 
-  const Rule added{absolute(from), absolute(to)};
-  if (!areTopics(added.from))
+void RosNames::_renameNode(const std::string& name)
+{
+  if (!isPart(name) || name.size() > longestName)
+    throw std::invalid_argument("expected a name of the node with up to 80 letters, digits and '_', found " +
+                                recordings::quote(name));
+  if (_hasRuleForNode)
+    throw std::invalid_argument("there are two rules for the name of the node");
+  _node = name;
+  _hasRuleForNode = true;
+}
+
+void RosNames::_add(const std::string& from, const std::string& to)
+{
+  Rule added{absolute(from, ownName), to, {}, false};
+  added.isForRoot = isAmong(added.from, roots);
+  if (!isName(added.from) || !(added.isForRoot || isTopic(added.from)))
     throw std::invalid_argument(
-        "expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, /humans, or a topic below one of "
-        "the last two, found " +
+        "expected a topic that the node reads or publishes, such as /tf, or one of the roots /humans, /humans/faces, "
+        "/humans/persons, /humans/voices, /humans/interactions and /skeigiot, found " +
         recordings::quote(from));
-  if (!isName(added.to) || added.to.size() > longestName)
-    throw std::invalid_argument(
-        "expected a name with up to 80 letters, digits, '_' and '/', such as /robot1/humans, "
-        "found " +
-        recordings::quote(to));
-  for (const Rule& other : _rules)
+  const auto isSame = [&added](const Rule& other) { return other.from == added.from; };
+  if (std::any_of(_rules.begin(), _rules.end(), isSame))
+    throw std::invalid_argument("there are two rules for " + added.from);
+  const auto isBefore = [&added](const Rule& other) {
+    return other.isForRoot == added.isForRoot ? other.from.size() > added.from.size() : added.isForRoot;
+  };
+  _rules.insert(std::find_if_not(_rules.begin(), _rules.end(), isBefore), added);
+}
+
+/// Finds the other names of all rules in full.
+void RosNames::_expand()
+{
+  std::map<std::string, std::string> taken;  // what each name is for
+  for (Rule& rule : _rules)
   {
-    if (other.from == added.from)
-      throw std::invalid_argument("there are two rules for " + added.from);
-    if (other.to == added.to)
-      throw std::invalid_argument(other.from + " and " + added.from + " would both be " + added.to);
+    rule.to = absolute(rule.given, "/" + _node);
+    if (!isName(rule.to) || rule.to.size() > longestName)
+      throw std::invalid_argument(
+          "expected a name with up to 80 letters, digits, '_' and '/', such as /robot1/humans, found " +
+          recordings::quote(rule.given));
+    const auto [other, isNew] = taken.emplace(rule.to, rule.from);
+    if (!isNew)
+      throw std::invalid_argument(other->second + " and " + rule.from + " would both be " + rule.to);
   }
-  const auto isLonger = [&added](const Rule& other) { return other.from.size() > added.from.size(); };
-  _rules.insert(std::find_if_not(_rules.begin(), _rules.end(), isLonger), added);
 }
 
 std::string RosNames::outside(const std::string& topic) const
 {
   for (const Rule& rule : _rules)
-    if (isBelow(topic, rule.from))
+    if (topic == rule.from || (rule.isForRoot && isBelow(topic, rule.from)))
       return rule.to + topic.substr(rule.from.size());
   return topic;
 }
@@ -126,7 +174,7 @@ std::string RosNames::inside(const std::string& name) const
 {
   for (const Rule& rule : _rules)
   {
-    if (!isBelow(name, rule.to))
+    if (name != rule.to && !(rule.isForRoot && isBelow(name, rule.to)))
       continue;
     std::string topic = rule.from + name.substr(rule.to.size());
     if (outside(topic) == name)

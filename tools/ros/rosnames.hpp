@@ -8,17 +8,24 @@ namespace KV::tools
 
 /// The names of the node and of its topics for the other nodes, as rules of ROS change them.
 ///
-/// A rule for a topic counts for all topics below it, too: with "/humans:=/robot1/humans", the topic
-/// "/humans/faces/tracked" is "/robot1/humans/faces/tracked". Of several rules, the one for the longest name counts.
+/// As in ROS, a rule for a topic is for this topic alone. Names are absolute, or relative to the namespace "/"; "~" at
+/// the begin is the node.
+///
+/// Beyond ROS, a rule may be for a root, which has topics below it but is not a topic: "/humans", the groups in it, and
+/// "/skeigiot". It counts for all topics below it: with "/humans:=/robot1/humans", the topic "/humans/faces/tracked" is
+/// "/robot1/humans/faces/tracked". So topics have other names whatever ids they hold. A rule for a topic counts before
+/// those for its roots, and the rule for a longer root before that for a shorter one.
 ///
 /// \par Thread safety
 ///   Not synchronised; any number of threads may use an object that nobody changes.
 class RosNames
 {
 public:
-  /// Adds a rule "FROM:=TO" for a topic, or "__node:=NAME" for the node.
+  /// Adds a rule "FROM:=TO" for a topic or a root, or "__node:=NAME" for the node.
   ///
-  /// \throws std::invalid_argument for a rule that cannot be used; the text says why.
+  /// "~" in front of FROM is "/skeigiot". In front of TO, it is the node by its name, also if the name changes later.
+  ///
+  /// \throws std::invalid_argument for a rule that cannot be used; the text says why. Nothing changes then.
   void addRule(const std::string& rule);
 
   /// Returns the name of the node: "skeigiot" without a rule.
@@ -37,11 +44,18 @@ private:
   struct Rule
   {
     std::string from;
-    std::string to;
+    std::string given;  // the other name, as the rule has it
+    std::string to;     // the other name, absolute
+    bool isForRoot;
   };
 
+  void _renameNode(const std::string& name);
+  void _add(const std::string& from, const std::string& to);
+  void _expand();
+
   std::string _node = "skeigiot";
-  std::vector<Rule> _rules;  // those for longer names first
+  bool _hasRuleForNode = false;
+  std::vector<Rule> _rules;  // those for topics first, then those for longer roots
 };
 
 }  // namespace KV::tools

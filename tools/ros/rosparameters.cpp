@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -32,8 +33,9 @@ bool areAllNodes(std::string_view name)
   return name == "/**" || name == "/*";
 }
 
-/// Takes the events of a parser. Nothing is kept but the parameters of the node; aliases, which can make a small file
-/// great, are refused.
+/// Takes the events of a parser. Nothing is kept but the parameters of the node, and the names of the groups that are
+/// open. Aliases, which can make a small file great, are refused. So is a second value under the same name, which the
+/// parser does not notice.
 class Parameters : public YAML::EventHandler
 {
 public:
@@ -44,7 +46,7 @@ public:
   explicit Parameters(const std::string& parameter)
   {
     for (const std::string& name : {_node, std::string(parametersKey), parameter})
-      _levels.push_back({0, name, true, true});
+      _levels.push_back({0, name, true, true, {}});
   }
 
   const std::vector<RosParameter>& all() const { return _parameters; }
@@ -99,7 +101,7 @@ public:
       _refuse(mark, "expected names with values below it, found a list");
     _list.clear();
     _isListEmpty = true;
-    _levels.push_back({mark.line, {}, false, false});
+    _levels.push_back({mark.line, {}, false, false, {}});
   }
   void OnSequenceEnd() override
   {
@@ -111,7 +113,7 @@ public:
   void OnMapStart(const YAML::Mark& mark, const std::string&, YAML::anchor_t, YAML::EmitterStyle::value) override
   {
     _checkStart(mark, "is a list of groups");
-    _levels.push_back({mark.line, {}, true, false});
+    _levels.push_back({mark.line, {}, true, false, {}});
   }
   void OnMapEnd() override
   {
@@ -127,6 +129,7 @@ private:
     std::string name;
     bool isMap;
     bool hasName;
+    std::map<std::string, int> names;  // of a map, with their lines
   };
 
   bool _isOfTheNode(std::string_view name) const
@@ -159,6 +162,9 @@ private:
     level.line = mark.line;
     level.name = name;
     level.hasName = true;
+    const auto [earlier, isNew] = level.names.emplace(name, mark.line);
+    if (!isNew)
+      _refuseSecond(mark.line, earlier->second);
     if (_levels.size() == 1 && !_isOfTheNode(name) && _otherNode.empty())
     {
       _otherNode = name;
@@ -169,6 +175,7 @@ private:
     if (name != parametersKey)
       _refuse(mark, "expected 'ros__parameters'");
     _isNodeThere = true;
+    _linesOfNode.clear();
   }
 
   void _valueEnds()
@@ -177,10 +184,14 @@ private:
       _levels.back().hasName = false;
   }
 
+  // Groups and names with "." may mean the same parameter.
   void _add(const std::string& value)
   {
-    _parameters.push_back(
-        {_names(2), value, _placeOf(_levels.back().line), areAllNodes(_levels.front().name) && !_file.empty()});
+    const int line = _levels.back().line;
+    const auto [earlier, isNew] = _linesOfNode.emplace(_names(2), line);
+    if (!isNew)
+      _refuseSecond(line, earlier->second);
+    _parameters.push_back({_names(2), value, _placeOf(line), areAllNodes(_levels.front().name) && !_file.empty()});
   }
 
   /// The names from this level on; their beginning if they are long.
@@ -200,6 +211,13 @@ private:
 
   [[noreturn]] void _refuseAlias(const YAML::Mark& mark) const { _refuse(mark, "anchors and aliases are not read"); }
 
+  /// Refuses the present name.
+  [[noreturn]] void _refuseSecond(int line, int lineOfFirst) const
+  {
+    _refuseAt(line, _file.empty() ? "is given twice"
+                                  : "is given twice, for the first time in line " + std::to_string(lineOfFirst + 1));
+  }
+
   [[noreturn]] void _refuse(const YAML::Mark& mark, const std::string& why) const { _refuseAt(mark.line, why); }
 
   [[noreturn]] void _refuseAt(int line, const std::string& why) const
@@ -217,6 +235,7 @@ private:
   bool _isNodeThere = false;
   std::string _otherNode;  // the first one
   int _lineOfOther = 0;
+  std::map<std::string, int> _linesOfNode;  // of the parameters of the present node
   std::vector<RosParameter> _parameters;
 };
 

@@ -22,8 +22,9 @@ struct RosParameter
 /// The parameters of the node "skeigiot" are those of "skeigiot", "/skeigiot" and "/**/skeigiot"; those of all nodes
 /// are below "/**" and "/*".
 ///
-/// \throws std::invalid_argument if the file cannot be read, is longer than 1 MiB, or has no parameters of the node;
-///   the text names the file, the line and the parameter.
+/// \throws std::invalid_argument if the file cannot be read, is longer than 1 MiB, has no parameters of the node, or
+/// has
+///   a name twice in a group, also of another node; the text names the file, the line and the parameter.
 std::vector<RosParameter> readRosParameters(const std::string& file, const std::string& node);
 
 /// As above, from a stream; `name` is that of the file in errors.

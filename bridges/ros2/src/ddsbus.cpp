@@ -99,7 +99,7 @@ private:
   void _leaveQuietest();
   dds::Topic* _topic(const std::string& name, const std::string& type);
   void _registerType(const std::string& name);
-  dds::DataWriter* _makeWriter(dds::Topic* topic, const std::string& type, bool isLatched);
+  dds::DataWriter* _makeWriter(dds::Topic* topic, const std::string& type, bool isLatched, int depth);
   void _announce(const std::string& topic, const char* type, bool isLatched);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
@@ -171,7 +171,7 @@ void DdsBus::_open()
   const std::string type = ddsTypeOf("rmw_dds_common/msg/ParticipantEntitiesInfo");
   _registerType(type);
   _node.topic = _topic("ros_discovery_info", type);
-  _node.writer = _makeWriter(_node.topic, {}, true);
+  _node.writer = _makeWriter(_node.topic, {}, true, 1);
 }
 
 void DdsBus::on_publisher_discovery(dds::DomainParticipant* participant, rtps::WriterDiscoveryInfo&& info)
@@ -366,12 +366,12 @@ void DdsBus::_registerType(const std::string& name)
     _participant->register_type(dds::TypeSupport(new RawType(name)));  // which owns it
 }
 
-dds::DataWriter* DdsBus::_makeWriter(dds::Topic* topic, const std::string& type, bool isLatched)
+dds::DataWriter* DdsBus::_makeWriter(dds::Topic* topic, const std::string& type, bool isLatched, int depth)
 {
   dds::DataWriterQos qos = dds::DATAWRITER_QOS_DEFAULT;
   qos.reliability().kind = dds::RELIABLE_RELIABILITY_QOS;
   qos.durability().kind = isLatched ? dds::TRANSIENT_LOCAL_DURABILITY_QOS : dds::VOLATILE_DURABILITY_QOS;
-  qos.history().depth = isLatched ? 1 : publishedDepth;
+  qos.history().depth = depth;
   qos.endpoint().history_memory_policy = rtps::PREALLOCATED_WITH_REALLOC_MEMORY_MODE;
   qos.data_sharing().off();
   setUserData(qos.user_data(), userDataOf(type));
@@ -387,7 +387,7 @@ void DdsBus::_announce(const std::string& topic, const char* type, bool isLatche
     return;
   Writer writer;
   writer.topic = _topic(topic, type);
-  writer.writer = _makeWriter(writer.topic, type, isLatched);
+  writer.writer = _makeWriter(writer.topic, type, isLatched, publishedDepth);
   _published.emplace(topic, writer);
   _nodeChanged = true;
   _event.set();

@@ -97,6 +97,8 @@ protected:
   {
     options.domain = domainOfThisProcess();
     const auto typeOf = [](const std::string& topic) {
+      if (topic == "/text")
+        return std::string(KV::ros2::TextMessage::type);
       return topic.find("/test/") == 0 ? std::string(KV::ros2::EngagementMessage::type) : std::string();
     };
     return KV::ros2::openDdsBus(options, typeOf, [time = std::int64_t{0}]() mutable { return ++time; });
@@ -177,6 +179,21 @@ TEST_F(DdsBus, LeavesOutATopicWithALatchedMessageLast)
   const std::vector<std::string> notes = reader->takeNotes();
   ASSERT_EQ(1U, notes.size());
   EXPECT_NE(std::string::npos, notes.front().find(", such as /test/a")) << notes.front();
+}
+
+TEST_F(DdsBus, KeepsTheLastTenTextsForReadersThatComeLater)
+{
+  reader.reset();
+  writer->announceTexts("/text");
+  for (char text = 'a'; text <= 'l'; ++text)
+    writer->publish("/text", KV::ros2::TextMessage{std::string(1, text)});
+  reader = open();
+  constexpr std::size_t kept = 10;
+  EXPECT_TRUE(publishUntil({}, [this] { return received.size() >= kept; }));
+  ASSERT_EQ(kept, received.size());
+  constexpr std::size_t letter = 8;  // behind the encapsulation and the length
+  EXPECT_EQ('c', received.front().data.at(letter));
+  EXPECT_EQ('l', received.back().data.at(letter));
 }
 
 TEST_F(DdsBus, DropsTheOldestOfTooManyBytesThatNobodyTakes)

@@ -36,6 +36,15 @@ TEST(RosOptions, HavePeersWhereOtherNodesAreLookedForOnly)
   }
 }
 
+TEST(RosOptions, NamePeersByTheirAddresses)
+{
+  const CommandResult result = runCommand({"ros", "--peer", "192.168.1.2", "--peer", "robot"});
+  EXPECT_EQ(2, result.status);
+  EXPECT_NE(std::string::npos,
+            result.errors.find("--peer: expected an IPv4 address such as 192.168.1.2, found 'robot'"))
+      << result.errors;
+}
+
 TEST(RosOptions, NameOneOrTwoJointsOfTheHeadOrTheFrameOfTheBody)
 {
   for (const char* const joints : {"a,b,c", ",b"})
@@ -203,10 +212,11 @@ TEST(RosNames, OfTopicsThatAreNotThereAreRefused)
 {
   const CommandResult result = runCommand({"ros", "--remap", "/camera:=/eye"});
   EXPECT_EQ(2, result.status);
-  EXPECT_NE(std::string::npos,
-            result.errors.find("--remap: expected /tf, /tf_static, /joint_states, /clock, /diagnostics, /skeigiot, "
-                               "/humans, or a topic below one of the last two, "
-                               "found '/camera'"))
+  EXPECT_NE(
+      std::string::npos,
+      result.errors.find("--remap: expected a topic that the node reads or publishes, such as /tf, or one of the "
+                         "roots /humans, /humans/faces, /humans/persons, /humans/voices, /humans/interactions and "
+                         "/skeigiot, found '/camera'"))
       << result.errors;
 }
 

@@ -50,13 +50,18 @@ protected:
     options.hold = hold;
     options.times = times;
     options.silence = silence;
-    return RosSource(bus, options, {{&steps}, [this](std::int32_t person) { left.push_back(person); }},
-                     [this] { return KV::session::TimePoint(KV::session::Duration(now)); });
+    return RosSource(
+        bus, options, {{&steps}, [this](std::int32_t person) { left.push_back(person); }},
+        [this] { return KV::session::TimePoint(KV::session::Duration(now)); }, [this] { return steady; });
   }
+
+  /// Lets the time go on until the source is due.
+  void waitFor(const RosSource& source) { steady = std::max(steady, source.due()); }
 
   static std::string face(const std::string& id) { return support::tfMessage({support::faceFrame(id, {0., 0., 1.5})}); }
 
   std::int64_t now = begin;
+  RosSource::Clock::time_point steady{std::chrono::hours(1)};
   rostests::FakeBus bus;
   Steps steps;
   std::vector<std::int32_t> left;
@@ -158,8 +163,7 @@ TEST_F(Source, LetsPersonsBeMissingWhenNothingComesIn)
   bus.add("/tf", face("f"), begin);
   source.take(true);
   now = begin + 2 * second;
-  while (std::chrono::steady_clock::now() < source.due())
-  {}
+  waitFor(source);
   source.take(false);
 
   ASSERT_EQ(2U, steps.all.size());
@@ -173,8 +177,7 @@ TEST_F(Source, LetsPersonsBeMissingByTheTimesOfTheWritersWhenOnlyOtherMessagesCo
   RosSource source = makeSource(RosTimes::Source, 1., 0.);
   const std::string joint = support::tfMessage({{"base", "joint", {0., 0., 1.}, {0., 0., 0., 1.}}});
   const auto take = [&](const std::string& message, std::int64_t written) {
-    while (std::chrono::steady_clock::now() < source.due())
-    {}
+    waitFor(source);
     bus.add("/tf", message, begin, written);
     source.take(true);
   };
@@ -198,8 +201,7 @@ TEST_F(Source, ForgetsPersonsWhoWereNotSeenForAMinute)
   bus.add("/tf", face("g"), begin + 61 * second);
   source.take(true);
   now = begin + 61 * second;
-  while (std::chrono::steady_clock::now() < source.due())
-  {}
+  waitFor(source);
   source.take(false);
 
   EXPECT_EQ(std::vector<std::int32_t>{*steps.all[0].person}, left);
@@ -239,27 +241,78 @@ TEST_F(Source, StartsAScopeAfterWhatCameInBeforeAndBeforeWhatCameInMeanwhile)
   EXPECT_EQ(now, steps.all[2].time.time_since_epoch().count());
 }
 
-// After a message, the time goes on with the clock when the silence has lasted: here at once.
+// After a message, the time goes on with the clock when the silence has lasted.
 TEST_F(Source, GoesOnWithTheClockHoweverManyScopesStartInASilence)
 {
-  RosSource source = makeSource(RosTimes::Source, 0., 0.);
+  RosSource source = makeSource(RosTimes::Source, 1., 0.);
   KV::recordings::Step step;
   step.scopeStarts.emplace_back();
   step.scopeStarts.back().name = "greeting";
-  const auto started = std::chrono::steady_clock::now();
   bus.add("/tf", face("f"), begin, begin);
   source.take(true);
-  for (int i = 0; i < 3; ++i)
+  constexpr std::int64_t between = 2 * second;
+  for (int i = 1; i <= 3; ++i)
   {
-    while (std::chrono::steady_clock::now() < source.due())
-    {}
+    steady += std::chrono::nanoseconds(between);
     EXPECT_EQ("", source.takeScopes(step));
+    EXPECT_EQ(begin + i * between, steps.all.back().time.time_since_epoch().count());
   }
 
-  const std::int64_t present = source.present().time_since_epoch().count();
-  const std::chrono::nanoseconds passed = std::chrono::steady_clock::now() - started;
-  EXPECT_LE(begin + 1'000'000, present);
-  EXPECT_GE(begin + passed.count(), present);
+  steady += std::chrono::milliseconds(7);
+  EXPECT_EQ(begin + 3 * between + second * 7 / 1000, source.present().time_since_epoch().count());
+}
+
+TEST_F(Source, KeepsTheTimeOfTheLastMessageUntilTheSilenceHasLasted)
+{
+  RosSource source = makeSource(RosTimes::Source, 1., 0.);
+  KV::recordings::Step step;
+  step.scopeStarts.emplace_back();
+  step.scopeStarts.back().name = "greeting";
+  bus.add("/tf", face("f"), begin, begin);
+  source.take(true);
+  steady += std::chrono::milliseconds(999);
+  EXPECT_EQ("", source.takeScopes(step));
+  EXPECT_EQ(begin, steps.all.back().time.time_since_epoch().count());
+}
+
+TEST_F(Source, HoldsEachMessageForEarlierOnes)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 0.05);
+  bus.add("/tf", face("late"), begin, begin + second);
+  source.take(true);
+  steady += std::chrono::milliseconds(49);
+  EXPECT_FALSE(source.take(true));
+  bus.add("/tf", face("early"), begin, begin);
+  source.take(true);
+  steady += std::chrono::milliseconds(49);
+  EXPECT_FALSE(source.take(true)) << "the late one stays behind the early one";
+  steady += std::chrono::milliseconds(1);
+  EXPECT_TRUE(source.take(true));
+  EXPECT_EQ(2U, source.status().lines);
+  source.finish();
+  EXPECT_EQ("early", steps.all.at(0).personName);
+}
+
+TEST_F(Source, HoldsAMessageNoLongerThanItMust)
+{
+  RosSource source = makeSource(RosTimes::Source, 3600., 0.05);
+  bus.add("/tf", face("f"), begin, begin);
+  source.take(true);
+  steady += std::chrono::milliseconds(50);
+  EXPECT_TRUE(source.take(true));
+}
+
+TEST_F(Source, IsDueAgainAfterTwentyMilliseconds)
+{
+  RosSource source = makeSource(RosTimes::Arrival);
+  source.take(true);
+  EXPECT_EQ(steady + std::chrono::milliseconds(20), source.due());
+  steady += std::chrono::milliseconds(19);
+  source.take(true);
+  EXPECT_EQ(steady + std::chrono::milliseconds(1), source.due());
+  steady += std::chrono::milliseconds(1);
+  source.take(true);
+  EXPECT_EQ(steady + std::chrono::milliseconds(20), source.due());
 }
 
 TEST_F(Source, SaysWhyAScopeCannotStart)
@@ -367,8 +420,9 @@ protected:
     RosSourceOptions options;
     options.head = head;
     options.silence = 3600.;
-    return RosSource(bus, options, {{&steps}, {}},
-                     [this] { return KV::session::TimePoint(KV::session::Duration(now)); });
+    return RosSource(
+        bus, options, {{&steps}, {}}, [this] { return KV::session::TimePoint(KV::session::Duration(now)); },
+        [this] { return steady; });
   }
 
   /// Returns the angles of the head in a step, as text with their age in ms; empty without.
@@ -623,7 +677,8 @@ protected:
                       answers.remove(person);
                       ++left;
                     }},
-                   [] { return KV::session::TimePoint(KV::session::Duration(begin)); }};
+                   [] { return KV::session::TimePoint(KV::session::Duration(begin)); },
+                   [] { return RosSource::Clock::time_point(std::chrono::hours(1)); }};
 };
 
 TEST_F(CrowdInSource, LeavesNothingOfIdsThatComeAndGoAThousandTimes)

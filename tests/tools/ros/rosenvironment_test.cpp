@@ -56,12 +56,26 @@ TEST(RosEnvironment, SetsDomainRangeAndPeers)
   EXPECT_EQ((std::vector<std::string>{"192.168.1.2", "192.168.1.3"}), options.staticPeers);
 }
 
-TEST(RosEnvironment, KnowsTheOlderVariableWhichANewerOneGoesBefore)
+TEST(RosEnvironment, KnowsTheOlderVariable)
 {
   EXPECT_EQ(DiscoveryRange::Localhost, optionsIn({{"ROS_LOCALHOST_ONLY", "1"}}).range);
   EXPECT_EQ(DiscoveryRange::Subnet, optionsIn({{"ROS_LOCALHOST_ONLY", "0"}}).range);
-  EXPECT_EQ(DiscoveryRange::Off,
-            optionsIn({{"ROS_LOCALHOST_ONLY", "0"}, {"ROS_AUTOMATIC_DISCOVERY_RANGE", "OFF"}}).range);
+}
+
+TEST(RosEnvironment, StaysOnThisMachineIfTheOlderVariableSaysSoWhateverTheNewerOnesSay)
+{
+  const BusOptions options = optionsIn(
+      {{"ROS_LOCALHOST_ONLY", "1"}, {"ROS_AUTOMATIC_DISCOVERY_RANGE", "SUBNET"}, {"ROS_STATIC_PEERS", "192.168.1.2"}});
+  EXPECT_EQ(DiscoveryRange::Localhost, options.range);
+  EXPECT_TRUE(options.staticPeers.empty());
+}
+
+TEST(RosEnvironment, PrefersTheNewerVariablesToAnOlderOneThatIsOff)
+{
+  const BusOptions options = optionsIn(
+      {{"ROS_LOCALHOST_ONLY", "0"}, {"ROS_AUTOMATIC_DISCOVERY_RANGE", "OFF"}, {"ROS_STATIC_PEERS", "192.168.1.2"}});
+  EXPECT_EQ(DiscoveryRange::Off, options.range);
+  EXPECT_EQ(std::vector<std::string>{"192.168.1.2"}, options.staticPeers);
   EXPECT_EQ(DiscoveryRange::SystemDefault, optionsIn({{"ROS_AUTOMATIC_DISCOVERY_RANGE", "SYSTEM_DEFAULT"}}).range);
 }
 
@@ -79,6 +93,10 @@ TEST(RosEnvironment, RefusesValuesThatRosDoesNotKnow)
       "the environment variable ROS_AUTOMATIC_DISCOVERY_RANGE: expected off, localhost, subnet or system-default, "
       "found 'WORLD'",
       errorIn({{"ROS_AUTOMATIC_DISCOVERY_RANGE", "WORLD"}}));
+  for (const std::string peer : {"robot", "192.168.1", "192.168.1.256", "::1", "192.168.1.2 "})
+    EXPECT_EQ(
+        "the environment variable ROS_STATIC_PEERS: expected an IPv4 address such as 192.168.1.2, found '" + peer + "'",
+        errorIn({{"ROS_STATIC_PEERS", "192.168.1.2;" + peer}}));
 }
 
 }  // namespace

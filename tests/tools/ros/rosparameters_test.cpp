@@ -88,6 +88,18 @@ TEST(RosParameters, OfAllDocumentsOfAFileAreRead)
   EXPECT_EQ("robot.yaml: line 3", parameters[1].place);
 }
 
+TEST(RosParameters, MayBeThereOnceForEachFormOfTheNameOfTheNode)
+{
+  const std::vector<RosParameter> parameters = read(R"(/**: {ros__parameters: {cycle: 10, hold: 1}}
+skeigiot: {ros__parameters: {cycle: 20}}
+/skeigiot: {ros__parameters: {cycle: 30, boundary: {positive: 0.1, negative: -0.1}, look_at: [1, 1, 1]}}
+)");
+  ASSERT_EQ(7U, parameters.size());
+  EXPECT_EQ("10", parameters[0].value);
+  EXPECT_EQ("20", parameters[2].value);
+  EXPECT_EQ("30", parameters[3].value);
+}
+
 TEST(RosParameters, KeepEmptyTextsOfLists)
 {
   const std::vector<RosParameter> parameters = read("skeigiot: {ros__parameters: {a: ['', ''], b: [], c: ''}}\n");
@@ -140,6 +152,28 @@ INSTANTIATE_TEST_SUITE_P(
                     "line 3: " + std::string(80, 'a') + "...: has no value"},
         RefusedFile{"WithoutAValueInAList", head + "    look_at: [0, ~]\n", "line 3: look_at: has no value"},
         RefusedFile{"WithoutAName", head + "    ~: 3\n", "line 3: a name is missing"},
+        RefusedFile{"WithAParameterTwice", head + "    cycle: 20\n    hold: 1\n    cycle: 30\n",
+                    "line 5: cycle: is given twice, for the first time in line 3"},
+        RefusedFile{"WithAGroupTwice", head + "    boundary: {positive: 0.3}\n    boundary: {negative: -0.3}\n",
+                    "line 4: boundary: is given twice, for the first time in line 3"},
+        RefusedFile{"WithAParameterTwiceInAGroup", head + "    boundary:\n      positive: 0.3\n      positive: 0.3\n",
+                    "line 5: boundary.positive: is given twice, for the first time in line 4"},
+        RefusedFile{"WithAParameterInAGroupAndByItsFullName",
+                    head + "    boundary: {positive: 0.3}\n    boundary.positive: 0.3\n",
+                    "line 4: boundary.positive: is given twice, for the first time in line 3"},
+        RefusedFile{"WithAListTwice", head + "    look_at: [0, 1, 2]\n    look_at: [3]\n",
+                    "line 4: look_at: is given twice, for the first time in line 3"},
+        RefusedFile{"WithAParameterTwiceInQuotes", head + "    cycle: 20\n    'cycle': 20\n",
+                    "line 4: cycle: is given twice, for the first time in line 3"},
+        RefusedFile{"WithTheNodeTwice", head + "    cycle: 20\n" + head + "    cycle: 20\n",
+                    "line 4: skeigiot: is given twice, for the first time in line 1"},
+        RefusedFile{"WithTheKeyTwice", head + "    cycle: 20\n  ros__parameters: {hold: 1}\n",
+                    "line 4: skeigiot.ros__parameters: is given twice, for the first time in line 2"},
+        RefusedFile{"WithAParameterOfAllNodesTwice", "/**:\n  ros__parameters:\n    cycle: 1\n    cycle: 2\n",
+                    "line 4: cycle: is given twice, for the first time in line 3"},
+        RefusedFile{"WithAParameterOfAnotherNodeTwice",
+                    "camera:\n  ros__parameters:\n    rate: 1\n    rate: 2\n" + head + "    cycle: 20\n",
+                    "line 4: rate: is given twice, for the first time in line 3"},
         RefusedFile{"WithAListAsAName", head + "    ? [a]\n    : 3\n",
                     "line 3: expected a name, found a list or a group"},
         RefusedFile{"WithTwoAnchorsThatGrow", head + "    a: [1, 1]\n    b: &b [2, 2]\n    c: [*b, *b]\n",
@@ -228,6 +262,7 @@ TEST(RosParameters, OfTheCommandLineInAnotherFormAreRefused)
   EXPECT_EQ("cycle: has no value", refusalOfText("cycle:=~"));
   EXPECT_EQ("cycle: anchors and aliases are not read", refusalOfText("cycle:=&a 3"));
   EXPECT_EQ("cycle: is a list of lists", refusalOfText("cycle:=[[3]]"));
+  EXPECT_EQ("boundary.positive: is given twice", refusalOfText("boundary:={positive: 0.3, positive: 0.3}"));
   EXPECT_EQ(0U, refusalOfText("cycle:=[3").find("cycle: "));
   EXPECT_EQ("cycle: is no YAML: illegal EOF in scalar", refusalOfText("cycle:='3"));
 }

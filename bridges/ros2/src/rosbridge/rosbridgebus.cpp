@@ -2,6 +2,7 @@
 
 #include "event.hpp"
 #include "messagequeue.hpp"
+#include "rosbridge/fragments.hpp"
 #include "rosbridge/listedtopics.hpp"
 #include "rosbridge/reconnection.hpp"
 #include "rosbridge/rosbridgeoperations.hpp"
@@ -17,6 +18,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 namespace KV::ros2
@@ -25,6 +27,7 @@ namespace
 {
 
 constexpr std::size_t mostNoted = 1000;  // topics and texts of rosbridge that are remembered
+constexpr int keptTexts = 10;            // for readers that come later
 const char* const listType = "hri_msgs/msg/IdsList";
 
 /// Notes for the user, of which some are added once only.
@@ -77,7 +80,7 @@ public:
   void publish(const std::string& topic, const GazeMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const DiagnosticMessage& message) override { _publish(topic, message); }
   void publish(const std::string& topic, const TextMessage& message) override { _publish(topic, message); }
-  void announceTexts(const std::string& topic) override { _announce(topic, TextMessage::type); }
+  void announceTexts(const std::string& topic) override { _announce(topic, {TextMessage::type, true}); }
   void withdraw(const std::string& topic) override;
   BusCounts counts() const override;
 
@@ -90,9 +93,19 @@ private:
     std::map<std::string, std::vector<std::string>> lists;  // ids, by the topic of the list
   };
 
+  /// How a topic is published.
+  struct Published
+  {
+    std::string type;
+    bool isLatched = false;  // readers that come later get the last messages
+  };
+
   // The thread of the client calls these.
   void _takeText(const std::string& text);
+  void _takeWhole(const RosbridgeText& text);
+  void _takeFragment(RosbridgeFragment fragment);
   void _takeMessage(const RosbridgeText& text);
+  void _leaveOut(const std::string& why);
   void _refuse(const std::string& key, const std::string& note);
 
   void _followConnection(const Heard& heard);
@@ -101,7 +114,8 @@ private:
   void _noteLoss(const std::string& why, std::chrono::seconds wait);
   void _subscribe(const std::string& topic);
   std::string _typeOfOwn(const std::string& topic) const;
-  void _announce(const std::string& topic, const char* type);
+  void _announce(const std::string& topic, const Published& published);
+  void _advertise(const std::string& topic, const Published& published);
   template <typename Message>
   void _publish(const std::string& topic, const Message& message);
 
@@ -118,8 +132,10 @@ private:
   Reconnection _reconnection;
   bool _isConnecting = false;
   bool _isOpen = false;
-  std::string _lastReason;                        // for which there was no connection
-  std::map<std::string, std::string> _published;  // types, by topic
+  std::string _lastReason;                      // for which there was no connection
+  std::map<std::string, Published> _published;  // by topic
+
+  Fragments _fragments{WebSocketClient::longestText};  // of the thread of the client
 
   std::mutex _mutex;
   Heard _heard;  // guarded by _mutex
@@ -137,6 +153,7 @@ RosbridgeBus::RosbridgeBus(const RosbridgeOptions& options, TypeOf typeOf, Clock
         options.topics, options.lists, [this](const std::string& topic) { return !_typeOfOwn(topic).empty(); },
         options.mostReaders),
     _client(options.address, {[this] {
+                                _fragments.clear();
                                 const std::lock_guard lock(_mutex);
                                 _heard.isOpened = true;
                                 _event.set();
@@ -208,8 +225,8 @@ void RosbridgeBus::_begin()
 {
   for (const std::string& topic : _topics.all())
     _subscribe(topic);
-  for (const auto& [topic, type] : _published)
-    _client.send(advertiseOperation(topic, type));
+  for (const auto& [topic, published] : _published)
+    _advertise(topic, published);
 }
 
 void RosbridgeBus::_followLists(const Heard& heard)
@@ -243,14 +260,39 @@ std::string RosbridgeBus::_typeOfOwn(const std::string& topic) const
 void RosbridgeBus::_takeText(const std::string& text)
 {
   RosbridgeText read = readRosbridgeText(text);
-  switch (read.kind)
+  if (read.kind == RosbridgeText::Kind::Fragment)
+    _takeFragment(std::move(read.fragment));
+  else
+    _takeWhole(read);
+}
+
+void RosbridgeBus::_takeFragment(RosbridgeFragment fragment)
+{
+  try
+  {
+    if (const auto whole = _fragments.take(std::move(fragment)))
+      _takeWhole(readRosbridgeText(*whole));
+  }
+  catch (const std::invalid_argument& error)
+  {
+    _leaveOut(error.what());
+  }
+}
+
+void RosbridgeBus::_takeWhole(const RosbridgeText& text)
+{
+  switch (text.kind)
   {
     case RosbridgeText::Kind::Message:
-      return _takeMessage(read);
+      return _takeMessage(text);
     case RosbridgeText::Kind::Status:
-      return _notes.addOnce("status " + read.words, _name + " says: " + read.words);
+      return _notes.addOnce("status " + text.words, _name + " says: " + text.words);
+    case RosbridgeText::Kind::Information:
+      return;
+    case RosbridgeText::Kind::Fragment:
+      return _leaveOut("its fragments make a fragment");
     case RosbridgeText::Kind::Invalid:
-      _refuse(read.words, "a text of " + _name + " is left out: " + read.words);
+      return _leaveOut(text.words);
   }
 }
 
@@ -285,22 +327,33 @@ void RosbridgeBus::_takeMessage(const RosbridgeText& text)
   }
 }
 
+void RosbridgeBus::_leaveOut(const std::string& why)
+{
+  _refuse(why, "a text of " + _name + " is left out: " + why);
+}
+
 void RosbridgeBus::_refuse(const std::string& key, const std::string& note)
 {
   ++_refused;
   _notes.addOnce(key, note);
 }
 
-void RosbridgeBus::_announce(const std::string& topic, const char* type)
+void RosbridgeBus::_announce(const std::string& topic, const Published& published)
 {
-  if (_published.emplace(topic, type).second && _isOpen)
-    _client.send(advertiseOperation(topic, type));
+  if (_published.emplace(topic, published).second && _isOpen)
+    _advertise(topic, published);
+}
+
+void RosbridgeBus::_advertise(const std::string& topic, const Published& published)
+{
+  _client.send(published.isLatched ? advertiseLatchedOperation(topic, published.type, keptTexts)
+                                   : advertiseOperation(topic, published.type));
 }
 
 template <typename Message>
 void RosbridgeBus::_publish(const std::string& topic, const Message& message)
 {
-  _announce(topic, Message::type);
+  _announce(topic, {Message::type, false});
   if (_isOpen)
     _client.send(publishOperation(topic, jsonOf(message)));
 }

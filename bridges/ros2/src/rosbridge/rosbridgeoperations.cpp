@@ -2,6 +2,8 @@
 
 #include <skeigiot/recordings/inputlimits.hpp>
 
+#include <boost/optional/optional.hpp>
+
 #include <stdexcept>
 
 namespace KV::ros2
@@ -53,10 +55,35 @@ Json parse(std::string_view text)
 RosbridgeText statusOf(const Json& operation)
 {
   RosbridgeText text;
-  text.kind = Kind::Status;
+  const std::string level = textIn(operation, "level");
+  text.kind = level == "info" || level == "none" ? Kind::Information : Kind::Status;
   text.words = textIn(operation, "msg").substr(0, longestWords);
   if (text.words.empty())
     text.words = "an error without words";
+  return text;
+}
+
+/// Returns the member if it is a whole number from 0 on.
+boost::optional<std::size_t> countIn(const Json& object, const char* name)
+{
+  const auto member = object.find(name);
+  if (member == object.end() || !member->is_number_unsigned())
+    return boost::none;
+  return member->get<std::size_t>();
+}
+
+RosbridgeText fragmentOf(const Json& operation)
+{
+  const auto id = operation.find("id");
+  const auto data = operation.find("data");
+  const auto number = countIn(operation, "num");
+  const auto total = countIn(operation, "total");
+  const bool hasId = id != operation.end() && (id->is_string() || id->is_number_integer());
+  if (!hasId || data == operation.end() || !data->is_string() || !number || !total)
+    return invalid("it is a fragment without 'id', 'data', 'num' or 'total'");
+  RosbridgeText text;
+  text.kind = Kind::Fragment;
+  text.fragment = {id->dump(), data->get<std::string>(), *number, *total};
   return text;
 }
 
@@ -75,6 +102,11 @@ std::string unsubscribeOperation(const std::string& topic)
 std::string advertiseOperation(const std::string& topic, const std::string& type)
 {
   return Json{{"op", "advertise"}, {"topic", topic}, {"type", type}}.dump();
+}
+
+std::string advertiseLatchedOperation(const std::string& topic, const std::string& type, int kept)
+{
+  return Json{{"op", "advertise"}, {"topic", topic}, {"type", type}, {"latch", true}, {"queue_size", kept}}.dump();
 }
 
 std::string unadvertiseOperation(const std::string& topic)
@@ -96,8 +128,10 @@ try
   const std::string name = textIn(operation, "op");
   if (name == "status")
     return statusOf(operation);
+  if (name == "fragment")
+    return fragmentOf(operation);
   if (name != "publish")
-    return invalid("its 'op' is neither 'publish' nor 'status'");
+    return invalid("its 'op' is none of 'publish', 'fragment' and 'status'");
   RosbridgeText message;
   message.topic = textIn(operation, "topic");
   const auto member = operation.find("msg");

@@ -8,6 +8,7 @@
 #include <poll.h>
 
 #include <chrono>
+#include <cstddef>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -197,14 +198,23 @@ TEST_F(RosbridgeBus, AdvertisesATopicOnceAndUnadvertisesItWhenItIsWithdrawn)
   EXPECT_THAT(operations(1), ElementsAre("unadvertise /e"));
 }
 
-TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOne)
+TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOneAndForReadersThatComeLater)
 {
   connect();
   operations(2);
   bus->announceTexts("/v");
   bus->publish("/v", KV::ros2::TextMessage{"hi"});
-  EXPECT_EQ((json{{"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}}), server.read());
+  const json advertised = {
+      {"op", "advertise"}, {"topic", "/v"}, {"type", "std_msgs/msg/String"}, {"latch", true}, {"queue_size", 10}};
+  EXPECT_EQ(advertised, server.read());
   EXPECT_EQ((json{{"op", "publish"}, {"topic", "/v"}, {"msg", {{"data", "hi"}}}}), server.read());
+  server.hangUp();
+  takeNote();
+  steady += seconds(1);
+  bus->take();
+  server.accept();
+  follow();
+  EXPECT_EQ(advertised, server.readUntil("advertise", "/v"));
 }
 
 TEST_F(RosbridgeBus, SendsWhatWaitsAndUnadvertisesItsTopicsAtTheEnd)
@@ -296,6 +306,82 @@ TEST_F(RosbridgeBus, LeavesOutHostileTextsAndGoesOn)
                           "a message of rosbridge at " + place + " is left out: its topic was not asked for",
                           "rosbridge at " + place + " says: no such type"));
   EXPECT_EQ(5U, bus->counts().refused);
+}
+
+/// Cuts the text of a message into fragments.
+std::vector<std::string> fragmentsOf(const std::string& topic, const json& message, std::size_t count)
+{
+  const std::string text = json{{"op", "publish"}, {"topic", topic}, {"msg", message}}.dump();
+  const std::size_t length = text.size() / count + 1;
+  std::vector<std::string> fragments;
+  for (std::size_t i = 0; i < count; ++i)
+    fragments.push_back(
+        json{{"op", "fragment"}, {"id", "7"}, {"data", text.substr(i * length, length)}, {"num", i}, {"total", count}}
+            .dump());
+  return fragments;
+}
+
+TEST_F(RosbridgeBus, TakesAMessageInFragmentsInAnyOrder)
+{
+  connect();
+  const std::vector<std::string> fragments = fragmentsOf("/humans/faces/f1/expression", expressionOf("happy"), 3);
+  for (const std::size_t number : {2U, 0U, 1U})
+    server.send(fragments.at(number));
+  const BusMessage message = takeMessage();
+  EXPECT_EQ("/humans/faces/f1/expression", message.topic);
+  EXPECT_EQ("happy", wordIn(message));
+  EXPECT_EQ(1U, bus->counts().received);
+  EXPECT_THAT(bus->takeNotes(), IsEmpty());
+}
+
+TEST_F(RosbridgeBus, LeavesOutFragmentsThatMakeNoMessageAndGoesOn)
+{
+  connect();
+  server.send(R"({"op": "fragment", "id": 1, "data": "{", "num": 0, "total": 1})");
+  server.send(R"({"op": "fragment", "id": 1, "data": "{", "num": 1, "total": 1})");
+  const std::string inner = R"({"op": "fragment", "id": 1, "data": "{}", "num": 0, "total": 1})";
+  server.send(json{{"op", "fragment"}, {"id", 1}, {"data", inner}, {"num", 0}, {"total", 1}}.dump());
+  const std::string half((std::size_t{2} << 20U) + 1, ' ');
+  for (const int number : {0, 1})
+    server.send(json{{"op", "fragment"}, {"id", 1}, {"data", half}, {"num", number}, {"total", 3}}.dump());
+  server.publish("/humans/faces/f1/expression", expressionOf("happy"));
+  EXPECT_EQ("happy", wordIn(takeMessage()));
+  const std::string left = "a text of rosbridge at " + place + " is left out: ";
+  EXPECT_THAT(bus->takeNotes(),
+              ElementsAre(left + "it is no JSON", left + "the 'num' of a fragment is not below its 'total'",
+                          left + "its fragments make a fragment", left + "its fragments have more than 4194304 bytes"));
+  EXPECT_EQ(4U, bus->counts().refused);
+}
+
+TEST_F(RosbridgeBus, ForgetsFragmentsOfALostConnection)
+{
+  connect();
+  const std::vector<std::string> fragments = fragmentsOf("/humans/faces/f1/expression", expressionOf("happy"), 2);
+  server.send(fragments[0]);
+  server.publish("/humans/faces/f1/expression", expressionOf("sad"));
+  EXPECT_EQ("sad", wordIn(takeMessage()));
+  server.hangUp();
+  takeNote();
+  steady += seconds(1);
+  bus->take();
+  server.accept();
+  follow();
+  server.send(fragments[1]);
+  server.publish("/humans/faces/f1/expression", expressionOf("sad"));
+  EXPECT_EQ("sad", wordIn(takeMessage()));
+  EXPECT_EQ(2U, bus->counts().received);
+}
+
+TEST_F(RosbridgeBus, WarnsOnceOfEachErrorThatRosbridgeReports)
+{
+  connect();
+  for (const char* const level : {"error", "warning", "info", "error"})
+    server.send(json{{"op", "status"}, {"level", level}, {"msg", std::string("about ") + level}}.dump());
+  server.publish("/humans/faces/f1/expression", expressionOf("sad"));
+  EXPECT_EQ("sad", wordIn(takeMessage()));
+  const std::string says = "rosbridge at " + place + " says: about ";
+  EXPECT_THAT(bus->takeNotes(), ElementsAre(says + "error", says + "warning"));
+  EXPECT_EQ(0U, bus->counts().refused);
 }
 
 TEST_F(RosbridgeBus, EndsAConnectionWithAMessageOfMoreThanFourMebibytes)

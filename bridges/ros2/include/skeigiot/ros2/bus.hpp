@@ -79,7 +79,7 @@ public:
   virtual void publish(const std::string& topic, const TextMessage& message) = 0;  ///< As above.
 
   /// Announces a topic of texts before the first one, so that readers are there then. Readers that come later get the
-  /// last ones.
+  /// last ten.
   ///
   /// \throws std::runtime_error as above.
   virtual void announceTexts(const std::string& topic) = 0;
