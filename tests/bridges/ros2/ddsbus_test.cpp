@@ -17,13 +17,16 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -213,6 +216,55 @@ TEST_F(DdsBus, DropsTheOldestOfTooManyBytesThatNobodyTakes)
   EXPECT_LT(messages / 2, counts.dropped);
   EXPECT_LT(0U, counts.waiting);
   EXPECT_GE(options.mostBytes / sizeof(BusMessage), counts.waiting);
+}
+
+TEST_F(DdsBus, CarriesEachKindOfMessageAsItsBytes)
+{
+  const KV::ros2::ExpressionMessage expression{5, "happy", 0.5f, 0.25f, 1.f};
+  const KV::ros2::GazeMessage gaze{5, "anna", "ben"};
+  const KV::ros2::DiagnosticMessage diagnostic{5, 1, "skeigiot", "slow", {{"persons", "2"}}};
+  const KV::ros2::TextMessage text{"p1"};
+  const std::map<std::string, std::pair<std::string, KV::ros2::CdrBytes>> sent = {
+      {"/kinds/expression", {KV::ros2::ExpressionMessage::type, KV::ros2::cdrOf(expression)}},
+      {"/kinds/gaze", {KV::ros2::GazeMessage::type, KV::ros2::cdrOf(gaze)}},
+      {"/kinds/diagnostic", {KV::ros2::DiagnosticMessage::type, KV::ros2::cdrOf(diagnostic)}},
+      {"/kinds/text", {KV::ros2::TextMessage::type, KV::ros2::cdrOf(text)}}};
+  BusOptions options;
+  options.domain = domainOfThisProcess();
+  const auto typeOf = [&sent](const std::string& topic) {
+    const auto found = sent.find(topic);
+    return found == sent.end() ? std::string() : found->second.first;
+  };
+  reader = KV::ros2::openDdsBus(options, typeOf, [] { return std::int64_t{1}; });
+  writer->announceTexts("/kinds/text");
+  writer->announceTexts("/kinds/text");
+  EXPECT_EQ(1U, writer->counts().writers);
+
+  const auto haveAllCome = [&] {
+    writer->publish("/kinds/expression", expression);
+    writer->publish("/kinds/gaze", gaze);
+    writer->publish("/kinds/diagnostic", diagnostic);
+    writer->publish("/kinds/text", text);
+    return std::all_of(sent.begin(), sent.end(), [this](const auto& one) { return hasReceived(one.first); });
+  };
+  EXPECT_TRUE(publishUntil({}, haveAllCome));
+  EXPECT_EQ(4U, writer->counts().writers);
+  for (const BusMessage& message : received)
+  {
+    KV::ros2::CdrBytes bytes = sent.at(message.topic).second;
+    ASSERT_LE(bytes.size(), message.data.size());
+    EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), message.data.begin())) << message.topic;
+  }
+}
+
+TEST_F(DdsBus, CarriesMessagesWithoutAnnouncingANode)
+{
+  BusOptions options;
+  options.distribution = boost::none;
+  writer = open(options);
+  reader = open(options);
+  EXPECT_TRUE(publishUntil({"/test/a"}, [this] { return hasReceived("/test/a"); }));
+  EXPECT_EQ(1U, writer->counts().writers);
 }
 
 TEST_F(DdsBus, RefusesAPeerThatIsNoAddress)

@@ -28,6 +28,8 @@ TEST(NamesOfTypes, AreTheSameThereAndBack)
 TEST(NamesOfTypes, StayWhatTheyAreIfTheyAreNotOfRos)
 {
   EXPECT_EQ("Module::Struct", KV::ros2::rosTypeOfDds("Module::Struct"));
+  EXPECT_EQ("Module::dds_::Struct", KV::ros2::rosTypeOfDds("Module::dds_::Struct"))
+      << "there is no underscore at its end";
   EXPECT_EQ("", KV::ros2::rosTypeOfDds(""));
 }
 

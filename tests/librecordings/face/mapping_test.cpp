@@ -137,6 +137,16 @@ INSTANTIATE_TEST_SUITE_P(
         BadMappingCase{"ARestOfEmotions", R"({"emotions": {"rest": {}}})",
                        "emotions.rest: there is no such member; expected smile, joy, sorrow, surprise, anger, "
                        "laughter, excitement, calm"},
+        BadMappingCase{"NoListOfTerms", R"({"emotions": {"joy": {"sum": {"of": ["happy"]}}}})",
+                       "emotions.joy.sum: expected a list of terms, found '{\"of\":[\"happy\"]}'"},
+        BadMappingCase{
+            "AnUnknownEmotion", R"({"emotions": {"joy": {"sum": [{"of": ["joy"]}]}}})",
+            "emotions.joy.sum[0].of[0]: expected one of neutral, happy, sad, surprise, fear, disgust, anger, "
+            "found '\"joy\"'"},
+        BadMappingCase{
+            "ARestThatIsNoObject", R"({"actionUnits": {"rest": 0.1}})",
+            "actionUnits.rest: expected an object with a member for each score that does not rest at 0, found "
+            "'0.1'"},
         BadMappingCase{"AnUnknownUnit", R"({"pyFeat": {"angles": "gon"}})",
                        "pyFeat.angles: expected \"degrees\" or \"radians\", found '\"gon\"'"},
         BadMappingCase{"AnUnknownEye", R"({"blendshapes": {"eyes": {"left": 3}}})",

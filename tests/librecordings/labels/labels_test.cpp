@@ -126,7 +126,21 @@ TEST_F(LabelFile, CountsLinesInsideOfQuotes)
   EXPECT_EQ(":4: start: expected a number, found 'x'", errorOf("start,end,value\n0,1,\"a\nb\"\nx,1,c\n"));
 }
 
+TEST_F(LabelFile, OfCsvMayHaveBlanksBeforeItsFieldsAndPlusSigns)
+{
+  EXPECT_THAT(wordsOf(read("start, end, value\n+0.5, \t+1, \"a, b\"\n")), ElementsAre("0.5..1 a, b [] (anna) {}"));
+  EXPECT_EQ(":2: start: expected a number, found '++1'", errorOf("start,end,value\n++1,2,a\n"));
+}
+
 // Audacity
+
+TEST_F(LabelFile, OfAudacityMayHaveEmptyLines)
+{
+  const Labels labels = read("0\t1\ta\n\n \n2\t3\tb\n");
+  EXPECT_EQ("audacity", labels.format);
+  EXPECT_THAT(wordsOf(labels), ElementsAre("0..1 a [] (anna) {}", "2..3 b [] (anna) {}"));
+  EXPECT_EQ(":3: expected start, end and label between tabs", errorOf("0\t1\ta\n\n2\n"));
+}
 
 TEST_F(LabelFile, OfAudacityHasSpansAndPoints)
 {
@@ -198,7 +212,41 @@ TEST_F(LabelFile, OfPraatSaysWhatIsWrongAndWhere)
   EXPECT_EQ(":28: mark: a quote is not closed", errorOf(unclosed));
 }
 
+TEST_F(LabelFile, OfPraatWithAnotherKindOfValueIsRefused)
+{
+  const auto errorWith = [this](const std::string& before, const std::string& after) {
+    std::string text = shortGrid;
+    text.replace(text.find(before), before.size(), after);
+    return errorOf(text);
+  };
+  EXPECT_EQ(":9: name: expected a text in quotes, found '5'", errorWith("\"mood\"", "5"));
+  EXPECT_EQ(":10: xmin: expected a number, found '\"x\"'", errorWith("\"mood\"\n0", "\"mood\"\n\"x\""));
+  EXPECT_EQ(":10: xmin: expected a number, found '<exists>'", errorWith("\"mood\"\n0", "\"mood\"\n<exists>"));
+  EXPECT_EQ(":12: intervals of 'mood': expected how many there are", errorWith("\n4\n3\n0", "\n4\n2.5\n0"));
+  EXPECT_EQ(":12: intervals of 'mood': expected how many there are", errorWith("\n4\n3\n0", "\n4\n-1\n0"));
+  EXPECT_THAT(errorWith("<exists>", "5"), HasSubstr(": expected <exists>, found '5'"));
+  EXPECT_EQ(":8: class: expected IntervalTier or TextTier, found 'SoundTier'", errorWith("IntervalTier", "SoundTier"));
+}
+
+TEST_F(LabelFile, OfPraatMayHaveComments)
+{
+  std::string commented = shortGrid;
+  commented.replace(commented.find("\"mood\""), 0, "! the second of 2 \"codings\"\n");
+  EXPECT_EQ(wordsOf(read(shortGrid)), wordsOf(read(commented + "! the end")));
+}
+
 // BORIS
+
+TEST_F(LabelFile, OfBorisLeavesOutEventsWithoutATime)
+{
+  const Labels labels = read(
+      "Observation id\tSubject\tBehavior\tBehavior type\tStart (s)\tStop (s)\n"
+      "1\ta\tsmile\tSTATE\tNA\t2\n1\ta\tfrown\tSTATE\t1\t\n1\ta\ttouch\tPOINT\tnan\t3\n1\ta\tlaugh\tSTATE\t2\t3\n");
+  EXPECT_THAT(wordsOf(labels), ElementsAre("2..3 laugh [a] (anna) {1}"));
+  EXPECT_THAT(labels.warnings,
+              ElementsAre("line 2: has no time, and is left out", "line 3: has no time, and is left out",
+                          "line 4: has no time, and is left out"));
+}
 
 TEST_F(LabelFile, OfBorisHasEventsWithStartAndStop)
 {
@@ -256,6 +304,11 @@ TEST_F(LabelFile, OfBorisSaysWhatIsWrongAndWhere)
             errorOf(preamble + "1,f,a,smile,,,START\n2,f,a,smile,,,START\n"));
   EXPECT_EQ(":10: Status: expected START, STOP or POINT, found 'END'", errorOf(preamble + "1,f,a,smile,,,END\n"));
   EXPECT_EQ(":10: Time: expected a number, found 'x'", errorOf(preamble + "x,f,a,smile,,,START\n"));
+  EXPECT_EQ(":11: Time: the event stops before it starts",
+            errorOf(preamble + "2,f,a,smile,,,START\n1,f,a,smile,,,STOP\n"));
+  EXPECT_EQ(
+      ":2: Stop (s): the event stops before it starts",
+      errorOf("Observation id\tSubject\tBehavior\tBehavior type\tStart (s)\tStop (s)\n1\ta\tsmile\tSTATE\t2\t1\n"));
 }
 
 // ELAN
@@ -330,6 +383,11 @@ TEST_F(LabelFile, OfElanSaysWhatIsWrongAndWhere)
 {
   EXPECT_THAT(errorOf(elan(slot("a", "0"), "<TIER")), HasSubstr("is damaged or cut"));
   EXPECT_EQ(":5: TIME_VALUE: expected a number, found 'x'", errorOf(elan(slot("a", "x"), "")));
+  EXPECT_EQ(":5: TIME_SLOT_ID: is missing", errorOf(elan("<TIME_SLOT TIME_VALUE=\"1\"/>\n", "")));
+  EXPECT_EQ(":6: TIME_SLOT_ID: 'a' is there twice", errorOf(elan(slot("a", "0") + slot("a", "1"), "")));
+  std::string ofFrames = elan(slot("a", "0"), "");
+  ofFrames.replace(ofFrames.find("milliseconds"), 12, "PAL-frames");
+  EXPECT_EQ(":3: TIME_UNITS: expected milliseconds, found 'PAL-frames'", errorOf(ofFrames));
   EXPECT_EQ(":8: TIME_SLOT_REF2: there is no time slot 'z'",
             errorOf(elan(slot("a", "0"), tier("t", aligned("1", "a", "z", "v")))));
   EXPECT_EQ(":9: TIME_SLOT_REF2: the annotation ends before it begins",

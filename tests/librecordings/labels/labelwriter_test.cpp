@@ -243,6 +243,8 @@ TEST_F(WrittenLabels, OfElanNeedADocumentThatIsNotDeep)
   EXPECT_EQ("no error", errorOf(nested(KV::recordings::limits::deepestXml + 1)));
   EXPECT_EQ(":1: is nested more than 100 levels deep", errorOf(nested(KV::recordings::limits::deepestXml + 2)));
   EXPECT_EQ(":1: is nested more than 100 levels deep", errorOf(nested(1'000'000)));
+  EXPECT_THAT(errorOf("<ANNOTATION_DOCUMENT>\n<TIER></ANNOTATION_DOCUMENT>"),
+              ::testing::StartsWith(":2: is damaged or cut: "));
   EXPECT_EQ(": has no element ANNOTATION_DOCUMENT at its top", errorOf("<!-- <ANNOTATION_DOCUMENT --><other/>"));
 }
 

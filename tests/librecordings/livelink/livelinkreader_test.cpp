@@ -125,6 +125,12 @@ TEST_F(LiveLinkReader, CountsRowsAtAGivenRate)
       ElementsAre("0 0+", "100 0+"));
 }
 
+TEST_F(LiveLinkReader, NeedsATimecode)
+{
+  const std::string path = folder.write("face.csv", "Time,BlendShapeCount\n0,61\n");
+  EXPECT_EQ(path + ":1: there is no column Timecode", support::contentsOf(path, "livelink").fatal);
+}
+
 TEST_F(LiveLinkReader, NamesWhatItCannotRead)
 {
   EXPECT_EQ("2: Timecode: expected a time HH:MM:SS:FF.frac, in frames of a sixtieth of a second, found '1.5'",

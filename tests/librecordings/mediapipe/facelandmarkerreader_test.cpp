@@ -294,6 +294,16 @@ TEST_F(FaceLandmarkerReader, NamesWhatItCannotRead)
                     R"({"score":"x","categoryName":"jawOpen"}]}]})"));
   EXPECT_EQ("1: faceBlendshapes[0].categories[0]: expected a category with a text categoryName, found '{\"score\":1}'",
             errorOf(R"({"faceBlendshapes":[{"categories":[{"score":1}]}]})"));
+  EXPECT_EQ("1: faceBlendshapes[0][0]: expected a category, with score and categoryName, found '7'",
+            errorOf(R"({"faceBlendshapes":[[7]]})"));
+  EXPECT_EQ("1: faceBlendshapes[0][0]: expected a category with a score, found '{\"categoryName\":\"jawOpen\"}'",
+            errorOf(R"({"faceBlendshapes":[[{"categoryName":"jawOpen"}]]})"));
+  EXPECT_EQ(
+      "1: facialTransformationMatrixes[0][1]: expected a transformation: 4 times 4 numbers, of which the last row is "
+      "0, 0, 0, 1, found '[1,2,3]'",
+      errorOf(R"({"facialTransformationMatrixes":[[[1,0,0,0],[1,2,3],[0,0,1,0],[0,0,0,1]]]})"));
+  EXPECT_EQ("1: timestampMs: expected milliseconds, from the start of the recording or since 1970, found '1e+15'",
+            errorOf(R"({"timestampMs":1e15,"faceBlendshapes":[]})"));
   EXPECT_EQ("1: faceBlendshapes[0]: expected a list of categories, found '5'", errorOf(R"({"faceBlendshapes":[5]})"));
   EXPECT_EQ("1: faceBlendshapes: expected a list with an element for each face, found '{}'",
             errorOf(R"({"faceBlendshapes":{}})"));

@@ -1,3 +1,5 @@
+#include "face/pose.hpp"
+
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/lookat.hpp>
 
@@ -135,6 +137,24 @@ TEST(LookAt, DoesNotMoveTheAxisIfItWasAskedForOrNothingIsLearned)
       yaw = adapter.read(face, at(0.1 * i), rest).headPosture->yaw();
     EXPECT_NEAR(20.f, yaw, tolerance);
   }
+}
+
+TEST(LookAt, IsDescribedForEachOfItsKinds)
+{
+  const auto described = [](const char* text, bool positionIsKnown = true) {
+    ReadingOptions options;
+    options.lookAt = parseLookAt(text);
+    return describeOrigin(options, FrontEnd::OpenFace, positionIsKnown);
+  };
+  EXPECT_EQ("counted from where the head rests", described("learned"));
+  EXPECT_EQ("counted from where the head rests", described("learned", false));
+  EXPECT_EQ("counted from the optical axis of the camera", described("axis"));
+  EXPECT_EQ("counted from the line of sight to the camera", described("camera"));
+  EXPECT_EQ("counted from the optical axis of the camera", described("camera", false));
+  EXPECT_EQ(
+      "counted from the line of sight to the robot, from the camera 0.5 m to the right, -0.25 m down, 0 m forward",
+      described("0.5,-0.25,0"));
+  EXPECT_EQ("counted from the optical axis of the camera", described("0.5,-0.25,0", false));
 }
 
 }  // namespace

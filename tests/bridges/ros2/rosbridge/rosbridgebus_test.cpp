@@ -255,6 +255,16 @@ TEST_F(RosbridgeBus, SaysOnceWhyThereIsNoConnectionAndTriesAgainAfterASecond)
   EXPECT_EQ("/e", late.readUntil("advertise", "/e")["topic"]);
 }
 
+TEST_F(RosbridgeBus, SaysThatTheHostIsNotFound)
+{
+  KV::ros2::RosbridgeOptions options = optionsOf(server.port());
+  options.address.host = std::string(64, 'a');  // longer than a label may be, so that nobody is asked for it
+  open(options);
+  bus->take();
+  EXPECT_THAT(takeNote(),
+              ::testing::StartsWith("there is no connection with rosbridge at " + place + ": the host is not found: "));
+}
+
 TEST_F(RosbridgeBus, SubscribesAndAdvertisesAnewAfterTheConnectionWasLost)
 {
   connect();

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string>
@@ -75,6 +76,22 @@ TEST(RosJson, OfANumberThatNoFloatCanHoldIsInfinite)
   float confidence = 0.f;
   std::memcpy(&confidence, bytes.data() + bytes.size() - sizeof(float), sizeof(confidence));
   EXPECT_EQ(-std::numeric_limits<float>::infinity(), confidence);
+}
+
+TEST(RosJson, OfAMatchHasItsKindsInOneByteEach)
+{
+  json match = {{"id1", "a"}, {"id1_type", -128}, {"id2", "b"}, {"id2_type", 127}, {"confidence", 1e300}};
+  const KV::ros2::CdrBytes bytes = cdrOfJson(match, "hri_msgs/msg/IdsMatch");
+  // 4 bytes in front; "a" takes 4 + 2 bytes and its kind 1; "b" begins at the next multiple of 4.
+  EXPECT_EQ(-128, static_cast<std::int8_t>(bytes.at(4 + 6)));
+  EXPECT_EQ(127, static_cast<std::int8_t>(bytes.at(4 + 8 + 6)));
+  float confidence = 0.f;
+  std::memcpy(&confidence, bytes.data() + bytes.size() - sizeof(float), sizeof(confidence));
+  EXPECT_EQ(std::numeric_limits<float>::infinity(), confidence);
+  match["id1_type"] = 128;
+  EXPECT_EQ("its member 'id1_type': is out of its range", refusalOf(match, "hri_msgs/msg/IdsMatch"));
+  match["id1_type"] = -129;
+  EXPECT_EQ("its member 'id1_type': is out of its range", refusalOf(match, "hri_msgs/msg/IdsMatch"));
 }
 
 TEST(RosJson, OfSpeechMayBeThatOfAnyVersion)
