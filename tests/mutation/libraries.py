@@ -59,8 +59,8 @@ def part_of(file: str) -> Part:
 def own_tests(project: pathlib.Path, file: str) -> list[str]:
     """Returns patterns of the tests of the file's component, as a test program takes them for a filter.
 
-    Those are the tests in the folder of the same name, or, for a file in no folder, in the files of its own name. There are
-    none if the component has no tests of its own.
+    Those are the tests in the folder of the same name, or, for a file in no folder, in the files of its own name. The list is
+    empty for a component without tests of its own.
     """
     library = part_of(file).library
     path = pathlib.PurePath(file).relative_to(f"{library}/src")
