@@ -51,11 +51,6 @@ class Mutant:
         words = "\0".join((self.file, self.kind, self.before, self.after, str(self.number)))
         return hashlib.sha1(words.encode()).hexdigest()[:8]
 
-    @property
-    def is_in_header(self) -> bool:
-        """Returns whether several units may include the file."""
-        return self.file.endswith(".hpp")
-
     def applied_to(self, text: str) -> str:
         """Returns the text with the change, and with as many lines as it had."""
         lost = text.count("\n", self.start, self.end) - self.replacement.count("\n")
@@ -182,10 +177,11 @@ def _other_numbers(number: str) -> Iterator[str]:
         return
     digits, suffix = match["digits"].replace("'", ""), match["suffix"]
     if digits.lower().startswith("0x") or digits.isdigit():
-        value = int(digits, 0)
+        base, form = _whole_number_form(digits)
+        value = int(digits, base)
         for other in (value + 1, value - 1):
             if other >= 0:
-                yield (hex(other) if digits[:2].lower() == "0x" else str(other)) + suffix
+                yield form.format(other) + suffix
         return
     real = decimal.Decimal(digits)
     if real == 0:
@@ -194,6 +190,13 @@ def _other_numbers(number: str) -> Iterator[str]:
     scaled = str((real * decimal.Decimal("1.01")).normalize())
     yield (scaled if "." in scaled or "E" in scaled else scaled + ".") + suffix
     yield "0." + suffix
+
+
+def _whole_number_form(digits: str) -> tuple[int, str]:
+    """Returns the base in which the number is written, and how to write another one in it."""
+    if digits[:2].lower() == "0x":
+        return 16, "{:#x}"
+    return (8, "0{:o}") if len(digits) > 1 and digits.startswith("0") else (10, "{}")
 
 
 def _condition_changes(source: Source, index: int, text: str) -> Iterator[_Change]:

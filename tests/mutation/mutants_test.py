@@ -5,7 +5,12 @@ import tempfile
 import unittest
 
 from equivalents import Equivalent, read_equivalents, stale_entries
+from libraries import PARTS, own_tests, part_of
 from mutants import find_mutants
+from mutate import table
+from trial import KILLED, NOT_COMPILED, SURVIVED, TIMED_OUT, Outcome
+
+_PROJECT = pathlib.Path(__file__).parents[2]
 
 
 def changes(text: str, kind: str = "") -> list[str]:
@@ -47,6 +52,7 @@ class Constants(unittest.TestCase):
         self.assertCountEqual(["int x = 8;", "int x = 6;"], changes("int x = 7;"))
         self.assertEqual(["unsigned x = 1U;"], changes("unsigned x = 0U;"))
         self.assertCountEqual(["int x = 0x11;", "int x = 0xf;"], changes("int x = 0x10;"))
+        self.assertCountEqual(["int x = 0100;", "int x = 076;"], changes("int x = 077;"))
 
     def test_real_numbers_move_a_little_and_become_nought(self) -> None:
         self.assertCountEqual(["float x = 0.6565f;", "float x = 0.f;"], changes("float x = 0.65f;"))
@@ -126,6 +132,51 @@ class Layout(unittest.TestCase):
         in_class = {mutant.line for mutant in find_mutants("f", text) if mutant.changes_layout}
         elsewhere = {mutant.line for mutant in find_mutants("f", text) if not mutant.changes_layout}
         self.assertEqual(({8}, {1, 4, 9}), (in_class, elsewhere))
+
+
+class Libraries(unittest.TestCase):
+    def test_a_file_belongs_to_the_library_whose_folder_it_is_in(self) -> None:
+        for file, library in (("libko/src/log.cpp", "libko"), ("libemotion/src/ramp.hpp", "libemotion"),
+                              ("librecordings/src/csv/csvrows.cpp", "librecordings"),
+                              ("libsession/src/live/stream.cpp", "libsession"),
+                              ("bridges/ros2/src/names.cpp", "bridges/ros2"),
+                              ("bridges/ros2/src/rosbridge/rosjson.cpp", "bridges/ros2")):
+            self.assertEqual(library, part_of(file).library, file)
+        with self.assertRaises(ValueError):
+            part_of("tools/main.cpp")
+
+    def test_studies_and_each_bridge_have_test_programs_of_their_own(self) -> None:
+        self.assertEqual(["study_tests"], list(part_of("libsession/src/study/study.cpp").groups[0]))
+        self.assertEqual(["session_tests"], list(part_of("libsession/src/live/stream.cpp").groups[0]))
+        self.assertEqual(["rosbridge_tests"], list(part_of("bridges/ros2/src/rosbridge/rosjson.cpp").groups[0]))
+        self.assertEqual(["ros2_tests"], list(part_of("bridges/ros2/src/names.cpp").groups[0]))
+
+    def test_every_part_has_sources_and_every_program_is_made_in_its_folder(self) -> None:
+        for part in PARTS:
+            self.assertTrue(any(list(_PROJECT.glob(pattern)) for pattern in part.sources), part.sources)
+            for group in part.groups:
+                for program, folder in group.items():
+                    name = program if not program.startswith("Initialised") else "Initialised"
+                    self.assertIn(name, (_PROJECT / folder / "CMakeLists.txt").read_text(encoding="utf-8"))
+
+    def test_a_component_has_the_tests_of_its_folder_or_of_its_name(self) -> None:
+        self.assertIn("CsvRows.*", own_tests(_PROJECT, "librecordings/src/csv/csvrows.cpp"))
+        self.assertIn("CsvRows.*", own_tests(_PROJECT, "librecordings/src/csv/csvheader.cpp"))
+        self.assertNotIn("Mapping.*", own_tests(_PROJECT, "librecordings/src/csv/csvrows.cpp"))
+        self.assertIn("Log.*", own_tests(_PROJECT, "libko/src/log.cpp"))
+        self.assertEqual([], own_tests(_PROJECT, "libko/src/cborcheck.cpp"))
+
+
+class Table(unittest.TestCase):
+    def test_each_library_is_counted_by_itself(self) -> None:
+        mutants = find_mutants("libko/src/log.cpp", "x = a + b;\nx = c + d;\nx = e + f;\nx = g + h;\nx = i + j;")
+        states = (KILLED, TIMED_OUT, SURVIVED, SURVIVED, NOT_COMPILED)
+        results = [(mutant, Outcome(state)) for mutant, state in zip(mutants, states, strict=True)]
+        results += [(mutant, Outcome(KILLED)) for mutant in find_mutants("libsession/src/live/stream.cpp", "x = a + b;")]
+        same = Equivalent("libko/src/log.cpp", "x = g + h;", "x = g - h;", 1)
+        rows = [line.split() for line in table(results, [same])[1:]]
+        self.assertEqual([["libko", "5", "1", "1", "1", "1", "1", "66.7", "97"],
+                          ["libsession", "1", "1", "0", "0", "0", "0", "100.0", "93"]], rows)
 
 
 class Equivalents(unittest.TestCase):

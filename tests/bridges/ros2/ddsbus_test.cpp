@@ -43,11 +43,11 @@ int domainOfThisProcess()
   return 101 + static_cast<int>(::getpid() % 100);
 }
 
-/// Writes one message on a topic, which readers that come later get, too.
+/// Writes one message on a topic, which readers that come later get, too. The user data may say the layout of the type.
 class LatchedWriter
 {
 public:
-  explicit LatchedWriter(const std::string& topic)
+  explicit LatchedWriter(const std::string& topic, const std::string& userData = "")
   {
     BusOptions options;
     options.domain = domainOfThisProcess();
@@ -57,6 +57,7 @@ public:
     dds::TypeSupport(new KV::ros2::RawType(type)).register_type(_participant);
     dds::DataWriterQos qos = dds::DATAWRITER_QOS_DEFAULT;
     qos.durability().kind = dds::TRANSIENT_LOCAL_DURABILITY_QOS;
+    qos.user_data().data_vec({userData.begin(), userData.end()});
     qos.endpoint().history_memory_policy = eprosima::fastrtps::rtps::PREALLOCATED_WITH_REALLOC_MEMORY_MODE;
     dds::DataWriter* const writer =
         _participant->create_publisher(dds::PUBLISHER_QOS_DEFAULT)
@@ -197,6 +198,23 @@ TEST_F(DdsBus, KeepsTheLastTenTextsForReadersThatComeLater)
   constexpr std::size_t letter = 8;  // behind the encapsulation and the length
   EXPECT_EQ('c', received.front().data.at(letter));
   EXPECT_EQ('l', received.back().data.at(letter));
+}
+
+TEST_F(DdsBus, RefusesAWriterWhoseTypeHasAnotherLayout)
+{
+  const LatchedWriter other("/test/a", "typehash=RIHS01_00;");
+  std::vector<std::string> notes;
+
+  EXPECT_TRUE(publishUntil({}, [this, &notes] {
+    for (std::string& note : reader->takeNotes())
+      notes.push_back(std::move(note));
+    return !notes.empty();
+  }));
+
+  ASSERT_EQ(1U, notes.size());
+  EXPECT_EQ(0U, notes.front().find("a writer of the topic /test/a is refused: ")) << notes.front();
+  EXPECT_NE(std::string::npos, notes.front().find(" have another layout, with the hash RIHS01_00, ")) << notes.front();
+  EXPECT_FALSE(hasReceived("/test/a"));
 }
 
 TEST_F(DdsBus, DropsTheOldestOfTooManyBytesThatNobodyTakes)
