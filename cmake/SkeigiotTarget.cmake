@@ -24,10 +24,12 @@ function(skeigiot_configure_target target)
     target_link_options(${target} PRIVATE -fsanitize=${SKEIGIOT_SANITIZE})
   endif()
   if(SKEIGIOT_COVERAGE)
-    # Only functions of the two libraries are counted, in any program that has them; code that the compiler adds to a static
-    # variable, for two threads that need it for the first time at once, is not.
+    # Only functions of the libraries, the bridge and the Python module are counted, in any program that has them; code that
+    # the compiler adds to a static variable, for two threads that need it for the first time at once, is not.
+    set(counted lib\(ko|emotion|recordings|session\)/\(include|src\) bridges/ros2/\(include|src\) python/src)
+    list(JOIN counted "|" counted)
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fno-threadsafe-statics
-                                             -fprofile-filter-files=/lib\(ko|emotion\)/\(include|src\)/)
+                                             -fprofile-filter-files=/\(${counted}\)/)
     target_link_options(${target} PRIVATE --coverage)
   endif()
   if(SKEIGIOT_HARDENED)
