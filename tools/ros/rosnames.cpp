@@ -87,7 +87,7 @@ bool isTopic(const std::string& name)
          !recordings::Ros4hriInput::typeOf(name).empty();
 }
 
-/// Returns the name in full; `node` is the name of the node that "~" stands for.
+/// Returns the full name. "~" in it becomes the name of the node.
 std::string absolute(const std::string& name, std::string_view node)
 {
   if (name == "~" || name.rfind("~/", 0) == 0)

@@ -41,6 +41,14 @@ public:
 constexpr std::int64_t second = 1'000'000'000;
 constexpr std::int64_t begin = 1'700'000'000 * second;
 
+KV::recordings::Step greetingStarts()
+{
+  KV::recordings::Step step;
+  step.scopeStarts.emplace_back();
+  step.scopeStarts.back().name = "greeting";
+  return step;
+}
+
 class Source : public ::testing::Test
 {
 protected:
@@ -210,10 +218,7 @@ TEST_F(Source, ForgetsPersonsWhoWereNotSeenForAMinute)
 TEST_F(Source, StartsAndStopsScopes)
 {
   RosSource source = makeSource(RosTimes::Arrival);
-  KV::recordings::Step step;
-  step.scopeStarts.emplace_back();
-  step.scopeStarts.back().name = "greeting";
-  EXPECT_EQ("", source.takeScopes(step));
+  EXPECT_EQ("", source.takeScopes(greetingStarts()));
   EXPECT_EQ(begin, steps.all.at(0).time.time_since_epoch().count());
 }
 
@@ -224,10 +229,7 @@ TEST_F(Source, StartsAScopeAfterWhatCameInBeforeAndBeforeWhatCameInMeanwhile)
   bus.add("/tf", face("f"), begin);
   EXPECT_TRUE(source.take(true));
   now = begin + 5 * millisecond;
-  KV::recordings::Step step;
-  step.scopeStarts.emplace_back();
-  step.scopeStarts.back().name = "greeting";
-  EXPECT_EQ("", source.takeScopes(step));
+  EXPECT_EQ("", source.takeScopes(greetingStarts()));
   bus.add("/tf", face("f"), begin + 2 * millisecond);
   EXPECT_TRUE(source.take(true));
   source.finish();
@@ -245,16 +247,13 @@ TEST_F(Source, StartsAScopeAfterWhatCameInBeforeAndBeforeWhatCameInMeanwhile)
 TEST_F(Source, GoesOnWithTheClockHoweverManyScopesStartInASilence)
 {
   RosSource source = makeSource(RosTimes::Source, 1., 0.);
-  KV::recordings::Step step;
-  step.scopeStarts.emplace_back();
-  step.scopeStarts.back().name = "greeting";
   bus.add("/tf", face("f"), begin, begin);
   source.take(true);
   constexpr std::int64_t between = 2 * second;
   for (int i = 1; i <= 3; ++i)
   {
     steady += std::chrono::nanoseconds(between);
-    EXPECT_EQ("", source.takeScopes(step));
+    EXPECT_EQ("", source.takeScopes(greetingStarts()));
     EXPECT_EQ(begin + i * between, steps.all.back().time.time_since_epoch().count());
   }
 
@@ -265,13 +264,10 @@ TEST_F(Source, GoesOnWithTheClockHoweverManyScopesStartInASilence)
 TEST_F(Source, KeepsTheTimeOfTheLastMessageUntilTheSilenceHasLasted)
 {
   RosSource source = makeSource(RosTimes::Source, 1., 0.);
-  KV::recordings::Step step;
-  step.scopeStarts.emplace_back();
-  step.scopeStarts.back().name = "greeting";
   bus.add("/tf", face("f"), begin, begin);
   source.take(true);
   steady += std::chrono::milliseconds(999);
-  EXPECT_EQ("", source.takeScopes(step));
+  EXPECT_EQ("", source.takeScopes(greetingStarts()));
   EXPECT_EQ(begin, steps.all.back().time.time_since_epoch().count());
 }
 
