@@ -38,13 +38,13 @@ void countCall()
 /// Counts a call that needs room on the disk; returns whether there is any.
 bool hasRoom()
 {
-  if (callsUntilFull == never)
+  // Threads that write at the same time each count a call of their own: none counts below 0.
+  std::size_t left = callsUntilFull;
+  while (left > 0 && left != never)
+    if (callsUntilFull.compare_exchange_weak(left, left - 1))
+      return true;
+  if (left == never)
     return true;
-  if (callsUntilFull > 0)
-  {
-    --callsUntilFull;
-    return true;
-  }
   wasFull = true;
   errno = ENOSPC;
   return false;
