@@ -86,6 +86,15 @@ protected:
     follow();
   }
 
+  /// Lets the bus connect again, after a lost connection.
+  void connectAgain()
+  {
+    steady += seconds(1);
+    bus->take();
+    server.accept();
+    follow();
+  }
+
   /// Waits until the bus has something to do, and lets it do that.
   std::vector<BusMessage> follow()
   {
@@ -210,10 +219,7 @@ TEST_F(RosbridgeBus, AdvertisesATopicOfTextsBeforeTheFirstOneAndForReadersThatCo
   EXPECT_EQ((json{{"op", "publish"}, {"topic", "/v"}, {"msg", {{"data", "hi"}}}}), server.read());
   server.hangUp();
   takeNote();
-  steady += seconds(1);
-  bus->take();
-  server.accept();
-  follow();
+  connectAgain();
   EXPECT_EQ(advertised, server.readUntil("advertise", "/v"));
 }
 
@@ -276,10 +282,7 @@ TEST_F(RosbridgeBus, SubscribesAndAdvertisesAnewAfterTheConnectionWasLost)
   server.hangUp();
   EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
   EXPECT_EQ(0U, bus->counts().writers);
-  steady += seconds(1);
-  bus->take();
-  server.accept();
-  follow();
+  connectAgain();
   EXPECT_THAT(operations(4), UnorderedElementsAre("subscribe /humans/faces/tracked", "subscribe /humans/persons/known",
                                                   "subscribe /humans/faces/f1/expression", "advertise /e"));
   server.publish("/humans/faces/f1/expression", expressionOf("sad"));
@@ -372,10 +375,7 @@ TEST_F(RosbridgeBus, ForgetsFragmentsOfALostConnection)
   EXPECT_EQ("sad", wordIn(takeMessage()));
   server.hangUp();
   takeNote();
-  steady += seconds(1);
-  bus->take();
-  server.accept();
-  follow();
+  connectAgain();
   server.send(fragments[1]);
   server.publish("/humans/faces/f1/expression", expressionOf("sad"));
   EXPECT_EQ("sad", wordIn(takeMessage()));
