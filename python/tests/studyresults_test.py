@@ -148,7 +148,7 @@ def test_files_that_are_no_results_are_refused(tmp_path):
 
 @pytest.mark.parametrize("script", [
     "CREATE VIEW notes AS WITH RECURSIVE r(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM r) SELECT x FROM r",
-    "CREATE TABLE notes (session TEXT, number INTEGER, kind TEXT, text TEXT AS (printf('%.*c', 900000000, 'x')));"
+    "CREATE TABLE notes (session TEXT, number INTEGER, kind TEXT, text TEXT AS (zeroblob(900000000)));"
     "INSERT INTO notes VALUES ('a', 1, 'note')",
 ])  # fmt: skip
 def test_results_that_compute_their_contents_are_refused(study, tmp_path, script):
