@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,7 +59,14 @@ public:
 
   py::object youngest() override
   {
-    return objectOf(unlocked([&] { return KV::Timestamped<T>(_memory.youngest()); }));
+    // The library's youngest() returns a reference, which another thread may end: so the copy is made under the lock.
+    return objectOf(unlocked([&] {
+      const boost::lock_guard<boost::mutex> lock(_memory.mutex());
+      _memory._forgetOld();
+      if (_memory.records().empty())
+        throw std::range_error("The ShortTermMemory is empty.");
+      return KV::Timestamped<T>(*_memory.records().begin());
+    }));
   }
 
   py::list records() const override
