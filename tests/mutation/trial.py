@@ -157,6 +157,7 @@ class Trial:
                    "SKEIGIOT_PRECOMPILED_HEADERS": "ON", "SKEIGIOT_BUILD_EXAMPLES": "OFF", "SKEIGIOT_PYTHON": "OFF"}
         if shutil.which("clang++"):  # makes the most of precompiled headers, and lets what is undefined end the test
             options["CMAKE_CXX_COMPILER"] = "clang++"
+            options["CMAKE_C_COMPILER"] = "clang"  # whose precompiled headers end in the same letters
             options["CMAKE_CXX_FLAGS"] = "-fsanitize=undefined -fno-sanitize=vptr,function -fsanitize-trap=undefined"
         if shutil.which("ld.lld"):
             options["CMAKE_EXE_LINKER_FLAGS"] = options["CMAKE_SHARED_LINKER_FLAGS"] = "-fuse-ld=lld"

@@ -73,6 +73,7 @@ TEST(Comparison, OrdersMapsByKeyThenElement)
 {
   using Map = std::map<std::string, int>;
   expectAscending({Value::from(Map{}), Value::from(Map{{"a", 1}}), Value::from(Map{{"a", 1}, {"b", 0}}),
+                   Value::from(Map{{"a", 1}, {"b", 2}}), Value::from(Map{{"a", 1}, {"c", 1}}),
                    Value::from(Map{{"a", 2}}), Value::from(Map{{"b", 0}})});
 }
 
