@@ -251,6 +251,19 @@ TEST_F(FaceLandmarkerReader, TakesTheTimesThatWereAdded)
               ElementsAre("0 0+", "100 0+"));
 }
 
+TEST_F(FaceLandmarkerReader, TakesTheFirstOfSeveralTimesInOneResult)
+{
+  EXPECT_THAT(stepsIn(R"({"timestamp":0.5,"time":0.7,"timestampMs":100,"timestamp_ms":200,"faceBlendshapes":[[]]})"
+                      "\n"
+                      R"({"timestamp":0.5,"time":0.7,"timestamp_ms":200,"faceBlendshapes":[[]]})"
+                      "\n"
+                      R"({"time":0.7,"timestamp":0.5,"faceBlendshapes":[[]]})"
+                      "\n"
+                      R"({"time":0.7,"faceBlendshapes":[[]]})"
+                      "\n"),
+              ElementsAre("100 0+", "200 0+", "500 0+", "700 0+"));
+}
+
 TEST_F(FaceLandmarkerReader, WarnsOfMillisecondsInPlaceOfSeconds)
 {
   const auto contents = readWell(R"({"timestamp":33,"faceBlendshapes":[[]]})"
@@ -369,6 +382,23 @@ TEST_F(BlendshapeCsvReader, ReadsTheMatrix)
   EXPECT_FLOAT_EQ(0.5f, left.distance.value().value);
   EXPECT_THAT(errorOf(header + "\n1,0,0,0,0" + std::string(",5,5,5,5,5,5,5,5,5,5,5,5,5,5,5,5") + "\n"),
               HasSubstr("2: matrix_15: expected a transformation"));
+}
+
+TEST_F(BlendshapeCsvReader, ReadsTheMatrixByTheFirstOfItsNames)
+{
+  const std::vector<std::string> prefixes = {"matrix_", "facialTransformationMatrix_", "facial_transformation_matrix_",
+                                             "transformation_"};
+  std::string header;
+  std::string matrices;
+  for (std::size_t before = prefixes.size(); before > 0; --before)  // each name comes after those that count less
+  {
+    for (int i = 0; i < 16; ++i)
+      header += "," + prefixes[before - 1] + std::to_string(i);
+    matrices += "," + numbers(turned(10 * static_cast<int>(before)));
+    const auto face = observed(table + header + "\n1,0,0,0,0" + matrices + "\n", fromTheAxis());
+    EXPECT_NEAR(-10. * static_cast<double>(before), face.headPosture.value().value.yaw(), tolerance)
+        << prefixes[before - 1];
+  }
 }
 
 TEST_F(BlendshapeCsvReader, ReportsTimesFacesAndConfidence)

@@ -141,6 +141,21 @@ TEST_F(PyFeatReader, TakesAllAnglesForDegreesIfOneOfTheFirstIsBeyondHalfATurn)
               HasSubstr("angles in degrees, since one of the first rows is beyond 3.2"));
 }
 
+TEST_F(PyFeatReader, TakesHalfATurnAndALittleForRadians)
+{
+  EXPECT_NEAR(-183.3465f, postureIn(poseHeader + "0.9,0,0,-3.2,0\n").yaw(), tolerance);
+  EXPECT_FLOAT_EQ(-3.2001f, postureIn(poseHeader + "0.9,0,0,-3.2001,0\n").yaw());
+}
+
+TEST_F(PyFeatReader, DescribesTheConventionOfAngles)
+{
+  EXPECT_EQ(
+      "py-feat: angles in radians, since none of the first rows is beyond 3.2, Pitch down (a guess), Yaw to the own "
+      "right, "
+      "Roll to the own right shoulder, counted from the optical axis of the camera, not mirrored",
+      readWell(poseHeader + "0.9,0.5,0,-1,0\n").description.front());
+}
+
 TEST_F(PyFeatReader, TurnsYawToTheOwnRightAndRollToTheOwnRightShoulder)
 {
   const auto posture = postureIn(poseHeader + "0.9,0,10,20,0\n");
