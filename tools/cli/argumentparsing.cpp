@@ -72,7 +72,8 @@ CLI::Option* addTexts(CLI::App& command, const std::string& name, const std::str
     }
     catch (const std::invalid_argument& error)
     {
-      throw CLI::ValidationError(name.substr(name.rfind(',') + 1), error.what());  // of "-s,--long" the second name
+      const std::size_t comma = name.rfind(',');  // of "-s,--long" the second name
+      throw CLI::ValidationError(comma == std::string::npos ? name : name.substr(comma + 1), error.what());
     }
   };
   return command.add_option_function<std::vector<std::string>>(name, take, help)

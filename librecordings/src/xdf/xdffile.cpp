@@ -153,9 +153,9 @@ void XdfFile::_readChunks(XdfBytes& bytes)
 void XdfFile::_readChunk(XdfBytes& bytes, std::uint64_t length)
 {
   const auto tag = bytes.number<std::uint16_t>();
-  const std::uint64_t end = bytes.position() + length;
-  if (end < length)
+  if (length > std::numeric_limits<std::uint64_t>::max() - bytes.position())
     throw XdfDamage("a chunk is longer than any file");
+  const std::uint64_t end = bytes.position() + length;
   if (tag == Samples && length >= idSize)
     _readSamples(bytes);
   else if (tag == StreamHeader && length >= idSize)

@@ -23,9 +23,9 @@ public:
     : _parts(parts), _path(path), _values(values), _fits(parts.size() + 1, std::vector<bool>(path.size() + 1, false))
   {
     _fits[parts.size()][path.size()] = true;
-    for (std::size_t part = parts.size(); part-- > 0;)
-      for (std::size_t at = path.size() + 1; at-- > 0;)
-        _fits[part][at] = _fitsAt(part, at);
+    for (std::size_t part = parts.size(); part > 0; --part)
+      for (std::size_t at = path.size() + 1; at > 0; --at)
+        _fits[part - 1][at - 1] = _fitsAt(part - 1, at - 1);
   }
 
   bool succeeds() const { return _fits[0][0]; }
