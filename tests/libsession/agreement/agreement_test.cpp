@@ -1,3 +1,4 @@
+#include <skeigiot/personstate.hpp>
 #include <skeigiot/recordings/interruptioncheck.hpp>
 #include <skeigiot/session/agreement.hpp>
 #include <skeigiot/session/agreementrecorder.hpp>
@@ -7,6 +8,7 @@
 
 #include <boost/chrono/duration.hpp>
 
+#include <cmath>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -203,6 +205,16 @@ TEST_F(AgreementOfLabels, ComparesEngagementAndZones)
   EXPECT_NEAR(1., measured(agreement.comparisons[0].undelayed, "kappa"), precision);
   EXPECT_EQ("zone", agreement.comparisons[2].quantity);
   EXPECT_NEAR(0.5, measured(agreement.comparisons[2].undelayed, "accuracy"), precision);
+}
+
+TEST_F(AgreementOfLabels, CountsTheBoundaryOfEngagementAsEngaged)
+{
+  const float boundary = KV::PersonState::getBinaryBoundaryLookingAtRobot();
+  for (int i = 0; i < 100; ++i)
+    recorder.personUpdated(update(1, 0.1 * i, 0.f, i < 50 ? boundary : std::nextafter(boundary, 0.f)));
+  add(0., 5., "engaged");
+  add(5., 10., "not-engaged");
+  EXPECT_NEAR(1., measured(compare().comparisons[0].undelayed, "accuracy"), precision);
 }
 
 TEST_F(AgreementOfLabels, ComparesTracksAndTheirDelay)

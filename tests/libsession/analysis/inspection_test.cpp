@@ -2,7 +2,7 @@
 
 #include <skeigiot/session/inspection.hpp>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <limits>
 
@@ -135,3 +135,18 @@ TEST(TrustInARecording, WithoutPersonsIsNone)
 }
 
 }  // namespace
+
+TEST(TrustInARecording, MissesNoExpressionsWhereSmileAndSpeakingStandInForThem)
+{
+  auto step = entryAt(0.);
+  step.person = 1;
+  step.observation.headPosture.emplace(step.time, KV::HeadPosture(0.f, 0.f, 0.f));
+  step.observation.smile.emplace(step.time, KV::Smile(0.5f, 1.f));
+  Inspection smiling;
+  smiling.add(step);
+  EXPECT_THAT(KV::session::trustIn(smiling), ::testing::HasSubstr("no expressions: valence stays unknown"));
+  step.observation.speaking.emplace(step.time, true);
+  Inspection speaking;
+  speaking.add(step);
+  EXPECT_EQ("seen in 100 % of steps; head 0 / 0 degrees right / up on average", KV::session::trustIn(speaking));
+}

@@ -187,6 +187,22 @@ TEST_F(StudyPlan, ListsSessionsInTheOrderOfTheirNames)
   EXPECT_THAT(plan.sessions[1].faults, IsEmpty()) << "the voice is optional";
 }
 
+TEST_F(StudyPlan, GivesEachSessionTheLabelsThatPatternsFind)
+{
+  add("p01/hello/face.csv", face);
+  add("p01/hello/anna.csv", "from,to,label\n0,1,positive\n");
+  add("p02/hello/face.csv", face);
+  const session::StudyPlan plan = planOf(files +
+                                         "[[labels]]\npattern = \"{participant}/{condition}/anna.csv\"\noffset = "
+                                         "0.25\ntier = \"affect\"\noptional = true\n");
+  ASSERT_EQ(2U, plan.sessions.size());
+  ASSERT_EQ(1U, plan.sessions[0].labels.size());
+  EXPECT_EQ("p01/hello/anna.csv", plan.sessions[0].labels[0].path);
+  EXPECT_EQ(250000000, plan.sessions[0].labels[0].offset.count());
+  EXPECT_EQ("affect", plan.sessions[0].labels[0].tier);
+  EXPECT_THAT(plan.sessions[1].labels, IsEmpty());
+}
+
 TEST_F(StudyPlan, NotesWhatIsMissingOrDoubled)
 {
   add("p01/hello/face1.csv", face);
