@@ -395,7 +395,9 @@ TEST_F(BlendshapeCsvReader, ReadsTheMatrixByTheFirstOfItsNames)
     for (int i = 0; i < 16; ++i)
       header += "," + prefixes[before - 1] + std::to_string(i);
     matrices += "," + numbers(turned(10 * static_cast<int>(before)));
-    const auto face = observed(table + header + "\n1,0,0,0,0" + matrices + "\n", fromTheAxis());
+    std::string text = table;
+    text.append(header).append("\n1,0,0,0,0").append(matrices).append("\n");
+    const auto face = observed(text, fromTheAxis());
     EXPECT_NEAR(-10. * static_cast<double>(before), face.headPosture.value().value.yaw(), tolerance)
         << prefixes[before - 1];
   }
