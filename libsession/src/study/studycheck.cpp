@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <set>
 #include <utility>
 
 namespace KV::session
@@ -46,20 +45,16 @@ public:
     if (_steps++ == 0)
       _first = step.time;
     _last = step.time;
-    if (step.person && _persons.size() < 10000)
-      _persons.insert(*step.person);
   }
 
   std::size_t steps() const { return _steps; }
   TimePoint first() const { return _first; }
   TimePoint last() const { return _last; }
-  const std::set<std::int32_t>& persons() const { return _persons; }
 
 private:
   std::size_t _steps = 0;
   TimePoint _first;
   TimePoint _last;
-  std::set<std::int32_t> _persons;
 };
 
 struct CheckedFile
