@@ -61,4 +61,25 @@ TEST(Report, ShowsWhatIsAddedToTheSession)
   EXPECT_THAT(page.str(), HasSubstr(R"("video":{"address":"face.webm","offset":0.5})"));
 }
 
+TEST(Report, SaysWhatItWasToldOfTheRecording)
+{
+  if (!KV::session::Report::isAvailable())
+    GTEST_SKIP() << "built without the page of the report";
+  KV::session::Report report;
+  report.recordingDated(false);
+  report.recordingDescribed({"angles in degrees"});
+  {
+    KV::session::Session session({}, {&report});
+    KV::recordings::Step step = seenAt(0., 7);
+    step.ambianceActivity = 0.5f;
+    session.play(step);
+    session.finish();
+  }
+  std::ostringstream page;
+  report.write(page, {"face.csv"}, {});
+  EXPECT_THAT(page.str(), HasSubstr("\"begins\":null")) << "its times have no date";
+  EXPECT_THAT(page.str(), HasSubstr("angles in degrees"));
+  EXPECT_THAT(page.str(), ::testing::Not(HasSubstr("\"ambiance\":[]"))) << "it watches the room";
+}
+
 }  // namespace

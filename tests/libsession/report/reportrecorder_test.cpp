@@ -163,4 +163,36 @@ TEST(ReportRecorder, KnowsTheRoomAndTheScopes)
   EXPECT_EQ(10U, recorder.scopes().front().of(1).updates);
 }
 
+TEST(ReportRecorder, ThinsTheRoomAndKeepsItsExtremes)
+{
+  ReportRecorder::Limits limits;
+  limits.moments = 30;
+  ReportRecorder recorder{limits};
+  constexpr int steps = 1000;
+  KV::session::Session session({}, {&recorder});
+  for (int i = 0; i < steps; ++i)
+  {
+    Step entry = stepAt(i);
+    entry.ambianceActivity = i == 500 ? 1.f : 0.f;
+    session.play(entry);
+  }
+  session.finish();
+  const auto isCalmer = [](const auto& left, const auto& right) { return left.agitation < right.agitation; };
+  const std::vector<ReportRecorder::Ambiance> all = recorder.ambiance();
+  ASSERT_EQ(std::size_t{steps}, all.size());
+  recorder.finish();
+  const std::vector<ReportRecorder::Ambiance>& kept = recorder.ambiance();
+  EXPECT_LE(kept.size(), 3U * 11U) << "the first, the least and the greatest of each of 10 stretches and a rest";
+  ASSERT_GT(recorder.stretch(), KV::session::Duration(0));
+  EXPECT_GT(static_cast<std::int64_t>(kept.size()), all.back().time / recorder.stretch())
+      << "the first of each stretch";
+  EXPECT_EQ(all.front().time, kept.front().time);
+  const auto greatest = std::max_element(all.begin(), all.end(), isCalmer);
+  const auto keptGreatest = std::max_element(kept.begin(), kept.end(), isCalmer);
+  EXPECT_EQ(greatest->agitation, keptGreatest->agitation);
+  EXPECT_EQ(greatest->time, keptGreatest->time);
+  EXPECT_TRUE(std::is_sorted(kept.begin(), kept.end(),
+                             [](const auto& left, const auto& right) { return left.time < right.time; }));
+}
+
 }  // namespace

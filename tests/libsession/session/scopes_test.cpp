@@ -334,6 +334,15 @@ TEST(ScopesOfSpans, HaveTheUpdatesWithinThemHoweverTheyOverlap)
   }
 }
 
+TEST(ScopeEnds, HaveNames)
+{
+  std::vector<std::string> names;
+  for (const ScopeEnd end :
+       {ScopeEnd::Complete, ScopeEnd::NotStopped, ScopeEnd::CutShort, ScopeEnd::NotReached, ScopeEnd::NotOpen})
+    names.emplace_back(scopeEndName(end));
+  EXPECT_EQ((std::vector<std::string>{"complete", "not stopped", "cut short", "not reached", "not open"}), names);
+}
+
 TEST(Scopes, JudgeAsTheRecorderDoes)
 {
   constexpr std::mt19937::result_type seed = 5;

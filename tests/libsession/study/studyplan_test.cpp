@@ -385,6 +385,17 @@ TEST_F(StudyPlan, CannotBeDraftedWithoutARecording)
   EXPECT_THROW(session::draftStudy(folder.path("")), KV::recordings::Error);
 }
 
+TEST(StudyProblem, HasANameForEachKind)
+{
+  using Kind = session::StudyProblem::Kind;
+  std::vector<std::string> names;
+  for (const Kind kind : {Kind::Missing, Kind::Doubled, Kind::TooMany, Kind::TooShort, Kind::Unsynchronised,
+                          Kind::Unreadable, Kind::Unused})
+    names.emplace_back(session::problemName(kind));
+  EXPECT_THAT(names, ElementsAre("missing", "doubled", "too many files", "too short", "not synchronised", "unreadable",
+                                 "not used"));
+}
+
 TEST(StudyShard, IsOneOfTheParts)
 {
   const session::StudyShard shard = session::parseShard("3/16");
