@@ -211,8 +211,8 @@ bool isFace(const Group& group)
                      [&group](const char* name) { return group.formats.find(name) != std::string::npos; });
 }
 
-/// Writes a text as TOML takes it.
-std::string quoted(const std::string& text)
+/// Returns the text as a string of TOML. It is not named "quoted": std::quoted would be found, too, and fit better.
+std::string asToml(const std::string& text)
 {
   constexpr std::string_view digits = "0123456789abcdef";
   std::string result = "\"";
@@ -255,7 +255,7 @@ void write(std::ostream& out, const Kind& kind, std::size_t sessions, bool isFir
 {
   const Group& group = kind.group;
   out << "\n[[" << (group.areLabels ? "labels" : "files") << "]]  # " << counted(group.names.size(), "file") << ": "
-      << group.formats << "\npattern = " << quoted(kind.pattern) << "\n";
+      << group.formats << "\npattern = " << asToml(kind.pattern) << "\n";
   if (group.names.size() < sessions)
     out << (isFirst ? "# " : "optional = true  # ") << sessions - group.names.size() << " of "
         << counted(sessions, "session") << ": no such file\n";
@@ -318,7 +318,7 @@ std::string draftStudy(const std::string& folder)
   out.exceptions(std::ios::badbit);  // else a lack of memory would cut the text
   out << "# A study: which files make one session, and how they are read. Change what is not right, then run\n"
          "# \"skeigiot study check\". Paths are relative to the folder of this file.\n\n[study]\nversion = 1\nname = "
-      << quoted(nameOfFolder(folder)) << "\nminimum-length = 5          # seconds; a shorter session is a problem\n";
+      << asToml(nameOfFolder(folder)) << "\nminimum-length = 5          # seconds; a shorter session is a problem\n";
   std::vector<Kind> kinds;
   for (const Group& group : groups)
   {
@@ -334,7 +334,7 @@ std::string draftStudy(const std::string& folder)
     write(out, kind, sessions, &kind == &kinds.front());
   constexpr std::size_t mostNamed = 10;
   for (std::size_t i = 0; i < std::min(mostNamed, unknown.size()); ++i)
-    out << (i == 0 ? "\n" : "") << "# not used: " << quoted(unknown[i]) << "\n";
+    out << (i == 0 ? "\n" : "") << "# not used: " << asToml(unknown[i]) << "\n";
   if (unknown.size() > mostNamed)
     out << "# not used: " << unknown.size() - mostNamed << " more\n";
   out << ending;

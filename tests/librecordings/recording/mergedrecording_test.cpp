@@ -299,4 +299,32 @@ TEST_F(MergedRecordings, NameTheInputOfAWarning)
               ElementsAre("b: columns that are not read: mood"));
 }
 
+TEST_F(MergedRecordings, AreReadAsFarAsTheMeanOfTheirInputs)
+{
+  const auto recording =
+      open({{"a", header + "0,1,smile,1\n1,1,smile,1\n"}, {"b", header + "0.5,1,asrEmotion,1\n5,1,asrEmotion,1\n"}});
+  double last = recording->progress();
+  while (recording->next())
+  {
+    EXPECT_GE(recording->progress(), last);
+    EXPECT_LE(recording->progress(), 1.);
+    last = recording->progress();
+  }
+  EXPECT_EQ(1., recording->progress());
+}
+
+TEST_F(MergedRecordings, NameTheInputWhoseFaceWasLearned)
+{
+  std::string calm = "frame,face_id,timestamp,confidence,success,AU04_r,AU12_r\n";
+  for (int i = 0; i < 900; ++i)
+    calm += std::to_string(i) + ",0," + std::to_string(i * 0.1) + ",0.95,1," + (i % 7 == 0 ? "1.1" : "1") + ",0.1\n";
+  const auto recording = open({{"face", calm}, {"voice", header + "0,0,asrEmotion,1\n"}});
+  while (recording->next())
+  {}
+  const std::vector<std::string> learned = recording->describeLearned();
+  ASSERT_FALSE(learned.empty());
+  for (const std::string& line : learned)
+    EXPECT_THAT(line, StartsWith("face: "));
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "librecordings/bits.hpp"
 #include "librecordings/support.hpp"
+#include "support/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -129,6 +130,58 @@ TEST_F(TableTest, HasAnUnknownReadingWhereAPartOfItIsMissing)
                      {"gaze.yaw", yaws.data(), {}},
                      {"gaze.pitch", pitches.data(), {}}}};
   expectSame("time,person,reading,value,yaw,pitch\n0,3,gaze,,1.5,2.5\n0.1,3,seen,true,,\n0.2,4,seen,true,,\n", table);
+}
+
+TEST_F(TableTest, TakesNumbersThatAreTexts)
+{
+  const std::vector<std::string> smiles = {"0.7", "+1", "1e-1"};
+  expectSame("time,person,reading,value\n0,3,smile,0.7\n0.1,3,smile,1\n0.2,4,smile,0.1\n",
+             {"table", 3, {{"time", times.data(), {}}, {"person", persons.data(), {}}, {"smile", nullptr, smiles}}});
+}
+
+TEST_F(TableTest, RefusesWhatIsNoNumber)
+{
+  const std::vector<std::string> smiles = {"0.7", "wide", "0.5 "};
+  const std::vector<double> halves = {3., 3.5, 4.};
+  const auto badLinesOf = [](const Table& table) {
+    return support::contentsOf(*KV::recordings::openTable(table)).badLines;
+  };
+  EXPECT_THAT(
+      badLinesOf(
+          {"table", 3, {{"time", times.data(), {}}, {"person", persons.data(), {}}, {"smile", nullptr, smiles}}}),
+      testing::ElementsAre("table, row 1: smile: expected a number, found 'wide'",
+                           "table, row 2: smile: expected a number, found '0.5 '"));
+  EXPECT_THAT(
+      badLinesOf(
+          {"table", 3, {{"time", times.data(), {}}, {"person", halves.data(), {}}, {"smile", persons.data(), {}}}}),
+      testing::Contains("table, row 1: person: expected a whole number, found '3.5'"));
+}
+
+TEST_F(TableTest, WithoutAReadingIsRefused)
+{
+  const std::vector<double> heights = {1., 2., 3.};
+  for (const char* const name : {"smiles", "gaze.roll", "gaze", "heights.value", "nothing.confidence"})
+    EXPECT_EQ("table: no column is a reading, such as 'smile', 'gaze.yaw' and 'gaze.pitch', 'expressions.joy'",
+              support::textThrownBy<KV::recordings::Error>([&] {
+                KV::recordings::openTable({"table", 3, {{"time", times.data(), {}}, {name, heights.data(), {}}}});
+              }))
+        << name;
+}
+
+TEST_F(TableTest, SaysHowFarItIsRead)
+{
+  const std::vector<double> smiles = {0.7, 0.1, 0.2};
+  const auto reader =
+      KV::recordings::openTable({"table", 3, {{"time", times.data(), {}}, {"smile", smiles.data(), {}}}});
+  double last = reader->progress();
+  EXPECT_EQ(0., last);
+  while (reader->next())
+  {
+    EXPECT_GE(reader->progress(), last);
+    last = reader->progress();
+  }
+  EXPECT_EQ(1., reader->progress());
+  EXPECT_THAT(reader->columns().used, testing::ElementsAre("time", "smile"));
 }
 
 TEST_F(TableTest, KnowsTheNamesOfItsColumns)

@@ -104,8 +104,14 @@ mirrored = true
 camera-height = 1.2
 mapping = "mine.json"
 boundary-positive = 0.3
+format = "openface"
+min-confidence = 0.25
+au-full-scale = 4
 )");
   EXPECT_EQ("greetings", study.name);
+  EXPECT_EQ("openface", study.format);
+  EXPECT_EQ(0.25F, study.reading.minimalConfidence);
+  EXPECT_EQ(4.F, study.reading.actionUnitFullScale);
   EXPECT_EQ(folder.path("mine.json"), study.reading.mapping);
   EXPECT_EQ(10., study.minimalLength);
   EXPECT_EQ(0.5, study.greatestDifference);

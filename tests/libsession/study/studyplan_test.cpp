@@ -379,6 +379,30 @@ TEST_F(StudyPlan, IsDraftedWithTheFaceFirst)
   EXPECT_LT(draft.find("libreface.csv"), draft.find("audio.csv")) << draft;
 }
 
+TEST_F(StudyPlan, DraftNamesFilesThatItDoesNotUse)
+{
+  add("p01/hello/face.csv", face);
+  add("p02/hello/face.csv", face);
+  for (int i = 10; i < 21; ++i)
+    add("notes" + std::to_string(i) + "_\"a\\b\".csv", "nothing that is known\n");
+  add("notes21_\x01.csv", "nothing that is known\n");
+  const std::string draft = session::draftStudy(folder.path(""));
+  EXPECT_THAT(draft, HasSubstr(R"(# not used: "notes10_\"a\\b\".csv")"));
+  EXPECT_THAT(draft, HasSubstr("# not used: 2 more\n"));
+  EXPECT_EQ(std::string::npos, draft.find('\x01'));
+  folder.write("study.toml", draft);
+  EXPECT_EQ(2U, session::planStudy(session::readStudy(folder.path("study.toml"))).sessions.size());
+}
+
+TEST_F(StudyPlan, IsOneSessionWithoutPlaceholders)
+{
+  add("face.csv", face);
+  const session::StudyPlan plan = planOf("[[files]]\npattern = \"face.csv\"\n");
+  ASSERT_EQ(1U, plan.sessions.size());
+  EXPECT_EQ("session", plan.sessions[0].name);
+  EXPECT_EQ("", plan.sessions[0].participant);
+}
+
 TEST_F(StudyPlan, CannotBeDraftedWithoutARecording)
 {
   add("a/notes.txt", "nothing");

@@ -380,6 +380,41 @@ TEST_F(StudyRun, SetsTheBoundariesOfTheStudyAndPutsTheOthersBack)
   EXPECT_EQ(before, after);
 }
 
+TEST_F(StudyRun, RefusesABoundaryThatIsOutOfItsRange)
+{
+  folder.add("p01/hello/face.csv", touches);
+  session::Study study = folder.study(faces);
+  study.boundaries["boundary-positive"] = 7.f;
+  EXPECT_THAT(support::textThrownBy<std::invalid_argument>(
+                  [&] { session::runStudy(study, session::planStudy(study), target, {}); }),
+              ::testing::StartsWith("boundary-positive: 7 does not lie "));
+  EXPECT_FALSE(std::filesystem::exists(target.results));
+}
+
+TEST_F(StudyRun, PlaysTheFilesOfASessionAsOneRecording)
+{
+  folder.add("p01/hello/face.csv", touches);
+  folder.add("p01/hello/voice.csv", head + "0.25,1,speaking,true\n2,2,speaking,true\n");
+  run(faces +
+      "[[files]]\npattern = \"{participant}/{condition}/voice.csv\"\noffset = 0.5\n"
+      "[results]\nupdates = true\n[options]\ncycle = \"recorded\"\n");
+  EXPECT_EQ("1|0.0\n1|0.5\n1|0.75\n1|1.0\n2|2.5\n", rows("SELECT person, time FROM updates WHERE seen ORDER BY time"));
+}
+
+TEST_F(StudyRun, NotesTheRoomAndWhatWasLearned)
+{
+  std::string calm = "frame,face_id,timestamp,confidence,success,AU04_r,AU12_r\n";
+  for (int i = 0; i < 900; ++i)
+    calm += std::to_string(i) + ",0," + std::to_string(i * 0.1) + ",0.95,1," + (i % 7 == 0 ? "1.1" : "1") + ",0.1\n";
+  folder.add("p01/hello/face.csv", calm);
+  folder.add("p02/hello/face.csv",
+             "{\"time\":1577836800000000000,\"ambiance\":{\"activity\":0.5}}\n"
+             "{\"time\":1577836800500000000,\"person\":1,\"observation\":{}}\n");
+  run(faces);
+  EXPECT_NE("0\n", rows("SELECT count(*) FROM notes WHERE session = 'p01/hello' AND kind = 'learned'"));
+  EXPECT_EQ("p02/hello|complete\n", rows("SELECT session, status FROM sessions WHERE session = 'p02/hello'"));
+}
+
 TEST_F(StudyRun, KeepsTheSessionsThatWereDoneBeforeItWasInterrupted)
 {
   for (const char* const name : {"p01", "p02", "p03"})
