@@ -338,6 +338,18 @@ TEST_F(AgreementOfLabels, FindsPersonsByNameNumberAndTier)
   EXPECT_EQ(7U, agreement.comparisons.size()) << "anna: all, 1, 2; ben: all, 2; both: all, 2";
 }
 
+TEST_F(AgreementOfLabels, NamesEightOfManyPersonsWhoAreNotThere)
+{
+  play(1, 10., 5.);
+  play(2, 10., 5.);
+  add(0., 10., "neutral", "1");
+  for (int i = 11; i <= 20; ++i)
+    add(0., 10., "positive", std::to_string(i));
+  EXPECT_THAT(compare().warnings,
+              ElementsAre("labels of persons who are not in the recording left out: '11' (1), '12' (1), '13' (1), "
+                          "'14' (1), '15' (1), '16' (1), '17' (1), '18' (1), and 2 more"));
+}
+
 TEST_F(AgreementOfLabels, TakesTheOneNameForTheOnePerson)
 {
   play(4, 10., 5.);

@@ -163,6 +163,23 @@ TEST(ReportRecorder, KnowsTheRoomAndTheScopes)
   EXPECT_EQ(10U, recorder.scopes().front().of(1).updates);
 }
 
+TEST(ReportRecorder, ListsScopesByTheirBeginningAndLongerOnesFirst)
+{
+  ReportRecorder recorder{ReportRecorder::Limits()};
+  KV::session::Session session({{"late", milliseconds(500), KV::session::Duration(milliseconds(600))},
+                                {"short", KV::session::Duration(0), KV::session::Duration(milliseconds(200))},
+                                {"all", KV::session::Duration(0), boost::none}},
+                               {&recorder});
+  for (int i = 0; i < 10; ++i)
+    session.play(stepAt(i));
+  session.finish();
+  recorder.finish();
+  ASSERT_EQ(3U, recorder.scopes().size());
+  EXPECT_EQ("all", recorder.scopes()[0].name);
+  EXPECT_EQ("short", recorder.scopes()[1].name);
+  EXPECT_EQ("late", recorder.scopes()[2].name);
+}
+
 TEST(ReportRecorder, ThinsTheRoomAndKeepsItsExtremes)
 {
   ReportRecorder::Limits limits;
