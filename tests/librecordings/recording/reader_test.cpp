@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <fstream>
+#include <numeric>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,7 +31,7 @@ struct SmallRecording
   bool isTable;  ///< has columns
 };
 
-/// What each reader keeps to, whatever its format.
+/// A reader, of any format.
 class EveryReader : public ::testing::TestWithParam<SmallRecording>
 {
 protected:
@@ -106,6 +109,69 @@ INSTANTIATE_TEST_SUITE_P(Of, EveryReader,
                                            SmallRecording{"TidyCsv", "tidy/many-readings.csv", "tidy", true},
                                            SmallRecording{"Whisper", "whisper/whisperx.json", "whisper", false},
                                            SmallRecording{"Xdf", "xdf/markers.xdf", "xdf", false}),
+                         support::RowName());
+
+/// A recording of one row for each face and frame, and the field that has its time.
+struct SmallTable
+{
+  const char* name;
+  const char* file;
+  const char* time;
+};
+
+class EveryTableOfFaces : public ::testing::TestWithParam<SmallTable>
+{
+protected:
+  EveryTableOfFaces()
+  {
+    std::ifstream file(std::string(SKEIGIOT_FUZZ_CORPUS "/") + GetParam().file);
+    for (std::string line; std::getline(file, line);)
+      lines.push_back(line + "\n");
+  }
+
+  /// Writes the lines to a file, and returns its path.
+  std::string written() const
+  {
+    return folder.write("face", std::accumulate(lines.begin(), lines.end(), std::string()));
+  }
+
+  static std::ptrdiff_t facesIn(const support::Contents& contents)
+  {
+    return std::count_if(contents.entries.begin(), contents.entries.end(), [](const auto& step) { return step.seen; });
+  }
+
+  support::TemporaryFolder folder;
+  std::vector<std::string> lines;
+};
+
+TEST_P(EveryTableOfFaces, NamesTheFieldOfATimeThatRunsBackwards)
+{
+  const std::ptrdiff_t faces = facesIn(support::contentsOf(written()));
+  lines.push_back(lines[lines.front()[0] == '{' ? 0 : 1]);
+  const support::Contents contents = support::contentsOf(written());
+  ASSERT_EQ(1U, contents.badLines.size());
+  EXPECT_THAT(contents.badLines[0], ::testing::StartsWith(folder.path("face") + ":" + std::to_string(lines.size()) +
+                                                          ": " + GetParam().time + ": time runs backwards"));
+  EXPECT_EQ(faces, facesIn(contents)) << "nothing that was good is lost";
+}
+
+TEST_P(EveryTableOfFaces, RefusesSemicolonsBetweenItsColumns)
+{
+  const bool isJson = lines.front()[0] == '{';  // which has no columns
+  for (std::string& line : lines)
+    std::replace(line.begin(), line.end(), ',', ';');
+  const std::string error =
+      ":1: the columns are separated by semicolons; expected commas, and numbers with a decimal point";
+  EXPECT_EQ(!isJson, support::contentsOf(written()).fatal == folder.path("face") + error);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, EveryTableOfFaces,
+                         ::testing::Values(SmallTable{"Blendshapes", "blendshapes/scores.csv", "timestamp"},
+                                           SmallTable{"LibreFace", "libreface/face.csv", "frame_time_in_ms"},
+                                           SmallTable{"LiveLink", "livelink/face.csv", "Timecode"},
+                                           SmallTable{"MediaPipe", "mediapipe/lines.jsonl", "timestamp"},
+                                           SmallTable{"OpenFace", "openface/one-face.csv", "timestamp"},
+                                           SmallTable{"PyFeat", "pyfeat/degrees.csv", "frame"}),
                          support::RowName());
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "librecordings/rosbag2/bagwriter.hpp"
 
 #include <skeigiot/recordings/ros4hriinput.hpp>
+#include <skeigiot/recordings/roscontent.hpp>
 
 #include <gtest/gtest.h>
 
@@ -417,6 +418,44 @@ TEST_F(LiveMessages, AboutPersonsThatAreCutAreRefused)
   for (const std::string topic : {"/humans/persons/p1/alias", "/humans/persons/p1/anonymous"})
     EXPECT_EQ(0U,
               errorOf(topic, std::string("\0\1\0\0", 4)).find("a message on the topic " + topic + " is left out: "));
+}
+
+TEST_F(LiveMessages, GiveAgeAndGenderOfAFace)
+{
+  see("ab");
+  after(100);
+  take("/humans/faces/ab/softbiometrics", support::softBiometricsMessage(33, 0.5f, 1, 0.75f));
+  see("ab");
+  const std::vector<Step> taken = after(100);
+  ASSERT_EQ(1U, taken.size());
+  ASSERT_TRUE(taken[0].observation.age);
+  EXPECT_EQ(33U, taken[0].observation.age->value.value);
+  ASSERT_TRUE(taken[0].observation.gender);
+  EXPECT_EQ(0.75f, taken[0].observation.gender->value.confidence);
+}
+
+TEST(MessagesOfTheRobot, GiveTheAnglesOfItsHead)
+{
+  const Ros4hriInput::TimePoint now{boost::chrono::seconds(1'700'000'000)};
+  Ros4hriInput input({}, {{"head_yaw", "head_pitch"}, ""});
+  const auto take = [&](const std::string& topic, const std::string& cdr) {
+    std::vector<char> data(cdr.begin(), cdr.end());
+    input.take(topic, now, data);
+  };
+  take("/joint_states", support::jointStatesMessage({"head_yaw", "head_pitch"}, {std::acos(-1.) / 4., 0.}));
+  take("/tf", support::tfMessage({support::faceFrame("ab", {0., 0., 1.5})}));
+  input.advance(now + milliseconds(100));
+  const auto step = input.next();
+  ASSERT_TRUE(step);
+  ASSERT_TRUE(step->observation.robotHeadPosture);
+  EXPECT_FLOAT_EQ(45.f, step->observation.robotHeadPosture->value.yaw);
+}
+
+TEST(ClockOfTheRobot, IsInNanoseconds)
+{
+  const std::string cdr = support::clockMessage(1'700'000'000'000'000'001);
+  std::vector<char> data(cdr.begin(), cdr.end());
+  EXPECT_EQ(1'700'000'000'000'000'001, KV::recordings::rosClockIn(data));
 }
 
 }  // namespace

@@ -470,4 +470,14 @@ TEST(RosbridgeAddress, IsWrittenAsUsersWriteIt)
   EXPECT_EQ("ws://[::1]:80/ros", textOf(KV::ros2::RosbridgeAddress{"::1", "80", "/ros"}));
 }
 
+TEST(RosbridgeOptions, HaveASteadyClock)
+{
+  const KV::ros2::RosbridgeOptions options;
+  const auto before = std::chrono::steady_clock::now();
+  const auto time = options.steadyClock();
+  EXPECT_LE(before, time);
+  EXPECT_LE(time, std::chrono::steady_clock::now());
+  EXPECT_EQ("/humans/faces/ab/expression", options.nameOf("/humans/faces/ab/expression")) << "names are as they are";
+}
+
 }  // namespace
