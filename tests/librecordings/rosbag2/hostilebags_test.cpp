@@ -341,4 +341,20 @@ TEST_F(HostileBags, ReadTheJournalAndLeaveNothingBesideIt)
   EXPECT_EQ((std::set<std::string>{"bag.db3", "bag.db3-wal"}), files);
 }
 
+TEST_F(HostileBags, AreRefusedIfTheLastPageIsNotWhole)
+{
+  goodBag();
+  EXPECT_EQ("", read().fatal);
+  std::ofstream(path(), std::ios::binary | std::ios::app) << "part of a page";
+  EXPECT_EQ(path() + ": ends too early: the file was cut", read().fatal);
+}
+
+TEST_F(HostileBags, AreRefusedIfTheKeyOfATopicIsNoNumber)
+{
+  goodBag().run("DROP TABLE topics");
+  bag().run("CREATE TABLE topics(id TEXT, name TEXT, type TEXT, serialization_format TEXT)");
+  bag().run("INSERT INTO topics VALUES ('first', '/tf', 'tf2_msgs/msg/TFMessage', 'cdr')");
+  EXPECT_EQ(path() + ": a topic has no whole number as its key", read().fatal);
+}
+
 }  // namespace
