@@ -366,4 +366,11 @@ TEST_F(Mcap, SaysThatItWasOverwrittenSinceItWasOpened)
               HasSubstr(" is damaged: its compressed data are damaged: "));
 }
 
+TEST_F(Mcap, MayEndItsDataWithTheFooter)
+{
+  const Contents contents = read(beginning() + tf(0.) + tf(1.) + mcapFooter());
+  EXPECT_EQ("", contents.fatal);
+  EXPECT_THAT(distancesOf(contents), ElementsAre(1.f, 2.f));
+}
+
 }  // namespace
