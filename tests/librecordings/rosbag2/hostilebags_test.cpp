@@ -357,4 +357,16 @@ TEST_F(HostileBags, AreRefusedIfTheKeyOfATopicIsNoNumber)
   EXPECT_EQ(path() + ": a topic has no whole number as its key", read().fatal);
 }
 
+TEST_F(HostileBags, AreRefusedIfTheyHaveTooManyTopics)
+{
+  constexpr std::size_t most = KV::recordings::limits::mostTopics;
+  for (const std::size_t count : {most, most + 1})
+  {
+    std::filesystem::remove(path());
+    goodBag().run("WITH RECURSIVE n(i) AS (SELECT 2 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(count) +
+                  ") INSERT INTO topics SELECT i, '/t' || i, 'x', 'cdr', '' FROM n");
+    EXPECT_EQ(count > most ? path() + ": has more than 10000 topics" : "", read().fatal);
+  }
+}
+
 }  // namespace
