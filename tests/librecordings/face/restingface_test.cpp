@@ -266,4 +266,13 @@ TEST_F(RestInARecording, BelongsToEachPerson)
   EXPECT_EQ(2, *entries.back().person);
 }
 
+TEST(RestingFace, IsTypicalWhereTheSpanHasNoScore)
+{
+  const FaceAdapter adapter(options("0..2"));
+  RestingFace rest;
+  show(adapter, rest, openFaceWith(4, std::numeric_limits<float>::quiet_NaN()), 0., 2., 10.);
+  show(adapter, rest, openFaceWith(4, 1.f), 2.1, 2.1, 10.);
+  EXPECT_NEAR(0.15f, restOf(rest, "AU04", 0.15f), 1e-3f);
+}
+
 }  // namespace

@@ -102,4 +102,11 @@ TEST_F(RecordingFormats, OfFaceAnalysersListTheColumnsTheyRead)
   }
 }
 
+TEST(IsRecording, LeavesTheErrorOfAFileThatCannotBeReadToTheReader)
+{
+  const support::TemporaryFolder folder;
+  EXPECT_FALSE(KV::recordings::isRecording(folder.write("notes.txt", "A text of words.\n")));
+  EXPECT_TRUE(KV::recordings::isRecording(folder.path("none")));
+}
+
 }  // namespace

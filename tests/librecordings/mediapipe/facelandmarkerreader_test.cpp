@@ -444,4 +444,10 @@ TEST_F(BlendshapeCsvReader, NamesWhatItCannotRead)
             errorOf(table + "\n1,0,0,0,0\n2,0,0"));
 }
 
+TEST_F(FaceLandmarkerReader, RefusesAFileWithoutAResult)
+{
+  EXPECT_EQ(folder.path("recording") + ": there is no result",
+            support::contentsOf(folder.write("recording", "[]"), "mediapipe").fatal);
+}
+
 }  // namespace

@@ -664,4 +664,20 @@ TEST_F(OpenFaceReader, ReadsToTheEndByItsProgress)
   EXPECT_DOUBLE_EQ(1.0, reader->progress());
 }
 
+TEST_F(OpenFaceReader, SaysOfEightPersonsWhatWasLearned)
+{
+  std::string text = "frame,face_id,timestamp,confidence,success,AU04_r\n";
+  for (int frame = 0; frame < 900; ++frame)
+    for (int person = 0; person < 9; ++person)
+      text += std::to_string(frame) + "," + std::to_string(person) + "," + std::to_string(frame * 0.1) + ",0.95,1," +
+              (frame % 7 == 0 ? "1.1" : "1") + "\n";
+  const auto reader = KV::recordings::openRecording(folder.write("recording", text), "", {});
+  while (reader->next())
+  {}
+  const std::vector<std::string> learned = reader->describeLearned();
+  ASSERT_EQ(8U, learned.size());
+  for (std::size_t person = 0; person < learned.size(); ++person)
+    EXPECT_EQ(0U, learned[person].rfind("rest of person " + std::to_string(person) + ", ", 0)) << learned[person];
+}
+
 }  // namespace

@@ -319,4 +319,33 @@ TEST_F(PyFeatReader, GivesTheSameBitsFromTheOwnFormat)
   support::expectSameBitsFromJsonLines(readWell(nodding(0.0173, 1.0), atThirty()));
 }
 
+TEST_F(PyFeatReader, RefusesAnEmotionInPercent)
+{
+  EXPECT_EQ("2: happy: expected a number from 0 to 1, found 95; it looks like percent: divide it by 100",
+            errorOf("FaceScore,Happy,frame\n0.9,95,0\n"));
+}
+
+TEST_F(PyFeatReader, LooksForAFaceWhereNoColumnTells)
+{
+  const auto contents = support::contentsOf(folder.write("recording", "Happy,frame\n1,0\n,30\n"), "pyfeat");
+  EXPECT_EQ("", contents.fatal);
+  EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "1000 0-"));
+}
+
+TEST_F(PyFeatReader, CountsRowsAsFramesWithoutNumbers)
+{
+  EXPECT_THAT(stepsOf(readWell("FaceScore,Happy\n0.9,1\n0.9,1\n")), ElementsAre("0 0+", "33 0+"));
+}
+
+TEST_F(PyFeatReader, LeavesOutTimesThatAreNone)
+{
+  for (const char* const time : {"later", "1", "00:-1", "1:2:3:4", "00:1x", ":"})
+  {
+    const auto contents =
+        readWell("FaceScore,Happy,frame,approx_time\n0.9,1,0," + std::string(time) + "\n0.9,1,30," + time + "\n");
+    EXPECT_THAT(stepsOf(contents), ElementsAre("0 0+", "1000 0+")) << time;
+    EXPECT_THAT(contents.warnings, ElementsAre(HasSubstr("30 frames/s are assumed"))) << time;
+  }
+}
+
 }  // namespace

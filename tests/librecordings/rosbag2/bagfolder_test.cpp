@@ -1,6 +1,9 @@
 #include "rosbag2/bagfolder.hpp"
 #include "librecordings/rosbag2/bagwriter.hpp"
 #include "librecordings/support.hpp"
+#include "support/thrown.hpp"
+
+#include <skeigiot/recordings/error.hpp>
 
 #include <gmock/gmock.h>
 
@@ -57,6 +60,12 @@ TEST(ListOfFiles, NamesNoFileElsewhere)
 {
   EXPECT_THAT(filesListedIn(metadataOf({"old_name/a_0.mcap", "/etc/passwd", "../../b.mcap", "~"})),
               ElementsAre("a_0.mcap", "passwd", "b.mcap"));
+}
+
+TEST(ListOfFiles, LeavesOutWhatRefersToAnotherName)
+{
+  EXPECT_THAT(filesListedIn("rosbag2_bagfile_information: {relative_file_paths: [&first a.mcap, *first, b.mcap]}"),
+              ElementsAre("a.mcap", "b.mcap"));
 }
 
 TEST(ListOfFiles, SaysWhereItCannotBeRead)
@@ -156,6 +165,12 @@ TEST_F(BagFolder, MayMixContainers)
   folder.write("metadata.yaml", "x");
   EXPECT_THAT(distances(), ElementsAre(9.f, 2.f));
   EXPECT_THAT(contents.description.at(0), testing::StartsWith("ROS 2 bag (SQLite; MCAP, chunks not compressed): "));
+}
+
+TEST_F(BagFolder, HasToExist)
+{
+  EXPECT_EQ(folder.path("none") + ": there is no such file",
+            support::textThrownBy<KV::recordings::Error>([this] { KV::recordings::filesOfBag(folder.path("none")); }));
 }
 
 }  // namespace

@@ -341,4 +341,32 @@ TEST_F(HostileBags, ReadTheJournalAndLeaveNothingBesideIt)
   EXPECT_EQ((std::set<std::string>{"bag.db3", "bag.db3-wal"}), files);
 }
 
+TEST_F(HostileBags, AreRefusedIfTheLastPageIsNotWhole)
+{
+  goodBag();
+  EXPECT_EQ("", read().fatal);
+  std::ofstream(path(), std::ios::binary | std::ios::app) << "part of a page";
+  EXPECT_EQ(path() + ": ends too early: the file was cut", read().fatal);
+}
+
+TEST_F(HostileBags, AreRefusedIfTheKeyOfATopicIsNoNumber)
+{
+  goodBag().run("DROP TABLE topics");
+  bag().run("CREATE TABLE topics(id TEXT, name TEXT, type TEXT, serialization_format TEXT)");
+  bag().run("INSERT INTO topics VALUES ('first', '/tf', 'tf2_msgs/msg/TFMessage', 'cdr')");
+  EXPECT_EQ(path() + ": a topic has no whole number as its key", read().fatal);
+}
+
+TEST_F(HostileBags, AreRefusedIfTheyHaveTooManyTopics)
+{
+  constexpr std::size_t most = KV::recordings::limits::mostTopics;
+  for (const std::size_t count : {most, most + 1})
+  {
+    std::filesystem::remove(path());
+    goodBag().run("WITH RECURSIVE n(i) AS (SELECT 2 UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(count) +
+                  ") INSERT INTO topics SELECT i, '/t' || i, 'x', 'cdr', '' FROM n");
+    EXPECT_EQ(count > most ? path() + ": has more than 10000 topics" : "", read().fatal);
+  }
+}
+
 }  // namespace

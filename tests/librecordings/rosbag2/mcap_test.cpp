@@ -3,6 +3,7 @@
 #include "librecordings/support.hpp"
 #include "rosbag2/bagfolder.hpp"
 #include "rosbag2/openbagfile.hpp"
+#include "support/thrown.hpp"
 
 #include <gmock/gmock.h>
 
@@ -338,6 +339,38 @@ TEST_F(Mcap, ReadsMessagesThatArePackedOneByOne)
               ElementsAre(HasSubstr("/tf: message 4: its compressed data are damaged: they end too early"),
                           HasSubstr("/tf: message 5: its compressed data are damaged: they unpack to more than 1048576 "
                                     "bytes")));
+}
+
+TEST_F(Mcap, SaysThatItWasCutSinceItWasOpened)
+{
+  const std::string bytes = beginning() + tf(0.) + tf(1.) + mcapDataEnd() + mcapFooter();
+  const std::string path = folder.write("bag.mcap", bytes);
+  const auto bag = KV::recordings::openBagFile(path);
+  std::filesystem::resize_file(path, bytes.size() - 1);
+  EXPECT_EQ(path + ": has become shorter while it was read", support::textThrownBy<KV::recordings::Error>([&] {
+              KV::recordings::BagMessage message;
+              bag->messagesOf({1})->next(message);
+            }));
+}
+
+TEST_F(Mcap, SaysThatItWasOverwrittenSinceItWasOpened)
+{
+  const std::string bytes = beginning() + mcapChunk(tf(0.) + tf(1.), "zstd") + mcapDataEnd() + mcapFooter();
+  const std::string path = folder.write("bag.mcap", bytes);
+  const auto bag = KV::recordings::openBagFile(path);
+  folder.write("bag.mcap", std::string(bytes.size(), '\0'));
+  EXPECT_THAT(support::textThrownBy<KV::recordings::Error>([&] {
+                KV::recordings::BagMessage message;
+                bag->messagesOf({1})->next(message);
+              }),
+              HasSubstr(" is damaged: its compressed data are damaged: "));
+}
+
+TEST_F(Mcap, MayEndItsDataWithTheFooter)
+{
+  const Contents contents = read(beginning() + tf(0.) + tf(1.) + mcapFooter());
+  EXPECT_EQ("", contents.fatal);
+  EXPECT_THAT(distancesOf(contents), ElementsAre(1.f, 2.f));
 }
 
 }  // namespace

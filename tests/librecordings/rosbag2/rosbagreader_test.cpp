@@ -666,4 +666,17 @@ TEST_F(RosbagReaderTest, SaysWhatIsMissing)
       read().description.front());
 }
 
+TEST(RosbagPath, MayHoldCharactersThatMeanSomethingInAnAddress)
+{
+  const support::TemporaryFolder folder;
+  for (const char* const name : {"a?mode=rwc.db3", "a#b.db3", "100%.db3", "%41.db3"})
+  {
+    support::BagWriter(folder.path(name), 1700000000000000000)
+        .add(0., "/tf", support::tfMessage({support::faceFrame("a", {0., 0., 2.})}));
+    const support::Contents contents = support::contentsOf(folder.path(name));
+    EXPECT_EQ("", contents.fatal) << name;
+    EXPECT_EQ(1U, contents.entries.size()) << name;
+  }
+}
+
 }  // namespace

@@ -368,4 +368,14 @@ INSTANTIATE_TEST_SUITE_P(
                     "3: reading: person 0 is not seen at this time, and yet observed"}),
     support::RowName());
 
+TEST_F(TidyCsv, SaysWhatItLacksToBeRead)
+{
+  const auto fatalOf = [this](const std::string& text) {
+    return support::contentsOf(folder.write("recording", text), "tidy").fatal;
+  };
+  EXPECT_EQ(folder.path("recording") + ": the file is empty", fatalOf(""));
+  EXPECT_EQ(folder.path("recording") + ":1: there is no column time", fatalOf("reading,value\nsmile,1\n"));
+  EXPECT_EQ(folder.path("recording") + ":1: there is no column reading", fatalOf("time,value\n0,1\n"));
+}
+
 }  // namespace

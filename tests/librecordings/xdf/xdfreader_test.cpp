@@ -436,4 +436,42 @@ TEST_F(RealXdf, WithEmptyStreamsListsThem)
   EXPECT_NEAR(91716.691572, data.offsets.front().time, 1e-6);
 }
 
+TEST_F(XdfReader, RefusesWhatNoSensorMeasures)
+{
+  const std::string recording =
+      xdfBegin() + xdfHeader(7, "Face", "", "double64", 10., {"Smile"}) +
+      xdfSamples(7, {xdfTime(1.) + xdfNumbers<double>({0.5}), xdfTime(1.1) + xdfNumbers<double>({1e300}),
+                     xdfTime(1.2) + xdfNumbers<double>({0.75})});
+  const Contents contents = read(recording, with(R"([{"stream": "Face", "channels": {"smile": "Smile"}}])"));
+  EXPECT_THAT(contents.badLines, ElementsAre(folder.path("recording") +
+                                             ", stream 'Face', sample 1: smile: expected a number, found '1e+300'"));
+  EXPECT_THAT(wordsOf(contents), ElementsAre("0 0 smile 50", "20 0 smile 75"));
+}
+
+TEST_F(XdfReader, RefusesAPersonWhoseNumberIsNotWhole)
+{
+  const Contents contents =
+      read(faceAndMarkers(), with(R"([{"stream": "Face", "person": "1.5", "channels": {"smile": "Smile"}}])"));
+  ASSERT_THAT(contents.badLines, Not(IsEmpty()));
+  EXPECT_EQ(folder.path("recording") + ", stream 'Face', sample 0: person: expected a whole number, found '1.5'",
+            contents.badLines[0]);
+}
+
+TEST_F(XdfReader, KeepsTheSamplesBeforeOneOfWhichChannelsAreMissing)
+{
+  const std::string recording =
+      xdfBegin() + xdfHeader(7, "Face", "", "float32", 10., {"Smile", "Yaw", "Pitch"}) +
+      xdfSamples(7, {xdfTime(1.) + xdfNumbers<float>({0.25f, 1.f, 2.f}), xdfTime(1.1) + xdfNumbers<float>({0.5f})});
+  const Contents contents =
+      read(recording, with(R"([{"stream": "Face", "channels": {"smile": "Smile", "gaze.yaw": 1, "gaze.pitch": 2}}])"));
+  EXPECT_THAT(wordsOf(contents), ElementsAre("0 0 smile 25 gaze 1,2"));
+  EXPECT_THAT(contents.badLines, SizeIs(1));
+}
+
+TEST_F(XdfReader, SaysWhatIsWrongWithTheChannelsOfAMapping)
+{
+  EXPECT_THAT(errorOfMapping(R"([{"stream": "Face", "channels": ["Smile"]}])"),
+              HasSubstr("channels: expected an object with a member for each reading"));
+}
+
 }  // namespace
