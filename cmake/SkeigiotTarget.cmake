@@ -28,12 +28,10 @@ function(skeigiot_configure_target target)
     endif()
   endif()
   if(SKEIGIOT_COVERAGE)
-    # Only functions of the libraries, the bridge and the Python module are counted, in any program that has them; code that
-    # the compiler adds to a static variable, for two threads that need it for the first time at once, is not.
+    # Only functions of the libraries, the bridge and the Python module are counted, in any program that has them.
     set(counted lib\(ko|emotion|recordings|session\)/\(include|src\) bridges/ros2/\(include|src\) python/src)
     list(JOIN counted "|" counted)
-    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fno-threadsafe-statics
-                                             -fprofile-filter-files=/\(${counted}\)/)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic -fprofile-filter-files=/\(${counted}\)/)
     target_link_options(${target} PRIVATE --coverage)
   endif()
   if(SKEIGIOT_HARDENED)
