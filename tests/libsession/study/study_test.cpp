@@ -2,6 +2,7 @@
 
 #include "support/tablename.hpp"
 #include "support/temporaryfolder.hpp"
+#include "support/thrown.hpp"
 
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/session/boundary.hpp>
@@ -161,6 +162,28 @@ TEST(Study, HasTheNameOfItsFolderIfTheFileHasNoName)
   const TemporaryFolder folder;
   EXPECT_EQ(std::filesystem::path(folder.path("study.toml")).parent_path().filename().string(),
             read(folder, head + std::string(files)).name);
+}
+
+TEST(Study, IsThatOfTheCurrentFolderIfItsPathHasNone)
+{
+  const TemporaryFolder folder;
+  folder.write("study.toml", std::string(head) + files);
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path(""));
+  const session::Study study = session::readStudy("study.toml");
+  std::filesystem::current_path(before);
+  EXPECT_EQ("study.toml", study.path);
+  EXPECT_EQ(".", study.folder);
+  EXPECT_EQ(std::filesystem::path(folder.path("")).parent_path().filename().string(), study.name);
+}
+
+TEST(Study, IsRefusedWithMoreThan64MebibytesBeforeItIsRead)
+{
+  const TemporaryFolder folder;
+  const std::string path = folder.write("study.toml", std::string(head) + files);
+  std::filesystem::resize_file(path, 64 * 1024 * 1024 + 1);
+  EXPECT_EQ(path + ": is larger than 64 MiB, too large for a study file",
+            support::textThrownBy<KV::recordings::Error>([&path] { session::readStudy(path); }));
 }
 
 TEST(Study, SaysThatAFileIsMissing)

@@ -146,6 +146,19 @@ TEST_F(StudyRun, KeepsUpdatesAndForcesWhereTheStudyWantsThem)
       << "the last force of an update leaves what the update shows";
 }
 
+TEST_F(StudyRun, KeepsTheClockOfUpdatesOfRecordingsWithDates)
+{
+  folder.add("p01/hello/face.csv",
+             "{\"time\":1577836800000000000,\"person\":1,\"observation\":{}}\n"
+             "{\"time\":1577836800500000000,\"person\":1,\"observation\":{}}\n");
+  folder.add("p02/hello/face.csv", touches);
+  run(faces + "[results]\nupdates = true\n[options]\ncycle = \"recorded\"\n");
+  EXPECT_EQ(
+      "p01/hello|1|0.0|1577836800.0\np01/hello|2|0.5|1577836800.5\n"
+      "p02/hello|1|0.0|-\np02/hello|2|0.5|-\np02/hello|3|1.0|-\n",
+      rows("SELECT session, number, time, clock FROM updates ORDER BY session, number"));
+}
+
 TEST_F(StudyRun, KeepsWhatIsGoodBesideSessionsWithErrors)
 {
   folder.add("p01/hello/face.csv", touches);
@@ -195,6 +208,18 @@ TEST_F(StudyRun, ListsWarningsAndNotesOfASession)
   EXPECT_EQ("1\n", rows("SELECT count(*) FROM warnings WHERE kind = 'bad lines' AND text LIKE '%face.csv:3: %'"));
   EXPECT_EQ("0\n", rows("SELECT count(*) FROM notes WHERE kind NOT IN ('read as', 'learned')"));
   EXPECT_NE("0\n", rows("SELECT count(*) FROM notes WHERE kind = 'read as'"));
+}
+
+TEST_F(StudyRun, ListsWarningsOfTheEstimate)
+{
+  folder.add("p01/hello/face.csv",
+             "{\"time\":0,\"person\":1,\"observation\":{}}\n"
+             "{\"time\":5000000000,\"person\":1,\"observation\":{\"voiceEmotion\":"
+             "{\"time\":1000000000,\"joy\":{\"value\":1,\"confidence\":1}}}}\n");
+  run(faces);
+  EXPECT_EQ("p01/hello|1|library|kvmood.emotionalstate: Processing old observation from 4 s ago of Voice Emotion\n",
+            rows("SELECT session, number, kind, text FROM warnings"));
+  EXPECT_EQ("complete|1\n", rows("SELECT status, warnings FROM sessions"));
 }
 
 TEST_F(StudyRun, PlaysASessionOnceAsLongAsItsFilesAreTheSame)
