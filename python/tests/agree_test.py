@@ -65,6 +65,10 @@ def test_refuses_what_cannot_be_compared(greeting, labels, tmp_path):
     assert (raised.value.line, raised.value.field) == (2, "end")
     with pytest.raises(FileNotFoundError):
         skeigiot.agree(greeting, tmp_path / "none.csv")
+    unknown = tmp_path / "unknown.csv"
+    unknown.write_text("nothing that is known\n")
+    with pytest.raises(skeigiot.RecordingError, match="the format is not known"):
+        skeigiot.agree(unknown, labels)
     with pytest.raises(ValueError, match="expected a state"):
         skeigiot.agree(greeting, labels, meanings={"smiling": "happy"})
     with pytest.raises(ValueError, match="there is no file of labels"):

@@ -150,6 +150,21 @@ def test_a_voice_emotion_has_the_scores_of_expressions() -> None:
         kv.VoiceEmotion(surprise=(0.5, 1.0))  # type: ignore[call-arg]
 
 
+def test_a_score_takes_a_whole_number_and_no_other_value() -> None:
+    expressions = kv.Expressions()
+    expressions.joy = kv.ValueConfidence(1, 0.5)
+    assert expressions.joy == kv.ValueConfidence(1.0, 0.5)
+    for value in (True, (1.0, 2.0)):
+        with pytest.raises(TypeError):
+            expressions.joy = kv.ValueConfidence(value, 0.5)  # type: ignore[arg-type]
+    assert expressions.joy == kv.ValueConfidence(1.0, 0.5)
+
+
+def test_numbers_that_are_not_finite_are_shown_as_python_shows_them() -> None:
+    assert repr(kv.Gaze(math.nan, math.inf)) == "Gaze(yaw=nan, pitch=inf)"
+    assert repr(kv.Gaze(-math.inf)) == "Gaze(yaw=-inf, pitch=0.0)"
+
+
 def test_facial_points_are_made_of_points_in_order() -> None:
     points = kv.FacialPoints([((1.0, 2.0), 0.5), kv.ValueConfidence((3.0, 4.0), 0.25)])
 

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstddef>
 #include <sstream>
 #include <string>

@@ -6,7 +6,7 @@
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/session/study.hpp>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstddef>
 #include <initializer_list>
@@ -16,6 +16,7 @@ namespace
 {
 
 using namespace replaytests;
+using ::testing::HasSubstr;
 namespace session = KV::session;
 
 const std::string face =
@@ -178,6 +179,62 @@ TEST_F(StudyDraft, UsesAParticipantThatIsThereTwiceAsOne)
 {
   add(face, {"p01/p01_face.csv", "p02/p02_face.csv"});
   EXPECT_EQ("[[files]]  # 2 files: openface\npattern = \"{participant}/{participant}_face.csv\"\n", patterns());
+}
+
+TEST_F(StudyDraft, TakesPartsOfNamesAsItTakesFolders)
+{
+  folder.add("hello/p01_face.csv", face);
+  folder.add("hello/p02_face.csv", face);
+  folder.add("hello/p03_face.csv", face);
+  folder.add("bye/p01_face.csv", face);
+  folder.add("bye/p01_voice.csv", voice);
+  folder.add("bye/p02_voice.csv", voice);
+  folder.add("notes.txt", "nothing");
+  const std::string text = draft();
+  EXPECT_THAT(text, HasSubstr("[[files]]  # 4 files: openface\npattern = \"{condition}/{participant}_face.csv\"\n# 1 "
+                              "of 5 sessions: no such file\n"));
+  EXPECT_THAT(
+      text,
+      HasSubstr("pattern = \"{condition}/{participant}_voice.csv\"\noptional = true  # 3 of 5 sessions: no such file"));
+  EXPECT_THAT(text, HasSubstr("# not used: \"notes.txt\"\n"));
+  folder.add("study.toml", text);
+  EXPECT_EQ(5U, session::planStudy(session::readStudy(folder.path("study.toml"))).sessions.size());
+}
+
+TEST_F(StudyDraft, TakesFilesOfOneFolder)
+{
+  folder.add("anna.csv", face);
+  folder.add("ben.csv", face);
+  EXPECT_THAT(draft(), HasSubstr("pattern = \"{participant}.csv\"\n"));
+}
+
+TEST_F(StudyDraft, HasTheFaceFirst)
+{
+  const std::string libreface =
+      ",frame_idx,frame_time_in_ms,aligned_frame_path,facial_expression,au_1,au_12,au_1_intensity,au_12_intensity\n"
+      "0,0,0.0,a.png,Happiness,0,1,0.0,3.0\n1,1,100.0,b.png,Happiness,0,1,0.0,3.0\n";
+  for (const std::string person : {"p01", "p02"})
+  {
+    folder.add(person + "/audio.csv", voice);
+    folder.add(person + "/libreface.csv", libreface);
+  }
+  const std::string text = draft();
+  EXPECT_LT(text.find("libreface.csv"), text.find("audio.csv")) << text;
+}
+
+TEST_F(StudyDraft, NamesTenFilesThatItDoesNotUseWhateverTheirNamesHold)
+{
+  folder.add("p01/hello/face.csv", face);
+  folder.add("p02/hello/face.csv", face);
+  for (int i = 10; i < 21; ++i)
+    folder.add("notes" + std::to_string(i) + "_\"a\\b\".csv", "nothing that is known\n");
+  folder.add("notes21_\x01.csv", "nothing that is known\n");
+  const std::string text = draft();
+  EXPECT_THAT(text, HasSubstr(R"(# not used: "notes10_\"a\\b\".csv")"));
+  EXPECT_THAT(text, HasSubstr("# not used: 2 more\n"));
+  EXPECT_THAT(text, HasSubstr(R"(# not used: "notes21_\u0001.csv")"));
+  folder.add("study.toml", text);
+  EXPECT_EQ(2U, session::planStudy(session::readStudy(folder.path("study.toml"))).sessions.size());
 }
 
 TEST_F(StudyDraft, DoesNotReadStudyFiles)

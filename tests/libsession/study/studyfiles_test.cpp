@@ -1,6 +1,6 @@
 #include "study/studyfiles.hpp"
 
-#include "support/temporaryfolder.hpp"
+#include "studyfolder.hpp"
 #include "support/thrown.hpp"
 
 #include <skeigiot/recordings/error.hpp>
@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -23,10 +24,11 @@ namespace session = KV::session;
 class FilesBelowAFolder : public ::testing::Test
 {
 protected:
-  void add(const std::string& name) const
+  void add(const std::string& name) const { folder.add(name, ""); }
+
+  void link(const std::string& name, const std::string& target) const
   {
-    std::filesystem::create_directories(std::filesystem::path(folder.path(name)).parent_path());
-    folder.write(name, "");
+    std::filesystem::create_directory_symlink(target, folder.path(name));
   }
 
   std::string errorFor(const std::string& name) const
@@ -34,7 +36,7 @@ protected:
     return support::textThrownBy<KV::recordings::Error>([&] { session::studyFilesIn(folder.path(name)); });
   }
 
-  TemporaryFolder folder;
+  StudyFolder folder;
 };
 
 TEST_F(FilesBelowAFolder, HaveRelativePathsInTheOrderOfTheirNames)
@@ -94,6 +96,30 @@ TEST_F(FilesBelowAFolder, AreAtMostThirtyTwoFoldersDeep)
   add(deepest + "face.csv");
   add(deepest + "a/face.csv");
   EXPECT_THAT(session::studyFilesIn(folder.path("")), ElementsAre(deepest + "face.csv"));
+}
+
+TEST_F(FilesBelowAFolder, AreAlsoThoseOfLinkedFolders)
+{
+  add("a/x.csv");
+  link("b", "a");
+  EXPECT_THAT(session::studyFilesIn(folder.path("")), ElementsAre("a/x.csv", "b/x.csv"));
+}
+
+TEST_F(FilesBelowAFolder, HaveAnEndWhereLinksLeadInACircle)
+{
+  add("a/x.csv");
+  add("b/y.csv");
+  link("a/self", ".");
+  link("a/up", "..");
+  for (const std::string name : {"1", "2", "3"})
+  {
+    link("a/to-b" + name, "../b");
+    link("b/to-a" + name, "../a");
+  }
+  link("a/nowhere", "nowhere");
+  link("a/around", "around");
+  const std::vector<std::string> files = session::studyFilesIn(folder.path(""));
+  EXPECT_EQ(2U + 3U + 3U, files.size()) << "each way to a file that goes through no folder twice";
 }
 
 TEST_F(FilesBelowAFolder, CannotBeThoseOfAFolderThatDoesNotExist)

@@ -1,8 +1,6 @@
 #include <skeigiot/session/studyplan.hpp>
 
-#include "study/namepattern.hpp"
-#include "study/studyfiles.hpp"
-#include "support/temporaryfolder.hpp"
+#include "studyfolder.hpp"
 
 #include <skeigiot/recordings/error.hpp>
 
@@ -10,7 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -42,124 +39,14 @@ std::vector<std::string> faultsOf(const session::StudySession& session)
   return texts;
 }
 
-TEST(NamePattern, GivesTheValuesOfItsPlaceholders)
-{
-  const session::NamePattern pattern("{participant}/{condition}_face.csv");
-  EXPECT_EQ((Values{{"participant", "p01"}, {"condition", "hello"}}),
-            pattern.match("p01/hello_face.csv").value_or(Values()));
-  EXPECT_FALSE(pattern.match("p01/hello_faceXcsv")) << "a dot is a dot";
-  EXPECT_FALSE(pattern.match("a/p01/hello_face.csv")) << "a placeholder has no slash";
-  EXPECT_FALSE(pattern.match("/hello_face.csv")) << "a placeholder is not empty";
-}
-
-TEST(NamePattern, ExpectsTheSameValueForThePlaceholderUsedTwice)
-{
-  const session::NamePattern pattern("{p}/{p}_1(a)+.csv");
-  EXPECT_EQ((Values{{"p", "p01"}}), pattern.match("p01/p01_1(a)+.csv").value_or(Values()));
-  EXPECT_FALSE(pattern.match("p01/p02_1(a)+.csv"));
-  EXPECT_THAT(pattern.placeholders(), ElementsAre("p"));
-}
-
-TEST(NamePattern, MatchesAnythingButASlashByAStar)
-{
-  const session::NamePattern pattern("{p}/*.csv");
-  EXPECT_TRUE(pattern.match("p01/.csv"));
-  EXPECT_TRUE(pattern.match("p01/face.csv"));
-  EXPECT_FALSE(pattern.match("p01/a/face.csv"));
-  EXPECT_FALSE(pattern.match(std::string(5000, 'a') + "/face.csv")) << "longer than any path";
-}
-
-TEST(NamePattern, GivesAPlaceholderAsMuchAsItCanTake)
-{
-  const session::NamePattern pattern("{p}_{c}*.csv");
-  EXPECT_EQ((Values{{"p", "a_b"}, {"c", "cd"}}), pattern.match("a_b_cd.csv").value_or(Values()));
-  const session::NamePattern stars("**{p}*.csv");
-  EXPECT_EQ((Values{{"p", "c"}}), stars.match("abc.csv").value_or(Values())) << "the stars come first";
-}
-
-TEST(NamePattern, FindsTheValueThatFitsWhereverItIsUsed)
-{
-  const session::NamePattern pattern("{p}_*/{p}_{q}/{q}.csv");
-  EXPECT_EQ((Values{{"p", "a"}, {"q", "d"}}), pattern.match("a_b_c/a_d/d.csv").value_or(Values()));
-  EXPECT_FALSE(pattern.match("a_b_c/x_d/d.csv"));
-}
-
-TEST(NamePattern, TakesLittleTimeForAnyNumberOfStarsAndPlaceholders)
-{
-  std::string stars = "{p}/";
-  std::string placeholders;
-  for (int i = 0; i < 50; ++i)
-  {
-    stars += "*a";
-    placeholders += "{p" + std::to_string(i) + "}a";
-  }
-  const std::string name(255, 'a');
-  const std::clock_t begin = std::clock();
-  EXPECT_FALSE(session::NamePattern(stars + "b").match("p/" + name));
-  EXPECT_TRUE(session::NamePattern(stars).match("p/" + name));
-  EXPECT_FALSE(session::NamePattern(placeholders + "b").match(name));
-  EXPECT_TRUE(session::NamePattern(placeholders).match(name));
-  EXPECT_FALSE(session::NamePattern("*{p}*-{p}").match(std::string(127, 'a') + "-" + std::string(127, 'b')));
-  EXPECT_LT(std::clock() - begin, 20 * CLOCKS_PER_SEC) << "less than a second on an idle machine";
-}
-
-class StudyFiles : public ::testing::Test
-{
-protected:
-  void link(const std::string& name, const std::string& target) const
-  {
-    std::filesystem::create_directory_symlink(target, folder.path(name));
-  }
-
-  void add(const std::string& name) const
-  {
-    std::filesystem::create_directories(std::filesystem::path(folder.path(name)).parent_path());
-    folder.write(name, "");
-  }
-
-  TemporaryFolder folder;
-};
-
-TEST_F(StudyFiles, AreThoseOfLinkedFolders)
-{
-  add("a/x.csv");
-  link("b", "a");
-  EXPECT_THAT(session::studyFilesIn(folder.path("")), ElementsAre("a/x.csv", "b/x.csv"));
-}
-
-TEST_F(StudyFiles, HaveAnEndWhereLinksLeadInACircle)
-{
-  add("a/x.csv");
-  add("b/y.csv");
-  link("a/self", ".");
-  link("a/up", "..");
-  for (const std::string name : {"1", "2", "3"})
-  {
-    link("a/to-b" + name, "../b");
-    link("b/to-a" + name, "../a");
-  }
-  link("a/nowhere", "nowhere");
-  link("a/around", "around");
-  const std::vector<std::string> files = session::studyFilesIn(folder.path(""));
-  EXPECT_EQ(2U + 3U + 3U, files.size()) << "each way to a file that goes through no folder twice";
-}
-
 class StudyPlan : public ::testing::Test
 {
 protected:
-  void add(const std::string& name, const std::string& text) const
-  {
-    std::filesystem::create_directories(std::filesystem::path(folder.path(name)).parent_path());
-    folder.write(name, text);
-  }
+  void add(const std::string& name, const std::string& text) const { folder.add(name, text); }
 
-  session::StudyPlan planOf(const std::string& text) const
-  {
-    folder.write("study.toml", "[study]\nversion = 1\n" + text);
-    return session::planStudy(session::readStudy(folder.path("study.toml")));
-  }
+  session::StudyPlan planOf(const std::string& text) const { return session::planStudy(folder.study(text)); }
 
-  TemporaryFolder folder;
+  StudyFolder folder;
   const std::string files = "[[files]]\npattern = \"{participant}/{condition}/face.csv\"\n";
 };
 
@@ -338,62 +225,6 @@ TEST_F(StudyPlan, KeepsOtherPlaceholdersAsFactors)
   EXPECT_EQ("", plan.sessions[0].condition);
 }
 
-TEST_F(StudyPlan, IsDraftedFromFoldersAndFromParts)
-{
-  add("hello/p01_face.csv", face);
-  add("hello/p02_face.csv", face);
-  add("hello/p03_face.csv", face);
-  add("bye/p01_face.csv", face);
-  add("bye/p01_voice.csv", voice);
-  add("bye/p02_voice.csv", voice);
-  add("notes.txt", "nothing");
-  const std::string draft = session::draftStudy(folder.path(""));
-  EXPECT_THAT(draft, HasSubstr("[[files]]  # 4 files: openface\npattern = \"{condition}/{participant}_face.csv\"\n# 1 "
-                               "of 5 sessions: no such file\n"));
-  EXPECT_THAT(
-      draft,
-      HasSubstr("pattern = \"{condition}/{participant}_voice.csv\"\noptional = true  # 3 of 5 sessions: no such file"));
-  EXPECT_THAT(draft, HasSubstr("# not used: \"notes.txt\"\n"));
-  folder.write("study.toml", draft);
-  EXPECT_EQ(5U, session::planStudy(session::readStudy(folder.path("study.toml"))).sessions.size());
-}
-
-TEST_F(StudyPlan, IsDraftedFromAFlatFolder)
-{
-  add("anna.csv", face);
-  add("ben.csv", face);
-  EXPECT_THAT(session::draftStudy(folder.path("")), HasSubstr("pattern = \"{participant}.csv\"\n"));
-}
-
-TEST_F(StudyPlan, IsDraftedWithTheFaceFirst)
-{
-  const std::string libreface =
-      ",frame_idx,frame_time_in_ms,aligned_frame_path,facial_expression,au_1,au_12,au_1_intensity,au_12_intensity\n"
-      "0,0,0.0,a.png,Happiness,0,1,0.0,3.0\n1,1,100.0,b.png,Happiness,0,1,0.0,3.0\n";
-  for (const std::string person : {"p01", "p02"})
-  {
-    add(person + "/audio.csv", voice);
-    add(person + "/libreface.csv", libreface);
-  }
-  const std::string draft = session::draftStudy(folder.path(""));
-  EXPECT_LT(draft.find("libreface.csv"), draft.find("audio.csv")) << draft;
-}
-
-TEST_F(StudyPlan, DraftNamesFilesThatItDoesNotUse)
-{
-  add("p01/hello/face.csv", face);
-  add("p02/hello/face.csv", face);
-  for (int i = 10; i < 21; ++i)
-    add("notes" + std::to_string(i) + "_\"a\\b\".csv", "nothing that is known\n");
-  add("notes21_\x01.csv", "nothing that is known\n");
-  const std::string draft = session::draftStudy(folder.path(""));
-  EXPECT_THAT(draft, HasSubstr(R"(# not used: "notes10_\"a\\b\".csv")"));
-  EXPECT_THAT(draft, HasSubstr("# not used: 2 more\n"));
-  EXPECT_EQ(std::string::npos, draft.find('\x01'));
-  folder.write("study.toml", draft);
-  EXPECT_EQ(2U, session::planStudy(session::readStudy(folder.path("study.toml"))).sessions.size());
-}
-
 TEST_F(StudyPlan, IsOneSessionWithoutPlaceholders)
 {
   add("face.csv", face);
@@ -401,12 +232,6 @@ TEST_F(StudyPlan, IsOneSessionWithoutPlaceholders)
   ASSERT_EQ(1U, plan.sessions.size());
   EXPECT_EQ("session", plan.sessions[0].name);
   EXPECT_EQ("", plan.sessions[0].participant);
-}
-
-TEST_F(StudyPlan, CannotBeDraftedWithoutARecording)
-{
-  add("a/notes.txt", "nothing");
-  EXPECT_THROW(session::draftStudy(folder.path("")), KV::recordings::Error);
 }
 
 TEST(StudyProblem, HasANameForEachKind)
