@@ -7,8 +7,9 @@
 #include <iostream>
 #include <iterator>
 #include <string>
+#include <vector>
 
-/// Runs each file of a corpus once, without libFuzzer: `replay CORPUS TARGET`, where CORPUS has a folder TARGET.
+/// Runs each file of folders once, without libFuzzer: `replay TARGET FOLDER...`.
 /// `replay --list` writes the names of all targets.
 
 namespace
@@ -20,6 +21,7 @@ std::string contentOf(const std::filesystem::path& path)
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/// Returns how many files there are.
 int replay(const fuzz::Target& target, const std::filesystem::path& folder)
 {
   int files = 0;
@@ -29,8 +31,8 @@ int replay(const fuzz::Target& target, const std::filesystem::path& folder)
     fuzz::runWithinBudget(target, contentOf(entry.path()));
     ++files;
   }
-  std::cout << files << " files of " << target.name << " replayed\n";
-  return files > 0 ? 0 : 1;
+  std::cout << files << " files of " << folder.string() << " replayed\n";
+  return files;
 }
 
 }  // namespace
@@ -44,12 +46,14 @@ int main(int argc, char** argv)
       std::cout << target.name << '\n';
     return 0;
   }
-  const auto isNamed = [&](const fuzz::Target& target) { return argc == 3 && target.name == argv[2]; };
+  const auto isNamed = [&](const fuzz::Target& target) { return argc > 2 && target.name == argv[1]; };
   const auto found = std::find_if(all.begin(), all.end(), isNamed);
   if (found == all.end())
   {
-    std::cerr << "usage: " << argv[0] << " CORPUS TARGET\n       " << argv[0] << " --list\n";
+    std::cerr << "usage: " << argv[0] << " TARGET FOLDER...\n       " << argv[0] << " --list\n";
     return 2;
   }
-  return replay(*found, std::filesystem::path(argv[1]) / argv[2]);
+  const std::vector<std::filesystem::path> folders(argv + 2, argv + argc);
+  const auto isEmpty = [&](const std::filesystem::path& folder) { return replay(*found, folder) == 0; };
+  return std::count_if(folders.begin(), folders.end(), isEmpty) == 0 ? 0 : 1;
 }
