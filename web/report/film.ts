@@ -20,6 +20,7 @@ export class Film {
   ) {
     this.video = element("video", { src: source.address, controls: "", preload: "auto", playsinline: "" });
     this.video.addEventListener("play", () => this.playing());
+    this.video.addEventListener("pause", () => this.tell());
     this.video.addEventListener("seeking", () => this.seeking());
     this.video.addEventListener("seeked", () => this.goOn());
     this.video.addEventListener("loadedmetadata", () => this.goOn());
