@@ -129,6 +129,10 @@ INSTANTIATE_TEST_SUITE_P(
                        "blendshapes.joy.sum[0].weight: expected a number of no more than a million, found '\"2\"'"},
         BadMappingCase{"ATermWithoutScores", R"({"emotions": {"joy": {"sum": [{"weight": 1}]}}})",
                        "emotions.joy.sum[0]: expected a term with a member of, found '{\"weight\":1}'"},
+        BadMappingCase{
+            "AnOffsetThatIsTooGreat",
+            R"({"streams": [{"stream": "S", "channels": {"smile": {"channel": 1, "offset": 1.005e9}}}]})",
+            "streams[0].channels.smile.offset: expected a number of no more than a billion, found '1005000000.0'"},
         BadMappingCase{"ARestThatIsNoShare", R"({"actionUnits": {"rest": {"AU04": {"typical": 1.5}}}})",
                        "actionUnits.rest.AU04.typical: expected a number from 0 to 1, found '1.5'"},
         BadMappingCase{"ARestOfAnUnknownScore", R"({"arkit": {"rest": {"browdown": {"typical": 0.1}}}})",

@@ -160,6 +160,17 @@ TEST_F(InputFile, ReportsHowFarItIs)
   }
 }
 
+TEST_F(InputFile, IsReadWholeAtMostThoughItGrows)
+{
+  const std::string path = folder.write("f", "a\n");
+  KV::recordings::InputFile file(path);
+  std::ofstream(path, std::ios::app) << std::string(1000, 'b') << '\n';
+  std::string_view line;
+  while (file.readLine(line))
+  {}
+  EXPECT_EQ(1.0, file.progress());
+}
+
 TEST_F(InputFile, SaysWhyItCannotBeOpened)
 {
   EXPECT_EQ(folder.path("none") + ": there is no such file", errorOf(folder.path("none")));

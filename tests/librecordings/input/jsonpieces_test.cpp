@@ -58,4 +58,10 @@ TEST_F(JsonPieces, HaveNoCommasBetweenThemOutsideAnArray)
   EXPECT_THAT(piecesOf("{}]"), ElementsAre("1: {}", "1: expected a JSON object, found ']'"));
 }
 
+TEST_F(JsonPieces, MayHaveBracesAndQuotesInTheirTexts)
+{
+  EXPECT_THAT(piecesOf(R"({"a":"}{"}{"b":"\"}"}{"c":"\\"}{})"),
+              ElementsAre(R"(1: {"a":"}{"})", R"(1: {"b":"\"}"})", R"(1: {"c":"\\"})", "1: {}"));
+}
+
 }  // namespace

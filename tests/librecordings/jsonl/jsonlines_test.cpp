@@ -3,6 +3,7 @@
 #include "librecordings/support.hpp"
 
 #include <skeigiot/recordings/jsonlineswriter.hpp>
+#include <skeigiot/recordings/observationjson.hpp>
 
 #include <gmock/gmock.h>
 
@@ -419,6 +420,26 @@ TEST_F(JsonLines, DescribeThemselvesInTwoLines)
 {
   EXPECT_THAT(read("{\"time\":1}\n").description,
               ElementsAre(HasSubstr("angles in degrees"), HasSubstr("nanoseconds")));
+}
+
+// Lines of a live stream.
+
+TEST(StreamLine, SetsTheBoundariesThatItNames)
+{
+  const auto line = KV::recordings::streamLineFromJson(
+      R"({"time":1,"boundaries":{"positive":0.1,"negative":-0.2,"confidence":0.3,"lookingAtRobot":0.4,)"
+      R"("strictlyLookingAtRobot":0.5,"excited":0.6}})",
+      {});
+  EXPECT_EQ(0.1f, line.boundaries.positive.value());
+  EXPECT_EQ(-0.2f, line.boundaries.negative.value());
+  EXPECT_EQ(0.3f, line.boundaries.confidence.value());
+  EXPECT_EQ(0.4f, line.boundaries.lookingAtRobot.value());
+  EXPECT_EQ(0.5f, line.boundaries.strictlyLookingAtRobot.value());
+  EXPECT_EQ(0.6f, line.boundaries.excited.value());
+
+  const auto other = KV::recordings::streamLineFromJson(R"({"time":1,"boundaries":{"excited":0.6}})", {});
+  EXPECT_FALSE(other.boundaries.positive);
+  EXPECT_EQ(0.6f, other.boundaries.excited.value());
 }
 
 }  // namespace

@@ -172,6 +172,7 @@ TEST(PlainJsonLines, LeaveEverythingElseToTheTree)
                                   std::string(R"({"time":1,"other":1})"),
                                   std::string(R"({"time":1,"stop":["a\u0041"]})"),
                                   std::string("{\"time\":1,\"stop\":[\"a\tb\"]}"),
+                                  std::string("{\"time\":1,\"stop\":[\"\x80\"]}"),
                                   std::string("{\"time\":1,\"stop\":[\"\xC3\"]}"),
                                   std::string("{\"time\":1,\"stop\":[\"\xED\xA0\x80\"]}"),
                                   std::string("{\"time\":1}\0", 11),

@@ -97,6 +97,14 @@ TEST_F(LabelFile, OfATrackIsSortedByTimeAndLeavesOutMissingValues)
   EXPECT_EQ(0.5, labels.tracks[0].samples[1].value);
 }
 
+TEST_F(LabelFile, OfATrackHasSeveralWordsForAMissingValue)
+{
+  const Labels labels = read("time,value\n0,\n1,na\n2,NaN\n3,None\n4,NULL\n5,0.5\n");
+  ASSERT_EQ(1U, labels.tracks.size());
+  ASSERT_EQ(1U, labels.tracks[0].samples.size());
+  EXPECT_EQ(5., labels.tracks[0].samples[0].time);
+}
+
 TEST_F(LabelFile, OfTracksHasOneForEachPersonCoderAndColumn)
 {
   const Labels labels =

@@ -329,6 +329,10 @@ TEST_F(FaceLandmarkerReader, NamesWhatItCannotRead)
   EXPECT_EQ("2: frame: expected a whole number, found '1.5'",
             errorOf(nobody + R"({"frame":1.5,"faceBlendshapes":[]})"));
   EXPECT_THAT(errorOf(R"({"timestamp":1e12,"faceBlendshapes":[]})"), HasSubstr("1: timestamp: expected seconds"));
+  EXPECT_THAT(errorOf("{\"frame\":5,\"faceBlendshapes\":[]}\n{\"frame\":3,\"faceBlendshapes\":[]}\n"),
+              HasSubstr("2: frame: time runs backwards"));
+  EXPECT_THAT(errorOf("{\"timestamp\":5,\"faceBlendshapes\":[]}\n{\"timestamp\":3,\"faceBlendshapes\":[]}\n"),
+              HasSubstr("2: timestamp: time runs backwards"));
   EXPECT_THAT(errorOf(nobody + "{\"frame\":1}\n"), HasSubstr("2: faceBlendshapes: is missing"));
   EXPECT_THAT(errorOf(nobody + "{\"faceBlendshapes\":[}]\n"), HasSubstr("2: expected a JSON object, but "));
   EXPECT_THAT(errorOf(nobody + "{\"faceBlendshapes\":nix}\n"), HasSubstr("2: expected a JSON object, but "));

@@ -8,6 +8,8 @@
 namespace
 {
 using support::stepsOf;
+using ::testing::AllOf;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -199,6 +201,8 @@ TEST_F(PyFeatReader, CountsAsTheMappingSays)
   EXPECT_NEAR(-11.4592f, observation.gaze.value().value.yaw, tolerance);
   EXPECT_NEAR(-5.7296f, observation.gaze.value().value.pitch, tolerance);
   EXPECT_THAT(contents.warnings, IsEmpty());
+  EXPECT_THAT(contents.description, Contains(AllOf(HasSubstr("Pitch down (as given)"),
+                                                   HasSubstr("gaze_yaw to the own right, gaze_pitch down"))));
 }
 
 TEST_F(PyFeatReader, RefusesALaterRowThatContradictsTheUnit)

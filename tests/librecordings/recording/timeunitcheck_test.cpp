@@ -75,4 +75,16 @@ TEST(AdviceOnSeconds, NamesTheUnitOfADate)
     EXPECT_EQ("", KV::recordings::adviceOnSeconds(other)) << other;
 }
 
+TEST(ImplausibleReading, IsOneWhoseTimeIsInAnotherUnitThanThatOfItsStep)
+{
+  KV::recordings::Step step = stepAt(1'700'000'000'000'000'000);
+  step.observation.speaking.emplace(support::timeOf(1'700'000'000), true);
+  const auto found = KV::recordings::implausibleReading(step);
+  ASSERT_TRUE(found);
+  EXPECT_EQ("speaking.time", found->member);
+
+  step.time = support::timeOf(1'700'000'000);
+  EXPECT_FALSE(KV::recordings::implausibleReading(step)) << "the time of the step itself is refused, not its reading";
+}
+
 }  // namespace

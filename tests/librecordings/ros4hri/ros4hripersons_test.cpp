@@ -381,4 +381,32 @@ TEST(RosbagPersons, DescribeThoseWithANameOnly)
   EXPECT_EQ(five + ", 5 is 'p4', and so on", persons.describe());
 }
 
+TEST(RosbagPersons, AreNotMadeByAnAliasOfABagThatHasTooMany)
+{
+  RosbagPersons persons;
+  addFaces(persons, most - 1);
+  persons.addVoice("last", "v");
+  EXPECT_EQ(most - 1, persons.ofVoice("v"));
+
+  persons.setAlias("p1", "unknown");
+  persons.setAlias("unknown", "p1");
+  EXPECT_EQ(1, persons.ofFace("f1"));
+  EXPECT_EQ("p1", persons.nameOf(1));
+
+  persons.setAlias("p1", "p0");
+  EXPECT_EQ(persons.ofFace("f0"), persons.ofFace("f1")) << "both were known before";
+}
+
+TEST(RosbagPersons, AreUsedByNamingAnAlias)
+{
+  RosbagPersons persons(true);
+  addFaces(persons, most);
+  persons.setAlias("p0", "");
+
+  persons.addFace("added", "f2");  // a face that is known: room is missing for the person only
+
+  EXPECT_EQ("p0", persons.nameOf(*persons.ofFace("f0")));
+  EXPECT_NE("p1", persons.nameOf(*persons.ofFace("f1"))) << "p1 was used longest ago";
+}
+
 }  // namespace

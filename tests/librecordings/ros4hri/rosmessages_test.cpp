@@ -1,5 +1,6 @@
 #include "ros4hri/rosmessages.hpp"
 #include "librecordings/rosbag2/bagwriter.hpp"
+#include "support/thrown.hpp"
 
 #include <gmock/gmock.h>
 
@@ -177,11 +178,13 @@ TEST(RosMessages, OfAClockAreTimesFromZeroOn)
   RosData time = dataOf(support::clockMessage(1'500'000'000));
   EXPECT_EQ(1'500'000'000, KV::recordings::readClock(time));
   RosData before = dataOf(support::clockMessage(-2'000'000'000));
-  EXPECT_THROW(KV::recordings::readClock(before), RosMessageError);
+  EXPECT_EQ("has a time that is none: -2 s and 0 ns",
+            support::textThrownBy<RosMessageError>([&] { KV::recordings::readClock(before); }));
   CdrWriter writer;
   writer << std::int32_t{1} << std::uint32_t{1'000'000'000};
   RosData tooManyNanoseconds = dataOf(writer.bytes());
-  EXPECT_THROW(KV::recordings::readClock(tooManyNanoseconds), RosMessageError);
+  EXPECT_EQ("has a time that is none: 1 s and 1000000000 ns",
+            support::textThrownBy<RosMessageError>([&] { KV::recordings::readClock(tooManyNanoseconds); }));
 }
 
 TEST(RosMessages, AreRefusedInOtherFormats)

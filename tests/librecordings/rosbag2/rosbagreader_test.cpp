@@ -2,6 +2,7 @@
 #include "librecordings/bits.hpp"
 #include "librecordings/rosbag2/bagwriter.hpp"
 #include "librecordings/support.hpp"
+#include "rosbag2/openbagfile.hpp"
 
 #include <skeigiot/recordings/faceadapter.hpp>
 #include <skeigiot/recordings/observationjson.hpp>
@@ -589,6 +590,28 @@ TEST_F(RosbagReaderTest, NeedsATopicThatItKnows)
                 ": has no topic that is read: expected /tf or topics of ROS4HRI below /humans, found "
                 "'/camera/image'",
             read().fatal);
+}
+
+TEST_F(RosbagReaderTest, NamesFourOfTheTopicsThatItDoesNotKnow)
+{
+  for (const char* const name : {"/a", "/b", "/c", "/d", "/e", "/f"})
+    bag().topic(name, "sensor_msgs/msg/Image");
+  EXPECT_THAT(read().fatal, testing::EndsWith("below /humans, found '/a', '/b', '/c', '/d', 2 more"));
+}
+
+TEST_F(RosbagReaderTest, TakesEachDifferentMessageAboutPersonsOnce)
+{
+  for (const char* const face : {"a", "b", "a", "a", "b"})
+    bag().add(1., "/humans/persons/ada/face_id", stringMessage(face));
+  bag().add(2., "/humans/persons/ben/face_id", stringMessage("a"));
+  read();
+  const auto opened = KV::recordings::openBagFile(path());
+  std::vector<std::int64_t> keys;
+  for (const auto& [key, topic] : opened->topics())
+    keys.push_back(key);
+  std::vector<std::int64_t> numbers;
+  EXPECT_TRUE(opened->forEachDifferent(keys, [&](const auto& message) { numbers.push_back(message.number); }));
+  EXPECT_THAT(numbers, ElementsAre(1, 2, 6));
 }
 
 TEST_F(RosbagReaderTest, NeedsTheTablesOfABag)

@@ -308,6 +308,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "2: time: expected a number, found 'soon'"},
         BadTidyCase{"TimeBeyondTheClock", "time,reading,value\n1e11,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found '1e11'"},
+        BadTidyCase{"ATimeThatIsNoNumber", "time,reading,value\n-nan,smile,1\n",
+                    "2: time: expected seconds, found '-nan'"},
         BadTidyCase{"Nanoseconds", "time,reading,value\n1577836800000000000,smile,1\n",
                     "2: time: expected seconds, from the start of the recording or since 1970, found "
                     "'1577836800000000000'; it looks like nanoseconds: divide it by 1000000000"},

@@ -133,6 +133,43 @@ TEST_F(XdfReader, ListsStreamsAndReadsMarkersWithoutAMapping)
   EXPECT_THAT(contents.description[2], HasSubstr("3 samples; not read"));
 }
 
+TEST_F(XdfReader, SaysHowOftenAStreamHasSamplesAndHowOftenItsClockWasSet)
+{
+  const auto described = [&](const std::string& rate) {
+    std::string header = xdfHeader(1, "A", "", "int16", 0., {"s"});
+    const std::string written = "<nominal_srate>0.000000</nominal_srate>";
+    header.replace(header.find(written), written.size(), rate.empty() ? std::string(written.size(), ' ') : rate);
+    return read(xdfBegin() + header).description.at(2);
+  };
+  EXPECT_THAT(described(""), HasSubstr("(1 channel of int16, irregular)"));
+  EXPECT_THAT(described("<nominal_srate>000001e9</nominal_srate>"), HasSubstr("(1 channel of int16, 1000000000 Hz)"));
+  EXPECT_THAT(described("<nominal_srate>0001.1e9</nominal_srate>"), HasSubstr("(1 channel of int16, irregular)"));
+  EXPECT_THAT(described("<nominal_srate>-0000012</nominal_srate>"), HasSubstr("(1 channel of int16, irregular)"));
+
+  std::string bytes = xdfBegin() + xdfHeader(1, "A", "", "int16", 0., {"s"});
+  for (int segment = 0; segment < 3; ++segment)
+    for (int i = 0; i < 20; ++i)
+    {
+      const double time = 1e6 * (segment + 1) + 5. * i;
+      bytes += xdfSamples(1, {xdfTime(time) + xdfNumbers<std::int16_t>({1})}) + xdfClockOffset(1, time, -1e6 * segment);
+    }
+  EXPECT_THAT(read(bytes).description.at(2), HasSubstr("60 samples, clock set 2 times; not read"));
+}
+
+TEST_F(XdfReader, ReadsNumbersWhereverTheBlocksOfTheFileEnd)
+{
+  std::string bytes = xdfBegin() + xdfHeader(1, "A", "", "double64", 0., {"s"});
+  constexpr int count = 20000;  // of 17 bytes each
+  for (int i = 0; i < count; ++i)
+    bytes += xdfSamples(1, {xdfTime(i) + xdfNumbers<double>({i / 65536.})});
+  const Contents contents = read(bytes, with(R"([{"stream": "A", "channels": {"smile": 0}}])"));
+  ASSERT_EQ(static_cast<std::size_t>(count), contents.entries.size());
+  for (int i = 0; i < count; ++i)
+    ASSERT_EQ(static_cast<float>(i / 65536.),
+              contents.entries[static_cast<std::size_t>(i)].observation.smile->value.value)
+        << i;
+}
+
 TEST_F(XdfReader, ScalesNumbersAndNamesStreamsByTypeOrSource)
 {
   const Contents contents = read(faceAndMarkers(), with(R"([
