@@ -105,7 +105,7 @@ std::string describeMissing(const Contents& contents)
   if (!facesHaveValence)
     parts.emplace_back(othersHaveValence ? "no expressions: the face does not move valence"
                                          : "no expressions: valence stays unknown");
-  if (!contents.haveAny({"headPosture", "gaze", "lookingAtRobot"}))
+  if (!contents.haveAny({"headPosture", "gaze"}))
     parts.emplace_back("neither head posture nor gaze: attention stays unknown");
   return recordings::listed(parts);
 }

@@ -162,12 +162,17 @@ TEST_F(InputFile, ReportsHowFarItIs)
 
 TEST_F(InputFile, IsReadWholeAtMostThoughItGrows)
 {
-  const std::string path = folder.write("f", "a\n");
+  const std::string text(4U << 20U, '\n');
+  const std::string path = folder.write("f", text);
   KV::recordings::InputFile file(path);
-  std::ofstream(path, std::ios::app) << std::string(1000, 'b') << '\n';
   std::string_view line;
+  ASSERT_TRUE(file.readLine(line));
+  EXPECT_LT(file.progress(), 1.0);
+  std::ofstream(path, std::ios::app) << text;
+  std::size_t lines = 1;
   while (file.readLine(line))
-  {}
+    ++lines;
+  EXPECT_EQ(2 * text.size(), lines);
   EXPECT_EQ(1.0, file.progress());
 }
 

@@ -202,7 +202,7 @@ TEST_F(PyFeatReader, CountsAsTheMappingSays)
   EXPECT_NEAR(-5.7296f, observation.gaze.value().value.pitch, tolerance);
   EXPECT_THAT(contents.warnings, IsEmpty());
   EXPECT_THAT(contents.description, Contains(AllOf(HasSubstr("Pitch down (as given)"),
-                                                   HasSubstr("gaze_yaw to the own right, gaze_pitch down"))));
+                                                   HasSubstr("gaze_yaw to the own right, gaze_pitch down,"))));
 }
 
 TEST_F(PyFeatReader, RefusesALaterRowThatContradictsTheUnit)

@@ -207,6 +207,20 @@ TEST_F(AgreementOfLabels, ComparesEngagementAndZones)
   EXPECT_NEAR(0.5, measured(agreement.comparisons[2].undelayed, "accuracy"), precision);
 }
 
+TEST_F(AgreementOfLabels, HasATableOfEachClassWithEach)
+{
+  for (int i = 0; i < 100; ++i)
+    recorder.personUpdated(update(1, 0.1 * i, i < 30 ? -0.9f : i < 50 ? 0.f : 0.9f));
+  add(0., 2., "negative");
+  add(2., 4., "neutral");
+  add(4., 10., "positive");
+  const std::vector<std::vector<double>> table = compare().comparisons[0].undelayed.confusion;
+  const std::vector<std::vector<double>> expected = {{2., 1., 0.}, {0., 1., 1.}, {0., 0., 5.}};
+  ASSERT_EQ(expected.size(), table.size());
+  for (std::size_t i = 0; i < expected.size(); ++i)
+    EXPECT_THAT(table[i], ::testing::Pointwise(::testing::DoubleNear(precision), expected[i])) << i;
+}
+
 TEST_F(AgreementOfLabels, CountsTheBoundaryOfEngagementAsEngaged)
 {
   const float boundary = KV::PersonState::getBinaryBoundaryLookingAtRobot();

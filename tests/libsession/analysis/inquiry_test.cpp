@@ -2,10 +2,12 @@
 
 #include "libsession/entries.hpp"
 #include "libsession/scriptedreader.hpp"
+#include "support/jsonmembers.hpp"
 
 #include <skeigiot/recordings/error.hpp>
 #include <skeigiot/session/explainer.hpp>
 #include <skeigiot/session/explanationjson.hpp>
+#include <skeigiot/session/sentence.hpp>
 #include <skeigiot/session/session.hpp>
 
 #include <gmock/gmock.h>
@@ -236,6 +238,48 @@ TEST(ExplanationJson, OfASpanHasSharesThatAddUpToAllForEachQuantity)
   for (const auto& [quantity, sum] : sums)
     EXPECT_NEAR(1., sum, 1e-9) << quantity;  // sums of some tens of shares
   EXPECT_THAT(json["sentences"], ::testing::SizeIs(2));
+}
+
+TEST(ExplanationJson, HasTheMembersThatProgramsRead)
+{
+  const Explanation moment = explainMoment(askedOf(scripted(together), 2), inNanoseconds(1.));
+  EXPECT_EQ(support::eachOnALine(R"(
+after after.attention after.attentionConfidence after.attentionKnown after.valence after.valenceConfidence
+after.valenceKnown after.zone before before.attention before.attentionConfidence before.attentionKnown
+before.valence before.valenceConfidence before.valenceKnown before.zone forces forces[].after forces[].before
+forces[].quantity forces[].source forces[].sourceName forces[].target forces[].time forces[].weight name person
+recording seen sentences time zoneChanges zoneChanges[].evidence zoneChanges[].from zoneChanges[].time
+zoneChanges[].to)"),
+            support::membersOf(Json::parse(explanationJson(moment, "face.csv"))));
+  const SpanExplanation span = explainSpan(askedOf(scripted(together), 2), inNanoseconds(0.), {});
+  EXPECT_EQ(support::eachOnALine(R"(
+after after.attention after.attentionConfidence after.attentionKnown after.valence after.valenceConfidence
+after.valenceKnown after.zone before before.attention before.attentionConfidence before.attentionKnown
+before.valence before.valenceConfidence before.valenceKnown before.zone first last name person recording
+sentences shares shares[].forces shares[].moved shares[].net shares[].quantity shares[].share shares[].source
+shares[].sourceName updates zoneChanges zoneChanges[].evidence zoneChanges[].from zoneChanges[].time
+zoneChanges[].to)"),
+            support::membersOf(Json::parse(explanationJson(span, "face.csv"))));
+}
+
+TEST(Sentences, NameTheSourcesThatMovedAnEstimateAndTheirWay)
+{
+  const Explanation moment = explainMoment(askedOf(scripted(together), 1), inNanoseconds(0.5));
+  EXPECT_THAT(
+      sentencesOn(moment),
+      ElementsAre("valence fell from 0.61 to 0.20: facial expressions (neutral) pulled 97 %, body language (neutral) "
+                  "pulled 3 %",
+                  "attention rose from 0.65 to 0.88: gaze and head pulled 100 %"));
+}
+
+TEST(Inquiry, FindsTheGreatestChangeOfTheAttentionWhereTheValenceStays)
+{
+  std::vector<KV::recordings::Step> steps;
+  for (int i = 0; i < 20; ++i)
+    steps.push_back(seenAt(0.1 * i, 1, 0.f));
+  const Explanation found = explainGreatestChange(askedOf(scripted(steps)));
+  EXPECT_EQ(found.before.valence.value, found.after.valence.value);
+  EXPECT_GT(found.after.attention.value, found.before.attention.value + 0.2f);
 }
 
 }  // namespace

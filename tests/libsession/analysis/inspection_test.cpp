@@ -121,6 +121,10 @@ TEST(TrustInARecording, SaysWhatFollowsFromWhatIsMissing)
       "seen in 100 % of steps; no expressions: valence stays unknown, neither head posture nor gaze: attention stays "
       "unknown",
       KV::session::trustIn(inspection));
+  step.observation.lookingAtRobot.emplace(step.time, true);
+  inspection.add(step);
+  EXPECT_THAT(KV::session::trustIn(inspection), ::testing::EndsWith("attention stays unknown"))
+      << "the estimate does not read it";
   step.observation.contextEmotion.emplace(step.time, KV::ContextEmotion(1, 5.f));
   inspection.add(step);
   EXPECT_EQ(
@@ -129,12 +133,29 @@ TEST(TrustInARecording, SaysWhatFollowsFromWhatIsMissing)
       KV::session::trustIn(inspection));
 }
 
+TEST(TrustInARecording, KnowsAllReadingsThatMoveValenceBesidesTheFace)
+{
+  const auto trustWith = [](const auto& reading, const auto& value) {
+    auto step = entryAt(0.);
+    step.person = 1;
+    (step.observation.*reading).emplace(step.time, value);
+    Inspection inspection;
+    inspection.add(step);
+    return KV::session::trustIn(inspection);
+  };
+  const ::testing::Matcher<std::string> moves = ::testing::HasSubstr("the face does not move valence");
+  using Observation = KV::PersonObservation;
+  const KV::ValueConfidence<float> one(1.f, 1.f);
+  EXPECT_THAT(trustWith(&Observation::voiceEmotion, KV::VoiceEmotion(one, one, one, one, one, one)), moves);
+  EXPECT_THAT(trustWith(&Observation::asrEmotion, 1.f), moves);
+  EXPECT_THAT(trustWith(&Observation::touchEmotion, 1), moves);
+  EXPECT_THAT(trustWith(&Observation::contextEmotion, KV::ContextEmotion(1, 5.f)), moves);
+}
+
 TEST(TrustInARecording, WithoutPersonsIsNone)
 {
   EXPECT_EQ("no persons", KV::session::trustIn(Inspection()));
 }
-
-}  // namespace
 
 TEST(TrustInARecording, MissesNoExpressionsWhereSmileAndSpeakingStandInForThem)
 {
@@ -150,3 +171,5 @@ TEST(TrustInARecording, MissesNoExpressionsWhereSmileAndSpeakingStandInForThem)
   speaking.add(step);
   EXPECT_EQ("seen in 100 % of steps; head 0 / 0 degrees right / up on average", KV::session::trustIn(speaking));
 }
+
+}  // namespace

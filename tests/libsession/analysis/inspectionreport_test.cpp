@@ -85,6 +85,14 @@ TEST_F(InspectionReportTest, HasNamesDatesAndScopes)
   EXPECT_EQ((Json{{"greeting", 1}}), json["scopes"]);
 }
 
+TEST_F(InspectionReportTest, HasListsOfPersonsAndReadingsThoughThereAreNone)
+{
+  const Json json = asJson(inspect(R"({"time":1577836801000000000,"start":[{"scope":"greeting","samples":-1}]})"
+                                   "\n"));
+  EXPECT_EQ(Json::object(), json["persons"]);
+  EXPECT_EQ(Json::object(), json["readings"]);
+}
+
 TEST_F(InspectionReportTest, GoesOnBehindBadLines)
 {
   const InspectionReport report = inspect(head + "0,1,smile,1\n0.5,1,smile,wide\n1,1,smile,wide\n1.5,1,smile,0\n");

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -124,6 +126,23 @@ TEST(PersonSummary, HasNoMeanOfWhatWasNeverKnown)
   EXPECT_TRUE(std::isnan(summary.attentionConfidence()));
   EXPECT_TRUE(std::isnan(summary.lookingAtRobotShare()));
   EXPECT_TRUE(std::isnan(summary.strictlyLookingAtRobotShare()));
+}
+
+TEST(Summary, ListsVerdictsByTheBeginningAndTheLongerOneFirst)
+{
+  KV::session::Summary summary;
+  const auto judge = [&](const char* scope, double from, double to) {
+    summary.scopeJudged({scope, inNanoseconds(from), inNanoseconds(to), KV::session::ScopeEnd::Complete, {}});
+  };
+  judge("late", 2., 3.);
+  judge("short", 0., 1.);
+  judge("long", 0., 5.);
+  judge("short as well", 0., 1.);
+  summary.finish();
+  std::vector<std::string> names;
+  for (const KV::session::ScopeVerdict& verdict : summary.verdicts())
+    names.push_back(verdict.name);
+  EXPECT_EQ((std::vector<std::string>{"long", "short", "short as well", "late"}), names);
 }
 
 }  // namespace

@@ -67,6 +67,24 @@ TEST_F(SessionPlanTest, TakesFilesNamedTogetherForInputsOfOneSession)
   EXPECT_THAT(planned(), ElementsAre("face.csv + voice.csv"));
 }
 
+TEST_F(SessionPlanTest, OpensOneInputAsItIsAndSeveralAsOneRecording)
+{
+  const std::string path = folder.write("a.csv", tidy);
+  KV::session::SessionInputs session;
+  session.inputs = {{path, {}}};
+  const KV::recordings::Reader* opened = nullptr;
+  const auto open = [&opened](const std::string& name) {
+    auto reader = KV::recordings::openRecording(name, "", {});
+    opened = reader.get();
+    return reader;
+  };
+  const auto one = KV::session::openSession(session, open);
+  EXPECT_EQ(opened, one.get());
+  session.inputs.push_back({folder.write("b.csv", tidy), {}});
+  const auto two = KV::session::openSession(session, open);
+  EXPECT_NE(opened, two.get());
+}
+
 TEST_F(SessionPlanTest, GivesEachFileASessionOfItsOwnOnRequest)
 {
   arguments.paths = {"face.csv", "voice.csv", "face.csv"};

@@ -1,6 +1,7 @@
 #include "report/reportdata.hpp"
 #include <skeigiot/session/session.hpp>
 #include "report/reportpage.hpp"
+#include "support/jsonmembers.hpp"
 
 #include <boost/chrono/duration.hpp>
 
@@ -62,6 +63,33 @@ TEST(ReportData, HoldsTheSeriesOfEachPerson)
   EXPECT_EQ("AQA=", person["seen"]);                      // 1 and 0 as bytes
   EXPECT_EQ("AAAAPwAAwH8=", person["inputs"]["smile"]);   // 0.5 and NaN as floats
   EXPECT_FALSE(person["inputs"].contains("joy"));
+}
+
+TEST(ReportData, HasTheMembersThatThePageReads)
+{
+  EXPECT_EQ(support::eachOnALine(R"(
+ambiance ambiance.agitation ambiance.excited ambiance.time begins boundaries boundaries[].description
+boundaries[].option boundaries[].value gaps gaps.at gaps.count gaps.longest inputs length notes origin
+origin.files origin.files[].bytes origin.files[].format origin.files[].path origin.made origin.options
+origin.readAs origin.version persons persons[].attention persons[].attentionChanges
+persons[].attentionConfidence persons[].attentionKnown persons[].forces persons[].forces.after
+persons[].forces.before persons[].forces.ends persons[].forces.quantity persons[].forces.source
+persons[].forces.target persons[].forces.weight persons[].id persons[].inputs persons[].inputs.smile
+persons[].moments persons[].name persons[].pleasure persons[].seen persons[].summary persons[].summary.attention
+persons[].summary.attentionConfidence persons[].summary.engaged persons[].summary.from
+persons[].summary.pleasures persons[].summary.pleasures.negative persons[].summary.pleasures.neutral
+persons[].summary.pleasures.positive persons[].summary.pleasures.unknown persons[].summary.strictlyEngaged
+persons[].summary.to persons[].summary.updates persons[].summary.valence persons[].summary.valenceConfidence
+persons[].summary.visible persons[].summary.zones persons[].summary.zones.LookingAtRobot
+persons[].summary.zones.LookingDown persons[].summary.zones.LookingDownLeft
+persons[].summary.zones.LookingDownRight persons[].summary.zones.LookingLeft
+persons[].summary.zones.LookingRight persons[].summary.zones.LookingUp persons[].summary.zones.LookingUpLeft
+persons[].summary.zones.LookingUpRight persons[].summary.zones.Unknown persons[].time persons[].updates
+persons[].valence persons[].valenceChanges persons[].valenceConfidence persons[].valenceKnown persons[].zone
+pleasureNames scopes scopes[].end scopes[].from scopes[].name scopes[].persons scopes[].persons[].id
+scopes[].persons[].updates scopes[].persons[].verdict scopes[].to sourceNames sources stretch trust
+updatesPerSecond zoneNames)"),
+            support::membersOf(dataOf("greeting")));
 }
 
 TEST(ReportData, HoldsVerdictsOnPersonsWithAnUpdateInTheScope)

@@ -144,6 +144,14 @@ TEST(Boundaries, ArePartOfTheCommandLineAllSix)
       (std::vector<std::string>{"boundary-positive", "boundary-negative", "boundary-confidence",
                                 "boundary-looking-at-robot", "boundary-strictly-looking-at-robot", "boundary-excited"}),
       optionNames());
+  std::vector<std::string> descriptions;
+  for (const Boundary& boundary : KV::session::boundaries())
+    descriptions.push_back(boundary.description);
+  EXPECT_EQ((std::vector<std::string>{
+                "valence from which a mood is positive", "valence below which a mood is negative",
+                "confidence below which a mood is unknown", "attention from which a person counts as engaged",
+                "attention from which a person counts as strictly engaged", "agitation from which a room is excited"}),
+            descriptions);
 }
 
 }  // namespace

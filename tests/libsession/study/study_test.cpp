@@ -114,6 +114,8 @@ au-full-scale = 4
   EXPECT_EQ(0.25F, study.reading.minimalConfidence);
   EXPECT_EQ(4.F, study.reading.actionUnitFullScale);
   EXPECT_EQ(folder.path("mine.json"), study.reading.mapping);
+  EXPECT_EQ("fps = ", study.reading.rateName) << "in messages";
+  EXPECT_EQ("mapping = ", study.reading.mappingName);
   EXPECT_EQ(10., study.minimalLength);
   EXPECT_EQ(0.5, study.greatestDifference);
   ASSERT_EQ(2U, study.files.size());

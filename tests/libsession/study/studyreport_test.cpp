@@ -1,6 +1,7 @@
 #include <skeigiot/session/studyreport.hpp>
 
 #include "libsession/study/writtenresults.hpp"
+#include "support/jsonmembers.hpp"
 
 #include <skeigiot/recordings/error.hpp>
 
@@ -208,6 +209,43 @@ TEST_F(StudyReport, ShowsSomeOfManyGroups)
   const Json first = data()["comparisons"][0];
   EXPECT_EQ(24, first["groups"].size());
   EXPECT_EQ(30, first["groupCount"]);
+}
+
+TEST_F(StudyReport, ComparesFourOfManyPlaceholders)
+{
+  results.add("p01", "hello", "0.5");
+  for (const char* const name : {"a", "b", "c", "d", "e"})
+    results.run(std::string("INSERT INTO factors VALUES ('p01/hello', '") + name + "', '1')");
+  const Json page = data();
+  EXPECT_EQ(Json::parse(R"(["a", "b", "c", "d"])"), page["factors"]);
+  EXPECT_EQ(5, page["factorCount"]);
+}
+
+TEST_F(StudyReport, HasTheMembersThatThePageReads)
+{
+  results.add("p01", "hello", "0.5");
+  results.add("p02", "bye", "0.25", "failed");
+  results.addSummary("p01/hello", 1, 2, "positive", "0.5", "positive");
+  results.run("INSERT INTO warnings VALUES ('p01/hello', 1, 'recording', 'a gap')");
+  EXPECT_EQ(support::eachOnALine(R"(
+comparisons comparisons[].by comparisons[].groupCount comparisons[].groups comparisons[].groups[].count
+comparisons[].groups[].interval comparisons[].groups[].mean comparisons[].groups[].persons
+comparisons[].groups[].role comparisons[].groups[].value comparisons[].quantity comparisons[].scope counts
+counts.complete counts.conditions counts.cutShort counts.failed counts.leftOut counts.length counts.persons
+counts.scopes counts.sessions factorCount factors files labels labels.agreement labels.agreement.accuracy
+labels.agreement.counts labels.agreement.interval labels.agreement.kappa labels.agreement.persons
+labels.agreement.unknown labels.agreement.words labels.verdicts labels.verdicts[].counts
+labels.verdicts[].counts.neutral labels.verdicts[].counts.positive labels.verdicts[].scope limits
+limits.personsOfSession limits.pictures limits.scopesOfPicture options participants pictures pictures.scopeNames
+pictures.sessions pictures.sessions[].condition pictures.sessions[].length pictures.sessions[].name
+pictures.sessions[].participant pictures.sessions[].personCount pictures.sessions[].persons
+pictures.sessions[].persons[].attention pictures.sessions[].persons[].id pictures.sessions[].persons[].name
+pictures.sessions[].persons[].participant pictures.sessions[].persons[].role
+pictures.sessions[].persons[].scopes pictures.sessions[].persons[].valence pictures.sessions[].status
+pictures.stretches pictures.withoutPicture scopes study troubles troubles.attentionUnknown troubles.nobody
+troubles.sessions troubles.sessions.all troubles.sessions.rows troubles.valenceUnknown troubles.warnings
+troubles.warnings.all troubles.warnings.rows)"),
+            support::membersOf(data()));
 }
 
 TEST_F(StudyReport, ComparesLabelsThatAreNamedAfterAVerdictWithTheVerdict)
