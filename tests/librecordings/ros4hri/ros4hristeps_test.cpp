@@ -231,6 +231,18 @@ TEST_F(FramesOfTheBody, GiveTheAnglesOfTheCamera)
   EXPECT_NEAR(-60.f, all[1].observation.robotHeadPosture->value.yaw, 1e-4f);
 }
 
+TEST_F(FramesOfTheBody, GiveNoAnglesToThoseWhoAreHeardWhileNobodyIsSeen)
+{
+  persons.addVoice("anna", "v1");
+  advanceTo(0);
+  cycles.transform({frame("base_link", "head", 30.), opticalFrame("head")});
+  cycles.speaking("v1", true);
+  const std::vector<Step> all = steps();
+  ASSERT_EQ(1U, all.size());
+  EXPECT_TRUE(all[0].observation.speaking->value);
+  EXPECT_FALSE(all[0].observation.robotHeadPosture);
+}
+
 TEST_F(FramesOfTheBody, GiveNoAnglesIfTheCameraIsNotPartOfTheBody)
 {
   advanceTo(0);
