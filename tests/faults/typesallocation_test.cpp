@@ -127,6 +127,20 @@ TEST(RegistrationWithoutMemory, RegistersAStructByItsNameOrChangesNothing)
   EXPECT_EQ(&registered, ko::findStruct(type.className()));
 }
 
+// The list of all structs grows in steps: with many, it has to grow while one of them is registered.
+TEST(RegistrationWithoutMemory, RegistersEachOfManyStructsByItsNameOrChangesNothing)
+{
+  for (int i = 0; i < 300; ++i)
+  {
+    const std::string name = "::faults::OneOfManyWithALongName" + std::to_string(i);
+    auto& registered = *new ko::detail::RecordType<Unknown>(name, {{"number", &Unknown::number}});
+    failUntilDone([&] { EXPECT_TRUE(ko::registerStruct(&registered)); },
+                  [&] { EXPECT_EQ(nullptr, ko::findStruct(name)); });
+    EXPECT_EQ(&registered, ko::findStruct(name));
+    EXPECT_EQ(&registered, ko::registeredStructs().back());
+  }
+}
+
 TEST(RegistrationWithoutMemory, MakesAnInterfaceOnFirstUseOrNone)
 {
   using Native = std::map<std::string, std::vector<std::pair<std::int16_t, double>>>;
