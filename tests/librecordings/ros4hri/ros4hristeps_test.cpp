@@ -83,6 +83,20 @@ TEST_F(RobotMessages, GiveAgeAndGenderWithTheNextFrameOfTheFace)
   EXPECT_EQ(0.75f, all[1].observation.gender->value.confidence);
 }
 
+TEST_F(RobotMessages, SayWhenOneAboutAFaceCameInLast)
+{
+  EXPECT_FALSE(cycles.lastReceived());
+  advanceTo(0);
+  face("ab");
+  EXPECT_EQ(beginning, cycles.lastReceived().value());
+  advanceTo(100);
+  cycles.softBiometrics("ab", {33, 0.5f, RosSoftBiometrics::female, 0.75f});
+  EXPECT_EQ(beginning + milliseconds(100), cycles.lastReceived().value());
+  advanceTo(200);
+  cycles.trackedFaces({});
+  EXPECT_EQ(beginning + milliseconds(200), cycles.lastReceived().value());
+}
+
 TEST_F(RobotMessages, LeaveOutAgeAndGenderWithoutConfidence)
 {
   advanceTo(0);

@@ -289,6 +289,17 @@ TEST_F(RosbridgeBus, SubscribesAndAdvertisesAnewAfterTheConnectionWasLost)
   EXPECT_EQ("sad", wordIn(takeMessage()));
 }
 
+TEST_F(RosbridgeBus, SaysAgainWhyThereIsNoConnectionAfterThereWasOne)
+{
+  connect();
+  server.hangUp();
+  EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
+  connectAgain();
+  EXPECT_THAT(bus->takeNotes(), ElementsAre("rosbridge at " + place + " is there again"));
+  server.hangUp();
+  EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
+}
+
 TEST_F(RosbridgeBus, NamesTheMemberOfAMessageThatDoesNotFitOnceForEachTopic)
 {
   connect();
