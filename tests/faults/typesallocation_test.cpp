@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <future>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -125,6 +126,23 @@ TEST(RegistrationWithoutMemory, RegistersAStructByItsNameOrChangesNothing)
                                              });
   EXPECT_GT(failures, 1U);
   EXPECT_EQ(&registered, ko::findStruct(type.className()));
+}
+
+// With more structs than before, the list of all has to grow once at least.
+TEST(RegistrationWithoutMemory, RegistersMoreStructsThanTheListHasRoomForOrForgetsTheirNames)
+{
+  using Struct = ko::detail::RecordType<Unknown>;
+  static auto& structs = *new std::vector<std::unique_ptr<Struct>>;
+  const std::size_t before = registeredStructCount();
+  for (std::size_t i = 0; i <= before; ++i)
+  {
+    const std::string name = "::faults::OneOfMany" + std::to_string(i);
+    structs.push_back(
+        std::make_unique<Struct>(name, std::vector{ko::detail::Member<Unknown>("number", &Unknown::number)}));
+    failUntilDone([&] { EXPECT_TRUE(ko::registerStruct(structs.back().get())); },
+                  [&] { EXPECT_EQ(nullptr, ko::findStruct(name)); });
+  }
+  EXPECT_EQ(before + before + 1, registeredStructCount());
 }
 
 TEST(RegistrationWithoutMemory, MakesAnInterfaceOnFirstUseOrNone)
