@@ -147,6 +147,8 @@ au-full-scale = 4
   EXPECT_EQ(0.3F, study.boundaries.at("boundary-positive"));
   EXPECT_EQ("29.97", study.options.at("fps"));
   EXPECT_EQ("true", study.options.at("mirrored"));
+  EXPECT_EQ("fps = ", study.reading.rateName) << "advice of a warning, as users write it";
+  EXPECT_EQ("mapping = ", study.reading.mappingName);
 }
 
 TEST(Study, LeavesTheBoundariesOfTheLibraryAsTheyAre)

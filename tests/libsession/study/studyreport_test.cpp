@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -208,6 +209,21 @@ TEST_F(StudyReport, ShowsSomeOfManyGroups)
   const Json first = data()["comparisons"][0];
   EXPECT_EQ(24, first["groups"].size());
   EXPECT_EQ(30, first["groupCount"]);
+}
+
+TEST_F(StudyReport, ComparesTheFirstFourPlaceholdersBesidesTheConditionAndCountsAll)
+{
+  results.add("p01", "hello", "0.5");
+  for (const std::string name : {"e", "a", "d", "b", "c"})
+    results.run("INSERT INTO factors VALUES ('p01/hello', '" + name + "', 'x')");
+  const Json page = data();
+  EXPECT_EQ(Json::parse(R"(["a", "b", "c", "d"])"), page["factors"]);
+  EXPECT_EQ(5, page["factorCount"]);
+  std::set<std::string> compared;
+  for (const Json& comparison : page["comparisons"])
+    compared.insert(comparison["by"].get<std::string>());
+  EXPECT_THAT(compared, ::testing::IsSupersetOf({"a", "d"}));
+  EXPECT_THAT(compared, Not(::testing::Contains("e")));
 }
 
 TEST_F(StudyReport, ComparesLabelsThatAreNamedAfterAVerdictWithTheVerdict)
