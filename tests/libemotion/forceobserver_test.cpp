@@ -440,6 +440,7 @@ TEST_F(ForceObserver, MayLetTheHeadPosturesBeForgottenFromItsCallback)
 
   EXPECT_TRUE(memory.headPostureMemory.records().empty());
   EXPECT_THAT(sources, testing::Contains("Body Language"));
+  EXPECT_THAT(sources, testing::Not(testing::Contains("Gaze and head based attention")));
   EXPECT_EQ(attention, person.personState.personAttention().value);
 }
 

@@ -6,9 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <future>
 #include <limits>
 #include <random>
 #include <string>
@@ -118,6 +120,21 @@ TEST(ApplyForces, WaitsForTheMutexAndLeavesItFree)
   const KV::Pulls pulls = pullsOfAllKinds(KV::WrittenWeights::most + 1);
   EXPECT_TRUE(support::waitsFor(quantities.mutex, [&] { quantities.pull(pulls); }));
   EXPECT_TRUE(support::isFree(quantities.mutex));
+}
+
+TEST(ApplyForces, MovesNothingWhileSomebodyElseHasTheMutex)
+{
+  Quantities quantities;
+  const float before = quantities.valence;
+  const KV::Pulls pulls{{1.f, 0.5f}};
+  boost::unique_lock<boost::mutex> lock(quantities.mutex);
+  std::future<void> done = std::async(std::launch::async, [&] { quantities.pull(pulls); });
+  done.wait_for(std::chrono::milliseconds(20));  // enough for a pull that does not wait
+  const float meanwhile = quantities.valence;
+  lock.unlock();
+  done.get();
+  EXPECT_EQ(before, meanwhile);
+  EXPECT_LT(before, quantities.valence);
 }
 
 }  // namespace

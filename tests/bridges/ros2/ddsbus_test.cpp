@@ -10,6 +10,9 @@
 #include <fastdds/dds/domain/DomainParticipantFactory.hpp>
 #include <fastdds/dds/publisher/DataWriter.hpp>
 #include <fastdds/dds/publisher/Publisher.hpp>
+#include <fastdds/dds/subscriber/DataReader.hpp>
+#include <fastdds/dds/subscriber/SampleInfo.hpp>
+#include <fastdds/dds/subscriber/Subscriber.hpp>
 #include <fastdds/dds/topic/TypeSupport.hpp>
 
 #include <gtest/gtest.h>
@@ -42,6 +45,50 @@ int domainOfThisProcess()
 {
   return 101 + static_cast<int>(::getpid() % 100);
 }
+
+/// Reads what nodes announce of themselves.
+class AnnouncedNodes
+{
+public:
+  AnnouncedNodes()
+  {
+    BusOptions options;
+    options.domain = domainOfThisProcess();
+    _participant = dds::DomainParticipantFactory::get_instance()->create_participant(
+        static_cast<std::uint32_t>(options.domain), KV::ros2::participantQosOf(options));
+    const std::string type = KV::ros2::ddsTypeOf("rmw_dds_common/msg/ParticipantEntitiesInfo");
+    dds::TypeSupport(new KV::ros2::RawType(type)).register_type(_participant);
+    dds::DataReaderQos qos = dds::DATAREADER_QOS_DEFAULT;
+    qos.reliability().kind = dds::RELIABLE_RELIABILITY_QOS;
+    qos.durability().kind = dds::TRANSIENT_LOCAL_DURABILITY_QOS;
+    qos.endpoint().history_memory_policy = eprosima::fastrtps::rtps::PREALLOCATED_WITH_REALLOC_MEMORY_MODE;
+    _reader =
+        _participant->create_subscriber(dds::SUBSCRIBER_QOS_DEFAULT)
+            ->create_datareader(_participant->create_topic("ros_discovery_info", type, dds::TOPIC_QOS_DEFAULT), qos);
+  }
+  ~AnnouncedNodes()
+  {
+    _participant->delete_contained_entities();
+    dds::DomainParticipantFactory::get_instance()->delete_participant(_participant);
+  }
+  AnnouncedNodes(const AnnouncedNodes&) = delete;
+  AnnouncedNodes& operator=(const AnnouncedNodes&) = delete;
+
+  /// Waits for an announcement, and returns its bytes.
+  KV::ros2::CdrBytes next()
+  {
+    constexpr int longestWait = 20;  // [s]
+    KV::ros2::RawMessage message;
+    dds::SampleInfo info;
+    if (!_reader->wait_for_unread_message({longestWait, 0}) || !_reader->take_next_sample(&message, &info))
+      throw std::runtime_error("no node announces itself");
+    return message.data;
+  }
+
+private:
+  dds::DomainParticipant* _participant = nullptr;
+  dds::DataReader* _reader = nullptr;
+};
 
 /// Writes one message on a topic, which readers that come later get, too. The user data may say the layout of the type.
 class LatchedWriter
@@ -283,6 +330,18 @@ TEST_F(DdsBus, CarriesMessagesWithoutAnnouncingANode)
   reader = open(options);
   EXPECT_TRUE(publishUntil({"/test/a"}, [this] { return hasReceived("/test/a"); }));
   EXPECT_EQ(1U, writer->counts().writers);
+}
+
+TEST_F(DdsBus, AnnouncesItsNodeAgainWithoutATopicThatIsWithdrawn)
+{
+  reader.reset();  // of which there would be announcements as well
+  AnnouncedNodes announced;
+  writer->publish("/test/a", KV::ros2::EngagementMessage{5, 3});
+  writer->take();
+  const std::size_t sizeWithTopic = announced.next().size();
+  writer->withdraw("/test/a");
+  writer->take();
+  EXPECT_GT(sizeWithTopic, announced.next().size());
 }
 
 TEST_F(DdsBus, RefusesAPeerThatIsNoAddress)

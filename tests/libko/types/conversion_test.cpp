@@ -378,10 +378,6 @@ TEST(Conversion, NamesThePlaceWhoseTypeIsNotRegistered)
   ko::TypeInterface* const list = ko::typeOf<std::vector<Unregistered>>();
   EXPECT_EQ("[0]: the type is not registered",
             textThrownBy<ko::TypeError>([&] { (void)Value::from(std::vector<int>{1}).convertedTo(list); }));
-  ko::TypeInterface* const map = ko::typeOf<std::map<std::string, int>>();
-  EXPECT_EQ("the type is not registered", textThrownBy<ko::TypeError>([&] {
-              (void)Value::from(std::map<std::string, Unregistered>{{"a", {}}}).convertedTo(map);
-            }));
 }
 
 TEST(Conversion, RefusesATargetOfAKindThatIsNotKnown)

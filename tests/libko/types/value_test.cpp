@@ -2,14 +2,18 @@
 #include "stranger.hpp"
 #include "support/thrown.hpp"
 
+#include <ko/json.hpp>
 #include <ko/typeerror.hpp>
 #include <ko/value.hpp>
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <sstream>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace
 {
@@ -245,6 +249,17 @@ TEST(Values, NameTheMemberWhoseTypeIsNotRegistered)
   ko::registerRecord<Holder>("HolderOfValues", {{"member", &Holder::member}});
   EXPECT_EQ("[0].member: the type is not registered",
             textThrownBy<ko::TypeError>([] { Value::from(std::vector<Holder>(1)).detached(); }));
+}
+
+TEST(Values, NameTheMapWhoseKeysOrElementsAreOfATypeThatIsNotRegistered)
+{
+  using UnknownElements = std::map<int, Unregistered>;
+  using UnknownKeys = std::map<Unregistered*, int>;
+  const std::string error = "[0]: the type is not registered";
+  EXPECT_EQ(error,
+            textThrownBy<ko::TypeError>([] { (void)ko::json::encode(Value::from(std::vector<UnknownElements>(1))); }));
+  EXPECT_EQ(error,
+            textThrownBy<ko::TypeError>([] { (void)ko::json::encode(Value::from(std::vector<UnknownKeys>(1))); }));
 }
 
 TEST(Values, PrintAsJson)

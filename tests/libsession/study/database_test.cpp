@@ -105,6 +105,17 @@ TEST_F(StudyDatabase, DoesNotWriteToAFileThatIsRead)
             textThrownBy<std::runtime_error>([&] { database.run("INSERT INTO t VALUES (1)"); }));
 }
 
+TEST_F(StudyDatabase, RunsNoViewAndNoTriggerOfAFile)
+{
+  Database database(path, Mode::Write);
+  database.run(
+      "CREATE TABLE t (a); CREATE TABLE u (a); CREATE VIEW v AS SELECT 1;"
+      "CREATE TRIGGER g AFTER INSERT ON t BEGIN INSERT INTO u VALUES (1); END; INSERT INTO t VALUES (1)");
+  EXPECT_EQ(0, database.whole("SELECT count(*) FROM u"));
+  EXPECT_EQ(path + ": access to view \"v\" prohibited",
+            textThrownBy<std::runtime_error>([&] { database.whole("SELECT * FROM v"); }));
+}
+
 TEST_F(StudyDatabase, LimitsTextsOfAFileThatIsRead)
 {
   {

@@ -114,8 +114,6 @@ au-full-scale = 4
   EXPECT_EQ(0.25F, study.reading.minimalConfidence);
   EXPECT_EQ(4.F, study.reading.actionUnitFullScale);
   EXPECT_EQ(folder.path("mine.json"), study.reading.mapping);
-  EXPECT_EQ("fps = ", study.reading.rateName) << "in messages";
-  EXPECT_EQ("mapping = ", study.reading.mappingName);
   EXPECT_EQ(10., study.minimalLength);
   EXPECT_EQ(0.5, study.greatestDifference);
   ASSERT_EQ(2U, study.files.size());
@@ -149,6 +147,8 @@ au-full-scale = 4
   EXPECT_EQ(0.3F, study.boundaries.at("boundary-positive"));
   EXPECT_EQ("29.97", study.options.at("fps"));
   EXPECT_EQ("true", study.options.at("mirrored"));
+  EXPECT_EQ("fps = ", study.reading.rateName) << "advice of a warning, as users write it";
+  EXPECT_EQ("mapping = ", study.reading.mappingName);
 }
 
 TEST(Study, LeavesTheBoundariesOfTheLibraryAsTheyAre)

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -211,16 +212,6 @@ TEST_F(StudyReport, ShowsSomeOfManyGroups)
   EXPECT_EQ(30, first["groupCount"]);
 }
 
-TEST_F(StudyReport, ComparesFourOfManyPlaceholders)
-{
-  results.add("p01", "hello", "0.5");
-  for (const char* const name : {"a", "b", "c", "d", "e"})
-    results.run(std::string("INSERT INTO factors VALUES ('p01/hello', '") + name + "', '1')");
-  const Json page = data();
-  EXPECT_EQ(Json::parse(R"(["a", "b", "c", "d"])"), page["factors"]);
-  EXPECT_EQ(5, page["factorCount"]);
-}
-
 TEST_F(StudyReport, HasTheMembersThatThePageReads)
 {
   results.add("p01", "hello", "0.5");
@@ -246,6 +237,21 @@ pictures.stretches pictures.withoutPicture scopes study troubles troubles.attent
 troubles.sessions troubles.sessions.all troubles.sessions.rows troubles.valenceUnknown troubles.warnings
 troubles.warnings.all troubles.warnings.rows)"),
             support::membersOf(data()));
+}
+
+TEST_F(StudyReport, ComparesTheFirstFourPlaceholdersBesidesTheConditionAndCountsAll)
+{
+  results.add("p01", "hello", "0.5");
+  for (const std::string name : {"e", "a", "d", "b", "c"})
+    results.run("INSERT INTO factors VALUES ('p01/hello', '" + name + "', 'x')");
+  const Json page = data();
+  EXPECT_EQ(Json::parse(R"(["a", "b", "c", "d"])"), page["factors"]);
+  EXPECT_EQ(5, page["factorCount"]);
+  std::set<std::string> compared;
+  for (const Json& comparison : page["comparisons"])
+    compared.insert(comparison["by"].get<std::string>());
+  EXPECT_THAT(compared, ::testing::IsSupersetOf({"a", "d"}));
+  EXPECT_THAT(compared, Not(::testing::Contains("e")));
 }
 
 TEST_F(StudyReport, ComparesLabelsThatAreNamedAfterAVerdictWithTheVerdict)

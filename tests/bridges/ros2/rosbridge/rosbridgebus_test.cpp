@@ -289,15 +289,52 @@ TEST_F(RosbridgeBus, SubscribesAndAdvertisesAnewAfterTheConnectionWasLost)
   EXPECT_EQ("sad", wordIn(takeMessage()));
 }
 
-TEST_F(RosbridgeBus, SaysAgainWhyThereIsNoConnectionAfterThereWasOne)
+TEST_F(RosbridgeBus, SubscribesToTheTopicsOfAListThatCameTogetherWithTheConnection)
 {
+  open(optionsOf(server.port()));
+  bus->take();
+  server.accept();
+  server.publish("/humans/faces/tracked", {{"header", header}, {"ids", {"f1"}}});
+  // Nothing is taken before the list is there.
+  while (bus->counts().received < 1)
+  {}
+  bus->take();
+  EXPECT_THAT(operations(3), UnorderedElementsAre("subscribe /humans/faces/tracked", "subscribe /humans/persons/known",
+                                                  "subscribe /humans/faces/f1/expression"));
+}
+
+TEST_F(RosbridgeBus, SaysAgainThatTheConnectionIsLostAfterItWasThereInBetween)
+{
+  const auto lose = [this] {
+    operations(2);  // nothing is left to read: the connection ends in the same way each time
+    server.hangUp();
+    return takeNote();
+  };
   connect();
-  server.hangUp();
-  EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
+  const std::string isLost = "there is no connection with rosbridge at " + place + ": it closed the connection; ";
+  EXPECT_THAT(lose(), ::testing::StartsWith(isLost));
   connectAgain();
   EXPECT_THAT(bus->takeNotes(), ElementsAre("rosbridge at " + place + " is there again"));
-  server.hangUp();
-  EXPECT_THAT(takeNote(), ::testing::StartsWith("there is no connection with rosbridge at " + place + ": "));
+  EXPECT_THAT(lose(), ::testing::StartsWith(isLost));
+}
+
+TEST_F(RosbridgeBus, EndsAConnectionThatDoesNotTakeWhatIsPublishedAndSaysSoOnce)
+{
+  connect();
+  const KV::ros2::TextMessage text{std::string(std::size_t{1} << 20U, 'a')};
+  std::vector<std::string> notes;
+  for (int i = 0; i < 64 && notes.empty(); ++i)  // more than what may wait, and what the system keeps of a connection
+  {
+    bus->publish("/v", text);
+    bus->take();
+    notes = bus->takeNotes();
+  }
+  EXPECT_THAT(notes,
+              ElementsAre("there is no connection with rosbridge at " + place +
+                          ": it does not take what is published; it is tried again in 1 s, and then less often"));
+  connectAgain();
+  EXPECT_THAT(bus->takeNotes(), ElementsAre("rosbridge at " + place + " is there again"));
+  EXPECT_EQ("/v", server.readUntil("advertise", "/v")["topic"]);
 }
 
 TEST_F(RosbridgeBus, NamesTheMemberOfAMessageThatDoesNotFitOnceForEachTopic)
