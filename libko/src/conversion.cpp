@@ -253,7 +253,7 @@ void Conversion::_fillMap(const ValueView& target, const ValueView& source, cons
       _insert(target, key, element, place.element(index++));
     return;
   }
-  std::vector<std::string> keys = names(source);
+  std::vector<std::string> keys = names(source, place);
   const std::vector<ValueView> parts = namedParts(source, place);
   for (std::size_t i = 0; i < parts.size(); ++i)
     _insert(target, {typeOf<std::string>(), &keys[i]}, parts[i], place.member(keys[i]));
@@ -306,7 +306,7 @@ void requireSameMembers(const ValueView& target, const ValueView& source, const 
 {
   const auto& type = target.as<StructTypeInterface>();
   const std::vector<std::string> own = type.elementsName();
-  const std::vector<std::string> theirs = names(source);
+  const std::vector<std::string> theirs = names(source, place);
   const MemberDifference difference{without(theirs, own), without(own, theirs)};
   if (type.convertFrom(difference))
     return;
@@ -325,7 +325,7 @@ void Conversion::_fillStruct(const ValueView& target, const ValueView& source, c
   const auto& type = target.as<StructTypeInterface>();
   const std::vector<std::string> own = type.elementsName();
   const std::vector<TypeInterface*> types = type.memberTypes();
-  const std::vector<std::string> theirs = names(source);
+  const std::vector<std::string> theirs = names(source, place);
   const std::vector<ValueView> parts = namedParts(source, place);
   for (std::size_t i = 0; i < own.size(); ++i)
   {

@@ -140,7 +140,7 @@ void TreeWriter::_map(JsonTree& target, const ValueView& view, const Place& plac
 
 void TreeWriter::_object(JsonTree& target, const ValueView& view, const Place& place, std::size_t depth) const
 {
-  const std::vector<std::string> memberNames = names(view);
+  const std::vector<std::string> memberNames = names(view, place);
   const std::vector<ValueView> parts = namedParts(view, place);
   target = JsonTree::object();
   auto& members = target.get_ref<JsonTree::object_t&>();

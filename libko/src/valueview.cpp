@@ -105,12 +105,12 @@ bool hasNames(const ValueView& view)
   return keyType && keyType->kind() == TypeKind::String;
 }
 
-std::vector<std::string> names(const ValueView& view)
+std::vector<std::string> names(const ValueView& view, const Place& place)
 {
   if (kindOf(view) == TypeKind::Struct)
     return view.as<StructTypeInterface>().elementsName();
   std::vector<std::string> keys;
-  for (const auto& [key, element] : entries(view))
+  for (const auto& [key, element] : entries(view, place))
     keys.push_back(key.as<StringTypeInterface>().value(key.storage));
   return keys;
 }

@@ -53,7 +53,9 @@ std::vector<std::pair<ValueView, ValueView>> entries(const ValueView& view, cons
 bool hasNames(const ValueView& view);
 
 /// Returns those names, in the order of members() and the elements of entries().
-std::vector<std::string> names(const ValueView& view);
+///
+/// \throws TypeError with the `place` of a map if the type of its elements is not registered.
+std::vector<std::string> names(const ValueView& view, const Place& place = {});
 
 /// Returns the parts that have names, in the order of names().
 std::vector<ValueView> namedParts(const ValueView& view, const Place& place = {});

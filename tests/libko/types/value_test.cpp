@@ -254,10 +254,16 @@ TEST(Values, NameTheMemberWhoseTypeIsNotRegistered)
 TEST(Values, NameTheMapWhoseKeysOrElementsAreOfATypeThatIsNotRegistered)
 {
   using UnknownElements = std::map<int, Unregistered>;
+  using NamedElements = std::map<std::string, Unregistered>;
   using UnknownKeys = std::map<Unregistered*, int>;
   const std::string error = "[0]: the type is not registered";
   EXPECT_EQ(error,
             textThrownBy<ko::TypeError>([] { (void)ko::json::encode(Value::from(std::vector<UnknownElements>(1))); }));
+  EXPECT_EQ(error,
+            textThrownBy<ko::TypeError>([] { (void)ko::json::encode(Value::from(std::vector<NamedElements>(1))); }));
+  EXPECT_EQ(error, textThrownBy<ko::TypeError>([] {
+              (void)Value::from(std::vector<NamedElements>(1)).to<std::vector<std::map<std::string, int>>>();
+            }));
   EXPECT_EQ(error,
             textThrownBy<ko::TypeError>([] { (void)ko::json::encode(Value::from(std::vector<UnknownKeys>(1))); }));
 }
