@@ -110,9 +110,9 @@ export function coderLines(person: Person, quantity: string): uPlot.Plugin[] {
 export function valueAt({ time, value }: LabelLine, at: number): number {
   if (time.length === 0 || at < time[0] || at > time[time.length - 1]) return NaN;
   let next = nearest(time, at);
-  while (next < time.length - 1 && time[next] < at) ++next;
-  const before = Math.max(0, next - 1);
-  if (time[next] === at || next === before) return value[next];
+  while (time[next] < at) ++next;
+  if (time[next] === at) return value[next];
+  const before = next - 1;
   return value[before] + ((at - time[before]) / (time[next] - time[before])) * (value[next] - value[before]);
 }
 
