@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <zstd.h>
 
+#include <algorithm>
+#include <fstream>
+
 namespace
 {
 class InputFile : public ::testing::Test
@@ -162,7 +165,7 @@ TEST_F(InputFile, ReportsHowFarItIs)
 
 TEST_F(InputFile, IsReadWholeAtMostThoughItGrows)
 {
-  const std::string text(4U << 20U, '\n');
+  const std::string text(1U << 20U, '\n');
   const std::string path = folder.write("f", text);
   KV::recordings::InputFile file(path);
   std::string_view line;
@@ -170,10 +173,11 @@ TEST_F(InputFile, IsReadWholeAtMostThoughItGrows)
   EXPECT_LT(file.progress(), 1.0);
   std::ofstream(path, std::ios::app) << text;
   std::size_t lines = 1;
-  while (file.readLine(line))
-    ++lines;
+  double greatest = 0.0;
+  for (; file.readLine(line); ++lines)
+    greatest = std::max(greatest, file.progress());
   EXPECT_EQ(2 * text.size(), lines);
-  EXPECT_EQ(1.0, file.progress());
+  EXPECT_EQ(1.0, greatest);
 }
 
 TEST_F(InputFile, SaysWhyItCannotBeOpened)
