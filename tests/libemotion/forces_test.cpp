@@ -6,11 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <future>
 #include <limits>
 #include <random>
 #include <string>
@@ -127,12 +125,9 @@ TEST(ApplyForces, MovesNothingWhileSomebodyElseHasTheMutex)
   Quantities quantities;
   const float before = quantities.valence;
   const KV::Pulls pulls{{1.f, 0.5f}};
-  boost::unique_lock<boost::mutex> lock(quantities.mutex);
-  std::future<void> done = std::async(std::launch::async, [&] { quantities.pull(pulls); });
-  done.wait_for(std::chrono::milliseconds(20));  // enough for a pull that does not wait
-  const float meanwhile = quantities.valence;
-  lock.unlock();
-  done.get();
+  float meanwhile = before + 1.f;
+  support::waitsFor(
+      quantities.mutex, [&] { quantities.pull(pulls); }, [&] { meanwhile = quantities.valence; });
   EXPECT_EQ(before, meanwhile);
   EXPECT_LT(before, quantities.valence);
 }

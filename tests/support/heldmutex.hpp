@@ -4,22 +4,26 @@
 #include <boost/thread/mutex.hpp>
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <vector>
 
 namespace support
 {
 
-/// Returns whether `action` waits for `mutex`: on another thread, it ends only after the mutex was released.
+/// Returns whether `action` waits for `mutex`: on another thread, it ends only after the mutex was released. Calls
+/// `meanwhile` before that.
 ///
 /// An operation that takes no mutex can seem to wait only if its thread was not scheduled for a moment; an operation
 /// that does wait never fails the check.
 template <typename Action>
-bool waitsFor(boost::mutex& mutex, Action action)
+bool waitsFor(
+    boost::mutex& mutex, Action action, const std::function<void()>& meanwhile = [] {})
 {
   boost::unique_lock<boost::mutex> lock(mutex);
   std::future<void> done = std::async(std::launch::async, action);
   const bool waited = done.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout;
+  meanwhile();
   lock.unlock();
   done.get();
   return waited;

@@ -66,6 +66,12 @@ describe("The video", () => {
     expect(set).toEqual([2, 4]);
   });
 
+  test("reports where it is when it is paused", () => {
+    now = 4.5;
+    said("pause");
+    expect(moved).toEqual([6.5]);
+  });
+
   test("says where it begins and ends", () => {
     film.show(1.99);
     expect([set, note()]).toEqual([[], ""]);
